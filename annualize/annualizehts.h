@@ -1,0 +1,74 @@
+#ifndef ANNUALIZE_ANNUALIZEHTS_H
+#define ANNUALIZE_ANNUALIZEHTS_H
+
+#include <cstdint>
+#include <vector>
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include "hts/htspackage.h"
+#include "hts/status.h"
+
+class QIODevice;
+
+// The engine behind both front ends: converts an HTS file into one with a yearly timestep.
+//
+//     AnnualizeHts engine;
+//     Status status = engine.setSourceDevice(&source);        // open for reading
+//     status = engine.setControlFile("methods.txt");
+//     status = engine.setResultDevice(&result);               // open for writing
+//     status = engine.setEndMonth(9);                         // water years
+//     status = engine.annualize();
+//
+// It opens and closes no device but the control file, keeps nothing but its settings from one
+// conversion to the next, and logs what it does at Info level; failures are returned, not logged.
+// Not safe to use from two threads at once.
+class AnnualizeHts
+{
+public:
+    // Number of the complete year, counted from 1, that each timestep belongs to: 0 before the first
+    // complete year, one more than the number of years after the last.
+    using ValueMap = std::vector<std::int32_t>;
+
+    AnnualizeHts() = default;
+    virtual ~AnnualizeHts();
+    AnnualizeHts(const AnnualizeHts&) = delete;
+    AnnualizeHts& operator=(const AnnualizeHts&) = delete;
+
+    // The settings. A value that is refused leaves the old one in place. The devices are not owned
+    // and must stay open while annualize() runs.
+    Status setSourceDevice(QIODevice* device);
+    Status setResultDevice(QIODevice* device);
+    // Path of the method control file, environment references already substituted; not empty.
+    Status setControlFile(const QString& path);
+    // Month that each year ends with, 1 to 12.
+    Status setEndMonth(int month);
+
+    // Runs one conversion: reads the source to the end of its last run and, when nothing failed,
+    // writes the result. Blocks until it is done.
+    Status annualize();
+
+    // The steps of annualize().
+
+    // Finds the complete years of `inputRun`. Appends a number for each of its timesteps to
+    // `valueMap`, which should be empty, and sets the timing of `annualRun` to one timestep for each
+    // complete year. Fails for an input that is annual already, and when there is no complete year;
+    // `annualRun` is then unchanged.
+    Status calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& valueMap,
+                                    HtsRun& annualRun) const;
+
+    // Reads the control file and sets `methods` to one method word for each slot, empty for a slot
+    // that no rule matches. Fails with the file's error text or the message for a bad line;
+    // `methods` is then unchanged.
+    Status assignMethods(const QVector<HtsSlot>& slots, QStringList& methods) const;
+
+private:
+    QIODevice* m_source = nullptr;
+    QIODevice* m_result = nullptr;
+    QString m_controlFile;
+    int m_endMonth = 0;
+};
+
+#endif // ANNUALIZE_ANNUALIZEHTS_H

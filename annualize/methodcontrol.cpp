@@ -1,0 +1,76 @@
+#include "annualize/methodcontrol.h"
+
+#include <QIODevice>
+
+#include "annualize/aggmethods.h"
+#include "hts/linereader.h"
+
+namespace {
+
+const QLatin1String kAny("*");
+
+Status lineFailure(const char* reason, const QString& line)
+{
+    return failure(QLatin1String("Method Control File Error: ") + QLatin1String(reason) +
+                   QLatin1String(" in line \n\"") + line + QLatin1Char('"'));
+}
+
+} // namespace
+
+Status MethodControl::read(QIODevice& device)
+{
+    LineReader reader(device);
+    while (!reader.atEnd()) {
+        const QString line = reader.text().trimmed();
+        if (line.isEmpty())
+            continue;
+        Status status = readRule(line);
+        if (!status.ok())
+            return status;
+    }
+    return {};
+}
+
+Status MethodControl::readRule(const QString& line)
+{
+    const int colon = line.lastIndexOf(QLatin1Char(':'));
+    if (colon < 0)
+        return lineFailure("Colon not found", line);
+
+    const QString word = line.mid(colon + 1).trimmed();
+    if (word.isEmpty())
+        return lineFailure("Method is blank", line);
+    const AggMethod* method = findMethodIgnoringCase(word);
+    if (method == nullptr)
+        return lineFailure("Unknown method specified", line);
+
+    // No method has a dot, so a dot stands before the colon.
+    const int dot = line.indexOf(QLatin1Char('.'));
+    if (dot < 0)
+        return lineFailure("Dot separator not found", line);
+    const QString slot = line.mid(dot + 1, colon - dot - 1).trimmed();
+    if (slot.isEmpty())
+        return lineFailure("Slot name is blank", line);
+    const QString object = line.left(dot).trimmed();
+    if (object.isEmpty())
+        return lineFailure("Object name is blank", line);
+
+    const Name name(object, slot);
+    if (!m_rules.contains(name))
+        m_rules.insert(name, {m_rules.size(), method->word});
+    return {};
+}
+
+QString MethodControl::methodFor(const HtsSlot& slot) const
+{
+    auto first = m_rules.constEnd();
+    for (const QString& object : {slot.objectName, slot.objectType, QString(kAny)}) {
+        for (const QString& slotName : {slot.slotName, QString(kAny)}) {
+            const auto rule = m_rules.constFind(Name(object, slotName));
+            const bool found = rule != m_rules.constEnd();
+            if (found && (first == m_rules.constEnd() || rule->order < first->order))
+                first = rule;
+        }
+    }
+    return first == m_rules.constEnd() ? QString() : first->method;
+}

@@ -1,0 +1,58 @@
+#include "hts/htspackage.h"
+
+#include <algorithm>
+
+namespace {
+
+// `index` as a position in a container of `size` elements, or -1.
+template<typename Container>
+bool holds(const Container& container, int index)
+{
+    return index >= 0 && index < container.size();
+}
+
+} // namespace
+
+void HtsPackage::copyPreamble(const HtsPackage& other)
+{
+    preambleRead = other.preambleRead;
+    name = other.name;
+    owner = other.owner;
+    description = other.description;
+    createDate = other.createDate;
+    numberOfRuns = other.numberOfRuns;
+    const int runCount = std::max(numberOfRuns, 0);
+    runs.resize(runCount);
+    values.resize(static_cast<std::size_t>(runCount));
+}
+
+void HtsPackage::setNumSlots(int count)
+{
+    slots.resize(count);
+    for (auto& runValues : values)
+        runValues.resize(static_cast<std::size_t>(count));
+}
+
+const HtsRun& HtsPackage::run(int index) const
+{
+    static const HtsRun kDefaultRun;
+    return holds(runs, index) ? runs.at(index) : kDefaultRun;
+}
+
+const HtsSlot& HtsPackage::slot(int index) const
+{
+    static const HtsSlot kDefaultSlot;
+    return holds(slots, index) ? slots.at(index) : kDefaultSlot;
+}
+
+void HtsPackage::setRun(int index, const HtsRun& run)
+{
+    if (holds(runs, index))
+        runs[index] = run;
+}
+
+void HtsPackage::setSlot(int index, const HtsSlot& slot)
+{
+    if (holds(slots, index))
+        slots[index] = slot;
+}

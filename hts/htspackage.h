@@ -1,0 +1,92 @@
+#ifndef HTS_HTSPACKAGE_H
+#define HTS_HTSPACKAGE_H
+
+#include <vector>
+
+#include <QDateTime>
+#include <QString>
+#include <QVector>
+
+#include "hts/htsrun.h"
+#include "hts/htsslot.h"
+#include "hts/status.h"
+
+class LineReader;
+class QIODevice;
+class QTextStream;
+
+// The values of one column, one for each row.
+using HtsColumn = std::vector<double>;
+// values[run][slot][column][row]
+using HtsValues = std::vector<std::vector<std::vector<HtsColumn>>>;
+
+// One HTS file in memory: the package preamble, the runs, the slots (the same in every run) and the
+// values. A plain value type; not safe to use from two threads at once.
+//
+//     HtsPackage package;
+//     const Status status = package.read(file);   // file: open for reading
+//     if (status.ok())
+//         use(package.slot(0).objectName, package.values[0][0][0]);
+//
+// docs/hts-format.md tells the file format.
+struct HtsPackage
+{
+    // Reads a whole file into this package, which must be empty. The device must be open for
+    // reading, in text mode or not, and may be sequential. The first problem ends the reading: the
+    // package is then incomplete and the device stands behind the line that was refused.
+    // Messages: "Cannot read package preamble", "Cannot read run preamble",
+    // "Cannot read slot preamble", "Cannot read HTS file: Missing units or scale".
+    // A table slot that no "END_SLOT" line follows is looked for without end.
+    Status read(QIODevice& device);
+
+    // The reader's steps. Each leaves the device behind the last line that it used.
+    // Fails with "Cannot read package preamble".
+    Status readPreamble(QIODevice& device);
+    Status readPreamble(LineReader& reader);
+    // Reads the units line, the scale line and, where the next byte is the letter m, the method
+    // line. Fails with "Cannot read HTS file: Missing units or scale" and leaves the three
+    // results alone.
+    static Status readColumnHeader(QIODevice& device, QString& units, double& scale,
+                                   QString& method);
+    static Status readColumnHeader(LineReader& reader, QString& units, double& scale,
+                                   QString& method);
+
+    // Writes the package as UTF-8 text to a device that is open for writing. Always succeeds: who
+    // opened the device looks at its error afterwards.
+    Status write(QIODevice& device) const;
+    Status writePreamble(QTextStream& stream) const;
+
+    // Takes over the preamble of `other`, and resizes `runs` and the run dimension of `values` to
+    // its numberOfRuns (below zero counts as none).
+    void copyPreamble(const HtsPackage& other);
+
+    int numSlots() const { return slots.size(); }
+    // Resizes `slots`, and the slot dimension of `values` in every run. `count` is 0 or more.
+    void setNumSlots(int count);
+
+    // The run or slot at the index; a default one that lives as long as the program when the index
+    // is out of range.
+    const HtsRun& run(int index) const;
+    const HtsSlot& slot(int index) const;
+    // Replaces the run or slot at the index; does nothing when the index is out of range.
+    void setRun(int index, const HtsRun& run);
+    void setSlot(int index, const HtsSlot& slot);
+
+    // Set when "END_PACKAGE_PREAMBLE" has been read.
+    bool preambleRead = false;
+    QString name;
+    QString owner;
+    QString description;
+    QDateTime createDate;
+    // As the file announces it; below zero counts as none.
+    int numberOfRuns = 0;
+    QVector<HtsRun> runs;
+    QVector<HtsSlot> slots;
+    HtsValues values;
+
+private:
+    Status readRun(LineReader& reader, int runIndex);
+    Status readSlot(LineReader& reader, int runIndex);
+};
+
+#endif // HTS_HTSPACKAGE_H

@@ -1,0 +1,45 @@
+#ifndef HTS_HTSRUN_H
+#define HTS_HTSRUN_H
+
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+
+#include "hts/status.h"
+
+class LineReader;
+class QIODevice;
+class QTextStream;
+
+// One run (trace) of a package: its timing and its timestep texts. A value type; the values of the
+// run's slots are in HtsPackage::values.
+struct HtsRun
+{
+    // Reads the run preamble and the timestep lines. Fails with "Cannot read run preamble".
+    Status readPreamble(QIODevice& device);
+    Status readPreamble(LineReader& reader);
+    // Writes what readPreamble reads. Always succeeds.
+    Status writePreamble(QTextStream& stream) const;
+
+    // Set when "END_RUN_PREAMBLE" has been read; after the timestep lines, whether the last one
+    // was a date-time text.
+    bool complete = false;
+    // Number of the trace, -1 when the run has none.
+    int trace = -1;
+    // First and last timestep, in UTC (see datetimetext.h); null when absent.
+    QDateTime start;
+    QDateTime end;
+    // "month", "week", "year"; the engine treats any other word like a day.
+    QString timeStepUnit;
+    int unitQuantity = 0;
+    // Number of timestep lines, and of values in each column of a series slot.
+    int timeStepCount = 0;
+    int consecutive = -1;
+    QString slotSet;
+    QString ruleSet;
+    int idxSequential = -1;
+    // One text for each timestep, in time order, as it stands in the file.
+    QStringList timesteps;
+};
+
+#endif // HTS_HTSRUN_H

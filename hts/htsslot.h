@@ -1,0 +1,50 @@
+#ifndef HTS_HTSSLOT_H
+#define HTS_HTSSLOT_H
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include "hts/status.h"
+
+class LineReader;
+class QIODevice;
+class QTextStream;
+
+// One slot of a package: whose it is, what kind it is, and the header of its columns. A value type;
+// the values are in HtsPackage::values.
+struct HtsSlot
+{
+    // Reads the slot preamble and the rows of a table slot. Fails with "Cannot read slot preamble".
+    Status readPreamble(QIODevice& device);
+    Status readPreamble(LineReader& reader);
+    // Writes what readPreamble reads. Always succeeds.
+    Status writePreamble(QTextStream& stream) const;
+
+    // True for an empty slot type and "SeriesSlot": one value for each timestep of the run.
+    bool isSeries() const;
+    // True for "TableSlot": text rows instead of columns of values.
+    bool isTable() const;
+    // `cols` of a table slot, else 1.
+    int numColumns() const;
+    // `rows` of a table slot, -1 for a series slot (the run's timeStepCount holds), else 1.
+    int numRows() const;
+
+    // Set when "END_SLOT_PREAMBLE" has been read.
+    bool preambleRead = false;
+    QString objectType;
+    QString objectName;
+    // "SeriesSlot", "TableSlot", "ScalarSlot", other text, or empty.
+    QString slotType;
+    QString slotName;
+    int rows = 0;
+    int cols = 0;
+    // Lines of a table slot, as they stand in the file.
+    QStringList tableRows;
+    // Column headers, one entry for each column; a column without a method has an empty text.
+    QStringList units;
+    QList<double> scales;
+    QStringList methods;
+};
+
+#endif // HTS_HTSSLOT_H

@@ -1,0 +1,97 @@
+#include "hts/numbertext.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <system_error>
+
+namespace {
+
+constexpr int kDecimals = 12;
+
+bool isSpace(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+char lower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool isNanWord(std::string_view text)
+{
+    return text.size() == 3 && lower(text[0]) == 'n' && lower(text[1]) == 'a' &&
+           lower(text[2]) == 'n';
+}
+
+// Whether `value` lies exactly between two numbers of 12 decimals. Such a number is an odd multiple
+// of 2^-13, since 10^-12 / 2 = 5^-12 * 2^-13 and a double has no factor 5 below its point.
+bool isExactHalf(double value)
+{
+    const double scaled = std::fabs(value) * 8192.0;
+    return scaled < 9007199254740992.0 && std::fmod(scaled, 2.0) == 1.0;
+}
+
+} // namespace
+
+std::string_view stripped(std::string_view bytes)
+{
+    while (!bytes.empty() && isSpace(bytes.front()))
+        bytes.remove_prefix(1);
+    while (!bytes.empty() && isSpace(bytes.back()))
+        bytes.remove_suffix(1);
+    return bytes;
+}
+
+QString decodedText(std::string_view line)
+{
+    const auto limit = static_cast<std::size_t>(std::numeric_limits<int>::max() / 4);
+    const std::string_view beforeNul = line.substr(0, std::min(line.find('\0'), limit));
+    return QString::fromUtf8(beforeNul.data(), static_cast<int>(beforeNul.size()));
+}
+
+const char* readPlainNumber(const char* first, const char* last, double& value)
+{
+    // std::from_chars also takes "inf", "nan" and "nan(...)", which the toolkit reads otherwise.
+    const char* digits = first;
+    if (digits != last && *digits == '-')
+        ++digits;
+    if (digits == last || !(isDigit(*digits) || *digits == '.'))
+        return first;
+    const auto [end, error] = std::from_chars(first, last, value);
+    return error == std::errc() ? end : first;
+}
+
+double lineToNumber(std::string_view line)
+{
+    const std::string_view text = stripped(line);
+    if (isNanWord(text))
+        return std::numeric_limits<double>::quiet_NaN();
+    const char* last = text.data() + text.size();
+    double value = 0.0;
+    if (!text.empty() && readPlainNumber(text.data(), last, value) == last)
+        return value;
+    return decodedText(text).toDouble();
+}
+
+char* writeNumber(char* out, double value)
+{
+    if (!std::isfinite(value)) {
+        std::memcpy(out, "NaN", 3);
+        return out + 3;
+    }
+    if (value == 0.0)
+        value = std::fabs(value); // drops the sign of minus zero
+    else if (isExactHalf(value)) // std::to_chars would round it to even
+        value = std::nextafter(value, std::copysign(std::numeric_limits<double>::infinity(), value));
+    return std::to_chars(out, out + kMaxNumberLength, value, std::chars_format::fixed, kDecimals)
+        .ptr;
+}

@@ -1,0 +1,35 @@
+#ifndef HTS_NUMBERTEXT_H
+#define HTS_NUMBERTEXT_H
+
+#include <cstddef>
+#include <string_view>
+
+#include <QString>
+
+// Numbers and texts of HTS lines. All of it is independent of the locale.
+
+// The bytes without white space (blank, tab, CR, LF, VT, FF) at both ends.
+std::string_view stripped(std::string_view bytes);
+
+// The text of a stripped line: UTF-8, each bad byte replaced by U+FFFD, a byte order mark at the
+// start dropped, everything from a NUL byte on left out.
+QString decodedText(std::string_view line);
+
+// The number that a line names after stripping: what QString::toDouble makes of decodedText, so 0
+// for a text that is no number.
+double lineToNumber(std::string_view line);
+
+// Reads a plain decimal number from the start of [first, last) and sets `value`. Returns where the
+// number ends, or `first`, with `value` unchanged, when what stands there is not plain enough to be
+// certain that the toolkit reads the same (a sign "+", a name such as "inf", out of range).
+const char* readPlainNumber(const char* first, const char* last, double& value);
+
+// Longest text that writeNumber makes: sign, 309 digits, point, 12 digits.
+constexpr std::size_t kMaxNumberLength = 323;
+
+// Writes `value` in fixed notation with 12 digits after the point, "NaN" unless it is finite, and
+// returns the end. `out` has room for kMaxNumberLength bytes. The digits are those of a QTextStream
+// in fixed notation: exact halves go away from zero, and minus zero has no sign.
+char* writeNumber(char* out, double value);
+
+#endif // HTS_NUMBERTEXT_H
