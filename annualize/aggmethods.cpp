@@ -39,7 +39,6 @@ const AggMethod* findMethodIgnoringCase(const QString& word)
 {
     // Not QString::compare without case: that also takes letters such as the long s for an s.
     const QString lowered = word.toLower();
-    return findIf([&](const AggMethod& method) {
-        return lowered == QString(method.word).toLower();
-    });
+    return findIf(
+        [&](const AggMethod& method) { return lowered == QString(method.word).toLower(); });
 }

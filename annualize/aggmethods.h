@@ -8,8 +8,8 @@
 
 #include "annualize/aggvalues.h"
 
-// A method that a control file can give to a slot. The one table of methods serves the control file,
-// the aggregation and the driver.
+// A method that a control file can give to a slot. The one table of methods serves the control
+// file, the aggregation and the driver.
 struct AggMethod
 {
     // In canonical case.

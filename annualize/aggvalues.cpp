@@ -55,8 +55,7 @@ bool AggValues::aggregate(const std::vector<double>& values,
 {
     clear();
     if (values.size() != valueMap.size()) {
-        errorMessage =
-            QStringLiteral("Sizes of input value and value map vectors are mismatched");
+        errorMessage = QStringLiteral("Sizes of input value and value map vectors are mismatched");
         return false;
     }
     if (newValueCount < 0) {

@@ -6,17 +6,17 @@
 
 #include <QString>
 
-// Aggregates the values of one series slot over the years that a value map tells, all twelve ways in
-// one pass.
+// Aggregates the values of one series slot over the years that a value map tells, all twelve ways
+// in one pass.
 //
 //     AggValues agg;
 //     QString message;
 //     if (agg.aggregate(values, valueMap, yearCount, message))
 //         use(agg.average());
 //
-// A value is usable when it is finite; an infinity counts as missing, like NaN. The plain aggregates
-// of a year with a missing value are NaN, those with the suffix Nan pass over missing values.
-// An object can be used again and again, by one thread at a time.
+// A value is usable when it is finite; an infinity counts as missing, like NaN. The plain
+// aggregates of a year with a missing value are NaN, those with the suffix Nan pass over missing
+// values. An object can be used again and again, by one thread at a time.
 class AggValues
 {
 public:
@@ -24,11 +24,11 @@ public:
     virtual ~AggValues();
 
     // Replaces the results by those of `values`, in time order. `valueMap` holds, for each value,
-    // the number of the year it belongs to, counted from 1; a value whose number is below 1 or above
-    // `newValueCount`, the number of years, is passed over. A year ends where the number changes, so
-    // that each result holds one value for each stretch of equal numbers. Returns false and sets
-    // `errorMessage` when the two differ in length or the count is negative; the results are then
-    // empty.
+    // the number of the year it belongs to, counted from 1; a value whose number is below 1 or
+    // above `newValueCount`, the number of years, is passed over. A year ends where the number
+    // changes, so that each result holds one value for each stretch of equal numbers. Returns false
+    // and sets `errorMessage` when the two differ in length or the count is negative; the results
+    // are then empty.
     bool aggregate(const std::vector<double>& values, const std::vector<std::int32_t>& valueMap,
                    std::int32_t newValueCount, QString& errorMessage);
 

@@ -28,8 +28,8 @@ class QIODevice;
 class AnnualizeHts
 {
 public:
-    // Number of the complete year, counted from 1, that each timestep belongs to: 0 before the first
-    // complete year, one more than the number of years after the last.
+    // Number of the complete year, counted from 1, that each timestep belongs to: 0 before the
+    // first complete year, one more than the number of years after the last.
     using ValueMap = std::vector<std::int32_t>;
 
     AnnualizeHts() = default;
@@ -53,9 +53,9 @@ public:
     // The steps of annualize().
 
     // Finds the complete years of `inputRun`. Appends a number for each of its timesteps to
-    // `valueMap`, which should be empty, and sets the timing of `annualRun` to one timestep for each
-    // complete year. Fails for an input that is annual already, and when there is no complete year;
-    // `annualRun` is then unchanged.
+    // `valueMap`, which should be empty, and sets the timing of `annualRun` to one timestep for
+    // each complete year. Fails for an input that is annual already, and when there is no complete
+    // year; `annualRun` is then unchanged.
     Status calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& valueMap,
                                     HtsRun& annualRun) const;
 
@@ -65,6 +65,8 @@ public:
     Status assignMethods(const QVector<HtsSlot>& slots, QStringList& methods) const;
 
 private:
+    class SlotLoop;
+
     QIODevice* m_source = nullptr;
     QIODevice* m_result = nullptr;
     QString m_controlFile;

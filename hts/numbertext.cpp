@@ -90,8 +90,9 @@ char* writeNumber(char* out, double value)
     }
     if (value == 0.0)
         value = std::fabs(value); // drops the sign of minus zero
-    else if (isExactHalf(value)) // std::to_chars would round it to even
-        value = std::nextafter(value, std::copysign(std::numeric_limits<double>::infinity(), value));
+    else if (isExactHalf(value))  // std::to_chars would round it to even
+        value =
+            std::nextafter(value, std::copysign(std::numeric_limits<double>::infinity(), value));
     return std::to_chars(out, out + kMaxNumberLength, value, std::chars_format::fixed, kDecimals)
         .ptr;
 }

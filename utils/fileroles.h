@@ -18,9 +18,9 @@ struct FileRole
 // is lost when two roles share them.
 bool isSameFile(const QString& path, const QString& otherPath);
 
-// Looks for a role in `others` whose file is that of `file`, which is about to be truncated. Returns
-// an empty text when there is none, else a text that names both: "The output hts file is the input
-// hts file /data/a.hts". Roles with an empty path are passed over.
+// Looks for a role in `others` whose file is that of `file`, which is about to be truncated.
+// Returns an empty text when there is none, else a text that names both: "The output hts file is
+// the input hts file /data/a.hts". Roles with an empty path are passed over.
 QString sharedFileMessage(const FileRole& file, const QVector<FileRole>& others);
 
 } // namespace UtilsNS

@@ -1,0 +1,122 @@
+// The complete years of a run: which timesteps belong to which year, and the annual timesteps.
+
+#include "annualize/annualizehts.h"
+
+#include <iterator>
+
+#include "QsLog.h"
+#include "hts/datetimetext.h"
+
+namespace {
+
+const QLatin1String kAlreadyAnnual("Source HTS File already in annual timestep");
+const QLatin1String kNoCompleteYear("Cannot create a complete year from the input HTS file");
+// The reader's message for a run that has fewer timesteps than it announces.
+const QLatin1String kTimestepsMissing("Cannot read run preamble");
+
+const QLatin1String kMonthUnit("month");
+const QLatin1String kWeekUnit("week");
+const QLatin1String kYearUnit("year");
+
+QLatin1String monthName(int month)
+{
+    static const char* const kNames[] = {"January",   "February", "March",    "April",
+                                         "May",       "June",     "July",     "August",
+                                         "September", "October",  "November", "December"};
+    const bool isMonth = month >= 1 && month <= static_cast<int>(std::size(kNames));
+    return QLatin1String(isMonth ? kNames[month - 1] : "");
+}
+
+// Midnight before the first day that follows the end month, in the calendar year of `runStart`.
+QDateTime firstYearStart(const QDateTime& runStart, int endMonth)
+{
+    const int month = endMonth == 12 ? 1 : endMonth + 1;
+    return QDateTime(QDate(runStart.date().year(), month, 1), QTime(0, 0), Qt::UTC);
+}
+
+// When the first timestep of a year ends at the latest. Finer units than a day count as a day.
+QDateTime endOfFirstTimestep(const QDateTime& yearStart, const QString& unit)
+{
+    if (unit == kMonthUnit)
+        return yearStart.addMonths(1);
+    return yearStart.addDays(unit == kWeekUnit ? 7 : 1);
+}
+
+// Whether the last timestep of a run completes the year that ends at `yearEnd`. A week must end
+// before the year does, deliberately: weeks rarely end with the year, and the one that contains the
+// year's end counts to the next year.
+bool completesYear(const QDateTime& lastTimestep, const QDateTime& yearEnd, const QString& unit)
+{
+    if (unit == kWeekUnit)
+        return lastTimestep < yearEnd && yearEnd.addDays(-7) < lastTimestep;
+    return lastTimestep == yearEnd;
+}
+
+} // namespace
+
+Status AnnualizeHts::calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& valueMap,
+                                              HtsRun& annualRun) const
+{
+    const QString& unit = inputRun.timeStepUnit;
+    if (unit == kYearUnit)
+        return failure(kAlreadyAnnual);
+    if (inputRun.timesteps.size() < inputRun.timeStepCount)
+        return failure(kTimestepsMissing);
+
+    QLOG_INFO() << "Starting calculation of new annual timesteps";
+    QLOG_INFO().noquote() << QLatin1String("Using ") + monthName(m_endMonth) +
+                                 QLatin1String(" as the year end for calculations.");
+
+    // End of the year under way, and start of the next.
+    QDateTime yearEnd = firstYearStart(inputRun.start, m_endMonth);
+    if (!inputRun.start.isValid() || !yearEnd.isValid())
+        return failure(kNoCompleteYear);
+
+    std::int32_t year = 0; // number of the year under way, 0 before the first complete one
+    QStringList annualTimesteps;
+    QDateTime timestep;
+    for (int i = 0; i < inputRun.timeStepCount; ++i) {
+        timestep = textToDateTime(inputRun.timesteps.at(i));
+        if (!timestep.isValid())
+            return failure(kNoCompleteYear);
+        if (i == 0) {
+            // Logged whether or not there is one.
+            QLOG_INFO() << "Ignoring partial year at beginning of timesteps";
+            if (yearEnd < timestep && endOfFirstTimestep(yearEnd, unit) < timestep)
+                yearEnd = yearEnd.addYears(1);
+        }
+        if (yearEnd < timestep) {
+            if (year != 0)
+                annualTimesteps.append(inputRun.timesteps.at(i - 1));
+            yearEnd = yearEnd.addYears(1);
+            ++year;
+        }
+        valueMap.push_back(year);
+    }
+
+    if (completesYear(timestep, yearEnd, unit)) {
+        annualTimesteps.append(inputRun.timesteps.at(inputRun.timeStepCount - 1));
+    } else {
+        --year;
+        QLOG_INFO() << "Ignoring partial year at end of timesteps";
+    }
+    if (year <= 0)
+        return failure(kNoCompleteYear);
+
+    annualRun.start = textToDateTime(annualTimesteps.first());
+    annualRun.end = textToDateTime(annualTimesteps.last());
+    annualRun.timeStepUnit = kYearUnit;
+    annualRun.unitQuantity = 1;
+    annualRun.timeStepCount = year;
+    annualRun.consecutive = inputRun.consecutive;
+    annualRun.slotSet = inputRun.slotSet;
+    annualRun.ruleSet = inputRun.ruleSet;
+    annualRun.idxSequential = inputRun.idxSequential;
+    annualRun.timesteps = annualTimesteps;
+
+    QLOG_INFO().noquote() << QLatin1String("New annual start timestep is ") +
+                                 annualTimesteps.first();
+    QLOG_INFO().noquote() << QLatin1String("New annual end timestep is ") + annualTimesteps.last();
+    QLOG_INFO() << "Finished calculation of new annual timesteps";
+    return {};
+}

@@ -1,0 +1,34 @@
+// The method of every slot, by the rules of the control file.
+
+#include "annualize/annualizehts.h"
+
+#include <QFile>
+
+#include "QsLog.h"
+#include "annualize/methodcontrol.h"
+
+Status AnnualizeHts::assignMethods(const QVector<HtsSlot>& slots, QStringList& methods) const
+{
+    QFile file(m_controlFile);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return failure(file.errorString());
+    QLOG_INFO() << "Starting assignment of methods to slots";
+
+    MethodControl control;
+    Status status = control.read(file);
+    if (!status.ok())
+        return status;
+
+    methods.clear();
+    methods.reserve(slots.size());
+    for (const HtsSlot& slot : slots) {
+        const QString method = control.methodFor(slot);
+        methods.append(method);
+        const QString outcome = method.isEmpty()
+                                    ? QStringLiteral(" HAD NO METHOD MATCH IN METHOD CONTROL FILE")
+                                    : QLatin1String(" assigned method of ") + method;
+        QLOG_INFO().noquote() << slot.objectName + QLatin1Char('.') + slot.slotName + outcome;
+    }
+    QLOG_INFO() << "Finished assigning methods to slots";
+    return {};
+}
