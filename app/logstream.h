@@ -1,0 +1,31 @@
+#ifndef APP_LOGSTREAM_H
+#define APP_LOGSTREAM_H
+
+#include <QMessageLogContext>
+#include <QString>
+#include <QTextStream>
+
+class QFile;
+
+// The log of the command-line mode. It has no device until the log file is open.
+extern QTextStream logStream;
+
+// Writes a message of the toolkit, the bare text, to logStream; does nothing while that has no
+// device. For qInstallMessageHandler.
+void logMessageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message);
+
+// While an object lives, logStream writes to the file and gets the toolkit's messages.
+class LogStreamAttachment
+{
+public:
+    // The file is open for writing and outlives the object.
+    explicit LogStreamAttachment(QFile& file);
+    ~LogStreamAttachment();
+    LogStreamAttachment(const LogStreamAttachment&) = delete;
+    LogStreamAttachment& operator=(const LogStreamAttachment&) = delete;
+
+private:
+    QtMessageHandler m_previousHandler;
+};
+
+#endif // APP_LOGSTREAM_H

@@ -1,0 +1,44 @@
+#include "app/platform.h"
+
+#include <cstdio>
+
+#include <QByteArray>
+#include <QTextCodec>
+#include <QtGlobal>
+
+#ifdef Q_OS_UNIX
+#include <langinfo.h>
+#endif
+
+namespace {
+
+// Before the log file is open, a warning of the toolkit has no place to go, and the console is for
+// the program's own texts. What ends the process is told all the same.
+void showFatalOnly(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+}
+
+} // namespace
+
+void prepareForNoWindow()
+{
+    qInstallMessageHandler(showFatalOnly);
+#ifdef Q_OS_UNIX
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+#endif
+}
+
+void chooseTextEncoding()
+{
+#ifdef Q_OS_UNIX
+    // The toolkit may have settled on an encoding before the locale was set, when the first text
+    // stream was made, so it is set in every case.
+    const QByteArray encoding = nl_langinfo(CODESET);
+    const bool isAscii = encoding == "ANSI_X3.4-1968" || encoding == "US-ASCII";
+    if (QTextCodec* codec = QTextCodec::codecForName(isAscii ? "UTF-8" : encoding))
+        QTextCodec::setCodecForLocale(codec);
+#endif
+}

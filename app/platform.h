@@ -1,0 +1,14 @@
+#ifndef APP_PLATFORM_H
+#define APP_PLATFORM_H
+
+// What the process sets up around the application object, in the order of the calls.
+
+// Before the application object is made, when there will be no window: the toolkit then needs no
+// display and keeps its warnings to itself.
+void prepareForNoWindow();
+
+// After the application object is made: under a C or POSIX locale, as a scheduler's jobs have it,
+// texts and file names are UTF-8.
+void chooseTextEncoding();
+
+#endif // APP_PLATFORM_H
