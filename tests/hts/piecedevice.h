@@ -1,0 +1,34 @@
+#ifndef TESTS_HTS_PIECEDEVICE_H
+#define TESTS_HTS_PIECEDEVICE_H
+
+#include <QByteArray>
+#include <QIODevice>
+#include <QRandomGenerator>
+
+// A sequential device, as a pipe or a socket is one: it hands its data out in pieces and can't
+// seek.
+class PieceDevice : public QIODevice
+{
+public:
+    // Every piece has `size` bytes at most.
+    PieceDevice(const QByteArray& data, qint64 size);
+
+    // Pieces of 1 to `size` bytes instead, by chance.
+    void setRandomPieces(quint32 seed);
+
+    bool isSequential() const override { return true; }
+    qint64 bytesAvailable() const override;
+
+protected:
+    qint64 readData(char* data, qint64 maxSize) override;
+    qint64 writeData(const char* data, qint64 size) override;
+
+private:
+    const QByteArray m_data;
+    const qint64 m_pieceSize;
+    qint64 m_next = 0;
+    bool m_isRandom = false;
+    QRandomGenerator m_random;
+};
+
+#endif // TESTS_HTS_PIECEDEVICE_H

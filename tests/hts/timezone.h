@@ -1,0 +1,21 @@
+#ifndef TESTS_HTS_TIMEZONE_H
+#define TESTS_HTS_TIMEZONE_H
+
+#include <QByteArray>
+
+// The time zone of the process, set for as long as an object lives.
+class TimeZone
+{
+public:
+    // `name` as in the environment variable TZ.
+    explicit TimeZone(const QByteArray& name);
+    ~TimeZone();
+    TimeZone(const TimeZone&) = delete;
+    TimeZone& operator=(const TimeZone&) = delete;
+
+private:
+    QByteArray m_nameBefore;
+    bool m_wasSet;
+};
+
+#endif // TESTS_HTS_TIMEZONE_H
