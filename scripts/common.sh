@@ -1,0 +1,93 @@
+# shellcheck shell=bash
+# What the scripts beside this file share; sourced by them, from any current directory.
+
+root=$(CDPATH='' cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$root" || exit
+
+# Names of Debian packages; "package=command" is also satisfied by the command from elsewhere.
+# shellcheck disable=SC2034 # used by the scripts that source this file
+build_packages=("cmake=cmake" "g++=g++" "ninja-build=ninja" "qtbase5-dev")
+oldest_cmake=3.21 # the first that reads this version of CMakePresets.json
+
+say() {
+    printf '==> %s\n' "$*"
+}
+
+die() {
+    printf '%s: %s\n' "${0##*/}" "$*" >&2
+    exit 1
+}
+
+# quietly WHAT COMMAND...: announces the step; shows the command's output only when it fails.
+quietly() {
+    local what=$1 output status=0
+    shift
+    say "$what"
+    output=$(mktemp)
+    "$@" >"$output" 2>&1 </dev/null || status=$?
+    if [ "$status" -ne 0 ]; then
+        cat "$output" >&2
+        rm -f "$output"
+        printf '%s: failed: %s\n' "${0##*/}" "$what" >&2
+        exit "$status"
+    fi
+    rm -f "$output"
+}
+
+is_installed() {
+    local package=${1%%=*} command=
+    [ "$package" = "$1" ] || command=${1#*=}
+    if [ -n "$command" ] && command -v "$command" >/dev/null; then
+        return 0
+    fi
+    command -v dpkg-query >/dev/null &&
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ]
+}
+
+# Asks for a password only where somebody can type it.
+sudo_works() {
+    command -v sudo >/dev/null || return 1
+    sudo -n true 2>/dev/null || { [ -t 0 ] && sudo -v; }
+}
+
+# require_packages PACKAGE[=COMMAND]...: installs those that are missing.
+require_packages() {
+    local missing=() as_root=() package
+    for package in "$@"; do
+        is_installed "$package" || missing+=("${package%%=*}")
+    done
+    [ "${#missing[@]}" -gt 0 ] || return 0
+
+    command -v apt-get >/dev/null ||
+        die "needed, and there is no apt-get here to install it (Debian names): ${missing[*]}"
+    if [ "$(id -u)" -ne 0 ]; then
+        sudo_works || die "needed, and neither root nor sudo is at hand to install it; let root" \
+            "run: apt-get install ${missing[*]}"
+        as_root=(sudo)
+    fi
+    as_root+=(env DEBIAN_FRONTEND=noninteractive apt-get)
+    quietly "Updating the package lists" "${as_root[@]}" update
+    quietly "Installing ${missing[*]}" \
+        "${as_root[@]}" install -y --no-install-recommends "${missing[@]}"
+}
+
+require_cmake_version() {
+    local version
+    version=$(cmake --version)
+    version=${version#cmake version }
+    version=${version%%[!0-9.]*}
+    printf '%s\n' "$oldest_cmake" "$version" | sort -V -C ||
+        die "cmake $version is too old, $oldest_cmake or newer is needed"
+}
+
+# build_preset PRESET [TARGET...]: configures the first time only, then builds what is out of date.
+build_preset() {
+    local preset=$1 targets=()
+    shift
+    [ "$#" -eq 0 ] || targets=(--target "$@")
+    require_cmake_version
+    if [ ! -f "build/$preset/build.ninja" ]; then
+        quietly "Configuring build/$preset" cmake --preset "$preset"
+    fi
+    quietly "Building build/$preset" cmake --build --preset "$preset" "${targets[@]}"
+}
