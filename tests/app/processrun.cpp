@@ -1,0 +1,133 @@
+#include "tests/app/processrun.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QLocale>
+#include <QProcess>
+
+namespace {
+
+// A run that takes longer is a hang.
+constexpr int kTimeoutMs = 60000;
+
+} // namespace
+
+ProcessRun::ProcessRun()
+{
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    // Sanitizer options and coverage counts of the tests hold for the program too.
+    for (const char* name : {"PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
+        if (qEnvironmentVariableIsSet(name))
+            environment.insert(QString::fromLatin1(name), qEnvironmentVariable(name));
+    }
+    environment.insert(QStringLiteral("PROGRAM"), QStringLiteral(HTS_ANNUALIZER));
+}
+
+void ProcessRun::start(const QStringList& arguments, const QByteArray& input)
+{
+    execute(QStringLiteral(HTS_ANNUALIZER), arguments, input);
+}
+
+void ProcessRun::startShell(const QString& command)
+{
+    execute(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), command}, {});
+}
+
+void ProcessRun::execute(const QString& program, const QStringList& arguments,
+                         const QByteArray& input)
+{
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(m_folder.path());
+    process.start(program, arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    if (!process.waitForFinished(kTimeoutMs)) {
+        process.kill();
+        process.waitForFinished();
+    }
+    exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    output = process.readAllStandardOutput();
+    errors = process.readAllStandardError();
+}
+
+QString ProcessRun::path(const QString& name) const
+{
+    return m_folder.filePath(name);
+}
+
+void ProcessRun::write(const QString& name, const QByteArray& content) const
+{
+    QFile file(path(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot write %s", qPrintable(file.fileName()));
+}
+
+QByteArray ProcessRun::read(const QString& name) const
+{
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
+}
+
+bool ProcessRun::exists(const QString& name) const
+{
+    return QFileInfo::exists(path(name));
+}
+
+QStringList ProcessRun::files() const
+{
+    return QDir(m_folder.path())
+        .entryList(QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot,
+                   QDir::Name);
+}
+
+QByteArray monthlyFile()
+{
+    QByteArray text = "name:Basin study\nowner:planning\ndescription:monthly flows\n"
+                      "create_date:2015-3-31 24:00\nnumber_of_runs:1\nEND_PACKAGE_PREAMBLE\n"
+                      "start:2000-1-31 24:00\nend:2001-12-31 24:00\ntime_step_unit:month\n"
+                      "unit_quantity:1\ntime_steps:24\nconsecutive:1\nidx_sequential:1\n"
+                      "END_RUN_PREAMBLE\n";
+    for (int month = 0; month < 24; ++month) {
+        const QDate first(2000 + month / 12, 1 + month % 12, 1);
+        text += QStringLiteral("%1-%2-%3 24:00\n")
+                    .arg(first.year())
+                    .arg(first.month())
+                    .arg(first.daysInMonth())
+                    .toUtf8();
+    }
+    text += "object_type: Reservoir\nobject_name: Lake A\nslot_type: SeriesSlot\n"
+            "slot_name: Outflow\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n";
+    for (int month = 1; month <= 24; ++month)
+        text += QByteArray::number(month) + ".000000000000\n";
+    return text + "END_COLUMN\nEND_SLOT\nEND_RUN\n";
+}
+
+QByteArray monthlySums()
+{
+    return "name:Basin study\nowner:planning\ndescription:monthly flows\n"
+           "create_date:2015-3-31 24:00\nnumber_of_runs:1\nEND_PACKAGE_PREAMBLE\n"
+           "start:2000-12-31 24:00\nend:2001-12-31 24:00\ntime_step_unit:year\n"
+           "unit_quantity:1\ntime_steps:2\nconsecutive:1\nidx_sequential:1\n"
+           "END_RUN_PREAMBLE\n2000-12-31 24:00\n2001-12-31 24:00\n"
+           "object_type: Reservoir\nobject_name: Lake A\nslot_type: SeriesSlot\n"
+           "slot_name: Outflow\nEND_SLOT_PREAMBLE\nunits: cms summed over the year\nscale: 1\n"
+           "method: Sum\n78.000000000000\n222.000000000000\nEND_COLUMN\nEND_SLOT\nEND_RUN\n";
+}
+
+QByteArray logWithOutcome(const QByteArray& outcome)
+{
+    return "\n(time)\nInput hts file: \na.hts\nOutput Annual hts file: \nb.hts\n"
+           "Method control file: \nc.txt\n" +
+           outcome;
+}
+
+QByteArray withoutTime(const QByteArray& log)
+{
+    QList<QByteArray> lines = log.split('\n');
+    const QString time = QString::fromUtf8(lines.value(1));
+    const bool isTime = QDateTime::fromString(time, Qt::TextDate).isValid();
+    if (isTime)
+        lines[1] = "(time)";
+    return lines.join('\n');
+}

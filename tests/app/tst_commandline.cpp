@@ -1,0 +1,517 @@
+// The command line as a user meets it: options, console texts, exit codes and the log file.
+
+#include <QtTest>
+
+#include "tests/app/processrun.h"
+
+namespace {
+
+const char kUsage[] = R"(The HtsAnnualizer will take an HTS file of timestep less than a year
+and aggregate it to create an HTS file with a yearly timestep. Methods
+to aggregate the slot data are specifed via a control file.
+
+Usage: )"
+                      "\n"
+                      R"(HtsAnnualizer <-i file> <-o file> <-c file> <-l file> <-y number> <-h> <-v>
+-i: This specifies the input hts file (required).
+-o: This specifies the output annual hts file (required).
+-c: This specifies the method control file (required).
+-l: This specifies the log file for messages.
+    (will default to the output hts file name plus a .log file extension)
+-y: This integer number specifies the month that )"
+                      "\n"
+                      R"(    you want the year to end with (1 to 12).
+    (will default to 12 for December)
+-h: This will print help information.
+-v: This will print the version number.
+
+The control file indicates which slots to
+process and the method for annualizing the data.
+The control file syntax is for each line to contain:
+   Object.Slot: method
+where method can be Sum, Average, Max, Min, End, Begin )"
+                      "\n"
+                      R"(SumNan, AverageNan, MaxNan, MinNan, EndNan, or BeginNan.
+  Sum adds all of the values for the year.
+  Average is the average of the values for the year.
+  Max is the maximum of the values for the year.
+  Min is the minimum of the values for the year.
+  End is the last value in the year.
+  Begin is the first value in the year.
+The default behavior of non-Nan methods is to report NaN
+if any of the input values are NaN.
+The Nan suffix on the method means that it will ignore any
+NaN values when calculating and reporting the result.
+
+Wildcards can be used for the Object or Slot name:
+   *.Slot: method
+   Object.*: method
+
+The object type name can also be used as Object to get
+all slots for the same object type:
+   LevelPowerReservoir.Slot: method
+
+If the same slot is identified more than once through
+specific declarations or wildcards, the method is set at
+the first identification and not changed thereafter.
+
+
+)";
+
+const char kVersion[] = "HtsAnnualizer version 1.0\n\n";
+const char kInvalid[] = "HtsAnnualizer: Invalid Usage. Use '-h' for help.\n\n";
+const char kInputMissing[] =
+    "HtsAnnualizer Error: Input hts file must be specified with -i option\n\n";
+const char kOutputMissing[] =
+    "HtsAnnualizer Error: Output HTS file must be specified with -o option\n\n";
+const char kControlMissing[] =
+    "HtsAnnualizer Error: Method control file must be specified with -o option\n\n";
+const char kCreated[] = "HtsAnnualizer: Annual HTs file successfully created\n\n";
+
+QStringList words(const char* line)
+{
+    return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+void writeInputs(const ProcessRun& run)
+{
+    run.write(QStringLiteral("a.hts"), monthlyFile());
+    run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
+}
+
+} // namespace
+
+class TestCommandLine : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void consoleAndExitCode_data();
+    void consoleAndExitCode();
+    void nothingIsCreatedBeforeThePathsAreComplete();
+    void outputStaysTruncatedWhenALaterStepFails();
+    void toolkitVariablesLeaveNoTraceOnTheConsole();
+    void conversionWritesResultAndLogAndNothingElse();
+    void endMonth_data();
+    void endMonth();
+    void invalidEndMonth_data();
+    void invalidEndMonth();
+    void laterValueOfAnOptionReplacesTheEarlier();
+    void onlyTheFirstLetterOfAnOptionCounts();
+    void logPath_data();
+    void logPath();
+    void environmentReferencesInAllPaths();
+    void undefinedReferences_data();
+    void undefinedReferences();
+    void engineFailureGoesToTheLog_data();
+    void engineFailureGoesToTheLog();
+    void namesOutsideAsciiUnderEveryLocale_data();
+    void namesOutsideAsciiUnderEveryLocale();
+    void hoursAcrossADaylightSavingChange();
+};
+
+void TestCommandLine::consoleAndExitCode_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("console");
+    QTest::addColumn<int>("exitCode");
+
+    const auto row = [](const char* name, const char* arguments, const QByteArray& console,
+                        int exitCode) {
+        QTest::newRow(name) << words(arguments) << console << exitCode;
+    };
+    row("usage", "-h", kUsage, 0);
+    row("version", "-v", kVersion, 0);
+    row("version by a longer word", "-version", kVersion, 0);
+    row("version after other options", "-i a.hts -o b.hts -v", kVersion, 0);
+    row("version with an option pending", "-i -v", kVersion, 0);
+    row("nothing after the version is looked at", "-v -x", kVersion, 0);
+    row("the first of version and usage", "-h -v", kUsage, 0);
+    row("unknown option", "-x", kInvalid, 0);
+    row("upper-case option", "-I a.hts", kInvalid, 0);
+    row("lone dash", "-", kInvalid, 0);
+    row("two dashes", "--help", kInvalid, 0);
+    row("value without option", "a.hts", kInvalid, 0);
+    row("second value of one option", "-i a.hts b.hts", kInvalid, 0);
+    row("unknown option after a complete command", "-i a.hts -o b.hts -c c.txt -q", kInvalid, 0);
+    row("number as option", "-1", kInvalid, 0);
+    row("no input", "-o b.hts -c c.txt", kInputMissing, 1);
+    row("input without value", "-o b.hts -c c.txt -i", kInputMissing, 1);
+    row("pending option replaced by the next", "-i -o out.hts", kInputMissing, 1);
+    row("end month alone", "-y 9", kInputMissing, 1);
+    row("no output", "-i a.hts -c c.txt", kOutputMissing, 1);
+    row("no control file", "-i a.hts -o b.hts", kControlMissing, 1);
+    row("input not there", "-i none.hts -o b.hts -c c.txt",
+        "HtsAnnualizer Error: Input hts file could not be opened for reading:\n"
+        "No such file or directory\n\n",
+        1);
+    row("output in a folder that is not there", "-i a.hts -o none/b.hts -c c.txt",
+        "HtsAnnualizer Error: Output hts file could not be opened for writing:\n"
+        "No such file or directory\n\n",
+        1);
+    row("output is a folder", "-i a.hts -o . -c c.txt",
+        "HtsAnnualizer Error: Output hts file could not be opened for writing:\n"
+        "Is a directory\n\n",
+        1);
+    row("log in a folder that is not there", "-i a.hts -o b.hts -c c.txt -l none/b.log",
+        "HtsAnnualizer Error: Problem opening log file named none/b.log: \n"
+        "No such file or directory\n\n",
+        1);
+    QTest::newRow("empty argument") << QStringList{QString()} << QByteArray(kInvalid) << 0;
+    QTest::newRow("empty input path")
+        << QStringList{QStringLiteral("-i"), QString()} << QByteArray(kInputMissing) << 1;
+}
+
+void TestCommandLine::consoleAndExitCode()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, console);
+    QFETCH(int, exitCode);
+
+    ProcessRun run;
+    writeInputs(run);
+    run.start(arguments);
+    QCOMPARE(run.output, console);
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, exitCode);
+}
+
+void TestCommandLine::nothingIsCreatedBeforeThePathsAreComplete()
+{
+    ProcessRun run;
+    run.start(words("-i none.hts -o b.hts -c c.txt"));
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.files(), QStringList());
+}
+
+void TestCommandLine::outputStaysTruncatedWhenALaterStepFails()
+{
+    ProcessRun run;
+    writeInputs(run);
+    run.write(QStringLiteral("b.hts"), "old");
+    run.start(words("-i a.hts -o b.hts"));
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
+    QVERIFY(!run.exists(QStringLiteral("b.log")));
+}
+
+// A job of a scheduler has next to no environment, which the toolkit complains about.
+void TestCommandLine::toolkitVariablesLeaveNoTraceOnTheConsole()
+{
+    ProcessRun run;
+    writeInputs(run);
+    run.environment.insert(QStringLiteral("QT_STYLE_OVERRIDE"), QStringLiteral("no such style"));
+    run.environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), QStringLiteral("/no/such/folder"));
+    run.start(words("-i a.hts -o b.hts -c c.txt"));
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+}
+
+void TestCommandLine::conversionWritesResultAndLogAndNothingElse()
+{
+    ProcessRun run;
+    writeInputs(run);
+    run.start(words("-i a.hts -o b.hts -c c.txt"));
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+    QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))), logWithOutcome(kCreated));
+    QCOMPARE(run.files(), (QStringList{QStringLiteral("a.hts"), QStringLiteral("b.hts"),
+                                       QStringLiteral("b.log"), QStringLiteral("c.txt")}));
+    QCOMPARE(run.read(QStringLiteral("a.hts")), monthlyFile());
+}
+
+void TestCommandLine::endMonth_data()
+{
+    QTest::addColumn<QStringList>("option");
+    QTest::addColumn<QByteArray>("annualSteps");
+
+    const QByteArray december = "2000-12-31 24:00 2001-12-31 24:00";
+    QTest::newRow("none: December") << QStringList() << december;
+    QTest::newRow("12") << words("-y 12") << december;
+    QTest::newRow("-1 stands for none") << words("-y -1") << december;
+    QTest::newRow("text behind the number") << words("-y 12th") << december;
+    QTest::newRow("blank before the number")
+        << QStringList{QStringLiteral("-y"), QStringLiteral(" -1")} << december;
+    QTest::newRow("no value: December") << words("-y") << december;
+    QTest::newRow("9: water year") << words("-y 9") << QByteArray("2001-9-30 24:00");
+    QTest::newRow("1") << words("-y 1") << QByteArray("2001-1-31 24:00");
+    QTest::newRow("later value wins") << words("-y 12 -y 9") << QByteArray("2001-9-30 24:00");
+}
+
+void TestCommandLine::endMonth()
+{
+    QFETCH(QStringList, option);
+    QFETCH(QByteArray, annualSteps);
+
+    ProcessRun run;
+    writeInputs(run);
+    run.start(words("-i a.hts -o b.hts -c c.txt") + option);
+    QCOMPARE(run.exitCode, 0);
+    QByteArray result = run.read(QStringLiteral("b.hts"));
+    const int begin = result.indexOf("END_RUN_PREAMBLE\n") + 17;
+    const int end = result.indexOf("object_type");
+    QCOMPARE(result.mid(begin, end - begin).trimmed().replace('\n', ' '), annualSteps);
+}
+
+void TestCommandLine::invalidEndMonth_data()
+{
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QByteArray>("reported");
+    QTest::newRow("13") << QStringLiteral("13") << QByteArray("13");
+    QTest::newRow("0") << QStringLiteral("0") << QByteArray("0");
+    QTest::newRow("no number") << QStringLiteral("abc") << QByteArray("0");
+    QTest::newRow("empty") << QString() << QByteArray("0");
+    QTest::newRow("negative") << QStringLiteral("-5") << QByteArray("-5");
+    // 2^32 - 1 and 2^32 + 9 must not become -1 and 9.
+    QTest::newRow("too large") << QStringLiteral("4294967295") << QByteArray("2147483647");
+    QTest::newRow("wrapping") << QStringLiteral("4294967305") << QByteArray("2147483647");
+}
+
+void TestCommandLine::invalidEndMonth()
+{
+    QFETCH(QString, given);
+    QFETCH(QByteArray, reported);
+
+    ProcessRun run;
+    writeInputs(run);
+    run.start(words("-i a.hts -o b.hts -c c.txt -y") + QStringList{given});
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
+             logWithOutcome("HtsAnnualizer Error: Invalid end month for year specified with -y "
+                            "option: " +
+                            reported + "\n"));
+    QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
+}
+
+void TestCommandLine::laterValueOfAnOptionReplacesTheEarlier()
+{
+    ProcessRun run;
+    writeInputs(run);
+    run.start(words("-i none.hts -o x.hts -c none.txt -i a.hts -o b.hts -c c.txt"));
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+    QVERIFY(!run.exists(QStringLiteral("x.hts")));
+}
+
+void TestCommandLine::onlyTheFirstLetterOfAnOptionCounts()
+{
+    ProcessRun run;
+    writeInputs(run);
+    run.start(words("-input a.hts -output b.hts -control c.txt -log d.log -year 12"));
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+    QCOMPARE(withoutTime(run.read(QStringLiteral("d.log"))), logWithOutcome(kCreated));
+}
+
+void TestCommandLine::logPath_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("log");
+    const auto row = [](const char* output, const char* log) {
+        QTest::newRow(output) << QString::fromLatin1(output) << QString::fromLatin1(log);
+    };
+    row("annual.hts", "annual.log");
+    row("annual", "annual.log");
+    row("annual.v2.hts", "annual.v2.log");
+    row("./annual", ".log"); // the last dot is the folder's
+    row("data.old/annual", "data.log");
+    row("data.old/annual.hts", "data.old/annual.log");
+}
+
+void TestCommandLine::logPath()
+{
+    QFETCH(QString, output);
+    QFETCH(QString, log);
+
+    ProcessRun run;
+    writeInputs(run);
+    QVERIFY(QDir().mkdir(run.path(QStringLiteral("data.old"))));
+    run.start(words("-i a.hts -c c.txt -o") + QStringList{output});
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(output), monthlySums());
+    QCOMPARE(withoutTime(run.read(log)),
+             logWithOutcome(kCreated).replace("b.hts", output.toLatin1()));
+}
+
+void TestCommandLine::environmentReferencesInAllPaths()
+{
+    ProcessRun run;
+    writeInputs(run);
+    run.environment.insert(QStringLiteral("STUDY"), run.path(QString()));
+    run.environment.insert(QStringLiteral("NAME"), QStringLiteral("a"));
+    run.start(words("-i ${STUDY}/$NAME.hts -o $(STUDY)/b.hts -c $STUDY/c.txt -l $STUDY/d.log"));
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+    // The log tells the paths after substitution.
+    const QByteArray folder = run.path(QString()).toUtf8();
+    QCOMPARE(withoutTime(run.read(QStringLiteral("d.log"))),
+             logWithOutcome(kCreated)
+                 .replace("a.hts", folder + "/a.hts")
+                 .replace("b.hts", folder + "/b.hts")
+                 .replace("c.txt", folder + "/c.txt"));
+}
+
+void TestCommandLine::undefinedReferences_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("console");
+    QTest::newRow("input") << words("-i $NONE/a.hts -o b.hts -c c.txt")
+                           << QByteArray(
+                                  "HtsAnnualizer Error: Input hts path environment variables "
+                                  "could not be substituted:\n$NONE/a.hts\n\n");
+    QTest::newRow("output") << words("-i a.hts -o ${NONE}/b.hts -c c.txt")
+                            << QByteArray("HtsAnnualizer Error: Output hts path environment "
+                                          "variables could not be substituted:\n${NONE}/b.hts\n\n");
+    QTest::newRow("control") << words("-i a.hts -o b.hts -c $(NONE)")
+                             << QByteArray("HtsAnnualizer Error: Method control path environment "
+                                           "variables could not be substituted:\n$(NONE)\n\n");
+    QTest::newRow("log") << words("-i a.hts -o b.hts -c c.txt -l $NONE.log")
+                         << QByteArray("HtsAnnualizer Error: Log file path environment variables "
+                                       "could not be substituted:\n$NONE.log\n\n");
+}
+
+void TestCommandLine::undefinedReferences()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, console);
+
+    ProcessRun run;
+    writeInputs(run);
+    run.start(arguments);
+    QCOMPARE(run.output, console);
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 1);
+}
+
+void TestCommandLine::engineFailureGoesToTheLog_data()
+{
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<QByteArray>("control");
+    QTest::addColumn<QByteArray>("message");
+
+    const QByteArray control = "*.*: Sum\n";
+    QTest::newRow("empty input") << QByteArray() << control
+                                 << QByteArray("Cannot read package preamble");
+    QTest::newRow("cut input") << monthlyFile().left(monthlyFile().size() - 20) << control
+                               << QByteArray("Cannot read slot preamble");
+    QTest::newRow("no runs") << monthlyFile().replace("number_of_runs:1", "number_of_runs:0")
+                             << control
+                             << QByteArray("Cannot create a complete year from the input HTS file");
+    QTest::newRow("annual already")
+        << monthlyFile().replace("time_step_unit:month", "time_step_unit:year") << control
+        << QByteArray("Source HTS File already in annual timestep");
+    QTest::newRow("no slot has a method")
+        << monthlyFile() << QByteArray("Lake B.*: Sum\n")
+        << QByteArray("No series slots with valid methods found in input HTS file");
+    QTest::newRow("bad control file")
+        << monthlyFile() << QByteArray("Lake A.Outflow: Sum\n# a comment\n")
+        << QByteArray("No series slots with valid methods found in input HTS file");
+    QTest::newRow("announces two billion runs")
+        << QByteArray("number_of_runs:2000000000\nEND_PACKAGE_PREAMBLE\n") << control
+        << QByteArray("Cannot read run preamble");
+}
+
+void TestCommandLine::engineFailureGoesToTheLog()
+{
+    QFETCH(QByteArray, input);
+    QFETCH(QByteArray, control);
+    QFETCH(QByteArray, message);
+
+    ProcessRun run;
+    run.write(QStringLiteral("a.hts"), input);
+    run.write(QStringLiteral("c.txt"), control);
+    run.start(words("-i a.hts -o b.hts -c c.txt"));
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
+             logWithOutcome("HtsAnnualizer Error: \n" + message + "\n\n"));
+    QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
+}
+
+void TestCommandLine::namesOutsideAsciiUnderEveryLocale_data()
+{
+    QTest::addColumn<QString>("locale");
+    for (const char* locale : {"C.UTF-8", "C", "POSIX", ""})
+        QTest::newRow(*locale != 0 ? locale : "none") << QString::fromLatin1(locale);
+}
+
+// A unit such as cubic metres per second, and a file name, must survive a scheduler's job.
+void TestCommandLine::namesOutsideAsciiUnderEveryLocale()
+{
+    QFETCH(QString, locale);
+
+    ProcessRun run;
+    run.environment.remove(QStringLiteral("LC_ALL"));
+    if (!locale.isEmpty())
+        run.environment.insert(QStringLiteral("LC_ALL"), locale);
+    const QByteArray lake = "Lac L\xc3\xa9man \xe6\xb9\x96";
+    const QByteArray unit = "m\xc2\xb3/s";
+    run.write(QStringLiteral("a.hts"),
+              monthlyFile().replace("Lake A", lake).replace("units: cms", "units: " + unit));
+    run.write(QStringLiteral("c.txt"), lake + ".Outflow: Sum\n");
+    const QString result = QString::fromUtf8("d\xc3\xa9"
+                                             "bit.hts");
+    // A shell passes the bytes of the name as they are, whatever this test's own locale is.
+    run.write(QStringLiteral("run.sh"), "exec \"$PROGRAM\" -i a.hts -o d\xc3\xa9"
+                                        "bit.hts -c c.txt\n");
+    run.startShell(QStringLiteral(". ./run.sh; "));
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    run.startShell(QStringLiteral("mv d*.hts b.hts; mv d*.log b.log"));
+    QCOMPARE(run.read(QStringLiteral("b.hts")),
+             monthlySums().replace("Lake A", lake).replace("units: cms", "units: " + unit));
+    QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
+             logWithOutcome(kCreated).replace("b.hts", result.toUtf8()));
+
+    run.write(QStringLiteral("run.sh"), "exec \"$PROGRAM\" -i '$KEIN/\xc3\xa9'\n");
+    run.startShell(QStringLiteral(". ./run.sh"));
+    QCOMPARE(run.output, QByteArray("HtsAnnualizer Error: Input hts path environment variables "
+                                    "could not be substituted:\n$KEIN/\xc3\xa9\n\n"));
+}
+
+// The hour that a host's clock leaves out in spring is an hour of the series like any other.
+void TestCommandLine::hoursAcrossADaylightSavingChange()
+{
+    QByteArray steps;
+    QByteArray values;
+    const QDateTime start(QDate(2000, 1, 1), QTime(0, 0), Qt::UTC);
+    int count = 0;
+    for (QDateTime t = start.addSecs(3600); t <= QDateTime(QDate(2001, 1, 1), QTime(), Qt::UTC);
+         t = t.addSecs(3600)) {
+        steps += t.toString(QStringLiteral("yyyy-M-d h:mm\n")).toLatin1();
+        values += "1\n";
+        ++count;
+    }
+    const QByteArray text =
+        "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:2000-1-1 1:00\nend:2001-1-1 0:00\n"
+        "time_step_unit:hour\ntime_steps:" +
+        QByteArray::number(count) + "\nEND_RUN_PREAMBLE\n" + steps +
+        "object_name: A\nslot_name: Flow\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n" + values +
+        "END_COLUMN\nEND_SLOT\nEND_RUN\n";
+
+    QByteArray results[2];
+    const char* const zones[] = {"UTC", "America/Denver"};
+    for (int i = 0; i < 2; ++i) {
+        ProcessRun run;
+        run.environment.insert(QStringLiteral("TZ"), QString::fromLatin1(zones[i]));
+        run.write(QStringLiteral("a.hts"), text);
+        run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
+        run.start(words("-i a.hts -o b.hts -c c.txt"));
+        QCOMPARE(run.exitCode, 0);
+        results[i] = run.read(QStringLiteral("b.hts"));
+    }
+    QVERIFY2(results[0].contains("time_steps:1\n"), results[0].constData());
+    QVERIFY2(results[0].contains("\n8784.000000000000\n"), results[0].constData());
+    QCOMPARE(results[1], results[0]);
+}
+
+QTEST_GUILESS_MAIN(TestCommandLine)
+
+#include "tst_commandline.moc"

@@ -1,0 +1,72 @@
+// Whole conversions of the examples, compared byte by byte with results that
+// tests/app/golden/make_golden.py computed without the program.
+
+#include <QtTest>
+
+#include "tests/app/processrun.h"
+
+namespace {
+
+QByteArray content(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(path));
+    return file.readAll();
+}
+
+} // namespace
+
+class TestExamples : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void conversionGivesTheComputedResult_data();
+    void conversionGivesTheComputedResult();
+};
+
+void TestExamples::conversionGivesTheComputedResult_data()
+{
+    QTest::addColumn<QString>("input");
+    QTest::addColumn<QString>("control");
+    QTest::addColumn<QString>("endMonth");
+    QTest::addColumn<QByteArray>("lineEnd");
+
+    const QString cases = QString::fromUtf8(content(QStringLiteral(GOLDEN_DIR "/cases.tsv")));
+    for (const QString& line : cases.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        const QStringList fields = line.split(QLatin1Char('\t'));
+        QCOMPARE(fields.size(), 4);
+        const QByteArray name = fields.at(0).toUtf8();
+        for (const char* lineEnd : {"\n", "\r\n"}) {
+            const bool isUnix = qstrlen(lineEnd) == 1;
+            QTest::addRow("%s%s", name.constData(), isUnix ? "" : ", Windows line ends")
+                << fields.at(1) << fields.at(2) << fields.at(3) << QByteArray(lineEnd);
+        }
+    }
+}
+
+void TestExamples::conversionGivesTheComputedResult()
+{
+    QFETCH(QString, input);
+    QFETCH(QString, control);
+    QFETCH(QString, endMonth);
+    QFETCH(QByteArray, lineEnd);
+
+    const QString root = QStringLiteral(SOURCE_DIR "/");
+    ProcessRun run;
+    run.write(QStringLiteral("a.hts"), content(root + input).replace("\n", lineEnd));
+    run.write(QStringLiteral("c.txt"), content(root + control).replace("\n", lineEnd));
+    run.start({QStringLiteral("-i"), QStringLiteral("a.hts"), QStringLiteral("-o"),
+               QStringLiteral("b.hts"), QStringLiteral("-c"), QStringLiteral("c.txt"),
+               QStringLiteral("-y"), endMonth});
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    const QString name = QString::fromUtf8(QTest::currentDataTag()).section(QLatin1Char(','), 0, 0);
+    QCOMPARE(run.read(QStringLiteral("b.hts")),
+             content(QStringLiteral(GOLDEN_DIR "/") + name + QStringLiteral(".expected")));
+}
+
+QTEST_GUILESS_MAIN(TestExamples)
+
+#include "tst_examples.moc"

@@ -1,0 +1,194 @@
+// What the program does to files: pipes, one file in two roles, disks that are full.
+
+#include <QtTest>
+
+#include "tests/app/processrun.h"
+
+namespace {
+
+const char kCreated[] = "HtsAnnualizer: Annual HTs file successfully created\n\n";
+
+QStringList words(const char* line)
+{
+    return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+void writeInputs(const ProcessRun& run)
+{
+    run.write(QStringLiteral("a.hts"), monthlyFile());
+    run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
+}
+
+} // namespace
+
+class TestFiles : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void inputFromAPipe_data();
+    void inputFromAPipe();
+    void resultIntoAPipe();
+    void windowsLineEndsGiveTheSameResult();
+    void oneFileInTwoRolesIsRefused_data();
+    void oneFileInTwoRolesIsRefused();
+    void rolesMayShareADevice();
+    void fullDiskForTheResultIsAnError();
+    void fullDiskForTheLogIsAnError();
+};
+
+void TestFiles::inputFromAPipe_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::newRow("decompressed") << QStringLiteral(
+        "gzip -c a.hts > a.gz; zcat a.gz | $PROGRAM -i /dev/stdin -o b.hts -c "
+        "c.txt -l b.log");
+    QTest::newRow("in short pieces")
+        << QStringLiteral("{ head -c 5 a.hts; tail -c +6 a.hts | dd bs=7 2>/dev/null; } | $PROGRAM "
+                          "-i /dev/stdin -o b.hts -c c.txt");
+    QTest::newRow("named pipe") << QStringLiteral(
+        "mkfifo p; cat a.hts > p & $PROGRAM -i p -o b.hts -c c.txt");
+    QTest::newRow("control file from a named pipe")
+        << QStringLiteral("mkfifo p; cat c.txt > p & $PROGRAM -i a.hts -o b.hts -c p");
+    QTest::newRow("redirected file")
+        << QStringLiteral("$PROGRAM -i /dev/stdin -o b.hts -c c.txt < a.hts");
+}
+
+void TestFiles::inputFromAPipe()
+{
+    QFETCH(QString, command);
+
+    ProcessRun run;
+    writeInputs(run);
+    run.startShell(command);
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+    QVERIFY(run.read(QStringLiteral("b.log")).endsWith(kCreated));
+}
+
+void TestFiles::resultIntoAPipe()
+{
+    ProcessRun run;
+    writeInputs(run);
+    run.startShell(QStringLiteral("$PROGRAM -i a.hts -o /dev/stdout -c c.txt -l b.log | cat"));
+    QCOMPARE(run.output, monthlySums());
+    QCOMPARE(run.errors, QByteArray());
+}
+
+void TestFiles::windowsLineEndsGiveTheSameResult()
+{
+    ProcessRun run;
+    run.write(QStringLiteral("a.hts"), monthlyFile().replace("\n", "\r\n"));
+    run.write(QStringLiteral("c.txt"), "\r\n*.*: Sum\r\n\r\n");
+    run.start(words("-i a.hts -o b.hts -c c.txt"));
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+}
+
+void TestFiles::oneFileInTwoRolesIsRefused_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("console");
+
+    const auto output = [](const char* detail) -> QByteArray {
+        return QByteArray("HtsAnnualizer Error: Output hts file could not be opened for "
+                          "writing:\n") +
+               detail + "\n\n";
+    };
+    const auto log = [](const char* path, const char* detail) -> QByteArray {
+        return QByteArray("HtsAnnualizer Error: Problem opening log file named ") + path + ": \n" +
+               detail + "\n\n";
+    };
+    const auto row = [](const char* name, const char* arguments, const QByteArray& console) {
+        QTest::newRow(name) << words(arguments) << console;
+    };
+    row("output is the input", "-i a.hts -o a.hts -c c.txt",
+        output("The output hts file is the input hts file a.hts"));
+    row("output is the input, spelt otherwise", "-i a.hts -o sub/.././a.hts -c c.txt",
+        output("The output hts file is the input hts file a.hts"));
+    row("output is a symbolic link to the input", "-i a.hts -o symbolic.hts -c c.txt",
+        output("The output hts file is the input hts file a.hts"));
+    row("output is a hard link to the input", "-i a.hts -o hard.hts -c c.txt",
+        output("The output hts file is the input hts file a.hts"));
+    row("input is a symbolic link to the output", "-i symbolic.hts -o a.hts -c c.txt",
+        output("The output hts file is the input hts file symbolic.hts"));
+    row("output is the control file", "-i a.hts -o c.txt -c c.txt",
+        output("The output hts file is the method control file c.txt"));
+    row("log is the input", "-i a.hts -o b.hts -c c.txt -l a.hts",
+        log("a.hts", "The log file is the input hts file a.hts"));
+    row("log is a hard link to the input", "-i a.hts -o b.hts -c c.txt -l hard.hts",
+        log("hard.hts", "The log file is the input hts file a.hts"));
+    row("log is the control file", "-i a.hts -o b.hts -c c.txt -l c.txt",
+        log("c.txt", "The log file is the method control file c.txt"));
+    row("log is the output", "-i a.hts -o b.hts -c c.txt -l b.hts",
+        log("b.hts", "The log file is the output hts file b.hts"));
+    row("log is the output, not there yet", "-i a.hts -o new.hts -c c.txt -l ./new.hts",
+        log("./new.hts", "The log file is the output hts file new.hts"));
+    row("log is a dangling link to the output", "-i a.hts -o target.hts -c c.txt -l dangling.hts",
+        log("dangling.hts", "The log file is the output hts file target.hts"));
+    row("output named like a log", "-i a.hts -o b.log -c c.txt",
+        log("b.log", "The log file is the output hts file b.log"));
+}
+
+void TestFiles::oneFileInTwoRolesIsRefused()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, console);
+
+    ProcessRun run;
+    writeInputs(run);
+    run.write(QStringLiteral("b.hts"), "an old result");
+    run.startShell(QStringLiteral("mkdir sub; ln -s a.hts symbolic.hts; ln a.hts hard.hts; "
+                                  "ln -s target.hts dangling.hts"));
+    const QStringList filesBefore = run.files();
+    run.start(arguments);
+    QCOMPARE(run.output, console);
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 1);
+    // Nothing was truncated and nothing created.
+    QCOMPARE(run.read(QStringLiteral("a.hts")), monthlyFile());
+    QCOMPARE(run.read(QStringLiteral("c.txt")), QByteArray("*.*: Sum\n"));
+    QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray("an old result"));
+    QCOMPARE(run.files(), filesBefore);
+}
+
+void TestFiles::rolesMayShareADevice()
+{
+    ProcessRun run;
+    writeInputs(run);
+    run.start(words("-i a.hts -o /dev/null -c c.txt -l /dev/null"));
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+}
+
+void TestFiles::fullDiskForTheResultIsAnError()
+{
+    ProcessRun run;
+    writeInputs(run);
+    run.start(words("-i a.hts -o /dev/full -c c.txt -l b.log"));
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
+             logWithOutcome("HtsAnnualizer Error: \nNo space left on device\n\n")
+                 .replace("b.hts", "/dev/full"));
+}
+
+// The log is where the outcome is told, so losing it is told on the console.
+void TestFiles::fullDiskForTheLogIsAnError()
+{
+    ProcessRun run;
+    writeInputs(run);
+    run.start(words("-i a.hts -o b.hts -c c.txt -l /dev/full"));
+    QCOMPARE(run.output, QByteArray("HtsAnnualizer Error: Problem writing log file named "
+                                    "/dev/full: \nNo space left on device\n\n"));
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+}
+
+QTEST_GUILESS_MAIN(TestFiles)
+
+#include "tst_files.moc"
