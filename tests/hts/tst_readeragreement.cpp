@@ -266,7 +266,7 @@ void ReaderAgreementTest::agreesOnBrokenFiles_data()
 
 void ReaderAgreementTest::agreesOnBrokenFiles()
 {
-    for (quint32 seed = 0; seed < 100; ++seed) {
+    for (quint32 seed = 0; seed < 600; ++seed) {
         RandomHts random(seed);
         const QString fault = disagreement(random.broken(random.file(6)));
         QVERIFY2(fault.isEmpty(), qPrintable(kInput.arg(seed).arg(fault)));
