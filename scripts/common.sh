@@ -59,10 +59,11 @@ require_packages() {
     [ "${#missing[@]}" -gt 0 ] || return 0
 
     command -v apt-get >/dev/null ||
-        die "needed, and there is no apt-get here to install it (Debian names): ${missing[*]}"
+        die "these are missing, and there is no apt-get here to install them" \
+            "(names of Debian packages): ${missing[*]}"
     if [ "$(id -u)" -ne 0 ]; then
-        sudo_works || die "needed, and neither root nor sudo is at hand to install it; let root" \
-            "run: apt-get install ${missing[*]}"
+        sudo_works || die "packages are missing, and installing them needs root or a working sudo;" \
+            "as root: apt-get install ${missing[*]}"
         as_root=(sudo)
     fi
     as_root+=(env DEBIAN_FRONTEND=noninteractive apt-get)
