@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <system_error>
@@ -38,6 +39,24 @@ bool isExactHalf(double value)
 {
     const double scaled = std::fabs(value) * 8192.0;
     return scaled < 9007199254740992.0 && std::fmod(scaled, 2.0) == 1.0;
+}
+
+// Writes an exact half, which std::to_chars would round to even, rounded away from zero.
+char* writeExactHalf(char* out, double value)
+{
+    const double magnitude = std::fabs(value);
+    const double whole = std::floor(magnitude);
+    if (value < 0.0)
+        *out++ = '-';
+    out = std::to_chars(out, out + kMaxNumberLength, static_cast<std::uint64_t>(whole)).ptr;
+    *out++ = '.';
+    // 1/8192 is 0.0001220703125: 13 decimals, the last one of an odd multiple is 5. Rounding never
+    // carries into the whole part, 8191/8192 being 0.99987...
+    const auto parts = static_cast<std::uint64_t>((magnitude - whole) * 8192.0);
+    std::uint64_t digits = (parts * 1220703125 + 5) / 10;
+    for (char* digit = out + kDecimals; digit != out; digits /= 10)
+        *--digit = static_cast<char>('0' + digits % 10);
+    return out + kDecimals;
 }
 
 } // namespace
@@ -88,11 +107,10 @@ char* writeNumber(char* out, double value)
         std::memcpy(out, "NaN", 3);
         return out + 3;
     }
+    if (isExactHalf(value))
+        return writeExactHalf(out, value);
     if (value == 0.0)
         value = std::fabs(value); // drops the sign of minus zero
-    else if (isExactHalf(value))  // std::to_chars would round it to even
-        value =
-            std::nextafter(value, std::copysign(std::numeric_limits<double>::infinity(), value));
     return std::to_chars(out, out + kMaxNumberLength, value, std::chars_format::fixed, kDecimals)
         .ptr;
 }
