@@ -1,8 +1,10 @@
 #include "hts/numbertext.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -25,6 +27,57 @@ bool isDigit(char c)
 char lower(char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Digits read from a text: as one integer, and where they end. The number wraps past 19 digits.
+struct Digits
+{
+    std::uint64_t number;
+    const char* end;
+};
+
+// Reads the digits at the start of [first, last) and appends them to `number`.
+Digits takeDigits(const char* first, const char* last, std::uint64_t number)
+{
+    const char* position = first;
+    for (; position != last; ++position) {
+        const unsigned digit = static_cast<unsigned char>(*position) - unsigned('0');
+        if (digit > 9)
+            break;
+        number = number * 10 + digit;
+    }
+    return {number, position};
+}
+
+// Reads a number without an exponent whose digits, taken as an integer, a double holds exactly, as
+// the values of HTS files mostly are. Integer and power of ten being exact, their quotient is the
+// correctly rounded result. Returns `first` for any other number.
+const char* readShortDecimal(const char* first, const char* last, double& value)
+{
+    static const double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,
+                                          1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13,
+                                          1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
+    constexpr std::uint64_t kMostExact = std::uint64_t(1) << 53;
+    constexpr std::ptrdiff_t kMostDigits = 19;
+
+    const bool isNegative = first != last && *first == '-';
+    const char* integerPart = first + (isNegative ? 1 : 0);
+    Digits digits = takeDigits(integerPart, last, 0);
+    std::ptrdiff_t count = digits.end - integerPart;
+    std::ptrdiff_t decimals = 0;
+    if (digits.end != last && *digits.end == '.') {
+        const char* fraction = digits.end + 1;
+        digits = takeDigits(fraction, last, digits.number);
+        decimals = digits.end - fraction;
+        count += decimals;
+    }
+    const bool hasExponent = digits.end != last && (*digits.end == 'e' || *digits.end == 'E');
+    if (count == 0 || count > kMostDigits || digits.number > kMostExact || hasExponent ||
+        FLT_EVAL_METHOD != 0)
+        return first;
+    const double magnitude = static_cast<double>(digits.number) / kPowersOfTen[decimals];
+    value = isNegative ? -magnitude : magnitude;
+    return digits.end;
 }
 
 bool isNanWord(std::string_view text)
@@ -79,12 +132,15 @@ QString decodedText(std::string_view line)
 
 const char* readPlainNumber(const char* first, const char* last, double& value)
 {
+    if (const char* end = readShortDecimal(first, last, value); end != first)
+        return end;
     // std::from_chars also takes "inf", "nan" and "nan(...)", which the toolkit reads otherwise.
     const char* digits = first;
     if (digits != last && *digits == '-')
         ++digits;
     if (digits == last || !(isDigit(*digits) || *digits == '.'))
         return first;
+    // It leaves `value` alone when the number is out of range.
     const auto [end, error] = std::from_chars(first, last, value);
     return error == std::errc() ? end : first;
 }
