@@ -41,17 +41,17 @@ void TestFiles::inputFromAPipe_data()
 {
     QTest::addColumn<QString>("command");
     QTest::newRow("decompressed") << QStringLiteral(
-        "gzip -c a.hts > a.gz; zcat a.gz | $PROGRAM -i /dev/stdin -o b.hts -c "
+        "gzip -c a.hts > a.gz; zcat a.gz | \"$PROGRAM\" -i /dev/stdin -o b.hts -c "
         "c.txt -l b.log");
-    QTest::newRow("in short pieces")
-        << QStringLiteral("{ head -c 5 a.hts; tail -c +6 a.hts | dd bs=7 2>/dev/null; } | $PROGRAM "
-                          "-i /dev/stdin -o b.hts -c c.txt");
+    QTest::newRow("in short pieces") << QStringLiteral(
+        "{ head -c 5 a.hts; tail -c +6 a.hts | dd bs=7 2>/dev/null; } | \"$PROGRAM\" "
+        "-i /dev/stdin -o b.hts -c c.txt");
     QTest::newRow("named pipe") << QStringLiteral(
-        "mkfifo p; cat a.hts > p & $PROGRAM -i p -o b.hts -c c.txt");
+        "mkfifo p; cat a.hts > p & \"$PROGRAM\" -i p -o b.hts -c c.txt");
     QTest::newRow("control file from a named pipe")
-        << QStringLiteral("mkfifo p; cat c.txt > p & $PROGRAM -i a.hts -o b.hts -c p");
+        << QStringLiteral("mkfifo p; cat c.txt > p & \"$PROGRAM\" -i a.hts -o b.hts -c p");
     QTest::newRow("redirected file")
-        << QStringLiteral("$PROGRAM -i /dev/stdin -o b.hts -c c.txt < a.hts");
+        << QStringLiteral("\"$PROGRAM\" -i /dev/stdin -o b.hts -c c.txt < a.hts");
 }
 
 void TestFiles::inputFromAPipe()
@@ -72,7 +72,7 @@ void TestFiles::resultIntoAPipe()
 {
     ProcessRun run;
     writeInputs(run);
-    run.startShell(QStringLiteral("$PROGRAM -i a.hts -o /dev/stdout -c c.txt -l b.log | cat"));
+    run.startShell(QStringLiteral("\"$PROGRAM\" -i a.hts -o /dev/stdout -c c.txt -l b.log | cat"));
     QCOMPARE(run.output, monthlySums());
     QCOMPARE(run.errors, QByteArray());
 }
