@@ -6,8 +6,8 @@
 
 #include "QsLogLevel.h"
 
-// Collects the log lines of one test. While an object lives, every line that the logger lets through
-// (all of them, the level is set to Trace) is kept without its level name and time stamp.
+// Collects the log lines of one test. While an object lives, every line that the logger lets
+// through (all of them, the level is set to Trace) is kept without its level name and time stamp.
 // One object at a time.
 class LogCollector
 {
