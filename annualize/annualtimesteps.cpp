@@ -67,24 +67,25 @@ Status AnnualizeHts::calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& 
     QLOG_INFO().noquote() << QLatin1String("Using ") + monthName(m_endMonth) +
                                  QLatin1String(" as the year end for calculations.");
 
+    if (inputRun.timeStepCount > 0) {
+        // Logged whether or not there is one.
+        QLOG_INFO() << "Ignoring partial year at beginning of timesteps";
+    }
+
     // End of the year under way, and start of the next.
     QDateTime yearEnd = firstYearStart(inputRun.start, m_endMonth);
-    if (!inputRun.start.isValid() || !yearEnd.isValid())
-        return failure(kNoCompleteYear);
-
+    // An invalid instant must not get into a comparison, which would take it for some valid one.
+    bool areValid = inputRun.start.isValid() && yearEnd.isValid();
     std::int32_t year = 0; // number of the year under way, 0 before the first complete one
     QStringList annualTimesteps;
     QDateTime timestep;
-    for (int i = 0; i < inputRun.timeStepCount; ++i) {
+    for (int i = 0; areValid && i < inputRun.timeStepCount; ++i) {
         timestep = textToDateTime(inputRun.timesteps.at(i));
-        if (!timestep.isValid())
-            return failure(kNoCompleteYear);
-        if (i == 0) {
-            // Logged whether or not there is one.
-            QLOG_INFO() << "Ignoring partial year at beginning of timesteps";
-            if (yearEnd < timestep && endOfFirstTimestep(yearEnd, unit) < timestep)
-                yearEnd = yearEnd.addYears(1);
-        }
+        areValid = timestep.isValid();
+        if (!areValid)
+            break;
+        if (i == 0 && yearEnd < timestep && endOfFirstTimestep(yearEnd, unit) < timestep)
+            yearEnd = yearEnd.addYears(1);
         if (yearEnd < timestep) {
             if (year != 0)
                 annualTimesteps.append(inputRun.timesteps.at(i - 1));
@@ -94,13 +95,14 @@ Status AnnualizeHts::calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& 
         valueMap.push_back(year);
     }
 
-    if (completesYear(timestep, yearEnd, unit)) {
+    areValid = areValid && timestep.isValid(); // it is not when there are no timesteps
+    if (areValid && completesYear(timestep, yearEnd, unit)) {
         annualTimesteps.append(inputRun.timesteps.at(inputRun.timeStepCount - 1));
     } else {
         --year;
         QLOG_INFO() << "Ignoring partial year at end of timesteps";
     }
-    if (year <= 0)
+    if (!areValid || year <= 0)
         return failure(kNoCompleteYear);
 
     annualRun.start = textToDateTime(annualTimesteps.first());

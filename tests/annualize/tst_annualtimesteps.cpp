@@ -218,6 +218,8 @@ private Q_SLOTS:
     void refusesAnnualRun();
     void refusesListShorterThanCount();
     void passesOverTimestepsBeyondCount();
+    void findsNoYearWithoutTimesteps_data();
+    void findsNoYearWithoutTimesteps();
     void refusesInvalidStart();
     void refusesInvalidTimestep_data();
     void refusesInvalidTimestep();
@@ -429,7 +431,6 @@ void AnnualTimestepsTest::findsNoCompleteYear_data()
         << 12 << "day"
         << QStringList{QStringLiteral("2001-1-1 12:00"), QStringLiteral("2001-12-31 12:00")}
         << "1x2" << true;
-    QTest::newRow("no timesteps") << 12 << "day" << QStringList() << "" << true;
 }
 
 void AnnualTimestepsTest::findsNoCompleteYear()
@@ -439,16 +440,11 @@ void AnnualTimestepsTest::findsNoCompleteYear()
     QFETCH(QStringList, timesteps);
     QFETCH(bool, isEndPartial);
 
-    HtsRun input = makeRun(unit, timesteps);
-    if (timesteps.isEmpty())
-        input.start = textToDateTime(QStringLiteral("2001-1-1 24:00"));
-    const Outcome outcome = calculate(endMonth, input);
+    const Outcome outcome = calculate(endMonth, makeRun(unit, timesteps));
     QCOMPARE(outcome.message, kNoCompleteYear);
     QTEST(outcome.map, "map");
     QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
-    QStringList log{kStarting, usingMonth(endMonth)};
-    if (!timesteps.isEmpty())
-        log.append(kPartialBeginning);
+    QStringList log{kStarting, usingMonth(endMonth), kPartialBeginning};
     if (isEndPartial)
         log.append(kPartialEnd);
     QCOMPARE(outcome.log, log);
@@ -563,6 +559,30 @@ void AnnualTimestepsTest::passesOverTimestepsBeyondCount()
     QCOMPARE(calculate(12, input).message, kNoCompleteYear);
 }
 
+void AnnualTimestepsTest::findsNoYearWithoutTimesteps_data()
+{
+    QTest::addColumn<QString>("start");
+    QTest::newRow("no start") << "";
+    QTest::newRow("start") << "2001-1-1 24:00";
+    // The instant that an invalid one compares as.
+    QTest::newRow("start of 1970") << "1970-1-1 0:00";
+}
+
+void AnnualTimestepsTest::findsNoYearWithoutTimesteps()
+{
+    QFETCH(QString, start);
+    for (const char* unit : {"", "month", "week", "day"}) {
+        HtsRun input = makeRun(QString::fromLatin1(unit), {});
+        input.start = textToDateTime(start);
+        const Outcome outcome = calculate(12, input);
+        QCOMPARE(outcome.message, kNoCompleteYear);
+        QCOMPARE(outcome.map, QString());
+        QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
+        const QStringList expected{kStarting, kUsingDecember, kPartialEnd};
+        QCOMPARE(outcome.log, expected);
+    }
+}
+
 void AnnualTimestepsTest::refusesInvalidStart()
 {
     HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 12));
@@ -571,7 +591,7 @@ void AnnualTimestepsTest::refusesInvalidStart()
     QCOMPARE(outcome.message, kNoCompleteYear);
     QCOMPARE(outcome.map, QString());
     QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
-    const QStringList expected{kStarting, kUsingDecember};
+    const QStringList expected{kStarting, kUsingDecember, kPartialBeginning, kPartialEnd};
     QCOMPARE(outcome.log, expected);
 }
 
@@ -596,9 +616,7 @@ void AnnualTimestepsTest::refusesInvalidTimestep()
     const Outcome outcome = calculate(12, input);
     QCOMPARE(outcome.message, kNoCompleteYear);
     QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
-    QStringList expected{kStarting, kUsingDecember};
-    if (position > 0)
-        expected.append(kPartialBeginning);
+    const QStringList expected{kStarting, kUsingDecember, kPartialBeginning, kPartialEnd};
     QCOMPARE(outcome.log, expected);
 }
 
