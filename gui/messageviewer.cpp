@@ -1,0 +1,278 @@
+#include "gui/messageviewer.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QFile>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QTimer>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include "gui/messagewatcher.h"
+
+namespace UtilsNS {
+
+namespace {
+
+constexpr QSize kInitialSize(600, 300);
+
+// Up to this length the list follows each row at once. That takes 0.3 ms, and more the longer the
+// list is, some hundred times what the row itself takes.
+constexpr int kMaxRowsOfShortList = 50;
+
+// After following its rows a long list rests for this many times the time that it took, so that a
+// steady stream of rows is not spent on layout.
+constexpr int kRestFactor = 4;
+
+QBrush brushOf(QsLogging::Level level)
+{
+    switch (level) {
+    case QsLogging::InfoLevel:
+        return QBrush(QColor(0, 0, 0));
+    case QsLogging::WarnLevel:
+        return QBrush(QColor(115, 78, 0));
+    default:
+        return QBrush(QColor(185, 0, 0));
+    }
+}
+
+QTreeWidget* createTree(const QStringList& headerLabels, QWidget* parent)
+{
+    auto* tree = new QTreeWidget(parent);
+    tree->setColumnCount(headerLabels.size());
+    tree->setHeaderLabels(headerLabels);
+    tree->resizeColumnToContents(0);
+    tree->setRootIsDecorated(false);
+    tree->setSelectionMode(QAbstractItemView::ContiguousSelection);
+    QHeaderView* header = tree->header();
+    header->setSectionResizeMode(QHeaderView::Fixed);
+    header->setSectionsMovable(false);
+    header->setStretchLastSection(false);
+    return tree;
+}
+
+QAction* newAction(QMenu* menu, const QString& text, const QString& shortcut, const QVariant& data)
+{
+    QAction* action = menu->addAction(text);
+    if (!shortcut.isEmpty())
+        action->setShortcut(QKeySequence(shortcut, QKeySequence::NativeText));
+    action->setData(data);
+    return action;
+}
+
+// Invalid when the sender is no action.
+QVariant dataOf(const QObject* sender)
+{
+    const auto* action = qobject_cast<const QAction*>(sender);
+    return action != nullptr ? action->data() : QVariant();
+}
+
+} // namespace
+
+MessageViewer::MessageViewer(const QStringList& headerLabels, QWidget* parent)
+    : QDialog(parent), m_tree(createTree(headerLabels, this)), m_header(m_tree->header()),
+      m_headerItem(m_tree->headerItem()), m_widths(m_tree)
+{
+    setModal(false);
+    setWindowTitle(tr("Untitled"));
+    setWindowFlags(windowFlags() & ~Qt::WindowContextHelpButtonHint);
+    connect(m_tree->model(), &QAbstractItemModel::modelReset, this, [this] { m_widths.clear(); });
+
+    createCheckBox();
+    auto* bottomLayout = new QHBoxLayout;
+    bottomLayout->addStretch();
+    bottomLayout->addWidget(m_checkBox);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_tree);
+    layout->addLayout(bottomLayout);
+    resize(kInitialSize);
+
+    m_menuBar = new QMenuBar(this);
+    createFileMenu();
+    createEditMenu();
+    layout->setMenuBar(m_menuBar);
+    // Gives the tree its size now, for the rows that come before the window is first shown.
+    layout->activate();
+}
+
+MessageViewer::~MessageViewer()
+{
+    // While m_widths lives: the model of a dying tree reports a last reset.
+    delete m_tree;
+}
+
+void MessageViewer::createCheckBox()
+{
+    m_checkBox = new QCheckBox(tr("Automatic Scrolling"), this);
+    m_checkBox->setChecked(m_isAutoScrolling);
+    connect(m_checkBox, &QCheckBox::stateChanged, this, &MessageViewer::checkBoxHandler);
+}
+
+void MessageViewer::createFileMenu()
+{
+    m_fileMenu = m_menuBar->addMenu(tr("&File"));
+    m_saveAllAction =
+        newAction(m_fileMenu, tr("Save All &As"), QStringLiteral("Ctrl+Shift+S"), true);
+    m_saveSelectedAction = newAction(m_fileMenu, tr("Save &Selected As"), QString(), false);
+    m_closeAction =
+        newAction(m_fileMenu, tr("&Close Window"), QStringLiteral("Ctrl+W"), QVariant());
+    connect(m_saveAllAction, &QAction::triggered, this, &MessageViewer::saveHandler);
+    connect(m_saveSelectedAction, &QAction::triggered, this, &MessageViewer::saveHandler);
+    connect(m_closeAction, &QAction::triggered, this, &MessageViewer::close);
+}
+
+void MessageViewer::createEditMenu()
+{
+    m_editMenu = m_menuBar->addMenu(tr("&Edit"));
+    m_copyAllAction = newAction(m_editMenu, tr("&Copy All"), QStringLiteral("Ctrl+C"), true);
+    m_copySelectedAction = newAction(m_editMenu, tr("Copy &Selected"), QString(), false);
+    // No mnemonic, on purpose: a single key must not throw the rows away.
+    m_clearAction = newAction(m_editMenu, tr("Clear"), QString(), QVariant());
+    connect(m_copyAllAction, &QAction::triggered, this, &MessageViewer::copyHandler);
+    connect(m_copySelectedAction, &QAction::triggered, this, &MessageViewer::copyHandler);
+    connect(m_clearAction, &QAction::triggered, m_tree, &QTreeWidget::clear);
+}
+
+void MessageViewer::connectWatcher()
+{
+    connect(&messageWatcher, &MessageWatcher::message, this, &MessageViewer::messageHandler,
+            Qt::QueuedConnection);
+}
+
+void MessageViewer::addMessage(QsLogging::Level level, const QStringList& texts)
+{
+    if (texts.size() != m_tree->columnCount())
+        return;
+    const QBrush brush = brushOf(level);
+    auto* item = new QTreeWidgetItem;
+    for (int column = 0; column < texts.size(); ++column) {
+        item->setText(column, texts.at(column));
+        item->setForeground(column, brush);
+    }
+    m_tree->addTopLevelItem(item);
+
+    if (m_tree->topLevelItemCount() <= kMaxRowsOfShortList)
+        showNewRows();
+    else
+        scheduleShowingNewRows();
+}
+
+void MessageViewer::scheduleShowingNewRows()
+{
+    if (m_isShowingDue)
+        return;
+    m_isShowingDue = true;
+    const auto show = [this] {
+        if (m_isShowingDue)
+            showNewRows();
+    };
+    const qint64 restNs = kRestFactor * m_showingCostNs - m_sinceShowing.nsecsElapsed();
+    const auto restMs = static_cast<int>(restNs / 1'000'000);
+    if (restMs > 0)
+        QTimer::singleShot(restMs, this, show);
+    else // behind the messages that are queued already
+        QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+}
+
+void MessageViewer::showNewRows()
+{
+    m_isShowingDue = false;
+    QElapsedTimer timer;
+    timer.start();
+    m_widths.update();
+    for (int column = 0; column < m_tree->columnCount(); ++column) {
+        m_header->resizeSection(column,
+                                qMax(m_widths.width(column), m_header->sectionSizeHint(column)));
+    }
+    // After the sections: a horizontal scroll bar takes height from the rows.
+    m_tree->doItemsLayout();
+    if (m_isAutoScrolling)
+        m_tree->scrollToBottom();
+    m_showingCostNs = timer.nsecsElapsed();
+    m_sinceShowing.start();
+}
+
+QString MessageViewer::collectText(bool all) const
+{
+    const QLatin1String separator(" | ");
+    QString text;
+    for (int row = 0; row < m_tree->topLevelItemCount(); ++row) {
+        const QTreeWidgetItem* item = m_tree->topLevelItem(row);
+        if (!all && !item->isSelected())
+            continue;
+        QStringList shownTexts;
+        for (int column = 0; column < m_tree->columnCount(); ++column) {
+            if (!m_header->isSectionHidden(column))
+                shownTexts.append(item->text(column));
+        }
+        text += shownTexts.join(separator) + QLatin1Char('\n');
+    }
+    return text;
+}
+
+void MessageViewer::copyTo(QClipboard* clipboard, const QString& text)
+{
+    if (clipboard == nullptr) {
+        QMessageBox::warning(this, tr("Copy Message Error"), tr("Cannot access the clipboard"));
+        return;
+    }
+    clipboard->setText(text, QClipboard::Clipboard);
+}
+
+void MessageViewer::saveHandler()
+{
+    const QString text = collectText(dataOf(sender()).toBool());
+    const QString name =
+        QFileDialog::getSaveFileName(this, tr("Save Diagnostic Output"), m_lastSaveName);
+    if (name.isEmpty())
+        return;
+    QFile file(name);
+    // Not in text mode: lines end with a bare line feed everywhere.
+    if (!file.open(QIODevice::WriteOnly)) {
+        QMessageBox::warning(this, QStringLiteral("Save Diagnostics Error"), file.errorString());
+        return;
+    }
+    file.write(text.toLocal8Bit());
+    m_lastSaveName = name;
+}
+
+void MessageViewer::copyHandler()
+{
+    const QString text = collectText(dataOf(sender()).toBool());
+    copyTo(QGuiApplication::clipboard(), text);
+}
+
+void MessageViewer::columnHandler(bool isShown)
+{
+    m_header->setSectionHidden(dataOf(sender()).toInt(), !isShown);
+}
+
+void MessageViewer::messageHandler(QsLogging::Level level, const QString& message)
+{
+    addMessage(level, QStringList(message));
+}
+
+void MessageViewer::checkBoxHandler(int state)
+{
+    // Rows that wait still came under the old setting.
+    if (m_isShowingDue)
+        showNewRows();
+    m_isAutoScrolling = state == Qt::Checked;
+    if (m_isAutoScrolling)
+        m_tree->scrollToBottom();
+}
+
+void MessageViewer::closeEvent(QCloseEvent* event)
+{
+    hide();
+    event->ignore();
+}
+
+} // namespace UtilsNS

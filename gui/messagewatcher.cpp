@@ -1,0 +1,53 @@
+#include "gui/messagewatcher.h"
+
+#include <QRegExp>
+
+#include "QsLog.h"
+
+namespace UtilsNS {
+
+namespace {
+
+QString withoutTimeStamp(const QString& message)
+{
+    // A matcher of this call alone: a QRegExp keeps the state of its last match, and lines may come
+    // from several threads at once.
+    const QRegExp timeStamp(
+        QStringLiteral("\\d{4}-\\d{2}-\\d{2}T\\d{2}:\\d{2}:\\d{2}\\.\\d{3}\\s+"));
+    QString text = message;
+    const int position = timeStamp.indexIn(text);
+    if (position >= 0)
+        text.remove(position, timeStamp.matchedLength());
+    return text;
+}
+
+// Deliberate: the viewer knows three kinds of lines only.
+QsLogging::Level narrowed(QsLogging::Level level)
+{
+    switch (level) {
+    case QsLogging::TraceLevel:
+    case QsLogging::DebugLevel:
+        return QsLogging::InfoLevel;
+    case QsLogging::FatalLevel:
+        return QsLogging::ErrorLevel;
+    default:
+        return level;
+    }
+}
+
+} // namespace
+
+MessageWatcher messageWatcher;
+
+void watcherDestination(const QString& message, QsLogging::Level level)
+{
+    Q_EMIT messageWatcher.message(narrowed(level), withoutTimeStamp(message));
+}
+
+void setVerboseLogging(bool verbose)
+{
+    QsLogging::Logger::instance().setLoggingLevel(verbose ? QsLogging::TraceLevel
+                                                          : QsLogging::WarnLevel);
+}
+
+} // namespace UtilsNS

@@ -1,0 +1,39 @@
+#ifndef GUI_MESSAGEWATCHER_H
+#define GUI_MESSAGEWATCHER_H
+
+#include <QObject>
+#include <QString>
+
+#include "QsLogLevel.h"
+
+namespace UtilsNS {
+
+// Carries log lines from the logger to the user interface.
+//
+//     QsLogging::Logger::instance().addDestination(
+//         QsLogging::DestinationFactory::MakeFunctorDestination(UtilsNS::watcherDestination));
+//
+// From then on every line is emitted by `messageWatcher`, on the thread that logged it. A receiver
+// with widgets connects queued, for which QsLogging::Level must be registered as a meta type under
+// that name before the first line.
+class MessageWatcher : public QObject
+{
+    Q_OBJECT
+
+Q_SIGNALS:
+    void message(QsLogging::Level level, const QString& message);
+};
+
+// The one watcher of the program, there before main() and until exit.
+extern MessageWatcher messageWatcher;
+
+// Emits a formatted log line without its time stamp and with its level narrowed to Info, Warn or
+// Error. Callable from any thread; without a receiver the line is lost.
+void watcherDestination(const QString& message, QsLogging::Level level);
+
+// Lets the logger pass everything from Trace up (verbose) or from Warn up.
+void setVerboseLogging(bool verbose);
+
+} // namespace UtilsNS
+
+#endif // GUI_MESSAGEWATCHER_H
