@@ -38,8 +38,8 @@ consolebuf::~consolebuf() = default;
 
 consolebuf::int_type consolebuf::overflow(int_type c)
 {
-    // After a failed flush the spare byte is taken.
-    if (pptr() > epptr() && flush() < 0)
+    const bool isFull = pptr() == m_buffer.get() + kBufferSize; // after a failed flush
+    if (isFull && flush() < 0)
         return traits_type::eof();
     const bool isEndOfFile = traits_type::eq_int_type(c, traits_type::eof());
     if (!isEndOfFile) {
@@ -59,8 +59,15 @@ int consolebuf::flush()
 {
     const auto count = static_cast<int>(pptr() - pbase());
     if (count > 0) {
-        if (!writeToConsole(pbase(), static_cast<std::size_t>(count)))
+        if (!writeToConsole(pbase(), static_cast<std::size_t>(count))) {
+            // The spare byte joins the put area once it is taken: sputn() would write without end
+            // if the put position were behind the area.
+            if (pptr() > epptr()) {
+                setp(m_buffer.get(), m_buffer.get() + kBufferSize);
+                pbump(count);
+            }
             return -1;
+        }
         setp(m_buffer.get(), m_buffer.get() + kBufferSize - 1);
     }
     return count;
