@@ -92,5 +92,7 @@ QDateTime textToDateTime(const QString& text)
     if (!text.endsWith(kEndOfDay))
         return parse(text);
     QString midnight = text;
-    return parse(midnight.replace(kEndOfDay, QLatin1String("00:00"))).addDays(1);
+    const QDateTime dateTime = parse(midnight.replace(kEndOfDay, QLatin1String("00:00")));
+    // A day added to an invalid date-time would make it valid, in the year -4713.
+    return dateTime.isValid() ? dateTime.addDays(1) : dateTime;
 }
