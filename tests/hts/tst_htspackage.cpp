@@ -1,0 +1,298 @@
+#include <QtTest>
+
+#include "hts/htspackage.h"
+#include "tests/hts/packagecompare.h"
+
+namespace {
+
+HtsRun runWithTrace(int trace)
+{
+    HtsRun run;
+    run.complete = true;
+    run.trace = trace;
+    run.start = QDateTime(QDate(2000, 1, 1), QTime(6, 0), Qt::UTC);
+    run.end = QDateTime(QDate(2000, 2, 1), QTime(6, 0), Qt::UTC);
+    run.timeStepUnit = QStringLiteral("month");
+    run.unitQuantity = 1;
+    run.timeStepCount = 2;
+    run.consecutive = 0;
+    run.slotSet = QStringLiteral("set");
+    run.ruleSet = QStringLiteral("rules");
+    run.idxSequential = 3;
+    run.timesteps = QStringList{QStringLiteral("2000-1-1 6:00"), QStringLiteral("2000-2-1 6:00")};
+    return run;
+}
+
+HtsSlot slotNamed(const QString& name)
+{
+    HtsSlot slot;
+    slot.preambleRead = true;
+    slot.objectType = QStringLiteral("Reservoir");
+    slot.objectName = QStringLiteral("Lake A");
+    slot.slotType = QStringLiteral("TableSlot");
+    slot.slotName = name;
+    slot.rows = 1;
+    slot.cols = 2;
+    slot.tableRows = QStringList{QStringLiteral("1 2")};
+    slot.units = QStringList{QStringLiteral("cms")};
+    slot.scales = QList<double>{2.5};
+    slot.methods = QStringList{QStringLiteral("Sum")};
+    return slot;
+}
+
+// Two runs, two slots, one column of two values each.
+HtsPackage filledPackage()
+{
+    HtsPackage package;
+    package.preambleRead = true;
+    package.name = QStringLiteral("name");
+    package.owner = QStringLiteral("owner");
+    package.description = QStringLiteral("description");
+    package.createDate = QDateTime(QDate(2015, 4, 1), QTime(0, 0), Qt::UTC);
+    package.numberOfRuns = 2;
+    package.runs = QVector<HtsRun>{runWithTrace(1), runWithTrace(2)};
+    package.slots =
+        QVector<HtsSlot>{slotNamed(QStringLiteral("first")), slotNamed(QStringLiteral("second"))};
+    package.values = {{{{1.0, 2.0}}, {{3.0, 4.0}}}, {{{5.0, 6.0}}, {{7.0, 8.0}}}};
+    return package;
+}
+
+} // namespace
+
+class HtsPackageTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startsEmpty();
+    void copyPreambleTakesThePreambleOnly();
+    void copyPreambleKeepsLeadingRunsAndValues();
+    void copyPreambleTakesNegativeCountForNone();
+    void setNumSlotsResizesSlotsAndValues_data();
+    void setNumSlotsResizesSlotsAndValues();
+    void runAndSlotGiveDefaultsOutOfRange_data();
+    void runAndSlotGiveDefaultsOutOfRange();
+    void setRunAndSetSlotReplaceEveryField();
+    void setRunAndSetSlotDoNothingOutOfRange_data();
+    void setRunAndSetSlotDoNothingOutOfRange();
+    void slotKindFollowsFromItsType_data();
+    void slotKindFollowsFromItsType();
+    void copiesAreIndependent();
+    void statusIsSuccessWithoutMessage();
+};
+
+void HtsPackageTest::startsEmpty()
+{
+    const HtsPackage package;
+    QVERIFY(!package.preambleRead);
+    QCOMPARE(package.name + package.owner + package.description, QString());
+    QVERIFY(package.createDate.isNull());
+    QCOMPARE(package.numberOfRuns, 0);
+    QVERIFY(package.runs.isEmpty());
+    QVERIFY(package.slots.isEmpty());
+    QVERIFY(package.values.empty());
+    QCOMPARE(package.numSlots(), 0);
+
+    const HtsRun run;
+    QVERIFY(!run.complete);
+    QCOMPARE(run.trace, -1);
+    QVERIFY(run.start.isNull());
+    QVERIFY(run.end.isNull());
+    QCOMPARE(run.timeStepUnit + run.slotSet + run.ruleSet, QString());
+    QCOMPARE(run.unitQuantity, 0);
+    QCOMPARE(run.timeStepCount, 0);
+    QCOMPARE(run.consecutive, -1);
+    QCOMPARE(run.idxSequential, -1);
+    QVERIFY(run.timesteps.isEmpty());
+
+    const HtsSlot slot;
+    QVERIFY(!slot.preambleRead);
+    QCOMPARE(slot.objectType + slot.objectName + slot.slotType + slot.slotName, QString());
+    QCOMPARE(slot.rows, 0);
+    QCOMPARE(slot.cols, 0);
+    QCOMPARE(slot.tableRows + slot.units + slot.methods, QStringList());
+    QVERIFY(slot.scales.isEmpty());
+}
+
+void HtsPackageTest::copyPreambleTakesThePreambleOnly()
+{
+    HtsPackage expected = filledPackage();
+    expected.runs = QVector<HtsRun>(2);
+    expected.slots.clear();
+    expected.values = HtsValues(2);
+    HtsPackage package;
+    package.copyPreamble(filledPackage());
+    QCOMPARE(difference(package, expected), QString());
+}
+
+void HtsPackageTest::copyPreambleKeepsLeadingRunsAndValues()
+{
+    HtsPackage source;
+    source.numberOfRuns = 3;
+    HtsPackage package = filledPackage();
+    package.copyPreamble(source);
+    HtsPackage expected = source;
+    expected.runs = QVector<HtsRun>{runWithTrace(1), runWithTrace(2), HtsRun()};
+    expected.slots = filledPackage().slots;
+    expected.values = filledPackage().values;
+    expected.values.emplace_back();
+    QCOMPARE(difference(package, expected), QString());
+
+    source.numberOfRuns = 1;
+    package.copyPreamble(source);
+    expected.numberOfRuns = 1;
+    expected.runs.resize(1);
+    expected.values.resize(1);
+    QCOMPARE(difference(package, expected), QString());
+}
+
+void HtsPackageTest::copyPreambleTakesNegativeCountForNone()
+{
+    HtsPackage source;
+    source.numberOfRuns = -3;
+    HtsPackage package = filledPackage();
+    package.copyPreamble(source);
+    QCOMPARE(package.numberOfRuns, -3);
+    QCOMPARE(package.runs.size(), 0);
+    QVERIFY(package.values.empty());
+}
+
+void HtsPackageTest::setNumSlotsResizesSlotsAndValues_data()
+{
+    QTest::addColumn<int>("count");
+    for (const int count : {0, 1, 2, 5})
+        QTest::addRow("%d", count) << count;
+}
+
+void HtsPackageTest::setNumSlotsResizesSlotsAndValues()
+{
+    QFETCH(int, count);
+    HtsPackage package = filledPackage();
+    package.setNumSlots(count);
+    QCOMPARE(package.numSlots(), count);
+
+    HtsPackage expected = filledPackage();
+    expected.slots.clear();
+    for (auto& runValues : expected.values)
+        runValues.clear();
+    for (int slot = 0; slot < count; ++slot) {
+        const HtsPackage filled = filledPackage();
+        expected.slots.append(slot < 2 ? filled.slots.at(slot) : HtsSlot());
+        for (std::size_t run = 0; run < 2; ++run) {
+            expected.values[run].emplace_back();
+            if (slot < 2)
+                expected.values[run].back() = filled.values[run][static_cast<std::size_t>(slot)];
+        }
+    }
+    QCOMPARE(difference(package, expected), QString());
+}
+
+void HtsPackageTest::runAndSlotGiveDefaultsOutOfRange_data()
+{
+    QTest::addColumn<int>("index");
+    for (const int index :
+         {-1, 2, 3, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
+        QTest::addRow("%d", index) << index;
+}
+
+void HtsPackageTest::runAndSlotGiveDefaultsOutOfRange()
+{
+    QFETCH(int, index);
+    const HtsPackage package = filledPackage();
+    QCOMPARE(difference(package.run(0), runWithTrace(1)), QString());
+    QCOMPARE(difference(package.run(1), runWithTrace(2)), QString());
+    QCOMPARE(difference(package.slot(1), slotNamed(QStringLiteral("second"))), QString());
+    QCOMPARE(difference(package.run(index), HtsRun()), QString());
+    QCOMPARE(difference(package.slot(index), HtsSlot()), QString());
+    // One object for the whole program.
+    QCOMPARE(&package.run(index), &HtsPackage().run(0));
+    QCOMPARE(&package.slot(index), &HtsPackage().slot(0));
+}
+
+void HtsPackageTest::setRunAndSetSlotReplaceEveryField()
+{
+    HtsPackage package;
+    package.runs.resize(2);
+    package.slots.resize(2);
+    package.setRun(1, runWithTrace(7));
+    package.setSlot(0, slotNamed(QStringLiteral("new")));
+    HtsPackage expected;
+    expected.runs = QVector<HtsRun>{HtsRun(), runWithTrace(7)};
+    expected.slots = QVector<HtsSlot>{slotNamed(QStringLiteral("new")), HtsSlot()};
+    QCOMPARE(difference(package, expected), QString());
+    package.setRun(1, HtsRun());
+    package.setSlot(0, HtsSlot());
+    QCOMPARE(difference(package.run(1), HtsRun()), QString());
+    QCOMPARE(difference(package.slot(0), HtsSlot()), QString());
+}
+
+void HtsPackageTest::setRunAndSetSlotDoNothingOutOfRange_data()
+{
+    runAndSlotGiveDefaultsOutOfRange_data();
+}
+
+void HtsPackageTest::setRunAndSetSlotDoNothingOutOfRange()
+{
+    QFETCH(int, index);
+    HtsPackage package = filledPackage();
+    package.setRun(index, runWithTrace(9));
+    package.setSlot(index, slotNamed(QStringLiteral("nowhere")));
+    QCOMPARE(difference(package, filledPackage()), QString());
+    // Nor has the shared default object taken it.
+    QCOMPARE(package.run(index).trace, -1);
+    QCOMPARE(package.slot(index).slotName, QString());
+}
+
+void HtsPackageTest::slotKindFollowsFromItsType_data()
+{
+    QTest::addColumn<QString>("slotType");
+    QTest::addColumn<bool>("isSeries");
+    QTest::addColumn<bool>("isTable");
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<int>("rows");
+    QTest::newRow("empty") << QString() << true << false << 1 << -1;
+    QTest::newRow("series") << QStringLiteral("SeriesSlot") << true << false << 1 << -1;
+    QTest::newRow("table") << QStringLiteral("TableSlot") << false << true << 3 << 4;
+    QTest::newRow("scalar") << QStringLiteral("ScalarSlot") << false << false << 1 << 1;
+    QTest::newRow("unknown") << QStringLiteral("Other") << false << false << 1 << 1;
+    QTest::newRow("other case") << QStringLiteral("seriesslot") << false << false << 1 << 1;
+    QTest::newRow("with a blank") << QStringLiteral(" TableSlot") << false << false << 1 << 1;
+}
+
+void HtsPackageTest::slotKindFollowsFromItsType()
+{
+    QFETCH(QString, slotType);
+    HtsSlot slot;
+    slot.slotType = slotType;
+    slot.rows = 4;
+    slot.cols = 3;
+    QTEST(slot.isSeries(), "isSeries");
+    QTEST(slot.isTable(), "isTable");
+    QTEST(slot.numColumns(), "columns");
+    QTEST(slot.numRows(), "rows");
+}
+
+void HtsPackageTest::copiesAreIndependent()
+{
+    const HtsPackage original = filledPackage();
+    HtsPackage copy = original;
+    copy.runs[0].trace = 99;
+    copy.slots[0].units[0] = QStringLiteral("m");
+    copy.values[0][0][0][0] = -1.0;
+    QCOMPARE(difference(original, filledPackage()), QString());
+    QVERIFY(!difference(copy, original).isEmpty());
+}
+
+void HtsPackageTest::statusIsSuccessWithoutMessage()
+{
+    const Status success;
+    QVERIFY(success.ok());
+    QVERIFY(!success.flag);
+    const Status failed = failure(QStringLiteral("reason"));
+    QVERIFY(!failed.ok());
+    QCOMPARE(failed.message, QStringLiteral("reason"));
+    QVERIFY(!failed.flag);
+}
+
+QTEST_APPLESS_MAIN(HtsPackageTest)
+#include "tst_htspackage.moc"
