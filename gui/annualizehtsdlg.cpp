@@ -1,0 +1,276 @@
+#include "gui/annualizehtsdlg.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QRegExp>
+
+#include "QsLog.h"
+#include "annualize/annualizehts.h"
+#include "gui/messageviewer.h"
+#include "gui/messagewatcher.h"
+#include "ui_annualizehtsdlg.h"
+#include "utils/envvars.h"
+#include "utils/fileroles.h"
+#include "utils/helpurl.h"
+#include "utils/outputfile.h"
+
+namespace {
+
+// The window's own version; the one that the command line prints differs on purpose.
+constexpr int kMajorVersion = 1;
+constexpr int kMinorVersion = 1;
+
+const QLatin1String kMonths[] = {
+    QLatin1String("January"), QLatin1String("February"), QLatin1String("March"),
+    QLatin1String("April"),   QLatin1String("May"),      QLatin1String("June"),
+    QLatin1String("July"),    QLatin1String("August"),   QLatin1String("September"),
+    QLatin1String("October"), QLatin1String("November"), QLatin1String("December")};
+constexpr int kDecemberIndex = 11;
+
+const QLatin1String kHtsFilters("HTS Files (*.hts);;All Files (*)");
+const QLatin1String kAllFilter("All Files (*)");
+
+const QLatin1String kIncompleteTitle("Incomplete Information");
+const QLatin1String kInformationTitle("Information Error");
+const QLatin1String kConfigurationTitle("Annualizer Configuration Error");
+const QLatin1String kConversionTitle("Annualize HTS Error");
+const QLatin1String kSuccessTitle("Annualize HTS");
+
+const QLatin1String kIncomplete("Source, Result, or Control File name is not specified");
+const QLatin1String
+    kSourceNotSubstituted("Source HTS file environment variables could not be substituted");
+const QLatin1String
+    kResultNotSubstituted("Result HTS file environment variables could not be substituted");
+const QLatin1String
+    kControlNotSubstituted("Method control file environment variables could not be substituted");
+const QLatin1String kSuccess("Annual HTS file successfully created!");
+
+// Shows the wait cursor while it lives.
+class WaitCursor
+{
+public:
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+// Every outcome comes in a warning box, success too.
+void showBox(const QString& title, const QString& text)
+{
+    QMessageBox::warning(nullptr, title, text, QMessageBox::Ok);
+}
+
+} // namespace
+
+struct AnnualizeHtsDlg::FileDialogTexts
+{
+    QLatin1String caption;
+    QLatin1String filters;
+    QLatin1String selectedFilter;
+};
+
+struct AnnualizeHtsDlg::Paths
+{
+    QString source;
+    QString result;
+    QString control;
+
+    // Fails when writing the result would destroy one of the other two.
+    Status checkResult() const
+    {
+        const UtilsNS::FileRole sourceRole = {QStringLiteral("source HTS file"), source};
+        const UtilsNS::FileRole controlRole = {QStringLiteral("method control file"), control};
+        const UtilsNS::FileRole resultRole = {QStringLiteral("result HTS file"), result};
+        return {UtilsNS::sharedFileMessage(resultRole, {sourceRole, controlRole})};
+    }
+};
+
+// Why there was no conversion, and the title of the box that says so. An empty text means that
+// nothing failed.
+struct AnnualizeHtsDlg::Failure
+{
+    QString title;
+    QString text;
+
+    bool isNone() const { return text.isEmpty(); }
+};
+
+AnnualizeHtsDlg::AnnualizeHtsDlg(AnnualizeHts* engine, QWidget* parent)
+    : QMainWindow(parent), m_form(std::make_unique<Ui::AnnualizeHtsDlg>()), m_engine(engine)
+{
+    m_form->setupUi(this);
+    setWindowTitle(QStringLiteral("HTS Annualizer (v%1.%2)").arg(kMajorVersion).arg(kMinorVersion));
+    fillMonthList();
+    connectButtons();
+    createDiagnosticsWindow();
+    UtilsNS::setVerboseLogging(true);
+}
+
+AnnualizeHtsDlg::~AnnualizeHtsDlg() = default;
+
+void AnnualizeHtsDlg::fillMonthList()
+{
+    for (const QLatin1String month : kMonths)
+        m_form->_endMonthComboBox->addItem(month);
+    m_form->_endMonthComboBox->setCurrentIndex(kDecemberIndex);
+}
+
+void AnnualizeHtsDlg::connectButtons()
+{
+    const auto onClick = [this](QPushButton* button, void (AnnualizeHtsDlg::*handler)(bool)) {
+        connect(button, &QPushButton::clicked, this, handler);
+    };
+    onClick(m_form->_sourceHtsButton, &AnnualizeHtsDlg::sourceSelectHandler);
+    onClick(m_form->_annualResultHtsButton, &AnnualizeHtsDlg::resultSelectHandler);
+    onClick(m_form->_methodControlButton, &AnnualizeHtsDlg::controlSelectHandler);
+    onClick(m_form->_okButton, &AnnualizeHtsDlg::okButtonHandler);
+    onClick(m_form->_cancelButton, &AnnualizeHtsDlg::cancelButtonHandler);
+    onClick(m_form->_helpButton, &AnnualizeHtsDlg::helpButtonHandler);
+    onClick(m_form->_diagButton, &AnnualizeHtsDlg::diagButtonHandler);
+}
+
+void AnnualizeHtsDlg::createDiagnosticsWindow()
+{
+    // Without a parent, so that either window can be in front of the other.
+    const QStringList headerLabels = {tr("Diagnostic Messages")};
+    m_diagnostics = std::make_unique<UtilsNS::MessageViewer>(headerLabels, nullptr);
+    m_diagnostics->setWindowTitle(QStringLiteral("HTS Annualizer Diagnostics"));
+    m_diagnostics->connectWatcher();
+}
+
+void AnnualizeHtsDlg::sourceSelectHandler(bool)
+{
+    selectFile({QLatin1String("Source HTS File"), kHtsFilters, QLatin1String("HTS Files (*.hts)")},
+               m_form->_sourceHtsLineEdit);
+}
+
+void AnnualizeHtsDlg::resultSelectHandler(bool)
+{
+    // The separator behind the filter is there on purpose.
+    selectFile({QLatin1String("Result Annual Hts File"), kHtsFilters,
+                QLatin1String("HTS Files (*.hts);;")},
+               m_form->_annualResultHtsLineEdit);
+}
+
+void AnnualizeHtsDlg::controlSelectHandler(bool)
+{
+    selectFile({QLatin1String("Method Control File"), kAllFilter, kAllFilter},
+               m_form->_methodControlLineEdit);
+}
+
+// A dialog for saving, also for the files that are read: a name may be typed there that does not
+// exist yet.
+void AnnualizeHtsDlg::selectFile(const FileDialogTexts& texts, QLineEdit* lineEdit)
+{
+    QString selectedFilter = texts.selectedFilter;
+    const QString name =
+        QFileDialog::getSaveFileName(this, texts.caption, m_lastDirectory, texts.filters,
+                                     &selectedFilter, QFileDialog::DontConfirmOverwrite);
+    if (name.isEmpty())
+        return;
+    m_lastDirectory = QFileInfo(name).path();
+    lineEdit->setText(name);
+}
+
+void AnnualizeHtsDlg::okButtonHandler(bool)
+{
+    const Failure failure = convert();
+    if (!failure.isNone()) {
+        QLOG_ERROR().noquote() << failure.text;
+        showBox(failure.title, failure.text);
+        return;
+    }
+    QLOG_INFO() << "Annual HTs file successfully created\n";
+    showBox(kSuccessTitle, kSuccess);
+}
+
+AnnualizeHtsDlg::Failure AnnualizeHtsDlg::takePaths(Paths& paths) const
+{
+    const QString source = m_form->_sourceHtsLineEdit->text();
+    const QString result = m_form->_annualResultHtsLineEdit->text();
+    const QString control = m_form->_methodControlLineEdit->text();
+    if (source.isEmpty() || result.isEmpty() || control.isEmpty())
+        return {kIncompleteTitle, kIncomplete};
+    // What is wrong with the references is deliberately not told.
+    if (!UtilsNS::substituteEnvVars(source, paths.source).ok())
+        return {kInformationTitle, kSourceNotSubstituted};
+    if (!UtilsNS::substituteEnvVars(result, paths.result).ok())
+        return {kInformationTitle, kResultNotSubstituted};
+    if (!UtilsNS::substituteEnvVars(control, paths.control).ok())
+        return {kInformationTitle, kControlNotSubstituted};
+    return {};
+}
+
+AnnualizeHtsDlg::Failure AnnualizeHtsDlg::convert()
+{
+    Paths paths;
+    const Failure failure = takePaths(paths);
+    if (!failure.isNone())
+        return failure;
+
+    QFile sourceFile(paths.source);
+    if (!sourceFile.open(QIODevice::ReadOnly | QIODevice::Text))
+        return {kConfigurationTitle, sourceFile.errorString()};
+    Status status = m_engine->setSourceDevice(&sourceFile);
+    if (status.ok())
+        status = m_engine->setControlFile(paths.control);
+    if (status.ok())
+        status = paths.checkResult();
+    if (!status.ok())
+        return {kConfigurationTitle, status.message};
+
+    QFile resultFile(paths.result);
+    if (!resultFile.open(QIODevice::WriteOnly | QIODevice::Text))
+        return {kConfigurationTitle, resultFile.errorString()};
+    status = m_engine->setResultDevice(&resultFile);
+    if (status.ok())
+        status = m_engine->setEndMonth(m_form->_endMonthComboBox->currentIndex() + 1);
+    if (!status.ok())
+        return {kConfigurationTitle, status.message};
+
+    {
+        const WaitCursor waitCursor;
+        status = m_engine->annualize();
+    }
+    if (status.ok())
+        status.message = UtilsNS::finishedFileError(resultFile); // the engine can't see a full disk
+    return {kConversionTitle, status.message};
+}
+
+void AnnualizeHtsDlg::cancelButtonHandler(bool)
+{
+    close();
+}
+
+QString AnnualizeHtsDlg::helpPageUrl(const QString& programFolder)
+{
+    const QString url = QStringLiteral("file:///%1/Help/HtsAnnualizerHelp.html").arg(programFolder);
+    return url.contains(QRegExp(QStringLiteral("\\s"))) ? QStringLiteral("\"%1\"").arg(url) : url;
+}
+
+void AnnualizeHtsDlg::helpButtonHandler(bool)
+{
+    const QString url = helpPageUrl(QCoreApplication::applicationDirPath());
+    QLOG_INFO().noquote() << QStringLiteral("Opening help file %1").arg(url);
+    static_cast<void>(UtilsNS::openHelpUrl(url)); // always succeeds
+}
+
+void AnnualizeHtsDlg::diagButtonHandler(bool)
+{
+    if (m_diagnostics == nullptr)
+        return;
+    m_diagnostics->setWindowState(m_diagnostics->windowState() & ~Qt::WindowMinimized);
+    m_diagnostics->show();
+    m_diagnostics->raise();
+}
+
+void AnnualizeHtsDlg::closeEvent(QCloseEvent* event)
+{
+    m_diagnostics.reset();
+    QMainWindow::closeEvent(event);
+}
