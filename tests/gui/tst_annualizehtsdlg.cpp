@@ -1,0 +1,1103 @@
+#include <memory>
+
+#include <QtTest>
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QGroupBox>
+#include <QLayout>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTranslator>
+#include <QTreeWidget>
+
+#include <unistd.h>
+
+#include "QsLog.h"
+#include "annualize/annualizehts.h"
+#include "gui/annualizehtsdlg.h"
+#include "gui/messageviewer.h"
+#include "gui/messagewatcher.h"
+#include "tests/gui/modalwindows.h"
+#include "tests/gui/monthlyexample.h"
+#include "tests/support/logcollector.h"
+
+namespace {
+
+void writeFile(const QString& path, const QString& text)
+{
+    QFile file(path);
+    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(path));
+    QCOMPARE(file.write(text.toUtf8()), qint64(text.toUtf8().size()));
+}
+
+QString readFile(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("cannot be opened: ") + path;
+    return QString::fromUtf8(file.readAll());
+}
+
+// The text that the toolkit has for a file that doesn't open.
+QString openError(const QString& path, QIODevice::OpenMode mode)
+{
+    QFile file(path);
+    return file.open(mode) ? QString() : file.errorString();
+}
+
+void compareBox(const Box& box, const QString& title, const QString& text)
+{
+    QCOMPARE(box.title, title);
+    QCOMPARE(box.text, text);
+    QCOMPARE(box.icon, QMessageBox::Warning);
+    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QVERIFY(!box.hasParent);
+    QVERIFY(!box.hasOverrideCursor);
+}
+
+// The cursor that is shown while the engine works, seen whenever it logs.
+bool sawWaitCursor = false;
+
+void watchCursor(const QString&, QsLogging::Level level)
+{
+    const QCursor* cursor = QApplication::overrideCursor();
+    if (level == QsLogging::InfoLevel && cursor != nullptr && cursor->shape() == Qt::WaitCursor)
+        sawWaitCursor = true;
+}
+
+// Translates every text into its context and itself.
+class MarkingTranslator : public QTranslator
+{
+public:
+    QString translate(const char* context, const char* text, const char*, int) const override
+    {
+        return QLatin1Char('<') + QLatin1String(context) + QLatin1Char('|') + QLatin1String(text) +
+               QLatin1Char('>');
+    }
+    bool isEmpty() const override { return false; }
+};
+
+} // namespace
+
+Q_DECLARE_METATYPE(QSizePolicy::Policy)
+Q_DECLARE_METATYPE(QsLogging::Level)
+
+class AnnualizeHtsDlgTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void isNamedAndSized();
+    void formHasWidget_data();
+    void formHasWidget();
+    void formCreatesWidgetsInOrder();
+    void formLayoutHolds_data();
+    void formLayoutHolds();
+    void tabMovesFromTopToBottom();
+    void translatesTextsInItsContext();
+    void listsMonthsAndSelectsDecember();
+    void hasSlotsInOrder();
+    void letsTheLoggerPassEverything();
+
+    void selectButtonOpensDialog_data();
+    void selectButtonOpensDialog();
+    void cancelledDialogChangesNothing();
+    void dialogsShareLastFolder_data();
+    void dialogsShareLastFolder();
+    void dialogTakesExistingFileWithoutQuestion();
+
+    void refusesEmptyField_data();
+    void refusesEmptyField();
+    void refusesUndefinedVariable_data();
+    void refusesUndefinedVariable();
+    void refusesBlankSourceAsMissingFile();
+    void refusesSourceThatDoesNotOpen_data();
+    void refusesSourceThatDoesNotOpen();
+    void refusesResultThatDoesNotOpen_data();
+    void refusesResultThatDoesNotOpen();
+    void refusesMonthOutOfRange();
+    void refusesResultThatIsInput_data();
+    void refusesResultThatIsInput();
+    void refusesResultThatIsControlFileStillMissing();
+    void reportsFailureOfEngine_data();
+    void reportsFailureOfEngine();
+    void reportsFullDisk();
+    void logsNothingBelowLevel_data();
+    void logsNothingBelowLevel();
+
+    void convertsWithMonth_data();
+    void convertsWithMonth();
+    void substitutesVariablesInAllPaths();
+    void keepsFieldsAndConvertsAgain();
+    void showsWaitCursorOnlyDuringConversion();
+
+    void showsLogInDiagnosticsWindow();
+    void closingDiagnosticsWindowHidesIt();
+    void raisesMinimizedDiagnosticsWindow();
+    void closingMainWindowEndsEventLoop_data();
+    void closingMainWindowEndsEventLoop();
+    void deletesDiagnosticsWindowWhenNeverClosed();
+
+    void buildsHelpUrl_data();
+    void buildsHelpUrl();
+    void helpButtonLogsAndOpensPage();
+
+private:
+    template<typename Widget>
+    Widget* child(const char* name) const
+    {
+        return m_window->findChild<Widget*>(QLatin1String(name));
+    }
+    QPushButton* button(const char* name) const { return child<QPushButton>(name); }
+    QLineEdit* lineEdit(const char* name) const { return child<QLineEdit>(name); }
+    QString path(const QString& name) const { return m_folder->filePath(name); }
+    QStringList files() const;
+
+    void enterPaths(const QString& source, const QString& control, const QString& result);
+    void writeInputsAndEnterPaths();
+    void writeScript(const QString& name, const QString& commands);
+    void compareSingleFailure(const QString& title, const QString& text);
+    UtilsNS::MessageViewer* viewer() const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<AnnualizeHts> m_engine;
+    std::unique_ptr<AnnualizeHtsDlg> m_window;
+};
+
+void AnnualizeHtsDlgTest::initTestCase()
+{
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    qRegisterMetaType<QsLogging::Level>("QsLogging::Level");
+    for (const auto destination : {watchCursor, UtilsNS::watcherDestination})
+        QsLogging::Logger::instance().addDestination(
+            QsLogging::DestinationFactory::MakeFunctorDestination(destination));
+}
+
+void AnnualizeHtsDlgTest::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+    m_engine = std::make_unique<AnnualizeHts>();
+    m_window = std::make_unique<AnnualizeHtsDlg>(m_engine.get(), nullptr);
+    m_window->show();
+}
+
+void AnnualizeHtsDlgTest::cleanup()
+{
+    m_window.reset();
+    m_engine.reset();
+    m_folder.reset();
+}
+
+QStringList AnnualizeHtsDlgTest::files() const
+{
+    return QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+void AnnualizeHtsDlgTest::enterPaths(const QString& source, const QString& control,
+                                     const QString& result)
+{
+    lineEdit("_sourceHtsLineEdit")->setText(source);
+    lineEdit("_methodControlLineEdit")->setText(control);
+    lineEdit("_annualResultHtsLineEdit")->setText(result);
+}
+
+void AnnualizeHtsDlgTest::writeInputsAndEnterPaths()
+{
+    writeFile(path(QStringLiteral("monthly.hts")), monthlySource());
+    writeFile(path(QStringLiteral("methods.txt")), monthlyControl());
+    enterPaths(path(QStringLiteral("monthly.hts")), path(QStringLiteral("methods.txt")),
+               path(QStringLiteral("annual.hts")));
+}
+
+void AnnualizeHtsDlgTest::writeScript(const QString& name, const QString& commands)
+{
+    writeFile(path(name), QLatin1String("#!/bin/sh\n") + commands);
+    QVERIFY(
+        QFile::setPermissions(path(name), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+}
+
+// Asks for the conversion and expects it to end in one box, after one line at Error level.
+void AnnualizeHtsDlgTest::compareSingleFailure(const QString& title, const QString& text)
+{
+    const LogCollector log;
+    const QVector<Box> boxes = clickAndReadBoxes(button("_okButton"), log);
+    QCOMPARE(boxes.size(), 1);
+    compareBox(boxes.first(), title, text);
+    QCOMPARE(boxes.first().linesBefore.constLast(), text + QLatin1Char(' '));
+    QCOMPARE(boxes.first().levelsBefore.constLast(), QsLogging::ErrorLevel);
+    QCOMPARE(log.levels().count(QsLogging::ErrorLevel), 1);
+    QCOMPARE(log.lines(), boxes.first().linesBefore);
+    QVERIFY(m_window->isVisible());
+}
+
+UtilsNS::MessageViewer* AnnualizeHtsDlgTest::viewer() const
+{
+    UtilsNS::MessageViewer* found = nullptr;
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (auto* viewer = qobject_cast<UtilsNS::MessageViewer*>(window)) {
+            if (found != nullptr)
+                return nullptr; // there has to be one
+            found = viewer;
+        }
+    }
+    return found;
+}
+
+// ---- the form ----
+
+void AnnualizeHtsDlgTest::isNamedAndSized()
+{
+    QCOMPARE(m_window->windowTitle(), QStringLiteral("HTS Annualizer (v1.1)"));
+    QCOMPARE(m_window->objectName(), QStringLiteral("AnnualizeHtsDlg"));
+    // Before it is shown: a large font widens it then.
+    QCOMPARE(AnnualizeHtsDlg(m_engine.get(), nullptr).size(), QSize(450, 331));
+    QCOMPARE(m_window->centralWidget(), child<QWidget>("centralwidget"));
+    QCOMPARE(m_window->menuBar(), child<QMenuBar>("menubar"));
+    QCOMPARE(m_window->statusBar(), child<QStatusBar>("statusbar"));
+    QVERIFY(m_window->menuBar()->actions().isEmpty());
+    QCOMPARE(m_window->statusBar()->currentMessage(), QString());
+}
+
+void AnnualizeHtsDlgTest::formHasWidget_data()
+{
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("parentName");
+    QTest::addColumn<QSizePolicy::Policy>("horizontalPolicy");
+    QTest::addColumn<QSizePolicy::Policy>("verticalPolicy");
+    struct Row
+    {
+        const char* name;
+        const char* className;
+        const char* text;
+        const char* parentName;
+        QSizePolicy::Policy horizontalPolicy;
+        QSizePolicy::Policy verticalPolicy;
+    };
+    constexpr auto kFixed = QSizePolicy::Fixed;
+    constexpr auto kMinimum = QSizePolicy::Minimum;
+    constexpr auto kPreferred = QSizePolicy::Preferred;
+    constexpr auto kExpanding = QSizePolicy::Expanding;
+    const Row rows[] = {
+        {"centralwidget", "QWidget", "", "AnnualizeHtsDlg", kPreferred, kPreferred},
+        {"_sourceHtsFrame", "QGroupBox", "Source HTS File", "centralwidget", kPreferred, kFixed},
+        {"_sourceHtsLineEdit", "QLineEdit", "", "_sourceHtsFrame", kExpanding, kFixed},
+        {"_sourceHtsButton", "QPushButton", "Select...", "_sourceHtsFrame", kFixed, kFixed},
+        {"_methodControlFrame", "QGroupBox", "Method Control File", "centralwidget", kPreferred,
+         kFixed},
+        {"_methodControlLineEdit", "QLineEdit", "", "_methodControlFrame", kExpanding, kFixed},
+        {"_methodControlButton", "QPushButton", "Select...", "_methodControlFrame", kFixed, kFixed},
+        {"_annualResultHtsFrame", "QGroupBox", "Result Annual Hts File", "centralwidget",
+         kPreferred, kPreferred},
+        {"_annualResultHtsLineEdit", "QLineEdit", "", "_annualResultHtsFrame", kExpanding, kFixed},
+        {"_annualResultHtsButton", "QPushButton", "Select...", "_annualResultHtsFrame", kFixed,
+         kFixed},
+        {"_endMonthGroupBox", "QGroupBox", "End of Year Month", "_annualResultHtsFrame", kPreferred,
+         kFixed},
+        {"_endMonthComboBox", "QComboBox", "", "_endMonthGroupBox", kPreferred, kFixed},
+        {"_okButton", "QPushButton", "Create HTS File", "centralwidget", kFixed, kFixed},
+        {"_diagButton", "QPushButton", "Show Diagnostics", "centralwidget", kMinimum, kFixed},
+        {"_helpButton", "QPushButton", "Help", "centralwidget", kMinimum, kFixed},
+        {"_cancelButton", "QPushButton", "Cancel", "centralwidget", kMinimum, kFixed},
+        {"menubar", "QMenuBar", "", "AnnualizeHtsDlg", QSizePolicy::MinimumExpanding, kMinimum},
+        {"statusbar", "QStatusBar", "", "AnnualizeHtsDlg", kPreferred, kPreferred},
+    };
+    for (const Row& row : rows)
+        QTest::newRow(row.name) << row.className << row.text << row.parentName
+                                << row.horizontalPolicy << row.verticalPolicy;
+}
+
+void AnnualizeHtsDlgTest::formHasWidget()
+{
+    QFETCH(QString, className);
+    QFETCH(QString, text);
+    QFETCH(QString, parentName);
+    QFETCH(QSizePolicy::Policy, horizontalPolicy);
+    QFETCH(QSizePolicy::Policy, verticalPolicy);
+
+    QCOMPARE(m_window->findChildren<QWidget*>(QLatin1String(QTest::currentDataTag())).size(), 1);
+    const auto* widget = child<QWidget>(QTest::currentDataTag());
+    QCOMPARE(QLatin1String(widget->metaObject()->className()), className);
+    QCOMPARE(widget->parent()->objectName(), parentName);
+    const char* textProperty = className == QLatin1String("QGroupBox") ? "title" : "text";
+    QCOMPARE(widget->property(textProperty).toString(), text);
+    QCOMPARE(widget->sizePolicy().horizontalPolicy(), horizontalPolicy);
+    QCOMPARE(widget->sizePolicy().verticalPolicy(), verticalPolicy);
+    QCOMPARE(widget->sizePolicy().horizontalStretch(), 0);
+    QCOMPARE(widget->sizePolicy().verticalStretch(), 0);
+    QCOMPARE(widget->minimumSize(), QSize(0, 0));
+    QVERIFY(widget->isEnabled());
+}
+
+// Names of the form's widgets below `parent`, each before its own children.
+static QStringList formWidgetsBelow(const QObject& parent)
+{
+    QStringList names;
+    for (const QObject* object : parent.children()) {
+        const QString name = object->objectName();
+        const bool isOfForm =
+            name.startsWith(QLatin1Char('_')) || name == QLatin1String("centralwidget") ||
+            name == QLatin1String("menubar") || name == QLatin1String("statusbar");
+        if (object->isWidgetType() && isOfForm)
+            names += QStringList(name) + formWidgetsBelow(*object);
+    }
+    return names;
+}
+
+void AnnualizeHtsDlgTest::formCreatesWidgetsInOrder()
+{
+    const QStringList expected = {QStringLiteral("centralwidget"),
+                                  QStringLiteral("_sourceHtsFrame"),
+                                  QStringLiteral("_sourceHtsLineEdit"),
+                                  QStringLiteral("_sourceHtsButton"),
+                                  QStringLiteral("_methodControlFrame"),
+                                  QStringLiteral("_methodControlLineEdit"),
+                                  QStringLiteral("_methodControlButton"),
+                                  QStringLiteral("_annualResultHtsFrame"),
+                                  QStringLiteral("_annualResultHtsLineEdit"),
+                                  QStringLiteral("_annualResultHtsButton"),
+                                  QStringLiteral("_endMonthGroupBox"),
+                                  QStringLiteral("_endMonthComboBox"),
+                                  QStringLiteral("_okButton"),
+                                  QStringLiteral("_diagButton"),
+                                  QStringLiteral("_helpButton"),
+                                  QStringLiteral("_cancelButton"),
+                                  QStringLiteral("menubar"),
+                                  QStringLiteral("statusbar")};
+    QCOMPARE(formWidgetsBelow(*m_window), expected);
+}
+
+void AnnualizeHtsDlgTest::formLayoutHolds_data()
+{
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<QString>("parentName");
+    QTest::addColumn<QStringList>("items");
+    const auto row = [](const char* name, const char* className, const char* parentName,
+                        const char* items) {
+        QTest::newRow(name) << className << parentName
+                            << QString::fromLatin1(items).split(QLatin1Char(' '));
+    };
+    row("verticalLayout", "QVBoxLayout", "centralwidget",
+        "_sourceHtsFrame _methodControlFrame _annualResultHtsFrame horizontalLayout_1");
+    row("horizontalLayout_8", "QHBoxLayout", "_sourceHtsFrame",
+        "_sourceHtsLineEdit _sourceHtsButton");
+    row("horizontalLayout_6", "QHBoxLayout", "_methodControlFrame",
+        "_methodControlLineEdit _methodControlButton");
+    row("verticalLayout_4", "QVBoxLayout", "_annualResultHtsFrame",
+        "horizontalLayout_2 _endMonthGroupBox");
+    row("horizontalLayout_2", "QHBoxLayout", "verticalLayout_4",
+        "_annualResultHtsLineEdit _annualResultHtsButton");
+    row("verticalLayout_5", "QVBoxLayout", "_endMonthGroupBox", "_endMonthComboBox");
+    row("horizontalLayout_1", "QHBoxLayout", "verticalLayout",
+        "_okButton _diagButton _helpButton _cancelButton");
+}
+
+void AnnualizeHtsDlgTest::formLayoutHolds()
+{
+    QFETCH(QString, className);
+    QFETCH(QString, parentName);
+    QFETCH(QStringList, items);
+
+    const auto* layout = child<QLayout>(QTest::currentDataTag());
+    QVERIFY(layout != nullptr);
+    QCOMPARE(QLatin1String(layout->metaObject()->className()), className);
+    QCOMPARE(layout->parent()->objectName(), parentName);
+    QStringList held;
+    for (int i = 0; i < layout->count(); ++i) {
+        QLayoutItem* item = layout->itemAt(i);
+        const QObject* object = item->widget();
+        if (object == nullptr)
+            object = item->layout();
+        held.append(object == nullptr ? QStringLiteral("spacer") : object->objectName());
+    }
+    QCOMPARE(held, items);
+}
+
+void AnnualizeHtsDlgTest::tabMovesFromTopToBottom()
+{
+    const QStringList expected = {QStringLiteral("_sourceHtsLineEdit"),
+                                  QStringLiteral("_sourceHtsButton"),
+                                  QStringLiteral("_methodControlLineEdit"),
+                                  QStringLiteral("_methodControlButton"),
+                                  QStringLiteral("_annualResultHtsLineEdit"),
+                                  QStringLiteral("_annualResultHtsButton"),
+                                  QStringLiteral("_endMonthComboBox"),
+                                  QStringLiteral("_okButton"),
+                                  QStringLiteral("_diagButton"),
+                                  QStringLiteral("_helpButton"),
+                                  QStringLiteral("_cancelButton"),
+                                  QStringLiteral("_sourceHtsLineEdit")};
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QStringList visited;
+    lineEdit("_sourceHtsLineEdit")->setFocus();
+    for (int i = 0; i < expected.size(); ++i) {
+        QVERIFY(QApplication::focusWidget() != nullptr);
+        visited.append(QApplication::focusWidget()->objectName());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    QCOMPARE(visited, expected);
+}
+
+void AnnualizeHtsDlgTest::translatesTextsInItsContext()
+{
+    MarkingTranslator translator;
+    QVERIFY(QCoreApplication::installTranslator(&translator));
+    m_window = std::make_unique<AnnualizeHtsDlg>(m_engine.get(), nullptr);
+    QVERIFY(QCoreApplication::removeTranslator(&translator));
+
+    QStringList texts;
+    for (const auto* box : m_window->findChildren<QGroupBox*>())
+        texts.append(box->title());
+    for (const auto* oneButton : m_window->findChildren<QPushButton*>())
+        texts.append(oneButton->text());
+    texts.sort();
+    const QStringList expected = {QStringLiteral("<AnnualizeHtsDlg|Cancel>"),
+                                  QStringLiteral("<AnnualizeHtsDlg|Create HTS File>"),
+                                  QStringLiteral("<AnnualizeHtsDlg|End of Year Month>"),
+                                  QStringLiteral("<AnnualizeHtsDlg|Help>"),
+                                  QStringLiteral("<AnnualizeHtsDlg|Method Control File>"),
+                                  QStringLiteral("<AnnualizeHtsDlg|Result Annual Hts File>"),
+                                  QStringLiteral("<AnnualizeHtsDlg|Select...>"),
+                                  QStringLiteral("<AnnualizeHtsDlg|Select...>"),
+                                  QStringLiteral("<AnnualizeHtsDlg|Select...>"),
+                                  QStringLiteral("<AnnualizeHtsDlg|Show Diagnostics>"),
+                                  QStringLiteral("<AnnualizeHtsDlg|Source HTS File>")};
+    QCOMPARE(texts, expected);
+    QVERIFY(viewer() != nullptr);
+    QCOMPARE(viewer()->findChild<QTreeWidget*>()->headerItem()->text(0),
+             QStringLiteral("<AnnualizeHtsDlg|Diagnostic Messages>"));
+    // The rest is not translated.
+    QCOMPARE(viewer()->windowTitle(), QStringLiteral("HTS Annualizer Diagnostics"));
+    QCOMPARE(m_window->windowTitle(), QStringLiteral("HTS Annualizer (v1.1)"));
+    QCOMPARE(child<QComboBox>("_endMonthComboBox")->currentText(), QStringLiteral("December"));
+}
+
+void AnnualizeHtsDlgTest::listsMonthsAndSelectsDecember()
+{
+    const auto* months = child<QComboBox>("_endMonthComboBox");
+    const QStringList expected = {
+        QStringLiteral("January"), QStringLiteral("February"), QStringLiteral("March"),
+        QStringLiteral("April"),   QStringLiteral("May"),      QStringLiteral("June"),
+        QStringLiteral("July"),    QStringLiteral("August"),   QStringLiteral("September"),
+        QStringLiteral("October"), QStringLiteral("November"), QStringLiteral("December")};
+    QStringList listed;
+    for (int i = 0; i < months->count(); ++i) {
+        listed.append(months->itemText(i));
+        QVERIFY(!months->itemData(i).isValid());
+        QVERIFY(months->itemIcon(i).isNull());
+    }
+    QCOMPARE(listed, expected);
+    QCOMPARE(months->currentIndex(), 11);
+    QVERIFY(!months->isEditable());
+}
+
+void AnnualizeHtsDlgTest::hasSlotsInOrder()
+{
+    const QMetaObject& metaObject = AnnualizeHtsDlg::staticMetaObject;
+    QStringList methods;
+    for (int i = metaObject.methodOffset(); i < metaObject.methodCount(); ++i) {
+        QCOMPARE(metaObject.method(i).methodType(), QMetaMethod::Slot);
+        methods.append(QString::fromLatin1(metaObject.method(i).methodSignature()));
+    }
+    const QStringList expected = {
+        QStringLiteral("sourceSelectHandler(bool)"),  QStringLiteral("resultSelectHandler(bool)"),
+        QStringLiteral("controlSelectHandler(bool)"), QStringLiteral("okButtonHandler(bool)"),
+        QStringLiteral("cancelButtonHandler(bool)"),  QStringLiteral("helpButtonHandler(bool)"),
+        QStringLiteral("diagButtonHandler(bool)")};
+    QCOMPARE(methods, expected);
+}
+
+void AnnualizeHtsDlgTest::letsTheLoggerPassEverything()
+{
+    QsLogging::Logger::instance().setLoggingLevel(QsLogging::WarnLevel);
+    m_window = std::make_unique<AnnualizeHtsDlg>(m_engine.get(), nullptr);
+    QCOMPARE(QsLogging::Logger::instance().loggingLevel(), QsLogging::TraceLevel);
+}
+
+// ---- the file dialogs ----
+
+void AnnualizeHtsDlgTest::selectButtonOpensDialog_data()
+{
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<QStringList>("filters");
+    QTest::addColumn<QString>("lineEditName");
+    const QStringList htsFilters = {QStringLiteral("HTS Files (*.hts)"),
+                                    QStringLiteral("All Files (*)")};
+    const QStringList allFilter = {QStringLiteral("All Files (*)")};
+    QTest::newRow("_sourceHtsButton") << "Source HTS File" << htsFilters << "_sourceHtsLineEdit";
+    QTest::newRow("_methodControlButton")
+        << "Method Control File" << allFilter << "_methodControlLineEdit";
+    QTest::newRow("_annualResultHtsButton")
+        << "Result Annual Hts File" << htsFilters << "_annualResultHtsLineEdit";
+}
+
+void AnnualizeHtsDlgTest::selectButtonOpensDialog()
+{
+    QFETCH(QString, caption);
+    QFETCH(QStringList, filters);
+    QFETCH(QString, lineEditName);
+
+    // Not there yet, and without the extension: the name is taken as it is typed.
+    const QString name = path(QStringLiteral("new file"));
+    const QVector<FileDialog> dialogs = chooseFile(button(QTest::currentDataTag()), name);
+    QCOMPARE(dialogs.size(), 1);
+    QCOMPARE(dialogs.first().caption, caption);
+    QCOMPARE(dialogs.first().filters, filters);
+    QCOMPARE(dialogs.first().selectedFilter, filters.first());
+    QVERIFY(dialogs.first().isForSaving);
+    QVERIFY(!dialogs.first().confirmsOverwrite);
+    QCOMPARE(dialogs.first().parent, m_window.get());
+    for (const auto* edit : m_window->findChildren<QLineEdit*>())
+        QCOMPARE(edit->text(), edit->objectName() == lineEditName ? name : QString());
+    QCOMPARE(files(), QStringList());
+}
+
+void AnnualizeHtsDlgTest::cancelledDialogChangesNothing()
+{
+    lineEdit("_sourceHtsLineEdit")->setText(QStringLiteral("typed"));
+    QDir(m_folder->path()).mkdir(QStringLiteral("chosen"));
+    QDir(m_folder->path()).mkdir(QStringLiteral("visited"));
+    chooseFile(button("_methodControlButton"), path(QStringLiteral("chosen/methods.txt")));
+
+    // Cancelled from another folder, with a name typed.
+    const int count = clickThrough(button("_sourceHtsButton"), [&](QWidget& window) {
+        auto& dialog = dynamic_cast<QFileDialog&>(window);
+        dialog.setDirectory(path(QStringLiteral("visited")));
+        dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+            ->setText(QStringLiteral("other.hts"));
+        return [&dialog] {
+            dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Cancel)->click();
+        };
+    });
+    QCOMPARE(count, 1);
+    QCOMPARE(lineEdit("_sourceHtsLineEdit")->text(), QStringLiteral("typed"));
+    QCOMPARE(chooseFile(button("_sourceHtsButton"), QString()).value(0).folder,
+             path(QStringLiteral("chosen")));
+}
+
+void AnnualizeHtsDlgTest::dialogsShareLastFolder_data()
+{
+    QTest::addColumn<QString>("chosenWith");
+    QTest::addColumn<QStringList>("openedIn");
+    const QString source = QStringLiteral("_sourceHtsButton");
+    const QString control = QStringLiteral("_methodControlButton");
+    const QString result = QStringLiteral("_annualResultHtsButton");
+    QTest::newRow("source") << source << QStringList{control, result, source};
+    QTest::newRow("control") << control << QStringList{result, source, control};
+    QTest::newRow("result") << result << QStringList{source, control, result};
+}
+
+void AnnualizeHtsDlgTest::dialogsShareLastFolder()
+{
+    QFETCH(QString, chosenWith);
+    QFETCH(QStringList, openedIn);
+
+    QDir(m_folder->path()).mkdir(QStringLiteral("data"));
+    chooseFile(child<QPushButton>(chosenWith.toLatin1()), path(QStringLiteral("data/a.hts")));
+    for (const QString& name : openedIn)
+        QCOMPARE(chooseFile(child<QPushButton>(name.toLatin1()), QString()).value(0).folder,
+                 path(QStringLiteral("data")));
+}
+
+void AnnualizeHtsDlgTest::dialogTakesExistingFileWithoutQuestion()
+{
+    const QString name = path(QStringLiteral("annual.hts"));
+    writeFile(name, QStringLiteral("kept"));
+    QCOMPARE(chooseFile(button("_annualResultHtsButton"), name).size(), 1);
+    QCOMPARE(lineEdit("_annualResultHtsLineEdit")->text(), name);
+    QCOMPARE(readFile(name), QStringLiteral("kept"));
+}
+
+// ---- what keeps a conversion from coming about ----
+
+void AnnualizeHtsDlgTest::refusesEmptyField_data()
+{
+    QTest::addColumn<QStringList>("emptyFields");
+    const QStringList fields = {QStringLiteral("_sourceHtsLineEdit"),
+                                QStringLiteral("_methodControlLineEdit"),
+                                QStringLiteral("_annualResultHtsLineEdit")};
+    for (int which = 1; which < 1 << fields.size(); ++which) {
+        QStringList emptyFields;
+        for (int i = 0; i < fields.size(); ++i) {
+            if ((which & (1 << i)) != 0)
+                emptyFields.append(fields.at(i));
+        }
+        QTest::newRow(qPrintable(emptyFields.join(QLatin1Char(' ')))) << emptyFields;
+    }
+}
+
+void AnnualizeHtsDlgTest::refusesEmptyField()
+{
+    QFETCH(QStringList, emptyFields);
+
+    writeInputsAndEnterPaths();
+    writeFile(path(QStringLiteral("annual.hts")), QStringLiteral("kept"));
+    for (const QString& name : emptyFields)
+        m_window->findChild<QLineEdit*>(name)->clear();
+    compareSingleFailure(QStringLiteral("Incomplete Information"),
+                         QStringLiteral("Source, Result, or Control File name is not specified"));
+    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), QStringLiteral("kept"));
+    QCOMPARE(readFile(path(QStringLiteral("monthly.hts"))), monthlySource());
+}
+
+void AnnualizeHtsDlgTest::refusesUndefinedVariable_data()
+{
+    QTest::addColumn<QString>("sourcePrefix");
+    QTest::addColumn<QString>("controlPrefix");
+    QTest::addColumn<QString>("resultPrefix");
+    QTest::addColumn<QString>("text");
+    const QString undefined = QStringLiteral("$HTS_UNDEFINED");
+    const QString source =
+        QStringLiteral("Source HTS file environment variables could not be substituted");
+    const QString result =
+        QStringLiteral("Result HTS file environment variables could not be substituted");
+    const QString control =
+        QStringLiteral("Method control file environment variables could not be substituted");
+    QTest::newRow("source") << undefined << ""
+                            << "" << source;
+    QTest::newRow("result") << ""
+                            << "" << undefined << result;
+    QTest::newRow("control") << "" << undefined << "" << control;
+    QTest::newRow("source first of all") << undefined << undefined << undefined << source;
+    QTest::newRow("result before control") << "" << undefined << undefined << result;
+}
+
+void AnnualizeHtsDlgTest::refusesUndefinedVariable()
+{
+    QFETCH(QString, sourcePrefix);
+    QFETCH(QString, controlPrefix);
+    QFETCH(QString, resultPrefix);
+    QFETCH(QString, text);
+
+    qunsetenv("HTS_UNDEFINED");
+    writeInputsAndEnterPaths();
+    writeFile(path(QStringLiteral("annual.hts")), QStringLiteral("kept"));
+    enterPaths(sourcePrefix + path(QStringLiteral("monthly.hts")),
+               controlPrefix + path(QStringLiteral("methods.txt")),
+               resultPrefix + path(QStringLiteral("annual.hts")));
+    compareSingleFailure(QStringLiteral("Information Error"), text);
+    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), QStringLiteral("kept"));
+}
+
+void AnnualizeHtsDlgTest::refusesBlankSourceAsMissingFile()
+{
+    writeInputsAndEnterPaths();
+    const QString blanks = QStringLiteral("  ");
+    lineEdit("_sourceHtsLineEdit")->setText(blanks);
+    compareSingleFailure(QStringLiteral("Annualizer Configuration Error"),
+                         openError(blanks, QIODevice::ReadOnly));
+}
+
+void AnnualizeHtsDlgTest::refusesSourceThatDoesNotOpen_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("resultExists");
+    QTest::newRow("missing file") << "missing.hts" << false;
+    QTest::newRow("missing file, result exists") << "missing.hts" << true;
+    QTest::newRow("missing folder") << "missing/monthly.hts" << false;
+    QTest::newRow("folder") << "." << true;
+}
+
+void AnnualizeHtsDlgTest::refusesSourceThatDoesNotOpen()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, resultExists);
+
+    writeInputsAndEnterPaths();
+    lineEdit("_sourceHtsLineEdit")->setText(path(name));
+    const QString result = path(QStringLiteral("annual.hts"));
+    if (resultExists)
+        writeFile(result, QStringLiteral("kept"));
+    compareSingleFailure(QStringLiteral("Annualizer Configuration Error"),
+                         openError(path(name), QIODevice::ReadOnly));
+    QCOMPARE(QFile::exists(result), resultExists);
+    if (resultExists)
+        QCOMPARE(readFile(result), QStringLiteral("kept"));
+}
+
+void AnnualizeHtsDlgTest::refusesResultThatDoesNotOpen_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("missing folder") << "missing/annual.hts";
+    QTest::newRow("folder") << ".";
+}
+
+void AnnualizeHtsDlgTest::refusesResultThatDoesNotOpen()
+{
+    QFETCH(QString, name);
+
+    writeInputsAndEnterPaths();
+    lineEdit("_annualResultHtsLineEdit")->setText(path(name));
+    compareSingleFailure(QStringLiteral("Annualizer Configuration Error"),
+                         openError(path(name), QIODevice::WriteOnly));
+    QCOMPARE(files(), (QStringList{QStringLiteral("methods.txt"), QStringLiteral("monthly.hts")}));
+}
+
+// The list offers none, so it is brought about by selecting nothing.
+void AnnualizeHtsDlgTest::refusesMonthOutOfRange()
+{
+    writeInputsAndEnterPaths();
+    child<QComboBox>("_endMonthComboBox")->setCurrentIndex(-1);
+    compareSingleFailure(
+        QStringLiteral("Annualizer Configuration Error"),
+        QStringLiteral("Integer for the end of year month is out of the range 1 to 12"));
+}
+
+void AnnualizeHtsDlgTest::refusesResultThatIsInput_data()
+{
+    QTest::addColumn<QString>("input");
+    QTest::addColumn<QString>("role");
+    QTest::addColumn<QString>("way");
+    const QVector<QPair<QString, QString>> inputs = {
+        {QStringLiteral("monthly.hts"), QStringLiteral("source HTS file")},
+        {QStringLiteral("methods.txt"), QStringLiteral("method control file")}};
+    for (const auto& [input, role] : inputs) {
+        for (const char* way : {"same path", "other spelling", "symbolic link", "hard link"})
+            QTest::addRow("%s by %s", qPrintable(role), way) << input << role << way;
+    }
+}
+
+void AnnualizeHtsDlgTest::refusesResultThatIsInput()
+{
+    QFETCH(QString, input);
+    QFETCH(QString, role);
+    QFETCH(QString, way);
+
+    writeInputsAndEnterPaths();
+    const QByteArray target = path(input).toLocal8Bit();
+    QString result = path(QStringLiteral("link.hts"));
+    if (way == QLatin1String("symbolic link"))
+        QCOMPARE(::symlink(target.constData(), result.toLocal8Bit().constData()), 0);
+    else if (way == QLatin1String("hard link"))
+        QCOMPARE(::link(target.constData(), result.toLocal8Bit().constData()), 0);
+    else if (way == QLatin1String("other spelling"))
+        result = m_folder->path() + QLatin1String("/.//") + input;
+    else
+        result = path(input);
+    lineEdit("_annualResultHtsLineEdit")->setText(result);
+
+    compareSingleFailure(QStringLiteral("Annualizer Configuration Error"),
+                         QStringLiteral("The result HTS file is the %1 %2").arg(role, path(input)));
+    QCOMPARE(readFile(path(QStringLiteral("monthly.hts"))), monthlySource());
+    QCOMPARE(readFile(path(QStringLiteral("methods.txt"))), monthlyControl());
+}
+
+// Opening the result would create an empty control file.
+void AnnualizeHtsDlgTest::refusesResultThatIsControlFileStillMissing()
+{
+    writeInputsAndEnterPaths();
+    const QString missing = path(QStringLiteral("missing"));
+    enterPaths(path(QStringLiteral("monthly.hts")), missing, missing);
+    compareSingleFailure(QStringLiteral("Annualizer Configuration Error"),
+                         QStringLiteral("The result HTS file is the method control file ") +
+                             missing);
+    QVERIFY(!QFile::exists(missing));
+}
+
+void AnnualizeHtsDlgTest::reportsFailureOfEngine_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("control");
+    QTest::addColumn<QString>("text");
+    QString annual = monthlySource();
+    annual.replace(QLatin1String("time_step_unit:month"), QLatin1String("time_step_unit:year"));
+    QTest::newRow("source is annual")
+        << annual << monthlyControl() << "Source HTS File already in annual timestep";
+    QTest::newRow("no slot matches")
+        << monthlySource() << "Lake B.*: Sum\n"
+        << "No series slots with valid methods found in input HTS file";
+    QTest::newRow("control file missing")
+        << monthlySource() << ""
+        << "No series slots with valid methods found in input HTS file";
+}
+
+void AnnualizeHtsDlgTest::reportsFailureOfEngine()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, control);
+    QFETCH(QString, text);
+
+    writeInputsAndEnterPaths();
+    writeFile(path(QStringLiteral("monthly.hts")), source);
+    writeFile(path(QStringLiteral("methods.txt")), control);
+    if (control.isEmpty())
+        QVERIFY(QFile::remove(path(QStringLiteral("methods.txt"))));
+    writeFile(path(QStringLiteral("annual.hts")), QStringLiteral("of an earlier run"));
+    compareSingleFailure(QStringLiteral("Annualize HTS Error"), text);
+    // The result is truncated before anything is computed, and stays.
+    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), QString());
+}
+
+void AnnualizeHtsDlgTest::reportsFullDisk()
+{
+    writeInputsAndEnterPaths();
+    const QString fullDisk = QStringLiteral("/dev/full");
+    lineEdit("_annualResultHtsLineEdit")->setText(fullDisk);
+    QFile file(fullDisk);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+    QCOMPARE(file.write("a", 1), qint64(-1));
+    compareSingleFailure(QStringLiteral("Annualize HTS Error"), file.errorString());
+}
+
+void AnnualizeHtsDlgTest::logsNothingBelowLevel_data()
+{
+    QTest::addColumn<QsLogging::Level>("level");
+    QTest::addColumn<bool>("isConversionFine");
+    QTest::addColumn<QStringList>("lines");
+    QTest::newRow("success at Warn") << QsLogging::WarnLevel << true << QStringList();
+    QTest::newRow("failure at Error")
+        << QsLogging::ErrorLevel << false
+        << QStringList(QStringLiteral("Source, Result, or Control File name is not specified "));
+    QTest::newRow("failure at Fatal") << QsLogging::FatalLevel << false << QStringList();
+}
+
+void AnnualizeHtsDlgTest::logsNothingBelowLevel()
+{
+    QFETCH(QsLogging::Level, level);
+    QFETCH(bool, isConversionFine);
+    QFETCH(QStringList, lines);
+
+    if (isConversionFine)
+        writeInputsAndEnterPaths();
+    const LogCollector log;
+    QsLogging::Logger::instance().setLoggingLevel(level);
+    QCOMPARE(clickAndReadBoxes(button("_okButton"), log).size(), 1);
+    QCOMPARE(log.lines(), lines);
+}
+
+// ---- conversions ----
+
+void AnnualizeHtsDlgTest::convertsWithMonth_data()
+{
+    QTest::addColumn<QString>("month");
+    QTest::addColumn<QString>("result");
+    QTest::newRow("as preset") << "" << decemberResult();
+    QTest::newRow("September") << "September" << septemberResult();
+}
+
+void AnnualizeHtsDlgTest::convertsWithMonth()
+{
+    QFETCH(QString, month);
+    QFETCH(QString, result);
+
+    writeInputsAndEnterPaths();
+    // Longer than the new result, which replaces it whole.
+    writeFile(path(QStringLiteral("annual.hts")), QString(10000, QLatin1Char('x')));
+    if (!month.isEmpty())
+        QTest::keyClicks(child<QComboBox>("_endMonthComboBox"), month);
+    const LogCollector log;
+    const QVector<Box> boxes = clickAndReadBoxes(button("_okButton"), log);
+    QCOMPARE(boxes.size(), 1);
+    compareBox(boxes.first(), QStringLiteral("Annualize HTS"),
+               QStringLiteral("Annual HTS file successfully created!"));
+    const QStringList lines = boxes.first().linesBefore;
+    QCOMPARE(lines.constLast(), QStringLiteral("Annual HTs file successfully created\n "));
+    QCOMPARE(lines.value(lines.size() - 2),
+             QStringLiteral("\"Successfully wrote 2 out of 2 slots\" "));
+    QCOMPARE(log.lines(), lines);
+    QCOMPARE(log.levels().count(QsLogging::InfoLevel), lines.size());
+    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), result);
+    QCOMPARE(readFile(path(QStringLiteral("monthly.hts"))), monthlySource());
+}
+
+void AnnualizeHtsDlgTest::substitutesVariablesInAllPaths()
+{
+    writeInputsAndEnterPaths();
+    qputenv("HTS_TEST_FOLDER", m_folder->path().toLocal8Bit());
+    enterPaths(QStringLiteral("$HTS_TEST_FOLDER/monthly.hts"),
+               QStringLiteral("$(HTS_TEST_FOLDER)/methods.txt"),
+               QStringLiteral("${HTS_TEST_FOLDER}/annual.hts"));
+    const LogCollector log;
+    const QVector<Box> boxes = clickAndReadBoxes(button("_okButton"), log);
+    qunsetenv("HTS_TEST_FOLDER");
+    QCOMPARE(boxes.value(0).title, QStringLiteral("Annualize HTS"));
+    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), decemberResult());
+    QCOMPARE(lineEdit("_sourceHtsLineEdit")->text(),
+             QStringLiteral("$HTS_TEST_FOLDER/monthly.hts"));
+}
+
+void AnnualizeHtsDlgTest::keepsFieldsAndConvertsAgain()
+{
+    writeInputsAndEnterPaths();
+    lineEdit("_annualResultHtsLineEdit")->setText(path(QStringLiteral("missing/annual.hts")));
+    const LogCollector log;
+    const auto convert = [&] { return clickAndReadBoxes(button("_okButton"), log).value(0).title; };
+    QCOMPARE(convert(), QStringLiteral("Annualizer Configuration Error"));
+    lineEdit("_annualResultHtsLineEdit")->setText(path(QStringLiteral("annual.hts")));
+    QCOMPARE(convert(), QStringLiteral("Annualize HTS"));
+    child<QComboBox>("_endMonthComboBox")->setCurrentIndex(8);
+    lineEdit("_annualResultHtsLineEdit")->setText(path(QStringLiteral("water.hts")));
+    QCOMPARE(convert(), QStringLiteral("Annualize HTS"));
+
+    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), decemberResult());
+    QCOMPARE(readFile(path(QStringLiteral("water.hts"))), septemberResult());
+    QCOMPARE(lineEdit("_sourceHtsLineEdit")->text(), path(QStringLiteral("monthly.hts")));
+    QCOMPARE(lineEdit("_methodControlLineEdit")->text(), path(QStringLiteral("methods.txt")));
+    QCOMPARE(lineEdit("_annualResultHtsLineEdit")->text(), path(QStringLiteral("water.hts")));
+    QCOMPARE(child<QComboBox>("_endMonthComboBox")->currentIndex(), 8);
+    QVERIFY(m_window->isVisible());
+}
+
+// That it is gone when a box is up is checked wherever a box is.
+void AnnualizeHtsDlgTest::showsWaitCursorOnlyDuringConversion()
+{
+    writeInputsAndEnterPaths();
+    const LogCollector log;
+    sawWaitCursor = false;
+    QCOMPARE(clickAndReadBoxes(button("_okButton"), log).size(), 1);
+    QVERIFY(sawWaitCursor);
+    QVERIFY(QApplication::overrideCursor() == nullptr);
+
+    writeFile(path(QStringLiteral("methods.txt")), QStringLiteral("Lake B.*: Sum\n"));
+    sawWaitCursor = false;
+    QCOMPARE(clickAndReadBoxes(button("_okButton"), log).value(0).title,
+             QStringLiteral("Annualize HTS Error"));
+    QVERIFY(sawWaitCursor);
+    QVERIFY(QApplication::overrideCursor() == nullptr);
+}
+
+// ---- the other windows ----
+
+void AnnualizeHtsDlgTest::showsLogInDiagnosticsWindow()
+{
+    QVERIFY(viewer() != nullptr);
+    QVERIFY(!viewer()->isVisible());
+    QCOMPARE(viewer()->windowTitle(), QStringLiteral("HTS Annualizer Diagnostics"));
+    QCOMPARE(viewer()->parent(), nullptr);
+    const auto* tree = viewer()->findChild<QTreeWidget*>();
+    QCOMPARE(tree->columnCount(), 1);
+    QCOMPARE(tree->headerItem()->text(0), QStringLiteral("Diagnostic Messages"));
+
+    // Lines of the time when it is hidden are there too, and so are those below Info.
+    QLOG_TRACE() << "a trace";
+    const LogCollector log;
+    QCOMPARE(clickAndReadBoxes(button("_okButton"), log).size(), 1);
+    QTest::mouseClick(button("_diagButton"), Qt::LeftButton);
+    QVERIFY(viewer()->isVisible());
+    QTRY_COMPARE(tree->topLevelItemCount(), 2);
+    QCOMPARE(tree->topLevelItem(0)->text(0), QStringLiteral("TRACE a trace "));
+    QCOMPARE(tree->topLevelItem(1)->text(0),
+             QStringLiteral("ERROR Source, Result, or Control File name is not specified "));
+}
+
+void AnnualizeHtsDlgTest::closingDiagnosticsWindowHidesIt()
+{
+    QLOG_INFO() << "kept";
+    const QPointer<UtilsNS::MessageViewer> diagnostics = viewer();
+    QTest::mouseClick(button("_diagButton"), Qt::LeftButton);
+    diagnostics->close();
+    QVERIFY(!diagnostics->isVisible());
+    QVERIFY(m_window->isVisible());
+    QTest::mouseClick(button("_diagButton"), Qt::LeftButton);
+    QVERIFY(diagnostics != nullptr);
+    QVERIFY(diagnostics->isVisible());
+    QTRY_COMPARE(diagnostics->findChild<QTreeWidget*>()->topLevelItemCount(), 1);
+}
+
+void AnnualizeHtsDlgTest::raisesMinimizedDiagnosticsWindow()
+{
+    QTest::mouseClick(button("_diagButton"), Qt::LeftButton);
+    viewer()->showMinimized();
+    QVERIFY(viewer()->isMinimized());
+    QTest::mouseClick(button("_diagButton"), Qt::LeftButton);
+    QVERIFY(viewer()->isVisible());
+    QVERIFY(!viewer()->isMinimized());
+}
+
+void AnnualizeHtsDlgTest::closingMainWindowEndsEventLoop_data()
+{
+    QTest::addColumn<bool>("withDiagnostics");
+    QTest::addColumn<bool>("byButton");
+    QTest::newRow("button, diagnostics open") << true << true;
+    QTest::newRow("title bar, diagnostics open") << true << false;
+    QTest::newRow("button, diagnostics hidden") << false << true;
+}
+
+void AnnualizeHtsDlgTest::closingMainWindowEndsEventLoop()
+{
+    QFETCH(bool, withDiagnostics);
+    QFETCH(bool, byButton);
+
+    const QPointer<UtilsNS::MessageViewer> diagnostics = viewer();
+    if (withDiagnostics)
+        QTest::mouseClick(button("_diagButton"), Qt::LeftButton);
+    QCOMPARE(diagnostics->isVisible(), withDiagnostics);
+    QTimer::singleShot(0, m_window.get(), [&] {
+        if (byButton)
+            QTest::mouseClick(button("_cancelButton"), Qt::LeftButton);
+        else
+            m_window->close();
+    });
+    constexpr int kGaveUp = 1;
+    QTimer::singleShot(20000, m_window.get(), [] { QCoreApplication::exit(kGaveUp); });
+    QCOMPARE(QApplication::exec(), 0);
+    QVERIFY(!m_window->isVisible());
+    QVERIFY(diagnostics == nullptr);
+}
+
+void AnnualizeHtsDlgTest::deletesDiagnosticsWindowWhenNeverClosed()
+{
+    const QPointer<UtilsNS::MessageViewer> diagnostics = viewer();
+    QVERIFY(diagnostics != nullptr);
+    m_window.reset();
+    QVERIFY(diagnostics == nullptr);
+}
+
+// ---- help ----
+
+void AnnualizeHtsDlgTest::buildsHelpUrl_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("url");
+    QTest::newRow("no blank") << "C:/Tools/Conv"
+                              << "file:///C:/Tools/Conv/Help/HtsAnnualizerHelp.html";
+    QTest::newRow("blank") << "C:/Program Files/Conv"
+                           << "\"file:///C:/Program Files/Conv/Help/HtsAnnualizerHelp.html\"";
+    QTest::newRow("tab") << "/opt/a\tb"
+                         << "\"file:////opt/a\tb/Help/HtsAnnualizerHelp.html\"";
+    QTest::newRow("nothing is encoded")
+        << "/opt/50%1#a&b/\u00e9"
+        << "file:////opt/50%1#a&b/\u00e9/Help/HtsAnnualizerHelp.html";
+}
+
+void AnnualizeHtsDlgTest::buildsHelpUrl()
+{
+    QFETCH(QString, folder);
+    QFETCH(QString, url);
+    QCOMPARE(AnnualizeHtsDlg::helpPageUrl(folder), url);
+}
+
+// On a desktop without a browser of its own, so that the page is left to xdg-open.
+void AnnualizeHtsDlgTest::helpButtonLogsAndOpensPage()
+{
+    writeScript(QStringLiteral("xdg-mime"), QStringLiteral("exit 0\n"));
+    writeScript(QStringLiteral("xdg-open"),
+                QStringLiteral("printf '%s|%s' $# \"$1\" >\"${0%/*}/part\"\n"
+                               "/bin/mv \"${0%/*}/part\" \"${0%/*}/opened\"\n"));
+    const QByteArray searchPath = qgetenv("PATH");
+    qputenv("PATH", m_folder->path().toLocal8Bit());
+    const LogCollector log;
+    QTest::mouseClick(button("_helpButton"), Qt::LeftButton);
+    qputenv("PATH", searchPath);
+
+    const QString folder = QCoreApplication::applicationDirPath();
+    const QString logged = AnnualizeHtsDlg::helpPageUrl(folder);
+    QCOMPARE(log.lines(), QStringList(QStringLiteral("Opening help file %1 ").arg(logged)));
+    QCOMPARE(log.levels(), QVector<QsLogging::Level>{QsLogging::InfoLevel});
+    QTRY_VERIFY(QFile::exists(path(QStringLiteral("opened"))));
+    QCOMPARE(readFile(path(QStringLiteral("opened"))),
+             QStringLiteral("1|file:///%1/Help/HtsAnnualizerHelp.html").arg(folder));
+    QVERIFY(QApplication::activeModalWidget() == nullptr);
+}
+
+QTEST_MAIN(AnnualizeHtsDlgTest)
+#include "tst_annualizehtsdlg.moc"
