@@ -106,7 +106,7 @@ public:
 
     Status annualizeRun(int runIndex, const ValueMap& valueMap, int yearCount)
     {
-        m_writtenSlots = 0;
+        m_outputSlot = 0;
         for (int s = 0; s < m_input.numSlots(); ++s) {
             if (!isAnnualized(m_input.slot(s), methodOf(s))) {
                 logSkipped(m_input.slot(s), methodOf(s));
@@ -118,9 +118,6 @@ public:
         }
         return {};
     }
-
-    // Number of slots of the run that was annualized last.
-    int writtenSlots() const { return m_writtenSlots; }
 
 private:
     Status annualizeSlot(int runIndex, int slotIndex, const ValueMap& valueMap, int yearCount)
@@ -134,12 +131,13 @@ private:
             return failure(kUnknownMethod);
 
         if (runIndex == 0)
-            m_output.setSlot(m_writtenSlots, annualSlot(m_input.slot(slotIndex), *method));
-        auto& columns = m_output.values[static_cast<std::size_t>(runIndex)]
-                                       [static_cast<std::size_t>(m_writtenSlots)];
+            m_output.setSlot(m_outputSlot, annualSlot(m_input.slot(slotIndex), *method));
+        auto& columns =
+            m_output
+                .values[static_cast<std::size_t>(runIndex)][static_cast<std::size_t>(m_outputSlot)];
         columns.resize(1); // a series slot
         columns.front() = (m_aggValues.*method->result)();
-        ++m_writtenSlots;
+        ++m_outputSlot;
         return {};
     }
 
@@ -147,7 +145,7 @@ private:
     const QStringList& m_methods;
     HtsPackage& m_output;
     AggValues m_aggValues;
-    int m_writtenSlots = 0;
+    int m_outputSlot = 0; // where the next slot goes
 };
 
 AnnualizeHts::~AnnualizeHts() = default;
@@ -194,11 +192,25 @@ Status AnnualizeHts::annualize()
     Status status = input.read(*m_source);
     if (!status.ok())
         return status;
+    HtsPackage output;
+    status = annualizePackage(input, output);
+    if (!status.ok())
+        return status;
+    status = output.write(*m_result);
+    if (!status.ok())
+        return status;
+    QLOG_INFO() << QStringLiteral("Successfully wrote %1 out of %2 slots")
+                       .arg(output.numSlots())
+                       .arg(input.numSlots());
+    return {};
+}
 
+Status AnnualizeHts::annualizePackage(const HtsPackage& input, HtsPackage& output) const
+{
     HtsRun timing = input.run(0);
     HtsRun annualRun;
     ValueMap valueMap;
-    status = calculateAnnualTimesteps(timing, valueMap, annualRun);
+    Status status = calculateAnnualTimesteps(timing, valueMap, annualRun);
     if (!status.ok())
         return status;
 
@@ -207,7 +219,6 @@ Status AnnualizeHts::annualize()
     QStringList methods;
     static_cast<void>(assignMethods(input.slots, methods));
 
-    HtsPackage output;
     output.copyPreamble(input);
     SlotLoop slotLoop(input, methods, output);
     const int slotCount = slotLoop.countAnnualized();
@@ -230,12 +241,5 @@ Status AnnualizeHts::annualize()
         if (!status.ok())
             return status;
     }
-
-    status = output.write(*m_result);
-    if (!status.ok())
-        return status;
-    QLOG_INFO() << QStringLiteral("Successfully wrote %1 out of %2 slots")
-                       .arg(slotLoop.writtenSlots())
-                       .arg(input.numSlots());
     return {};
 }

@@ -50,7 +50,11 @@ public:
     // writes the result. Blocks until it is done.
     Status annualize();
 
-    // The steps of annualize().
+    // The steps of annualize(), between reading and writing.
+
+    // Converts a package in memory: fills `output`, which must be empty, with the annual runs,
+    // slots and values of `input`. Needs the control file and the end month alone.
+    Status annualizePackage(const HtsPackage& input, HtsPackage& output) const;
 
     // Finds the complete years of `inputRun`. Appends a number for each of its timesteps to
     // `valueMap`, which should be empty, and sets the timing of `annualRun` to one timestep for
