@@ -486,6 +486,8 @@ void AnnualizeHtsTest::differingTimingFails_data()
     QTest::newRow("longer") << second(monthlyTimesteps(2000, 1, 15));
     QTest::newRow("shorter") << second(monthlyTimesteps(2000, 1, 13));
     QTest::newRow("later") << second(monthlyTimesteps(2001, 1, 14));
+    QTest::newRow("month left out")
+        << second(monthlyTimesteps(2000, 1, 5) + monthlyTimesteps(2000, 7, 8));
     QTest::newRow("other start")
         << second(monthlyTimesteps(2000, 1, 14)).replace("start:2000-1-31", "start:2000-1-30");
     QTest::newRow("other end")
@@ -669,8 +671,7 @@ void AnnualizeHtsTest::inputFailuresArePassedOn_data()
                                    slot("A.Flow", "units: cfs;scale: 1" + counted(1, 11)))
         << kNoCompleteYear << 4;
     QTest::newRow("blank before the start")
-        << QByteArray(whole).replace("start:2000-1-31 24:00", "start: 2000-1-31 6:00")
-        << kNoCompleteYear << 4;
+        << QByteArray(whole).replace("start:", "start: ") << kNoCompleteYear << 4;
     QTest::newRow("impossible timestep")
         << QByteArray(whole).replace("2000-3-31 24:00", "2000-13-45 99:99") << kNoCompleteYear << 4;
 }

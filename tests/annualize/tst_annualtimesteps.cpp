@@ -602,6 +602,8 @@ void AnnualTimestepsTest::refusesInvalidTimestep_data()
     QTest::newRow("month out of range") << "2000-13-1 0:00" << 5;
     QTest::newRow("all out of range") << "2000-13-45 99:99" << 5;
     QTest::newRow("no such day") << "2001-2-29 6:00" << 5;
+    QTest::newRow("midnight of a month out of range") << "2000-13-1 24:00" << 5;
+    QTest::newRow("midnight of no such day") << "2001-2-29 24:00" << 5;
     QTest::newRow("at the beginning") << "2000-13-45 99:99" << 0;
     QTest::newRow("at the end") << "2000-13-45 99:99" << 11;
 }
