@@ -1,0 +1,89 @@
+// Files of a line or two that announce billions of things. A program of its own: the peak of its
+// memory tells whether the reader believed one of them.
+
+#include <QBuffer>
+#include <QFile>
+#include <QtTest>
+
+#include "hts/htspackage.h"
+
+namespace {
+
+// Peak of the resident memory so far, in KiB; -1 when the system does not tell.
+qint64 peakMemory()
+{
+    QFile file(QStringLiteral("/proc/self/status"));
+    if (!file.open(QIODevice::ReadOnly))
+        return -1;
+    const QByteArray text = file.readAll();
+    const int start = text.indexOf("VmHWM:");
+    const int end = text.indexOf("kB", start);
+    return start < 0 ? -1 : text.mid(start + 6, end - start - 6).trimmed().toLongLong();
+}
+
+constexpr qint64 kFewMegabytes = 8 * 1024;
+
+} // namespace
+
+class AnnouncedCountsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void failsInLittleMemory_data();
+    void failsInLittleMemory();
+    void tableBehindTheEndHasFewRows();
+};
+
+void AnnouncedCountsTest::failsInLittleMemory_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("runs") << QByteArray("number_of_runs:2000000000\nEND_PACKAGE_PREAMBLE\n")
+                          << QStringLiteral("Cannot read run preamble");
+    QTest::newRow("timesteps") << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\n"
+                                             "time_steps:2000000000\nEND_RUN_PREAMBLE\n")
+                               << QStringLiteral("Cannot read run preamble");
+    QTest::newRow("rows of a broken slot preamble")
+        << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n"
+                      "rows: 2000000000\ncols: 2000000000\n")
+        << QStringLiteral("Cannot read slot preamble");
+    QTest::newRow("rows of a slot that is no table")
+        << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n"
+                      "slot_type: ScalarSlot\nrows: 2000000000\ncols: 2000000000\n"
+                      "END_SLOT_PREAMBLE\n")
+        << QStringLiteral("Cannot read HTS file: Missing units or scale");
+}
+
+void AnnouncedCountsTest::failsInLittleMemory()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, message);
+    QBuffer device(&text);
+    QVERIFY(device.open(QIODevice::ReadOnly));
+    const qint64 before = peakMemory();
+    QVERIFY(before > 0);
+    HtsPackage package;
+    QCOMPARE(package.read(device).message, message);
+    QVERIFY2(peakMemory() - before < kFewMegabytes, qPrintable(QString::number(peakMemory())));
+    QVERIFY(device.atEnd());
+}
+
+void AnnouncedCountsTest::tableBehindTheEndHasFewRows()
+{
+    QByteArray text("rows: 2000000000\nEND_SLOT_PREAMBLE\nfirst\nsecond\n");
+    QBuffer device(&text);
+    QVERIFY(device.open(QIODevice::ReadOnly));
+    const qint64 before = peakMemory();
+    QVERIFY(before > 0);
+    HtsSlot slot;
+    QVERIFY(slot.readPreamble(device).ok());
+    QVERIFY2(peakMemory() - before < kFewMegabytes, qPrintable(QString::number(peakMemory())));
+    QCOMPARE(slot.rows, 2000000000);
+    QCOMPARE(slot.tableRows.mid(0, 3),
+             (QStringList{QStringLiteral("first"), QStringLiteral("second"), QString()}));
+    QVERIFY2(slot.tableRows.size() < 10000, qPrintable(QString::number(slot.tableRows.size())));
+}
+
+QTEST_APPLESS_MAIN(AnnouncedCountsTest)
+#include "tst_announcedcounts.moc"

@@ -1,0 +1,677 @@
+// What the reader makes of an HTS file, section by section. Texts hold a '|' where the device must
+// stand after reading; it is taken out before.
+
+#include <cmath>
+
+#include <QBuffer>
+#include <QtTest>
+
+#include "hts/htspackage.h"
+#include "tests/hts/packagecompare.h"
+
+namespace {
+
+const char kBadPackagePreamble[] = "Cannot read package preamble";
+const char kBadRunPreamble[] = "Cannot read run preamble";
+const char kBadSlotPreamble[] = "Cannot read slot preamble";
+const char kBadColumnHeader[] = "Cannot read HTS file: Missing units or scale";
+
+QDateTime utc(int year, int month, int day, int hour = 0)
+{
+    return QDateTime(QDate(year, month, day), QTime(hour, 0), Qt::UTC);
+}
+
+// A device on a text with a '|'.
+class MarkedDevice : public QBuffer
+{
+public:
+    explicit MarkedDevice(const QByteArray& text) : m_mark(text.indexOf('|'))
+    {
+        setData(QByteArray(text).remove(m_mark, 1));
+        open(QIODevice::ReadOnly);
+    }
+
+    bool standsAtMark() const { return m_mark >= 0 && pos() == m_mark; }
+
+private:
+    const int m_mark;
+};
+
+void addStepColumns()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("message");
+}
+
+QTestData& newRow(const char* name, const QByteArray& text, const char* message = "")
+{
+    return QTest::newRow(name) << text << QString::fromLatin1(message);
+}
+
+// A package preamble for `runs` runs, and the preamble of the first one with `steps` timesteps.
+QByteArray opening(int runs, int steps)
+{
+    QByteArray text = "number_of_runs:" + QByteArray::number(runs) +
+                      "\nEND_PACKAGE_PREAMBLE\ntime_steps:" + QByteArray::number(steps) +
+                      "\nEND_RUN_PREAMBLE\n";
+    for (int step = 1; step <= steps; ++step)
+        text += "2000-" + QByteArray::number(step) + "-1 6:00\n";
+    return text;
+}
+
+const QByteArray kSeries = "object_name: A\nslot_name: Flow\nEND_SLOT_PREAMBLE\n"
+                           "units: cms\nscale: 1\n";
+
+// The values of the first slot in the first run of a file that can be read.
+HtsColumn firstColumn(const QByteArray& text, HtsPackage& package)
+{
+    MarkedDevice device(text);
+    const Status status = package.read(device);
+    if (!status.ok() || !device.standsAtMark())
+        qFatal("not read: %s, at %lld", qPrintable(status.message), device.pos());
+    return package.values.at(0).at(0).at(0);
+}
+
+} // namespace
+
+class HtsReaderTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void readsWholeFile_data();
+    void readsWholeFile();
+    void endsReading_data();
+    void endsReading();
+    void keepsWhatWasReadBeforeAFailure();
+    void readsPackagePreamble_data();
+    void readsPackagePreamble();
+    void packagePreambleIsReadOnce();
+    void readsRunPreamble_data();
+    void readsRunPreamble();
+    void runPreambleTakesEveryKey();
+    void runPreambleOfCompleteRunReadsTimestepsOnly();
+    void timestepLineMustMatch_data();
+    void timestepLineMustMatch();
+    void readsSlotPreamble_data();
+    void readsSlotPreamble();
+    void slotPreambleReadBeforeReadsRowsOnly();
+    void readsColumnHeader_data();
+    void readsColumnHeader();
+    void valueLinesAreNumbers();
+    void methodLineWithLeadingBlankIsTheFirstValue();
+    void missingEndLinesAreNotDetected();
+    void scalarSlotsHaveOneValue_data();
+    void scalarSlotsHaveOneValue();
+    void tableSlotSkipsLinesUpToItsEnd();
+    void valuesOfLaterRunsGoByPosition();
+    void slotTypeOfLaterRunDecidesItsRowCount();
+    void laterRunsShareEqualTimesteps();
+    void noTimestepsMeanNoValues();
+};
+
+void HtsReaderTest::readsWholeFile_data()
+{
+    QTest::addColumn<QByteArray>("lineEnd");
+    QTest::addColumn<bool>("isTextMode");
+    QTest::newRow("plain line ends") << QByteArray("\n") << false;
+    QTest::newRow("Windows line ends") << QByteArray("\r\n") << false;
+    QTest::newRow("plain line ends, text mode") << QByteArray("\n") << true;
+    QTest::newRow("Windows line ends, text mode") << QByteArray("\r\n") << true;
+}
+
+void HtsReaderTest::readsWholeFile()
+{
+    QFETCH(QByteArray, lineEnd);
+    QFETCH(bool, isTextMode);
+    QByteArray text = "name:Basin study\nowner:planning\ndescription:monthly flows\n"
+                      "create_date:2015-3-31 24:00\nnumber_of_runs:1\nEND_PACKAGE_PREAMBLE\n"
+                      "start:2000-1-31 24:00\nend:2000-3-31 24:00\ntime_step_unit:month\n"
+                      "unit_quantity:1\ntime_steps:3\nconsecutive:1\nidx_sequential:1\n"
+                      "END_RUN_PREAMBLE\n2000-1-31 24:00\n2000-2-29 24:00\n2000-3-31 24:00\n"
+                      "object_type: Reservoir\nobject_name: Lake A\nslot_type: SeriesSlot\n"
+                      "slot_name: Outflow\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n"
+                      "method: Average\n12.500000000000\nNaN\n14.000000000000\nEND_COLUMN\n"
+                      "END_SLOT\nEND_RUN\n";
+    text.replace("\n", lineEnd);
+
+    HtsPackage expected;
+    expected.preambleRead = true;
+    expected.name = QStringLiteral("Basin study");
+    expected.owner = QStringLiteral("planning");
+    expected.description = QStringLiteral("monthly flows");
+    expected.createDate = utc(2015, 4, 1);
+    expected.numberOfRuns = 1;
+    HtsRun run;
+    run.complete = true;
+    run.start = utc(2000, 2, 1);
+    run.end = utc(2000, 4, 1);
+    run.timeStepUnit = QStringLiteral("month");
+    run.unitQuantity = 1;
+    run.timeStepCount = 3;
+    run.consecutive = 1;
+    run.idxSequential = 1;
+    run.timesteps =
+        QStringList{QStringLiteral("2000-1-31 24:00"), QStringLiteral("2000-2-29 24:00"),
+                    QStringLiteral("2000-3-31 24:00")};
+    expected.runs.append(run);
+    HtsSlot slot;
+    slot.preambleRead = true;
+    slot.objectType = QStringLiteral("Reservoir");
+    slot.objectName = QStringLiteral("Lake A");
+    slot.slotType = QStringLiteral("SeriesSlot");
+    slot.slotName = QStringLiteral("Outflow");
+    slot.units = QStringList{QStringLiteral("cms")};
+    slot.scales = QList<double>{1.0};
+    slot.methods = QStringList{QStringLiteral("Average")};
+    expected.slots.append(slot);
+    expected.values = {{{{12.5, std::numeric_limits<double>::quiet_NaN(), 14.0}}}};
+
+    QBuffer device(&text);
+    const QIODevice::OpenMode mode = QIODevice::ReadOnly;
+    QVERIFY(device.open(isTextMode ? mode | QIODevice::Text : mode));
+    HtsPackage package;
+    const Status status = package.read(device);
+    QCOMPARE(status.message, QString());
+    QVERIFY(!status.flag);
+    QCOMPARE(difference(package, expected), QString());
+    QVERIFY(device.atEnd());
+}
+
+void HtsReaderTest::endsReading_data()
+{
+    addStepColumns();
+    newRow("no runs, whatever follows",
+           "number_of_runs:0\nEND_PACKAGE_PREAMBLE\n|END_RUN\nobject_type: x\n");
+    newRow("no number of runs", "name:x\nEND_PACKAGE_PREAMBLE\n|time_steps:1\n");
+    newRow("negative number of runs", "number_of_runs:-5\nEND_PACKAGE_PREAMBLE\n|start:\n");
+    newRow("number of runs is no integer", "number_of_runs:1.0\nEND_PACKAGE_PREAMBLE\n|x\n");
+    newRow("run without slots", opening(1, 1) + "END_RUN\n|more\n");
+    newRow("end of the run without a line end", opening(1, 1) + "END_RUN|");
+    newRow("text behind the end of the run", opening(1, 1) + "END_RUN and more\n|rest");
+    newRow("empty line before the end of the run ends it", opening(1, 1) + "\n|END_RUN\nrest");
+    newRow("empty input", "|", kBadPackagePreamble);
+    newRow("blank line in the package preamble", "name:x\n \t\n|number_of_runs:0\n",
+           kBadPackagePreamble);
+    newRow("input ends in the package preamble", "name:x\nnumber_of_runs:0|", kBadPackagePreamble);
+    newRow("input ends before the run", "number_of_runs:1\nEND_PACKAGE_PREAMBLE\n|",
+           kBadRunPreamble);
+    newRow("blank line in the run preamble",
+           "number_of_runs:1\nEND_PACKAGE_PREAMBLE\ntrace:1\n\n|END_RUN_PREAMBLE\n",
+           kBadRunPreamble);
+    newRow("fewer timestep lines than announced",
+           opening(1, 2).replace("time_steps:2", "time_steps:3") +
+               "object_type: Reservoir\n|object_name: A\n",
+           kBadRunPreamble);
+    newRow("second run missing", opening(2, 1) + "END_RUN\n|", kBadRunPreamble);
+    newRow("timestep with seconds", opening(1, 1).replace("6:00", "24:00:00") + "|END_RUN\n",
+           kBadRunPreamble);
+    newRow("blank line in the slot preamble", opening(1, 1) + "slot_name: x\n\n|END_RUN\n",
+           kBadSlotPreamble);
+    newRow("input ends before the end of the run",
+           opening(1, 0) + kSeries + "END_COLUMN\nEND_SLOT\n|", kBadSlotPreamble);
+    newRow("letters behind the end of the run are a slot line", opening(1, 1) + "END_RUNS\n\n|",
+           kBadSlotPreamble);
+    newRow("units missing", opening(1, 1) + "END_SLOT_PREAMBLE\nunit: cms\nscale: 1\n|1.0\n",
+           kBadColumnHeader);
+    newRow("scale missing", opening(1, 1) + "END_SLOT_PREAMBLE\nunits: cms\n1.0\n|END_COLUMN\n",
+           kBadColumnHeader);
+    newRow("input ends before the column header", opening(1, 1) + "END_SLOT_PREAMBLE\n|",
+           kBadColumnHeader);
+}
+
+void HtsReaderTest::endsReading()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, message);
+    MarkedDevice device(text);
+    HtsPackage package;
+    const Status status = package.read(device);
+    QCOMPARE(status.message, message);
+    QVERIFY(!status.flag);
+    QVERIFY2(device.standsAtMark(), qPrintable(QString::number(device.pos())));
+}
+
+void HtsReaderTest::keepsWhatWasReadBeforeAFailure()
+{
+    MarkedDevice device(opening(1, 1) + kSeries +
+                        "7\nEND_COLUMN\nEND_SLOT\nslot_name: B\n"
+                        "END_SLOT_PREAMBLE\nno units\nscale: 1\n|");
+    HtsPackage package;
+    QCOMPARE(package.read(device).message, QString::fromLatin1(kBadColumnHeader));
+    QCOMPARE(package.runs.size(), 1);
+    QCOMPARE(package.numSlots(), 2);
+    QCOMPARE(package.slot(0).units, QStringList{QStringLiteral("cms")});
+    QCOMPARE(package.slot(1).slotName, QStringLiteral("B"));
+    QCOMPARE(package.slot(1).units, QStringList());
+    QVERIFY((package.values[0][0][0] == HtsColumn{7.0}));
+}
+
+void HtsReaderTest::readsPackagePreamble_data()
+{
+    addStepColumns();
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("numberOfRuns");
+    const QString kX = QStringLiteral("x");
+    newRow("any order, unknown lines between",
+           "number_of_runs: 2 \ncomment\nname:x\nEND_PACKAGE_PREAMBLE\n|name:y\n")
+        << kX << 2;
+    newRow("later line wins", "name:a\nname:x\nEND_PACKAGE_PREAMBLE|") << kX << 0;
+    newRow("blank stays part of the value", "name: x\nEND_PACKAGE_PREAMBLE\n|")
+        << QStringLiteral(" x") << 0;
+    newRow("white space around the line", " \tname:x \r\n END_PACKAGE_PREAMBLE \r\n|") << kX << 0;
+    newRow("other case is no key", "Name:y\nname:x\nNUMBER_OF_RUNS:3\nEND_PACKAGE_PREAMBLE\n|")
+        << kX << 0;
+    newRow("text behind the end line", "name:x\nEND_PACKAGE_PREAMBLE x\n\n|", kBadPackagePreamble)
+        << kX << 0;
+    newRow("UTF-8", "name:\xc3\x84\nEND_PACKAGE_PREAMBLE\n|") << QString(QChar(0xc4)) << 0;
+    newRow("empty line", "name:x\n\n|number_of_runs:1\n", kBadPackagePreamble) << kX << 0;
+    newRow("end of the input", "name:x\nnumber_of_runs:1|", kBadPackagePreamble) << kX << 1;
+    newRow("empty input", "|", kBadPackagePreamble) << QString() << 0;
+}
+
+void HtsReaderTest::readsPackagePreamble()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, message);
+    MarkedDevice device(text);
+    HtsPackage package;
+    const Status status = package.readPreamble(device);
+    QCOMPARE(status.message, message);
+    QCOMPARE(package.preambleRead, status.ok());
+    QTEST(package.name, "name");
+    QTEST(package.numberOfRuns, "numberOfRuns");
+    QVERIFY(package.runs.isEmpty());
+    QVERIFY2(device.standsAtMark(), qPrintable(QString::number(device.pos())));
+}
+
+void HtsReaderTest::packagePreambleIsReadOnce()
+{
+    MarkedDevice device("|name:x\nEND_PACKAGE_PREAMBLE\n");
+    HtsPackage package;
+    package.preambleRead = true;
+    QVERIFY(package.readPreamble(device).ok());
+    QCOMPARE(package.name, QString());
+    QVERIFY(device.standsAtMark());
+}
+
+void HtsReaderTest::readsRunPreamble_data()
+{
+    addStepColumns();
+    QTest::addColumn<int>("steps");
+    QTest::addColumn<bool>("complete");
+    newRow("no timesteps", "trace:1\nEND_RUN_PREAMBLE\n|END_RUN\n") << 0 << true;
+    newRow("negative count", "time_steps:-2\nEND_RUN_PREAMBLE\n|2000-1-1 6:00\n") << 0 << true;
+    newRow("two timesteps",
+           "time_steps:2\nEND_RUN_PREAMBLE\n2000-1-1 6:00\n 2000-1-1 12:00 \r\n|2000-1-1 18:00\n")
+        << 2 << true;
+    newRow("second spelling", "timesteps:1\nEND_RUN_PREAMBLE\n2000-1-1 6:00\n|x\n") << 1 << true;
+    newRow("later spelling wins",
+           "timesteps:9\ntime_steps:1\nEND_RUN_PREAMBLE\n2000-1-1 6:00\n|x\n")
+        << 1 << true;
+    newRow("later second spelling wins",
+           "time_steps:9\ntimesteps:1\nEND_RUN_PREAMBLE\n2000-1-1 6:00\n|x\n")
+        << 1 << true;
+    newRow("date that does not exist", "time_steps:1\nEND_RUN_PREAMBLE\n2000-99-99 99:99\n|x\n")
+        << 1 << true;
+    newRow("empty line", "trace:1\n\n|END_RUN_PREAMBLE\n", kBadRunPreamble) << 0 << false;
+    newRow("end of the input", "trace:1|", kBadRunPreamble) << 0 << false;
+    newRow("timestep does not match",
+           "time_steps:3\nEND_RUN_PREAMBLE\n2000-1-1 6:00\nobject_type: R\n|2000-1-2 6:00\n",
+           kBadRunPreamble)
+        << 1 << false;
+    newRow("input ends in the timesteps", "time_steps:3\nEND_RUN_PREAMBLE\n2000-1-1 6:00\n|",
+           kBadRunPreamble)
+        << 1 << false;
+}
+
+void HtsReaderTest::readsRunPreamble()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, message);
+    MarkedDevice device(text);
+    HtsRun run;
+    QCOMPARE(run.readPreamble(device).message, message);
+    QTEST(run.timesteps.size(), "steps");
+    QTEST(run.complete, "complete");
+    QVERIFY2(device.standsAtMark(), qPrintable(QString::number(device.pos())));
+}
+
+void HtsReaderTest::runPreambleTakesEveryKey()
+{
+    MarkedDevice device("idx_sequential:7\nrule_set: rules\nslot_set:set\nconsecutive:0\n"
+                        "time_steps:0\nunit_quantity:6\ntime_step_unit:hour\n"
+                        "end: 2000-1-1 6:00\nstart:2000-1-1 6:00\ntrace:3\nEND_RUN_PREAMBLE\n|");
+    HtsRun run;
+    QVERIFY(run.readPreamble(device).ok());
+    HtsRun expected;
+    expected.complete = true;
+    expected.trace = 3;
+    expected.start = utc(2000, 1, 1, 6);
+    // `end` stays null: the blank behind the colon belongs to the value, which is no date-time.
+    expected.timeStepUnit = QStringLiteral("hour");
+    expected.unitQuantity = 6;
+    expected.consecutive = 0;
+    expected.slotSet = QStringLiteral("set");
+    expected.ruleSet = QStringLiteral(" rules");
+    expected.idxSequential = 7;
+    QCOMPARE(difference(run, expected), QString());
+    QVERIFY(device.standsAtMark());
+}
+
+void HtsReaderTest::runPreambleOfCompleteRunReadsTimestepsOnly()
+{
+    MarkedDevice device("2000-1-1 6:00\n|trace:3\nEND_RUN_PREAMBLE\n");
+    HtsRun run;
+    run.complete = true;
+    run.timeStepCount = 1;
+    QVERIFY(run.readPreamble(device).ok());
+    QCOMPARE(run.timesteps, QStringList{QStringLiteral("2000-1-1 6:00")});
+    QCOMPARE(run.trace, -1);
+    QVERIFY(device.standsAtMark());
+}
+
+void HtsReaderTest::timestepLineMustMatch_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<bool>("matches");
+    for (const char* line : {"2000-1-1 6:00", "2000-12-31 24:00", "0000-00-00 00:00",
+                             "2000-01-01 06:05", "9999-99-99 99:99"})
+        QTest::newRow(line) << QString::fromLatin1(line) << true;
+    for (const char* line : {"2000-1-31 24:00:00",
+                             "2000-1-1 6:0",
+                             "2000-1-1 6:000",
+                             "200-1-1 6:00",
+                             "20000-1-1 6:00",
+                             "2000-1-1  6:00",
+                             "2000-111-1 6:00",
+                             "2000-1-1",
+                             "2000-1-111 6:00",
+                             "2000-1-1 111:00",
+                             "2000--1 6:00",
+                             "2000-1- 6:00",
+                             "2000-1-1 :00",
+                             "2000-1-1 6",
+                             "x2000-1-1 6:00",
+                             "2000-1-1 6:00x",
+                             "2000/1/1 6:00",
+                             "+200-1-1 6:00",
+                             "2000-1-1T6:00",
+                             "-",
+                             "END_RUN"})
+        QTest::newRow(line) << QString::fromLatin1(line) << false;
+}
+
+void HtsReaderTest::timestepLineMustMatch()
+{
+    QFETCH(QString, line);
+    QFETCH(bool, matches);
+    MarkedDevice device(line.toUtf8() + "\n|next\n");
+    HtsRun run;
+    run.complete = true;
+    run.timeStepCount = 1;
+    QCOMPARE(run.readPreamble(device).message,
+             matches ? QString() : QString::fromLatin1(kBadRunPreamble));
+    QCOMPARE(run.complete, matches);
+    QCOMPARE(run.timesteps, matches ? QStringList{line} : QStringList());
+    QVERIFY(device.standsAtMark());
+}
+
+void HtsReaderTest::readsSlotPreamble_data()
+{
+    addStepColumns();
+    QTest::addColumn<QString>("slotType");
+    QTest::addColumn<QString>("objectType");
+    QTest::addColumn<QStringList>("tableRows");
+    const QString kTable = QStringLiteral("TableSlot");
+    const QString kX = QStringLiteral("x");
+    const QStringList kTwoRows{QStringLiteral("1  2"), QString()};
+    newRow("series", "object_type: x\nEND_SLOT_PREAMBLE\n|units: cms\n")
+        << QString() << kX << QStringList();
+    newRow("key without its blank is ignored",
+           "object_type: x\nobject_type:Reservoir\nslot_type:TableSlot\nEND_SLOT_PREAMBLE\n|")
+        << QString() << kX << QStringList();
+    newRow("value with blanks", "object_type:  x\nEND_SLOT_PREAMBLE\n|")
+        << QString() << QStringLiteral(" x") << QStringList();
+    newRow("rows without a type make a table",
+           "object_type: x\nrows: 2\ncols: 1\nEND_SLOT_PREAMBLE\n 1  2 \n\n|END_SLOT\n")
+        << kTable << kX << kTwoRows;
+    newRow("rows behind a type do not",
+           "object_type: x\nslot_type: ScalarSlot\nrows: 2\nEND_SLOT_PREAMBLE\n|1\n2\n")
+        << QStringLiteral("ScalarSlot") << kX << QStringList();
+    newRow("type behind rows wins",
+           "object_type: x\nrows: 2\nslot_type: ScalarSlot\nEND_SLOT_PREAMBLE\n|1\n2\n")
+        << QStringLiteral("ScalarSlot") << kX << QStringList();
+    newRow("table without rows",
+           "object_type: x\nslot_type: TableSlot\nrows: 0\nEND_SLOT_PREAMBLE\n|1\n")
+        << kTable << kX << QStringList();
+    newRow("table with negative rows",
+           "object_type: x\nslot_type: TableSlot\nrows: -3\nEND_SLOT_PREAMBLE\n|1\n")
+        << kTable << kX << QStringList();
+    newRow("table rows are not looked at",
+           "object_type: x\nrows: 2\nEND_SLOT_PREAMBLE\nEND_SLOT\nEND_RUN\n|\nEND_SLOT\n")
+        << kTable << kX << QStringList{QStringLiteral("END_SLOT"), QStringLiteral("END_RUN")};
+    newRow("empty line", "object_type: x\n\n|END_SLOT_PREAMBLE\n", kBadSlotPreamble)
+        << QString() << kX << QStringList();
+    newRow("end of the input", "object_type: x|", kBadSlotPreamble)
+        << QString() << kX << QStringList();
+    newRow("rows of a broken preamble are read all the same",
+           "object_type: x\nrows: 2\n\n1  2\n\n|END_SLOT_PREAMBLE\n", kBadSlotPreamble)
+        << kTable << kX << kTwoRows;
+    newRow("input ends in the rows", "object_type: x\nrows: 2\nEND_SLOT_PREAMBLE\n1  2|")
+        << kTable << kX << kTwoRows;
+}
+
+void HtsReaderTest::readsSlotPreamble()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, message);
+    MarkedDevice device(text);
+    HtsSlot slot;
+    const Status status = slot.readPreamble(device);
+    QCOMPARE(status.message, message);
+    QCOMPARE(slot.preambleRead, status.ok());
+    QTEST(slot.slotType, "slotType");
+    QTEST(slot.objectType, "objectType");
+    QTEST(slot.tableRows, "tableRows");
+    QVERIFY2(device.standsAtMark(), qPrintable(QString::number(device.pos())));
+}
+
+void HtsReaderTest::slotPreambleReadBeforeReadsRowsOnly()
+{
+    MarkedDevice device("slot_name: x\n|END_SLOT_PREAMBLE\n");
+    HtsSlot slot;
+    slot.preambleRead = true;
+    slot.slotType = QStringLiteral("TableSlot");
+    slot.rows = 1;
+    QVERIFY(slot.readPreamble(device).ok());
+    QCOMPARE(slot.tableRows, QStringList{QStringLiteral("slot_name: x")});
+    QCOMPARE(slot.slotName, QString());
+    QVERIFY(device.standsAtMark());
+}
+
+void HtsReaderTest::readsColumnHeader_data()
+{
+    addStepColumns();
+    QTest::addColumn<QString>("units");
+    QTest::addColumn<double>("scale");
+    QTest::addColumn<QString>("method");
+    const QString kBefore = QStringLiteral("before");
+    const QString kCms = QStringLiteral("cms");
+    newRow("without a method", "units: cms\nscale: 0.001\n|1.0\n") << kCms << 0.001 << kBefore;
+    newRow("with a method", "units: cms\nscale: 1\nmethod: Sum\n|1.0\n")
+        << kCms << 1.0 << QStringLiteral("Sum");
+    newRow("m line without the key loses eight characters",
+           "units: cms\nscale: 1\nmean: X123\n|1\n")
+        << kCms << 1.0 << QStringLiteral("23");
+    newRow("short m line", "units: cms\nscale: 1\nmean: X\n|1.0\n") << kCms << 1.0 << QString();
+    newRow("blank before the method", "units: cms\nscale: 1\n| method: Sum\n")
+        << kCms << 1.0 << kBefore;
+    newRow("method in another case", "units: cms\nscale: 1\n|Method: Sum\n")
+        << kCms << 1.0 << kBefore;
+    newRow("scale is no number", "units: cms\nscale: many\n|1.0\n") << kCms << 0.0 << kBefore;
+    newRow("end of the input", "units: cms\nscale: 2|") << kCms << 2.0 << kBefore;
+    newRow("blank units", "units: \nscale: 1\n|1.0\n", kBadColumnHeader)
+        << kBefore << -1.0 << kBefore;
+    newRow("units missing", "unit: cms\nscale: 1\n|method: Sum\n", kBadColumnHeader)
+        << kBefore << -1.0 << kBefore;
+    newRow("scale missing", "units: cms\nmethod: Sum\n|1.0\n", kBadColumnHeader)
+        << kBefore << -1.0 << kBefore;
+    newRow("wrong order", "scale: 1\nunits: cms\n|1.0\n", kBadColumnHeader)
+        << kBefore << -1.0 << kBefore;
+    newRow("scale without its blank", "units: cms\nscale:1\n|1.0\n", kBadColumnHeader)
+        << kBefore << -1.0 << kBefore;
+    newRow("empty input", "|", kBadColumnHeader) << kBefore << -1.0 << kBefore;
+}
+
+void HtsReaderTest::readsColumnHeader()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, message);
+    MarkedDevice device(text);
+    QString units = QStringLiteral("before");
+    double scale = -1.0;
+    QString method = QStringLiteral("before");
+    QCOMPARE(HtsPackage::readColumnHeader(device, units, scale, method).message, message);
+    QTEST(units, "units");
+    QTEST(scale, "scale");
+    QTEST(method, "method");
+    QVERIFY2(device.standsAtMark(), qPrintable(QString::number(device.pos())));
+}
+
+void HtsReaderTest::valueLinesAreNumbers()
+{
+    HtsPackage package;
+    const HtsColumn values =
+        firstColumn(opening(1, 6) + kSeries +
+                        "nan\ntext\n\n -2.5 \ninf\n1e-3\nEND_COLUMN\nEND_SLOT\nEND_RUN\n|",
+                    package);
+    QVERIFY(std::isnan(values.at(0)));
+    const double kInfinity = std::numeric_limits<double>::infinity();
+    QVERIFY((HtsColumn(values.begin() + 1, values.end()) ==
+             HtsColumn{0.0, 0.0, -2.5, kInfinity, 0.001}));
+    QCOMPARE(package.slot(0).methods, QStringList{QString()});
+}
+
+void HtsReaderTest::methodLineWithLeadingBlankIsTheFirstValue()
+{
+    HtsPackage package;
+    const HtsColumn values = firstColumn(
+        opening(1, 2) + kSeries + " method: Sum\n1\nEND_COLUMN\nEND_SLOT\nEND_RUN\n|", package);
+    QVERIFY((values == HtsColumn{0.0, 1.0}));
+    QCOMPARE(package.slot(0).methods, QStringList{QString()});
+}
+
+void HtsReaderTest::missingEndLinesAreNotDetected()
+{
+    HtsPackage package;
+    const HtsColumn values =
+        firstColumn(opening(1, 2) + kSeries + "1\n2\nanything\n\nEND_RUN\n|", package);
+    QVERIFY((values == HtsColumn{1.0, 2.0}));
+    HtsPackage cutShort;
+    // The end lines are taken for values, and the end of the run for the end of the slot.
+    MarkedDevice device(opening(1, 2) + kSeries + "1\nEND_COLUMN\nEND_SLOT\nEND_RUN\n|");
+    QCOMPARE(cutShort.read(device).message, QString::fromLatin1(kBadSlotPreamble));
+    QVERIFY((cutShort.values[0][0][0] == HtsColumn{1.0, 0.0}));
+    QVERIFY(device.standsAtMark());
+}
+
+void HtsReaderTest::scalarSlotsHaveOneValue_data()
+{
+    QTest::addColumn<QByteArray>("slotType");
+    QTest::newRow("scalar") << QByteArray("ScalarSlot");
+    QTest::newRow("unknown") << QByteArray("Whatever");
+}
+
+void HtsReaderTest::scalarSlotsHaveOneValue()
+{
+    QFETCH(QByteArray, slotType);
+    HtsPackage package;
+    const HtsColumn values = firstColumn(opening(1, 3) + "slot_type: " + slotType +
+                                             "\nEND_SLOT_PREAMBLE\nunits: m\nscale: 1\n4\n"
+                                             "END_COLUMN\nEND_SLOT\nEND_RUN\n|",
+                                         package);
+    QVERIFY(values == HtsColumn{4.0});
+    QCOMPARE(package.slot(0).slotType, QString::fromLatin1(slotType));
+}
+
+void HtsReaderTest::tableSlotSkipsLinesUpToItsEnd()
+{
+    MarkedDevice device(opening(1, 1) +
+                        "rows: 1\ncols: 2\nEND_SLOT_PREAMBLE\na b\nunits: x\n\nEND_RUN\n"
+                        "END_SLOT more\n END_SLOT \n" +
+                        kSeries + "5\nEND_COLUMN\nEND_SLOT\nEND_RUN\n|");
+    HtsPackage package;
+    QCOMPARE(package.read(device).message, QString());
+    QVERIFY(device.standsAtMark());
+    QCOMPARE(package.numSlots(), 2);
+    QCOMPARE(package.slot(0).tableRows, QStringList{QStringLiteral("a b")});
+    QCOMPARE(package.slot(0).numColumns(), 2);
+    QCOMPARE(package.slot(0).units, QStringList());
+    QVERIFY(package.values[0][0].empty());
+    QVERIFY(package.values[0][1][0] == HtsColumn{5.0});
+}
+
+void HtsReaderTest::valuesOfLaterRunsGoByPosition()
+{
+    const auto slot = [](const char* name, const char* units, const char* value) -> QByteArray {
+        return QByteArray("slot_name: ") + name + "\nEND_SLOT_PREAMBLE\nunits: " + units +
+               "\nscale: 1\nmethod: " + name + "\n" + value + "\nEND_COLUMN\nEND_SLOT\n";
+    };
+    MarkedDevice device(opening(2, 1) + slot("A", "m", "1") + slot("B", "s", "2") +
+                        "END_RUN\ntrace:5\ntime_steps:1\nEND_RUN_PREAMBLE\n2001-1-1 6:00\n" +
+                        slot("B", "s", "3") + slot("A", "m", "4") + slot("C", "x", "5") +
+                        "END_RUN\n|behind\n");
+    HtsPackage package;
+    QCOMPARE(package.read(device).message, QString());
+    QVERIFY(device.standsAtMark());
+    QCOMPARE(package.numSlots(), 2);
+    QCOMPARE(package.slot(0).slotName, QStringLiteral("A"));
+    QCOMPARE(package.slot(0).units, QStringList{QStringLiteral("m")});
+    QCOMPARE(package.slot(1).methods, QStringList{QStringLiteral("B")});
+    QCOMPARE(package.run(1).trace, 5);
+    const HtsValues expected = {{{{1.0}}, {{2.0}}}, {{{3.0}}, {{4.0}}, {{5.0}}}};
+    QVERIFY(package.values == expected);
+}
+
+void HtsReaderTest::slotTypeOfLaterRunDecidesItsRowCount()
+{
+    MarkedDevice device(opening(2, 2) + kSeries + "1\n2\nEND_COLUMN\nEND_SLOT\nEND_RUN\n" +
+                        "END_RUN_PREAMBLE\nslot_type: ScalarSlot\nEND_SLOT_PREAMBLE\n"
+                        "units: x\nscale: 1\n3\nEND_COLUMN\nEND_SLOT\nEND_RUN\n|");
+    HtsPackage package;
+    QCOMPARE(package.read(device).message, QString());
+    QVERIFY(device.standsAtMark());
+    QCOMPARE(package.slot(0).slotType, QString());
+    QVERIFY((package.values[0][0][0] == HtsColumn{1.0, 2.0}));
+    QVERIFY((package.values[1][0][0] == HtsColumn{3.0}));
+}
+
+void HtsReaderTest::laterRunsShareEqualTimesteps()
+{
+    const QByteArray run = "END_RUN\ntime_steps:2\nEND_RUN_PREAMBLE\n2000-1-1 6:00\n";
+    MarkedDevice device(opening(3, 2) + run + "2000-2-1 6:00\n" + run +
+                        "2000-3-1 6:00\nEND_RUN\n|");
+    HtsPackage package;
+    QCOMPARE(package.read(device).message, QString());
+    const QString first = QStringLiteral("2000-1-1 6:00");
+    QCOMPARE(package.run(0).timesteps, (QStringList{first, QStringLiteral("2000-2-1 6:00")}));
+    QCOMPARE(package.run(1).timesteps, package.run(0).timesteps);
+    QCOMPARE(package.run(2).timesteps, (QStringList{first, QStringLiteral("2000-3-1 6:00")}));
+    // One copy in memory; a change of one run still leaves the other alone.
+    QVERIFY(package.run(1).timesteps.isSharedWith(package.run(0).timesteps));
+    package.runs[1].timesteps[0] = QStringLiteral("changed");
+    QCOMPARE(package.run(0).timesteps.first(), first);
+}
+
+void HtsReaderTest::noTimestepsMeanNoValues()
+{
+    HtsPackage package;
+    const HtsColumn values =
+        firstColumn(opening(1, 0) + kSeries + "END_COLUMN\nEND_SLOT\nEND_RUN\n|", package);
+    QVERIFY(values.empty());
+    QCOMPARE(package.slot(0).units, QStringList{QStringLiteral("cms")});
+}
+
+QTEST_APPLESS_MAIN(HtsReaderTest)
+#include "tst_htsreader.moc"
