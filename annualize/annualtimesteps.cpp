@@ -52,13 +52,65 @@ bool completesYear(const QDateTime& lastTimestep, const QDateTime& yearEnd, cons
     return lastTimestep == yearEnd;
 }
 
+// Walks through the timesteps of `run`: appends the number of its year to `valueMap` for each, and
+// the last timestep of each complete year to `annualTimesteps`. Returns the number of complete
+// years, 0 or less when there is none. A date-time that is not valid ends the walk without a
+// complete year: it must not get into a comparison, which would take it for some valid instant.
+std::int32_t findCompleteYears(const HtsRun& run, int endMonth, AnnualizeHts::ValueMap& valueMap,
+                               QStringList& annualTimesteps)
+{
+    // End of the year under way, and start of the next.
+    QDateTime yearEnd = firstYearStart(run.start, endMonth);
+    std::int32_t year = 0; // number of the year under way, 0 before the first complete one
+    QDateTime timestep;
+    bool isValid = run.start.isValid() && yearEnd.isValid();
+    for (int i = 0; isValid && i < run.timeStepCount; ++i) {
+        timestep = textToDateTime(run.timesteps.at(i));
+        isValid = timestep.isValid();
+        if (!isValid)
+            break;
+        if (i == 0 && yearEnd < timestep &&
+            endOfFirstTimestep(yearEnd, run.timeStepUnit) < timestep)
+            yearEnd = yearEnd.addYears(1);
+        if (yearEnd < timestep) {
+            if (year != 0)
+                annualTimesteps.append(run.timesteps.at(i - 1));
+            yearEnd = yearEnd.addYears(1);
+            ++year;
+        }
+        valueMap.push_back(year);
+    }
+
+    const bool hasLast = isValid && timestep.isValid(); // a run may have no timesteps
+    if (hasLast && completesYear(timestep, yearEnd, run.timeStepUnit)) {
+        annualTimesteps.append(run.timesteps.at(run.timeStepCount - 1));
+        return year;
+    }
+    QLOG_INFO() << "Ignoring partial year at end of timesteps";
+    return hasLast ? year - 1 : 0;
+}
+
+// Gives `annualRun` the annual timesteps, of which there is at least one, and what stays the same.
+void setAnnualTiming(const HtsRun& inputRun, const QStringList& annualTimesteps, HtsRun& annualRun)
+{
+    annualRun.start = textToDateTime(annualTimesteps.first());
+    annualRun.end = textToDateTime(annualTimesteps.last());
+    annualRun.timeStepUnit = kYearUnit;
+    annualRun.unitQuantity = 1;
+    annualRun.timeStepCount = annualTimesteps.size();
+    annualRun.consecutive = inputRun.consecutive;
+    annualRun.slotSet = inputRun.slotSet;
+    annualRun.ruleSet = inputRun.ruleSet;
+    annualRun.idxSequential = inputRun.idxSequential;
+    annualRun.timesteps = annualTimesteps;
+}
+
 } // namespace
 
 Status AnnualizeHts::calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& valueMap,
                                               HtsRun& annualRun) const
 {
-    const QString& unit = inputRun.timeStepUnit;
-    if (unit == kYearUnit)
+    if (inputRun.timeStepUnit == kYearUnit)
         return failure(kAlreadyAnnual);
     if (inputRun.timesteps.size() < inputRun.timeStepCount)
         return failure(kTimestepsMissing);
@@ -66,55 +118,15 @@ Status AnnualizeHts::calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& 
     QLOG_INFO() << "Starting calculation of new annual timesteps";
     QLOG_INFO().noquote() << QLatin1String("Using ") + monthName(m_endMonth) +
                                  QLatin1String(" as the year end for calculations.");
-
     if (inputRun.timeStepCount > 0) {
         // Logged whether or not there is one.
         QLOG_INFO() << "Ignoring partial year at beginning of timesteps";
     }
 
-    // End of the year under way, and start of the next.
-    QDateTime yearEnd = firstYearStart(inputRun.start, m_endMonth);
-    // An invalid instant must not get into a comparison, which would take it for some valid one.
-    bool areValid = inputRun.start.isValid() && yearEnd.isValid();
-    std::int32_t year = 0; // number of the year under way, 0 before the first complete one
     QStringList annualTimesteps;
-    QDateTime timestep;
-    for (int i = 0; areValid && i < inputRun.timeStepCount; ++i) {
-        timestep = textToDateTime(inputRun.timesteps.at(i));
-        areValid = timestep.isValid();
-        if (!areValid)
-            break;
-        if (i == 0 && yearEnd < timestep && endOfFirstTimestep(yearEnd, unit) < timestep)
-            yearEnd = yearEnd.addYears(1);
-        if (yearEnd < timestep) {
-            if (year != 0)
-                annualTimesteps.append(inputRun.timesteps.at(i - 1));
-            yearEnd = yearEnd.addYears(1);
-            ++year;
-        }
-        valueMap.push_back(year);
-    }
-
-    areValid = areValid && timestep.isValid(); // it is not when there are no timesteps
-    if (areValid && completesYear(timestep, yearEnd, unit)) {
-        annualTimesteps.append(inputRun.timesteps.at(inputRun.timeStepCount - 1));
-    } else {
-        --year;
-        QLOG_INFO() << "Ignoring partial year at end of timesteps";
-    }
-    if (!areValid || year <= 0)
+    if (findCompleteYears(inputRun, m_endMonth, valueMap, annualTimesteps) < 1)
         return failure(kNoCompleteYear);
-
-    annualRun.start = textToDateTime(annualTimesteps.first());
-    annualRun.end = textToDateTime(annualTimesteps.last());
-    annualRun.timeStepUnit = kYearUnit;
-    annualRun.unitQuantity = 1;
-    annualRun.timeStepCount = year;
-    annualRun.consecutive = inputRun.consecutive;
-    annualRun.slotSet = inputRun.slotSet;
-    annualRun.ruleSet = inputRun.ruleSet;
-    annualRun.idxSequential = inputRun.idxSequential;
-    annualRun.timesteps = annualTimesteps;
+    setAnnualTiming(inputRun, annualTimesteps, annualRun);
 
     QLOG_INFO().noquote() << QLatin1String("New annual start timestep is ") +
                                  annualTimesteps.first();

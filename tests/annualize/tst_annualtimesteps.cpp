@@ -753,9 +753,11 @@ void AnnualTimestepsTest::agreesWithSlowReference_data()
 {
     QTest::addColumn<QString>("unit");
     QTest::addColumn<unsigned>("seed");
-    for (const char* unit : {"month", "day", "hour"}) {
+    for (const QString& unit :
+         {QStringLiteral("month"), QStringLiteral("day"), QStringLiteral("hour")}) {
         for (unsigned seed = 1; seed <= 25; ++seed)
-            QTest::addRow("%s series %u", unit, seed) << QString::fromLatin1(unit) << seed;
+            QTest::newRow(qPrintable(QStringLiteral("%1 series %2").arg(unit).arg(seed)))
+                << unit << seed;
     }
 }
 
