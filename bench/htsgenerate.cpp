@@ -1,0 +1,150 @@
+// usage: htsgenerate [NAME=VALUE...] > FILE
+//
+// Writes a synthetic HTS file of series slots "Object<s>.Flow". The same arguments give the same
+// bytes. Names and defaults:
+//     runs=1 slots=200 steps=18262 unit=day      unit is day, week or month; steps end at 24:00
+//     missing=0.01 seed=1 lineend=unix           share of values that are NaN; unix or windows
+
+#include <charconv>
+#include <cstdint>
+#include <cstdio>
+#include <map>
+#include <random>
+#include <string>
+
+#include <QDate>
+
+#include "hts/numbertext.h"
+
+namespace {
+
+std::map<std::string, std::string> options = {
+    {"runs", "1"},       {"slots", "200"}, {"steps", "18262"},  {"unit", "day"},
+    {"missing", "0.01"}, {"seed", "1"},    {"lineend", "unix"},
+};
+
+int number(const char* name)
+{
+    return std::stoi(options.at(name));
+}
+
+class Output
+{
+public:
+    explicit Output(const std::string& lineEnd) : m_lineEnd(lineEnd) {}
+    ~Output() { flush(); }
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+
+    void line(std::string_view text)
+    {
+        m_text.append(text).append(m_lineEnd);
+        if (m_text.size() > 1 << 20)
+            flush();
+    }
+
+private:
+    void flush()
+    {
+        std::fwrite(m_text.data(), 1, m_text.size(), stdout);
+        m_text.clear();
+    }
+
+    const std::string m_lineEnd;
+    std::string m_text;
+};
+
+// The day that step `index` ends with.
+QDate stepEnd(int index)
+{
+    const QDate first(1950, 1, 1);
+    const std::string& unit = options.at("unit");
+    if (unit == "month")
+        return first.addMonths(index + 1).addDays(-1);
+    return first.addDays(unit == "week" ? index * 7 + 6 : index);
+}
+
+std::string stepText(int index)
+{
+    return stepEnd(index).toString(QStringLiteral("yyyy-M-d")).toStdString() + " 24:00";
+}
+
+// Numbers from 0 up to 1, the same on every machine.
+class Random
+{
+public:
+    explicit Random(unsigned seed) : m_engine(seed) {}
+    double next() { return static_cast<double>(m_engine() >> 11) * 0x1p-53; }
+
+private:
+    std::mt19937_64 m_engine;
+};
+
+void writeRunPreamble(int run, Output& output)
+{
+    const int steps = number("steps");
+    output.line("trace:" + std::to_string(run + 1));
+    output.line("start:" + stepText(0));
+    output.line("end:" + stepText(steps - 1));
+    output.line("time_step_unit:" + options.at("unit"));
+    output.line("unit_quantity:1");
+    output.line("time_steps:" + options.at("steps"));
+    output.line("consecutive:1");
+    output.line("idx_sequential:1");
+    output.line("END_RUN_PREAMBLE");
+    for (int i = 0; i < steps; ++i)
+        output.line(stepText(i));
+}
+
+void writeSlot(int slot, Random& random, Output& output)
+{
+    const double missing = std::stod(options.at("missing"));
+    output.line("object_type: Reservoir");
+    output.line("object_name: Object" + std::to_string(slot));
+    output.line("slot_type: SeriesSlot");
+    output.line("slot_name: Flow");
+    output.line("END_SLOT_PREAMBLE");
+    output.line("units: cms");
+    output.line("scale: 1");
+    for (int i = 0; i < number("steps"); ++i) {
+        const bool isMissing = random.next() < missing;
+        const double value = random.next() * 1000.0;
+        char text[kMaxNumberLength];
+        const char* end = writeNumber(text, value);
+        output.line(isMissing ? std::string_view("NaN")
+                              : std::string_view(text, static_cast<std::size_t>(end - text)));
+    }
+    output.line("END_COLUMN");
+    output.line("END_SLOT");
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        const std::size_t equals = argument.find('=');
+        if (options.count(argument.substr(0, equals)) == 0 || equals == std::string::npos) {
+            std::fprintf(stderr, "htsgenerate: unknown argument %s\n", argv[i]);
+            return 1;
+        }
+        options[argument.substr(0, equals)] = argument.substr(equals + 1);
+    }
+
+    Output output(options.at("lineend") == "windows" ? "\r\n" : "\n");
+    Random random(static_cast<unsigned>(number("seed")));
+    output.line("name:Synthetic");
+    output.line("owner:htsgenerate");
+    output.line("description:random values");
+    output.line("create_date:2000-1-1 6:00");
+    output.line("number_of_runs:" + options.at("runs"));
+    output.line("END_PACKAGE_PREAMBLE");
+    for (int run = 0; run < number("runs"); ++run) {
+        writeRunPreamble(run, output);
+        for (int slot = 0; slot < number("slots"); ++slot)
+            writeSlot(slot, random, output);
+        output.line("END_RUN");
+    }
+    return 0;
+}
