@@ -11,6 +11,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScrollBar>
 #include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -84,6 +85,9 @@ MessageViewer::MessageViewer(const QStringList& headerLabels, QWidget* parent)
     setWindowTitle(tr("Untitled"));
     setWindowFlags(windowFlags() & ~Qt::WindowContextHelpButtonHint);
     connect(m_tree->model(), &QAbstractItemModel::modelReset, this, [this] { m_widths.clear(); });
+
+    connect(m_tree->verticalScrollBar(), &QScrollBar::rangeChanged, this,
+            [this](int /*minimum*/, int maximum) { followScrollRange(maximum); });
 
     createCheckBox();
     auto* bottomLayout = new QHBoxLayout;
@@ -197,6 +201,17 @@ void MessageViewer::showNewRows()
         m_tree->scrollToBottom();
     m_showingCostNs = timer.nsecsElapsed();
     m_sinceShowing.start();
+}
+
+// A horizontal scroll bar appears, and a hidden window gets its size, only after the last row was
+// scrolled to.
+void MessageViewer::followScrollRange(int maximum)
+{
+    QScrollBar* scrollBar = m_tree->verticalScrollBar();
+    const bool wasAtBottom = scrollBar->value() == m_scrollMaximum;
+    m_scrollMaximum = maximum;
+    if (m_isAutoScrolling && wasAtBottom)
+        scrollBar->setValue(maximum);
 }
 
 QString MessageViewer::collectText(bool all) const

@@ -74,6 +74,7 @@ private:
     void createEditMenu();
     void scheduleShowingNewRows();
     void showNewRows();
+    void followScrollRange(int maximum);
 
     bool m_isAutoScrolling = true;
     QMenuBar* m_menuBar = nullptr;
@@ -92,6 +93,7 @@ private:
     QString m_lastSaveName; // of the last successful save
 
     ContentWidths m_widths;
+    int m_scrollMaximum = 0;     // of the vertical scroll bar, when its range last changed
     bool m_isShowingDue = false; // rows arrived that widths and scroll position do not follow yet
     QElapsedTimer m_sinceShowing;
     qint64 m_showingCostNs = 0; // of the last time

@@ -1,0 +1,1005 @@
+#include <QAction>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QLayout>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTextCodec>
+#include <QThread>
+#include <QTreeWidget>
+#include <QtTest>
+
+#include <functional>
+#include <memory>
+
+#include "gui/messageviewer.h"
+#include "gui/messagewatcher.h"
+
+using UtilsNS::MessageViewer;
+
+namespace {
+
+const QStringList kOneColumn{QStringLiteral("Diagnostic Messages")};
+const QStringList kThreeColumns{QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")};
+
+// Acts for the user in modal dialogs: each step gets the next one that opens and has to close it.
+// Without a step left a dialog is closed, and isDone() is false.
+class User : public QObject
+{
+public:
+    using Step = std::function<void(QWidget*)>;
+
+    explicit User(const QVector<Step>& steps = {}) : m_steps(steps) { lookSoon(); }
+
+    bool isDone() const { return m_steps.isEmpty() && !m_isSurprised; }
+
+private:
+    // Anew for each look: a running timer does not fire again while a step of its own opens a
+    // dialog.
+    void lookSoon() { QTimer::singleShot(0, this, &User::look); }
+
+    void look()
+    {
+        lookSoon();
+        QWidget* dialog = QApplication::activeModalWidget();
+        if (dialog == nullptr || dialog == m_last)
+            return;
+        if (m_steps.isEmpty() && m_seen.contains(dialog))
+            return; // a file dialog that is about to close after its question
+        m_last = dialog;
+        m_seen.append(dialog);
+        if (m_steps.isEmpty()) {
+            m_isSurprised = true;
+            dialog->close();
+            return;
+        }
+        m_steps.takeFirst()(dialog);
+    }
+
+    QVector<Step> m_steps;
+    QPointer<QWidget> m_last;
+    QVector<QPointer<QWidget>> m_seen;
+    bool m_isSurprised = false;
+};
+
+QFileDialog* asFileDialog(QWidget* dialog)
+{
+    return qobject_cast<QFileDialog*>(dialog);
+}
+
+// Types the path into the open file dialog and accepts it.
+User::Step typePath(const QString& path)
+{
+    return [path](QWidget* dialog) {
+        dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+        qobject_cast<QDialog*>(dialog)->accept();
+    };
+}
+
+User::Step cancel()
+{
+    return [](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->reject(); };
+}
+
+User::Step click(QMessageBox::StandardButton button)
+{
+    return
+        [button](QWidget* dialog) { qobject_cast<QMessageBox*>(dialog)->button(button)->click(); };
+}
+
+struct BoxContent
+{
+    QString title;
+    QString text;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QMessageBox::StandardButtons buttons;
+};
+
+// Notes what the open message box says and clicks OK.
+User::Step readBox(BoxContent* content)
+{
+    return [content](QWidget* dialog) {
+        const auto* box = qobject_cast<QMessageBox*>(dialog);
+        *content = {box->windowTitle(), box->text(), box->icon(), box->standardButtons()};
+        box->button(QMessageBox::Ok)->click();
+    };
+}
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
+}
+
+void writeFile(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), content.size());
+}
+
+// A viewer and its parts.
+struct Fixture
+{
+    explicit Fixture(const QStringList& labels = kOneColumn)
+        : viewer(labels, nullptr), tree(viewer.findChild<QTreeWidget*>()),
+          checkBox(viewer.findChild<QCheckBox*>()), scrollBar(tree->verticalScrollBar())
+    {
+    }
+
+    QAction* action(const char* text) const
+    {
+        const QList<QAction*> actions = viewer.findChildren<QAction*>();
+        for (QAction* candidate : actions) {
+            if (candidate->text() == QLatin1String(text))
+                return candidate;
+        }
+        return nullptr;
+    }
+
+    void add(const QStringList& texts) { viewer.addMessage(QsLogging::InfoLevel, texts); }
+
+    void addLines(int count)
+    {
+        for (int i = 0; i < count; ++i)
+            viewer.messageHandler(QsLogging::InfoLevel, QStringLiteral("line %1").arg(i));
+    }
+
+    void select(int first, int last)
+    {
+        for (int row = first; row <= last; ++row)
+            tree->topLevelItem(row)->setSelected(true);
+    }
+
+    void show()
+    {
+        viewer.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&viewer));
+    }
+
+    bool isLastRowInView() const
+    {
+        const QTreeWidgetItem* last = tree->topLevelItem(tree->topLevelItemCount() - 1);
+        const QRect viewRect = tree->viewport()->rect();
+        const QRect rowRect = tree->visualItemRect(last);
+        return scrollBar->maximum() > 0 && scrollBar->value() == scrollBar->maximum() &&
+               rowRect.top() >= viewRect.top() && rowRect.bottom() <= viewRect.bottom();
+    }
+
+    MessageViewer viewer;
+    QTreeWidget* tree;
+    QCheckBox* checkBox;
+    QScrollBar* scrollBar;
+};
+
+} // namespace
+
+class TestMessageViewer : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+
+    void windowIsAsBuilt();
+    void treeIsAsBuilt();
+    void checkBoxStandsAtTheRight();
+    void menusHaveTheirActions_data();
+    void menusHaveTheirActions();
+    void slotsStandInOrder();
+
+    void appendsRows();
+    void colorsRowsByLevel_data();
+    void colorsRowsByLevel();
+    void dropsRowsOfOtherLength_data();
+    void dropsRowsOfOtherLength();
+
+    void sectionsFitAllRows_data();
+    void sectionsFitAllRows();
+    void sectionsFitRowsAfterClear();
+    void sectionsFitEachColumn();
+    void scrollsToTheLastRow_data();
+    void scrollsToTheLastRow();
+    void showsTheLastRowAfterHiddenTimes();
+    void resizingKeepsTheLastRow();
+    void resizingLeavesOtherRows();
+    void leavesTheViewAlone_data();
+    void leavesTheViewAlone();
+    void checkingTheBoxJumpsToTheLastRow_data();
+    void checkingTheBoxJumpsToTheLastRow();
+    void uncheckingTheBoxKeepsWhatCameBefore();
+
+    void hidesAndShowsColumns();
+    void collectsText_data();
+    void collectsText();
+    void copiesRows();
+    void warnsWithoutClipboard();
+
+    void savesRows_data();
+    void savesRows();
+    void asksForTheFile();
+    void savesInLocalEncoding();
+    void cancelledSaveWritesNothing();
+    void asksBeforeOverwriting();
+    void warnsOfFileThatCannotBeOpened();
+    void remembersTheLastSavedName();
+
+    void clearKeepsTheViewerWorking();
+    void closingOnlyHides_data();
+    void closingOnlyHides();
+    void shortcutsWork();
+    void rowsOutliveTheirWindowState();
+
+    void takesLinesOfTheWatcherQueued();
+    void takesLinesOfOtherThreadsInOrder();
+};
+
+void TestMessageViewer::initTestCase()
+{
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    qRegisterMetaType<QsLogging::Level>("QsLogging::Level");
+}
+
+void TestMessageViewer::windowIsAsBuilt()
+{
+    const Fixture f;
+    QCOMPARE(f.viewer.windowTitle(), QStringLiteral("Untitled"));
+    QVERIFY(!f.viewer.isModal());
+    QVERIFY(!f.viewer.isVisible());
+    QVERIFY(!f.viewer.windowFlags().testFlag(Qt::WindowContextHelpButtonHint));
+    QCOMPARE(f.viewer.size(), QSize(600, 300));
+    QVERIFY(f.viewer.parent() == nullptr);
+    QCOMPARE(f.viewer.layout()->menuBar(), f.viewer.findChild<QMenuBar*>());
+}
+
+void TestMessageViewer::treeIsAsBuilt()
+{
+    const Fixture f(kThreeColumns);
+    QCOMPARE(f.tree->columnCount(), 3);
+    for (int column = 0; column < 3; ++column)
+        QCOMPARE(f.tree->headerItem()->text(column), kThreeColumns.at(column));
+    QCOMPARE(f.tree->topLevelItemCount(), 0);
+    QVERIFY(!f.tree->rootIsDecorated());
+    QCOMPARE(f.tree->selectionMode(), QAbstractItemView::ContiguousSelection);
+    const QHeaderView* header = f.tree->header();
+    for (int column = 0; column < 3; ++column)
+        QCOMPARE(header->sectionResizeMode(column), QHeaderView::Fixed);
+    QVERIFY(!header->sectionsMovable());
+    QVERIFY(!header->stretchLastSection());
+    QCOMPARE(header->sectionSize(0), header->sectionSizeHint(0));
+}
+
+void TestMessageViewer::checkBoxStandsAtTheRight()
+{
+    Fixture f;
+    QCOMPARE(f.checkBox->text(), QStringLiteral("Automatic Scrolling"));
+    QVERIFY(f.checkBox->isChecked());
+    f.show();
+    QCOMPARE(f.checkBox->geometry().right(), f.tree->geometry().right());
+    QVERIFY(f.checkBox->geometry().left() > f.viewer.width() / 2);
+    QVERIFY(f.checkBox->geometry().top() > f.tree->geometry().bottom());
+}
+
+void TestMessageViewer::menusHaveTheirActions_data()
+{
+    QTest::addColumn<int>("menu");
+    QTest::addColumn<int>("index");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("shortcut");
+    QTest::addColumn<QVariant>("data");
+
+    const auto add = [](int menu, int index, const char* text, const char* shortcut,
+                        const QVariant& data) {
+        QTest::newRow(text) << menu << index << QString::fromLatin1(text)
+                            << QString::fromLatin1(shortcut) << data;
+    };
+    add(0, 0, "Save All &As", "Ctrl+Shift+S", true);
+    add(0, 1, "Save &Selected As", "", false);
+    add(0, 2, "&Close Window", "Ctrl+W", QVariant());
+    add(1, 0, "&Copy All", "Ctrl+C", true);
+    add(1, 1, "Copy &Selected", "", false);
+    add(1, 2, "Clear", "", QVariant());
+}
+
+void TestMessageViewer::menusHaveTheirActions()
+{
+    QFETCH(const int, menu);
+    QFETCH(const int, index);
+    QFETCH(const QString, text);
+    QFETCH(const QString, shortcut);
+    QFETCH(const QVariant, data);
+
+    const Fixture f;
+    const QList<QAction*> menus = f.viewer.findChild<QMenuBar*>()->actions();
+    QCOMPARE(menus.size(), 2);
+    QCOMPARE(menus.at(0)->text(), QStringLiteral("&File"));
+    QCOMPARE(menus.at(1)->text(), QStringLiteral("&Edit"));
+    const QList<QAction*> actions = menus.at(menu)->menu()->actions();
+    QCOMPARE(actions.size(), 3);
+    const QAction* action = actions.at(index);
+    QCOMPARE(action->text(), text);
+    QCOMPARE(action->shortcut().toString(QKeySequence::PortableText), shortcut);
+    QCOMPARE(action->data(), data);
+}
+
+void TestMessageViewer::slotsStandInOrder()
+{
+    const QMetaObject& meta = MessageViewer::staticMetaObject;
+    QByteArrayList signatures;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        QCOMPARE(meta.method(i).methodType(), QMetaMethod::Slot);
+        signatures.append(meta.method(i).methodSignature());
+    }
+    QCOMPARE(signatures,
+             (QByteArrayList{"saveHandler()", "copyHandler()", "columnHandler(bool)",
+                             "messageHandler(QsLogging::Level,QString)", "checkBoxHandler(int)"}));
+}
+
+void TestMessageViewer::appendsRows()
+{
+    Fixture f(kThreeColumns);
+    f.add({QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")});
+    f.add({QStringLiteral("4"), QString(), QStringLiteral("6")});
+    QCOMPARE(f.tree->topLevelItemCount(), 2);
+    QCOMPARE(f.viewer.collectText(true), QStringLiteral("1 | 2 | 3\n4 |  | 6\n"));
+}
+
+void TestMessageViewer::colorsRowsByLevel_data()
+{
+    QTest::addColumn<int>("level");
+    QTest::addColumn<QColor>("direct");
+    QTest::addColumn<QColor>("throughWatcher");
+
+    const QColor black(0, 0, 0);
+    const QColor amber(115, 78, 0);
+    const QColor red(185, 0, 0);
+    QTest::newRow("trace") << int(QsLogging::TraceLevel) << red << black;
+    QTest::newRow("debug") << int(QsLogging::DebugLevel) << red << black;
+    QTest::newRow("info") << int(QsLogging::InfoLevel) << black << black;
+    QTest::newRow("warn") << int(QsLogging::WarnLevel) << amber << amber;
+    QTest::newRow("error") << int(QsLogging::ErrorLevel) << red << red;
+    QTest::newRow("fatal") << int(QsLogging::FatalLevel) << red << red;
+}
+
+void TestMessageViewer::colorsRowsByLevel()
+{
+    QFETCH(const int, level);
+    QFETCH(const QColor, direct);
+    QFETCH(const QColor, throughWatcher);
+
+    Fixture f(kThreeColumns);
+    f.viewer.addMessage(static_cast<QsLogging::Level>(level), kThreeColumns);
+    for (int column = 0; column < 3; ++column)
+        QCOMPARE(f.tree->topLevelItem(0)->foreground(column), QBrush(direct, Qt::SolidPattern));
+
+    Fixture watching;
+    watching.viewer.connectWatcher();
+    UtilsNS::watcherDestination(QStringLiteral("Text"), static_cast<QsLogging::Level>(level));
+    QTRY_COMPARE(watching.tree->topLevelItemCount(), 1);
+    QCOMPARE(watching.tree->topLevelItem(0)->foreground(0), QBrush(throughWatcher));
+}
+
+void TestMessageViewer::dropsRowsOfOtherLength_data()
+{
+    QTest::addColumn<QStringList>("labels");
+    QTest::addColumn<QStringList>("texts");
+
+    const QStringList two{QStringLiteral("x"), QStringLiteral("y")};
+    QTest::newRow("none for one") << kOneColumn << QStringList();
+    QTest::newRow("two for one") << kOneColumn << two;
+    QTest::newRow("two for three") << kThreeColumns << two;
+    QTest::newRow("four for three") << kThreeColumns << two + two;
+}
+
+void TestMessageViewer::dropsRowsOfOtherLength()
+{
+    QFETCH(const QStringList, labels);
+    QFETCH(const QStringList, texts);
+
+    Fixture f(labels);
+    f.add(labels);
+    f.add(texts);
+    QCOMPARE(f.tree->topLevelItemCount(), 1);
+    QCOMPARE(f.viewer.collectText(true), labels.join(QStringLiteral(" | ")) + QLatin1Char('\n'));
+}
+
+void TestMessageViewer::sectionsFitAllRows_data()
+{
+    QTest::addColumn<int>("rowCount");
+    QTest::addColumn<int>("wideRow");
+    QTest::addColumn<QString>("wideText");
+    QTest::addColumn<bool>("isShown");
+
+    const QString latin(60, QLatin1Char('W'));
+    const QString other(60, QChar(0x6c34)); // as wide as it is high
+    for (const bool isShown : {false, true}) {
+        const char* state = isShown ? "shown" : "hidden";
+        const auto add = [&](const char* name, int rowCount, int wideRow, const QString& text) {
+            QTest::addRow("%s, %s", name, state) << rowCount << wideRow << text << isShown;
+        };
+        add("single row", 1, 0, latin);
+        add("narrower than the header", 1, 0, QStringLiteral("x"));
+        add("first row of a short list", 40, 0, latin);
+        add("last row of a short list", 40, 39, latin);
+        add("first row of a long list", 3000, 0, latin);
+        add("middle row of a long list", 3000, 1500, latin);
+        add("last row of a long list", 3000, 2999, latin);
+        add("not of Latin letters", 3000, 1500, other);
+        add("two lines in a row", 40, 20, latin + QLatin1Char('\n') + latin);
+    }
+}
+
+void TestMessageViewer::sectionsFitAllRows()
+{
+    QFETCH(const int, rowCount);
+    QFETCH(const int, wideRow);
+    QFETCH(const QString, wideText);
+    QFETCH(const bool, isShown);
+
+    Fixture f;
+    if (isShown)
+        f.show();
+    for (int row = 0; row < rowCount; ++row)
+        f.add({row == wideRow ? wideText : QStringLiteral("line %1").arg(row)});
+    // A short list follows at once, a long one in the event loop.
+    if (rowCount > 50)
+        QApplication::processEvents();
+
+    const QAbstractItemModel* model = f.tree->model();
+    int width = f.tree->header()->sectionSizeHint(0);
+    for (int row = 0; row < rowCount; ++row)
+        width = qMax(width, f.tree->sizeHintForIndex(model->index(row, 0)).width());
+    QCOMPARE(f.tree->header()->sectionSize(0), width);
+    QCOMPARE(f.tree->header()->sectionResizeMode(0), QHeaderView::Fixed);
+}
+
+void TestMessageViewer::sectionsFitRowsAfterClear()
+{
+    Fixture f;
+    f.add({QString(60, QLatin1Char('W'))});
+    const int wide = f.tree->columnWidth(0);
+    f.action("Clear")->trigger();
+    QCOMPARE(f.tree->columnWidth(0), wide); // until the next row comes
+    f.add({QString(30, QLatin1Char('W'))});
+    QCOMPARE(f.tree->columnWidth(0),
+             f.tree->sizeHintForIndex(f.tree->model()->index(0, 0)).width());
+    QVERIFY(f.tree->columnWidth(0) < wide);
+}
+
+void TestMessageViewer::sectionsFitEachColumn()
+{
+    Fixture f(kThreeColumns);
+    const QString wide(40, QLatin1Char('W'));
+    const QString wider(50, QLatin1Char('W'));
+    f.add({wide, QStringLiteral("x"), wider});
+    f.add({QStringLiteral("x"), QStringLiteral("x"), wide});
+    // Few rows: the header's own measure sees all of them.
+    QHeaderView* header = f.tree->header();
+    QVector<int> sizes;
+    for (int column = 0; column < 3; ++column)
+        sizes.append(header->sectionSize(column));
+    header->resizeSections(QHeaderView::ResizeToContents);
+    for (int column = 0; column < 3; ++column)
+        QCOMPARE(sizes.at(column), header->sectionSize(column));
+}
+
+void TestMessageViewer::scrollsToTheLastRow_data()
+{
+    QTest::addColumn<int>("rowCount");
+    QTest::addColumn<QString>("lastText");
+    QTest::addColumn<bool>("isShown");
+
+    const QString tooWide(200, QLatin1Char('W')); // a horizontal scroll bar covers the bottom
+    for (const bool isShown : {false, true}) {
+        const char* state = isShown ? "shown" : "hidden";
+        const auto add = [&](const char* name, int rowCount, const QString& text) {
+            QTest::addRow("%s, %s", name, state) << rowCount << text << isShown;
+        };
+        add("short list", 40, QStringLiteral("last"));
+        add("long list", 3000, QStringLiteral("last"));
+        add("short list, wide last row", 40, tooWide);
+        add("long list, wide last row", 3000, tooWide);
+    }
+}
+
+void TestMessageViewer::scrollsToTheLastRow()
+{
+    QFETCH(const int, rowCount);
+    QFETCH(const QString, lastText);
+    QFETCH(const bool, isShown);
+
+    Fixture f;
+    if (isShown)
+        f.show();
+    f.addLines(rowCount - 1);
+    f.add({lastText});
+    if (rowCount <= 50)
+        QVERIFY(f.isLastRowInView());
+    for (int i = 0; i < 5; ++i) {
+        QApplication::processEvents();
+        // The rest of a hidden window's geometry follows when it is shown.
+        if (isShown || lastText == QLatin1String("last"))
+            QVERIFY(f.isLastRowInView());
+    }
+    f.show();
+    QTRY_VERIFY(f.isLastRowInView());
+}
+
+void TestMessageViewer::showsTheLastRowAfterHiddenTimes()
+{
+    Fixture f;
+    f.addLines(2999);
+    f.add({QString(200, QLatin1Char('W'))});
+    f.show(); // before the event loop ran
+    QTRY_VERIFY(f.isLastRowInView());
+    f.viewer.close();
+    f.addLines(2000);
+    f.show();
+    QTRY_VERIFY(f.isLastRowInView());
+}
+
+void TestMessageViewer::resizingKeepsTheLastRow()
+{
+    Fixture f;
+    f.show();
+    f.addLines(40);
+    for (const int height : {200, 400, 250}) {
+        f.viewer.resize(600, height);
+        QTRY_VERIFY(f.isLastRowInView());
+    }
+}
+
+void TestMessageViewer::resizingLeavesOtherRows()
+{
+    Fixture f;
+    f.show();
+    f.addLines(40);
+    f.scrollBar->setValue(3);
+    const int maximum = f.scrollBar->maximum();
+    f.viewer.resize(600, 200);
+    QTRY_VERIFY(f.scrollBar->maximum() > maximum);
+    QCOMPARE(f.scrollBar->value(), 3);
+}
+
+void TestMessageViewer::leavesTheViewAlone_data()
+{
+    QTest::addColumn<int>("rowCount");
+    QTest::newRow("short list") << 20;
+    QTest::newRow("long list") << 2000;
+}
+
+void TestMessageViewer::leavesTheViewAlone()
+{
+    QFETCH(const int, rowCount);
+
+    Fixture f;
+    f.show();
+    f.addLines(rowCount);
+    QApplication::processEvents();
+    f.checkBox->click();
+    QVERIFY(!f.checkBox->isChecked());
+    f.scrollBar->setValue(3);
+    const int maximum = f.scrollBar->maximum();
+    f.addLines(rowCount);
+    QTRY_COMPARE(f.scrollBar->maximum(), maximum + rowCount);
+    QCOMPARE(f.scrollBar->value(), 3);
+}
+
+void TestMessageViewer::checkingTheBoxJumpsToTheLastRow_data()
+{
+    leavesTheViewAlone_data();
+}
+
+void TestMessageViewer::checkingTheBoxJumpsToTheLastRow()
+{
+    QFETCH(const int, rowCount);
+
+    Fixture f;
+    f.show();
+    f.checkBox->click();
+    f.addLines(rowCount);
+    QCOMPARE(f.scrollBar->value(), 0);
+    f.checkBox->click();
+    QVERIFY(f.isLastRowInView());
+    f.addLines(1);
+    QTRY_VERIFY(f.isLastRowInView());
+}
+
+void TestMessageViewer::uncheckingTheBoxKeepsWhatCameBefore()
+{
+    Fixture f;
+    f.show();
+    f.addLines(1000);
+    f.checkBox->click();
+    QVERIFY(f.isLastRowInView());
+    const int position = f.scrollBar->value();
+    f.addLines(1000);
+    QTRY_COMPARE(f.scrollBar->maximum(), position + 1000);
+    QCOMPARE(f.scrollBar->value(), position);
+}
+
+void TestMessageViewer::hidesAndShowsColumns()
+{
+    Fixture f(kThreeColumns);
+    f.add(kThreeColumns);
+    QAction action;
+    action.setCheckable(true);
+    action.setData(1);
+    connect(&action, &QAction::triggered, &f.viewer, &MessageViewer::columnHandler);
+    action.setChecked(true);
+
+    action.trigger(); // unchecks it
+    QVERIFY(f.tree->isColumnHidden(1));
+    QVERIFY(!f.tree->isColumnHidden(0));
+    QVERIFY(!f.tree->isColumnHidden(2));
+    action.trigger();
+    QVERIFY(!f.tree->isColumnHidden(1));
+}
+
+void TestMessageViewer::collectsText_data()
+{
+    QTest::addColumn<int>("firstSelected");
+    QTest::addColumn<int>("lastSelected");
+    QTest::addColumn<QVector<int>>("hidden");
+    QTest::addColumn<QString>("all");
+    QTest::addColumn<QString>("selected");
+
+    const auto add = [](const char* name, int first, int last, const QVector<int>& hidden,
+                        const char* all, const char* selected) {
+        QTest::newRow(name) << first << last << hidden << QString::fromLatin1(all)
+                            << QString::fromLatin1(selected);
+    };
+    add("nothing selected", 0, -1, {}, "a0 | b0 | c0\na1 | b1 | c1\na2 | b2 | c2\n", "");
+    add("two of three", 1, 2, {}, "a0 | b0 | c0\na1 | b1 | c1\na2 | b2 | c2\n",
+        "a1 | b1 | c1\na2 | b2 | c2\n");
+    add("first column hidden", 0, 0, {0}, "b0 | c0\nb1 | c1\nb2 | c2\n", "b0 | c0\n");
+    add("middle column hidden", 0, 0, {1}, "a0 | c0\na1 | c1\na2 | c2\n", "a0 | c0\n");
+    add("one column left", 2, 2, {0, 2}, "b0\nb1\nb2\n", "b2\n");
+    add("all columns hidden", 0, 1, {0, 1, 2}, "\n\n\n", "\n\n");
+}
+
+void TestMessageViewer::collectsText()
+{
+    QFETCH(const int, firstSelected);
+    QFETCH(const int, lastSelected);
+    QFETCH(const QVector<int>, hidden);
+    QFETCH(const QString, all);
+    QFETCH(const QString, selected);
+
+    Fixture f(kThreeColumns);
+    QCOMPARE(f.viewer.collectText(true), QString());
+    QCOMPARE(f.viewer.collectText(false), QString());
+    for (int i = 0; i < 3; ++i) {
+        f.add({QStringLiteral("a%1").arg(i), QStringLiteral("b%1").arg(i),
+               QStringLiteral("c%1").arg(i)});
+    }
+    f.select(firstSelected, lastSelected);
+    for (const int column : hidden)
+        f.tree->setColumnHidden(column, true);
+    QCOMPARE(f.viewer.collectText(true), all);
+    QCOMPARE(f.viewer.collectText(false), selected);
+}
+
+void TestMessageViewer::copiesRows()
+{
+    Fixture f;
+    f.addLines(3);
+    const QClipboard* clipboard = QGuiApplication::clipboard();
+
+    f.action("&Copy All")->trigger();
+    QCOMPARE(clipboard->text(QClipboard::Clipboard), QStringLiteral("line 0\nline 1\nline 2\n"));
+    f.action("Copy &Selected")->trigger();
+    QCOMPARE(clipboard->text(QClipboard::Clipboard), QString());
+    f.select(1, 1);
+    f.action("Copy &Selected")->trigger();
+    QCOMPARE(clipboard->text(QClipboard::Clipboard), QStringLiteral("line 1\n"));
+}
+
+void TestMessageViewer::warnsWithoutClipboard()
+{
+    Fixture f;
+    BoxContent box;
+    const User user({readBox(&box)});
+    f.viewer.copyTo(nullptr, QStringLiteral("text"));
+    QVERIFY(user.isDone());
+    QCOMPARE(box.title, QStringLiteral("Copy Message Error"));
+    QCOMPARE(box.text, QStringLiteral("Cannot access the clipboard"));
+    QCOMPARE(box.icon, QMessageBox::Warning);
+    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+}
+
+void TestMessageViewer::savesRows_data()
+{
+    QTest::addColumn<QStringList>("lines");
+    QTest::addColumn<int>("selectedRow");
+    QTest::addColumn<QByteArray>("action");
+    QTest::addColumn<QByteArray>("content");
+
+    const QStringList ab{QStringLiteral("a"), QStringLiteral("b")};
+    const QByteArray all("Save All &As");
+    const QByteArray selected("Save &Selected As");
+    QTest::newRow("all") << ab << -1 << all << QByteArray("a\nb\n");
+    QTest::newRow("all with a selection") << ab << 0 << all << QByteArray("a\nb\n");
+    QTest::newRow("selected") << ab << 1 << selected << QByteArray("b\n");
+    QTest::newRow("nothing selected") << ab << -1 << selected << QByteArray();
+    QTest::newRow("no rows") << QStringList() << -1 << all << QByteArray();
+    QTest::newRow("line feed and blanks in a row")
+        << QStringList{QStringLiteral(" a\n ")} << -1 << all << QByteArray(" a\n \n");
+}
+
+void TestMessageViewer::savesRows()
+{
+    QFETCH(const QStringList, lines);
+    QFETCH(const int, selectedRow);
+    QFETCH(const QByteArray, action);
+    QFETCH(const QByteArray, content);
+
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("saved.txt"));
+    Fixture f;
+    for (const QString& line : lines)
+        f.add({line});
+    if (selectedRow >= 0)
+        f.select(selectedRow, selectedRow);
+    const User user({typePath(path)});
+    f.action(action.constData())->trigger();
+    QVERIFY(user.isDone());
+    QVERIFY(QFileInfo::exists(path));
+    QCOMPARE(contentOf(path), content);
+}
+
+void TestMessageViewer::asksForTheFile()
+{
+    Fixture f;
+    const User user({[&f](QWidget* dialog) {
+        const QFileDialog* fileDialog = asFileDialog(dialog);
+        QVERIFY(fileDialog != nullptr);
+        QCOMPARE(fileDialog->windowTitle(), QStringLiteral("Save Diagnostic Output"));
+        QCOMPARE(fileDialog->parentWidget(), &f.viewer);
+        QCOMPARE(fileDialog->acceptMode(), QFileDialog::AcceptSave);
+        QCOMPARE(fileDialog->fileMode(), QFileDialog::AnyFile);
+        QVERIFY(!fileDialog->testOption(QFileDialog::DontConfirmOverwrite));
+        QCOMPARE(fileDialog->nameFilters(), QFileDialog().nameFilters());
+        QCOMPARE(dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(), QString());
+        cancel()(dialog);
+    }});
+    f.action("Save All &As")->trigger();
+    QVERIFY(user.isDone());
+}
+
+void TestMessageViewer::savesInLocalEncoding()
+{
+    struct Restore
+    {
+        ~Restore() { QTextCodec::setCodecForLocale(codec); }
+        QTextCodec* codec = QTextCodec::codecForLocale();
+    };
+    const Restore restore;
+    const QTemporaryDir folder;
+    Fixture f;
+    f.add({QString(QChar(0x00e9))});
+    const QVector<QPair<QByteArray, QByteArray>> encodings{{"ISO-8859-1", "\xe9\n"},
+                                                           {"UTF-8", "\xc3\xa9\n"}};
+    for (const auto& encoding : encodings) {
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName(encoding.first));
+        const QString path = folder.filePath(QString::fromLatin1(encoding.first));
+        const User user({typePath(path)});
+        f.action("Save All &As")->trigger();
+        QVERIFY(user.isDone());
+        QCOMPARE(contentOf(path), encoding.second);
+    }
+}
+
+void TestMessageViewer::cancelledSaveWritesNothing()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("saved.txt"));
+    Fixture f;
+    f.addLines(1);
+    const User user({[&path](QWidget* dialog) {
+        dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+        cancel()(dialog);
+    }});
+    f.action("Save All &As")->trigger();
+    QVERIFY(user.isDone());
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList());
+}
+
+void TestMessageViewer::asksBeforeOverwriting()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("saved.txt"));
+    const QByteArray before("more than the rows have\n");
+    writeFile(path, before);
+    Fixture f;
+    f.addLines(1);
+
+    {
+        const User refuses({typePath(path), click(QMessageBox::No), cancel()});
+        f.action("Save All &As")->trigger();
+        QVERIFY(refuses.isDone());
+        QCOMPARE(contentOf(path), before);
+    }
+    const User agrees({typePath(path), click(QMessageBox::Yes)});
+    f.action("Save All &As")->trigger();
+    QVERIFY(agrees.isDone());
+    QCOMPARE(contentOf(path), QByteArray("line 0\n"));
+}
+
+void TestMessageViewer::warnsOfFileThatCannotBeOpened()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("missing/saved.txt"));
+    Fixture f;
+    f.addLines(1);
+    BoxContent box;
+    const User user({typePath(path), readBox(&box)});
+    f.action("Save All &As")->trigger();
+    QVERIFY(user.isDone());
+
+    QFile sameFile(path);
+    QVERIFY(!sameFile.open(QIODevice::WriteOnly));
+    QCOMPARE(box.title, QStringLiteral("Save Diagnostics Error"));
+    QCOMPARE(box.text, sameFile.errorString());
+    QCOMPARE(box.icon, QMessageBox::Warning);
+    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
+}
+
+void TestMessageViewer::remembersTheLastSavedName()
+{
+    const QTemporaryDir folder;
+    const QString saved = folder.filePath(QStringLiteral("saved.txt"));
+    const QString failed = folder.filePath(QStringLiteral("missing/failed.txt"));
+    Fixture f;
+    const auto expectStart = [](const QString& path, const User::Step& then) {
+        return [path, then](QWidget* dialog) {
+            QCOMPARE(asFileDialog(dialog)->selectedFiles(), QStringList(path));
+            then(dialog);
+        };
+    };
+    BoxContent box;
+    const User user({typePath(saved),                      // successful: remembered
+                     expectStart(saved, cancel()),         // cancelled: not
+                     expectStart(saved, typePath(failed)), // failed: not
+                     readBox(&box), expectStart(saved, cancel())});
+    for (int i = 0; i < 4; ++i)
+        f.action(i % 2 == 0 ? "Save All &As" : "Save &Selected As")->trigger();
+    QVERIFY(user.isDone());
+}
+
+void TestMessageViewer::clearKeepsTheViewerWorking()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("saved.txt"));
+    Fixture f;
+    f.addLines(200); // some of them wait for the event loop
+    f.action("Clear")->trigger();
+    QCOMPARE(f.tree->topLevelItemCount(), 0);
+    QCOMPARE(f.viewer.collectText(true), QString());
+    const User user({typePath(path)});
+    f.action("Save All &As")->trigger();
+    QVERIFY(user.isDone());
+    QCOMPARE(contentOf(path), QByteArray());
+
+    f.viewer.messageHandler(QsLogging::WarnLevel, QStringLiteral("new"));
+    QCOMPARE(f.viewer.collectText(true), QStringLiteral("new\n"));
+    QApplication::processEvents();
+    QCOMPARE(f.tree->header()->sectionSize(0), f.tree->header()->sectionSizeHint(0));
+}
+
+void TestMessageViewer::closingOnlyHides_data()
+{
+    QTest::addColumn<bool>("byAction");
+    QTest::newRow("window") << false;
+    QTest::newRow("menu") << true;
+}
+
+void TestMessageViewer::closingOnlyHides()
+{
+    QFETCH(const bool, byAction);
+
+    Fixture f;
+    f.viewer.setAttribute(Qt::WA_DeleteOnClose); // the event is ignored, so this has no effect
+    const QPointer<MessageViewer> viewer(&f.viewer);
+    f.addLines(2);
+    f.show();
+    if (byAction)
+        f.action("&Close Window")->trigger();
+    else
+        QVERIFY(!f.viewer.close());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(viewer);
+    QVERIFY(!f.viewer.isVisible());
+    f.addLines(1);
+    f.show();
+    QCOMPARE(f.viewer.collectText(true), QStringLiteral("line 0\nline 1\nline 0\n"));
+}
+
+void TestMessageViewer::shortcutsWork()
+{
+    Fixture f;
+    f.addLines(2);
+    f.show();
+    f.viewer.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&f.viewer));
+    f.tree->setFocus();
+    f.tree->setCurrentItem(f.tree->topLevelItem(1));
+
+    // The tree alone would copy its current row.
+    QTest::keyClick(f.tree, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("line 0\nline 1\n"));
+    {
+        const User user({cancel()});
+        QTest::keyClick(f.tree, Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+        QVERIFY(user.isDone());
+    }
+    f.viewer.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&f.viewer));
+    QTest::keyClick(f.tree, Qt::Key_W, Qt::ControlModifier);
+    QVERIFY(!f.viewer.isVisible());
+}
+
+// A viewer that dies with rows waiting leaves nothing behind that would touch it.
+void TestMessageViewer::rowsOutliveTheirWindowState()
+{
+    {
+        Fixture f;
+        f.viewer.connectWatcher();
+        f.addLines(500);
+        UtilsNS::watcherDestination(QStringLiteral("queued"), QsLogging::InfoLevel);
+    }
+    QApplication::processEvents();
+
+    Fixture f;
+    f.viewer.connectWatcher();
+    f.addLines(500);
+    QApplication::processEvents();
+    QCOMPARE(f.tree->topLevelItemCount(), 500);
+    QVERIFY(f.isLastRowInView());
+}
+
+void TestMessageViewer::takesLinesOfTheWatcherQueued()
+{
+    Fixture f;
+    UtilsNS::watcherDestination(QStringLiteral("before"), QsLogging::InfoLevel);
+    f.viewer.connectWatcher();
+    UtilsNS::watcherDestination(QStringLiteral("2015-06-30T14:05:09.123   Cannot read file"),
+                                QsLogging::InfoLevel);
+    UtilsNS::watcherDestination(QStringLiteral("INFO  2015-06-30T14:05:09.123 Text"),
+                                QsLogging::InfoLevel);
+    QCOMPARE(f.tree->topLevelItemCount(), 0);
+    QTRY_COMPARE(f.tree->topLevelItemCount(), 2);
+    QCOMPARE(f.viewer.collectText(true), QStringLiteral("Cannot read file\nINFO  Text\n"));
+}
+
+void TestMessageViewer::takesLinesOfOtherThreadsInOrder()
+{
+    const int lineCount = 1000;
+    Fixture f;
+    f.show();
+    f.viewer.connectWatcher();
+    const std::unique_ptr<QThread> thread(QThread::create([] {
+        for (int i = 0; i < lineCount; ++i)
+            UtilsNS::watcherDestination(QString::number(i), QsLogging::InfoLevel);
+    }));
+    thread->start();
+    QTRY_COMPARE(f.tree->topLevelItemCount(), lineCount);
+    QVERIFY(thread->wait());
+    QStringList expected;
+    for (int i = 0; i < lineCount; ++i)
+        expected.append(QString::number(i) + QLatin1Char('\n'));
+    QCOMPARE(f.viewer.collectText(true), expected.join(QString()));
+    QTRY_VERIFY(f.isLastRowInView());
+}
+
+QTEST_MAIN(TestMessageViewer)
+
+#include "tst_messageviewer.moc"
