@@ -1,0 +1,160 @@
+// Measures what the message viewer costs over its rows: the time from the first of 100,000 lines
+// until the event loop has nothing left to do, divided by the time that a bare QTreeWidget takes to
+// append the same rows. Prints medians of alternating runs, for a hidden and a shown window.
+//
+//     QT_QPA_PLATFORM=offscreen ./bench_viewer
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMetaType>
+#include <QStringList>
+#include <QTreeWidget>
+#include <QVector>
+
+#include "QsLogLevel.h"
+#include "gui/messageviewer.h"
+#include "gui/messagewatcher.h"
+
+namespace {
+
+constexpr int kLines = 100'000;
+constexpr int kRuns = 7;
+
+QStringList makeLines()
+{
+    QStringList lines;
+    lines.reserve(kLines);
+    for (int i = 0; i < kLines; ++i) {
+        lines.append(
+            QStringLiteral("INFO  Slot Reservoir %1.Outflow is aggregated with Average ").arg(i));
+    }
+    return lines;
+}
+
+// Level of line `i`, so that all colours occur.
+QsLogging::Level levelOf(int i)
+{
+    return static_cast<QsLogging::Level>(QsLogging::InfoLevel + i % 3);
+}
+
+// Until no event is left, timers that are due included.
+void drainEvents()
+{
+    for (int i = 0; i < 10; ++i)
+        QApplication::processEvents();
+}
+
+double elapsedMs(const std::function<void()>& action)
+{
+    QElapsedTimer timer;
+    timer.start();
+    action();
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+// How lines reach a list: appends all of `lines` through `append`.
+using Feed = std::function<void(const std::function<void(int)>& append)>;
+
+void feedAtOnce(const std::function<void(int)>& append)
+{
+    for (int i = 0; i < kLines; ++i)
+        append(i);
+}
+
+// The event loop runs now and then, as in a program that keeps its window alive.
+void feedInPieces(const std::function<void(int)>& append)
+{
+    for (int i = 0; i < kLines; ++i) {
+        append(i);
+        if (i % 1000 == 0)
+            QApplication::processEvents();
+    }
+}
+
+double bareMs(const Feed& feed, const QStringList& lines, bool isShown)
+{
+    static const QBrush kBrushes[] = {QBrush(Qt::black), QBrush(Qt::darkYellow),
+                                      QBrush(Qt::darkRed)};
+    QTreeWidget tree;
+    tree.setColumnCount(1);
+    tree.resize(600, 300);
+    tree.setVisible(isShown);
+    drainEvents();
+    return elapsedMs([&] {
+        feed([&](int i) {
+            auto* item = new QTreeWidgetItem;
+            item->setText(0, lines.at(i));
+            item->setForeground(0, kBrushes[i % 3]);
+            tree.addTopLevelItem(item);
+        });
+        drainEvents();
+    });
+}
+
+enum class Way { Slot, QueuedSignal };
+
+double viewerMs(Way way, const Feed& feed, const QStringList& lines, bool isShown)
+{
+    UtilsNS::MessageViewer viewer({QStringLiteral("Diagnostic Messages")}, nullptr);
+    viewer.connectWatcher();
+    viewer.setVisible(isShown);
+    drainEvents();
+    return elapsedMs([&] {
+        feed([&](int i) {
+            if (way == Way::Slot)
+                viewer.messageHandler(levelOf(i), lines.at(i));
+            else
+                Q_EMIT UtilsNS::messageWatcher.message(levelOf(i), lines.at(i));
+        });
+        drainEvents();
+    });
+}
+
+double median(QVector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+struct Case
+{
+    const char* name;
+    Way way;
+    Feed feed;
+};
+
+void report(const Case& measured, const QStringList& lines, bool isShown)
+{
+    QVector<double> bare;
+    QVector<double> viewer;
+    for (int run = 0; run < kRuns; ++run) {
+        bare.append(bareMs(measured.feed, lines, isShown));
+        viewer.append(viewerMs(measured.way, measured.feed, lines, isShown));
+    }
+    const double bareMedian = median(bare);
+    const double viewerMedian = median(viewer);
+    std::printf("%-17s %-6s  bare %7.1f ms  viewer %7.1f ms  ratio %.2f\n", measured.name,
+                isShown ? "shown" : "hidden", bareMedian, viewerMedian, viewerMedian / bareMedian);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QApplication application(argc, argv);
+    qRegisterMetaType<QsLogging::Level>("QsLogging::Level");
+    const QStringList lines = makeLines();
+    const Case cases[] = {{"slot", Way::Slot, feedAtOnce},
+                          {"slot, pieces", Way::Slot, feedInPieces},
+                          {"signal", Way::QueuedSignal, feedAtOnce},
+                          {"signal, pieces", Way::QueuedSignal, feedInPieces}};
+    for (const bool isShown : {false, true}) {
+        for (const Case& measured : cases)
+            report(measured, lines, isShown);
+    }
+    return 0;
+}
