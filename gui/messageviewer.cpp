@@ -32,15 +32,18 @@ constexpr int kMaxRowsOfShortList = 50;
 // steady stream of rows is not spent on layout.
 constexpr int kRestFactor = 4;
 
-QBrush brushOf(QsLogging::Level level)
+const QBrush& brushOf(QsLogging::Level level)
 {
+    static const QBrush kBlack(QColor(0, 0, 0));
+    static const QBrush kDarkAmber(QColor(115, 78, 0));
+    static const QBrush kDarkRed(QColor(185, 0, 0));
     switch (level) {
     case QsLogging::InfoLevel:
-        return QBrush(QColor(0, 0, 0));
+        return kBlack;
     case QsLogging::WarnLevel:
-        return QBrush(QColor(115, 78, 0));
+        return kDarkAmber;
     default:
-        return QBrush(QColor(185, 0, 0));
+        return kDarkRed;
     }
 }
 
@@ -154,7 +157,7 @@ void MessageViewer::addMessage(QsLogging::Level level, const QStringList& texts)
 {
     if (texts.size() != m_tree->columnCount())
         return;
-    const QBrush brush = brushOf(level);
+    const QBrush& brush = brushOf(level);
     auto* item = new QTreeWidgetItem;
     for (int column = 0; column < texts.size(); ++column) {
         item->setText(column, texts.at(column));
