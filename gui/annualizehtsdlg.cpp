@@ -209,7 +209,7 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::takePaths(Paths& paths) const
 AnnualizeHtsDlg::Failure AnnualizeHtsDlg::convert()
 {
     Paths paths;
-    const Failure failure = takePaths(paths);
+    Failure failure = takePaths(paths);
     if (!failure.isNone())
         return failure;
 

@@ -12,6 +12,21 @@
 
 #include "tests/support/logcollector.h"
 
+namespace {
+
+// A question is answered so that the window below goes away too.
+void answerYesOrClose(QWidget& window)
+{
+    auto* box = qobject_cast<QMessageBox*>(&window);
+    QAbstractButton* yes = box != nullptr ? box->button(QMessageBox::Yes) : nullptr;
+    if (yes != nullptr)
+        yes->click();
+    else
+        window.close();
+}
+
+} // namespace
+
 int clickThrough(QAbstractButton* button, const Visit& visit)
 {
     QVector<QPointer<QWidget>> visited;
@@ -65,7 +80,7 @@ QVector<FileDialog> chooseFile(QAbstractButton* button, const QString& name)
         if (fileDialog == nullptr) {
             dialog.caption = QLatin1String(window.metaObject()->className());
             dialogs.append(dialog);
-            return [&window] { window.close(); };
+            return [&window] { answerYesOrClose(window); };
         }
         dialog.caption = fileDialog->windowTitle();
         dialog.filters = fileDialog->nameFilters();

@@ -52,8 +52,8 @@ struct FileDialog
 };
 
 // Types the name into the dialog that the button opens and saves, or cancels when the name is
-// empty. Returns the dialogs that were up. A window that is no file dialog is closed and has its
-// class name for a caption.
+// empty. Returns the dialogs that were up. A window that is no file dialog is answered with Yes or
+// closed and has its class name for a caption.
 QVector<FileDialog> chooseFile(QAbstractButton* button, const QString& name);
 
 #endif // TESTS_GUI_MODALWINDOWS_H

@@ -59,6 +59,21 @@ void compareBox(const Box& box, const QString& title, const QString& text)
     QVERIFY(!box.hasOverrideCursor);
 }
 
+// Names of the form's widgets below `parent`, each before its own children.
+QStringList formWidgetsBelow(const QObject& parent)
+{
+    QStringList names;
+    for (const QObject* object : parent.children()) {
+        const QString name = object->objectName();
+        const bool isOfForm =
+            name.startsWith(QLatin1Char('_')) || name == QLatin1String("centralwidget") ||
+            name == QLatin1String("menubar") || name == QLatin1String("statusbar");
+        if (object->isWidgetType() && isOfForm)
+            names += QStringList(name) + formWidgetsBelow(*object);
+    }
+    return names;
+}
+
 // The cursor that is shown while the engine works, seen whenever it logs.
 bool sawWaitCursor = false;
 
@@ -188,6 +203,7 @@ void AnnualizeHtsDlgTest::init()
     m_engine = std::make_unique<AnnualizeHts>();
     m_window = std::make_unique<AnnualizeHtsDlg>(m_engine.get(), nullptr);
     m_window->show();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
 }
 
 void AnnualizeHtsDlgTest::cleanup()
@@ -232,6 +248,7 @@ void AnnualizeHtsDlgTest::compareSingleFailure(const QString& title, const QStri
     const QVector<Box> boxes = clickAndReadBoxes(button("_okButton"), log);
     QCOMPARE(boxes.size(), 1);
     compareBox(boxes.first(), title, text);
+    QVERIFY(!boxes.first().linesBefore.isEmpty());
     QCOMPARE(boxes.first().linesBefore.constLast(), text + QLatin1Char(' '));
     QCOMPARE(boxes.first().levelsBefore.constLast(), QsLogging::ErrorLevel);
     QCOMPARE(log.levels().count(QsLogging::ErrorLevel), 1);
@@ -338,21 +355,6 @@ void AnnualizeHtsDlgTest::formHasWidget()
     QVERIFY(widget->isEnabled());
 }
 
-// Names of the form's widgets below `parent`, each before its own children.
-static QStringList formWidgetsBelow(const QObject& parent)
-{
-    QStringList names;
-    for (const QObject* object : parent.children()) {
-        const QString name = object->objectName();
-        const bool isOfForm =
-            name.startsWith(QLatin1Char('_')) || name == QLatin1String("centralwidget") ||
-            name == QLatin1String("menubar") || name == QLatin1String("statusbar");
-        if (object->isWidgetType() && isOfForm)
-            names += QStringList(name) + formWidgetsBelow(*object);
-    }
-    return names;
-}
-
 void AnnualizeHtsDlgTest::formCreatesWidgetsInOrder()
 {
     const QStringList expected = {QStringLiteral("centralwidget"),
@@ -436,7 +438,6 @@ void AnnualizeHtsDlgTest::tabMovesFromTopToBottom()
                                   QStringLiteral("_helpButton"),
                                   QStringLiteral("_cancelButton"),
                                   QStringLiteral("_sourceHtsLineEdit")};
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     QStringList visited;
     lineEdit("_sourceHtsLineEdit")->setFocus();
     for (int i = 0; i < expected.size(); ++i) {
