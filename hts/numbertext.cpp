@@ -13,6 +13,10 @@
 namespace {
 
 constexpr int kDecimals = 12;
+constexpr std::uint64_t kUnits = 1000000000000; // 10^kDecimals, units of the last decimal in 1
+
+// From 2^53 on a double has no fraction.
+constexpr double kMostWhole = 9007199254740992.0;
 
 bool isSpace(char c)
 {
@@ -86,30 +90,24 @@ bool isNanWord(std::string_view text)
            lower(text[2]) == 'n';
 }
 
-// Whether `value` lies exactly between two numbers of 12 decimals. Such a number is an odd multiple
-// of 2^-13, since 10^-12 / 2 = 5^-12 * 2^-13 and a double has no factor 5 below its point.
-bool isExactHalf(double value)
-{
-    const double scaled = std::fabs(value) * 8192.0;
-    return scaled < 9007199254740992.0 && std::fmod(scaled, 2.0) == 1.0;
-}
+__extension__ typedef unsigned __int128 Uint128; // GCC and Clang have it, as an extension
 
-// Writes an exact half, which std::to_chars would round to even, rounded away from zero.
-char* writeExactHalf(char* out, double value)
+// `fraction`, from 0 up to but not including 1, in units of the last decimal that is written,
+// rounded to the nearest, up when exactly between two. All of it is exact: the fraction is an
+// integer of 53 bits over a power of two, and its product with 10^12 has 93 bits.
+std::uint64_t roundedDecimals(double fraction)
 {
-    const double magnitude = std::fabs(value);
-    const double whole = std::floor(magnitude);
-    if (value < 0.0)
-        *out++ = '-';
-    out = std::to_chars(out, out + kMaxNumberLength, static_cast<std::uint64_t>(whole)).ptr;
-    *out++ = '.';
-    // 1/8192 is 0.0001220703125: 13 decimals, the last one of an odd multiple is 5. Rounding never
-    // carries into the whole part, 8191/8192 being 0.99987...
-    const auto parts = static_cast<std::uint64_t>((magnitude - whole) * 8192.0);
-    std::uint64_t digits = (parts * 1220703125 + 5) / 10;
-    for (char* digit = out + kDecimals; digit != out; digits /= 10)
-        *--digit = static_cast<char>('0' + digits % 10);
-    return out + kDecimals;
+    constexpr int kMantissaBits = 52;
+    constexpr std::uint64_t kHiddenBit = std::uint64_t(1) << kMantissaBits;
+    std::uint64_t bits = 0;
+    static_assert(sizeof bits == sizeof fraction && std::numeric_limits<double>::is_iec559);
+    std::memcpy(&bits, &fraction, sizeof bits);
+    const std::uint64_t mantissa = (bits & (kHiddenBit - 1)) | kHiddenBit;
+    const int shift = 1075 - static_cast<int>(bits >> kMantissaBits); // 53 or more
+    if (shift > 100)
+        return 0; // below 2^-47, which is far from half a unit
+    const Uint128 half = Uint128(1) << (shift - 1);
+    return static_cast<std::uint64_t>((Uint128(mantissa) * kUnits + half) >> shift);
 }
 
 } // namespace
@@ -163,10 +161,22 @@ char* writeNumber(char* out, double value)
         std::memcpy(out, "NaN", 3);
         return out + 3;
     }
-    if (isExactHalf(value))
-        return writeExactHalf(out, value);
-    if (value == 0.0)
-        value = std::fabs(value); // drops the sign of minus zero
-    return std::to_chars(out, out + kMaxNumberLength, value, std::chars_format::fixed, kDecimals)
-        .ptr;
+    const double magnitude = std::fabs(value);
+    if (magnitude >= kMostWhole)
+        return std::to_chars(out, out + kMaxNumberLength, value, std::chars_format::fixed,
+                             kDecimals)
+            .ptr;
+    if (value < 0.0) // which minus zero is not
+        *out++ = '-';
+    auto whole = static_cast<std::uint64_t>(magnitude);
+    std::uint64_t decimals = roundedDecimals(magnitude - static_cast<double>(whole));
+    if (decimals == kUnits) {
+        decimals = 0;
+        ++whole;
+    }
+    out = std::to_chars(out, out + kMaxNumberLength, whole).ptr;
+    *out++ = '.';
+    for (char* digit = out + kDecimals; digit != out; decimals /= 10)
+        *--digit = static_cast<char>('0' + decimals % 10);
+    return out + kDecimals;
 }
