@@ -1,5 +1,6 @@
 #include "gui/messagewatcher.h"
 
+#include <QMetaMethod>
 #include <QRegExp>
 
 #include "QsLog.h"
@@ -39,9 +40,17 @@ QsLogging::Level narrowed(QsLogging::Level level)
 
 MessageWatcher messageWatcher;
 
+bool MessageWatcher::hasReceiver() const
+{
+    static const QMetaMethod kSignal = QMetaMethod::fromSignal(&MessageWatcher::message);
+    return isSignalConnected(kSignal);
+}
+
 void watcherDestination(const QString& message, QsLogging::Level level)
 {
-    Q_EMIT messageWatcher.message(narrowed(level), withoutTimeStamp(message));
+    // On the command line nobody listens, and the engine logs lines for every slot.
+    if (messageWatcher.hasReceiver())
+        Q_EMIT messageWatcher.message(narrowed(level), withoutTimeStamp(message));
 }
 
 void setVerboseLogging(bool verbose)

@@ -20,6 +20,10 @@ class MessageWatcher : public QObject
 {
     Q_OBJECT
 
+public:
+    // Whether anything is connected to the signal. Callable from any thread.
+    bool hasReceiver() const;
+
 Q_SIGNALS:
     void message(QsLogging::Level level, const QString& message);
 };
