@@ -39,6 +39,11 @@ const AggMethod* findMethodIgnoringCase(const QString& word)
 {
     // Not QString::compare without case: that also takes letters such as the long s for an s.
     const QString lowered = word.toLower();
-    return findIf(
-        [&](const AggMethod& method) { return lowered == QString(method.word).toLower(); });
+    return findIf([&](const AggMethod& method) {
+        const auto isSameLetter = [](QChar inText, char inWord) {
+            return inText == QChar::toLower(static_cast<uint>(inWord));
+        };
+        return lowered.size() == method.word.size() &&
+               std::equal(lowered.begin(), lowered.end(), method.word.begin(), isSameLetter);
+    });
 }
