@@ -1,0 +1,478 @@
+#include <QtTest>
+
+#include <algorithm>
+
+#include <QDirIterator>
+#include <QImage>
+#include <QRegularExpression>
+
+#include "tests/app/processrun.h"
+#include "tests/help/helppage.h"
+#include "tests/help/messagetexts.h"
+
+namespace {
+
+const QString kPage = QStringLiteral(SOURCE_DIR "/Help/HtsAnnualizerHelp.html");
+
+// A page that opens at once, on a phone too.
+constexpr int kLargestPage = 400 * 1000;
+
+QByteArray content(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(path));
+    return file.readAll();
+}
+
+// Paths of the program's own sources. The usage text is left out: -h shows it.
+QStringList sourceFiles()
+{
+    QStringList paths;
+    for (const char* folder : {"annualize", "app", "gui", "hts", "utils"}) {
+        QDirIterator files(QStringLiteral(SOURCE_DIR "/") + QLatin1String(folder),
+                           {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files);
+        while (files.hasNext()) {
+            const QString path = files.next();
+            if (!path.endsWith(QLatin1String("/usage.cpp")))
+                paths.append(path);
+        }
+    }
+    return paths;
+}
+
+// Attributes of the program's own pictures hold the picture itself.
+const QString kPictureStart = QStringLiteral("data:image/png;base64,");
+
+// The two numbers of a method's row in the page.
+struct MethodRow
+{
+    QString method;
+    QStringList values;
+};
+
+QVector<MethodRow> methodRows(const HelpPage& page)
+{
+    QVector<MethodRow> rows;
+    bool isInTable = false;
+    for (const PageElement& element : page.elements) {
+        if (element.name == QLatin1String("table"))
+            isInTable =
+                element.attributes.value(QStringLiteral("id")) == QLatin1String("methods-table");
+        if (!isInTable || !element.path.contains(QStringLiteral("tbody")))
+            continue;
+        if (element.name == QLatin1String("th"))
+            rows.append({element.text, {}});
+        else if (element.attributes.value(QStringLiteral("class")) == QLatin1String("number"))
+            rows.last().values.append(element.text);
+    }
+    return rows;
+}
+
+// The values of the first slot of an annual file, with four digits at most.
+QStringList firstValues(const QByteArray& annualFile)
+{
+    QStringList values;
+    bool isValue = false;
+    for (const QByteArray& line : annualFile.split('\n')) {
+        if (line == "END_COLUMN")
+            break;
+        if (isValue) {
+            const bool isMissing = line == "NaN";
+            values.append(isMissing ? QStringLiteral("NaN")
+                                    : QString::number(line.toDouble(), 'g', 5));
+        }
+        isValue = isValue || line.startsWith("method: ");
+    }
+    return values;
+}
+
+} // namespace
+
+class TestHelpPage : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void isValidHtml();
+    void isMadeFromItsTextAndPictures();
+    void standsBesideTheProgram();
+    void isSmall();
+    void needsNoOtherFileAndNoScript();
+    void linksLeadToPlacesInThePage();
+    void namesOfPlacesAreUnique();
+    void picturesHaveTheirSizeAndAText();
+    void headingsSkipNoLevel();
+    void tableHeadersSayWhatTheyHead();
+    void adaptsToPhonesAndDarkness();
+    void namesEveryMethod_data();
+    void namesEveryMethod();
+    void namesEveryOption();
+    void tellsMessage_data();
+    void tellsMessage();
+    void tellsEveryMessageOfTheSources();
+    void exampleGivesTheResultShown();
+    void methodsGiveTheNumbersShown();
+    void shellExampleConvertsAFolder();
+
+private:
+    HelpPage m_page{content(kPage)};
+};
+
+void TestHelpPage::initTestCase()
+{
+    QCOMPARE(m_page.error, QString());
+}
+
+void TestHelpPage::isValidHtml()
+{
+    QProcess tidy;
+    tidy.start(QStringLiteral("tidy"),
+               {QStringLiteral("-errors"), QStringLiteral("-quiet"), QStringLiteral("-utf8"),
+                QStringLiteral("--doctype"), QStringLiteral("html5"), kPage});
+    QVERIFY2(tidy.waitForStarted(), "tidy is missing; install the package tidy");
+    QVERIFY(tidy.waitForFinished());
+    QCOMPARE(QString::fromUtf8(tidy.readAllStandardError()), QString());
+    QCOMPARE(tidy.exitCode(), 0);
+}
+
+void TestHelpPage::isMadeFromItsTextAndPictures()
+{
+    QProcess check;
+    check.start(QStringLiteral("bash"),
+                {QStringLiteral(SOURCE_DIR "/scripts/make-help"), QStringLiteral("--check")});
+    QVERIFY(check.waitForFinished());
+    QCOMPARE(QString::fromUtf8(check.readAllStandardError()), QString());
+    QCOMPARE(check.exitCode(), 0);
+}
+
+void TestHelpPage::standsBesideTheProgram()
+{
+    const QString folder = QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path();
+    QVERIFY(content(folder + QLatin1String("/Help/HtsAnnualizerHelp.html")) == content(kPage));
+}
+
+void TestHelpPage::isSmall()
+{
+    QVERIFY(content(kPage).size() < kLargestPage);
+}
+
+void TestHelpPage::needsNoOtherFileAndNoScript()
+{
+    const QStringList allowed = {
+        QStringLiteral("a"),       QStringLiteral("body"),   QStringLiteral("br"),
+        QStringLiteral("caption"), QStringLiteral("code"),   QStringLiteral("dd"),
+        QStringLiteral("details"), QStringLiteral("dl"),     QStringLiteral("dt"),
+        QStringLiteral("em"),      QStringLiteral("figure"), QStringLiteral("figcaption"),
+        QStringLiteral("h1"),      QStringLiteral("h2"),     QStringLiteral("h3"),
+        QStringLiteral("head"),    QStringLiteral("header"), QStringLiteral("html"),
+        QStringLiteral("img"),     QStringLiteral("div"),    QStringLiteral("li"),
+        QStringLiteral("line"),    QStringLiteral("main"),   QStringLiteral("meta"),
+        QStringLiteral("nav"),     QStringLiteral("ol"),     QStringLiteral("p"),
+        QStringLiteral("pre"),     QStringLiteral("rect"),   QStringLiteral("section"),
+        QStringLiteral("strong"),  QStringLiteral("style"),  QStringLiteral("summary"),
+        QStringLiteral("svg"),     QStringLiteral("table"),  QStringLiteral("tbody"),
+        QStringLiteral("td"),      QStringLiteral("text"),   QStringLiteral("th"),
+        QStringLiteral("thead"),   QStringLiteral("title"),  QStringLiteral("tr"),
+        QStringLiteral("ul")};
+    for (const PageElement& element : qAsConst(m_page.elements)) {
+        QVERIFY2(allowed.contains(element.name), qPrintable(element.name));
+        for (auto i = element.attributes.cbegin(); i != element.attributes.cend(); ++i) {
+            const QString shown = i.key() + QLatin1String("=") + i.value().left(60);
+            if (i.key() == QLatin1String("src"))
+                QVERIFY2(i.value().startsWith(kPictureStart), qPrintable(shown));
+            else if (i.key() == QLatin1String("href"))
+                QVERIFY2(i.value().startsWith(QLatin1Char('#')), qPrintable(shown));
+            else
+                QVERIFY2(!i.value().contains(QLatin1String("://")), qPrintable(shown));
+            QVERIFY2(!i.key().startsWith(QLatin1String("on")), qPrintable(shown));
+            QVERIFY2(i.key() != QLatin1String("srcset"), qPrintable(shown));
+            QVERIFY2(i.key() != QLatin1String("http-equiv"), qPrintable(shown));
+            QVERIFY2(i.key() != QLatin1String("style"), qPrintable(shown));
+        }
+    }
+    const QString style = m_page.named(QStringLiteral("style")).first().text;
+    QVERIFY(!style.contains(QLatin1String("url(")));
+    QVERIFY(!style.contains(QLatin1String("@import")));
+}
+
+void TestHelpPage::linksLeadToPlacesInThePage()
+{
+    QStringList places;
+    for (const PageElement& element : qAsConst(m_page.elements))
+        places.append(element.attributes.value(QStringLiteral("id")));
+    for (const PageElement& element : qAsConst(m_page.elements)) {
+        const QString link = element.attributes.value(QStringLiteral("href")).mid(1);
+        const QString label = element.attributes.value(QStringLiteral("aria-labelledby"));
+        QVERIFY2(places.contains(link), qPrintable(link));
+        QVERIFY2(places.contains(label), qPrintable(label));
+    }
+}
+
+void TestHelpPage::namesOfPlacesAreUnique()
+{
+    QStringList places;
+    for (const PageElement& element : qAsConst(m_page.elements)) {
+        if (element.attributes.contains(QStringLiteral("id")))
+            places.append(element.attributes.value(QStringLiteral("id")));
+    }
+    QVERIFY(!places.isEmpty());
+    QCOMPARE(places.removeDuplicates(), 0);
+}
+
+void TestHelpPage::picturesHaveTheirSizeAndAText()
+{
+    const QVector<PageElement> pictures = m_page.named(QStringLiteral("img"));
+    QCOMPARE(pictures.size(), 3);
+    for (const PageElement& picture : pictures) {
+        const QByteArray base64 =
+            picture.attributes.value(QStringLiteral("src")).mid(kPictureStart.size()).toLatin1();
+        const QImage image = QImage::fromData(QByteArray::fromBase64(base64), "PNG");
+        QVERIFY(!image.isNull());
+        QCOMPARE(picture.attributes.value(QStringLiteral("width")), QString::number(image.width()));
+        QCOMPARE(picture.attributes.value(QStringLiteral("height")),
+                 QString::number(image.height()));
+        QVERIFY(picture.attributes.value(QStringLiteral("alt")).size() > 20);
+    }
+    for (const PageElement& drawing : m_page.named(QStringLiteral("svg"))) {
+        QCOMPARE(drawing.attributes.value(QStringLiteral("role")), QStringLiteral("img"));
+        QVERIFY(drawing.attributes.value(QStringLiteral("aria-label")).size() > 20);
+    }
+}
+
+void TestHelpPage::headingsSkipNoLevel()
+{
+    int level = 0;
+    int topHeadings = 0;
+    static const QRegularExpression heading(QStringLiteral("^h([1-6])$"));
+    for (const PageElement& element : qAsConst(m_page.elements)) {
+        const QRegularExpressionMatch match = heading.match(element.name);
+        if (!match.hasMatch())
+            continue;
+        const int next = match.captured(1).toInt();
+        QVERIFY2(next <= level + 1, qPrintable(element.text));
+        level = next;
+        topHeadings += level == 1 ? 1 : 0;
+    }
+    QCOMPARE(topHeadings, 1);
+}
+
+void TestHelpPage::tableHeadersSayWhatTheyHead()
+{
+    for (const PageElement& header : m_page.named(QStringLiteral("th"))) {
+        const bool isColumn = header.path.contains(QStringLiteral("thead"));
+        QVERIFY2(header.attributes.value(QStringLiteral("scope")) ==
+                     (isColumn ? QLatin1String("col") : QLatin1String("row")),
+                 qPrintable(header.text));
+    }
+    QCOMPARE(m_page.named(QStringLiteral("caption")).size(),
+             m_page.named(QStringLiteral("table")).size());
+}
+
+void TestHelpPage::adaptsToPhonesAndDarkness()
+{
+    QString viewport;
+    for (const PageElement& meta : m_page.named(QStringLiteral("meta"))) {
+        if (meta.attributes.value(QStringLiteral("name")) == QLatin1String("viewport"))
+            viewport = meta.attributes.value(QStringLiteral("content"));
+    }
+    QCOMPARE(viewport, QStringLiteral("width=device-width, initial-scale=1"));
+    const QString style = m_page.named(QStringLiteral("style")).first().text;
+    QVERIFY(style.contains(QLatin1String("@media (prefers-color-scheme: dark)")));
+}
+
+void TestHelpPage::namesEveryMethod_data()
+{
+    QTest::addColumn<QString>("method");
+    for (const char* method : {"Sum", "SumNaN", "Average", "AverageNaN", "Max", "MaxNaN", "Min",
+                               "MinNaN", "End", "EndNaN", "Begin", "BeginNaN", "Salinity"})
+        QTest::newRow(method) << QString::fromLatin1(method);
+}
+
+void TestHelpPage::namesEveryMethod()
+{
+    QFETCH(QString, method);
+    QVERIFY(m_page.codes().contains(method));
+}
+
+void TestHelpPage::namesEveryOption()
+{
+    const QStringList codes = m_page.codes();
+    for (const char* option : {"-c", "-h", "-i", "-l", "-o", "-v", "-y"})
+        QVERIFY2(codes.contains(QLatin1String(option)), option);
+}
+
+void TestHelpPage::tellsMessage_data()
+{
+    QTest::addColumn<QString>("text");
+    for (const char* text : {
+             // reading a file
+             "Cannot read package preamble",
+             "Cannot read run preamble",
+             "Cannot read slot preamble",
+             "Cannot read HTS file: Missing units or scale",
+             // years
+             "Source HTS File already in annual timestep",
+             "Cannot create a complete year from the input HTS file",
+             // methods
+             "Method Control File Error:",
+             "Colon not found",
+             "Method is blank",
+             "Unknown method specified",
+             "Dot separator not found",
+             "Slot name is blank",
+             "Object name is blank",
+             // conversion
+             "Sizes of input value and value map vectors are mismatched",
+             "Number of new values cannot be negative",
+             "No series slots with valid methods found in input HTS file",
+             "Input HTS file device, output annual file device, control file path, or end year "
+             "month not set",
+             "Source HTS device pointer cannot be NULL",
+             "Result annual HTS device pointer cannot be NULL",
+             "Method specification file name cannot be blank",
+             "Integer for the end of year month is out of the range 1 to 12",
+             // window
+             "Incomplete Information",
+             "Source, Result, or Control File name is not specified",
+             "Information Error",
+             "Source HTS file environment variables could not be substituted",
+             "Result HTS file environment variables could not be substituted",
+             "Method control file environment variables could not be substituted",
+             "Annualizer Configuration Error",
+             "Annualize HTS Error",
+             "Annualize HTS",
+             "Annual HTS file successfully created!",
+             "Copy Message Error",
+             "Cannot access the clipboard",
+             "Save Diagnostics Error",
+             // command line
+             "HtsAnnualizer: Invalid Usage. Use '-h' for help.",
+             "HtsAnnualizer Error: Input hts file must be specified with -i option",
+             "HtsAnnualizer Error: Output HTS file must be specified with -o option",
+             "HtsAnnualizer Error: Method control file must be specified with -o option",
+             "HtsAnnualizer Error: Input hts path environment variables could not be substituted:",
+             "HtsAnnualizer Error: Output hts path environment variables could not be substituted:",
+             "HtsAnnualizer Error: Method control path environment variables could not be "
+             "substituted:",
+             "HtsAnnualizer Error: Log file path environment variables could not be substituted:",
+             "HtsAnnualizer Error: Input hts file could not be opened for reading:",
+             "HtsAnnualizer Error: Output hts file could not be opened for writing:",
+             "HtsAnnualizer Error: Invalid end month for year specified with -y option:",
+             "HtsAnnualizer: Annual HTs file successfully created",
+         })
+        QTest::newRow(text) << QString::fromLatin1(text);
+}
+
+void TestHelpPage::tellsMessage()
+{
+    QFETCH(QString, text);
+    const QStringList codes = m_page.codes();
+    QVERIFY2(std::any_of(codes.begin(), codes.end(),
+                         [&](const QString& code) { return code.contains(text); }),
+             "not in the page");
+
+    bool isInSources = false;
+    for (const QString& path : sourceFiles()) {
+        for (const QString& literal : stringLiterals(content(path)))
+            isInSources = isInSources || literal.contains(text);
+    }
+    QVERIFY2(isInSources, "the program has no such text");
+}
+
+// A message that is new in the sources must be told in the page, or be listed here.
+void TestHelpPage::tellsEveryMessageOfTheSources()
+{
+    const QStringList noMessages = {
+        QStringLiteral("contains undefined environment variable(s):"),
+        QStringLiteral("HTS Files (*.hts);;All Files (*)"),
+        QStringLiteral("HTS Files (*.hts)"),
+        QStringLiteral("HTS Files (*.hts);;"),
+        QStringLiteral("All Files (*)"),
+        QStringLiteral("HTS Annualizer (v"),
+        QStringLiteral("Save Diagnostic Output"),
+        // pieces of messages that the page has in full
+        QStringLiteral("in line \""),
+        QStringLiteral("HtsAnnualizer Error: Problem"),
+    };
+    const QString page = m_page.bodyText();
+    int count = 0;
+    QStringList missing;
+    for (const QString& path : sourceFiles()) {
+        for (QString text : messageTexts(content(path))) {
+            ++count;
+            text.remove(QLatin1Char('&')); // marks the key of a menu entry
+            if (!noMessages.contains(text) && !page.contains(text))
+                missing.append(QFileInfo(path).fileName() + QLatin1String(": ") + text);
+        }
+    }
+    QCOMPARE(missing.join(QLatin1Char('\n')), QString());
+    QVERIFY(count > 50);
+    for (const char* verb : {"opening", "writing"}) {
+        const QString text = QStringLiteral("HtsAnnualizer Error: Problem %1 log file named")
+                                 .arg(QLatin1String(verb));
+        QVERIFY2(page.contains(text), qPrintable(text));
+    }
+}
+
+void TestHelpPage::exampleGivesTheResultShown()
+{
+    ProcessRun run;
+    run.write(QStringLiteral("lake.hts"), m_page.textOf(QStringLiteral("example-input")).toUtf8());
+    run.write(QStringLiteral("methods.txt"),
+              m_page.textOf(QStringLiteral("example-methods")).toUtf8());
+    run.environment.insert(QStringLiteral("PATH"),
+                           QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path() +
+                               QLatin1String(":/usr/bin:/bin"));
+    const QString command =
+        QStringLiteral("HtsAnnualizer -i lake.hts -c methods.txt -o annual.hts -y 9");
+    QVERIFY(m_page.codes().contains(command));
+    run.startShell(command);
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(QString::fromUtf8(run.read(QStringLiteral("annual.hts"))),
+             m_page.textOf(QStringLiteral("example-result")));
+}
+
+void TestHelpPage::methodsGiveTheNumbersShown()
+{
+    const QVector<MethodRow> rows = methodRows(m_page);
+    QCOMPARE(rows.size(), 12);
+    for (const MethodRow& row : rows) {
+        ProcessRun run;
+        run.write(QStringLiteral("a.hts"), m_page.textOf(QStringLiteral("example-input")).toUtf8());
+        run.write(QStringLiteral("c.txt"),
+                  QStringLiteral("Mill Creek.Flow: %1\n").arg(row.method).toUtf8());
+        run.start({QStringLiteral("-i"), QStringLiteral("a.hts"), QStringLiteral("-o"),
+                   QStringLiteral("b.hts"), QStringLiteral("-c"), QStringLiteral("c.txt"),
+                   QStringLiteral("-y"), QStringLiteral("9")});
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(run.read(QStringLiteral("b.hts")).contains("\nmethod: " + row.method.toUtf8()));
+        QCOMPARE(firstValues(run.read(QStringLiteral("b.hts"))), row.values);
+    }
+}
+
+void TestHelpPage::shellExampleConvertsAFolder()
+{
+    ProcessRun run;
+    QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("daily"));
+    run.write(QStringLiteral("daily/my lake.hts"),
+              m_page.textOf(QStringLiteral("example-input")).toUtf8());
+    run.write(QStringLiteral("daily/none.hts"), "no HTS file\n");
+    run.write(QStringLiteral("methods.txt"),
+              m_page.textOf(QStringLiteral("example-methods")).toUtf8());
+    run.environment.insert(QStringLiteral("PATH"),
+                           QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path() +
+                               QLatin1String(":/usr/bin:/bin"));
+    run.startShell(m_page.textOf(QStringLiteral("shell-example")));
+    QCOMPARE(run.exitCode, 0);
+    const QStringList lines = QString::fromUtf8(run.output).split(QLatin1Char('\n'));
+    QCOMPARE(lines.value(0), QStringLiteral("daily/my lake.hts: done"));
+    QCOMPARE(lines.value(1), QStringLiteral("daily/none.hts: FAILED"));
+    QVERIFY(lines.contains(QStringLiteral("Cannot read package preamble")));
+    QCOMPARE(QString::fromUtf8(run.read(QStringLiteral("annual/my lake.hts"))),
+             m_page.textOf(QStringLiteral("example-result")));
+}
+
+QTEST_GUILESS_MAIN(TestHelpPage)
+#include "tst_helppage.moc"
