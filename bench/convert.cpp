@@ -1,10 +1,11 @@
-// usage: plainconvert INPUT RESULT CONTROL MONTH
+// usage: convert READER LOG INPUT RESULT CONTROL MONTH
 //
-// The conversion of the program with the plain line-by-line reader in the place of its own; all the
-// rest is the program's.
+// The program's conversion with one thing exchanged: READER is "plain" for the plain line-by-line
+// reader, or "own"; LOG is "off" for a logger that lets nothing through, or "on".
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include <QApplication>
 #include <QFile>
@@ -16,7 +17,7 @@
 
 namespace {
 
-Status convert(QFile& source, QFile& result, const QString& controlFile, int endMonth)
+Status convert(bool isPlain, QFile& source, QFile& result, const QString& controlFile, int endMonth)
 {
     AnnualizeHts engine;
     Status status = engine.setControlFile(controlFile);
@@ -24,7 +25,7 @@ Status convert(QFile& source, QFile& result, const QString& controlFile, int end
         status = engine.setEndMonth(endMonth);
     HtsPackage input;
     if (status.ok())
-        status = plainreader::read(source, input);
+        status = isPlain ? plainreader::read(source, input) : input.read(source);
     HtsPackage output;
     if (status.ok())
         status = engine.annualizePackage(input, output);
@@ -36,23 +37,26 @@ Status convert(QFile& source, QFile& result, const QString& controlFile, int end
 int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
-    if (argc != 5) {
-        std::fprintf(stderr, "usage: plainconvert INPUT RESULT CONTROL MONTH\n");
+    if (argc != 7) {
+        std::fprintf(stderr, "usage: convert READER LOG INPUT RESULT CONTROL MONTH\n");
         return 1;
     }
-    QsLogging::Logger::instance().setLoggingLevel(QsLogging::TraceLevel);
+    const bool isPlain = std::strcmp(argv[1], "plain") == 0;
+    const bool isLogged = std::strcmp(argv[2], "on") == 0;
+    QsLogging::Logger::instance().setLoggingLevel(isLogged ? QsLogging::TraceLevel
+                                                           : QsLogging::OffLevel);
     QsLogging::Logger::instance().addDestination(
         QsLogging::DestinationFactory::MakeFunctorDestination(UtilsNS::watcherDestination));
 
-    QFile source(QString::fromLocal8Bit(argv[1]));
-    QFile result(QString::fromLocal8Bit(argv[2]));
+    QFile source(QString::fromLocal8Bit(argv[3]));
+    QFile result(QString::fromLocal8Bit(argv[4]));
     if (!source.open(QIODevice::ReadOnly | QIODevice::Text) ||
         !result.open(QIODevice::WriteOnly | QIODevice::Text)) {
         std::fprintf(stderr, "cannot open the files\n");
         return 1;
     }
     const Status status =
-        convert(source, result, QString::fromLocal8Bit(argv[3]), std::atoi(argv[4]));
+        convert(isPlain, source, result, QString::fromLocal8Bit(argv[5]), std::atoi(argv[6]));
     if (!status.ok())
         std::fprintf(stderr, "%s\n", qPrintable(status.message));
     return status.ok() ? 0 : 1;
