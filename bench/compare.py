@@ -1,0 +1,211 @@
+#!/usr/bin/env python3
+"""Compares the program with its baselines and prints one table; scripts/bench calls it.
+
+usage: compare.py BUILD_FOLDER [--runs N] [--tiny] [--only WORD]
+
+Each row runs two or more commands in turn, so that a change in the machine's speed meets all of
+them, and compares the medians. Inputs are made by htsgenerate in BUILD_FOLDER/bench/data and kept
+for the next time.
+"""
+
+import argparse
+import os
+import statistics
+import subprocess
+import sys
+import time
+from dataclasses import dataclass
+from pathlib import Path
+
+MIB = 1024 * 1024
+
+
+@dataclass
+class Shape:
+    """An input: arguments of htsgenerate, and the rules of its control file ("all" for one rule)."""
+
+    arguments: str
+    tiny: str
+    rules: str = "all"
+
+    def slots(self, tiny):
+        words = dict(word.split("=") for word in (self.tiny if tiny else self.arguments).split())
+        return int(words["slots"])
+
+
+SHAPES = {
+    "days": Shape("slots=200 steps=18262 unit=day", "slots=2 steps=800 unit=day"),
+    "days, Windows line ends": Shape("slots=200 steps=18262 unit=day lineend=windows",
+                                     "slots=2 steps=800 unit=day lineend=windows"),
+    "many slots": Shape("slots=10000 steps=120 unit=month", "slots=10 steps=24 unit=month"),
+    "many runs": Shape("runs=200 slots=50 steps=600 unit=month",
+                       "runs=3 slots=2 steps=24 unit=month"),
+    "days, 1.2 GB": Shape("slots=4000 steps=18262 unit=day", "slots=4 steps=800 unit=day"),
+    "one rule": Shape("slots=20000 steps=120 unit=month", "slots=20 steps=24 unit=month"),
+    "a rule for each slot": Shape("slots=20000 steps=120 unit=month",
+                                  "slots=20 steps=24 unit=month", rules="each"),
+    "10 KB": Shape("slots=5 steps=120 unit=month", "slots=5 steps=24 unit=month"),
+    "few years of weeks": Shape("slots=120000 steps=120 unit=week", "slots=10 steps=120 unit=week"),
+}
+
+
+class Bench:
+    def __init__(self, build, tiny, runs):
+        self.build = build
+        self.tiny = tiny
+        self.runs = runs
+        self.data = build / "bench" / "data"
+        self.data.mkdir(parents=True, exist_ok=True)
+        self.data.chmod(0o700) # as the toolkit wants its XDG_RUNTIME_DIR
+        self.environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen",
+                            "XDG_RUNTIME_DIR": str(self.data)}
+
+    def input(self, name):
+        """Paths of the input of that shape and of its control file, made when they are missing."""
+        shape = SHAPES[name]
+        arguments = shape.tiny if self.tiny else shape.arguments
+        stem = arguments.replace(" ", "_").replace("=", "")
+        path = self.data / f"{stem}.hts"
+        if not path.exists():
+            partial = path.with_suffix(".partial")
+            with open(partial, "wb") as file:
+                subprocess.run([self.build / "bench" / "htsgenerate", *arguments.split()],
+                               stdout=file, check=True)
+            partial.rename(path)
+        control = self.data / f"{stem}_{shape.rules}.txt"
+        if shape.rules == "all":
+            control.write_text("*.*: Average\n")
+        else:
+            control.write_text("".join(f"Object{slot}.Flow: Average\n"
+                                       for slot in range(shape.slots(self.tiny))))
+        return path, control
+
+    def program(self, name):
+        path, control = self.input(name)
+        return [self.build / "app" / "HtsAnnualizer", "-i", path, "-o", self.data / "annual.hts",
+                "-c", control, "-y", "12"]
+
+    def variant(self, reader, log, name):
+        path, control = self.input(name)
+        return [self.build / "bench" / "convert", reader, log, path, self.data / "variant.hts",
+                control, "12"]
+
+    def plain(self, name):
+        return self.variant("plain", "on", name)
+
+    def bound(self, name):
+        return [self.build / "bench" / "readbound", self.input(name)[0]]
+
+    def time(self, command):
+        """Seconds and peak bytes of one run."""
+        start = time.perf_counter()
+        process = subprocess.Popen(command, env=self.environment, stdout=subprocess.DEVNULL)
+        _, status, usage = os.wait4(process.pid, 0)
+        seconds = time.perf_counter() - start
+        process.returncode = os.waitstatus_to_exitcode(status)
+        if process.returncode != 0:
+            sys.exit(f"compare.py: {' '.join(map(str, command))} ended with {process.returncode}")
+        return seconds, usage.ru_maxrss * 1024
+
+    def compare(self, *commands):
+        """Median seconds of each command, and the peak bytes of the first. The commands take turns;
+        a round before the first warms the disk cache."""
+        seconds = [[] for _ in commands]
+        peak = 0
+        for run in range(self.runs + 1):
+            for index, command in enumerate(commands):
+                taken, used = self.time(command)
+                if run > 0 or self.runs == 0:
+                    seconds[index].append(taken)
+                if index == 0:
+                    peak = max(peak, used)
+        return [statistics.median(taken) for taken in seconds], peak
+
+
+@dataclass
+class Row:
+    what: str
+    measured: str
+    target: str
+    detail: str
+
+
+def whole_process(bench, shape, times_plain, times_bound):
+    (program, plain, bound), peak = bench.compare(bench.program(shape), bench.plain(shape),
+                                                  bench.bound(shape))
+    if (bench.data / "annual.hts").read_bytes() != (bench.data / "variant.hts").read_bytes():
+        sys.exit(f"compare.py: the two conversions of {shape} differ")
+    size = bench.input(shape)[0].stat().st_size
+    limit = 0.55 * size + 30 * MIB
+    detail = f"{size / 1e6:.0f} MB, {program:.3f} s"
+    return [
+        Row(f"{shape}: plain conversion / program", f"{plain / program:.1f}", f">= {times_plain}",
+            detail),
+        Row(f"{shape}: program / reading bound", f"{program / bound:.2f}", f"<= {times_bound}",
+            f"bound {bound:.3f} s"),
+        Row(f"{shape}: peak memory / limit", f"{peak / limit:.2f}", "<= 1",
+            f"{peak / MIB:.0f} MiB of 0.55 * size + 30 MiB"),
+    ]
+
+
+def growth(bench):
+    (small, large), peak = bench.compare(bench.program("days"), bench.program("days, 1.2 GB"))
+    sizes = [bench.input(name)[0].stat().st_size for name in ("days", "days, 1.2 GB")]
+    ratio = (large / sizes[1]) / (small / sizes[0])
+    return [Row("growth: time per byte, 1.2 GB / 60 MB", f"{ratio:.2f}", "<= 1.10",
+                f"{large:.2f} s for {sizes[1] / 1e9:.2f} GB")]
+
+
+def method_assignment(bench):
+    (each, one), _ = bench.compare(bench.program("a rule for each slot"), bench.program("one rule"))
+    return [Row("method assignment: 20,000 rules for 20,000 slots, share of the conversion",
+                f"{(each - one) / each:.1%}", "< 5%", f"{each:.3f} s, with one rule {one:.3f} s")]
+
+
+def log_lines(bench):
+    (logged, silent), _ = bench.compare(bench.variant("own", "on", "one rule"),
+                                        bench.variant("own", "off", "one rule"))
+    return [Row("log lines of 20,000 slots, nobody listening, share of the conversion",
+                f"{(logged - silent) / logged:.1%}", "< 20%", f"{logged:.3f} s, without {silent:.3f} s")]
+
+
+def start_up(bench):
+    bare = [bench.build / "bench" / "bareapplication"]
+    version = [bench.build / "app" / "HtsAnnualizer", "-v"]
+    (shown, small, nothing), _ = bench.compare(version, bench.program("10 KB"), bare)
+    return [
+        Row("start-up: -v / bare application", f"{shown / nothing:.2f}", "<= 1.3",
+            f"{shown * 1000:.0f} ms"),
+        Row("start-up: 10 KB conversion / bare application", f"{small / nothing:.2f}", "<= 1.3",
+            f"{small * 1000:.0f} ms"),
+    ]
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("build", type=Path)
+    parser.add_argument("--runs", type=int, default=5)
+    parser.add_argument("--tiny", action="store_true")
+    parser.add_argument("--only", default="")
+    arguments = parser.parse_args()
+    bench = Bench(arguments.build.resolve(), arguments.tiny, 1 if arguments.tiny else arguments.runs)
+
+    measurements = {
+        "days": lambda: whole_process(bench, "days", 10, 1.25),
+        "days, Windows line ends": lambda: whole_process(bench, "days, Windows line ends", 8, 1.5),
+        "many slots": lambda: whole_process(bench, "many slots", 8, 1.5),
+        "many runs": lambda: whole_process(bench, "many runs", 8, 1.5),
+        "growth": lambda: growth(bench),
+        "method assignment": lambda: method_assignment(bench),
+        "log lines": lambda: log_lines(bench),
+        "start-up": lambda: start_up(bench),
+    }
+    print(f"| what | measured | to reach | |\n|---|---|---|---|", flush=True)
+    for name, measure in measurements.items():
+        if arguments.only in name:
+            for row in measure():
+                print(f"| {row.what} | {row.measured} | {row.target} | {row.detail} |", flush=True)
+
+
+if __name__ == "__main__":
+    main()
