@@ -93,6 +93,7 @@ has_ended() {
 export HOME=$folder XDG_RUNTIME_DIR=$folder XDG_CONFIG_HOME=$folder XDG_CACHE_HOME=$folder
 chmod 700 "$folder"
 unset WAYLAND_DISPLAY XAUTHORITY SESSION_MANAGER
+export DBUS_SESSION_BUS_ADDRESS=disabled: # else the display would get a bus that stays
 
 Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$folder/display" 2>"$folder/xvfb.log" &
 started+=($!)
@@ -116,7 +117,7 @@ cp "$source_folder/examples/rivers_daily_methods.txt" "$folder/in/methods.txt" |
 
 cd "$folder" || fail "cannot enter $folder"
 env -u QT_SCALE_FACTOR -u QT_FONT_DPI -u QT_STYLE_OVERRIDE QT_QPA_PLATFORM=xcb \
-    "$program" >"$folder/program.log" 2>&1 &
+    QT_XCB_GL_INTEGRATION=none "$program" >"$folder/program.log" 2>&1 &
 program_id=$!
 started+=("$program_id")
 
