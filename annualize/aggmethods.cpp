@@ -35,15 +35,15 @@ const AggMethod* findMethod(const QString& word)
     return findIf([&](const AggMethod& method) { return word == method.word; });
 }
 
-const AggMethod* findMethodIgnoringCase(const QString& word)
+const AggMethod* findMethodIgnoringCase(QStringView word)
 {
-    // Not QString::compare without case: that also takes letters such as the long s for an s.
-    const QString lowered = word.toLower();
+    // Letters outside ASCII are never taken for one of a word, as the long s would be for an s.
+    const auto isSameLetter = [](QChar given, char letter) {
+        const auto lower = [](ushort c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
+        return lower(given.unicode()) == lower(static_cast<uchar>(letter));
+    };
     return findIf([&](const AggMethod& method) {
-        const auto isSameLetter = [](QChar inText, char inWord) {
-            return inText == QChar::toLower(static_cast<uint>(inWord));
-        };
-        return lowered.size() == method.word.size() &&
-               std::equal(lowered.begin(), lowered.end(), method.word.begin(), isSameLetter);
+        return word.size() == method.word.size() &&
+               std::equal(word.begin(), word.end(), method.word.begin(), isSameLetter);
     });
 }

@@ -5,6 +5,7 @@
 
 #include <QLatin1String>
 #include <QString>
+#include <QStringView>
 
 #include "annualize/aggvalues.h"
 
@@ -27,6 +28,6 @@ struct AggMethod
 const AggMethod* findMethod(const QString& word);
 
 // The method whose word is `word` in any letter case, or null.
-const AggMethod* findMethodIgnoringCase(const QString& word);
+const AggMethod* findMethodIgnoringCase(QStringView word);
 
 #endif // ANNUALIZE_AGGMETHODS_H

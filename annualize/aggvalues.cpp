@@ -20,6 +20,8 @@ double resultNan()
 // The values of one year, as far as they have been seen.
 struct AggValues::Year
 {
+    // `first` is the year's first value, which is still to be added. While no value is usable, it
+    // stands for the largest and the smallest.
     explicit Year(double first) : begin(first), end(first), max(first), min(first) {}
 
     void add(double value)
@@ -31,16 +33,21 @@ struct AggValues::Year
             return;
         }
         sum += value;
-        // The first value of the year starts both and may itself be missing.
-        if (!std::isfinite(min) || value < min)
+        if (!hasUsable) {
+            hasUsable = true;
+            max = value;
             min = value;
-        if (!std::isfinite(max) || value > max)
+        }
+        if (value < min)
+            min = value;
+        if (value > max)
             max = value;
     }
 
     double sum = 0.0;
     std::int64_t count = 0; // of all values, missing or not
     bool hasMissing = false;
+    bool hasUsable = false;
     double begin;
     double end;
     double max;

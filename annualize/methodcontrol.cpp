@@ -7,7 +7,8 @@
 
 namespace {
 
-const QLatin1String kAny("*");
+// Matches every object or every slot. A text already, for the look-ups of every slot.
+const QString kAny = QStringLiteral("*");
 
 Status lineFailure(const char* reason, const QString& line)
 {
@@ -37,7 +38,7 @@ Status MethodControl::readRule(const QString& line)
     if (colon < 0)
         return lineFailure("Colon not found", line);
 
-    const QString word = line.mid(colon + 1).trimmed();
+    const QStringRef word = line.midRef(colon + 1).trimmed();
     if (word.isEmpty())
         return lineFailure("Method is blank", line);
     const AggMethod* method = findMethodIgnoringCase(word);
@@ -48,10 +49,10 @@ Status MethodControl::readRule(const QString& line)
     const int dot = line.indexOf(QLatin1Char('.'));
     if (dot < 0)
         return lineFailure("Dot separator not found", line);
-    const QString slot = line.mid(dot + 1, colon - dot - 1).trimmed();
+    const QString slot = line.midRef(dot + 1, colon - dot - 1).trimmed().toString();
     if (slot.isEmpty())
         return lineFailure("Slot name is blank", line);
-    const QString object = line.left(dot).trimmed();
+    const QString object = line.leftRef(dot).trimmed().toString();
     if (object.isEmpty())
         return lineFailure("Object name is blank", line);
 
@@ -64,9 +65,9 @@ Status MethodControl::readRule(const QString& line)
 QString MethodControl::methodFor(const HtsSlot& slot) const
 {
     auto first = m_rules.constEnd();
-    for (const QString& object : {slot.objectName, slot.objectType, QString(kAny)}) {
-        for (const QString& slotName : {slot.slotName, QString(kAny)}) {
-            const auto rule = m_rules.constFind(Name(object, slotName));
+    for (const QString* object : {&slot.objectName, &slot.objectType, &kAny}) {
+        for (const QString* slotName : {&slot.slotName, &kAny}) {
+            const auto rule = m_rules.constFind(Name(*object, *slotName));
             const bool found = rule != m_rules.constEnd();
             if (found && (first == m_rules.constEnd() || rule->order < first->order))
                 first = rule;

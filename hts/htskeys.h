@@ -2,10 +2,13 @@
 #define HTS_HTSKEYS_H
 
 #include <array>
+#include <string_view>
 
 #include <QLatin1String>
 #include <QString>
 #include <QTextStream>
+
+#include "hts/linetext.h"
 
 struct HtsPackage;
 struct HtsRun;
@@ -38,15 +41,30 @@ extern const QLatin1String kEndColumn;
 extern const QLatin1String kEndSlot;
 extern const QLatin1String kEndRun;
 
-// Gives the value of `line` to the first key that the line begins with; a line that begins with
-// none is ignored.
+inline std::string_view bytesOf(QLatin1String text)
+{
+    return {text.data(), static_cast<std::size_t>(text.size())};
+}
+
+// Whether `line` begins with `key`; takes the key off if so.
+inline bool takeKey(std::string_view& line, QLatin1String key)
+{
+    const std::string_view keyBytes = bytesOf(key);
+    const bool isThere = line.substr(0, keyBytes.size()) == keyBytes;
+    if (isThere)
+        line.remove_prefix(keyBytes.size());
+    return isThere;
+}
+
+// Gives the value of `line`, the text bytes of a line, to the first key that it begins with; a line
+// that begins with none is ignored.
 template<typename Model, std::size_t count>
-void readKeywordLine(const std::array<HtsKey<Model>, count>& keys, const QString& line,
+void readKeywordLine(const std::array<HtsKey<Model>, count>& keys, std::string_view line,
                      Model& model)
 {
     for (const HtsKey<Model>& key : keys) {
-        if (line.startsWith(key.key)) {
-            key.read(model, line.mid(key.key.size()));
+        if (takeKey(line, key.key)) {
+            key.read(model, toText(line));
             return;
         }
     }

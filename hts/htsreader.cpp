@@ -3,10 +3,12 @@
 // leaves it behind the last line used.
 
 #include <algorithm>
+#include <utility>
 
 #include "hts/htskeys.h"
 #include "hts/htspackage.h"
 #include "hts/linereader.h"
+#include "hts/linetext.h"
 #include "hts/numbertext.h"
 
 namespace {
@@ -23,10 +25,10 @@ bool readKeywordLines(LineReader& reader, const std::array<HtsKey<Model>, count>
                       QLatin1String endLine, Model& model)
 {
     for (;;) {
-        const QString line = reader.text();
-        if (line.isEmpty())
+        const std::string_view line = textBytes(reader.line());
+        if (line.empty())
             return false;
-        if (line == endLine)
+        if (line == bytesOf(endLine))
             return true;
         readKeywordLine(keys, line, model);
     }
@@ -82,6 +84,24 @@ void readTableRows(LineReader& reader, int count, QStringList& rows)
     }
 }
 
+// Lets equal texts of neighbours share their memory.
+template<typename Text>
+void shareIfEqual(Text& text, const Text& other)
+{
+    if (text == other)
+        text = other;
+}
+
+void shareTexts(HtsSlot& slot, const HtsSlot& neighbour)
+{
+    shareIfEqual(slot.objectType, neighbour.objectType);
+    shareIfEqual(slot.objectName, neighbour.objectName);
+    shareIfEqual(slot.slotType, neighbour.slotType);
+    shareIfEqual(slot.slotName, neighbour.slotName);
+    shareIfEqual(slot.units, neighbour.units);
+    shareIfEqual(slot.methods, neighbour.methods);
+}
+
 } // namespace
 
 Status HtsPackage::read(QIODevice& device)
@@ -114,11 +134,10 @@ Status HtsPackage::readRun(LineReader& reader, int runIndex)
 {
     HtsRun& run = runs[runIndex];
     Status status = run.readPreamble(reader);
-    // Runs mostly have the timesteps of the run before.
-    if (runIndex > 0 && run.timesteps == runs.at(runIndex - 1).timesteps)
-        run.timesteps = runs.at(runIndex - 1).timesteps;
+    if (runIndex > 0)
+        shareIfEqual(run.timesteps, runs.at(runIndex - 1).timesteps);
     while (status.ok()) {
-        if (reader.nextIs({kEndRun.data(), static_cast<std::size_t>(kEndRun.size())})) {
+        if (reader.nextIs(bytesOf(kEndRun))) {
             reader.line();
             break;
         }
@@ -144,7 +163,7 @@ Status HtsPackage::readSlot(LineReader& reader, int runIndex)
             slots.append(slot);
         slotValues.emplace_back();
         // Deliberately without a test for the end of the input: a table must end with its line.
-        while (reader.text() != kEndSlot) {
+        while (textBytes(reader.line()) != bytesOf(kEndSlot)) {
         }
         return status;
     }
@@ -169,8 +188,11 @@ Status HtsPackage::readSlot(LineReader& reader, int runIndex)
     }
     if (status.ok())
         reader.line(); // "END_SLOT", not looked at
-    if (isFirstRun)
-        slots.append(slot);
+    if (isFirstRun) {
+        if (!slots.isEmpty())
+            shareTexts(slot, slots.constLast());
+        slots.append(std::move(slot));
+    }
     return status;
 }
 
@@ -221,12 +243,14 @@ Status HtsPackage::readColumnHeader(QIODevice& device, QString& units, double& s
 Status HtsPackage::readColumnHeader(LineReader& reader, QString& units, double& scale,
                                     QString& method)
 {
-    const QString unitsLine = reader.text();
-    const QString scaleLine = reader.text();
-    if (!unitsLine.startsWith(kUnitsKey) || !scaleLine.startsWith(kScaleKey))
+    std::string_view line = textBytes(reader.line());
+    const bool hasUnits = takeKey(line, kUnitsKey);
+    const QString unitsText = hasUnits ? toText(line) : QString();
+    line = textBytes(reader.line());
+    if (!takeKey(line, kScaleKey) || !hasUnits)
         return failure(kBadColumnHeader);
-    units = unitsLine.mid(kUnitsKey.size());
-    scale = scaleLine.mid(kScaleKey.size()).toDouble();
+    units = unitsText;
+    scale = lineToNumber(line);
     // A value line can't begin with this letter. Nor is the key itself checked: the line loses as
     // many characters as the key has, whatever they are.
     if (reader.nextByteIs('m'))

@@ -42,4 +42,7 @@ struct HtsRun
     QStringList timesteps;
 };
 
+// A vector of these may grow by moving their bytes.
+Q_DECLARE_TYPEINFO(HtsRun, Q_MOVABLE_TYPE);
+
 #endif // HTS_HTSRUN_H

@@ -47,4 +47,7 @@ struct HtsSlot
     QStringList methods;
 };
 
+// A vector of these may grow by moving their bytes.
+Q_DECLARE_TYPEINFO(HtsSlot, Q_MOVABLE_TYPE);
+
 #endif // HTS_HTSSLOT_H

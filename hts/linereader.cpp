@@ -5,6 +5,7 @@
 
 #include <QIODevice>
 
+#include "hts/linetext.h"
 #include "hts/numbertext.h"
 
 namespace {

@@ -10,6 +10,10 @@
 #include <limits>
 #include <system_error>
 
+#include <QString>
+
+#include "hts/linetext.h"
+
 namespace {
 
 constexpr int kDecimals = 12;
@@ -17,11 +21,6 @@ constexpr std::uint64_t kUnits = 1000000000000; // 10^kDecimals, units of the la
 
 // From 2^53 on a double has no fraction.
 constexpr double kMostWhole = 9007199254740992.0;
-
-bool isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
 
 bool isDigit(char c)
 {
@@ -111,22 +110,6 @@ std::uint64_t roundedDecimals(double fraction)
 }
 
 } // namespace
-
-std::string_view stripped(std::string_view bytes)
-{
-    while (!bytes.empty() && isSpace(bytes.front()))
-        bytes.remove_prefix(1);
-    while (!bytes.empty() && isSpace(bytes.back()))
-        bytes.remove_suffix(1);
-    return bytes;
-}
-
-QString decodedText(std::string_view line)
-{
-    const auto limit = static_cast<std::size_t>(std::numeric_limits<int>::max() / 4);
-    const std::string_view beforeNul = line.substr(0, std::min(line.find('\0'), limit));
-    return QString::fromUtf8(beforeNul.data(), static_cast<int>(beforeNul.size()));
-}
 
 const char* readPlainNumber(const char* first, const char* last, double& value)
 {

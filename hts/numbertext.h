@@ -4,19 +4,10 @@
 #include <cstddef>
 #include <string_view>
 
-#include <QString>
+// Numbers from and to HTS lines. All of it is independent of the locale.
 
-// Numbers and texts of HTS lines. All of it is independent of the locale.
-
-// The bytes without white space (blank, tab, CR, LF, VT, FF) at both ends.
-std::string_view stripped(std::string_view bytes);
-
-// The text of a stripped line: UTF-8, each bad byte replaced by U+FFFD, a byte order mark at the
-// start dropped, everything from a NUL byte on left out.
-QString decodedText(std::string_view line);
-
-// The number that a line names after stripping: what QString::toDouble makes of decodedText, so 0
-// for a text that is no number.
+// The number that a line names after stripping: what QString::toDouble makes of its text, so 0 for
+// a text that is no number.
 double lineToNumber(std::string_view line);
 
 // Reads a plain decimal number from the start of [first, last) and sets `value`. Returns where the

@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include "hts/linereader.h"
+#include "hts/linetext.h"
 #include "hts/numbertext.h"
 #include "tests/hts/packagecompare.h"
 #include "tests/hts/randomhts.h"

@@ -1,0 +1,50 @@
+#include "hts/linetext.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+
+bool isSpace(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+bool hasByteOrderMark(std::string_view bytes)
+{
+    return bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark;
+}
+
+} // namespace
+
+std::string_view stripped(std::string_view bytes)
+{
+    while (!bytes.empty() && isSpace(bytes.front()))
+        bytes.remove_prefix(1);
+    while (!bytes.empty() && isSpace(bytes.back()))
+        bytes.remove_suffix(1);
+    return bytes;
+}
+
+std::string_view textBytes(std::string_view line)
+{
+    // A QString has no more than so many characters.
+    constexpr std::size_t kMostBytes = std::numeric_limits<int>::max() / 4;
+    if (hasByteOrderMark(line))
+        line.remove_prefix(kByteOrderMark.size());
+    return line.substr(0, std::min(line.find('\0'), kMostBytes));
+}
+
+QString toText(std::string_view bytes)
+{
+    const QString text = QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
+    // The toolkit drops the mark at the start of any text, but here it is in the middle of a line.
+    return hasByteOrderMark(bytes) ? QChar(QChar::ByteOrderMark) + text : text;
+}
+
+QString decodedText(std::string_view line)
+{
+    return toText(textBytes(line));
+}

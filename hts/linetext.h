@@ -1,0 +1,25 @@
+#ifndef HTS_LINETEXT_H
+#define HTS_LINETEXT_H
+
+#include <string_view>
+
+#include <QString>
+
+// The text of a line of an HTS file, from its bytes: UTF-8, each bad byte replaced by U+FFFD, a
+// byte order mark at the start dropped, everything from a NUL byte on left out.
+//
+// Keys are ASCII, so they are compared as bytes and only what is kept becomes a QString.
+
+// The bytes without white space (blank, tab, CR, LF, VT, FF) at both ends.
+std::string_view stripped(std::string_view bytes);
+
+// The bytes of a stripped line that make its text. Empty just when the text is.
+std::string_view textBytes(std::string_view line);
+
+// The text of the rest of textBytes(line) from anywhere behind a whole character on.
+QString toText(std::string_view bytes);
+
+// The text of a stripped line.
+QString decodedText(std::string_view line);
+
+#endif // HTS_LINETEXT_H
