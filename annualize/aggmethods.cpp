@@ -6,19 +6,19 @@
 namespace {
 
 const AggMethod kMethods[] = {
-    {QLatin1String("Sum"), &AggValues::sum, true},
-    {QLatin1String("SumNaN"), &AggValues::sumNan, true},
-    {QLatin1String("Average"), &AggValues::average, false},
-    {QLatin1String("AverageNaN"), &AggValues::averageNan, false},
-    {QLatin1String("Max"), &AggValues::max, false},
-    {QLatin1String("MaxNaN"), &AggValues::maxNan, false},
-    {QLatin1String("Min"), &AggValues::min, false},
-    {QLatin1String("MinNaN"), &AggValues::minNan, false},
-    {QLatin1String("End"), &AggValues::end, false},
-    {QLatin1String("EndNaN"), &AggValues::endNan, false},
-    {QLatin1String("Begin"), &AggValues::begin, false},
-    {QLatin1String("BeginNaN"), &AggValues::beginNan, false},
-    {QLatin1String("Salinity"), nullptr, false},
+    {QStringLiteral("Sum"), &AggValues::sum, true},
+    {QStringLiteral("SumNaN"), &AggValues::sumNan, true},
+    {QStringLiteral("Average"), &AggValues::average, false},
+    {QStringLiteral("AverageNaN"), &AggValues::averageNan, false},
+    {QStringLiteral("Max"), &AggValues::max, false},
+    {QStringLiteral("MaxNaN"), &AggValues::maxNan, false},
+    {QStringLiteral("Min"), &AggValues::min, false},
+    {QStringLiteral("MinNaN"), &AggValues::minNan, false},
+    {QStringLiteral("End"), &AggValues::end, false},
+    {QStringLiteral("EndNaN"), &AggValues::endNan, false},
+    {QStringLiteral("Begin"), &AggValues::begin, false},
+    {QStringLiteral("BeginNaN"), &AggValues::beginNan, false},
+    {QStringLiteral("Salinity"), nullptr, false},
 };
 
 template<typename Predicate>
@@ -38,9 +38,9 @@ const AggMethod* findMethod(const QString& word)
 const AggMethod* findMethodIgnoringCase(QStringView word)
 {
     // Letters outside ASCII are never taken for one of a word, as the long s would be for an s.
-    const auto isSameLetter = [](QChar given, char letter) {
+    const auto isSameLetter = [](QChar given, QChar letter) {
         const auto lower = [](ushort c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
-        return lower(given.unicode()) == lower(static_cast<uchar>(letter));
+        return lower(given.unicode()) == lower(letter.unicode());
     };
     return findIf([&](const AggMethod& method) {
         return word.size() == method.word.size() &&

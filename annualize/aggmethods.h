@@ -3,7 +3,6 @@
 
 #include <vector>
 
-#include <QLatin1String>
 #include <QString>
 #include <QStringView>
 
@@ -13,8 +12,8 @@
 // file, the aggregation and the driver.
 struct AggMethod
 {
-    // In canonical case.
-    QLatin1String word;
+    // In canonical case. Copies share their memory.
+    QString word;
     // The result of an aggregation that the method stands for; null for "Salinity", which is a
     // known word without an aggregation.
     const std::vector<double>& (AggValues::*result)() const;

@@ -58,20 +58,28 @@ Status MethodControl::readRule(const QString& line)
 
     const Name name(object, slot);
     if (!m_rules.contains(name))
-        m_rules.insert(name, {m_rules.size(), method->word});
+        m_rules.insert(name, {m_rules.size(), method});
+    m_hasAnyObject = m_hasAnyObject || object == kAny;
+    m_hasAnySlot = m_hasAnySlot || slot == kAny;
     return {};
 }
 
 QString MethodControl::methodFor(const HtsSlot& slot) const
 {
-    auto first = m_rules.constEnd();
-    for (const QString* object : {&slot.objectName, &slot.objectType, &kAny}) {
-        for (const QString* slotName : {&slot.slotName, &kAny}) {
-            const auto rule = m_rules.constFind(Name(*object, *slotName));
-            const bool found = rule != m_rules.constEnd();
-            if (found && (first == m_rules.constEnd() || rule->order < first->order))
-                first = rule;
-        }
-    }
-    return first == m_rules.constEnd() ? QString() : first->method;
+    const Rule* first = nullptr;
+    const auto tryName = [&](const QString& object, const QString& slotName) {
+        const auto rule = m_rules.constFind(Name(object, slotName));
+        if (rule != m_rules.constEnd() && (first == nullptr || rule->order < first->order))
+            first = &*rule;
+    };
+    const auto tryObject = [&](const QString& object) {
+        tryName(object, slot.slotName);
+        if (m_hasAnySlot)
+            tryName(object, kAny);
+    };
+    tryObject(slot.objectName);
+    tryObject(slot.objectType);
+    if (m_hasAnyObject)
+        tryObject(kAny);
+    return first == nullptr ? QString() : first->method->word;
 }

@@ -9,6 +9,7 @@
 #include "hts/status.h"
 
 class QIODevice;
+struct AggMethod;
 
 // The rules of a method control file: which aggregation method each slot gets. A rule is a line
 // "Object.Slot: method". Object or slot may be "*" for all; the object may be an object type, for
@@ -28,7 +29,7 @@ private:
     struct Rule
     {
         int order; // place in the file, counted from 0
-        QString method;
+        const AggMethod* method;
     };
     using Name = QPair<QString, QString>; // object, slot
 
@@ -36,6 +37,9 @@ private:
 
     // Only the first rule of each name; a later one can't come to bear.
     QHash<Name, Rule> m_rules;
+    // Whether there is a rule for "*", so that slots need not be looked up under it.
+    bool m_hasAnyObject = false;
+    bool m_hasAnySlot = false;
 };
 
 #endif // ANNUALIZE_METHODCONTROL_H

@@ -10,9 +10,11 @@ for the next time.
 
 import argparse
 import os
+import shutil
 import statistics
 import subprocess
 import sys
+import tempfile
 import time
 from dataclasses import dataclass
 from pathlib import Path
@@ -57,6 +59,9 @@ class Bench:
         self.data = build / "bench" / "data"
         self.data.mkdir(parents=True, exist_ok=True)
         self.data.chmod(0o700) # as the toolkit wants its XDG_RUNTIME_DIR
+        # Results go to memory where that is possible: the disk is not what is measured.
+        memory = Path("/dev/shm")
+        self.results = Path(tempfile.mkdtemp(dir=memory if memory.is_dir() else None))
         self.environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen",
                             "XDG_RUNTIME_DIR": str(self.data)}
 
@@ -82,12 +87,12 @@ class Bench:
 
     def program(self, name):
         path, control = self.input(name)
-        return [self.build / "app" / "HtsAnnualizer", "-i", path, "-o", self.data / "annual.hts",
+        return [self.build / "app" / "HtsAnnualizer", "-i", path, "-o", self.results / "annual.hts",
                 "-c", control, "-y", "12"]
 
     def variant(self, reader, log, name):
         path, control = self.input(name)
-        return [self.build / "bench" / "convert", reader, log, path, self.data / "variant.hts",
+        return [self.build / "bench" / "convert", reader, log, path, self.results / "variant.hts",
                 control, "12"]
 
     def plain(self, name):
@@ -133,18 +138,18 @@ class Row:
 def whole_process(bench, shape, times_plain, times_bound):
     (program, plain, bound), peak = bench.compare(bench.program(shape), bench.plain(shape),
                                                   bench.bound(shape))
-    if (bench.data / "annual.hts").read_bytes() != (bench.data / "variant.hts").read_bytes():
+    if (bench.results / "annual.hts").read_bytes() != (bench.results / "variant.hts").read_bytes():
         sys.exit(f"compare.py: the two conversions of {shape} differ")
     size = bench.input(shape)[0].stat().st_size
-    limit = 0.55 * size + 30 * MIB
+    limit = min(0.55 * size + 30 * MIB, 0.6 * size + 25 * MIB)
     detail = f"{size / 1e6:.0f} MB, {program:.3f} s"
     return [
         Row(f"{shape}: plain conversion / program", f"{plain / program:.1f}", f">= {times_plain}",
             detail),
         Row(f"{shape}: program / reading bound", f"{program / bound:.2f}", f"<= {times_bound}",
             f"bound {bound:.3f} s"),
-        Row(f"{shape}: peak memory / limit", f"{peak / limit:.2f}", "<= 1",
-            f"{peak / MIB:.0f} MiB of 0.55 * size + 30 MiB"),
+        Row(f"{shape}: peak memory / limit (0.55 * size + 30 MiB, 0.6 * size + 25 MiB)", f"{peak / limit:.2f}", "<= 1",
+            f"{peak / MIB:.0f} MiB of {limit / MIB:.0f} MiB"),
     ]
 
 
@@ -181,6 +186,15 @@ def start_up(bench):
     ]
 
 
+def viewer(bench):
+    """bench_viewer alternates the viewer and the bare tree itself and prints a row for each case."""
+    runs = "1" if bench.tiny else str(max(bench.runs, 5))
+    output = subprocess.run([bench.build / "bench" / "viewer" / "bench_viewer", runs],
+                            env=bench.environment, stdout=subprocess.PIPE, check=True, text=True)
+    print(output.stdout)
+    return []
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build", type=Path)
@@ -199,10 +213,18 @@ def main():
         "method assignment": lambda: method_assignment(bench),
         "log lines": lambda: log_lines(bench),
         "start-up": lambda: start_up(bench),
+        "viewer": lambda: viewer(bench),
     }
-    print(f"| what | measured | to reach | |\n|---|---|---|---|", flush=True)
+    try:
+        show(measurements, arguments.only)
+    finally:
+        shutil.rmtree(bench.results)
+
+
+def show(measurements, only):
+    print("| what | measured | to reach | |\n|---|---|---|---|", flush=True)
     for name, measure in measurements.items():
-        if arguments.only in name:
+        if only in name:
             for row in measure():
                 print(f"| {row.what} | {row.measured} | {row.target} | {row.detail} |", flush=True)
 
