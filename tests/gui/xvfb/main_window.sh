@@ -1,75 +1,29 @@
 #!/usr/bin/env bash
 # Drives the built program by keyboard on an X server of its own: one conversion of the daily
-# example with water years, then the main window is closed while the diagnostics window is open.
+# example with water years, its diagnostics saved to a file, then the main window is closed while
+# the diagnostics window is open.
 #
 #     main_window.sh PROGRAM SOURCE_FOLDER
 #
-# Needs the Debian packages xvfb, xdotool and openbox. Any number may run at a time: each takes the
-# next free display and a temporary folder.
+# Needs the Debian packages xvfb, xdotool and openbox.
 set -u
 
-program=$(realpath "$1")
-source_folder=$(realpath "$2")
-deadline_seconds=90 # for the whole run; a slow instrumented build takes a few
-
-fail() {
+die() {
     echo "FAIL: $*" >&2
     exit 1
 }
 
+program=$(realpath "$1")
+source_folder=$(realpath "$2")
+test_folder=$source_folder/tests/gui/xvfb
+
 for tool in Xvfb xdotool openbox; do
     command -v "$tool" >/dev/null ||
-        fail "$tool is missing; install the packages xvfb, xdotool and openbox"
+        die "$tool is missing; install the packages xvfb, xdotool and openbox"
 done
 
-folder=$(mktemp -d) || fail "no temporary folder"
-started=()
-
-# Ends what is still running, latest first: the program before its server.
-clean_up() {
-    for ((i = ${#started[@]} - 1; i >= 0; --i)); do
-        kill "${started[i]}" 2>/dev/null
-        wait "${started[i]}" 2>/dev/null
-    done
-    rm -rf "$folder"
-}
-trap clean_up EXIT
-trap 'exit 1' INT TERM HUP
-
-# until_true WHAT COMMAND... repeats the command until it succeeds.
-until_true() {
-    local what=$1
-    shift
-    until "$@"; do
-        ((SECONDS < deadline_seconds)) || fail "waited in vain for $what"
-        [[ -z ${program_id:-} ]] || kill -0 "$program_id" 2>/dev/null ||
-            fail "the program ended while waiting for $what: $(cat "$folder/program.log")"
-        sleep 0.02
-    done
-}
-
-# Sets window_id to the one visible window with exactly this title.
-find_window() {
-    local ids
-    ids=$(xdotool search --onlyvisible --name "^$1\$" 2>/dev/null) || return 1
-    [[ $ids =~ ^[0-9]+$ ]] || return 1
-    window_id=$ids
-}
-
-has_no_window() {
-    [[ -z $(xdotool search --onlyvisible --name "^$1\$" 2>/dev/null) ]]
-}
-
-is_focused() {
-    [[ $(xdotool getwindowfocus 2>/dev/null) == "$window_id" ]]
-}
-
-# Waits for the window and gives it the keyboard.
-focus_window() {
-    until_true "the window '$1'" find_window "$1"
-    xdotool windowactivate "$window_id" || fail "cannot activate '$1'"
-    until_true "the keyboard in '$1'" is_focused
-}
+# shellcheck source-path=SCRIPTDIR source=xserver.sh
+. "$test_folder/xserver.sh"
 
 # Prints the window manager's frame of the window in front, at the corner where all windows are put.
 frame_in_front() {
@@ -88,38 +42,14 @@ has_ended() {
     ! kill -0 "$1" 2>/dev/null
 }
 
-# ---- server and window manager ----
-
-export HOME=$folder XDG_RUNTIME_DIR=$folder XDG_CONFIG_HOME=$folder XDG_CACHE_HOME=$folder
-chmod 700 "$folder"
-unset WAYLAND_DISPLAY XAUTHORITY SESSION_MANAGER
-export DBUS_SESSION_BUS_ADDRESS=disabled: # else the display would get a bus that stays
-
-Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$folder/display" 2>"$folder/xvfb.log" &
-started+=($!)
-until_true "the X server" test -s "$folder/display"
-DISPLAY=:$(<"$folder/display")
-export DISPLAY
-
-openbox --sm-disable >"$folder/openbox.log" 2>&1 &
-started+=($!)
-has_window_manager() {
-    # Answered by a window manager alone.
-    xdotool get_num_desktops >/dev/null 2>&1
-}
-until_true "the window manager" has_window_manager
-
-# ---- the program ----
+start_x_server 1024x768x24
 
 mkdir "$folder/in" "$folder/out"
-cp "$source_folder/examples/rivers_daily.hts" "$folder/in/rivers.hts" || fail "no example"
-cp "$source_folder/examples/rivers_daily_methods.txt" "$folder/in/methods.txt" || fail "no example"
+cp "$source_folder/examples/rivers_daily.hts" "$folder/in/rivers.hts" || die "no example"
+cp "$source_folder/examples/rivers_daily_methods.txt" "$folder/in/methods.txt" || die "no example"
 
-cd "$folder" || fail "cannot enter $folder"
-env -u QT_SCALE_FACTOR -u QT_FONT_DPI -u QT_STYLE_OVERRIDE QT_QPA_PLATFORM=xcb \
-    QT_XCB_GL_INTEGRATION=none "$program" >"$folder/program.log" 2>&1 &
-program_id=$!
-started+=("$program_id")
+cd "$folder" || die "cannot enter $folder"
+start_program "$program"
 
 # The keyboard starts in the first field; two steps lead past each button to the next field, and
 # in the list of months the S stands for September alone.
@@ -139,10 +69,10 @@ find_box() {
 }
 until_true "a message box" find_box
 box_title=$(xdotool getwindowname "$window_id")
-[[ $box_title == "Annualize HTS" ]] || fail "the box is titled '$box_title'"
+[[ $box_title == "Annualize HTS" ]] || die "the box is titled '$box_title'"
 cmp "$folder/out/annual.hts" "$source_folder/tests/app/golden/rivers_september.expected" ||
-    fail "the annual file is not as expected"
-[[ $(ls "$folder/out") == annual.hts ]] || fail "more than the annual file was written"
+    die "the annual file is not as expected"
+[[ $(ls "$folder/out") == annual.hts ]] || die "more than the annual file was written"
 
 focus_window "Annualize HTS"
 xdotool key Return
@@ -150,7 +80,7 @@ until_true "the box to close" has_no_window "Annualize HTS"
 
 # From the button that was pressed the next one is "Show Diagnostics".
 focus_window "HTS Annualizer \(v1\.1\)"
-[[ $window_id == "$main_window_id" ]] || fail "the main window is another one"
+[[ $window_id == "$main_window_id" ]] || die "the main window is another one"
 xdotool key Tab space
 until_true "the diagnostics window" find_window "HTS Annualizer Diagnostics"
 diagnostics_id=$window_id
@@ -163,12 +93,22 @@ until_true "the main window in front" is_behind "$diagnostics_frame"
 xdotool key space
 until_true "the diagnostics window in front" is_in_front "$diagnostics_frame"
 
+# The file holds the lines of the conversion, as in the window: with their level and without
+# their time.
+focus_window "HTS Annualizer Diagnostics"
+xdotool key ctrl+shift+s
+focus_window "Save Diagnostic Output"
+xdotool type "diagnostics.txt"
+xdotool key Return
+until_true "the dialog to close" has_no_window "Save Diagnostic Output"
+diff "$test_folder/main_window.expected" "$folder/diagnostics.txt" ||
+    die "the diagnostics are not as expected"
+
 focus_window "HTS Annualizer \(v1\.1\)"
 xdotool key alt+F4
-main_id=$program_id
-program_id= # may end from now on
-until_true "the program to end" has_ended "$main_id"
-wait "$main_id"
+must_run=() # the program may end from now on
+until_true "the program to end" has_ended "$program_id"
+wait "$program_id"
 exit_code=$?
-[[ $exit_code == 0 ]] || fail "the exit code is $exit_code: $(cat "$folder/program.log")"
+[[ $exit_code == 0 ]] || die "the exit code is $exit_code: $(cat "$folder/program.log")"
 echo "PASS"
