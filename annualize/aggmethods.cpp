@@ -35,15 +35,15 @@ const AggMethod* findMethod(const QString& word)
     return findIf([&](const AggMethod& method) { return word == method.word; });
 }
 
-const AggMethod* findMethodIgnoringCase(QStringView word)
+const AggMethod* findMethodIgnoringCase(std::string_view word)
 {
     // Letters outside ASCII are never taken for one of a word, as the long s would be for an s.
-    const auto isSameLetter = [](QChar given, QChar letter) {
+    const auto isSameLetter = [](char given, QChar letter) {
         const auto lower = [](ushort c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
-        return lower(given.unicode()) == lower(letter.unicode());
+        return lower(static_cast<uchar>(given)) == lower(letter.unicode());
     };
     return findIf([&](const AggMethod& method) {
-        return word.size() == method.word.size() &&
+        return word.size() == static_cast<std::size_t>(method.word.size()) &&
                std::equal(word.begin(), word.end(), method.word.begin(), isSameLetter);
     });
 }

@@ -1,10 +1,10 @@
 #ifndef ANNUALIZE_AGGMETHODS_H
 #define ANNUALIZE_AGGMETHODS_H
 
+#include <string_view>
 #include <vector>
 
 #include <QString>
-#include <QStringView>
 
 #include "annualize/aggvalues.h"
 
@@ -26,7 +26,7 @@ struct AggMethod
 // The method whose word is exactly `word`, or null.
 const AggMethod* findMethod(const QString& word);
 
-// The method whose word is `word` in any letter case, or null.
-const AggMethod* findMethodIgnoringCase(QStringView word);
+// The method whose word is `word` (UTF-8) in any letter case, or null.
+const AggMethod* findMethodIgnoringCase(std::string_view word);
 
 #endif // ANNUALIZE_AGGMETHODS_H

@@ -43,9 +43,10 @@ public:
     const std::vector<double>& min() const { return m_min; }
     const std::vector<double>& minNan() const { return m_minNan; }
     const std::vector<double>& end() const { return m_end; }
-    // The last (first) value of the year as it is, missing or not.
+    // The last value of the year as it is, missing or not.
     const std::vector<double>& endNan() const { return m_endNan; }
     const std::vector<double>& begin() const { return m_begin; }
+    // The first value of the year as it is, missing or not.
     const std::vector<double>& beginNan() const { return m_beginNan; }
 
 private:

@@ -15,12 +15,12 @@ class QIODevice;
 
 // The engine behind both front ends: converts an HTS file into one with a yearly timestep.
 //
-//     AnnualizeHts engine;
-//     Status status = engine.setSourceDevice(&source);        // open for reading
-//     status = engine.setControlFile("methods.txt");
-//     status = engine.setResultDevice(&result);               // open for writing
-//     status = engine.setEndMonth(9);                         // water years
-//     status = engine.annualize();
+//     AnnualizeHts engine;                                   // each call returns a Status
+//     engine.setSourceDevice(&source);                       // open for reading
+//     engine.setControlFile(QStringLiteral("methods.txt"));
+//     engine.setResultDevice(&result);                       // open for writing
+//     engine.setEndMonth(9);                                 // water years
+//     const Status status = engine.annualize();
 //
 // It opens and closes no device but the control file, keeps nothing but its settings from one
 // conversion to the next, and logs what it does at Info level; failures are returned, not logged.
@@ -58,8 +58,9 @@ public:
 
     // Finds the complete years of `inputRun`. Appends a number for each of its timesteps to
     // `valueMap`, which should be empty, and sets the timing of `annualRun` to one timestep for
-    // each complete year. Fails for an input that is annual already, and when there is no complete
-    // year; `annualRun` is then unchanged.
+    // each complete year; its `trace` and `complete` stay. Fails for an input that is annual
+    // already, for a list of timesteps shorter than their number, and when there is no complete
+    // year; `annualRun` is then unchanged and `valueMap` may be partly filled.
     Status calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& valueMap,
                                     HtsRun& annualRun) const;
 
@@ -69,8 +70,6 @@ public:
     Status assignMethods(const QVector<HtsSlot>& slots, QStringList& methods) const;
 
 private:
-    class SlotLoop;
-
     QIODevice* m_source = nullptr;
     QIODevice* m_result = nullptr;
     QString m_controlFile;

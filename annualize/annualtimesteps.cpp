@@ -11,8 +11,6 @@ namespace {
 
 const QLatin1String kAlreadyAnnual("Source HTS File already in annual timestep");
 const QLatin1String kNoCompleteYear("Cannot create a complete year from the input HTS file");
-// The reader's message for a run that has fewer timesteps than it announces.
-const QLatin1String kTimestepsMissing("Cannot read run preamble");
 
 const QLatin1String kMonthUnit("month");
 const QLatin1String kWeekUnit("week");
@@ -42,9 +40,9 @@ QDateTime endOfFirstTimestep(const QDateTime& yearStart, const QString& unit)
     return yearStart.addDays(unit == kWeekUnit ? 7 : 1);
 }
 
-// Whether the last timestep of a run completes the year that ends at `yearEnd`. A week must end
-// before the year does, deliberately: weeks rarely end with the year, and the one that contains the
-// year's end counts to the next year.
+// Whether the last timestep of a run completes the year that ends at `yearEnd`. The last week must
+// end before the year does: one that ends with the year to the minute deliberately doesn't complete
+// it, although it counts to that year when more weeks follow.
 bool completesYear(const QDateTime& lastTimestep, const QDateTime& yearEnd, const QString& unit)
 {
     if (unit == kWeekUnit)
@@ -113,7 +111,7 @@ Status AnnualizeHts::calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& 
     if (inputRun.timeStepUnit == kYearUnit)
         return failure(kAlreadyAnnual);
     if (inputRun.timesteps.size() < inputRun.timeStepCount)
-        return failure(kTimestepsMissing);
+        return failure(HtsRun::kBadPreamble);
 
     QLOG_INFO() << "Starting calculation of new annual timesteps";
     QLOG_INFO().noquote() << QLatin1String("Using ") + monthName(m_endMonth) +

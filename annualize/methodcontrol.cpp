@@ -4,16 +4,17 @@
 
 #include "annualize/aggmethods.h"
 #include "hts/linereader.h"
+#include "hts/linetext.h"
 
 namespace {
 
 // Matches every object or every slot. A text already, for the look-ups of every slot.
 const QString kAny = QStringLiteral("*");
 
-Status lineFailure(const char* reason, const QString& line)
+Status lineFailure(const char* reason, std::string_view line)
 {
     return failure(QLatin1String("Method Control File Error: ") + QLatin1String(reason) +
-                   QLatin1String(" in line \n\"") + line + QLatin1Char('"'));
+                   QLatin1String(" in line \n\"") + toText(line) + QLatin1Char('"'));
 }
 
 } // namespace
@@ -22,8 +23,8 @@ Status MethodControl::read(QIODevice& device)
 {
     LineReader reader(device);
     while (!reader.atEnd()) {
-        const QString line = reader.text().trimmed();
-        if (line.isEmpty())
+        const std::string_view line = stripped(textBytes(reader.line()));
+        if (line.empty())
             continue;
         Status status = readRule(line);
         if (!status.ok())
@@ -32,35 +33,37 @@ Status MethodControl::read(QIODevice& device)
     return {};
 }
 
-Status MethodControl::readRule(const QString& line)
+// Names lose the white space that the reader of HTS files takes off its lines, and nothing else, so
+// that every slot can be named.
+Status MethodControl::readRule(std::string_view line)
 {
-    const int colon = line.lastIndexOf(QLatin1Char(':'));
-    if (colon < 0)
+    const std::size_t colon = line.rfind(':');
+    if (colon == std::string_view::npos)
         return lineFailure("Colon not found", line);
 
-    const QStringRef word = line.midRef(colon + 1).trimmed();
-    if (word.isEmpty())
+    const std::string_view word = stripped(line.substr(colon + 1));
+    if (word.empty())
         return lineFailure("Method is blank", line);
     const AggMethod* method = findMethodIgnoringCase(word);
     if (method == nullptr)
         return lineFailure("Unknown method specified", line);
 
     // No method has a dot, so a dot stands before the colon.
-    const int dot = line.indexOf(QLatin1Char('.'));
-    if (dot < 0)
+    const std::size_t dot = line.find('.');
+    if (dot == std::string_view::npos)
         return lineFailure("Dot separator not found", line);
-    const QString slot = line.midRef(dot + 1, colon - dot - 1).trimmed().toString();
-    if (slot.isEmpty())
+    const std::string_view slot = stripped(line.substr(dot + 1, colon - dot - 1));
+    if (slot.empty())
         return lineFailure("Slot name is blank", line);
-    const QString object = line.leftRef(dot).trimmed().toString();
-    if (object.isEmpty())
+    const std::string_view object = stripped(line.substr(0, dot));
+    if (object.empty())
         return lineFailure("Object name is blank", line);
 
-    const Name name(object, slot);
+    const Name name(toText(object), toText(slot));
     if (!m_rules.contains(name))
         m_rules.insert(name, {m_rules.size(), method});
-    m_hasAnyObject = m_hasAnyObject || object == kAny;
-    m_hasAnySlot = m_hasAnySlot || slot == kAny;
+    m_hasAnyObject = m_hasAnyObject || name.first == kAny;
+    m_hasAnySlot = m_hasAnySlot || name.second == kAny;
     return {};
 }
 

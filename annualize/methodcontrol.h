@@ -1,6 +1,8 @@
 #ifndef ANNUALIZE_METHODCONTROL_H
 #define ANNUALIZE_METHODCONTROL_H
 
+#include <string_view>
+
 #include <QHash>
 #include <QPair>
 #include <QString>
@@ -33,7 +35,7 @@ private:
     };
     using Name = QPair<QString, QString>; // object, slot
 
-    Status readRule(const QString& line);
+    Status readRule(std::string_view line);
 
     // Only the first rule of each name; a later one can't come to bear.
     QHash<Name, Rule> m_rules;

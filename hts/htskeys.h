@@ -2,6 +2,7 @@
 #define HTS_HTSKEYS_H
 
 #include <array>
+#include <cstddef>
 #include <string_view>
 
 #include <QLatin1String>

@@ -4,7 +4,7 @@
 
 namespace {
 
-// `index` as a position in a container of `size` elements, or -1.
+// Whether `index` is the position of an element of `container`.
 template<typename Container>
 bool holds(const Container& container, int index)
 {

@@ -77,7 +77,7 @@ struct HtsPackage
     QString name;
     QString owner;
     QString description;
-    QDateTime createDate;
+    QDateTime createDate; // in UTC; null when absent or no date-time
     // As the file announces it; below zero counts as none.
     int numberOfRuns = 0;
     QVector<HtsRun> runs;

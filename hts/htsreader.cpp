@@ -14,7 +14,6 @@
 namespace {
 
 const QLatin1String kBadPackagePreamble("Cannot read package preamble");
-const QLatin1String kBadRunPreamble("Cannot read run preamble");
 const QLatin1String kBadSlotPreamble("Cannot read slot preamble");
 const QLatin1String kBadColumnHeader("Cannot read HTS file: Missing units or scale");
 
@@ -34,8 +33,8 @@ bool readKeywordLines(LineReader& reader, const std::array<HtsKey<Model>, count>
     }
 }
 
-// Takes from `text` at `position` as many digits as are there, at most `most`. Digits of any script
-// count, as in the regular expression class \d.
+// Counts the digits of `text` from `position` on, up to `most`. Digits of any script count, as in
+// the regular expression class \d.
 int countDigits(const QString& text, int position, int most)
 {
     int count = 0;
@@ -84,24 +83,6 @@ void readTableRows(LineReader& reader, int count, QStringList& rows)
     }
 }
 
-// Lets equal texts of neighbours share their memory.
-template<typename Text>
-void shareIfEqual(Text& text, const Text& other)
-{
-    if (text == other)
-        text = other;
-}
-
-void shareTexts(HtsSlot& slot, const HtsSlot& neighbour)
-{
-    shareIfEqual(slot.objectType, neighbour.objectType);
-    shareIfEqual(slot.objectName, neighbour.objectName);
-    shareIfEqual(slot.slotType, neighbour.slotType);
-    shareIfEqual(slot.slotName, neighbour.slotName);
-    shareIfEqual(slot.units, neighbour.units);
-    shareIfEqual(slot.methods, neighbour.methods);
-}
-
 } // namespace
 
 Status HtsPackage::read(QIODevice& device)
@@ -134,8 +115,9 @@ Status HtsPackage::readRun(LineReader& reader, int runIndex)
 {
     HtsRun& run = runs[runIndex];
     Status status = run.readPreamble(reader);
-    if (runIndex > 0)
-        shareIfEqual(run.timesteps, runs.at(runIndex - 1).timesteps);
+    // Runs mostly have the timesteps of the run before and may share their memory.
+    if (runIndex > 0 && run.timesteps == runs.at(runIndex - 1).timesteps)
+        run.timesteps = runs.at(runIndex - 1).timesteps;
     while (status.ok()) {
         if (reader.nextIs(bytesOf(kEndRun))) {
             reader.line();
@@ -190,7 +172,7 @@ Status HtsPackage::readSlot(LineReader& reader, int runIndex)
         reader.line(); // "END_SLOT", not looked at
     if (isFirstRun) {
         if (!slots.isEmpty())
-            shareTexts(slot, slots.constLast());
+            slot.shareTexts(slots.constLast());
         slots.append(std::move(slot));
     }
     return status;
@@ -207,12 +189,12 @@ Status HtsRun::readPreamble(LineReader& reader)
     if (!complete)
         complete = readKeywordLines(reader, kRunKeys, kEndRunPreamble, *this);
     if (!complete)
-        return failure(kBadRunPreamble);
+        return failure(HtsRun::kBadPreamble);
     for (int step = 0; step < timeStepCount; ++step) {
         const QString line = reader.text();
         complete = isTimestepText(line);
         if (!complete)
-            return failure(kBadRunPreamble);
+            return failure(HtsRun::kBadPreamble);
         timesteps.append(line);
     }
     return {};
@@ -250,7 +232,7 @@ Status HtsPackage::readColumnHeader(LineReader& reader, QString& units, double& 
     if (!takeKey(line, kScaleKey) || !hasUnits)
         return failure(kBadColumnHeader);
     units = unitsText;
-    scale = lineToNumber(line);
+    scale = toText(line).toDouble();
     // A value line can't begin with this letter. Nor is the key itself checked: the line loses as
     // many characters as the key has, whatever they are.
     if (reader.nextByteIs('m'))

@@ -2,6 +2,7 @@
 #define HTS_HTSRUN_H
 
 #include <QDateTime>
+#include <QLatin1String>
 #include <QString>
 #include <QStringList>
 
@@ -15,7 +16,11 @@ class QTextStream;
 // run's slots are in HtsPackage::values.
 struct HtsRun
 {
-    // Reads the run preamble and the timestep lines. Fails with "Cannot read run preamble".
+    // What is told of a run that can't be read, or that has fewer timesteps than it announces.
+    static constexpr QLatin1String kBadPreamble = QLatin1String("Cannot read run preamble");
+
+    // Reads the run preamble and the timestep lines. Fails with kBadPreamble; the timesteps before
+    // a bad one are kept.
     Status readPreamble(QIODevice& device);
     Status readPreamble(LineReader& reader);
     // Writes what readPreamble reads. Always succeeds.
@@ -26,7 +31,7 @@ struct HtsRun
     bool complete = false;
     // Number of the trace, -1 when the run has none.
     int trace = -1;
-    // First and last timestep, in UTC (see datetimetext.h); null when absent.
+    // First and last timestep, in UTC (see datetimetext.h); null when absent or no date-time.
     QDateTime start;
     QDateTime end;
     // "month", "week", "year"; the engine treats any other word like a day.

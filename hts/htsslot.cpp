@@ -1,5 +1,16 @@
 #include "hts/htsslot.h"
 
+namespace {
+
+template<typename Text>
+void shareIfEqual(Text& text, const Text& other)
+{
+    if (text == other)
+        text = other;
+}
+
+} // namespace
+
 bool HtsSlot::isSeries() const
 {
     return slotType.isEmpty() || slotType == QLatin1String("SeriesSlot");
@@ -20,4 +31,14 @@ int HtsSlot::numRows() const
     if (isSeries())
         return -1;
     return isTable() ? rows : 1;
+}
+
+void HtsSlot::shareTexts(const HtsSlot& neighbour)
+{
+    shareIfEqual(objectType, neighbour.objectType);
+    shareIfEqual(objectName, neighbour.objectName);
+    shareIfEqual(slotType, neighbour.slotType);
+    shareIfEqual(slotName, neighbour.slotName);
+    shareIfEqual(units, neighbour.units);
+    shareIfEqual(methods, neighbour.methods);
 }

@@ -15,7 +15,8 @@ class QTextStream;
 // the values are in HtsPackage::values.
 struct HtsSlot
 {
-    // Reads the slot preamble and the rows of a table slot. Fails with "Cannot read slot preamble".
+    // Reads the slot preamble and the rows of a table slot; behind the end of the input up to 4096
+    // empty rows. Fails with "Cannot read slot preamble".
     Status readPreamble(QIODevice& device);
     Status readPreamble(LineReader& reader);
     // Writes what readPreamble reads. Always succeeds.
@@ -29,6 +30,10 @@ struct HtsSlot
     int numColumns() const;
     // `rows` of a table slot, -1 for a series slot (the run's timeStepCount holds), else 1.
     int numRows() const;
+
+    // Lets texts that are equal to those of `neighbour` share their memory. Files have millions of
+    // slots of a few types and units.
+    void shareTexts(const HtsSlot& neighbour);
 
     // Set when "END_SLOT_PREAMBLE" has been read.
     bool preambleRead = false;

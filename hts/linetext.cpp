@@ -30,7 +30,7 @@ std::string_view stripped(std::string_view bytes)
 
 std::string_view textBytes(std::string_view line)
 {
-    // A QString has no more than so many characters.
+    // Well within what a QString holds, whose size is an int and whose memory counts in bytes.
     constexpr std::size_t kMostBytes = std::numeric_limits<int>::max() / 4;
     if (hasByteOrderMark(line))
         line.remove_prefix(kByteOrderMark.size());

@@ -13,7 +13,8 @@
 // The bytes without white space (blank, tab, CR, LF, VT, FF) at both ends.
 std::string_view stripped(std::string_view bytes);
 
-// The bytes of a stripped line that make its text. Empty just when the text is.
+// The bytes of a stripped line that make its text, half a gigabyte at most. Empty just when the
+// text is.
 std::string_view textBytes(std::string_view line);
 
 // The text of the rest of textBytes(line) from anywhere behind a whole character on.

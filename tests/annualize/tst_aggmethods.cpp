@@ -73,7 +73,7 @@ void AggMethodsTest::findsWordInAnyCase_data()
 void AggMethodsTest::findsWordInAnyCase()
 {
     QFETCH(QString, text);
-    const AggMethod* method = findMethodIgnoringCase(text);
+    const AggMethod* method = findMethodIgnoringCase(text.toStdString());
     QVERIFY(method != nullptr);
     QTEST(QString(method->word), "word");
 }
@@ -101,7 +101,7 @@ void AggMethodsTest::otherWordsAreNoMethod()
 {
     QFETCH(QString, text);
     QVERIFY(findMethod(text) == nullptr);
-    QVERIFY(findMethodIgnoringCase(text) == nullptr);
+    QVERIFY(findMethodIgnoringCase(text.toStdString()) == nullptr);
     QVERIFY(findMethod(text.toLower()) == nullptr);
 }
 
