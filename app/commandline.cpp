@@ -268,7 +268,7 @@ int Conversion::run()
     return status.ok() ? kSuccess : kError;
 }
 
-int convert(const Options& options, AnnualizeHts& engine)
+int runConversion(const Options& options, AnnualizeHts& engine)
 {
     Conversion conversion(options, engine);
     const Status status = conversion.prepare();
@@ -326,5 +326,5 @@ int runCommandLine(int argumentCount, const char* const* arguments, AnnualizeHts
     case Options::Request::Conversion:
         break;
     }
-    return convert(options, engine);
+    return runConversion(options, engine);
 }

@@ -1,5 +1,7 @@
 // The program's entry: sets up what both front ends need and starts one of them.
 
+#include <algorithm>
+
 #include <QApplication>
 #include <QMetaType>
 
@@ -35,11 +37,14 @@ int runMainWindow(AnnualizeHts& engine)
 
 int main(int argc, char* argv[])
 {
-    // Any argument asks for the command line, one that the toolkit takes for itself included.
+    openStandardStreams();
+    // Any argument asks for the command line. All of them are the program's own: the toolkit would
+    // take out options such as -style or -platform, and might end the process over one.
     const bool hasWindow = argc == 1;
     if (!hasWindow)
         prepareForNoWindow();
-    const QApplication application(argc, argv);
+    int toolkitArgc = std::min(argc, 1);
+    const QApplication application(toolkitArgc, argv);
     chooseTextEncoding();
 
     AnnualizeHts engine;

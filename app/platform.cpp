@@ -7,7 +7,9 @@
 #include <QtGlobal>
 
 #ifdef Q_OS_UNIX
+#include <fcntl.h>
 #include <langinfo.h>
+#include <unistd.h>
 #endif
 
 namespace {
@@ -21,6 +23,18 @@ void showFatalOnly(QtMsgType type, const QMessageLogContext&, const QString& mes
 }
 
 } // namespace
+
+void openStandardStreams()
+{
+#ifdef Q_OS_UNIX
+    // A file gets the lowest free number.
+    int descriptor = 0;
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+        descriptor = ::open("/dev/null", O_RDWR);
+    if (descriptor > STDERR_FILENO)
+        ::close(descriptor);
+#endif
+}
 
 void prepareForNoWindow()
 {

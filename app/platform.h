@@ -3,6 +3,10 @@
 
 // What the process sets up around the application object, in the order of the calls.
 
+// First of all: a standard stream that the process was started without gets an empty file, so that
+// no file opened later takes its number, and with it what is printed.
+void openStandardStreams();
+
 // Before the application object is made, when there will be no window: the toolkit then needs no
 // display and keeps its warnings to itself.
 void prepareForNoWindow();

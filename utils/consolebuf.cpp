@@ -18,7 +18,7 @@ bool writeToConsole(const char* bytes, std::size_t count)
         const ssize_t written = ::write(STDOUT_FILENO, bytes, count);
         if (written < 0 && errno == EINTR)
             continue;
-        if (written < 0)
+        if (written <= 0)
             return false;
         bytes += written;
         count -= static_cast<std::size_t>(written);

@@ -6,12 +6,12 @@
 
 namespace UtilsNS {
 
-// The stream buffer under std::cout of a program that starts without a console. The first flush
-// prepares an output, and each flush writes to it what has gathered; a program that prints nothing
-// gets no output.
+// The stream buffer under std::cout of a program that may have no console. Nothing is written
+// before a flush, so that a program that prints nothing needs no console.
 //
-// The output is the process's standard output, which every Unix process has. So no terminal is ever
-// created here and the destructor has none to keep open.
+// A flush writes to the process's standard output. No terminal is ever created here, so the
+// destructor has none to keep open for the user. When a write fails, all bytes of the flush are
+// kept, those already written included, and the stream goes bad.
 //
 // For the main thread alone.
 class consolebuf : public std::basic_streambuf<char>
