@@ -42,6 +42,7 @@ public:
     class Helper
     {
     public:
+        // `level` is below OffLevel.
         explicit Helper(Level level);
         ~Helper();
         Helper(const Helper&) = delete;
