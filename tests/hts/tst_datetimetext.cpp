@@ -5,7 +5,7 @@
 #include <QtTest>
 
 #include "hts/datetimetext.h"
-#include "tests/hts/timezone.h"
+#include "tests/support/timezone.h"
 
 namespace {
 

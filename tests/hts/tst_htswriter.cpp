@@ -1,5 +1,7 @@
 #include <cmath>
+#include <cstddef>
 #include <limits>
+#include <utility>
 
 #include <QBuffer>
 #include <QLocale>
@@ -10,6 +12,7 @@
 #include "hts/htspackage.h"
 #include "tests/hts/packagecompare.h"
 #include "tests/hts/randomhts.h"
+#include "tests/hts/samplefile.h"
 
 namespace {
 
@@ -95,12 +98,15 @@ QByteArray writtenColumns(const HtsPackage& package)
 
 } // namespace
 
+Q_DECLARE_METATYPE(HtsValues)
+
 class HtsWriterTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void writesWholeFile();
+    void writesRunsOfDifferentLength();
     void writesPackagePreamble_data();
     void writesPackagePreamble();
     void writesRunPreamble_data();
@@ -109,6 +115,9 @@ private Q_SLOTS:
     void writesSlotPreamble();
     void writesValues();
     void writesAsManyValuesAsTheRunHasTimesteps();
+    void missingValuesAreWrittenAsNaN_data();
+    void missingValuesAreWrittenAsNaN();
+    void columnsWithoutHeaderAreWrittenEmpty();
     void writesScale_data();
     void writesScale();
     void methodLineOnlyWithMethod();
@@ -126,33 +135,46 @@ private Q_SLOTS:
 
 void HtsWriterTest::writesWholeFile()
 {
-    HtsSlot slot = series(QStringLiteral("Outflow"));
-    slot.methods[0] = QStringLiteral("Average");
-    HtsPackage package = packageOf(slot, 3, {12.5, kNaN, 14.0});
-    package.name = QStringLiteral("Basin study");
-    package.owner = QStringLiteral("planning");
-    package.description = QStringLiteral("monthly flows");
-    package.createDate = utc(2015, 4, 1);
-    HtsRun& run = package.runs[0];
-    run.start = utc(2000, 2, 1);
-    run.end = utc(2000, 4, 1);
-    run.timeStepUnit = QStringLiteral("month");
-    run.unitQuantity = 1;
-    run.consecutive = 1;
-    run.idxSequential = 1;
-    run.timesteps =
-        QStringList{QStringLiteral("2000-1-31 24:00"), QStringLiteral("2000-2-29 24:00"),
-                    QStringLiteral("2000-3-31 24:00")};
+    QCOMPARE(written(samplePackage()), kSampleFile);
+}
+
+// Each run has as many rows as its own timesteps.
+void HtsWriterTest::writesRunsOfDifferentLength()
+{
+    HtsPackage package = packageOf(series(QStringLiteral("First")), 2, {});
+    package.numberOfRuns = 2;
+    HtsRun second = package.run(0);
+    second.trace = 4;
+    second.timeStepCount = 3;
+    second.timesteps.append(QStringLiteral("2000-3-1 6:00"));
+    package.runs.append(second);
+    package.slots.append(series(QStringLiteral("Second")));
+    package.slots[1].units[0] = QStringLiteral("m");
+    package.values = {{{{1.0, 2.0}}, {{3.0, 4.0}}}, {{{5.0, 6.0, 7.0}}, {{8.0, kNaN, 10.0}}}};
+
+    const auto runText = [](const QByteArray& firstKey, int steps, const QByteArray& timesteps) {
+        return QByteArray(firstKey + "start:\nend:\ntime_step_unit:\nunit_quantity:0\ntime_steps:" +
+                          QByteArray::number(steps) +
+                          "\nconsecutive:-1\nidx_sequential:-1\nEND_RUN_PREAMBLE\n" + timesteps);
+    };
+    const auto slotText = [](const QByteArray& name, const QByteArray& units,
+                             const QByteArray& values) {
+        return QByteArray("object_type: Reservoir\nobject_name: Lake A\nslot_type: SeriesSlot\n"
+                          "slot_name: " +
+                          name + "\nEND_SLOT_PREAMBLE\nunits: " + units + "\nscale: 1\n" + values +
+                          "END_COLUMN\nEND_SLOT\n");
+    };
+    const QByteArray twoSteps = "2000-1-1 6:00\n2000-2-1 6:00\n";
     QCOMPARE(written(package),
-             QByteArray("name:Basin study\nowner:planning\ndescription:monthly flows\n"
-                        "create_date:2015-3-31 24:00\nnumber_of_runs:1\nEND_PACKAGE_PREAMBLE\n"
-                        "start:2000-1-31 24:00\nend:2000-3-31 24:00\ntime_step_unit:month\n"
-                        "unit_quantity:1\ntime_steps:3\nconsecutive:1\nidx_sequential:1\n"
-                        "END_RUN_PREAMBLE\n2000-1-31 24:00\n2000-2-29 24:00\n2000-3-31 24:00\n"
-                        "object_type: Reservoir\nobject_name: Lake A\nslot_type: SeriesSlot\n"
-                        "slot_name: Outflow\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n"
-                        "method: Average\n12.500000000000\nNaN\n14.000000000000\nEND_COLUMN\n"
-                        "END_SLOT\nEND_RUN\n"));
+             QByteArray(
+                 "name:\nowner:\ndescription:\ncreate_date:\nnumber_of_runs:2\n"
+                 "END_PACKAGE_PREAMBLE\n" +
+                 runText("", 2, twoSteps) +
+                 slotText("First", "cms", "1.000000000000\n2.000000000000\n") +
+                 slotText("Second", "m", "3.000000000000\n4.000000000000\n") + "END_RUN\n" +
+                 runText("trace:4\n", 3, twoSteps + "2000-3-1 6:00\n") +
+                 slotText("First", "cms", "5.000000000000\n6.000000000000\n7.000000000000\n") +
+                 slotText("Second", "m", "8.000000000000\nNaN\n10.000000000000\n") + "END_RUN\n"));
 }
 
 void HtsWriterTest::writesPackagePreamble_data()
@@ -262,6 +284,39 @@ void HtsWriterTest::writesAsManyValuesAsTheRunHasTimesteps()
                         "END_COLUMN\nEND_SLOT\n"));
     QCOMPARE(writtenColumns(packageOf(series(QStringLiteral("x")), 0, {1.0})),
              QByteArray("units: cms\nscale: 1\nEND_COLUMN\nEND_SLOT\n"));
+}
+
+void HtsWriterTest::missingValuesAreWrittenAsNaN_data()
+{
+    QTest::addColumn<HtsValues>("values");
+    QTest::addColumn<QByteArray>("first");
+    const QByteArray kNone("NaN\nNaN\nNaN\n");
+    QTest::newRow("fewer values than timesteps")
+        << HtsValues{{{{1.0}}}} << QByteArray("1.000000000000\nNaN\nNaN\n");
+    QTest::newRow("no values") << HtsValues{{{{}}}} << kNone;
+    QTest::newRow("no column") << HtsValues{{{}}} << kNone;
+    QTest::newRow("no slot") << HtsValues{{}} << kNone;
+    QTest::newRow("no run") << HtsValues() << kNone;
+}
+
+void HtsWriterTest::missingValuesAreWrittenAsNaN()
+{
+    QFETCH(HtsValues, values);
+    QFETCH(QByteArray, first);
+    HtsPackage package = packageOf(series(QStringLiteral("x")), 3, {});
+    package.values = values;
+    QCOMPARE(writtenColumns(package),
+             QByteArray("units: cms\nscale: 1\n" + first + "END_COLUMN\nEND_SLOT\n"));
+}
+
+void HtsWriterTest::columnsWithoutHeaderAreWrittenEmpty()
+{
+    HtsSlot slot = series(QStringLiteral("x"));
+    slot.units.clear();
+    slot.scales.clear();
+    slot.methods.clear();
+    QCOMPARE(writtenColumns(packageOf(slot, 1, {5.0})),
+             QByteArray("units: \nscale: 0\n5.000000000000\nEND_COLUMN\nEND_SLOT\n"));
 }
 
 void HtsWriterTest::writesScale_data()

@@ -1,4 +1,4 @@
-#include "tests/hts/timezone.h"
+#include "tests/support/timezone.h"
 
 #include <ctime>
 

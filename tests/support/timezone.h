@@ -1,5 +1,5 @@
-#ifndef TESTS_HTS_TIMEZONE_H
-#define TESTS_HTS_TIMEZONE_H
+#ifndef TESTS_SUPPORT_TIMEZONE_H
+#define TESTS_SUPPORT_TIMEZONE_H
 
 #include <QByteArray>
 
@@ -18,4 +18,4 @@ private:
     bool m_wasSet;
 };
 
-#endif // TESTS_HTS_TIMEZONE_H
+#endif // TESTS_SUPPORT_TIMEZONE_H
