@@ -12,7 +12,7 @@ namespace UtilsNS {
 namespace {
 
 // A measured row takes some 10 us, an estimated one less than a tenth of that.
-constexpr int kMaxMeasuredRows = 100;
+constexpr int kMaxMeasuredRows = 30;
 
 // Adds up the advances of single characters. That passes over kerning, so it ranks rows and does
 // not measure them.

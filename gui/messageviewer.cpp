@@ -30,7 +30,7 @@ constexpr int kMaxRowsOfShortList = 50;
 
 // After following its rows a long list rests for this many times the time that it took, so that a
 // steady stream of rows is not spent on layout.
-constexpr int kRestFactor = 4;
+constexpr int kRestFactor = 8;
 
 const QBrush& brushOf(QsLogging::Level level)
 {
