@@ -25,9 +25,38 @@ void answerYesOrClose(QWidget& window)
         window.close();
 }
 
+// The window as a `Window`. Any other is closed and fails the test.
+template<typename Window>
+Window* expected(QWidget& window)
+{
+    auto* result = qobject_cast<Window*>(&window);
+    if (result == nullptr) {
+        QTest::qFail(window.metaObject()->className(), __FILE__, __LINE__);
+        answerYesOrClose(window);
+    }
+    return result;
+}
+
+Box boxOf(const QMessageBox& messageBox)
+{
+    Box box;
+    box.title = messageBox.windowTitle();
+    box.text = messageBox.text();
+    box.icon = messageBox.icon();
+    box.buttons = messageBox.standardButtons();
+    box.hasParent = messageBox.parent() != nullptr;
+    box.hasOverrideCursor = QApplication::overrideCursor() != nullptr;
+    return box;
+}
+
+void enterName(const QWidget& fileDialog, const QString& name)
+{
+    fileDialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(name);
+}
+
 } // namespace
 
-int clickThrough(QAbstractButton* button, const Visit& visit)
+int visitWindows(const std::function<void()>& trigger, const Visit& visit)
 {
     QVector<QPointer<QWidget>> visited;
     int count = 0;
@@ -42,8 +71,60 @@ int clickThrough(QAbstractButton* button, const Visit& visit)
         QTimer::singleShot(0, window, visit(*window));
     });
     timer.start(0);
-    QTest::mouseClick(button, Qt::LeftButton);
+    trigger();
     return count;
+}
+
+int clickThrough(QAbstractButton* button, const Visit& visit)
+{
+    return visitWindows([button] { QTest::mouseClick(button, Qt::LeftButton); }, visit);
+}
+
+bool actThrough(const std::function<void()>& trigger, const QVector<Step>& steps)
+{
+    int next = 0;
+    const int count = visitWindows(trigger, [&](QWidget& window) -> std::function<void()> {
+        if (next == steps.size())
+            return [&window] { answerYesOrClose(window); };
+        return [&window, step = steps.at(next++)] { step(window); };
+    });
+    return count == steps.size();
+}
+
+Step typePath(const QString& path)
+{
+    return [path](QWidget& window) {
+        auto* dialog = expected<QFileDialog>(window);
+        if (dialog == nullptr)
+            return;
+        enterName(*dialog, path);
+        static_cast<QDialog*>(dialog)->accept();
+        if (dialog->isVisible())
+            dialog->reject();
+    };
+}
+
+Step cancel()
+{
+    return [](QWidget& window) { window.close(); };
+}
+
+Step click(QMessageBox::StandardButton button)
+{
+    return [button](QWidget& window) {
+        if (const auto* messageBox = expected<QMessageBox>(window))
+            messageBox->button(button)->click();
+    };
+}
+
+Step readBox(Box* box)
+{
+    return [box](QWidget& window) {
+        if (const auto* messageBox = expected<QMessageBox>(window)) {
+            *box = boxOf(*messageBox);
+            messageBox->button(QMessageBox::Ok)->click();
+        }
+    };
 }
 
 QVector<Box> clickAndReadBoxes(QAbstractButton* button, const LogCollector& log)
@@ -51,18 +132,13 @@ QVector<Box> clickAndReadBoxes(QAbstractButton* button, const LogCollector& log)
     QVector<Box> boxes;
     clickThrough(button, [&](QWidget& window) -> std::function<void()> {
         auto* messageBox = qobject_cast<QMessageBox*>(&window);
-        Box box;
         if (messageBox == nullptr) {
-            box.title = QLatin1String(window.metaObject()->className());
-            boxes.append(box);
+            Box other;
+            other.title = QLatin1String(window.metaObject()->className());
+            boxes.append(other);
             return [&window] { window.close(); };
         }
-        box.title = messageBox->windowTitle();
-        box.text = messageBox->text();
-        box.icon = messageBox->icon();
-        box.buttons = messageBox->standardButtons();
-        box.hasParent = messageBox->parent() != nullptr;
-        box.hasOverrideCursor = QApplication::overrideCursor() != nullptr;
+        Box box = boxOf(*messageBox);
         box.linesBefore = log.lines();
         box.levelsBefore = log.levels();
         boxes.append(box);
@@ -92,7 +168,7 @@ QVector<FileDialog> chooseFile(QAbstractButton* button, const QString& name)
         dialogs.append(dialog);
         return [fileDialog, name] {
             const auto choice = name.isEmpty() ? QDialogButtonBox::Cancel : QDialogButtonBox::Save;
-            fileDialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(name);
+            enterName(*fileDialog, name);
             fileDialog->findChild<QDialogButtonBox*>()->button(choice)->click();
         };
     });

@@ -14,12 +14,26 @@ class LogCollector;
 class QAbstractButton;
 class QWidget;
 
-// What opens when a button is clicked, looked at while it is up.
+// What opens while something is done, looked at and acted in while it is up.
 
-// Clicks the button and calls `visit` once with every modal window that is up before the click is
-// done. `visit` returns what makes the window go away. Returns how many windows there were.
+// Calls `trigger` and, once with every modal window that is up before `trigger` returns, `visit`,
+// which returns what makes the window go away. Returns how many windows there were.
 using Visit = std::function<std::function<void()>(QWidget&)>;
+int visitWindows(const std::function<void()>& trigger, const Visit& visit);
+
+// The same with a click on the button.
 int clickThrough(QAbstractButton* button, const Visit& visit);
+
+// Calls `trigger` and gives each step one of the windows, which it has to close, in the order in
+// which they open. Returns whether there were as many windows as steps; one too many is closed.
+using Step = std::function<void(QWidget&)>;
+bool actThrough(const std::function<void()>& trigger, const QVector<Step>& steps);
+
+// Enters the path in a file dialog and accepts it; cancels a dialog that stays open then.
+Step typePath(const QString& path);
+Step cancel();
+// Clicks a button of a message box.
+Step click(QMessageBox::StandardButton button);
 
 // A message box as the user saw it.
 struct Box
@@ -34,6 +48,9 @@ struct Box
     QStringList linesBefore;
     QVector<QsLogging::Level> levelsBefore;
 };
+
+// Notes what a message box says, but for the lines of the log, and clicks OK.
+Step readBox(Box* box);
 
 // Clicks the button and then OK in every message box that comes up. A window that is no message box
 // is closed and has its class name for a title.

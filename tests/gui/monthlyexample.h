@@ -1,22 +1,22 @@
 #ifndef TESTS_GUI_MONTHLYEXAMPLE_H
 #define TESTS_GUI_MONTHLYEXAMPLE_H
 
-#include <QString>
+#include <QByteArray>
 
 // A small conversion: the text of a source file, of its control file, and of the annual files that
 // two end months make of it.
 
 // Two slots of 27 months, January 2000 to March 2002: "Outflow" is 1, 2, 3 ... and "Level" ten
 // times that.
-QString monthlySource();
+QByteArray monthlySource();
 
 // Sums up the one and takes the average of the other.
-QString monthlyControl();
+QByteArray monthlyControl();
 
 // The calendar years 2000 and 2001.
-QString decemberResult();
+QByteArray decemberResult();
 
 // One water year, October 2000 to September 2001.
-QString septemberResult();
+QByteArray septemberResult();
 
 #endif // TESTS_GUI_MONTHLYEXAMPLE_H

@@ -24,23 +24,9 @@
 #include "tests/gui/modalwindows.h"
 #include "tests/gui/monthlyexample.h"
 #include "tests/support/logcollector.h"
+#include "tests/support/wholefile.h"
 
 namespace {
-
-void writeFile(const QString& path, const QString& text)
-{
-    QFile file(path);
-    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(path));
-    QCOMPARE(file.write(text.toUtf8()), qint64(text.toUtf8().size()));
-}
-
-QString readFile(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("cannot be opened: ") + path;
-    return QString::fromUtf8(file.readAll());
-}
 
 // The text that the toolkit has for a file that doesn't open.
 QString openError(const QString& path, QIODevice::OpenMode mode)
@@ -178,7 +164,7 @@ private:
 
     void enterPaths(const QString& source, const QString& control, const QString& result);
     void writeInputsAndEnterPaths();
-    void writeScript(const QString& name, const QString& commands);
+    void writeScript(const QString& name, const QByteArray& commands);
     void compareSingleFailure(const QString& title, const QString& text);
     UtilsNS::MessageViewer* viewer() const;
 
@@ -234,9 +220,9 @@ void AnnualizeHtsDlgTest::writeInputsAndEnterPaths()
                path(QStringLiteral("annual.hts")));
 }
 
-void AnnualizeHtsDlgTest::writeScript(const QString& name, const QString& commands)
+void AnnualizeHtsDlgTest::writeScript(const QString& name, const QByteArray& commands)
 {
-    writeFile(path(name), QLatin1String("#!/bin/sh\n") + commands);
+    writeFile(path(name), "#!/bin/sh\n" + commands);
     QVERIFY(
         QFile::setPermissions(path(name), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
 }
@@ -612,10 +598,10 @@ void AnnualizeHtsDlgTest::dialogsShareLastFolder()
 void AnnualizeHtsDlgTest::dialogTakesExistingFileWithoutQuestion()
 {
     const QString name = path(QStringLiteral("annual.hts"));
-    writeFile(name, QStringLiteral("kept"));
+    writeFile(name, "kept");
     QCOMPARE(chooseFile(button("_annualResultHtsButton"), name).size(), 1);
     QCOMPARE(lineEdit("_annualResultHtsLineEdit")->text(), name);
-    QCOMPARE(readFile(name), QStringLiteral("kept"));
+    QCOMPARE(readFile(name), QByteArray("kept"));
 }
 
 // ---- what keeps a conversion from coming about ----
@@ -641,12 +627,12 @@ void AnnualizeHtsDlgTest::refusesEmptyField()
     QFETCH(QStringList, emptyFields);
 
     writeInputsAndEnterPaths();
-    writeFile(path(QStringLiteral("annual.hts")), QStringLiteral("kept"));
+    writeFile(path(QStringLiteral("annual.hts")), "kept");
     for (const QString& name : emptyFields)
         m_window->findChild<QLineEdit*>(name)->clear();
     compareSingleFailure(QStringLiteral("Incomplete Information"),
                          QStringLiteral("Source, Result, or Control File name is not specified"));
-    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), QStringLiteral("kept"));
+    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), QByteArray("kept"));
     QCOMPARE(readFile(path(QStringLiteral("monthly.hts"))), monthlySource());
 }
 
@@ -681,12 +667,12 @@ void AnnualizeHtsDlgTest::refusesUndefinedVariable()
 
     qunsetenv("HTS_UNDEFINED");
     writeInputsAndEnterPaths();
-    writeFile(path(QStringLiteral("annual.hts")), QStringLiteral("kept"));
+    writeFile(path(QStringLiteral("annual.hts")), "kept");
     enterPaths(sourcePrefix + path(QStringLiteral("monthly.hts")),
                controlPrefix + path(QStringLiteral("methods.txt")),
                resultPrefix + path(QStringLiteral("annual.hts")));
     compareSingleFailure(QStringLiteral("Information Error"), text);
-    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), QStringLiteral("kept"));
+    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), QByteArray("kept"));
 }
 
 void AnnualizeHtsDlgTest::refusesBlankSourceAsMissingFile()
@@ -717,12 +703,12 @@ void AnnualizeHtsDlgTest::refusesSourceThatDoesNotOpen()
     lineEdit("_sourceHtsLineEdit")->setText(path(name));
     const QString result = path(QStringLiteral("annual.hts"));
     if (resultExists)
-        writeFile(result, QStringLiteral("kept"));
+        writeFile(result, "kept");
     compareSingleFailure(QStringLiteral("Annualizer Configuration Error"),
                          openError(path(name), QIODevice::ReadOnly));
     QCOMPARE(QFile::exists(result), resultExists);
     if (resultExists)
-        QCOMPARE(readFile(result), QStringLiteral("kept"));
+        QCOMPARE(readFile(result), QByteArray("kept"));
 }
 
 void AnnualizeHtsDlgTest::refusesResultThatDoesNotOpen_data()
@@ -806,25 +792,25 @@ void AnnualizeHtsDlgTest::refusesResultThatIsControlFileStillMissing()
 
 void AnnualizeHtsDlgTest::reportsFailureOfEngine_data()
 {
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<QString>("control");
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<QByteArray>("control");
     QTest::addColumn<QString>("text");
-    QString annual = monthlySource();
-    annual.replace(QLatin1String("time_step_unit:month"), QLatin1String("time_step_unit:year"));
+    QByteArray annual = monthlySource();
+    annual.replace("time_step_unit:month", "time_step_unit:year");
     QTest::newRow("source is annual")
         << annual << monthlyControl() << "Source HTS File already in annual timestep";
     QTest::newRow("no slot matches")
-        << monthlySource() << "Lake B.*: Sum\n"
+        << monthlySource() << QByteArray("Lake B.*: Sum\n")
         << "No series slots with valid methods found in input HTS file";
     QTest::newRow("control file missing")
-        << monthlySource() << ""
+        << monthlySource() << QByteArray()
         << "No series slots with valid methods found in input HTS file";
 }
 
 void AnnualizeHtsDlgTest::reportsFailureOfEngine()
 {
-    QFETCH(QString, source);
-    QFETCH(QString, control);
+    QFETCH(QByteArray, source);
+    QFETCH(QByteArray, control);
     QFETCH(QString, text);
 
     writeInputsAndEnterPaths();
@@ -832,10 +818,10 @@ void AnnualizeHtsDlgTest::reportsFailureOfEngine()
     writeFile(path(QStringLiteral("methods.txt")), control);
     if (control.isEmpty())
         QVERIFY(QFile::remove(path(QStringLiteral("methods.txt"))));
-    writeFile(path(QStringLiteral("annual.hts")), QStringLiteral("of an earlier run"));
+    writeFile(path(QStringLiteral("annual.hts")), "of an earlier run");
     compareSingleFailure(QStringLiteral("Annualize HTS Error"), text);
     // The result is truncated before anything is computed, and stays.
-    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), QString());
+    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), QByteArray());
 }
 
 void AnnualizeHtsDlgTest::reportsFullDisk()
@@ -880,7 +866,7 @@ void AnnualizeHtsDlgTest::logsNothingBelowLevel()
 void AnnualizeHtsDlgTest::convertsWithMonth_data()
 {
     QTest::addColumn<QString>("month");
-    QTest::addColumn<QString>("result");
+    QTest::addColumn<QByteArray>("result");
     QTest::newRow("as preset") << "" << decemberResult();
     QTest::newRow("September") << "September" << septemberResult();
 }
@@ -888,11 +874,11 @@ void AnnualizeHtsDlgTest::convertsWithMonth_data()
 void AnnualizeHtsDlgTest::convertsWithMonth()
 {
     QFETCH(QString, month);
-    QFETCH(QString, result);
+    QFETCH(QByteArray, result);
 
     writeInputsAndEnterPaths();
     // Longer than the new result, which replaces it whole.
-    writeFile(path(QStringLiteral("annual.hts")), QString(10000, QLatin1Char('x')));
+    writeFile(path(QStringLiteral("annual.hts")), QByteArray(10000, 'x'));
     if (!month.isEmpty())
         QTest::keyClicks(child<QComboBox>("_endMonthComboBox"), month);
     const LogCollector log;
@@ -958,7 +944,7 @@ void AnnualizeHtsDlgTest::showsWaitCursorOnlyDuringConversion()
     QVERIFY(sawWaitCursor);
     QVERIFY(QApplication::overrideCursor() == nullptr);
 
-    writeFile(path(QStringLiteral("methods.txt")), QStringLiteral("Lake B.*: Sum\n"));
+    writeFile(path(QStringLiteral("methods.txt")), "Lake B.*: Sum\n");
     sawWaitCursor = false;
     QCOMPARE(clickAndReadBoxes(button("_okButton"), log).value(0).title,
              QStringLiteral("Annualize HTS Error"));
@@ -1080,10 +1066,9 @@ void AnnualizeHtsDlgTest::buildsHelpUrl()
 // On a desktop without a browser of its own, so that the page is left to xdg-open.
 void AnnualizeHtsDlgTest::helpButtonLogsAndOpensPage()
 {
-    writeScript(QStringLiteral("xdg-mime"), QStringLiteral("exit 0\n"));
-    writeScript(QStringLiteral("xdg-open"),
-                QStringLiteral("printf '%s|%s' $# \"$1\" >\"${0%/*}/part\"\n"
-                               "/bin/mv \"${0%/*}/part\" \"${0%/*}/opened\"\n"));
+    writeScript(QStringLiteral("xdg-mime"), "exit 0\n");
+    writeScript(QStringLiteral("xdg-open"), "printf '%s|%s' $# \"$1\" >\"${0%/*}/part\"\n"
+                                            "/bin/mv \"${0%/*}/part\" \"${0%/*}/opened\"\n");
     const QByteArray searchPath = qgetenv("PATH");
     qputenv("PATH", m_folder->path().toLocal8Bit());
     const LogCollector log;
@@ -1096,7 +1081,7 @@ void AnnualizeHtsDlgTest::helpButtonLogsAndOpensPage()
     QCOMPARE(log.levels(), QVector<QsLogging::Level>{QsLogging::InfoLevel});
     QTRY_VERIFY(QFile::exists(path(QStringLiteral("opened"))));
     QCOMPARE(readFile(path(QStringLiteral("opened"))),
-             QStringLiteral("1|file:///%1/Help/HtsAnnualizerHelp.html").arg(folder));
+             "1|file:///" + QFile::encodeName(folder) + "/Help/HtsAnnualizerHelp.html");
     QVERIFY(QApplication::activeModalWidget() == nullptr);
 }
 

@@ -9,7 +9,6 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPointer>
-#include <QPushButton>
 #include <QScopeGuard>
 #include <QScrollBar>
 #include <QTextCodec>
@@ -17,11 +16,12 @@
 #include <QTreeWidget>
 #include <QtTest>
 
-#include <functional>
 #include <memory>
 
 #include "gui/messageviewer.h"
 #include "gui/messagewatcher.h"
+#include "tests/gui/modalwindows.h"
+#include "tests/support/wholefile.h"
 
 using UtilsNS::MessageViewer;
 
@@ -29,102 +29,6 @@ namespace {
 
 const QStringList kOneColumn{QStringLiteral("Diagnostic Messages")};
 const QStringList kThreeColumns{QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")};
-
-// Acts for the user in modal dialogs: each step gets the next one that opens and has to close it.
-// Without a step left a dialog is closed, and isDone() is false.
-class User : public QObject
-{
-public:
-    using Step = std::function<void(QWidget*)>;
-
-    explicit User(const QVector<Step>& steps = {}) : m_steps(steps) { lookSoon(); }
-
-    bool isDone() const { return m_steps.isEmpty() && !m_isSurprised; }
-
-private:
-    // Anew for each look: a running timer does not fire again while a step of its own opens a
-    // dialog.
-    void lookSoon() { QTimer::singleShot(0, this, &User::look); }
-
-    void look()
-    {
-        lookSoon();
-        QWidget* dialog = QApplication::activeModalWidget();
-        if (dialog == nullptr || dialog == m_last)
-            return;
-        if (m_steps.isEmpty() && m_seen.contains(dialog))
-            return; // a file dialog that is about to close after its question
-        m_last = dialog;
-        m_seen.append(dialog);
-        if (m_steps.isEmpty()) {
-            m_isSurprised = true;
-            dialog->close();
-            return;
-        }
-        m_steps.takeFirst()(dialog);
-    }
-
-    QVector<Step> m_steps;
-    QPointer<QWidget> m_last;
-    QVector<QPointer<QWidget>> m_seen;
-    bool m_isSurprised = false;
-};
-
-QFileDialog* asFileDialog(QWidget* dialog)
-{
-    return qobject_cast<QFileDialog*>(dialog);
-}
-
-// Types the path into the open file dialog and accepts it.
-User::Step typePath(const QString& path)
-{
-    return [path](QWidget* dialog) {
-        dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
-        qobject_cast<QDialog*>(dialog)->accept();
-    };
-}
-
-User::Step cancel()
-{
-    return [](QWidget* dialog) { qobject_cast<QDialog*>(dialog)->reject(); };
-}
-
-User::Step click(QMessageBox::StandardButton button)
-{
-    return
-        [button](QWidget* dialog) { qobject_cast<QMessageBox*>(dialog)->button(button)->click(); };
-}
-
-struct BoxContent
-{
-    QString title;
-    QString text;
-    QMessageBox::Icon icon = QMessageBox::NoIcon;
-    QMessageBox::StandardButtons buttons;
-};
-
-// Notes what the open message box says and clicks OK.
-User::Step readBox(BoxContent* content)
-{
-    return [content](QWidget* dialog) {
-        const auto* box = qobject_cast<QMessageBox*>(dialog);
-        *content = {box->windowTitle(), box->text(), box->icon(), box->standardButtons()};
-        box->button(QMessageBox::Ok)->click();
-    };
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
-}
-
-void writeFile(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), content.size());
-}
 
 // A viewer and its parts.
 struct Fixture
@@ -143,6 +47,11 @@ struct Fixture
                 return candidate;
         }
         return nullptr;
+    }
+
+    bool triggerAndAct(const char* text, const QVector<Step>& steps) const
+    {
+        return actThrough([&] { action(text)->trigger(); }, steps);
     }
 
     void add(const QStringList& texts) { viewer.addMessage(QsLogging::InfoLevel, texts); }
@@ -706,10 +615,9 @@ void TestMessageViewer::copiesRows()
 void TestMessageViewer::warnsWithoutClipboard()
 {
     Fixture f;
-    BoxContent box;
-    const User user({readBox(&box)});
-    f.viewer.copyTo(nullptr, QStringLiteral("text"));
-    QVERIFY(user.isDone());
+    Box box;
+    QVERIFY(
+        actThrough([&f] { f.viewer.copyTo(nullptr, QStringLiteral("text")); }, {readBox(&box)}));
     QCOMPARE(box.title, QStringLiteral("Copy Message Error"));
     QCOMPARE(box.text, QStringLiteral("Cannot access the clipboard"));
     QCOMPARE(box.icon, QMessageBox::Warning);
@@ -749,19 +657,17 @@ void TestMessageViewer::savesRows()
         f.add({line});
     if (selectedRow >= 0)
         f.select(selectedRow, selectedRow);
-    const User user({typePath(path)});
-    f.action(action.constData())->trigger();
-    QVERIFY(user.isDone());
+    QVERIFY(f.triggerAndAct(action.constData(), {typePath(path)}));
     QVERIFY(QFileInfo::exists(path));
-    QCOMPARE(contentOf(path), content);
+    QCOMPARE(readFile(path), content);
 }
 
 void TestMessageViewer::asksForTheFile()
 {
     Fixture f;
-    const User user({[&f](QWidget* dialog) {
+    const Step step = [&f](QWidget& dialog) {
         const auto closing = qScopeGuard([&] { cancel()(dialog); });
-        const QFileDialog* fileDialog = asFileDialog(dialog);
+        const auto* fileDialog = qobject_cast<QFileDialog*>(&dialog);
         QVERIFY(fileDialog != nullptr);
         QCOMPARE(fileDialog->windowTitle(), QStringLiteral("Save Diagnostic Output"));
         QCOMPARE(fileDialog->parentWidget(), &f.viewer);
@@ -769,10 +675,9 @@ void TestMessageViewer::asksForTheFile()
         QCOMPARE(fileDialog->fileMode(), QFileDialog::AnyFile);
         QVERIFY(!fileDialog->testOption(QFileDialog::DontConfirmOverwrite));
         QCOMPARE(fileDialog->nameFilters(), QFileDialog().nameFilters());
-        QCOMPARE(dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(), QString());
-    }});
-    f.action("Save All &As")->trigger();
-    QVERIFY(user.isDone());
+        QCOMPARE(dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(), QString());
+    };
+    QVERIFY(f.triggerAndAct("Save All &As", {step}));
 }
 
 void TestMessageViewer::savesInLocalEncoding()
@@ -791,10 +696,8 @@ void TestMessageViewer::savesInLocalEncoding()
     for (const auto& encoding : encodings) {
         QTextCodec::setCodecForLocale(QTextCodec::codecForName(encoding.first));
         const QString path = folder.filePath(QString::fromLatin1(encoding.first));
-        const User user({typePath(path)});
-        f.action("Save All &As")->trigger();
-        QVERIFY(user.isDone());
-        QCOMPARE(contentOf(path), encoding.second);
+        QVERIFY(f.triggerAndAct("Save All &As", {typePath(path)}));
+        QCOMPARE(readFile(path), encoding.second);
     }
 }
 
@@ -804,12 +707,11 @@ void TestMessageViewer::cancelledSaveWritesNothing()
     const QString path = folder.filePath(QStringLiteral("saved.txt"));
     Fixture f;
     f.addLines(1);
-    const User user({[&path](QWidget* dialog) {
-        dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+    const Step step = [&path](QWidget& dialog) {
+        dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
         cancel()(dialog);
-    }});
-    f.action("Save All &As")->trigger();
-    QVERIFY(user.isDone());
+    };
+    QVERIFY(f.triggerAndAct("Save All &As", {step}));
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList());
 }
 
@@ -822,16 +724,10 @@ void TestMessageViewer::asksBeforeOverwriting()
     Fixture f;
     f.addLines(1);
 
-    {
-        const User refuses({typePath(path), click(QMessageBox::No), cancel()});
-        f.action("Save All &As")->trigger();
-        QVERIFY(refuses.isDone());
-        QCOMPARE(contentOf(path), before);
-    }
-    const User agrees({typePath(path), click(QMessageBox::Yes)});
-    f.action("Save All &As")->trigger();
-    QVERIFY(agrees.isDone());
-    QCOMPARE(contentOf(path), QByteArray("line 0\n"));
+    QVERIFY(f.triggerAndAct("Save All &As", {typePath(path), click(QMessageBox::No)}));
+    QCOMPARE(readFile(path), before);
+    QVERIFY(f.triggerAndAct("Save All &As", {typePath(path), click(QMessageBox::Yes)}));
+    QCOMPARE(readFile(path), QByteArray("line 0\n"));
 }
 
 void TestMessageViewer::warnsOfFileThatCannotBeOpened()
@@ -840,10 +736,8 @@ void TestMessageViewer::warnsOfFileThatCannotBeOpened()
     const QString path = folder.filePath(QStringLiteral("missing/saved.txt"));
     Fixture f;
     f.addLines(1);
-    BoxContent box;
-    const User user({typePath(path), readBox(&box)});
-    f.action("Save All &As")->trigger();
-    QVERIFY(user.isDone());
+    Box box;
+    QVERIFY(f.triggerAndAct("Save All &As", {typePath(path), readBox(&box)}));
 
     QFile sameFile(path);
     QVERIFY(!sameFile.open(QIODevice::WriteOnly));
@@ -860,21 +754,23 @@ void TestMessageViewer::remembersTheLastSavedName()
     const QString saved = folder.filePath(QStringLiteral("saved.txt"));
     const QString failed = folder.filePath(QStringLiteral("missing/failed.txt"));
     Fixture f;
-    const auto expectStart = [](const QString& path, const User::Step& then) {
-        return [path, then](QWidget* dialog) {
+    const auto expectStart = [](const QString& path, const Step& then) {
+        return [path, then](QWidget& dialog) {
             // Whatever the comparison says, the dialog must close.
             const auto closing = qScopeGuard([&] { then(dialog); });
-            QCOMPARE(asFileDialog(dialog)->selectedFiles(), QStringList(path));
+            const auto* fileDialog = qobject_cast<QFileDialog*>(&dialog);
+            QVERIFY(fileDialog != nullptr);
+            QCOMPARE(fileDialog->selectedFiles(), QStringList(path));
         };
     };
-    BoxContent box;
-    const User user({typePath(saved),                      // successful: remembered
-                     expectStart(saved, cancel()),         // cancelled: not
-                     expectStart(saved, typePath(failed)), // failed: not
-                     readBox(&box), expectStart(saved, cancel())});
-    for (int i = 0; i < 4; ++i)
-        f.action(i % 2 == 0 ? "Save All &As" : "Save &Selected As")->trigger();
-    QVERIFY(user.isDone());
+    Box box;
+    const auto save = [&f](const QVector<Step>& steps) {
+        return f.triggerAndAct("Save All &As", steps);
+    };
+    QVERIFY(save({typePath(saved)}));                                     // successful: remembered
+    QVERIFY(save({expectStart(saved, cancel())}));                        // cancelled: not
+    QVERIFY(save({expectStart(saved, typePath(failed)), readBox(&box)})); // failed: not
+    QVERIFY(f.triggerAndAct("Save &Selected As", {expectStart(saved, cancel())}));
 }
 
 void TestMessageViewer::clearKeepsTheViewerWorking()
@@ -886,10 +782,8 @@ void TestMessageViewer::clearKeepsTheViewerWorking()
     f.action("Clear")->trigger();
     QCOMPARE(f.tree->topLevelItemCount(), 0);
     QCOMPARE(f.viewer.collectText(true), QString());
-    const User user({typePath(path)});
-    f.action("Save All &As")->trigger();
-    QVERIFY(user.isDone());
-    QCOMPARE(contentOf(path), QByteArray());
+    QVERIFY(f.triggerAndAct("Save All &As", {typePath(path)}));
+    QCOMPARE(readFile(path), QByteArray());
 
     f.viewer.messageHandler(QsLogging::WarnLevel, QStringLiteral("new"));
     QCOMPARE(f.viewer.collectText(true), QStringLiteral("new\n"));
@@ -938,11 +832,10 @@ void TestMessageViewer::shortcutsWork()
     // The tree alone would copy its current row.
     QTest::keyClick(f.tree, Qt::Key_C, Qt::ControlModifier);
     QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("line 0\nline 1\n"));
-    {
-        const User user({cancel()});
+    const auto saveAll = [&f] {
         QTest::keyClick(f.tree, Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
-        QVERIFY(user.isDone());
-    }
+    };
+    QVERIFY(actThrough(saveAll, {cancel()}));
     f.viewer.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&f.viewer));
     QTest::keyClick(f.tree, Qt::Key_W, Qt::ControlModifier);

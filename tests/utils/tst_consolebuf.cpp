@@ -137,6 +137,17 @@ void drainAtSecondSignal(int)
     }
 }
 
+// How much is written to an output that fails.
+void addSizes()
+{
+    QTest::addColumn<int>("size");
+    QTest::newRow("one byte") << 1;
+    QTest::newRow("ten bytes") << 10;
+    QTest::newRow("full buffer") << 1023;
+    QTest::newRow("more than the buffer takes") << 3000;
+    QTest::newRow("many bytes") << 100000;
+}
+
 } // namespace
 
 class ConsoleBufTest : public QObject
@@ -380,10 +391,7 @@ void ConsoleBufTest::servesTheStandardStreams()
 
 void ConsoleBufTest::failedFlushTurnsStreamBad_data()
 {
-    QTest::addColumn<int>("size");
-    QTest::newRow("one byte") << 1;
-    QTest::newRow("full buffer") << 1023;
-    QTest::newRow("more than the buffer takes") << 3000;
+    addSizes();
 }
 
 void ConsoleBufTest::failedFlushTurnsStreamBad()
@@ -435,19 +443,16 @@ void ConsoleBufTest::failedFlushKeepsContents()
 
 void ConsoleBufTest::fullBufferTakesNothingAfterFailure_data()
 {
-    QTest::addColumn<int>("further");
-    QTest::newRow("one byte") << 1;
-    QTest::newRow("ten bytes") << 10;
-    QTest::newRow("many bytes") << 100000;
+    addSizes();
 }
 
 void ConsoleBufTest::fullBufferTakesNothingAfterFailure()
 {
-    QFETCH(int, further);
+    QFETCH(int, size);
     const BrokenOutput broken;
     Console console;
     QVERIFY(console.isOpen());
-    const QByteArray more(further, '!');
+    const QByteArray more(size, '!');
     OpenConsoleBuf buffer;
     std::streamsize taken = -1;
     int put = 0;

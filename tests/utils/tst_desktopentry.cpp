@@ -4,6 +4,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "tests/support/wholefile.h"
 #include "utils/desktopentry.h"
 
 using UtilsNS::DesktopEntry;
@@ -11,14 +12,6 @@ using UtilsNS::DesktopEntry;
 namespace {
 
 const QString kUrl = QStringLiteral("file:////opt/Conv Tool/Help/a.html#top");
-
-void writeFile(const QString& path, const QByteArray& content)
-{
-    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), content.size());
-}
 
 } // namespace
 

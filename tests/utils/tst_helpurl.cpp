@@ -9,23 +9,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "tests/support/wholefile.h"
 #include "utils/helpurl.h"
 
 namespace {
-
-void writeFile(const QString& path, const QByteArray& content)
-{
-    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), content.size());
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
-}
 
 // A shell script that writes its arguments, a line for each, to the file `output`. It appears
 // whole.
@@ -202,8 +189,8 @@ void TestHelpUrl::startsTheBrowser()
         status = UtilsNS::openHelpUrl(url);
         QTRY_VERIFY(QFile::exists(desktop.path("web.out")));
     }
-    QCOMPARE(contentOf(desktop.path("web.out")), arguments);
-    QCOMPARE(contentOf(desktop.path("captured")), QByteArray());
+    QCOMPARE(readFile(desktop.path("web.out")), arguments);
+    QCOMPARE(readFile(desktop.path("captured")), QByteArray());
     QVERIFY(!QFile::exists(desktop.path("open.out")));
     QCOMPARE(status.message, QString());
     QVERIFY(!status.flag);
@@ -241,8 +228,8 @@ void TestHelpUrl::fallsBackToXdgOpen()
         status = UtilsNS::openHelpUrl(QStringLiteral("\"file:////opt/My Conv/a.html#x\""));
         QTRY_VERIFY(QFile::exists(desktop.path("open.out")));
     }
-    QCOMPARE(contentOf(desktop.path("open.out")), QByteArray("file:////opt/My Conv/a.html#x\n"));
-    QCOMPARE(contentOf(desktop.path("captured")), QByteArray());
+    QCOMPARE(readFile(desktop.path("open.out")), QByteArray("file:////opt/My Conv/a.html#x\n"));
+    QCOMPARE(readFile(desktop.path("captured")), QByteArray());
     QVERIFY(!QFile::exists(desktop.path("web.out")));
     QCOMPARE(status.message, QString());
     QVERIFY(!status.flag);
@@ -256,7 +243,7 @@ void TestHelpUrl::succeedsWithoutAnything()
         const CapturedOutput captured(desktop.path("captured"));
         status = UtilsNS::openHelpUrl(QStringLiteral("file:////opt/a.html"));
     }
-    QCOMPARE(contentOf(desktop.path("captured")), QByteArray());
+    QCOMPARE(readFile(desktop.path("captured")), QByteArray());
     QCOMPARE(status.message, QString());
     QVERIFY(!status.flag);
 }
@@ -271,7 +258,7 @@ void TestHelpUrl::doesNotWaitForTheBrowser()
     desktop.addEntry("web.desktop", "web %u");
     QVERIFY(UtilsNS::openHelpUrl(QStringLiteral("file:////opt/a.html")).ok());
     QTRY_VERIFY(QFile::exists(desktop.path("pid")));
-    const pid_t pid = contentOf(desktop.path("pid")).trimmed().toInt();
+    const pid_t pid = readFile(desktop.path("pid")).trimmed().toInt();
     QVERIFY(pid > 0);
     QCOMPARE(kill(pid, SIGKILL), 0); // it was still running
 }
@@ -289,8 +276,8 @@ void TestHelpUrl::doesNotWaitForAHangingQuery()
         QVERIFY(UtilsNS::openHelpUrl(QStringLiteral("file:////opt/a.html")).ok());
     }
     QVERIFY(timer.elapsed() < 60'000);
-    QTRY_COMPARE(contentOf(desktop.path("open.out")), QByteArray("file:////opt/a.html\n"));
-    QCOMPARE(contentOf(desktop.path("captured")), QByteArray());
+    QTRY_COMPARE(readFile(desktop.path("open.out")), QByteArray("file:////opt/a.html\n"));
+    QCOMPARE(readFile(desktop.path("captured")), QByteArray());
 }
 
 QTEST_GUILESS_MAIN(TestHelpUrl)

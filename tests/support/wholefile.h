@@ -1,0 +1,13 @@
+#ifndef TESTS_SUPPORT_WHOLEFILE_H
+#define TESTS_SUPPORT_WHOLEFILE_H
+
+#include <QByteArray>
+#include <QString>
+
+// Writes the file, and the folders that it is in when they are missing; fails the test if it can't.
+void writeFile(const QString& path, const QByteArray& content);
+
+// The content of the file; "cannot be opened: " and the path when it can't be read.
+QByteArray readFile(const QString& path);
+
+#endif // TESTS_SUPPORT_WHOLEFILE_H
