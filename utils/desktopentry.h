@@ -8,7 +8,8 @@
 namespace UtilsNS {
 
 // A program as the desktop knows it: one file "<name>.desktop" by the Desktop Entry Specification,
-// read as far as it takes to start the program.
+// read as far as it takes to start the program. TryExec and Path are not looked at: whether the
+// program is there shows when it is started, in the current folder.
 //
 //     const DesktopEntry entry = DesktopEntry::find(QStringLiteral("firefox.desktop"));
 //     QStringList command = entry.command(QStringLiteral("file:///opt/a.html#top"));

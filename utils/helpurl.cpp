@@ -4,6 +4,10 @@
 #include <QProcess>
 #include <QStringList>
 
+#include <csignal>
+
+#include <unistd.h>
+
 #include "utils/desktopentry.h"
 
 namespace UtilsNS {
@@ -20,16 +24,32 @@ QString withoutQuotes(const QString& url)
     return isQuoted ? url.mid(1, url.size() - 2) : url;
 }
 
+// A process that can be ended with all that it started: xdg-mime is a script, and what hangs is one
+// of its commands.
+class GroupProcess : public QProcess
+{
+public:
+    void killGroup()
+    {
+        const auto group = static_cast<pid_t>(processId());
+        if (group > 0) // else kill() would reach this process
+            ::kill(-group, SIGKILL);
+    }
+
+protected:
+    void setupChildProcess() override { ::setpgid(0, 0); }
+};
+
 // The desktop file id of the program that opens web links; empty when there is none.
 QString browserId()
 {
-    QProcess query;
+    GroupProcess query;
     query.setStandardInputFile(QProcess::nullDevice());
     query.setStandardErrorFile(QProcess::nullDevice());
     query.start(QStringLiteral("xdg-mime"), {QStringLiteral("query"), QStringLiteral("default"),
                                              QStringLiteral("x-scheme-handler/http")});
     if (!query.waitForFinished(kQueryTimeoutMs)) {
-        query.kill();
+        query.killGroup();
         query.waitForFinished(kQueryTimeoutMs);
         return QString();
     }

@@ -11,9 +11,9 @@ namespace UtilsNS {
 // the browser: the program that the desktop associates with "http". Without such a program,
 // xdg-open gets the URL.
 //
-// Does not wait for the browser; it waits two seconds at most to learn which one it is. Always
-// succeeds: a help page that cannot be shown is deliberately not reported, so callers may ignore
-// the result.
+// Does not wait for the browser; it waits two seconds at most to learn which one it is, and ends
+// the query with all its processes then. Always succeeds: a help page that cannot be shown is
+// deliberately not reported, so callers may ignore the result.
 Status openHelpUrl(const QString& url);
 
 } // namespace UtilsNS

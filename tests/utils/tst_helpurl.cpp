@@ -7,6 +7,8 @@
 #include <csignal>
 
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/support/wholefile.h"
@@ -56,6 +58,32 @@ public:
 private:
     static constexpr int kDescriptors[] = {STDOUT_FILENO, STDERR_FILENO};
     int m_saved[2];
+};
+
+// A pipe with a name. It shows when all who opened it for writing are gone; an ended process that
+// nobody waits for still has an id, but no open files.
+class OpenEnds
+{
+public:
+    explicit OpenEnds(const QString& path)
+    {
+        const QByteArray name = QFile::encodeName(path);
+        if (mkfifo(name.constData(), 0600) == 0)
+            m_readEnd = open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    }
+    ~OpenEnds() { close(m_readEnd); }
+    OpenEnds(const OpenEnds&) = delete;
+    OpenEnds& operator=(const OpenEnds&) = delete;
+
+    // False as long as nobody has opened it.
+    bool areClosed() const
+    {
+        pollfd state{m_readEnd, 0, 0};
+        return poll(&state, 1, 0) == 1 && (state.revents & POLLHUP) != 0;
+    }
+
+private:
+    int m_readEnd = -1;
 };
 
 // A desktop of its own: the programs in its "bin" folder are the only ones in PATH, and its
@@ -126,7 +154,7 @@ private Q_SLOTS:
     void fallsBackToXdgOpen();
     void succeedsWithoutAnything();
     void doesNotWaitForTheBrowser();
-    void doesNotWaitForAHangingQuery();
+    void endsAHangingQuery();
 
 private:
     QByteArray m_path;
@@ -263,11 +291,14 @@ void TestHelpUrl::doesNotWaitForTheBrowser()
     QCOMPARE(kill(pid, SIGKILL), 0); // it was still running
 }
 
-void TestHelpUrl::doesNotWaitForAHangingQuery()
+void TestHelpUrl::endsAHangingQuery()
 {
     const Desktop desktop;
     desktop.addRecorders();
-    desktop.addProgram("xdg-mime", "#!/bin/sh\nexec /bin/sleep 600\n");
+    // The query and the command that it waits for hold this open.
+    const OpenEnds ends(desktop.path("ends"));
+    desktop.addProgram("xdg-mime", "#!/bin/sh\nexec 3>'" + QFile::encodeName(desktop.path("ends")) +
+                                       "'\n/bin/sleep 600 &\nwait\n");
     desktop.addEntry("web.desktop", "web %u");
     QElapsedTimer timer;
     timer.start();
@@ -276,6 +307,7 @@ void TestHelpUrl::doesNotWaitForAHangingQuery()
         QVERIFY(UtilsNS::openHelpUrl(QStringLiteral("file:////opt/a.html")).ok());
     }
     QVERIFY(timer.elapsed() < 60'000);
+    QTRY_VERIFY(ends.areClosed());
     QTRY_COMPARE(readFile(desktop.path("open.out")), QByteArray("file:////opt/a.html\n"));
     QCOMPARE(readFile(desktop.path("captured")), QByteArray());
 }
