@@ -11,7 +11,7 @@
 inline QString timestepText(const QDate& day, int hour)
 {
     return QStringLiteral("%1-%2-%3 %4:00")
-        .arg(day.year())
+        .arg(day.year(), 4, 10, QLatin1Char('0'))
         .arg(day.month())
         .arg(day.day())
         .arg(hour);

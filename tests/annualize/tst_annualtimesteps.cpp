@@ -1,6 +1,7 @@
+#include <algorithm>
+#include <cstddef>
 #include <random>
-
-#include <ctime>
+#include <utility>
 
 #include <QDateTime>
 #include <QLocale>
@@ -11,6 +12,7 @@
 #include "hts/datetimetext.h"
 #include "tests/annualize/seriestext.h"
 #include "tests/support/logcollector.h"
+#include "tests/support/timezone.h"
 
 namespace {
 
@@ -121,16 +123,6 @@ QStringList successLog(int month, bool isEndPartial, const QStringList& annual)
     return lines;
 }
 
-// Sets the time zone of this process as the C library and the toolkit see it.
-void setTimeZone(const QByteArray& zone)
-{
-    if (zone.isNull())
-        qunsetenv("TZ");
-    else
-        qputenv("TZ", zone);
-    ::tzset();
-}
-
 // A series with equal steps, for the reference.
 struct Series
 {
@@ -139,7 +131,15 @@ struct Series
     QStringList texts;
 };
 
-Series randomSeries(const QString& unit, std::mt19937& random)
+// How many weeks from `first` on end not far from a year's end: `years` years later, and `days`
+// days behind the day that is a week before it.
+int weeksUpToAYearEnd(const QDate& first, int endMonth, int years, int days)
+{
+    const QDate yearEnd(first.year() + years, endMonth % 12 + 1, 1);
+    return std::max<int>(1, static_cast<int>(first.daysTo(yearEnd.addDays(days))) / 7);
+}
+
+Series randomSeries(const QString& unit, int endMonth, std::mt19937& random)
 {
     const auto below = [&](int limit) {
         return static_cast<int>(random() % static_cast<unsigned>(limit));
@@ -149,6 +149,8 @@ Series randomSeries(const QString& unit, std::mt19937& random)
     series.unit = unit;
     if (unit == QLatin1String("month"))
         series.texts = monthlyTimesteps(day.year(), day.month(), 1 + below(70));
+    else if (unit == QLatin1String("week"))
+        series.texts = dailyTimesteps(day, weeksUpToAYearEnd(day, endMonth, below(4), below(9)), 7);
     else if (unit == QLatin1String("day"))
         series.texts = dailyTimesteps(day, 1 + below(1900));
     else
@@ -168,26 +170,44 @@ QDateTime yearStart(int year, int endMonth)
     return QDateTime(QDate(year, endMonth % 12 + 1, 1), QTime(0, 0), Qt::UTC);
 }
 
+// Whether the last step of a series completes the year that ends at `yearEnd`.
+bool completes(const QDateTime& last, const QDateTime& yearEnd, const QString& unit)
+{
+    const qint64 left = last.secsTo(yearEnd);
+    constexpr qint64 kWeek = 7 * 24 * 3600;
+    return unit == QLatin1String("week") ? left > 0 && left < kWeek : left == 0;
+}
+
 // The reference: counts calendar years instead of walking along with a boundary.
 Outcome reference(const Series& series, int endMonth)
 {
     const auto nextStep = [&](const QDateTime& time) {
-        return series.unit == QLatin1String("month") ? time.addMonths(1) : time.addDays(1);
+        return series.unit == QLatin1String("month")  ? time.addMonths(1)
+               : series.unit == QLatin1String("week") ? time.addDays(7)
+                                                      : time.addDays(1);
     };
     // The first year that has its first step; none starts before the calendar year of the series.
     int firstYear = series.instants.first().date().year();
     while (nextStep(yearStart(firstYear, endMonth)) < series.instants.first())
         ++firstYear;
+    // The year in whose course, its end included, a step ends.
+    const auto yearOf = [&](const QDateTime& instant) {
+        int year = instant.date().year() + 1;
+        while (yearStart(year, endMonth) >= instant)
+            --year;
+        return year;
+    };
 
     Outcome outcome;
     AnnualizeHts::ValueMap map;
     for (int i = 0; i < series.instants.size(); ++i) {
-        // The year in whose course, its end included, the step ends.
-        int year = series.instants[i].date().year() + 1;
-        while (yearStart(year, endMonth) >= series.instants[i])
-            --year;
+        const QDateTime& instant = series.instants[i];
+        const int year = yearOf(instant);
         map.push_back(std::max(0, year - firstYear + 1));
-        const bool isYearEnd = series.instants[i] == yearStart(year + 1, endMonth);
+        const bool isLast = i + 1 == series.instants.size();
+        const bool isYearEnd = isLast
+                                   ? completes(instant, yearStart(year + 1, endMonth), series.unit)
+                                   : yearOf(series.instants[i + 1]) != year;
         if (isYearEnd && year >= firstYear)
             outcome.run.timesteps.append(series.texts[i]);
     }
@@ -205,13 +225,13 @@ class AnnualTimestepsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
     void worksOutExample();
     void findsCompleteYears_data();
     void findsCompleteYears();
     void findsNoCompleteYear_data();
     void findsNoCompleteYear();
+    void earlyYearsAreYears_data();
+    void earlyYearsAreYears();
     void namesEndMonth_data();
     void namesEndMonth();
     void leavesOutNameOfMonthOutOfRange();
@@ -234,20 +254,7 @@ private Q_SLOTS:
     void timeZoneDoesNotMatter();
     void agreesWithSlowReference_data();
     void agreesWithSlowReference();
-
-private:
-    QByteArray m_timeZone;
 };
-
-void AnnualTimestepsTest::init()
-{
-    m_timeZone = qgetenv("TZ");
-}
-
-void AnnualTimestepsTest::cleanup()
-{
-    setTimeZone(m_timeZone);
-}
 
 void AnnualTimestepsTest::worksOutExample()
 {
@@ -279,15 +286,10 @@ void AnnualTimestepsTest::worksOutExample()
     QCOMPARE(log.levels(), QVector<QsLogging::Level>(lines.size(), QsLogging::InfoLevel));
 }
 
-void AnnualTimestepsTest::findsCompleteYears_data()
-{
-    QTest::addColumn<int>("endMonth");
-    QTest::addColumn<QString>("unit");
-    QTest::addColumn<QStringList>("timesteps");
-    QTest::addColumn<QString>("map");
-    QTest::addColumn<QString>("annual"); // the timesteps, parted by commas
-    QTest::addColumn<bool>("isEndPartial");
+// The rows by unit.
 
+static void addCompleteMonths()
+{
     QTest::newRow("months of exactly one year")
         << 12 << "month" << monthlyTimesteps(2000, 1, 12) << "1x12"
         << "2000-12-31 24:00" << false;
@@ -313,16 +315,10 @@ void AnnualTimestepsTest::findsCompleteYears_data()
     QTest::newRow("months from the December of a year that ends in November")
         << 11 << "month" << monthlyTimesteps(2000, 12, 24) << "0x12 1x12"
         << "2002-11-30 24:00" << false;
-    QTest::newRow("unit Month is a day")
-        << 12 << "Month" << monthlyTimesteps(2000, 1, 24) << "0x12 1x12"
-        << "2001-12-31 24:00" << false;
-    QTest::newRow("unit Year is a day")
-        << 12 << "Year"
-        << QStringList{QStringLiteral("2000-12-31 24:00"), QStringLiteral("2001-12-31 24:00"),
-                       QStringLiteral("2002-12-31 24:00")}
-        << "0x1 1x1 2x1"
-        << "2001-12-31 24:00,2002-12-31 24:00" << false;
+}
 
+static void addCompleteDays()
+{
     QTest::newRow("days of exactly one leap year")
         << 12 << "day" << dailyTimesteps(QDate(2000, 1, 1), 366) << "1x366"
         << "2000-12-31 24:00" << false;
@@ -338,7 +334,10 @@ void AnnualTimestepsTest::findsCompleteYears_data()
     QTest::newRow("days of a year that ends on a leap day")
         << 2 << "day" << dailyTimesteps(QDate(1999, 3, 1), 366 + 1) << "1x366 2x1"
         << "2000-2-29 24:00" << true;
+}
 
+static void addCompleteHours()
+{
     QTest::newRow("hours of exactly one year")
         << 12 << "hour" << hourlyTimesteps(QDate(2001, 1, 1), 1, 365 * 24) << "1x8760"
         << "2001-12-31 24:00" << false;
@@ -355,7 +354,10 @@ void AnnualTimestepsTest::findsCompleteYears_data()
     QTest::newRow("hours with one after the year")
         << 12 << "hour" << hourlyTimesteps(QDate(2001, 1, 1), 1, 8761) << "1x8760 2x1"
         << "2001-12-31 24:00" << true;
+}
 
+static void addCompleteWeeks()
+{
     // 2001-12-29 is a Saturday, the last within 2001; the next ends with 2002-1-5.
     QTest::newRow("weeks up to the last within the year")
         << 12 << "week" << dailyTimesteps(QDate(2001, 1, 6), 52, 7) << "1x52"
@@ -378,11 +380,40 @@ void AnnualTimestepsTest::findsCompleteYears_data()
         << 12 << "week"
         << QStringList{QStringLiteral("2001-1-7 23:00"), QStringLiteral("2001-12-25 1:00")} << "1x2"
         << "2001-12-25 1:00" << false;
+}
+
+static void addWordsThatAreDays()
+{
+    QTest::newRow("unit Month is a day")
+        << 12 << "Month" << monthlyTimesteps(2000, 1, 24) << "0x12 1x12"
+        << "2001-12-31 24:00" << false;
+    QTest::newRow("unit Year is a day")
+        << 12 << "Year"
+        << QStringList{QStringLiteral("2000-12-31 24:00"), QStringLiteral("2001-12-31 24:00"),
+                       QStringLiteral("2002-12-31 24:00")}
+        << "0x1 1x1 2x1"
+        << "2001-12-31 24:00,2002-12-31 24:00" << false;
     QTest::newRow("unit Week is a day")
         << 12 << "Week"
         << QStringList{QStringLiteral("2001-1-1 24:00"), QStringLiteral("2001-12-31 24:00")}
         << "1x2"
         << "2001-12-31 24:00" << false;
+}
+
+void AnnualTimestepsTest::findsCompleteYears_data()
+{
+    QTest::addColumn<int>("endMonth");
+    QTest::addColumn<QString>("unit");
+    QTest::addColumn<QStringList>("timesteps");
+    QTest::addColumn<QString>("map");
+    QTest::addColumn<QString>("annual"); // the timesteps, parted by commas
+    QTest::addColumn<bool>("isEndPartial");
+
+    addCompleteMonths();
+    addCompleteDays();
+    addCompleteHours();
+    addCompleteWeeks();
+    addWordsThatAreDays();
 }
 
 void AnnualTimestepsTest::findsCompleteYears()
@@ -448,6 +479,37 @@ void AnnualTimestepsTest::findsNoCompleteYear()
     if (isEndPartial)
         log.append(kPartialEnd);
     QCOMPARE(outcome.log, log);
+}
+
+void AnnualTimestepsTest::earlyYearsAreYears_data()
+{
+    QTest::addColumn<int>("year");
+    for (const int year : {1, 2, 9, 10, 69, 70, 98, 99, 100, 101, 499, 998, 999})
+        QTest::addRow("year %d", year) << year;
+}
+
+// A year of fewer than four digits is no year of this century or the last.
+void AnnualTimestepsTest::earlyYearsAreYears()
+{
+    QFETCH(int, year);
+    const auto lastOf = [&](int yearsLater) {
+        return timestepText(QDate(year + yearsLater, 12, 31), 24);
+    };
+    const Outcome outcome =
+        calculate(12, makeRun(QStringLiteral("month"), monthlyTimesteps(year, 1, 27)));
+    QCOMPARE(outcome.message, QString());
+    QCOMPARE(outcome.map, QStringLiteral("1x12 2x12 3x3"));
+    QCOMPARE(outcome.run.timesteps, (QStringList{lastOf(0), lastOf(1)}));
+    QCOMPARE(outcome.run.start, QDateTime(QDate(year + 1, 1, 1), QTime(0, 0), Qt::UTC));
+    QCOMPARE(outcome.run.end, QDateTime(QDate(year + 2, 1, 1), QTime(0, 0), Qt::UTC));
+    QCOMPARE(outcome.log, successLog(12, true, outcome.run.timesteps));
+
+    // Without its first month, the calendar year is not complete.
+    const Outcome later =
+        calculate(12, makeRun(QStringLiteral("month"), monthlyTimesteps(year, 2, 23)));
+    QCOMPARE(later.message, QString());
+    QCOMPARE(later.map, QStringLiteral("0x11 1x12"));
+    QCOMPARE(later.run.timesteps, QStringList{lastOf(1)});
 }
 
 void AnnualTimestepsTest::namesEndMonth_data()
@@ -731,7 +793,7 @@ void AnnualTimestepsTest::timeZoneDoesNotMatter_data()
 void AnnualTimestepsTest::timeZoneDoesNotMatter()
 {
     QFETCH(QByteArray, zone);
-    setTimeZone(zone);
+    const TimeZone timeZone(zone);
 
     // From the water year's first hour on: a start that moves by an hour moves the years.
     const QStringList hours = hourlyTimesteps(QDate(2010, 10, 1), 1, 8760 + 8784 + 1);
@@ -753,9 +815,12 @@ void AnnualTimestepsTest::agreesWithSlowReference_data()
 {
     QTest::addColumn<QString>("unit");
     QTest::addColumn<unsigned>("seed");
-    for (const QString& unit :
-         {QStringLiteral("month"), QStringLiteral("day"), QStringLiteral("hour")}) {
-        for (unsigned seed = 1; seed <= 25; ++seed)
+    const std::pair<QString, unsigned> kSeries[] = {{QStringLiteral("month"), 25u},
+                                                    {QStringLiteral("week"), 200u},
+                                                    {QStringLiteral("day"), 25u},
+                                                    {QStringLiteral("hour"), 25u}};
+    for (const auto& [unit, count] : kSeries) {
+        for (unsigned seed = 1; seed <= count; ++seed)
             QTest::newRow(qPrintable(QStringLiteral("%1 series %2").arg(unit).arg(seed)))
                 << unit << seed;
     }
@@ -766,8 +831,8 @@ void AnnualTimestepsTest::agreesWithSlowReference()
     QFETCH(QString, unit);
     QFETCH(unsigned, seed);
     std::mt19937 random(seed);
-    const Series series = randomSeries(unit, random);
     const int endMonth = static_cast<int>(random() % 12) + 1;
+    const Series series = randomSeries(unit, endMonth, random);
 
     const Outcome outcome = calculate(endMonth, makeRun(unit, series.texts));
     const Outcome expected = reference(series, endMonth);
