@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -20,9 +21,7 @@ double resultNan()
 // The values of one year, as far as they have been seen.
 struct AggValues::Year
 {
-    // `first` is the year's first value, which is still to be added. While no value is usable, it
-    // stands for the largest and the smallest.
-    explicit Year(double first) : begin(first), end(first), max(first), min(first) {}
+    explicit Year(double first) : begin(first) {}
 
     void add(double value)
     {
@@ -33,25 +32,22 @@ struct AggValues::Year
             return;
         }
         sum += value;
-        if (!hasUsable) {
-            hasUsable = true;
-            max = value;
-            min = value;
-        }
-        if (value < min)
-            min = value;
-        if (value > max)
-            max = value;
+        // Written so that it takes no branch. Of equal values the first is kept.
+        usableMin = value < usableMin ? value : usableMin;
+        usableMax = value > usableMax ? value : usableMax;
     }
+
+    // Where no value is usable, the year's first value stands for both.
+    double min() const { return usableMin > usableMax ? begin : usableMin; }
+    double max() const { return usableMin > usableMax ? begin : usableMax; }
 
     double sum = 0.0;
     std::int64_t count = 0; // of all values, missing or not
     bool hasMissing = false;
-    bool hasUsable = false;
     double begin;
-    double end;
-    double max;
-    double min;
+    double end = 0.0;
+    double usableMin = std::numeric_limits<double>::infinity();
+    double usableMax = -std::numeric_limits<double>::infinity();
 };
 
 AggValues::~AggValues() = default;
@@ -70,18 +66,20 @@ bool AggValues::aggregate(const std::vector<double>& values,
         return false;
     }
 
-    const auto isTaken = [&](std::size_t i) {
-        return valueMap[i] >= 1 && valueMap[i] <= newValueCount;
+    const auto isTaken = [newValueCount](std::int32_t number) {
+        return number >= 1 && number <= newValueCount;
     };
     std::size_t i = 0;
-    while (i < values.size() && !isTaken(i))
-        ++i;
     while (i < values.size()) {
         const std::int32_t number = valueMap[i];
+        if (!isTaken(number)) {
+            ++i;
+            continue;
+        }
         Year year(values[i]);
         // A value that is passed over doesn't end the year.
-        for (; i < values.size() && (valueMap[i] == number || !isTaken(i)); ++i) {
-            if (isTaken(i))
+        for (; i < values.size() && (valueMap[i] == number || !isTaken(valueMap[i])); ++i) {
+            if (valueMap[i] == number)
                 year.add(values[i]);
         }
         append(year);
@@ -97,7 +95,8 @@ void AggValues::clear()
         result->clear();
 }
 
-void AggValues::append(const Year& year)
+// By value: the year under way then lives in registers.
+void AggValues::append(Year year)
 {
     // `value` is what the method that passes over missing values gives.
     const auto appendBoth = [&](std::vector<double>& plain, std::vector<double>& nan,
@@ -107,8 +106,8 @@ void AggValues::append(const Year& year)
     };
     appendBoth(m_sum, m_sumNan, year.sum);
     appendBoth(m_average, m_averageNan, year.sum / static_cast<double>(year.count));
-    appendBoth(m_max, m_maxNan, year.max);
-    appendBoth(m_min, m_minNan, year.min);
+    appendBoth(m_max, m_maxNan, year.max());
+    appendBoth(m_min, m_minNan, year.min());
     appendBoth(m_end, m_endNan, year.end);
     appendBoth(m_begin, m_beginNan, year.begin);
 }

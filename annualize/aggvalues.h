@@ -53,7 +53,7 @@ private:
     struct Year;
 
     void clear();
-    void append(const Year& year);
+    void append(Year year);
 
     std::vector<double> m_sum;
     std::vector<double> m_sumNan;
