@@ -122,6 +122,39 @@ QString successLine(int written, int all)
     return QStringLiteral("\"Successfully wrote %1 out of %2 slots\" ").arg(written).arg(all);
 }
 
+// The settings of an engine, as bits.
+enum Setting { kSource = 1, kResult = 2, kControl = 4, kMonth = 8, kAllSettings = 15 };
+
+// An engine with an open source and an open result of its own, and a December year end.
+struct Conversion
+{
+    Conversion(const QByteArray& input, const QString& controlPath, int settings = kAllSettings)
+    {
+        source.setData(input);
+        if (!source.open(QIODevice::ReadOnly | QIODevice::Text) ||
+            !result.open(QIODevice::WriteOnly | QIODevice::Text))
+            qFatal("cannot open the devices");
+        if ((settings & kSource) != 0)
+            check(engine.setSourceDevice(&source));
+        if ((settings & kResult) != 0)
+            check(engine.setResultDevice(&result));
+        if ((settings & kControl) != 0)
+            check(engine.setControlFile(controlPath));
+        if ((settings & kMonth) != 0)
+            check(engine.setEndMonth(12));
+    }
+
+    static void check(const Status& status)
+    {
+        if (!status.ok() || status.flag)
+            qFatal("refused: %s", qPrintable(status.message));
+    }
+
+    QBuffer source;
+    QBuffer result;
+    AnnualizeHts engine;
+};
+
 } // namespace
 
 class AnnualizeHtsTest : public QObject
@@ -190,27 +223,18 @@ void AnnualizeHtsTest::writeControlFile(const QByteArray& contents) const
 void AnnualizeHtsTest::convert(const QByteArray& input, const QByteArray& control, int endMonth)
 {
     writeControlFile(control);
-    QByteArray bytes = input;
-    QBuffer source(&bytes);
-    QVERIFY(source.open(QIODevice::ReadOnly | QIODevice::Text));
-    m_result.clear();
-    QBuffer result(&m_result);
-    QVERIFY(result.open(QIODevice::WriteOnly | QIODevice::Text));
-
-    AnnualizeHts engine;
-    QCOMPARE(engine.setSourceDevice(&source).message, QString());
-    QCOMPARE(engine.setResultDevice(&result).message, QString());
-    QCOMPARE(engine.setControlFile(controlPath()).message, QString());
-    QCOMPARE(engine.setEndMonth(endMonth).message, QString());
+    Conversion conversion(input, controlPath());
+    Conversion::check(conversion.engine.setEndMonth(endMonth));
 
     const LogCollector log;
-    const Status status = engine.annualize();
+    const Status status = conversion.engine.annualize();
     QVERIFY(!status.flag);
     m_message = status.message;
+    m_result = conversion.result.data();
     m_log = log.lines();
     QCOMPARE(log.levels(), QVector<QsLogging::Level>(m_log.size(), QsLogging::InfoLevel));
-    QVERIFY(source.isOpen());
-    QVERIFY(result.isOpen());
+    QVERIFY(conversion.source.isOpen());
+    QVERIFY(conversion.result.isOpen());
 }
 
 void AnnualizeHtsTest::settersRefuseBadValues_data()
@@ -245,25 +269,19 @@ void AnnualizeHtsTest::settersRefuseBadValues()
 void AnnualizeHtsTest::refusedValueLeavesOldOne()
 {
     writeControlFile("*.*: End");
-    QBuffer source;
-    source.setData(package(1) + monthlyRun(monthlyTimesteps(2000, 10, 12),
-                                           slot("A.Flow", "units: cfs;scale: 1" + counted(1, 12))));
-    QVERIFY(source.open(QIODevice::ReadOnly));
-    QBuffer result;
-    QVERIFY(result.open(QIODevice::WriteOnly));
-
-    AnnualizeHts engine;
-    QVERIFY(engine.setSourceDevice(&source).ok());
+    Conversion conversion(package(1) +
+                              monthlyRun(monthlyTimesteps(2000, 10, 12),
+                                         slot("A.Flow", "units: cfs;scale: 1" + counted(1, 12))),
+                          controlPath());
+    AnnualizeHts& engine = conversion.engine;
     QVERIFY(!engine.setSourceDevice(nullptr).ok());
-    QVERIFY(engine.setResultDevice(&result).ok());
     QVERIFY(!engine.setResultDevice(nullptr).ok());
-    QVERIFY(engine.setControlFile(controlPath()).ok());
     QVERIFY(!engine.setControlFile(QLatin1String("")).ok());
     QVERIFY(engine.setEndMonth(9).ok());
     QVERIFY(!engine.setEndMonth(0).ok());
     QVERIFY(!engine.setEndMonth(13).ok());
     QCOMPARE(engine.annualize().message, QString());
-    QCOMPARE(textLines(result.data()),
+    QCOMPARE(textLines(conversion.result.data()),
              textLines(package(1) + annualRun("2001-9-30 24:00",
                                               slot("A.Flow", "units: cfs;scale: 1;method: End;"
                                                              "12.000000000000"))));
@@ -278,40 +296,29 @@ void AnnualizeHtsTest::acceptsEveryMonth()
 
 void AnnualizeHtsTest::missingSettingIsReported_data()
 {
-    QTest::addColumn<QString>("missing");
-    QTest::newRow("source device") << "source";
-    QTest::newRow("result device") << "result";
-    QTest::newRow("control file") << "control";
-    QTest::newRow("month") << "month";
-    QTest::newRow("all") << "source result control month";
+    QTest::addColumn<int>("missing");
+    QTest::newRow("source device") << int(kSource);
+    QTest::newRow("result device") << int(kResult);
+    QTest::newRow("control file") << int(kControl);
+    QTest::newRow("month") << int(kMonth);
+    QTest::newRow("all") << int(kAllSettings);
 }
 
 void AnnualizeHtsTest::missingSettingIsReported()
 {
-    QFETCH(QString, missing);
-    const auto isSet = [&](const char* setting) {
-        return !missing.contains(QLatin1String(setting));
-    };
+    QFETCH(int, missing);
     writeControlFile("*.*: Sum");
-    QBuffer source;
-    source.setData(package(1) + monthlyRun(monthlyTimesteps(2000, 1, 12),
-                                           slot("A.Flow", "units: cfs;scale: 1" + counted(1, 12))));
-    QVERIFY(source.open(QIODevice::ReadOnly));
-    QBuffer result;
-    QVERIFY(result.open(QIODevice::WriteOnly));
-
-    AnnualizeHts engine;
-    QVERIFY(!isSet("source") || engine.setSourceDevice(&source).ok());
-    QVERIFY(!isSet("result") || engine.setResultDevice(&result).ok());
-    QVERIFY(!isSet("control") || engine.setControlFile(controlPath()).ok());
-    QVERIFY(!isSet("month") || engine.setEndMonth(12).ok());
+    Conversion conversion(package(1) +
+                              monthlyRun(monthlyTimesteps(2000, 1, 12),
+                                         slot("A.Flow", "units: cfs;scale: 1" + counted(1, 12))),
+                          controlPath(), kAllSettings & ~missing);
     const LogCollector log;
-    const Status status = engine.annualize();
+    const Status status = conversion.engine.annualize();
     QCOMPARE(status.message, kNotSet);
     QVERIFY(!status.flag);
     QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(source.pos(), 0);
-    QCOMPARE(result.data(), QByteArray());
+    QCOMPARE(conversion.source.pos(), 0);
+    QCOMPARE(conversion.result.data(), QByteArray());
 }
 
 void AnnualizeHtsTest::everyMethodWritesItsResult_data()
@@ -616,21 +623,14 @@ void AnnualizeHtsTest::unreadableControlFileMeansNoSlots()
     QFETCH(bool, exists);
     if (exists)
         writeControlFile("*.*: Sum\nbad\n");
-    QBuffer source;
-    source.setData(package(1) + monthlyRun(monthlyTimesteps(2000, 1, 12),
-                                           slot("A.Flow", "units: cfs;scale: 1" + counted(1, 12))));
-    QVERIFY(source.open(QIODevice::ReadOnly));
-    QBuffer result;
-    QVERIFY(result.open(QIODevice::WriteOnly));
-    AnnualizeHts engine;
-    QVERIFY(engine.setSourceDevice(&source).ok());
-    QVERIFY(engine.setResultDevice(&result).ok());
-    QVERIFY(engine.setControlFile(controlPath()).ok());
-    QVERIFY(engine.setEndMonth(12).ok());
+    Conversion conversion(package(1) +
+                              monthlyRun(monthlyTimesteps(2000, 1, 12),
+                                         slot("A.Flow", "units: cfs;scale: 1" + counted(1, 12))),
+                          controlPath());
 
     const LogCollector log;
-    QCOMPARE(engine.annualize().message, kNoSlots);
-    QCOMPARE(result.data(), QByteArray());
+    QCOMPARE(conversion.engine.annualize().message, kNoSlots);
+    QCOMPARE(conversion.result.data(), QByteArray());
     QStringList expected =
         calculationLog("December", false, "2000-12-31 24:00", "2000-12-31 24:00");
     if (exists)
@@ -691,18 +691,9 @@ void AnnualizeHtsTest::readsToTheEndOfTheLastRun()
     const QByteArray input =
         package(1) + monthlyRun(monthlyTimesteps(2000, 1, 12),
                                 slot("A.Flow", "units: cfs;scale: 1" + counted(1, 12)));
-    QBuffer source;
-    source.setData(input + "more\n");
-    QVERIFY(source.open(QIODevice::ReadOnly));
-    QBuffer result;
-    QVERIFY(result.open(QIODevice::WriteOnly));
-    AnnualizeHts engine;
-    QVERIFY(engine.setSourceDevice(&source).ok());
-    QVERIFY(engine.setResultDevice(&result).ok());
-    QVERIFY(engine.setControlFile(controlPath()).ok());
-    QVERIFY(engine.setEndMonth(12).ok());
-    QCOMPARE(engine.annualize().message, QString());
-    QCOMPARE(source.pos(), input.size());
+    Conversion conversion(input + "more\n", controlPath());
+    QCOMPARE(conversion.engine.annualize().message, QString());
+    QCOMPARE(conversion.source.pos(), input.size());
 }
 
 void AnnualizeHtsTest::missingValuesAndYearsInFile()
@@ -770,25 +761,16 @@ void AnnualizeHtsTest::engineConvertsAfterFailure()
     const QByteArray good =
         package(1) + monthlyRun(monthlyTimesteps(2000, 1, 12),
                                 slot("A.Flow", "units: cfs;scale: 1" + counted(1, 12)));
-    QBuffer source;
-    source.setData(good.left(good.size() / 2) + '\n' + good);
-    QVERIFY(source.open(QIODevice::ReadOnly));
-    QBuffer result;
-    QVERIFY(result.open(QIODevice::WriteOnly));
-    AnnualizeHts engine;
-    QVERIFY(engine.setSourceDevice(&source).ok());
-    QVERIFY(engine.setResultDevice(&result).ok());
-    QVERIFY(engine.setControlFile(controlPath()).ok());
-    QVERIFY(engine.setEndMonth(12).ok());
-    QVERIFY(!engine.annualize().ok());
-    QCOMPARE(result.data(), QByteArray());
+    Conversion conversion(good.left(good.size() / 2) + '\n' + good, controlPath());
+    QVERIFY(!conversion.engine.annualize().ok());
+    QCOMPARE(conversion.result.data(), QByteArray());
 
-    source.close();
-    source.setData(good);
-    QVERIFY(source.open(QIODevice::ReadOnly));
-    QCOMPARE(engine.annualize().message, QString());
+    conversion.source.close();
+    conversion.source.setData(good);
+    QVERIFY(conversion.source.open(QIODevice::ReadOnly));
+    QCOMPARE(conversion.engine.annualize().message, QString());
     QCOMPARE(
-        textLines(result.data()),
+        textLines(conversion.result.data()),
         textLines(package(1) +
                   annualRun("2000-12-31 24:00",
                             slot("A.Flow", "units: cfs;scale: 1;method: Max;12.000000000000"))));

@@ -144,7 +144,11 @@ Series randomSeries(const QString& unit, int endMonth, std::mt19937& random)
     const auto below = [&](int limit) {
         return static_cast<int>(random() % static_cast<unsigned>(limit));
     };
-    const QDate day = QDate(1990 + below(20), 1, 1).addDays(below(366));
+    const int year = 1990 + below(20);
+    // Weeks start close behind a year's start half of the time: the first few days decide.
+    const bool isNearStart = unit == QLatin1String("week") && below(2) == 0;
+    const QDate day = isNearStart ? QDate(year, endMonth % 12 + 1, 1).addDays(below(10))
+                                  : QDate(year, 1, 1).addDays(below(366));
     Series series;
     series.unit = unit;
     if (unit == QLatin1String("month"))

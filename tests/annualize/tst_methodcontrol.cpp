@@ -1,3 +1,5 @@
+#include <cstddef>
+#include <initializer_list>
 #include <random>
 
 #include <QFile>
@@ -163,6 +165,30 @@ void MethodControlTest::assignsMethods_data()
         "A.Flow A\xef\xbb\xbf.Flow", "- Sum");
     row("bad UTF-8 reads as the replacement character", "A\xff.Flow: Sum\n",
         "A\xef\xbf\xbd.Flow A.Flow", "Sum -");
+    // Only ASCII white space goes: a no-break space is a part of a name as good as any.
+    row("no-break space at the end of a slot name", "Res.Flow\xc2\xa0: Sum\nRes.Flow: Max\n",
+        "Res.Flow\xc2\xa0 Res.Flow", "Sum Max");
+    row("no-break space at the end of an object name", "Res\xc2\xa0.Flow: Sum\n",
+        "Res\xc2\xa0.Flow Res.Flow", "Sum -");
+    row("no-break space at the start of the names",
+        "\xc2\xa0Res.\xc2\xa0"
+        "Flow: Sum\n",
+        "\xc2\xa0Res.\xc2\xa0"
+        "Flow Res.Flow",
+        "Sum -");
+    row("blank behind a no-break space", " \xc2\xa0Res . Flow\xc2\xa0 : Sum\n",
+        "\xc2\xa0Res.Flow\xc2\xa0", "Sum");
+    row("name that is a no-break space", "\xc2\xa0.\xc2\xa0: Sum\n", "\xc2\xa0.\xc2\xa0 Res.Flow",
+        "Sum -");
+    row("ideographic space, an em space and a next line",
+        "Res\xe3\x80\x80.\xe2\x80\x83"
+        "Flow\xc2\x85: Sum\n",
+        "Res\xe3\x80\x80.\xe2\x80\x83"
+        "Flow\xc2\x85 Res.Flow",
+        "Sum -");
+    row("every white space of ASCII goes",
+        " \t\v\f\rRes \t\v\f\r. \t\v\f\rFlow \t\v\f\r: \t\v\f\rSum \t\v\f\r\n \t\v\f\r\n",
+        "Res.Flow", "Sum");
     row("long file", QByteArray("No.Such: Sum\n").repeated(20000) + "A.Flow: Max\n", "A.Flow",
         "Max");
 }
@@ -211,6 +237,22 @@ void MethodControlTest::refusesBadLines_data()
     QTest::newRow("no colon") << QByteArray("Reservoir1 Outflow Sum")
                               << "Method Control File Error: Colon not found in line \n"
                                  "\"Reservoir1 Outflow Sum\"";
+    // A line of no-break spaces is not blank.
+    QTest::newRow("no-break space alone")
+        << QByteArray(" \xc2\xa0\t")
+        << QString::fromUtf8("Method Control File Error: Colon not found in line \n\"\xc2\xa0\"");
+    QTest::newRow("no-break spaces at the ends of the line are quoted")
+        << QByteArray("\xc2\xa0Res.Flow Sum\xc2\xa0")
+        << QString::fromUtf8("Method Control File Error: Colon not found in line \n"
+                             "\"\xc2\xa0Res.Flow Sum\xc2\xa0\"");
+    QTest::newRow("no-break space as the method")
+        << QByteArray("Res.Flow:\xc2\xa0")
+        << QString::fromUtf8("Method Control File Error: Unknown method specified in line \n"
+                             "\"Res.Flow:\xc2\xa0\"");
+    QTest::newRow("no-break space behind the method")
+        << QByteArray("Res.Flow: Sum\xc2\xa0")
+        << QString::fromUtf8("Method Control File Error: Unknown method specified in line \n"
+                             "\"Res.Flow: Sum\xc2\xa0\"");
     QTest::newRow("no comments") << QByteArray("# comment")
                                  << "Method Control File Error: Colon not found in line \n"
                                     "\"# comment\"";
