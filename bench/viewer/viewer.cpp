@@ -1,11 +1,13 @@
 // Measures what the message viewer costs over its rows: the time from the first of 100,000 lines
 // until the event loop has nothing left to do, divided by the time that a bare QTreeWidget takes to
-// append the same rows. Prints medians of alternating runs, for a hidden and a shown window.
+// append the same rows. Prints a table row with the ratio of the medians of alternating runs for
+// each case, with a hidden and a shown window.
 //
-//     QT_QPA_PLATFORM=offscreen ./bench_viewer
+// usage: bench_viewer [RUNS [LINES]]
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 
 #include <QApplication>
@@ -21,14 +23,14 @@
 
 namespace {
 
-constexpr int kLines = 100'000;
-constexpr int kRuns = 7;
+int lineCount = 100'000;
+int runCount = 7;
 
 QStringList makeLines()
 {
     QStringList lines;
-    lines.reserve(kLines);
-    for (int i = 0; i < kLines; ++i) {
+    lines.reserve(lineCount);
+    for (int i = 0; i < lineCount; ++i) {
         lines.append(
             QStringLiteral("INFO  Slot Reservoir %1.Outflow is aggregated with Average ").arg(i));
     }
@@ -61,14 +63,14 @@ using Feed = std::function<void(const std::function<void(int)>& append)>;
 
 void feedAtOnce(const std::function<void(int)>& append)
 {
-    for (int i = 0; i < kLines; ++i)
+    for (int i = 0; i < lineCount; ++i)
         append(i);
 }
 
 // The event loop runs now and then, as in a program that keeps its window alive.
 void feedInPieces(const std::function<void(int)>& append)
 {
-    for (int i = 0; i < kLines; ++i) {
+    for (int i = 0; i < lineCount; ++i) {
         append(i);
         if (i % 1000 == 0)
             QApplication::processEvents();
@@ -131,14 +133,16 @@ void report(const Case& measured, const QStringList& lines, bool isShown)
 {
     QVector<double> bare;
     QVector<double> viewer;
-    for (int run = 0; run < kRuns; ++run) {
+    for (int run = 0; run < runCount; ++run) {
         bare.append(bareMs(measured.feed, lines, isShown));
         viewer.append(viewerMs(measured.way, measured.feed, lines, isShown));
     }
     const double bareMedian = median(bare);
     const double viewerMedian = median(viewer);
-    std::printf("%-17s %-6s  bare %7.1f ms  viewer %7.1f ms  ratio %.2f\n", measured.name,
-                isShown ? "shown" : "hidden", bareMedian, viewerMedian, viewerMedian / bareMedian);
+    std::printf(
+        "| diagnostics, %d lines by %s, %s: viewer / bare tree | %.2f | <= 3 | viewer %.0f ms |\n",
+        lineCount, measured.name, isShown ? "shown" : "hidden", viewerMedian / bareMedian,
+        viewerMedian);
 }
 
 } // namespace
@@ -146,12 +150,16 @@ void report(const Case& measured, const QStringList& lines, bool isShown)
 int main(int argc, char* argv[])
 {
     const QApplication application(argc, argv);
+    if (argc > 1)
+        runCount = std::max(std::atoi(argv[1]), 1);
+    if (argc > 2)
+        lineCount = std::max(std::atoi(argv[2]), 1);
     qRegisterMetaType<QsLogging::Level>("QsLogging::Level");
     const QStringList lines = makeLines();
     const Case cases[] = {{"slot", Way::Slot, feedAtOnce},
-                          {"slot, pieces", Way::Slot, feedInPieces},
+                          {"slot in pieces", Way::Slot, feedInPieces},
                           {"signal", Way::QueuedSignal, feedAtOnce},
-                          {"signal, pieces", Way::QueuedSignal, feedInPieces}};
+                          {"signal in pieces", Way::QueuedSignal, feedInPieces}};
     for (const bool isShown : {false, true}) {
         for (const Case& measured : cases)
             report(measured, lines, isShown);
