@@ -12,6 +12,8 @@ constexpr int kTimeoutMs = 60000;
 
 } // namespace
 
+const char kCreated[] = "HtsAnnualizer: Annual HTs file successfully created\n\n";
+
 ProcessRun::ProcessRun()
 {
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
@@ -113,6 +115,17 @@ QByteArray monthlySums()
            "object_type: Reservoir\nobject_name: Lake A\nslot_type: SeriesSlot\n"
            "slot_name: Outflow\nEND_SLOT_PREAMBLE\nunits: cms summed over the year\nscale: 1\n"
            "method: Sum\n78.000000000000\n222.000000000000\nEND_COLUMN\nEND_SLOT\nEND_RUN\n";
+}
+
+QStringList words(const char* line)
+{
+    return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+void writeInputs(const ProcessRun& run)
+{
+    run.write(QStringLiteral("a.hts"), monthlyFile());
+    run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
 }
 
 QByteArray logWithOutcome(const QByteArray& outcome)

@@ -50,6 +50,14 @@ private:
 QByteArray monthlyFile();
 // What Sum with years that end in December makes of it.
 QByteArray monthlySums();
+// Writes monthlyFile as "a.hts" and, as "c.txt", a control file that asks for the sums.
+void writeInputs(const ProcessRun& run);
+
+// The words of a command line without quotes.
+QStringList words(const char* line);
+
+// What a log file tells of a success.
+extern const char kCreated[];
 // Log file of a conversion of monthlyFile as "a.hts" to "b.hts" with "c.txt", up to the outcome;
 // the time stamp is replaced by "(time)".
 QByteArray logWithOutcome(const QByteArray& outcome);

@@ -66,18 +66,6 @@ const char kOutputMissing[] =
     "HtsAnnualizer Error: Output HTS file must be specified with -o option\n\n";
 const char kControlMissing[] =
     "HtsAnnualizer Error: Method control file must be specified with -o option\n\n";
-const char kCreated[] = "HtsAnnualizer: Annual HTs file successfully created\n\n";
-
-QStringList words(const char* line)
-{
-    return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
-}
-
-void writeInputs(const ProcessRun& run)
-{
-    run.write(QStringLiteral("a.hts"), monthlyFile());
-    run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
-}
 
 } // namespace
 
@@ -135,6 +123,33 @@ void TestCommandLine::consoleAndExitCode_data()
     row("second value of one option", "-i a.hts b.hts", kInvalid, 0);
     row("unknown option after a complete command", "-i a.hts -o b.hts -c c.txt -q", kInvalid, 0);
     row("number as option", "-1", kInvalid, 0);
+    // Options of the toolkit are not the program's; each would be taken out by the toolkit, some
+    // with the argument that follows, and some would end the process.
+    for (const char* arguments : {"-style fusion",
+                                  "-style=fusion",
+                                  "-stylesheet=x",
+                                  "-style fusion -v",
+                                  "-platform xcb",
+                                  "-platform nonsense -v",
+                                  "-platform",
+                                  "-platformpluginpath none -v",
+                                  "-plugin none -v",
+                                  "-session x -v",
+                                  "-reverse",
+                                  "-display :99 -v",
+                                  "-geometry 9x9 -h",
+                                  "-qwindowtitle x -v",
+                                  "-widgetcount",
+                                  "-dialogs=none -v",
+                                  "-qmljsdebugger=port:1 -v",
+                                  "-i a.hts -o b.hts -c c.txt -reverse",
+                                  "-reverse -i a.hts -o b.hts -c c.txt",
+                                  "-i a.hts -o b.hts -c c.txt -style fusion",
+                                  "-i a.hts -style -o b.hts -c c.txt"})
+        row(arguments, arguments, kInvalid, 0);
+    row("option of the toolkit with a letter of the program", "-icon a.hts -o b.hts",
+        kControlMissing, 1);
+    row("value that looks like an option of the toolkit", "-y -1 -style", kInvalid, 0);
     row("no input", "-o b.hts -c c.txt", kInputMissing, 1);
     row("input without value", "-o b.hts -c c.txt -i", kInputMissing, 1);
     row("pending option replaced by the next", "-i -o out.hts", kInputMissing, 1);
@@ -174,6 +189,8 @@ void TestCommandLine::consoleAndExitCode()
     QCOMPARE(run.output, console);
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.exitCode, exitCode);
+    if (exitCode == 0)
+        QCOMPARE(run.files(), (QStringList{QStringLiteral("a.hts"), QStringLiteral("c.txt")}));
 }
 
 void TestCommandLine::nothingIsCreatedBeforeThePathsAreComplete()

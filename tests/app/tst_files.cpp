@@ -4,23 +4,6 @@
 
 #include "tests/app/processrun.h"
 
-namespace {
-
-const char kCreated[] = "HtsAnnualizer: Annual HTs file successfully created\n\n";
-
-QStringList words(const char* line)
-{
-    return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
-}
-
-void writeInputs(const ProcessRun& run)
-{
-    run.write(QStringLiteral("a.hts"), monthlyFile());
-    run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
-}
-
-} // namespace
-
 class TestFiles : public QObject
 {
     Q_OBJECT
@@ -33,6 +16,8 @@ private Q_SLOTS:
     void oneFileInTwoRolesIsRefused_data();
     void oneFileInTwoRolesIsRefused();
     void rolesMayShareADevice();
+    void closedStandardStreamsAreNoFiles_data();
+    void closedStandardStreamsAreNoFiles();
     void fullDiskForTheResultIsAnError();
     void fullDiskForTheLogIsAnError();
 };
@@ -128,6 +113,8 @@ void TestFiles::oneFileInTwoRolesIsRefused_data()
         log("./new.hts", "The log file is the output hts file new.hts"));
     row("log is a dangling link to the output", "-i a.hts -o target.hts -c c.txt -l dangling.hts",
         log("dangling.hts", "The log file is the output hts file target.hts"));
+    row("log is the input, no control file", "-i a.hts -o b.hts -l a.hts",
+        log("a.hts", "The log file is the input hts file a.hts"));
     row("output named like a log", "-i a.hts -o b.log -c c.txt",
         log("b.log", "The log file is the output hts file b.log"));
 }
@@ -161,6 +148,50 @@ void TestFiles::rolesMayShareADevice()
     run.start(words("-i a.hts -o /dev/null -c c.txt -l /dev/null"));
     QCOMPARE(run.output, QByteArray());
     QCOMPARE(run.exitCode, 0);
+}
+
+void TestFiles::closedStandardStreamsAreNoFiles_data()
+{
+    QTest::addColumn<QString>("redirections");
+    for (const char* redirections :
+         {"<&-", ">&-", "2>&-", "<&- >&-", ">&- 2>&-", "<&- 2>&-", "<&- >&- 2>&-"})
+        QTest::newRow(redirections) << QString::fromLatin1(redirections);
+}
+
+// A file that the program opens would take the number of a stream that it was started without, and
+// the texts for that stream would go into the file.
+void TestFiles::closedStandardStreamsAreNoFiles()
+{
+    QFETCH(QString, redirections);
+    const auto startWith = [&](ProcessRun& run, const char* arguments) {
+        run.startShell(
+            QStringLiteral("\"$PROGRAM\" %1 %2").arg(QString::fromLatin1(arguments), redirections));
+    };
+    ProcessRun version;
+    startWith(version, "-v");
+    QCOMPARE(version.exitCode, 0);
+    QCOMPARE(version.errors, QByteArray());
+
+    ProcessRun conversion;
+    writeInputs(conversion);
+    startWith(conversion, "-i a.hts -o b.hts -c c.txt");
+    QCOMPARE(conversion.exitCode, 0);
+    QCOMPARE(conversion.read(QStringLiteral("b.hts")), monthlySums());
+    QCOMPARE(withoutTime(conversion.read(QStringLiteral("b.log"))), logWithOutcome(kCreated));
+    QCOMPARE(conversion.read(QStringLiteral("a.hts")), monthlyFile());
+    QCOMPARE(conversion.read(QStringLiteral("c.txt")), QByteArray("*.*: Sum\n"));
+
+    // Both print while the files are open.
+    ProcessRun noLog;
+    writeInputs(noLog);
+    startWith(noLog, "-i a.hts -o b.hts -c c.txt -l none/b.log");
+    QCOMPARE(noLog.exitCode, 1);
+    QCOMPARE(noLog.read(QStringLiteral("b.hts")), QByteArray());
+    ProcessRun fullLog;
+    writeInputs(fullLog);
+    startWith(fullLog, "-i a.hts -o b.hts -c c.txt -l /dev/full");
+    QCOMPARE(fullLog.exitCode, 1);
+    QCOMPARE(fullLog.read(QStringLiteral("b.hts")), monthlySums());
 }
 
 void TestFiles::fullDiskForTheResultIsAnError()
