@@ -163,7 +163,7 @@ void TestFiles::closedStandardStreamsAreNoFiles_data()
 void TestFiles::closedStandardStreamsAreNoFiles()
 {
     QFETCH(QString, redirections);
-    const auto startWith = [&](ProcessRun& run, const char* arguments) {
+    const auto startWith = [&](ProcessRun& run, const QByteArray& arguments) {
         run.startShell(
             QStringLiteral("\"$PROGRAM\" %1 %2").arg(QString::fromLatin1(arguments), redirections));
     };
@@ -180,6 +180,15 @@ void TestFiles::closedStandardStreamsAreNoFiles()
     QCOMPARE(withoutTime(conversion.read(QStringLiteral("b.log"))), logWithOutcome(kCreated));
     QCOMPARE(conversion.read(QStringLiteral("a.hts")), monthlyFile());
     QCOMPARE(conversion.read(QStringLiteral("c.txt")), QByteArray("*.*: Sum\n"));
+
+    for (const char* stream : {"/dev/stdout", "/dev/stderr"}) {
+        ProcessRun logToStream;
+        writeInputs(logToStream);
+        startWith(logToStream, QByteArray("-i a.hts -o b.hts -c c.txt -l ") + stream);
+        QCOMPARE(logToStream.read(QStringLiteral("a.hts")), monthlyFile());
+        QCOMPARE(logToStream.read(QStringLiteral("b.hts")), monthlySums());
+        QCOMPARE(logToStream.exitCode, 0);
+    }
 
     // Both print while the files are open.
     ProcessRun noLog;

@@ -1,5 +1,6 @@
 #include "tests/hts/packagecompare.h"
 
+#include <cstddef>
 #include <cstring>
 
 namespace {

@@ -1,3 +1,6 @@
+#include <cstddef>
+#include <limits>
+
 #include <QtTest>
 
 #include "hts/htspackage.h"
