@@ -20,7 +20,7 @@ public:
     // `tree` has its columns and outlives this object.
     explicit ContentWidths(const QTreeWidget* tree);
 
-    // Forgets all rows; call it when the tree was cleared.
+    // Forgets all rows; call it when the tree was cleared, or its font or style has changed.
     void clear();
     // Takes in the rows that were appended since the last call.
     void update();

@@ -92,6 +92,8 @@ MessageViewer::MessageViewer(const QStringList& headerLabels, QWidget* parent)
     connect(m_tree->verticalScrollBar(), &QScrollBar::rangeChanged, this,
             [this](int /*minimum*/, int maximum) { followScrollRange(maximum); });
 
+    m_tree->installEventFilter(this);
+
     createCheckBox();
     auto* bottomLayout = new QHBoxLayout;
     bottomLayout->addStretch();
@@ -155,7 +157,7 @@ void MessageViewer::connectWatcher()
 
 void MessageViewer::addMessage(QsLogging::Level level, const QStringList& texts)
 {
-    if (texts.size() != m_tree->columnCount())
+    if (texts.size() != m_headerItem->columnCount())
         return;
     const QBrush& brush = brushOf(level);
     auto* item = new QTreeWidgetItem;
@@ -285,6 +287,18 @@ void MessageViewer::checkBoxHandler(int state)
     m_isAutoScrolling = state == Qt::Checked;
     if (m_isAutoScrolling)
         m_tree->scrollToBottom();
+}
+
+// Rows that were measured already take another width in another font or style.
+bool MessageViewer::eventFilter(QObject* watched, QEvent* event)
+{
+    const bool isChange =
+        event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange;
+    if (watched == m_tree && isChange) {
+        m_widths.clear();
+        scheduleShowingNewRows(); // behind the tree's own handling of the event
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 void MessageViewer::closeEvent(QCloseEvent* event)

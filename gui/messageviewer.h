@@ -66,6 +66,7 @@ public Q_SLOTS:
     void checkBoxHandler(int state);
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:

@@ -115,6 +115,8 @@ private Q_SLOTS:
     void sectionsFitAllRows();
     void sectionsFitRowsAfterClear();
     void sectionsFitEachColumn();
+    void sectionsFollowTheFont_data();
+    void sectionsFollowTheFont();
     void scrollsToTheLastRow_data();
     void scrollsToTheLastRow();
     void showsTheLastRowAfterHiddenTimes();
@@ -398,6 +400,37 @@ void TestMessageViewer::sectionsFitEachColumn()
     header->resizeSections(QHeaderView::ResizeToContents);
     for (int column = 0; column < 3; ++column)
         QCOMPARE(sizes.at(column), header->sectionSize(column));
+}
+
+void TestMessageViewer::sectionsFollowTheFont_data()
+{
+    QTest::addColumn<int>("rowCount");
+    QTest::addColumn<int>("pointSize");
+    QTest::newRow("short list, larger") << 20 << 30;
+    QTest::newRow("long list, larger") << 200 << 30;
+    QTest::newRow("short list, smaller") << 20 << 5;
+    QTest::newRow("long list, smaller") << 200 << 5;
+}
+
+void TestMessageViewer::sectionsFollowTheFont()
+{
+    QFETCH(const int, rowCount);
+    QFETCH(const int, pointSize);
+
+    Fixture f;
+    f.show();
+    f.add({QString(30, QLatin1Char('W'))});
+    f.addLines(rowCount);
+    QApplication::processEvents();
+    const int before = f.tree->columnWidth(0);
+    QFont font = f.viewer.font();
+    font.setPointSize(pointSize);
+    f.viewer.setFont(font);
+    const auto width = [&f] {
+        return f.tree->sizeHintForIndex(f.tree->model()->index(0, 0)).width();
+    };
+    QTRY_COMPARE(f.tree->columnWidth(0), qMax(width(), f.tree->header()->sectionSizeHint(0)));
+    QVERIFY(f.tree->columnWidth(0) != before);
 }
 
 void TestMessageViewer::scrollsToTheLastRow_data()

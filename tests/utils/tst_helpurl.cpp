@@ -36,7 +36,7 @@ public:
         const int file =
             open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         for (std::size_t i = 0; i < 2; ++i) {
-            m_saved[i] = dup(kDescriptors[i]);
+            m_saved[i] = fcntl(kDescriptors[i], F_DUPFD_CLOEXEC, 0);
             dup2(file, kDescriptors[i]);
         }
         close(file);
