@@ -161,7 +161,8 @@ QByteArray RandomHts::numberText()
     QByteArray text = oneIn(6) ? pick(kOddNumbers) : plainNumber();
     while (oneIn(4)) {
         const int position = below(text.size() + 1);
-        const char byte = QByteArray("0123456789+-.eEnaif x \t\0\xa0\xc2_,", 30).at(below(30));
+        static const char kBytes[] = "0123456789+-.eEnaif x \t\0\xa0\xc2_,";
+        const char byte = kBytes[below(sizeof kBytes - 1)];
         if (oneIn(2) || position == text.size())
             text.insert(position, byte);
         else if (oneIn(2))
