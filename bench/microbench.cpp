@@ -127,6 +127,65 @@ void writeNumbersByTextStream(benchmark::State& state)
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * kValues);
 }
 
+// An annual result: many slots of three years each.
+HtsPackage annualPackage()
+{
+    HtsPackage package;
+    package.numberOfRuns = 1;
+    HtsRun run;
+    run.timeStepUnit = QStringLiteral("year");
+    run.timeStepCount = 3;
+    for (const char* end : {"2000-12-31 24:00", "2001-12-31 24:00", "2002-12-31 24:00"})
+        run.timesteps.append(QString::fromLatin1(end));
+    package.runs.append(run);
+    HtsSlot slot;
+    slot.objectType = QStringLiteral("Reservoir");
+    slot.slotType = QStringLiteral("SeriesSlot");
+    slot.slotName = QStringLiteral("Flow");
+    slot.units = QStringList{QStringLiteral("cms")};
+    slot.scales = QList<double>{1.0};
+    slot.methods = QStringList{QStringLiteral("Average")};
+    const std::vector<double> values = randomValues();
+    package.values.resize(1);
+    for (std::size_t i = 0; i < 20000; ++i) {
+        slot.objectName = QStringLiteral("Object%1").arg(i);
+        package.slots.append(slot);
+        const HtsColumn column = {values[i % 1000], values[i % 1001], values[i % 1002]};
+        package.values.front().push_back({column});
+    }
+    return package;
+}
+
+void writeAnnualPackage(benchmark::State& state)
+{
+    const HtsPackage package = annualPackage();
+    QByteArray text;
+    for (auto _ : state) {
+        QBuffer buffer(&text);
+        buffer.open(QIODevice::WriteOnly | QIODevice::Text);
+        benchmark::DoNotOptimize(package.write(buffer).ok());
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * text.size());
+}
+
+void readAnnualPackage(benchmark::State& state)
+{
+    QByteArray text;
+    QBuffer out(&text);
+    out.open(QIODevice::WriteOnly);
+    benchmark::DoNotOptimize(annualPackage().write(out).ok());
+    for (auto _ : state) {
+        QBuffer buffer(&text);
+        buffer.open(QIODevice::ReadOnly | QIODevice::Text);
+        HtsPackage package;
+        if (!package.read(buffer).ok())
+            state.SkipWithError("not read");
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * text.size());
+}
+
+BENCHMARK(writeAnnualPackage)->Unit(benchmark::kMillisecond);
+BENCHMARK(readAnnualPackage)->Unit(benchmark::kMillisecond);
 BENCHMARK(readerOfTheProgram)->Unit(benchmark::kMillisecond);
 BENCHMARK(readerLineByLine)->Unit(benchmark::kMillisecond);
 BENCHMARK(timestepToDateTime);
