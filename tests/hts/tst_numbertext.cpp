@@ -244,7 +244,8 @@ void NumberTextTest::readsRandomTextsLikeTheToolkit()
         for (int line = 0; line < kLines; ++line) {
             const QByteArray text = random.numberText().replace('\n', ' ');
             expected.push_back(QString::fromUtf8(text.trimmed()).toDouble());
-            lines += text + (line % 2 == 0 ? "\n" : "\r\n");
+            // One by one: "lines += a + b" makes room for exactly that, over and over.
+            lines.append(text).append(line % 2 == 0 ? "\n" : "\r\n");
             if (bitsOf(lineToNumber(view(text))) != bitsOf(expected.back()))
                 QFAIL(QByteArray("'" + text + '\'').constData());
         }
