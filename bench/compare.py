@@ -215,6 +215,8 @@ def main():
         "start-up": lambda: start_up(bench),
         "viewer": lambda: viewer(bench),
     }
+    if bench.tiny:
+        print("Tiny inputs, one run each: shows that everything works; the ratios mean nothing.\n")
     try:
         show(measurements, arguments.only)
     finally:
