@@ -17,7 +17,7 @@ class QTextStream;
 struct HtsRun
 {
     // What is told of a run that can't be read, or that has fewer timesteps than it announces.
-    static constexpr QLatin1String kBadPreamble = QLatin1String("Cannot read run preamble");
+    static inline const QLatin1String kBadPreamble{"Cannot read run preamble"};
 
     // Reads the run preamble and the timestep lines. Fails with kBadPreamble; the timesteps before
     // a bad one are kept.

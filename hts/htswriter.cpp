@@ -36,7 +36,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t kCapacity = 16 * 1024;
+    static constexpr std::size_t kCapacity = std::size_t(16) * 1024;
 
     QTextStream& m_stream;
     std::vector<char> m_text;

@@ -11,7 +11,7 @@
 namespace {
 
 // Small enough to stay in the second-level cache, large enough to make the calls free.
-constexpr std::size_t kBlockSize = 64 * 1024;
+constexpr std::size_t kBlockSize = std::size_t(64) * 1024;
 
 void skipBytes(QIODevice& device, std::size_t count)
 {

@@ -141,8 +141,8 @@ double lineToNumber(std::string_view line)
 char* writeNumber(char* out, double value)
 {
     if (!std::isfinite(value)) {
-        std::memcpy(out, "NaN", 3);
-        return out + 3;
+        constexpr std::string_view kMissing = "NaN";
+        return std::copy(kMissing.begin(), kMissing.end(), out);
     }
     const double magnitude = std::fabs(value);
     if (magnitude >= kMostWhole)

@@ -13,7 +13,7 @@ namespace {
 // A dash of an id stands for itself or, when there is such a folder, for a slash.
 QString pathOf(const QString& id, const QString& folder)
 {
-    const QString path = folder + QLatin1Char('/') + id;
+    QString path = folder + QLatin1Char('/') + id;
     if (QFileInfo(path).isFile())
         return path;
     for (int dash = id.indexOf(QLatin1Char('-')); dash >= 0;
@@ -21,7 +21,7 @@ QString pathOf(const QString& id, const QString& folder)
         const QString subfolder = folder + QLatin1Char('/') + id.left(dash);
         if (dash == 0 || !QFileInfo(subfolder).isDir())
             continue;
-        const QString pathBelow = pathOf(id.mid(dash + 1), subfolder);
+        QString pathBelow = pathOf(id.mid(dash + 1), subfolder);
         if (!pathBelow.isEmpty())
             return pathBelow;
     }
@@ -162,7 +162,7 @@ QString DesktopEntry::localizedName() const
     const QString locale = QLocale().name(); // de_DE
     const QString language = locale.section(QLatin1Char('_'), 0, 0);
     for (const QString& suffix : {locale, language}) {
-        const QString translation = value(name + QLatin1Char('[') + suffix + QLatin1Char(']'));
+        QString translation = value(name + QLatin1Char('[') + suffix + QLatin1Char(']'));
         if (!translation.isEmpty())
             return translation;
     }
