@@ -188,11 +188,9 @@ Status Conversion::resolveLogPath(QString& path) const
 // come: a path that can't be resolved is left to its own step.
 Status Conversion::refuseSharedFiles() const
 {
-    const auto ifResolved = [](const Status& status, const QString& path) {
-        return status.ok() ? path : QString();
-    };
     QString controlPath;
-    controlPath = ifResolved(substitute(m_options.controlPath, {}, controlPath), controlPath);
+    if (!substitute(m_options.controlPath, kControlTexts.notSubstituted, controlPath).ok())
+        controlPath.clear();
     const UtilsNS::FileRole input = {QStringLiteral("input hts file"), m_inputPath};
     const UtilsNS::FileRole control = {QStringLiteral("method control file"), controlPath};
     const UtilsNS::FileRole output = {QStringLiteral("output hts file"), m_outputPath};
@@ -201,7 +199,8 @@ Status Conversion::refuseSharedFiles() const
         return errorWithDetail(kOutputTexts.notOpened, outputShared);
 
     QString logPath;
-    logPath = ifResolved(resolveLogPath(logPath), logPath);
+    if (!resolveLogPath(logPath).ok())
+        logPath.clear();
     const UtilsNS::FileRole log = {QStringLiteral("log file"), logPath};
     const QString logShared = UtilsNS::sharedFileMessage(log, {input, control, output});
     if (!logShared.isEmpty())
