@@ -10,9 +10,10 @@ target_compile_definitions(project_options INTERFACE
     QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER)
 
 if(HTS_SANITIZE)
-    set(sanitizer_flags -fsanitize=address,undefined -fno-sanitize-recover=all
-        -fno-omit-frame-pointer)
+    set(sanitizer_flags -fsanitize=address,undefined,float-cast-overflow
+        -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_compile_options(project_options INTERFACE ${sanitizer_flags})
+    target_compile_definitions(project_options INTERFACE _GLIBCXX_ASSERTIONS)
     target_link_options(project_options INTERFACE ${sanitizer_flags})
 endif()
 if(HTS_COVERAGE)
