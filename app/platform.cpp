@@ -1,6 +1,9 @@
 #include "app/platform.h"
 
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <new>
 
 #include <QByteArray>
 #include <QTextCodec>
@@ -22,6 +25,22 @@ void showFatalOnly(QtMsgType type, const QMessageLogContext&, const QString& mes
         std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
 }
 
+// Memory may run out where nobody can catch it: while the application object is made, or in a
+// destructor that is at work because it has run out already.
+[[noreturn]] void endWithoutMemory()
+{
+    try {
+        if (std::current_exception() != nullptr)
+            throw;
+    } catch (const std::bad_alloc&) {
+        std::fputs("HtsAnnualizer Error: Not enough memory\n\n", stdout);
+        std::fflush(stdout);
+        std::_Exit(EXIT_FAILURE);
+    } catch (...) {
+    }
+    std::abort();
+}
+
 } // namespace
 
 void openStandardStreams()
@@ -39,6 +58,7 @@ void openStandardStreams()
 void prepareForNoWindow()
 {
     qInstallMessageHandler(showFatalOnly);
+    std::set_terminate(endWithoutMemory);
 #ifdef Q_OS_UNIX
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -8,7 +8,8 @@
 void openStandardStreams();
 
 // Before the application object is made, when there will be no window: the toolkit then needs no
-// display and keeps its warnings to itself.
+// display and keeps its warnings to itself. Memory that runs out where nothing can be saved ends
+// the process with a text on the console and exit code 1.
 void prepareForNoWindow();
 
 // After the application object is made: under a C or POSIX locale, as a scheduler's jobs have it,
