@@ -1,0 +1,221 @@
+// A whole conversion of any HTS file with any control file: it fails with a known message and
+// writes nothing, or its result can be read back and holds what it was made of. The same file with
+// Windows line ends is converted alike.
+//
+// Input: a letter for the end month, the control file, a line "====", the HTS file.
+
+#include <cmath>
+#include <limits>
+
+#include <QBuffer>
+#include <QFile>
+
+#include "QsLog.h"
+#include "annualize/annualizehts.h"
+#include "fuzz/fuzzsupport.h"
+#include "fuzz/fuzztarget.h"
+#include "hts/datetimetext.h"
+#include "tests/hts/packagecompare.h"
+
+namespace {
+
+const QByteArray kSeparator = "\n====\n";
+
+const char* const kMessages[] = {
+    "",
+    "Cannot read package preamble",
+    "Cannot read run preamble",
+    "Cannot read slot preamble",
+    "Cannot read HTS file: Missing units or scale",
+    "Source HTS File already in annual timestep",
+    "Cannot create a complete year from the input HTS file",
+    "No series slots with valid methods found in input HTS file",
+    "Sizes of input value and value map vectors are mismatched",
+};
+
+struct Inputs
+{
+    int endMonth;
+    QByteArray control;
+    QByteArray hts;
+};
+
+// The line ends are line feeds alone; the twin with Windows line ends is made of them.
+Inputs inputsOf(QByteArray bytes)
+{
+    bytes.replace("\r", "");
+    const int month = bytes.isEmpty() ? 0 : static_cast<uchar>(bytes.at(0)) % 12;
+    const int separator = bytes.indexOf(kSeparator);
+    if (separator < 1)
+        return {month + 1, "*.*: Sum", bytes.mid(1)};
+    return {month + 1, bytes.mid(1, separator - 1), bytes.mid(separator + kSeparator.size())};
+}
+
+QByteArray withWindowsLineEnds(QByteArray text)
+{
+    return text.replace("\n", "\r\n");
+}
+
+struct Outcome
+{
+    QString message;
+    QByteArray written;
+};
+
+Outcome convert(QIODevice& source, const QString& controlPath, int endMonth)
+{
+    QBuffer result;
+    AnnualizeHts engine;
+    const bool isSet = result.open(QIODevice::WriteOnly) && engine.setSourceDevice(&source).ok() &&
+                       engine.setResultDevice(&result).ok() &&
+                       engine.setControlFile(controlPath).ok() && engine.setEndMonth(endMonth).ok();
+    fuzz::require(isSet, QStringLiteral("cannot set up the engine"));
+    const Status status = engine.annualize();
+    fuzz::require(!status.flag, QStringLiteral("the flag is set"));
+    return {status.message, result.data()};
+}
+
+// The conversion of files, opened as the program opens them.
+Outcome convertFiles(const Inputs& inputs)
+{
+    static const fuzz::ScratchFile kControl;
+    static const fuzz::ScratchFile kHts;
+    kControl.write(inputs.control);
+    kHts.write(inputs.hts);
+    QFile source(kHts.path());
+    fuzz::require(source.open(QIODevice::ReadOnly | QIODevice::Text),
+                  QStringLiteral("cannot open the file"));
+    return convert(source, kControl.path(), inputs.endMonth);
+}
+
+void requireSame(const QString& what, const Outcome& actual, const Outcome& expected)
+{
+    fuzz::requireEqual(what + QStringLiteral(", message"), actual.message, expected.message);
+    fuzz::requireEqual(what, QString::fromLatin1(actual.written),
+                       QString::fromLatin1(expected.written));
+}
+
+// What a value is after it has been written and read.
+double asReadBack(double value)
+{
+    return std::isfinite(value) ? QString::number(value, 'f', 12).toDouble()
+                                : std::numeric_limits<double>::quiet_NaN();
+}
+
+QDateTime asReadBack(const QDateTime& dateTime)
+{
+    return textToDateTime(dateTimeToText(dateTime));
+}
+
+void makeAsReadBack(HtsSlot& slot)
+{
+    slot.preambleRead = true;
+    slot.rows = 0; // of tables alone, as is the next
+    slot.cols = 0;
+    for (double& scale : slot.scales)
+        scale = QStringLiteral("%1").arg(scale).toDouble();
+}
+
+void makeAsReadBack(HtsPackage& package)
+{
+    package.createDate = asReadBack(package.createDate);
+    for (HtsRun& run : package.runs) {
+        run.complete = true;
+        run.start = asReadBack(run.start);
+        run.end = asReadBack(run.end);
+    }
+    for (HtsSlot& slot : package.slots)
+        makeAsReadBack(slot);
+    for (auto& runValues : package.values) {
+        for (auto& columns : runValues) {
+            for (double& value : columns.front())
+                value = asReadBack(value);
+        }
+    }
+}
+
+HtsPackage packageOf(const QByteArray& text, const QString& what)
+{
+    QBuffer device;
+    device.setData(text);
+    fuzz::require(device.open(QIODevice::ReadOnly), QStringLiteral("cannot open the buffer"));
+    HtsPackage package;
+    fuzz::requireEqual(what + QStringLiteral(", message"), package.read(device).message, QString());
+    fuzz::require(what != QLatin1String("result") || device.atEnd(),
+                  QStringLiteral("the result has more than its package"));
+    return package;
+}
+
+// Every run has the same number of years, and every column as many values.
+void checkYears(const HtsPackage& annual)
+{
+    const int years = annual.run(0).timeStepCount;
+    fuzz::require(years > 0, QStringLiteral("a result without a year"));
+    for (int r = 0; r < annual.runs.size(); ++r) {
+        const HtsRun& run = annual.run(r);
+        fuzz::requireEqual(QStringLiteral("unit"), run.timeStepUnit, QStringLiteral("year"));
+        fuzz::require(run.timeStepCount == years && run.timesteps.size() == years,
+                      QStringLiteral("run %1 has %2 years and %3 timesteps instead of %4")
+                          .arg(r)
+                          .arg(run.timeStepCount)
+                          .arg(run.timesteps.size())
+                          .arg(years));
+        for (const auto& columns : annual.values.at(static_cast<std::size_t>(r))) {
+            fuzz::require(columns.size() == 1 &&
+                              columns.front().size() == static_cast<std::size_t>(years),
+                          QStringLiteral("a column of run %1 lacks values").arg(r));
+        }
+    }
+}
+
+void checkResult(const Inputs& inputs, const QByteArray& written)
+{
+    static const fuzz::ScratchFile kControl;
+    kControl.write(inputs.control);
+    AnnualizeHts engine;
+    const bool isSet =
+        engine.setControlFile(kControl.path()).ok() && engine.setEndMonth(inputs.endMonth).ok();
+    fuzz::require(isSet, QStringLiteral("cannot set up the engine"));
+    HtsPackage annual;
+    const Status status =
+        engine.annualizePackage(packageOf(inputs.hts, QStringLiteral("input")), annual);
+    fuzz::requireEqual(QStringLiteral("message in memory"), status.message, QString());
+    checkYears(annual);
+    // A NUL byte ends a text, and may leave it with a blank at its end or empty; neither can be
+    // read back.
+    if (inputs.hts.contains('\0'))
+        return;
+    makeAsReadBack(annual);
+    const QString fault = difference(packageOf(written, QStringLiteral("result")), annual);
+    fuzz::require(fault.isEmpty(), QStringLiteral("read back: ") + fault);
+}
+
+bool isKnown(const QString& message)
+{
+    for (const char* known : kMessages) {
+        if (message == QLatin1String(known))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+void checkInput(const QByteArray& input)
+{
+    QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
+    const Inputs inputs = inputsOf(input);
+    if (fuzz::isEndless(inputs.hts))
+        return;
+    const Outcome outcome = convertFiles(inputs);
+    fuzz::require(isKnown(outcome.message), QStringLiteral("unknown message: ") + outcome.message);
+    requireSame(QStringLiteral("with Windows line ends"),
+                convertFiles({inputs.endMonth, withWindowsLineEnds(inputs.control),
+                              withWindowsLineEnds(inputs.hts)}),
+                outcome);
+    if (outcome.message.isEmpty())
+        checkResult(inputs, outcome.written);
+    else
+        fuzz::require(outcome.written.isEmpty(),
+                      QStringLiteral("written in spite of: ") + outcome.message);
+}

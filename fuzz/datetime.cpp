@@ -1,0 +1,112 @@
+// Any text as a date-time of an HTS file, against the toolkit's own conversion in a time zone
+// without gaps; and any minute of the years 1 to 9999 there and back, against plain arithmetic.
+
+#include <ctime>
+
+#include <QDateTime>
+
+#include "fuzz/fuzzsupport.h"
+#include "fuzz/fuzztarget.h"
+#include "hts/datetimetext.h"
+
+namespace {
+
+const QString kFormat = QStringLiteral("yyyy-M-d h:mm");
+const QString kEndOfDay = QStringLiteral("24:00");
+
+constexpr qint64 kMinutesPerDay = 24 * 60;
+
+void setZoneWithoutGaps()
+{
+    qputenv("TZ", "UTC");
+    tzset();
+}
+
+QString described(const QDateTime& dateTime)
+{
+    return dateTime.isValid() ? QString::number(dateTime.toMSecsSinceEpoch())
+                              : QStringLiteral("invalid");
+}
+
+QDateTime byToolkit(QString text)
+{
+    const bool isMidnight = text.endsWith(kEndOfDay);
+    if (isMidnight)
+        text.replace(kEndOfDay, QStringLiteral("00:00"));
+    const QDateTime dateTime = QDateTime::fromString(text, kFormat);
+    return isMidnight && dateTime.isValid() ? dateTime.addDays(1) : dateTime;
+}
+
+int daysIn(int month, int year)
+{
+    static const int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool isLeapYear = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+    return kDays[month - 1] + (month == 2 && isLeapYear ? 1 : 0);
+}
+
+int daysIn(int year)
+{
+    return daysIn(2, year) + 337;
+}
+
+// The text of the instant `minutes`, 1 or more, after the start of the year 1, counted off. A day's
+// minutes are 1 to 1440: midnight ends the day.
+QString countedText(qint64 minutes)
+{
+    auto days = static_cast<int>((minutes - 1) / kMinutesPerDay);
+    const auto minuteOfDay = static_cast<int>((minutes - 1) % kMinutesPerDay + 1);
+    int year = 1;
+    for (; days >= daysIn(year); ++year)
+        days -= daysIn(year);
+    int month = 1;
+    for (; days >= daysIn(month, year); ++month)
+        days -= daysIn(month, year);
+    return QStringLiteral("%1-%2-%3 %4:%5")
+        .arg(year, 4, 10, QLatin1Char('0'))
+        .arg(month)
+        .arg(days + 1)
+        .arg(minuteOfDay / 60)
+        .arg(minuteOfDay % 60, 2, 10, QLatin1Char('0'));
+}
+
+void checkText(const QString& text)
+{
+    const QDateTime dateTime = textToDateTime(text);
+    fuzz::requireEqual(text, described(dateTime), described(byToolkit(text)));
+    if (!dateTime.isValid()) {
+        fuzz::require(dateTime.isNull(), text + QStringLiteral(": invalid, but not null"));
+        fuzz::requireEqual(text, dateTimeToText(dateTime), QString());
+        return;
+    }
+    fuzz::require(dateTime.timeSpec() == Qt::UTC, text + QStringLiteral(": not in UTC"));
+    // There is no day before the first one, so that its midnight has no text.
+    if (dateTime <= QDateTime(QDate(1, 1, 1), QTime(0, 0), Qt::UTC))
+        return;
+    const QString written = dateTimeToText(dateTime);
+    fuzz::requireEqual(text + QStringLiteral(", written and read"),
+                       described(textToDateTime(written)), described(dateTime));
+    fuzz::requireEqual(text + QStringLiteral(", written twice"),
+                       dateTimeToText(textToDateTime(written)), written);
+}
+
+void checkInstant(qint64 minutes)
+{
+    const QDateTime start(QDate(1, 1, 1), QTime(0, 0), Qt::UTC);
+    const QDateTime dateTime = start.addSecs(minutes * 60);
+    const QString text = countedText(minutes);
+    fuzz::requireEqual(QStringLiteral("text of the instant"), dateTimeToText(dateTime), text);
+    fuzz::requireEqual(text, described(textToDateTime(text)), described(dateTime));
+}
+
+} // namespace
+
+void checkInput(const QByteArray& input)
+{
+    static const bool kIsSet = (setZoneWithoutGaps(), true);
+    Q_UNUSED(kIsSet)
+    checkText(QString::fromUtf8(input.constData(), input.size()));
+
+    constexpr quint64 kDays = 3652059; // in the years 1 to 9999
+    constexpr auto kMinutes = kDays * static_cast<quint64>(kMinutesPerDay);
+    checkInstant(static_cast<qint64>(fuzz::seedOf(input) % kMinutes) + 1);
+}
