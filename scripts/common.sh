@@ -92,3 +92,13 @@ build_preset() {
     fi
     quietly "Building build/$preset" cmake --build --preset "$preset" "${targets[@]}"
 }
+
+# The optimised build with the benchmarks, which an earlier configuration may have left out.
+build_with_benchmarks() {
+    require_packages "libbenchmark-dev"
+    if ! grep -qs '^BUILD_BENCHMARKS:BOOL=ON' build/release/CMakeCache.txt; then
+        require_cmake_version
+        quietly "Configuring build/release" cmake --preset release -DBUILD_BENCHMARKS=ON
+    fi
+    build_preset release
+}
