@@ -130,8 +130,8 @@ int pipeToDrain = -1;
 // The first signal meets a write that waits for room, the second makes room.
 void drainAtSecondSignal(int)
 {
-    char bytes[65536];
     if (++signalsSeen == 2) {
+        char bytes[65536];
         const ssize_t size = ::read(pipeToDrain, bytes, sizeof bytes);
         static_cast<void>(size);
     }
