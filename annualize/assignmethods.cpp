@@ -2,6 +2,7 @@
 
 #include "annualize/annualizehts.h"
 
+#include <QBuffer>
 #include <QFile>
 
 #include "QsLog.h"
@@ -10,12 +11,19 @@
 Status AnnualizeHts::assignMethods(const QVector<HtsSlot>& slots, QStringList& methods) const
 {
     QFile file(m_controlFile);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    // Not in text mode, in which reading all drops every "\r", even one inside a line.
+    if (!file.open(QIODevice::ReadOnly))
+        return failure(file.errorString());
+    // All at once: a failed read in the middle must not pass for the end of the rules.
+    QByteArray rules = file.readAll();
+    if (file.error() != QFileDevice::NoError)
         return failure(file.errorString());
     QLOG_INFO() << "Starting assignment of methods to slots";
 
     MethodControl control;
-    Status status = control.read(file);
+    QBuffer buffer(&rules);
+    buffer.open(QIODevice::ReadOnly);
+    Status status = control.read(buffer);
     if (!status.ok())
         return status;
 

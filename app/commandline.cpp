@@ -4,7 +4,6 @@
 #include <memory>
 
 #include <QDateTime>
-#include <QFile>
 
 #include "QsLogLevel.h"
 #include "annualize/annualizehts.h"
@@ -12,10 +11,10 @@
 #include "app/options.h"
 #include "app/usage.h"
 #include "gui/messagewatcher.h"
+#include "utils/checkedfile.h"
 #include "utils/consolebuf.h"
 #include "utils/envvars.h"
 #include "utils/fileroles.h"
-#include "utils/outputfile.h"
 
 namespace {
 
@@ -123,9 +122,9 @@ private:
     QString m_inputPath;
     QString m_outputPath;
     QString m_controlPath;
-    QFile m_input;
-    QFile m_output;
-    QFile m_log;
+    UtilsNS::CheckedFile m_input;
+    UtilsNS::CheckedFile m_output;
+    UtilsNS::CheckedFile m_log;
     std::unique_ptr<LogStreamAttachment> m_logAttachment;
 };
 
@@ -239,10 +238,7 @@ Status Conversion::convert()
         return failure(QStringLiteral("HtsAnnualizer Error: Invalid end month for year specified "
                                       "with -y option: %1")
                            .arg(endMonth));
-    Status status = m_engine.annualize();
-    // The engine doesn't see a disk that fills up.
-    if (status.ok())
-        status.message = UtilsNS::finishedFileError(m_output);
+    Status status = UtilsNS::conversionOutcome(m_engine.annualize(), m_input, m_output);
     if (status.ok())
         return status;
     return failure(QLatin1String("HtsAnnualizer Error: \n") + status.message + QLatin1Char('\n'));
@@ -258,7 +254,7 @@ int Conversion::run()
         logStream << status.message << Qt::endl;
 
     m_logAttachment.reset();
-    const QString logError = UtilsNS::finishedFileError(m_log);
+    const QString logError = m_log.finish();
     if (!logError.isEmpty()) {
         // The outcome is lost with the log, so the console gets to know.
         print(logFailure(QStringLiteral("writing"), m_log.fileName(), logError).message);

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -13,10 +12,10 @@
 #include "gui/messageviewer.h"
 #include "gui/messagewatcher.h"
 #include "ui_annualizehtsdlg.h"
+#include "utils/checkedfile.h"
 #include "utils/envvars.h"
 #include "utils/fileroles.h"
 #include "utils/helpurl.h"
-#include "utils/outputfile.h"
 
 namespace {
 
@@ -213,7 +212,7 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::convert()
     if (!failure.isNone())
         return failure;
 
-    QFile sourceFile(paths.source);
+    UtilsNS::CheckedFile sourceFile(paths.source);
     if (!sourceFile.open(QIODevice::ReadOnly | QIODevice::Text))
         return {kConfigurationTitle, sourceFile.errorString()};
     Status status = m_engine->setSourceDevice(&sourceFile);
@@ -224,7 +223,7 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::convert()
     if (!status.ok())
         return {kConfigurationTitle, status.message};
 
-    QFile resultFile(paths.result);
+    UtilsNS::CheckedFile resultFile(paths.result);
     if (!resultFile.open(QIODevice::WriteOnly | QIODevice::Text))
         return {kConfigurationTitle, resultFile.errorString()};
     status = m_engine->setResultDevice(&resultFile);
@@ -237,8 +236,7 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::convert()
         const WaitCursor waitCursor;
         status = m_engine->annualize();
     }
-    if (status.ok())
-        status.message = UtilsNS::finishedFileError(resultFile); // the engine can't see a full disk
+    status = UtilsNS::conversionOutcome(status, sourceFile, resultFile);
     return {kConversionTitle, status.message};
 }
 

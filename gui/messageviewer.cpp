@@ -4,7 +4,6 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QCloseEvent>
-#include <QFile>
 #include <QFileDialog>
 #include <QGuiApplication>
 #include <QHeaderView>
@@ -17,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include "gui/messagewatcher.h"
+#include "utils/checkedfile.h"
 
 namespace UtilsNS {
 
@@ -253,13 +253,18 @@ void MessageViewer::saveHandler()
         QFileDialog::getSaveFileName(this, tr("Save Diagnostic Output"), m_lastSaveName);
     if (name.isEmpty())
         return;
-    QFile file(name);
+    UtilsNS::CheckedFile file(name);
     // Not in text mode: lines end with a bare line feed everywhere.
     if (!file.open(QIODevice::WriteOnly)) {
         QMessageBox::warning(this, QStringLiteral("Save Diagnostics Error"), file.errorString());
         return;
     }
     file.write(text.toLocal8Bit());
+    const QString problem = file.finish();
+    if (!problem.isEmpty()) {
+        QMessageBox::warning(this, QStringLiteral("Save Diagnostics Error"), problem);
+        return;
+    }
     m_lastSaveName = name;
 }
 
