@@ -284,6 +284,8 @@ private Q_SLOTS:
     void oddNames() { convert(); }
     void numbersOfLines_data();
     void numbersOfLines() { convert(); }
+    void tables_data();
+    void tables() { convert(); }
     void lettersInOtherCase_data();
     void lettersInOtherCase() { convert(); }
     void oddValues_data();
@@ -515,6 +517,10 @@ void OddFilesTest::oddNames_data()
           changed(kResult, "Flow", "Flow.in: all"), changed(kControl, "Flow", "Flow.in: all"));
     isNotNamed("asterisk with letters", "Lake", "La*");
     isNamed("empty", "", "*", "");
+    gives("two slots of one name", changed(kInput, kLevelPreamble, kFlowPreamble),
+          changed(kResult, kAnnualLevel,
+                  kFlowPreamble + "units: m summed over the year\nscale: 0.5\nmethod: Sum\n"
+                                  "1980.000000000000\nEND_COLUMN\nEND_SLOT\n"));
 }
 
 void OddFilesTest::numbersOfLines_data()
@@ -549,6 +555,25 @@ void OddFilesTest::numbersOfLines_data()
     refused("more runs announced", changed(kInput, "runs:1", "runs:2"), kBadRunPreamble);
     refused("END_RUN missing between runs",
             changed(changed(kInput, "runs:1", "runs:2"), "END_RUN\n", "") + kRun, kBadRunPreamble);
+}
+
+// The reader goes on behind a table's rows to the next line END_SLOT.
+void OddFilesTest::tables_data()
+{
+    addColumns();
+    const auto withTable = [](const QByteArray& rows) {
+        const QByteArray preamble = "object_name: Lake\nslot_type: TableSlot\nslot_name: Curve\n"
+                                    "rows: 2\ncols: 1\nEND_SLOT_PREAMBLE\n";
+        return changed(kInput, kFlowPreamble, preamble + rows + kFlowPreamble);
+    };
+    gives("as announced", withTable("1\n2\nEND_SLOT\n"), kResult);
+    gives("with columns", withTable("1\n2\nunits: m\nscale: 1\nEND_COLUMN\nEND_SLOT\n"), kResult);
+    gives("a row too many, and blank lines", withTable("1\n2\n3\n\n\nEND_SLOT\n"), kResult);
+    gives("blank row", withTable("1\n\nEND_SLOT\n"), kResult);
+    // Its end is the second row then, and the next slot is taken for the rest of the table.
+    gives("a row missing", withTable("1\nEND_SLOT\n"), kLevelAlone);
+    gives("no end", withTable("1\n2\n"), kLevelAlone);
+    gives("end in other case", withTable("1\n2\nend_slot\n"), kLevelAlone);
 }
 
 void OddFilesTest::lettersInOtherCase_data()
