@@ -2,6 +2,8 @@
 
 #include "annualize/annualizehts.h"
 
+#include <new>
+
 #include "QsLog.h"
 #include "annualize/slotloop.h"
 
@@ -13,6 +15,7 @@ const QLatin1String kNoControlFile("Method specification file name cannot be bla
 const QLatin1String kBadMonth("Integer for the end of year month is out of the range 1 to 12");
 const QLatin1String kNotSet("Input HTS file device, output annual file device, control file path, "
                             "or end year month not set");
+const QLatin1String kNoMemory("Not enough memory");
 const QLatin1String kNoSlots("No series slots with valid methods found in input HTS file");
 
 bool isMonth(int month)
@@ -67,7 +70,15 @@ Status AnnualizeHts::annualize()
     if (m_source == nullptr || m_result == nullptr || m_controlFile.isEmpty() ||
         !isMonth(m_endMonth))
         return failure(kNotSet);
+    try {
+        return convert();
+    } catch (const std::bad_alloc&) {
+        return failure(kNoMemory);
+    }
+}
 
+Status AnnualizeHts::convert()
+{
     HtsPackage input;
     Status status = input.read(*m_source);
     if (!status.ok())

@@ -47,7 +47,7 @@ public:
     Status setEndMonth(int month);
 
     // Runs one conversion: reads the source to the end of its last run and, when nothing failed,
-    // writes the result. Blocks until it is done.
+    // writes the result. Blocks until it is done. Memory that runs out is a failure too.
     Status annualize();
 
     // The steps of annualize(), between reading and writing.
@@ -70,6 +70,8 @@ public:
     Status assignMethods(const QVector<HtsSlot>& slots, QStringList& methods) const;
 
 private:
+    Status convert();
+
     QIODevice* m_source = nullptr;
     QIODevice* m_result = nullptr;
     QString m_controlFile;

@@ -14,8 +14,12 @@ Status AnnualizeHts::assignMethods(const QVector<HtsSlot>& slots, QStringList& m
     // Not in text mode, in which reading all drops every "\r", even one inside a line.
     if (!file.open(QIODevice::ReadOnly))
         return failure(file.errorString());
-    // All at once: a failed read in the middle must not pass for the end of the rules.
-    QByteArray rules = file.readAll();
+    // All of it first: a failed read must not pass for the end of the rules. It is seen when the
+    // file is asked once more; readAll() asks only once.
+    QByteArray rules;
+    constexpr qint64 kPieceSize = 64 * 1024;
+    for (QByteArray piece = file.read(kPieceSize); !piece.isEmpty(); piece = file.read(kPieceSize))
+        rules += piece;
     if (file.error() != QFileDevice::NoError)
         return failure(file.errorString());
     QLOG_INFO() << "Starting assignment of methods to slots";

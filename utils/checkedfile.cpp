@@ -4,9 +4,7 @@ namespace UtilsNS {
 
 QString CheckedFile::finish()
 {
-    // What an incomplete write left is tried once more, which tells why it was incomplete.
-    if (!flush() && !flush())
-        noteError();
+    flushAll();
     close();
     noteError();
     return m_problem;
@@ -33,7 +31,17 @@ qint64 CheckedFile::writeData(const char* data, qint64 size)
         }
         written += count;
     }
-    return written;
+    // A text stream flushes the file behind each of its writes, and keeps to itself that it failed.
+    return flushAll() ? written : -1;
+}
+
+// What an incomplete write leaves is tried once more, which tells why it was incomplete.
+bool CheckedFile::flushAll()
+{
+    const bool isFlushed = flush() || flush();
+    if (!isFlushed)
+        noteError();
+    return isFlushed;
 }
 
 template<typename Read>

@@ -31,6 +31,7 @@ protected:
 private:
     template<typename Read>
     qint64 checkedRead(Read read);
+    bool flushAll();
     void noteError();
 
     QString m_problem;
