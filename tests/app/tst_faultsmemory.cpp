@@ -1,0 +1,138 @@
+// The program with less memory than it needs. Whatever the limit is, a conversion has the whole
+// result or it fails, and where the program itself got to work it says so.
+
+#include <QtTest>
+
+#include "tests/app/faultsinput.h"
+#include "tests/app/processrun.h"
+
+namespace {
+
+const char kOldResult[] = "an old result";
+const char kNoMemory[] = "HtsAnnualizer Error: Not enough memory\n\n";
+
+// Steps of the limit, in KiB.
+constexpr int kCoarse = 2048;
+constexpr int kFine = 128;
+constexpr int kMost = 4 * 1024 * 1024;
+
+} // namespace
+
+class TestFaultsMemory : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void limitsAroundTheLeastThatWillDo();
+    void inputWithoutEnd();
+
+private:
+    enum class Outcome {
+        NotStarted, // the system had no memory for the program
+        NoMemory,
+        Success,
+        Wrong
+    };
+
+    Outcome runWithLimit(int kilobytes);
+    int leastThatWillDo();
+
+    QByteArray m_input;
+    QByteArray m_result;
+    // Of the last run, for messages.
+    QByteArray m_details;
+};
+
+void TestFaultsMemory::initTestCase()
+{
+    constexpr int kSlots = 3000;
+    m_input = withSlots(monthlyFile(), kSlots);
+    m_result = withSlots(monthlySums(), kSlots);
+}
+
+TestFaultsMemory::Outcome TestFaultsMemory::runWithLimit(int kilobytes)
+{
+    ProcessRun run;
+    run.write(QStringLiteral("a.hts"), m_input);
+    run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
+    run.write(QStringLiteral("b.hts"), kOldResult);
+    // Counts of a coverage build are kept out.
+    run.environment.insert(QStringLiteral("GCOV_PREFIX"), run.path(QStringLiteral("counts")));
+    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1 || exit 127; "
+                                  "exec \"$PROGRAM\" -i a.hts -o b.hts -c c.txt")
+                       .arg(kilobytes));
+    const QByteArray result = run.read(QStringLiteral("b.hts"));
+    const QByteArray log = withoutTime(run.read(QStringLiteral("b.log")));
+    m_details = QByteArray::number(kilobytes) + " KiB: exit code " +
+                QByteArray::number(run.exitCode) + ", result of " +
+                QByteArray::number(result.size()) + " bytes\n" + run.output + run.errors + log;
+    if (run.exitCode == 0) {
+        const bool isWhole =
+            result == m_result && log == logWithOutcome(kCreated) && run.output.isEmpty();
+        return isWhole ? Outcome::Success : Outcome::Wrong;
+    }
+    if (run.exitCode == 127)
+        return result == kOldResult ? Outcome::NotStarted : Outcome::Wrong;
+    const bool isToldInTheLog =
+        log == logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n") &&
+        run.output.isEmpty();
+    const bool isToldOnTheConsole = run.output == kNoMemory;
+    const bool isTold = run.exitCode == 1 && (isToldInTheLog || isToldOnTheConsole);
+    const bool isResultUnfinished = result == kOldResult || m_result.startsWith(result);
+    return isTold && isResultUnfinished ? Outcome::NoMemory : Outcome::Wrong;
+}
+
+// By halving; -1 when a run went wrong.
+int TestFaultsMemory::leastThatWillDo()
+{
+    int tooLittle = 0;
+    int enough = kMost;
+    while (enough - tooLittle > kCoarse) {
+        const int middle = tooLittle + (enough - tooLittle) / 2;
+        const Outcome outcome = runWithLimit(middle);
+        if (outcome == Outcome::Wrong)
+            return -1;
+        (outcome == Outcome::Success ? enough : tooLittle) = middle;
+    }
+    return enough;
+}
+
+void TestFaultsMemory::limitsAroundTheLeastThatWillDo()
+{
+    const int least = leastThatWillDo();
+    QVERIFY2(least > 0, m_details);
+    int successes = 0;
+    int failures = 0;
+    for (int limit = least - 2 * kCoarse; limit <= least + kFine; limit += kFine) {
+        const Outcome outcome = runWithLimit(limit);
+        QVERIFY2(outcome != Outcome::Wrong, m_details);
+        successes += outcome == Outcome::Success ? 1 : 0;
+        failures += outcome == Outcome::NoMemory ? 1 : 0;
+    }
+    QVERIFY(successes > 0);
+    QVERIFY(failures > 0);
+}
+
+// A device that gives bytes for ever, and no line end, fills any memory.
+void TestFaultsMemory::inputWithoutEnd()
+{
+    const int limit = leastThatWillDo();
+    QVERIFY2(limit > 0, m_details);
+    ProcessRun run;
+    writeInputs(run);
+    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1; "
+                                  "exec \"$PROGRAM\" -i /dev/zero -o b.hts -c c.txt")
+                       .arg(limit + 16 * 1024));
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
+             logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n")
+                 .replace("a.hts", "/dev/zero"));
+    QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
+}
+
+QTEST_GUILESS_MAIN(TestFaultsMemory)
+
+#include "tst_faultsmemory.moc"
