@@ -1,13 +1,12 @@
 // Any text as a date-time of an HTS file, against the toolkit's own conversion in a time zone
 // without gaps; and any minute of the years 1 to 9999 there and back, against plain arithmetic.
 
-#include <ctime>
-
 #include <QDateTime>
 
 #include "fuzz/fuzzsupport.h"
 #include "fuzz/fuzztarget.h"
 #include "hts/datetimetext.h"
+#include "tests/support/timezone.h"
 
 namespace {
 
@@ -15,12 +14,6 @@ const QString kFormat = QStringLiteral("yyyy-M-d h:mm");
 const QString kEndOfDay = QStringLiteral("24:00");
 
 constexpr qint64 kMinutesPerDay = 24 * 60;
-
-void setZoneWithoutGaps()
-{
-    qputenv("TZ", "UTC");
-    tzset();
-}
 
 QString described(const QDateTime& dateTime)
 {
@@ -102,8 +95,7 @@ void checkInstant(qint64 minutes)
 
 void checkInput(const QByteArray& input)
 {
-    static const bool kIsSet = (setZoneWithoutGaps(), true);
-    Q_UNUSED(kIsSet)
+    static const TimeZone kZoneWithoutGaps("UTC");
     checkText(QString::fromUtf8(input.constData(), input.size()));
 
     constexpr quint64 kDays = 3652059; // in the years 1 to 9999
