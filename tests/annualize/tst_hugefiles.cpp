@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr qint64 kLength = 100 * 1000 * 1000; // of a line, in bytes
-constexpr qint64 kSlots = 1000 * 1000;
+constexpr qint64 kLength = 100'000'000; // of a line, in bytes
+constexpr qint64 kSlots = 1'000'000;
 
 // The pieces of a file that gives `annualFile` with the sum 78.
 

@@ -82,8 +82,8 @@ void addSlot(Lines& lines, int run, int slot)
         "object_type: Reservoir\nobject_name: A\nslot_type: SeriesSlot\nslot_name: Flow",
         "object_type: Reservoir\nobject_name: A\nslot_name: Level",
         "object_type: Reservoir\nobject_name: A\nslot_type: ScalarSlot\nslot_name: Volume",
-        "object_type: Reservoir\nobject_name: A\nslot_type: TableSlot\nslot_name: Curve\n"
-        "rows: 2\ncols: 2",
+        ("object_type: Reservoir\nobject_name: A\nslot_type: TableSlot\nslot_name: Curve\n"
+         "rows: 2\ncols: 2"),
         "object_type: Gauge\nobject_name: B\nslot_type: SeriesSlot\nslot_name: Flow"};
     if (slot == kTable) {
         add(lines, Kind::TablePreamble, kNames[slot] + ('\n' + kEndSlotPreamble));
