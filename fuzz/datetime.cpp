@@ -13,7 +13,7 @@ namespace {
 const QString kFormat = QStringLiteral("yyyy-M-d h:mm");
 const QString kEndOfDay = QStringLiteral("24:00");
 
-constexpr qint64 kMinutesPerDay = 24 * 60;
+constexpr int kMinutesPerDay = 24 * 60;
 
 QString described(const QDateTime& dateTime)
 {

@@ -68,7 +68,7 @@ Status readPlainly(QIODevice& device, const QByteArray& text, HtsPackage& packag
 {
     // One line more than there are line ends, and one to be past the end.
     plainreader::LineBudget budget{text.count('\n') + 2};
-    const Status status = plainreader::read(device, package, &budget);
+    Status status = plainreader::read(device, package, &budget);
     isEndless = budget.isExhausted;
     return status;
 }
