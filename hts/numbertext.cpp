@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include <QString>
+#include <QtEndian>
 
 #include "hts/linetext.h"
 
@@ -18,6 +19,10 @@ namespace {
 
 constexpr int kDecimals = 12;
 constexpr std::uint64_t kUnits = 1000000000000; // 10^kDecimals, units of the last decimal in 1
+
+// Integers up to this one a double holds exactly: with twelve decimals, numbers up to 9007.
+constexpr std::uint64_t kMostExact = std::uint64_t(1) << 53;
+constexpr int kMostWholeDigits = 4;
 
 // From 2^53 on a double has no fraction.
 constexpr double kMostWhole = 9007199254740992.0;
@@ -30,6 +35,86 @@ bool isDigit(char c)
 char lower(char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Eight characters of a text, the first of them in the lowest byte.
+std::uint64_t eightCharacters(const char* text)
+{
+    return qFromLittleEndian<quint64>(text);
+}
+
+bool areDigits(std::uint64_t characters)
+{
+    constexpr std::uint64_t kHighHalves = 0xf0f0f0f0f0f0f0f0;
+    constexpr std::uint64_t kZeros = 0x3030303030303030;
+    // Six more than a digit is still in the row of '0', six more than what follows '9' is not.
+    const std::uint64_t sixMore = characters + 0x0606060606060606;
+    return (characters & kHighHalves) == kZeros && (sixMore & kHighHalves) == kZeros;
+}
+
+// The number that eight digits make: neighbours are joined to pairs, pairs to fours, fours to
+// eight.
+std::uint64_t eightDigits(std::uint64_t characters)
+{
+    constexpr std::uint64_t kTens = 10, kHundreds = 100, kTenThousands = 10000;
+    std::uint64_t digits = characters & 0x0f0f0f0f0f0f0f0f;
+    digits = (digits * (1 + (kTens << 8)) >> 8) & 0x00ff00ff00ff00ff;
+    digits = (digits * (1 + (kHundreds << 16)) >> 16) & 0x0000ffff0000ffff;
+    return digits * (1 + (kTenThousands << 32)) >> 32;
+}
+
+// Reads `wholeDigits` digits, the point behind them, which is there, and twelve decimals that end
+// the line. Returns where the number ends, or nullptr if it isn't like that or if a double doesn't
+// hold its digits exactly. 13 characters follow the point.
+template<int wholeDigits>
+const char* readFixed(const char* text, double& magnitude)
+{
+    static_assert(wholeDigits <= kMostWholeDigits);
+    std::uint64_t whole = 0;
+    bool isWhole = true;
+    for (int i = 0; i < wholeDigits; ++i) {
+        isWhole = isWhole && isDigit(text[i]);
+        whole = whole * 10 + static_cast<unsigned char>(text[i]) - '0';
+    }
+    const char* decimals = text + wholeDigits + 1;
+    const char* end = decimals + kDecimals;
+    const std::uint64_t first = eightCharacters(decimals);
+    const std::uint64_t last = eightCharacters(end - 8); // four of them once more
+    if (!isWhole || !areDigits(first) || !areDigits(last) || (*end != '\n' && *end != '\r'))
+        return nullptr;
+    const std::uint64_t number =
+        whole * kUnits + eightDigits(first) * 10000 + eightDigits(last) % 10000;
+    if (number > kMostExact)
+        return nullptr;
+    magnitude = static_cast<double>(static_cast<std::int64_t>(number)) / double(kUnits);
+    return end;
+}
+
+// Reads a number as writeNumber writes it, at the end of a line: nearly every value of an HTS file
+// is one. Branches, which the processor foresees, find the point; if the length were computed, the
+// next line would have to wait for it. Returns `first` for any other number.
+const char* readWrittenNumber(const char* first, const char* last, double& value)
+{
+    constexpr std::ptrdiff_t kLongest =
+        1 + kMostWholeDigits + 1 + kDecimals + 1; // sign to line end
+    if (last - first < kLongest || FLT_EVAL_METHOD != 0)
+        return first;
+    const bool isNegative = *first == '-';
+    const char* text = first + (isNegative ? 1 : 0);
+    const char* end = nullptr;
+    double magnitude = 0.0;
+    if (text[3] == '.')
+        end = readFixed<3>(text, magnitude);
+    else if (text[2] == '.')
+        end = readFixed<2>(text, magnitude);
+    else if (text[1] == '.')
+        end = readFixed<1>(text, magnitude);
+    else if (text[4] == '.')
+        end = readFixed<4>(text, magnitude);
+    if (end == nullptr)
+        return first;
+    value = isNegative ? -magnitude : magnitude;
+    return end;
 }
 
 // Digits read from a text: as one integer, and where they end. The number wraps past 19 digits.
@@ -52,15 +137,14 @@ Digits takeDigits(const char* first, const char* last, std::uint64_t number)
     return {number, position};
 }
 
-// Reads a number without an exponent whose digits, taken as an integer, a double holds exactly, as
-// the values of HTS files mostly are. Integer and power of ten being exact, their quotient is the
-// correctly rounded result. Returns `first` for any other number.
+// Reads a number without an exponent whose digits, taken as an integer, a double holds exactly.
+// Integer and power of ten being exact, their quotient is the correctly rounded result. Returns
+// `first` for any other number.
 const char* readShortDecimal(const char* first, const char* last, double& value)
 {
     static const double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,
                                           1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13,
                                           1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
-    constexpr std::uint64_t kMostExact = std::uint64_t(1) << 53;
     constexpr std::ptrdiff_t kMostDigits = 19;
 
     const bool isNegative = first != last && *first == '-';
@@ -70,6 +154,10 @@ const char* readShortDecimal(const char* first, const char* last, double& value)
     std::ptrdiff_t decimals = 0;
     if (digits.end != last && *digits.end == '.') {
         const char* fraction = digits.end + 1;
+        // With all its decimals a number beyond 9007 has too many digits: no use reading them.
+        if (count > kMostWholeDigits && last - fraction >= kDecimals &&
+            isDigit(fraction[kDecimals - 1]))
+            return first;
         digits = takeDigits(fraction, last, digits.number);
         decimals = digits.end - fraction;
         count += decimals;
@@ -113,6 +201,8 @@ std::uint64_t roundedDecimals(double fraction)
 
 const char* readPlainNumber(const char* first, const char* last, double& value)
 {
+    if (const char* end = readWrittenNumber(first, last, value); end != first)
+        return end;
     if (const char* end = readShortDecimal(first, last, value); end != first)
         return end;
     // std::from_chars also takes "inf", "nan" and "nan(...)", which the toolkit reads otherwise.

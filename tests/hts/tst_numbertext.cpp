@@ -74,6 +74,10 @@ private Q_SLOTS:
     void readsNumbers();
     void readsNumbersInAnyLocale();
     void readsRandomTextsLikeTheToolkit();
+    void readsNumbersOfTwelveDecimals_data();
+    void readsNumbersOfTwelveDecimals();
+    void readsAnyByteAnywhereInANumber_data();
+    void readsAnyByteAnywhereInANumber();
     void readsPlainNumberUpToItsEnd_data();
     void readsPlainNumberUpToItsEnd();
     void writesNumbers_data();
@@ -255,6 +259,74 @@ void NumberTextTest::readsRandomTextsLikeTheToolkit()
         LineReader(device).readNumbers(numbers);
         QVERIFY(std::memcmp(numbers.data(), expected.data(), kLines * sizeof(double)) == 0);
         QVERIFY(device.atEnd());
+    }
+}
+
+void NumberTextTest::readsNumbersOfTwelveDecimals_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    for (const char* text :
+         {"0.000000000000", "-0.000000000000", "0.000000000001", "0.100000000000", "9.999999999999",
+          "10.000000000000", "99.999999999999", "999.999999999999", "-123.456789012345",
+          "0000.000000000000", "0009.500000000000", "1234.567890123456",
+          // about 2^53 units of the last decimal, the last one that is exact
+          "9007.199254740991", "9007.199254740992", "9007.199254740993", "9007.199254740994",
+          "9999.999999999999", "10000.000000000000", "12345.678901234567",
+          // one decimal more or less, no digit before the point or behind it
+          "1.23456789012", "1.2345678901234", ".123456789012", "-.123456789012", "123.",
+          // what follows ends the number, or doesn't
+          "1.234567890123e2", "1.234567890123E2", "1.234567890123.", "1.234567890123 ",
+          "1.234567890123x", "+1.234567890123", "--1.234567890123"})
+        QTest::newRow(text) << QByteArray(text);
+}
+
+void NumberTextTest::readsNumbersOfTwelveDecimals()
+{
+    QFETCH(QByteArray, text);
+    const double expected = QString::fromLatin1(text).trimmed().toDouble();
+    // Bytes behind the line, from none to more than a number has: they are not part of it.
+    for (const char* lineEnd : {"\n", "\r\n", " \n"}) {
+        for (int following = 0; following < 32; ++following) {
+            QByteArray lines = text + lineEnd + QByteArray(following, '7');
+            QBuffer device(&lines);
+            QVERIFY(device.open(QIODevice::ReadOnly));
+            std::vector<double> numbers(1);
+            LineReader(device).readNumbers(numbers);
+            QCOMPARE(bitsOf(numbers[0]), bitsOf(expected));
+            QCOMPARE(device.readAll(), QByteArray(following, '7'));
+        }
+    }
+}
+
+void NumberTextTest::readsAnyByteAnywhereInANumber_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    for (const char* text : {"1.234567890123", "-1.234567890123", "12.345678901234",
+                             "123.456789012345", "-1234.567890123456"})
+        QTest::newRow(text) << QByteArray(text);
+}
+
+void NumberTextTest::readsAnyByteAnywhereInANumber()
+{
+    QFETCH(QByteArray, text);
+    const QByteArray whole = text + "\n";
+    for (int position = 0; position < whole.size(); ++position) {
+        for (int byte = 0; byte < 256; ++byte) {
+            QByteArray lines = whole;
+            lines[position] = static_cast<char>(byte);
+            lines.append("8.5\n").append(32, '7');
+            QBuffer device(&lines);
+            QVERIFY(device.open(QIODevice::ReadOnly));
+            std::vector<double> expected;
+            for (int line = 0; line < 2; ++line)
+                expected.push_back(lineToNumber(view(device.readLine())));
+            device.seek(0);
+            std::vector<double> numbers(2);
+            LineReader(device).readNumbers(numbers);
+            const bool same = bitsOf(numbers[0]) == bitsOf(expected[0]) &&
+                              bitsOf(numbers[1]) == bitsOf(expected[1]);
+            QVERIFY2(same, lines.left(24).toPercentEncoding().constData());
+        }
     }
 }
 
