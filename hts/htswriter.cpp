@@ -1,5 +1,6 @@
 // Writing the model as an HTS file, section by section in the order of docs/hts-format.md.
 
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -43,6 +44,28 @@ private:
     std::size_t m_used = 0;
 };
 
+// The text of a scale. Formatting takes as long as writing ten values, and files mostly have one
+// scale throughout, so the last text is kept.
+class ScaleText
+{
+public:
+    const QString& of(double scale)
+    {
+        // Compared as bytes: zero and minus zero have different texts.
+        if (std::memcmp(&scale, &m_scale, sizeof scale) != 0) {
+            m_scale = scale;
+            m_text = text(scale);
+        }
+        return m_text;
+    }
+
+private:
+    static QString text(double scale) { return QStringLiteral("%1").arg(scale); }
+
+    double m_scale = 1.0;
+    QString m_text = text(1.0);
+};
+
 // The values of a column, or none where the model doesn't hold the column.
 const HtsColumn& columnValues(const HtsValues& values, int run, int slot, int column)
 {
@@ -55,10 +78,10 @@ const HtsColumn& columnValues(const HtsValues& values, int run, int slot, int co
 }
 
 void writeColumn(const HtsSlot& slot, int column, const HtsColumn& values, int rows,
-                 QTextStream& stream, NumberLines& numbers)
+                 QTextStream& stream, ScaleText& scaleText, NumberLines& numbers)
 {
     stream << kUnitsKey << slot.units.value(column) << '\n';
-    stream << kScaleKey << QStringLiteral("%1").arg(slot.scales.value(column)) << '\n';
+    stream << kScaleKey << scaleText.of(slot.scales.value(column)) << '\n';
     const QString method = slot.methods.value(column);
     if (!method.isEmpty())
         stream << kMethodKey << method << '\n';
@@ -77,6 +100,7 @@ Status HtsPackage::write(QIODevice& device) const
 {
     QTextStream stream(&device);
     stream.setCodec("UTF-8"); // as the reader decodes, whatever the locale
+    ScaleText scaleText;
     NumberLines numbers(stream);
 
     Status status = writePreamble(stream);
@@ -89,7 +113,8 @@ Status HtsPackage::write(QIODevice& device) const
                 continue; // deliberately without columns and without "END_SLOT"
             const int rows = written.isSeries() ? run(r).timeStepCount : written.numRows();
             for (int c = 0; c < written.numColumns(); ++c)
-                writeColumn(written, c, columnValues(values, r, s, c), rows, stream, numbers);
+                writeColumn(written, c, columnValues(values, r, s, c), rows, stream, scaleText,
+                            numbers);
             stream << kEndSlot << '\n';
         }
         stream << kEndRun << '\n';
