@@ -147,7 +147,7 @@ Status Conversion::openInput()
     if (!status.ok())
         return status;
     m_input.setFileName(m_inputPath);
-    if (!m_input.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!m_input.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered))
         return errorWithDetail(kInputTexts.notOpened, m_input.errorString());
     static_cast<void>(m_engine.setSourceDevice(&m_input));
     return {};

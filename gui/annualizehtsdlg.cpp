@@ -213,7 +213,7 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::convert()
         return failure;
 
     UtilsNS::CheckedFile sourceFile(paths.source);
-    if (!sourceFile.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!sourceFile.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered))
         return {kConfigurationTitle, sourceFile.errorString()};
     Status status = m_engine->setSourceDevice(&sourceFile);
     if (status.ok())
