@@ -8,7 +8,6 @@
 #include <limits>
 
 #include <QBuffer>
-#include <QFile>
 
 #include "QsLog.h"
 #include "annualize/annualizehts.h"
@@ -16,6 +15,7 @@
 #include "fuzz/fuzztarget.h"
 #include "hts/datetimetext.h"
 #include "tests/hts/packagecompare.h"
+#include "utils/checkedfile.h"
 
 namespace {
 
@@ -82,10 +82,12 @@ Outcome convertFiles(const Inputs& inputs)
     static const fuzz::ScratchFile kHts;
     kControl.write(inputs.control);
     kHts.write(inputs.hts);
-    QFile source(kHts.path());
-    fuzz::require(source.open(QIODevice::ReadOnly | QIODevice::Text),
+    UtilsNS::CheckedFile source(kHts.path());
+    fuzz::require(source.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered),
                   QStringLiteral("cannot open the file"));
-    return convert(source, kControl.path(), inputs.endMonth);
+    const Outcome outcome = convert(source, kControl.path(), inputs.endMonth);
+    fuzz::requireEqual(QStringLiteral("fault of the file"), source.problem(), QString());
+    return outcome;
 }
 
 void requireSame(const QString& what, const Outcome& actual, const Outcome& expected)
