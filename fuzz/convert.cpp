@@ -85,7 +85,7 @@ Outcome convertFiles(const Inputs& inputs)
     UtilsNS::CheckedFile source(kHts.path());
     fuzz::require(source.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered),
                   QStringLiteral("cannot open the file"));
-    const Outcome outcome = convert(source, kControl.path(), inputs.endMonth);
+    Outcome outcome = convert(source, kControl.path(), inputs.endMonth);
     fuzz::requireEqual(QStringLiteral("fault of the file"), source.problem(), QString());
     return outcome;
 }
