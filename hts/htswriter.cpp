@@ -52,6 +52,7 @@ public:
     const QString& of(double scale)
     {
         // Compared as bytes: zero and minus zero have different texts.
+        // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
         if (std::memcmp(&scale, &m_scale, sizeof scale) != 0) {
             m_scale = scale;
             m_text = text(scale);
