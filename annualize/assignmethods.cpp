@@ -17,7 +17,7 @@ Status AnnualizeHts::assignMethods(const QVector<HtsSlot>& slots, QStringList& m
     // All of it first: a failed read must not pass for the end of the rules. It is seen when the
     // file is asked once more; readAll() asks only once.
     QByteArray rules;
-    constexpr qint64 kPieceSize = 64 * 1024;
+    constexpr qint64 kPieceSize = qint64(64) * 1024;
     for (QByteArray piece = file.read(kPieceSize); !piece.isEmpty(); piece = file.read(kPieceSize))
         rules += piece;
     if (file.error() != QFileDevice::NoError)
