@@ -79,6 +79,7 @@ private Q_SLOTS:
     void nothingIsCreatedBeforeThePathsAreComplete();
     void outputStaysTruncatedWhenALaterStepFails();
     void toolkitVariablesLeaveNoTraceOnTheConsole();
+    void toolkitThatCannotStartTellsWhy();
     void conversionWritesResultAndLogAndNothingElse();
     void endMonth_data();
     void endMonth();
@@ -223,6 +224,23 @@ void TestCommandLine::toolkitVariablesLeaveNoTraceOnTheConsole()
     QCOMPARE(run.output, QByteArray());
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.exitCode, 0);
+}
+
+void TestCommandLine::toolkitThatCannotStartTellsWhy()
+{
+    ProcessRun run;
+    run.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
+    run.start({QStringLiteral("-v")});
+    QCOMPARE(run.exitCode, -1);
+    QCOMPARE(run.output, QByteArray());
+    // The toolkit's text and its line end, and nothing of the warnings before it.
+    const QByteArray installed = "Available platform plugins are: ";
+    const int list = run.errors.indexOf(installed) + installed.size();
+    const int listEnd = run.errors.indexOf('\n', list);
+    QCOMPARE(run.errors.replace(list, listEnd - list, "..."),
+             QByteArray("This application failed to start because no Qt platform plugin could be "
+                        "initialized. Reinstalling the application may fix this problem.\n\n"
+                        "Available platform plugins are: ...\n\n"));
 }
 
 void TestCommandLine::conversionWritesResultAndLogAndNothingElse()
