@@ -47,7 +47,8 @@ bool areDigits(std::uint64_t characters)
 {
     constexpr std::uint64_t kHighHalves = 0xf0f0f0f0f0f0f0f0;
     constexpr std::uint64_t kZeros = 0x3030303030303030;
-    // Six more than a digit is still in the row of '0', six more than what follows '9' is not.
+    // All of 0x30 to 0x3f pass the first test, so that adding never carries; '9' and what is below
+    // it pass the second.
     const std::uint64_t sixMore = characters + 0x0606060606060606;
     return (characters & kHighHalves) == kZeros && (sixMore & kHighHalves) == kZeros;
 }
@@ -95,9 +96,8 @@ const char* readFixed(const char* text, double& magnitude)
 // next line would have to wait for it. Returns `first` for any other number.
 const char* readWrittenNumber(const char* first, const char* last, double& value)
 {
-    constexpr std::ptrdiff_t kLongest =
-        1 + kMostWholeDigits + 1 + kDecimals + 1; // sign to line end
-    if (last - first < kLongest || FLT_EVAL_METHOD != 0)
+    constexpr std::ptrdiff_t kRoom = 1 + kMostWholeDigits + 1 + kDecimals + 1; // sign to line end
+    if (last - first < kRoom || FLT_EVAL_METHOD != 0)
         return first;
     const bool isNegative = *first == '-';
     const char* text = first + (isNegative ? 1 : 0);
@@ -156,7 +156,8 @@ const char* readShortDecimal(const char* first, const char* last, double& value)
         const char* fraction = digits.end + 1;
         // With all its decimals a number beyond 9007 has too many digits: no use reading them.
         if (count > kMostWholeDigits && last - fraction >= kDecimals &&
-            isDigit(fraction[kDecimals - 1]))
+            areDigits(eightCharacters(fraction)) &&
+            areDigits(eightCharacters(fraction + kDecimals - 8)))
             return first;
         digits = takeDigits(fraction, last, digits.number);
         decimals = digits.end - fraction;

@@ -1,5 +1,7 @@
 #include "utils/checkedfile.h"
 
+#include <algorithm>
+
 namespace UtilsNS {
 
 QString CheckedFile::finish()
@@ -12,12 +14,18 @@ QString CheckedFile::finish()
 
 qint64 CheckedFile::readData(char* data, qint64 maxSize)
 {
-    return checkedRead([&] { return QFile::readData(data, maxSize); });
-}
-
-qint64 CheckedFile::readLineData(char* data, qint64 maxSize)
-{
-    return checkedRead([&] { return QFile::readLineData(data, maxSize); });
+    if (!m_problem.isEmpty())
+        return -1;
+    qint64 total = 0;
+    qint64 count = 0;
+    // A read that fails behind some bytes passes for a short one: only the next one tells. Of a
+    // pipe it would wait for more than may be needed.
+    do {
+        count = QFile::readData(data + total, maxSize - total);
+        noteError();
+        total += std::max<qint64>(count, 0);
+    } while (count > 0 && total < maxSize && !isSequential());
+    return total > 0 ? total : count;
 }
 
 qint64 CheckedFile::writeData(const char* data, qint64 size)
@@ -42,16 +50,6 @@ bool CheckedFile::flushAll()
     if (!isFlushed)
         noteError();
     return isFlushed;
-}
-
-template<typename Read>
-qint64 CheckedFile::checkedRead(Read read)
-{
-    if (!m_problem.isEmpty())
-        return -1;
-    const qint64 count = read();
-    noteError();
-    return count;
 }
 
 void CheckedFile::noteError()

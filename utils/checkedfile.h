@@ -16,8 +16,8 @@ class CheckedFile : public QFile
 public:
     using QFile::QFile;
 
-    // The error text of the first read or write that failed; empty if all went well so far. Nothing
-    // more is read after it.
+    // The error text of the first read or write that failed; empty if all went well so far. After
+    // it every read fails.
     QString problem() const { return m_problem; }
     // Flushes and closes the file. Returns the error text if not all that was written reached the
     // disk, else an empty text.
@@ -25,12 +25,9 @@ public:
 
 protected:
     qint64 readData(char* data, qint64 maxSize) override;
-    qint64 readLineData(char* data, qint64 maxSize) override;
     qint64 writeData(const char* data, qint64 size) override;
 
 private:
-    template<typename Read>
-    qint64 checkedRead(Read read);
     bool flushAll();
     void noteError();
 

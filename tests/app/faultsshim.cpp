@@ -2,7 +2,7 @@
 //
 //   FAULTS_FILE    the file; for "open" spelt as the program does
 //   FAULTS_CALL    "open", "read", "write" or "close"
-//   FAULTS_AT      "read" and "write" still pass on so many bytes
+//   FAULTS_AT      "read" and "write" pass on what lies before this byte
 //   FAULTS_COUNT   so many calls then fail, and later ones work again
 //   FAULTS_ERROR   the errno of a failing call; 0 stands for "nothing was read or written"
 //   FAULTS_SIGNAL  a signal that the process gets when a call is about to fail
@@ -73,11 +73,14 @@ template<typename Function, typename Bytes>
 ssize_t transfer(const char* name, int descriptor, Bytes bytes, std::size_t count)
 {
     static const auto real = realFunction<Function>(name);
-    static long bytesLeft = numberOf("FAULTS_AT");
+    static long movedBytes = 0;
     static bool isPast = false;
     if (isPast || !isFaultyCall(name, descriptor))
         return real(descriptor, bytes, count);
-    if (bytesLeft == 0) {
+    // As with a bad place of a disk, what counts is where the file stands.
+    const off_t position = ::lseek(descriptor, 0, SEEK_CUR);
+    const long bytesLeft = numberOf("FAULTS_AT") - (position >= 0 ? position : movedBytes);
+    if (bytesLeft <= 0) {
         if (fails())
             return errno == 0 ? 0 : -1;
         isPast = true;
@@ -85,7 +88,7 @@ ssize_t transfer(const char* name, int descriptor, Bytes bytes, std::size_t coun
     }
     const ssize_t moved =
         real(descriptor, bytes, std::min(count, static_cast<std::size_t>(bytesLeft)));
-    bytesLeft -= std::max<ssize_t>(moved, 0);
+    movedBytes += std::max<ssize_t>(moved, 0);
     return moved;
 }
 
