@@ -9,6 +9,7 @@ for the next time.
 """
 
 import argparse
+import json
 import os
 import shutil
 import statistics
@@ -47,7 +48,6 @@ SHAPES = {
     "a rule for each slot": Shape("slots=20000 steps=120 unit=month",
                                   "slots=20 steps=24 unit=month", rules="each"),
     "10 KB": Shape("slots=5 steps=120 unit=month", "slots=5 steps=24 unit=month"),
-    "few years of weeks": Shape("slots=120000 steps=120 unit=week", "slots=10 steps=120 unit=week"),
 }
 
 
@@ -174,6 +174,24 @@ def log_lines(bench):
                 f"{(logged - silent) / logged:.1%}", "< 20%", f"{logged:.3f} s, without {silent:.3f} s")]
 
 
+def writing(bench):
+    """microbench alternates the two itself, in memory."""
+    slots = 1000 if bench.tiny else 480000
+    command = [bench.build / "bench" / "microbench", f"--benchmark_filter=AnnualPackage/{slots}$",
+               "--benchmark_format=json", f"--benchmark_repetitions={bench.runs}",
+               "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.01"]
+    output = subprocess.run(command, env=bench.environment, stdout=subprocess.PIPE,
+                            stderr=subprocess.DEVNULL, check=True, text=True)
+    speeds = {}
+    for run in json.loads(output.stdout)["benchmarks"]:
+        if run["run_type"] == "iteration":
+            speeds.setdefault(run["name"].split("/")[0], []).append(run["bytes_per_second"])
+    write, read = (statistics.median(speeds[name])
+                   for name in ("writeAnnualPackage", "readAnnualPackage"))
+    return [Row("writing an annual result of 100 MB: speed / speed of reading it",
+                f"{write / read:.2f}", ">= 1", f"{write / 1e6:.0f} MB/s, reading {read / 1e6:.0f}")]
+
+
 def start_up(bench):
     bare = [bench.build / "bench" / "bareapplication"]
     version = [bench.build / "app" / "HtsAnnualizer", "-v"]
@@ -212,6 +230,7 @@ def main():
         "growth": lambda: growth(bench),
         "method assignment": lambda: method_assignment(bench),
         "log lines": lambda: log_lines(bench),
+        "writing": lambda: writing(bench),
         "start-up": lambda: start_up(bench),
         "viewer": lambda: viewer(bench),
     }

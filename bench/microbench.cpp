@@ -127,8 +127,8 @@ void writeNumbersByTextStream(benchmark::State& state)
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * kValues);
 }
 
-// An annual result: many slots of three years each.
-HtsPackage annualPackage()
+// An annual result: `slotCount` slots of three years each, about 210 bytes of text a slot.
+HtsPackage annualPackage(std::int64_t slotCount)
 {
     HtsPackage package;
     package.numberOfRuns = 1;
@@ -147,7 +147,7 @@ HtsPackage annualPackage()
     slot.methods = QStringList{QStringLiteral("Average")};
     const std::vector<double> values = randomValues();
     package.values.resize(1);
-    for (std::size_t i = 0; i < 20000; ++i) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(slotCount); ++i) {
         slot.objectName = QStringLiteral("Object%1").arg(i);
         package.slots.append(slot);
         const HtsColumn column = {values[i % 1000], values[i % 1001], values[i % 1002]};
@@ -158,7 +158,7 @@ HtsPackage annualPackage()
 
 void writeAnnualPackage(benchmark::State& state)
 {
-    const HtsPackage package = annualPackage();
+    const HtsPackage package = annualPackage(state.range(0));
     QByteArray text;
     for (auto _ : state) {
         QBuffer buffer(&text);
@@ -173,7 +173,7 @@ void readAnnualPackage(benchmark::State& state)
     QByteArray text;
     QBuffer out(&text);
     out.open(QIODevice::WriteOnly);
-    benchmark::DoNotOptimize(annualPackage().write(out).ok());
+    benchmark::DoNotOptimize(annualPackage(state.range(0)).write(out).ok());
     for (auto _ : state) {
         QBuffer buffer(&text);
         buffer.open(QIODevice::ReadOnly | QIODevice::Text);
@@ -184,8 +184,8 @@ void readAnnualPackage(benchmark::State& state)
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * text.size());
 }
 
-BENCHMARK(writeAnnualPackage)->Unit(benchmark::kMillisecond);
-BENCHMARK(readAnnualPackage)->Unit(benchmark::kMillisecond);
+BENCHMARK(writeAnnualPackage)->Arg(1000)->Arg(480000)->Unit(benchmark::kMillisecond);
+BENCHMARK(readAnnualPackage)->Arg(1000)->Arg(480000)->Unit(benchmark::kMillisecond);
 BENCHMARK(readerOfTheProgram)->Unit(benchmark::kMillisecond);
 BENCHMARK(readerLineByLine)->Unit(benchmark::kMillisecond);
 BENCHMARK(timestepToDateTime);
