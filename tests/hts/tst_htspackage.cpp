@@ -81,6 +81,7 @@ private Q_SLOTS:
     void slotKindFollowsFromItsType_data();
     void slotKindFollowsFromItsType();
     void copiesAreIndependent();
+    void equalTextsOfNeighboursShareTheirMemory();
     void statusIsSuccessWithoutMessage();
 };
 
@@ -284,6 +285,34 @@ void HtsPackageTest::copiesAreIndependent()
     copy.values[0][0][0][0] = -1.0;
     QCOMPARE(difference(original, filledPackage()), QString());
     QVERIFY(!difference(copy, original).isEmpty());
+}
+
+void HtsPackageTest::equalTextsOfNeighboursShareTheirMemory()
+{
+    // Texts of its own, as the reader makes them for every slot.
+    const auto makeSlot = [](const char* name) {
+        HtsSlot slot;
+        slot.objectType = QString::fromLatin1("Reservoir");
+        slot.objectName = QString::fromLatin1("Lake A");
+        slot.slotType = QString::fromLatin1("SeriesSlot");
+        slot.slotName = QString::fromLatin1(name);
+        slot.units.append(QString::fromLatin1("cms"));
+        slot.methods.append(QString::fromLatin1("Sum"));
+        return slot;
+    };
+    const HtsSlot first = makeSlot("Inflow");
+    const HtsSlot expected = makeSlot("Outflow");
+    HtsSlot second = expected;
+    second.shareTexts(first);
+    QCOMPARE(difference(second, expected), QString());
+    for (QString HtsSlot::*text : {&HtsSlot::objectType, &HtsSlot::objectName, &HtsSlot::slotType})
+        QVERIFY((second.*text).isSharedWith(first.*text));
+    QVERIFY(second.units.isSharedWith(first.units));
+    QVERIFY(second.methods.isSharedWith(first.methods));
+
+    HtsSlot third = makeSlot("Inflow");
+    third.shareTexts(first);
+    QVERIFY(third.slotName.isSharedWith(first.slotName));
 }
 
 void HtsPackageTest::statusIsSuccessWithoutMessage()

@@ -128,6 +128,7 @@ private Q_SLOTS:
     void leavesPackageAlone();
     void writesUtf8InAnyLocale();
     void writesManyValues();
+    void writesTheLongestNumberAnywhere();
     void writesLineEndsOfTextMode();
     void writtenFileReadsBack();
     void writtenRandomFilesReadBack();
@@ -456,6 +457,24 @@ void HtsWriterTest::writesManyValues()
     HtsPackage package = packageOf(series(QStringLiteral("x")), 0, values);
     package.runs[0].timeStepCount = 20000;
     QVERIFY(writtenColumns(package) == expected);
+}
+
+// A buffer that is a byte too short for the number is seen by a sanitizer alone.
+void HtsWriterTest::writesTheLongestNumberAnywhere()
+{
+    const double longest = std::numeric_limits<double>::lowest();
+    const QByteArray zeroLine = "0.000000000000\n";
+    const QByteArray longestLine = QByteArray::number(longest, 'f', 12) + '\n';
+    QCOMPARE(longestLine.size(), 324);
+    for (int zeros = 1000; zeros < 1030; ++zeros) {
+        HtsColumn values(static_cast<std::size_t>(zeros), 0.0);
+        values.resize(values.size() + 6, longest);
+        HtsPackage package = packageOf(series(QStringLiteral("x")), 0, values);
+        package.runs[0].timeStepCount = zeros + 6;
+        const QByteArray expected = "units: cms\nscale: 1\n" + zeroLine.repeated(zeros) +
+                                    longestLine.repeated(6) + "END_COLUMN\nEND_SLOT\n";
+        QVERIFY2(writtenColumns(package) == expected, qPrintable(QString::number(zeros)));
+    }
 }
 
 void HtsWriterTest::writesLineEndsOfTextMode()

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
@@ -20,6 +21,9 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+// A reader reads its first line another way than those that are in its block already.
+const QByteArray kLineBefore = "8.5\n";
 
 std::string_view view(const QByteArray& bytes)
 {
@@ -287,12 +291,12 @@ void NumberTextTest::readsNumbersOfTwelveDecimals()
     // Bytes behind the line, from none to more than a number has: they are not part of it.
     for (const char* lineEnd : {"\n", "\r\n", " \n"}) {
         for (int following = 0; following < 32; ++following) {
-            QByteArray lines = text + lineEnd + QByteArray(following, '7');
+            QByteArray lines = kLineBefore + text + lineEnd + QByteArray(following, '7');
             QBuffer device(&lines);
             QVERIFY(device.open(QIODevice::ReadOnly));
-            std::vector<double> numbers(1);
+            std::vector<double> numbers(2);
             LineReader(device).readNumbers(numbers);
-            QCOMPARE(bitsOf(numbers[0]), bitsOf(expected));
+            QCOMPARE(bitsOf(numbers[1]), bitsOf(expected));
             QCOMPARE(device.readAll(), QByteArray(following, '7'));
         }
     }
@@ -314,17 +318,18 @@ void NumberTextTest::readsAnyByteAnywhereInANumber()
         for (int byte = 0; byte < 256; ++byte) {
             QByteArray lines = whole;
             lines[position] = static_cast<char>(byte);
-            lines.append("8.5\n").append(32, '7');
+            lines.prepend(kLineBefore).append("8.5\n").append(32, '7');
             QBuffer device(&lines);
             QVERIFY(device.open(QIODevice::ReadOnly));
             std::vector<double> expected;
-            for (int line = 0; line < 2; ++line)
+            for (int line = 0; line < 3; ++line)
                 expected.push_back(lineToNumber(view(device.readLine())));
             device.seek(0);
-            std::vector<double> numbers(2);
+            std::vector<double> numbers(3);
             LineReader(device).readNumbers(numbers);
-            const bool same = bitsOf(numbers[0]) == bitsOf(expected[0]) &&
-                              bitsOf(numbers[1]) == bitsOf(expected[1]);
+            const bool same =
+                std::equal(numbers.begin(), numbers.end(), expected.begin(),
+                           [](double left, double right) { return bitsOf(left) == bitsOf(right); });
             QVERIFY2(same, lines.left(24).toPercentEncoding().constData());
         }
     }
