@@ -147,6 +147,7 @@ private Q_SLOTS:
     void valuesOfLaterRunsGoByPosition();
     void slotTypeOfLaterRunDecidesItsRowCount();
     void laterRunsShareEqualTimesteps();
+    void neighboursShareEqualTexts();
     void noTimestepsMeanNoValues();
 };
 
@@ -733,6 +734,18 @@ void HtsReaderTest::laterRunsShareEqualTimesteps()
     QVERIFY(package.run(1).timesteps.isSharedWith(package.run(0).timesteps));
     package.runs[1].timesteps[0] = QStringLiteral("changed");
     QCOMPARE(package.run(0).timesteps.first(), first);
+}
+
+void HtsReaderTest::neighboursShareEqualTexts()
+{
+    const QByteArray slot = kSeries + "1.5\nEND_COLUMN\nEND_SLOT\n";
+    MarkedDevice device(opening(1, 1) + slot + slot + "END_RUN\n|");
+    HtsPackage package;
+    QCOMPARE(package.read(device).message, QString());
+    QCOMPARE(package.slot(1).slotName, QStringLiteral("Flow"));
+    QVERIFY(package.slot(1).slotName.isSharedWith(package.slot(0).slotName));
+    QCOMPARE(package.slot(1).units, QStringList{QStringLiteral("cms")});
+    QVERIFY(package.slot(1).units.isSharedWith(package.slot(0).units));
 }
 
 void HtsReaderTest::noTimestepsMeanNoValues()
