@@ -459,7 +459,7 @@ void HtsWriterTest::writesManyValues()
     QVERIFY(writtenColumns(package) == expected);
 }
 
-// A buffer that is a byte too short for the number is seen by a sanitizer alone.
+// Among them where the buffer for the texts of numbers has just not the room for it.
 void HtsWriterTest::writesTheLongestNumberAnywhere()
 {
     const double longest = std::numeric_limits<double>::lowest();
