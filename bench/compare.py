@@ -62,8 +62,11 @@ class Bench:
         # Results go to memory where that is possible: the disk is not what is measured.
         memory = Path("/dev/shm")
         self.results = Path(tempfile.mkdtemp(dir=memory if memory.is_dir() else None))
-        self.environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen",
-                            "XDG_RUNTIME_DIR": str(self.data)}
+        # On the command line the program chooses the toolkit's platform, which the conversions to
+        # compare it with do likewise.
+        self.environment = {**os.environ, "XDG_RUNTIME_DIR": str(self.data)}
+        self.environment.pop("QT_QPA_PLATFORM", None)
+        self.offscreen = {**self.environment, "QT_QPA_PLATFORM": "offscreen"}
 
     def input(self, name):
         """Paths of the input of that shape and of its control file, made when they are missing."""
@@ -208,7 +211,7 @@ def viewer(bench):
     """bench_viewer alternates the viewer and the bare tree itself and prints a row for each case."""
     size = ["1", "1000"] if bench.tiny else [str(bench.runs)]
     output = subprocess.run([bench.build / "bench" / "viewer" / "bench_viewer", *size],
-                            env=bench.environment, stdout=subprocess.PIPE, check=True, text=True)
+                            env=bench.offscreen, stdout=subprocess.PIPE, check=True, text=True)
     print(output.stdout, end="")
     return []
 

@@ -36,6 +36,7 @@ Status convert(bool isPlain, QFile& source, QFile& result, const QString& contro
 
 int main(int argc, char* argv[])
 {
+    qputenv("QT_QPA_PLATFORM", "minimal;offscreen"); // as the program chooses
     const QApplication application(argc, argv);
     if (argc != 7) {
         std::fprintf(stderr, "usage: convert READER LOG INPUT RESULT CONTROL MONTH\n");

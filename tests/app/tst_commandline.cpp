@@ -79,6 +79,7 @@ private Q_SLOTS:
     void nothingIsCreatedBeforeThePathsAreComplete();
     void outputStaysTruncatedWhenALaterStepFails();
     void toolkitVariablesLeaveNoTraceOnTheConsole();
+    void needsNoDisplay();
     void toolkitThatCannotStartTellsWhy();
     void conversionWritesResultAndLogAndNothingElse();
     void endMonth_data();
@@ -223,6 +224,17 @@ void TestCommandLine::toolkitVariablesLeaveNoTraceOnTheConsole()
     run.start(words("-i a.hts -o b.hts -c c.txt"));
     QCOMPARE(run.output, QByteArray());
     QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+}
+
+void TestCommandLine::needsNoDisplay()
+{
+    ProcessRun run;
+    for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        run.environment.remove(QString::fromLatin1(variable));
+    run.start({QStringLiteral("-v")});
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.output, QByteArray("HtsAnnualizer version 1.0\n\n"));
     QCOMPARE(run.exitCode, 0);
 }
 
