@@ -77,10 +77,11 @@ bool AggValues::aggregate(const std::vector<double>& values,
             continue;
         }
         Year year(values[i]);
-        // A value that is passed over doesn't end the year.
-        for (; i < values.size() && (valueMap[i] == number || !isTaken(valueMap[i])); ++i) {
+        for (; i < values.size(); ++i) {
             if (valueMap[i] == number)
                 year.add(values[i]);
+            else if (isTaken(valueMap[i]))
+                break; // the next year; a value that is passed over doesn't end this one
         }
         append(year);
     }

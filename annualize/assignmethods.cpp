@@ -36,10 +36,10 @@ Status AnnualizeHts::assignMethods(const QVector<HtsSlot>& slots, QStringList& m
     for (const HtsSlot& slot : slots) {
         const QString method = control.methodFor(slot);
         methods.append(method);
-        const QString outcome = method.isEmpty()
-                                    ? QStringLiteral(" HAD NO METHOD MATCH IN METHOD CONTROL FILE")
-                                    : QLatin1String(" assigned method of ") + method;
-        QLOG_INFO().noquote() << slot.objectName + QLatin1Char('.') + slot.slotName + outcome;
+        const QLatin1String outcome(method.isEmpty() ? " HAD NO METHOD MATCH IN METHOD CONTROL FILE"
+                                                     : " assigned method of ");
+        QLOG_INFO().noquote() << slot.objectName + QLatin1Char('.') + slot.slotName + outcome +
+                                     method;
     }
     QLOG_INFO() << "Finished assigning methods to slots";
     return {};

@@ -13,29 +13,29 @@ QLatin1String paddedName(Level level)
     return QLatin1String(kNames[level]);
 }
 
-// The local time as yyyy-MM-ddThh:mm:ss.zzz. What stands before the milliseconds is made once a
+// The local time of a second since the epoch as yyyy-MM-ddThh:mm:ss and a point. Made once a
 // second: converting to local time asks the operating system each time.
-QString timeStamp()
+const QString& secondText(qint64 second)
 {
     thread_local qint64 lastSecond = -1;
-    thread_local QString secondText;
-    const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    const qint64 second = now / 1000;
+    thread_local QString text;
     if (second != lastSecond) {
         lastSecond = second;
-        secondText = QDateTime::fromMSecsSinceEpoch(second * 1000)
-                         .toString(QStringLiteral("yyyy-MM-ddThh:mm:ss."));
+        text = QDateTime::fromMSecsSinceEpoch(second * 1000)
+                   .toString(QStringLiteral("yyyy-MM-ddThh:mm:ss."));
     }
-    const auto milliseconds = static_cast<int>(now % 1000);
-    const QChar digits[] = {QLatin1Char(static_cast<char>('0' + milliseconds / 100)),
-                            QLatin1Char(static_cast<char>('0' + milliseconds / 10 % 10)),
-                            QLatin1Char(static_cast<char>('0' + milliseconds % 10))};
-    return secondText + QString(digits, 3);
+    return text;
 }
 
 QString formattedLine(Level level, const QString& text)
 {
-    return paddedName(level) + QLatin1Char(' ') + timeStamp() + QLatin1Char(' ') + text;
+    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    const auto milliseconds = static_cast<int>(now % 1000);
+    const char digits[] = {static_cast<char>('0' + milliseconds / 100),
+                           static_cast<char>('0' + milliseconds / 10 % 10),
+                           static_cast<char>('0' + milliseconds % 10)};
+    return paddedName(level) + QLatin1Char(' ') + secondText(now / 1000) +
+           QLatin1String(digits, 3) + QLatin1Char(' ') + text;
 }
 
 } // namespace
