@@ -59,30 +59,28 @@ Status MethodControl::readRule(std::string_view line)
     if (object.empty())
         return lineFailure("Object name is blank", line);
 
-    const Name name(toText(object), toText(slot));
-    if (!m_rules.contains(name))
-        m_rules.insert(name, {m_rules.size(), method});
-    m_hasAnyObject = m_hasAnyObject || name.first == kAny;
-    m_hasAnySlot = m_hasAnySlot || name.second == kAny;
+    if (slot != m_slotBytes) {
+        m_slotBytes = slot;
+        m_slotName = toText(slot);
+    }
+    Rule& rule = m_rules[m_slotName][toText(object)];
+    if (rule.method == nullptr)
+        rule = {m_ruleCount++, method};
     return {};
 }
 
 QString MethodControl::methodFor(const HtsSlot& slot) const
 {
     const Rule* first = nullptr;
-    const auto tryName = [&](const QString& object, const QString& slotName) {
-        const auto rule = m_rules.constFind(Name(object, slotName));
-        if (rule != m_rules.constEnd() && (first == nullptr || rule->order < first->order))
-            first = &*rule;
-    };
-    const auto tryObject = [&](const QString& object) {
-        tryName(object, slot.slotName);
-        if (m_hasAnySlot)
-            tryName(object, kAny);
-    };
-    tryObject(slot.objectName);
-    tryObject(slot.objectType);
-    if (m_hasAnyObject)
-        tryObject(kAny);
+    for (const QString* slotName : {&slot.slotName, &kAny}) {
+        const auto rules = m_rules.constFind(*slotName);
+        if (rules == m_rules.constEnd())
+            continue;
+        for (const QString* object : {&slot.objectName, &slot.objectType, &kAny}) {
+            const auto rule = rules->constFind(*object);
+            if (rule != rules->constEnd() && (first == nullptr || rule->order < first->order))
+                first = &*rule;
+        }
+    }
     return first == nullptr ? QString() : first->method->word;
 }

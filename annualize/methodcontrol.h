@@ -1,10 +1,10 @@
 #ifndef ANNUALIZE_METHODCONTROL_H
 #define ANNUALIZE_METHODCONTROL_H
 
+#include <string>
 #include <string_view>
 
 #include <QHash>
-#include <QPair>
 #include <QString>
 
 #include "hts/htsslot.h"
@@ -30,18 +30,20 @@ public:
 private:
     struct Rule
     {
-        int order; // place in the file, counted from 0
-        const AggMethod* method;
+        int order = 0; // place in the file, counted from 0
+        const AggMethod* method = nullptr;
     };
-    using Name = QPair<QString, QString>; // object, slot
+    using ObjectRules = QHash<QString, Rule>; // by object
 
     Status readRule(std::string_view line);
 
-    // Only the first rule of each name; a later one can't come to bear.
-    QHash<Name, Rule> m_rules;
-    // Whether there is a rule for "*", so that slots need not be looked up under it.
-    bool m_hasAnyObject = false;
-    bool m_hasAnySlot = false;
+    // By slot name, of which there are few. Only the first rule of each object and slot; a later
+    // one can't come to bear.
+    QHash<QString, ObjectRules> m_rules;
+    int m_ruleCount = 0;
+    // The slot of the rule read last, which most rules share with the one before them.
+    std::string m_slotBytes;
+    QString m_slotName;
 };
 
 #endif // ANNUALIZE_METHODCONTROL_H
