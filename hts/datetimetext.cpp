@@ -1,90 +1,130 @@
 #include "hts/datetimetext.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include <QLocale>
+
 namespace {
 
-const QLatin1String kFormat("yyyy-M-d h:mm");
+constexpr QStringView kFormat(u"yyyy-M-d h:mm");
 const QLatin1String kEndOfDay("24:00");
 
-// Reads the decimal digits of `text` from `position` on, at least `fewest` and at most `most`, and
-// moves `position` behind them. Returns -1 when there are fewer.
-int takeDigits(const QString& text, int& position, int fewest, int most)
+// A number of the text and the character after it.
+struct Field
 {
-    int value = 0;
-    int count = 0;
-    while (count < most && position < text.size()) {
-        const int digit = text.at(position).unicode() - '0';
-        if (digit < 0 || digit > 9)
-            break;
-        value = value * 10 + digit;
-        ++position;
-        ++count;
+    int minWidth;
+    int maxWidth;
+    char separator; // 0 for the end of the text
+};
+
+// Year, month, day, hour and minute.
+constexpr std::array<Field, 5> kFields = {
+    {{4, 4, '-'}, {1, 2, '-'}, {1, 2, ' '}, {1, 2, ':'}, {2, 2, 0}}};
+using FieldValues = std::array<int, kFields.size()>;
+
+// The value of an ASCII digit, -1 for any other character.
+int asciiDigit(QChar c)
+{
+    return c >= QLatin1Char('0') && c <= QLatin1Char('9') ? c.unicode() - '0' : -1;
+}
+
+// What the numbers of a date-time are made of: as the toolkit's own conversion has it under the C
+// locale, a plus sign may be the first character.
+struct SignedAsciiDigits
+{
+    static bool isSign(QChar c) { return c == QLatin1Char('+'); }
+    static int value(QChar c) { return asciiDigit(c); }
+};
+
+// What the numbers of a timestep line are made of: digits of any script, as in the regular
+// expression class \d. Superscripts and the like, which have a digit value too, are none.
+struct AnyDigits
+{
+    static bool isSign(QChar) { return false; }
+    static int value(QChar c)
+    {
+        if (c.unicode() < 0x80)
+            return asciiDigit(c);
+        return c.isDigit() ? c.digitValue() : -1;
     }
-    return count < fewest ? -1 : value;
+};
+
+// Reads the number of a field from `position` on and moves `position` after it. Returns -1 if there
+// is none of that width.
+template<typename Digits>
+int takeNumber(const QString& text, const Field& field, int& position)
+{
+    const int begin = position;
+    const int end = std::min(begin + field.maxWidth, text.size());
+    if (position < end && Digits::isSign(text.at(position)))
+        ++position;
+    const int firstDigit = position;
+    int number = 0;
+    for (; position < end; ++position) {
+        const int digit = Digits::value(text.at(position));
+        if (digit < 0)
+            break;
+        number = number * 10 + digit;
+    }
+    return position > firstDigit && position - begin >= field.minWidth ? number : -1;
 }
 
-bool takeCharacter(const QString& text, int& position, char character)
+// Splits a text that has the fields of the table and nothing else; returns false for any other.
+template<typename Digits>
+bool splitFields(const QString& text, FieldValues& values)
 {
-    if (position >= text.size() || text.at(position) != QLatin1Char(character))
-        return false;
-    ++position;
-    return true;
+    int position = 0;
+    for (std::size_t i = 0; i < kFields.size(); ++i) {
+        const Field& field = kFields[i];
+        values[i] = takeNumber<Digits>(text, field, position);
+        if (values[i] < 0)
+            return false;
+        if (field.separator == 0)
+            break;
+        if (position >= text.size() || text.at(position) != QLatin1Char(field.separator))
+            return false;
+        ++position;
+    }
+    return position == text.size();
 }
 
-// Both or nothing: QDateTime takes an invalid time for midnight.
-QDateTime instant(const QDate& date, const QTime& time)
+// Not left to QDateTime::fromString, which would take the digits of the host's locale too, take
+// microseconds for each of tens of thousands of timesteps, and make a local time of them and move
+// it out of a daylight-saving gap.
+QDateTime parse(const QString& text)
 {
+    FieldValues values;
+    if (!splitFields<SignedAsciiDigits>(text, values))
+        return {};
+    const auto [year, month, day, hour, minute] = values;
+    const QDate date(year, month, day);
+    const QTime time(hour, minute);
+    // Both or nothing: QDateTime takes an invalid time for midnight.
     return date.isValid() && time.isValid() ? QDateTime(date, time, Qt::UTC) : QDateTime();
 }
 
-// The usual shape, digits and separators alone. An HTS file has tens of thousands of these, and
-// QDateTime::fromString takes microseconds for each.
-QDateTime parsePlainDigits(const QString& text)
+// QDateTime::toString would write the digits of the host's locale.
+QString formatted(const QDateTime& dateTime)
 {
-    int position = 0;
-    const int year = takeDigits(text, position, 4, 4);
-    if (year < 0 || !takeCharacter(text, position, '-'))
-        return {};
-    const int month = takeDigits(text, position, 1, 2);
-    if (month < 0 || !takeCharacter(text, position, '-'))
-        return {};
-    const int day = takeDigits(text, position, 1, 2);
-    if (day < 0 || !takeCharacter(text, position, ' '))
-        return {};
-    const int hour = takeDigits(text, position, 1, 2);
-    if (hour < 0 || !takeCharacter(text, position, ':'))
-        return {};
-    const int minute = takeDigits(text, position, 2, 2);
-    if (minute < 0 || position != text.size())
-        return {};
-    return instant(QDate(year, month, day), QTime(hour, minute));
-}
-
-// Whatever else the toolkit takes for a date-time, such as a sign before a number. Date and time
-// are converted apart: QDateTime::fromString would make a local time of them and move it out of a
-// daylight-saving gap.
-QDateTime parseByToolkit(const QString& text)
-{
-    const int blank = text.indexOf(QLatin1Char(' '));
-    if (blank < 0)
-        return {};
-    const QDate date = QDate::fromString(text.left(blank), QStringLiteral("yyyy-M-d"));
-    const QTime time = QTime::fromString(text.mid(blank + 1), QStringLiteral("h:mm"));
-    return instant(date, time);
-}
-
-QDateTime parse(const QString& text)
-{
-    const QDateTime plain = parsePlainDigits(text);
-    return plain.isValid() ? plain : parseByToolkit(text);
+    return QLocale::c().toString(dateTime, kFormat);
 }
 
 } // namespace
 
+bool isTimestepText(const QString& line)
+{
+    FieldValues values;
+    return splitFields<AnyDigits>(line, values);
+}
+
 QString dateTimeToText(const QDateTime& dateTime)
 {
-    if (dateTime.time().toString(QStringLiteral("h:mm")) != QLatin1String("0:00"))
-        return dateTime.toString(kFormat);
-    return dateTime.addDays(-1).toString(kFormat).replace(QLatin1String("0:00"), kEndOfDay);
+    const QTime time = dateTime.time();
+    if (time.hour() != 0 || time.minute() != 0)
+        return formatted(dateTime);
+    return formatted(dateTime.addDays(-1)).replace(QLatin1String("0:00"), kEndOfDay);
 }
 
 QDateTime textToDateTime(const QString& text)

@@ -8,7 +8,13 @@
 // ends: the instant 2001-01-01 00:00 is written 2000-12-31 24:00.
 //
 // The texts name no time zone. Inside the program every date-time is held in UTC, so that a series
-// with a step in a daylight-saving gap of the host means the same on every host.
+// with a step in a daylight-saving gap of the host means the same on every host. Nor do they depend
+// on the host's locale: digits are ASCII, written and read.
+
+// Whether `line` is a timestep line: of the shape "yyyy-M-d h:mm", month, day and hour of one or
+// two digits. Digits of any script pass, and whether there is such a date is not looked at; so the
+// line need not be one that textToDateTime reads.
+bool isTimestepText(const QString& line);
 
 // The text of `dateTime`, midnight as 24:00 of the day before; seconds are not written. An invalid
 // date-time gives an empty text.

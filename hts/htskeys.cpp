@@ -14,9 +14,9 @@ void readText(Model& model, const QString& value)
 }
 
 template<typename Model, QString Model::*field>
-void writeText(const Model& model, QTextStream& stream)
+void writeText(const Model& model, LineWriter& lines)
 {
-    stream << model.*field;
+    lines << model.*field;
 }
 
 template<typename Model, int Model::*field>
@@ -26,9 +26,9 @@ void readInteger(Model& model, const QString& value)
 }
 
 template<typename Model, int Model::*field>
-void writeInteger(const Model& model, QTextStream& stream)
+void writeInteger(const Model& model, LineWriter& lines)
 {
-    stream << QString::number(model.*field);
+    lines << QString::number(model.*field);
 }
 
 template<typename Model, QDateTime Model::*field>
@@ -38,9 +38,9 @@ void readDateTime(Model& model, const QString& value)
 }
 
 template<typename Model, QDateTime Model::*field>
-void writeDateTime(const Model& model, QTextStream& stream)
+void writeDateTime(const Model& model, LineWriter& lines)
 {
-    stream << dateTimeToText(model.*field);
+    lines << dateTimeToText(model.*field);
 }
 
 template<typename Model>

@@ -7,9 +7,8 @@
 
 #include <QLatin1String>
 #include <QString>
-#include <QTextStream>
 
-#include "hts/linetext.h"
+#include "hts/linewriter.h"
 
 struct HtsPackage;
 struct HtsRun;
@@ -25,7 +24,7 @@ struct HtsKey
     void (*read)(Model& model, const QString& value);
     // Whether the writer writes the line for this model.
     bool (*isWritten)(const Model& model);
-    void (*write)(const Model& model, QTextStream& stream);
+    void (*write)(const Model& model, LineWriter& lines);
 };
 
 extern const std::array<HtsKey<HtsPackage>, 5> kPackageKeys;
@@ -57,30 +56,28 @@ inline bool takeKey(std::string_view& line, QLatin1String key)
     return isThere;
 }
 
-// Gives the value of `line`, the text bytes of a line, to the first key that it begins with; a line
-// that begins with none is ignored.
+// The first key that `line` begins with, or null; takes the key off the line if there is one.
 template<typename Model, std::size_t count>
-void readKeywordLine(const std::array<HtsKey<Model>, count>& keys, std::string_view line,
-                     Model& model)
+const HtsKey<Model>* takeAnyKey(const std::array<HtsKey<Model>, count>& keys,
+                                std::string_view& line)
 {
     for (const HtsKey<Model>& key : keys) {
-        if (takeKey(line, key.key)) {
-            key.read(model, toText(line));
-            return;
-        }
+        if (takeKey(line, key.key))
+            return &key;
     }
+    return nullptr;
 }
 
 // Writes the keyword lines that `model` calls for.
 template<typename Model, std::size_t count>
 void writeKeywordLines(const std::array<HtsKey<Model>, count>& keys, const Model& model,
-                       QTextStream& stream)
+                       LineWriter& lines)
 {
     for (const HtsKey<Model>& key : keys) {
         if (key.isWritten(model)) {
-            stream << key.key;
-            key.write(model, stream);
-            stream << '\n';
+            lines << key.key;
+            key.write(model, lines);
+            lines << '\n';
         }
     }
 }

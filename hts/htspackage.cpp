@@ -28,9 +28,10 @@ void HtsPackage::copyPreamble(const HtsPackage& other)
 
 void HtsPackage::setNumSlots(int count)
 {
-    slots.resize(count);
+    const int slotCount = std::max(count, 0);
+    slots.resize(slotCount);
     for (auto& runValues : values)
-        runValues.resize(static_cast<std::size_t>(count));
+        runValues.resize(static_cast<std::size_t>(slotCount));
 }
 
 const HtsRun& HtsPackage::run(int index) const

@@ -11,7 +11,7 @@
 #include "hts/htsslot.h"
 #include "hts/status.h"
 
-class LineReader;
+class HtsReader;
 class QIODevice;
 class QTextStream;
 
@@ -28,27 +28,26 @@ using HtsValues = std::vector<std::vector<std::vector<HtsColumn>>>;
 //     if (status.ok())
 //         use(package.slot(0).objectName, package.values[0][0][0]);
 //
-// docs/hts-format.md tells the file format.
+// docs/hts-format.md describes the file format. "slots" is a word of the toolkit: a program that
+// includes this defines QT_NO_KEYWORDS.
 struct HtsPackage
 {
     // Reads a whole file into this package, which must be empty. The device must be open for
-    // reading, in text mode or not, and may be sequential. The first problem ends the reading: the
-    // package is then incomplete and the device stands behind the line that was refused.
+    // reading, in text mode or not, and may be sequential; it then stands after the last line used.
+    // The first problem ends the reading and leaves the package incomplete.
     // Messages: "Cannot read package preamble", "Cannot read run preamble",
     // "Cannot read slot preamble", "Cannot read HTS file: Missing units or scale".
-    // A table slot that no "END_SLOT" line follows is looked for without end.
+    // A table slot without its line "END_SLOT" is searched for it without end.
+    // To use a file section by section, without the whole of it in memory, see HtsReader.
     Status read(QIODevice& device);
 
-    // The reader's steps. Each leaves the device behind the last line that it used.
+    // The reader's steps. Each leaves the device after the last line that it used.
     // Fails with "Cannot read package preamble".
     Status readPreamble(QIODevice& device);
-    Status readPreamble(LineReader& reader);
     // Reads the units line, the scale line and, where the next byte is the letter m, the method
     // line. Fails with "Cannot read HTS file: Missing units or scale" and leaves the three
     // results alone.
     static Status readColumnHeader(QIODevice& device, QString& units, double& scale,
-                                   QString& method);
-    static Status readColumnHeader(LineReader& reader, QString& units, double& scale,
                                    QString& method);
 
     // Writes the package as UTF-8 text to a device that is open for writing. Always succeeds: who
@@ -61,7 +60,7 @@ struct HtsPackage
     void copyPreamble(const HtsPackage& other);
 
     int numSlots() const { return slots.size(); }
-    // Resizes `slots`, and the slot dimension of `values` in every run. `count` is 0 or more.
+    // Resizes `slots`, and the slot dimension of `values` in every run; below zero counts as none.
     void setNumSlots(int count);
 
     // The run or slot at the index; a default one that lives as long as the program when the index
@@ -85,8 +84,7 @@ struct HtsPackage
     HtsValues values;
 
 private:
-    Status readRun(LineReader& reader, int runIndex);
-    Status readSlot(LineReader& reader, int runIndex);
+    Status readSlot(HtsReader& reader, int runIndex);
 };
 
 #endif // HTS_HTSPACKAGE_H

@@ -8,7 +8,6 @@
 
 #include "hts/status.h"
 
-class LineReader;
 class QIODevice;
 class QTextStream;
 
@@ -16,15 +15,21 @@ class QTextStream;
 // run's slots are in HtsPackage::values.
 struct HtsRun
 {
-    // What is told of a run that can't be read, or that has fewer timesteps than it announces.
+    // The failure of a run that can't be read, or that has fewer timesteps than it announces.
     static inline const QLatin1String kBadPreamble{"Cannot read run preamble"};
 
     // Reads the run preamble and the timestep lines. Fails with kBadPreamble; the timesteps before
     // a bad one are kept.
     Status readPreamble(QIODevice& device);
-    Status readPreamble(LineReader& reader);
     // Writes what readPreamble reads. Always succeeds.
     Status writePreamble(QTextStream& stream) const;
+
+    // Lets a list of timesteps that is equal to that of `other` share its memory.
+    void shareTexts(const HtsRun& other)
+    {
+        if (timesteps == other.timesteps)
+            timesteps = other.timesteps;
+    }
 
     // Set when "END_RUN_PREAMBLE" has been read; after the timestep lines, whether the last one
     // was a date-time text.

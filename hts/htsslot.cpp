@@ -1,5 +1,9 @@
 #include "hts/htsslot.h"
 
+#include <algorithm>
+
+#include "hts/htsrun.h"
+
 namespace {
 
 template<typename Text>
@@ -33,6 +37,11 @@ int HtsSlot::numRows() const
     return isTable() ? rows : 1;
 }
 
+int HtsSlot::valueCount(const HtsRun& run) const
+{
+    return std::max(isSeries() ? run.timeStepCount : numRows(), 0);
+}
+
 void HtsSlot::shareTexts(const HtsSlot& neighbour)
 {
     shareIfEqual(objectType, neighbour.objectType);
@@ -40,5 +49,6 @@ void HtsSlot::shareTexts(const HtsSlot& neighbour)
     shareIfEqual(slotType, neighbour.slotType);
     shareIfEqual(slotName, neighbour.slotName);
     shareIfEqual(units, neighbour.units);
+    shareIfEqual(scales, neighbour.scales);
     shareIfEqual(methods, neighbour.methods);
 }

@@ -7,18 +7,17 @@
 
 #include "hts/status.h"
 
-class LineReader;
 class QIODevice;
 class QTextStream;
+struct HtsRun;
 
 // One slot of a package: whose it is, what kind it is, and the header of its columns. A value type;
 // the values are in HtsPackage::values.
 struct HtsSlot
 {
-    // Reads the slot preamble and the rows of a table slot; behind the end of the input up to 4096
+    // Reads the slot preamble and the rows of a table slot; past the end of the input up to 4096
     // empty rows. Fails with "Cannot read slot preamble".
     Status readPreamble(QIODevice& device);
-    Status readPreamble(LineReader& reader);
     // Writes what readPreamble reads. Always succeeds.
     Status writePreamble(QTextStream& stream) const;
 
@@ -30,6 +29,9 @@ struct HtsSlot
     int numColumns() const;
     // `rows` of a table slot, -1 for a series slot (the run's timeStepCount holds), else 1.
     int numRows() const;
+    // Number of values in each column of a slot of `run`, 0 or more; a table has no
+    // columns of values.
+    int valueCount(const HtsRun& run) const;
 
     // Lets texts that are equal to those of `neighbour` share their memory. Files have millions of
     // slots of a few types and units.

@@ -2,47 +2,15 @@
 
 #include <cstring>
 #include <limits>
-#include <vector>
 
+#include <QBuffer>
 #include <QTextStream>
 
 #include "hts/htskeys.h"
 #include "hts/htspackage.h"
-#include "hts/numbertext.h"
+#include "hts/linewriter.h"
 
 namespace {
-
-// The values of one column as lines of text, for many values in one call to the stream.
-class NumberLines
-{
-public:
-    explicit NumberLines(QTextStream& stream) : m_stream(stream), m_text(kCapacity) {}
-    ~NumberLines() { flush(); }
-    NumberLines(const NumberLines&) = delete;
-    NumberLines& operator=(const NumberLines&) = delete;
-
-    void write(double value)
-    {
-        if (m_text.size() - m_used < kMaxNumberLength + 1)
-            flush();
-        char* end = writeNumber(m_text.data() + m_used, value);
-        *end++ = '\n';
-        m_used = static_cast<std::size_t>(end - m_text.data());
-    }
-
-    void flush()
-    {
-        m_stream << QLatin1String(m_text.data(), static_cast<int>(m_used));
-        m_used = 0;
-    }
-
-private:
-    static constexpr std::size_t kCapacity = std::size_t(16) * 1024;
-
-    QTextStream& m_stream;
-    std::vector<char> m_text;
-    std::size_t m_used = 0;
-};
 
 // The text of a scale. Formatting takes as long as writing ten values, and files mostly have one
 // scale throughout, so the last text is kept.
@@ -51,7 +19,7 @@ class ScaleText
 public:
     const QString& of(double scale)
     {
-        // Compared as bytes: zero and minus zero have different texts.
+        // Compared as bytes, so that a NaN too is equal to itself.
         // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
         if (std::memcmp(&scale, &m_scale, sizeof scale) != 0) {
             m_scale = scale;
@@ -79,73 +47,94 @@ const HtsColumn& columnValues(const HtsValues& values, int run, int slot, int co
 }
 
 void writeColumn(const HtsSlot& slot, int column, const HtsColumn& values, int rows,
-                 QTextStream& stream, ScaleText& scaleText, NumberLines& numbers)
+                 LineWriter& lines, ScaleText& scaleText)
 {
-    stream << kUnitsKey << slot.units.value(column) << '\n';
-    stream << kScaleKey << scaleText.of(slot.scales.value(column)) << '\n';
+    lines << kUnitsKey << slot.units.value(column) << '\n';
+    lines << kScaleKey << scaleText.of(slot.scales.value(column)) << '\n';
     const QString method = slot.methods.value(column);
     if (!method.isEmpty())
-        stream << kMethodKey << method << '\n';
+        lines << kMethodKey << method << '\n';
     const auto held = static_cast<int>(values.size());
     for (int row = 0; row < rows; ++row) {
         const double missing = std::numeric_limits<double>::quiet_NaN();
-        numbers.write(row < held ? values[static_cast<std::size_t>(row)] : missing);
+        lines << (row < held ? values[static_cast<std::size_t>(row)] : missing) << '\n';
     }
-    numbers.flush();
-    stream << kEndColumn << '\n';
+    lines << kEndColumn << '\n';
+}
+
+void writeLines(const HtsPackage& package, LineWriter& lines)
+{
+    writeKeywordLines(kPackageKeys, package, lines);
+    lines << kEndPackagePreamble << '\n';
+}
+
+void writeLines(const HtsRun& run, LineWriter& lines)
+{
+    writeKeywordLines(kRunKeys, run, lines);
+    lines << kEndRunPreamble << '\n';
+    for (const QString& timestep : run.timesteps)
+        lines << timestep << '\n';
+}
+
+void writeLines(const HtsSlot& slot, LineWriter& lines)
+{
+    writeKeywordLines(kSlotKeys, slot, lines);
+    lines << kEndSlotPreamble << '\n';
+    if (slot.isTable()) {
+        for (const QString& row : slot.tableRows)
+            lines << row << '\n';
+    }
+}
+
+// The steps on a text stream, which go by the lines of the model too.
+template<typename Model>
+Status writeToStream(const Model& model, QTextStream& stream)
+{
+    QBuffer text;
+    text.open(QIODevice::WriteOnly);
+    {
+        LineWriter lines(text);
+        writeLines(model, lines);
+    }
+    stream << QString::fromUtf8(text.data());
+    return {};
 }
 
 } // namespace
 
 Status HtsPackage::write(QIODevice& device) const
 {
-    QTextStream stream(&device);
-    stream.setCodec("UTF-8"); // as the reader decodes, whatever the locale
+    LineWriter lines(device);
     ScaleText scaleText;
-    NumberLines numbers(stream);
-
-    Status status = writePreamble(stream);
-    for (int r = 0; status.ok() && r < runs.size(); ++r) {
-        status = run(r).writePreamble(stream);
-        for (int s = 0; status.ok() && s < slots.size(); ++s) {
+    writeLines(*this, lines);
+    for (int r = 0; r < runs.size(); ++r) {
+        writeLines(run(r), lines);
+        for (int s = 0; s < slots.size(); ++s) {
             const HtsSlot& written = slot(s);
-            status = written.writePreamble(stream);
+            writeLines(written, lines);
             if (written.isTable())
                 continue; // deliberately without columns and without "END_SLOT"
-            const int rows = written.isSeries() ? run(r).timeStepCount : written.numRows();
             for (int c = 0; c < written.numColumns(); ++c)
-                writeColumn(written, c, columnValues(values, r, s, c), rows, stream, scaleText,
-                            numbers);
-            stream << kEndSlot << '\n';
+                writeColumn(written, c, columnValues(values, r, s, c), written.valueCount(run(r)),
+                            lines, scaleText);
+            lines << kEndSlot << '\n';
         }
-        stream << kEndRun << '\n';
+        lines << kEndRun << '\n';
     }
-    return status;
+    return {};
 }
 
 Status HtsPackage::writePreamble(QTextStream& stream) const
 {
-    writeKeywordLines(kPackageKeys, *this, stream);
-    stream << kEndPackagePreamble << '\n';
-    return {};
+    return writeToStream(*this, stream);
 }
 
 Status HtsRun::writePreamble(QTextStream& stream) const
 {
-    writeKeywordLines(kRunKeys, *this, stream);
-    stream << kEndRunPreamble << '\n';
-    for (const QString& timestep : timesteps)
-        stream << timestep << '\n';
-    return {};
+    return writeToStream(*this, stream);
 }
 
 Status HtsSlot::writePreamble(QTextStream& stream) const
 {
-    writeKeywordLines(kSlotKeys, *this, stream);
-    stream << kEndSlotPreamble << '\n';
-    if (isTable()) {
-        for (const QString& row : tableRows)
-            stream << row << '\n';
-    }
-    return {};
+    return writeToStream(*this, stream);
 }

@@ -13,64 +13,81 @@ namespace {
 // Small enough to stay in the second-level cache, large enough to make the calls free.
 constexpr std::size_t kBlockSize = std::size_t(64) * 1024;
 
-void skipBytes(QIODevice& device, std::size_t count)
-{
-    auto left = static_cast<qint64>(count);
-    while (left > 0) {
-        const qint64 skipped = device.skip(left);
-        if (skipped <= 0)
-            return;
-        left -= skipped;
-    }
-}
-
 const char* findLineEnd(const char* first, const char* last)
 {
     return static_cast<const char*>(
         std::memchr(first, '\n', static_cast<std::size_t>(last - first)));
 }
 
+// Reads up to `maxSize` bytes, in one go. Bytes that were given back to a sequential device come
+// alone: together with them it would wait for more.
+qint64 readAvailable(QIODevice& device, char* data, std::size_t maxSize)
+{
+    auto size = static_cast<qint64>(maxSize);
+    if (device.isSequential()) {
+        // Not the device's own: the number of bytes in the toolkit's buffer alone.
+        const qint64 givenBack = device.QIODevice::bytesAvailable();
+        if (givenBack > 0)
+            size = std::min(size, givenBack);
+    }
+    return device.read(data, size);
+}
+
+// Makes `bytes`, which were read last, the next to be read again.
+void giveBack(QIODevice& device, std::string_view bytes)
+{
+    if (bytes.empty())
+        return;
+    if (!device.isSequential()) {
+        device.seek(device.pos() - static_cast<qint64>(bytes.size()));
+        return;
+    }
+    for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte)
+        device.ungetChar(*byte);
+}
+
 } // namespace
 
 LineReader::LineReader(QIODevice& device)
-    : m_device(device), m_textMode(device.isOpen() && device.isTextModeEnabled()),
+    : m_device(device), m_isTextMode(device.isOpen() && device.isTextModeEnabled()),
       m_block(kBlockSize)
 {
-    if (m_textMode)
+    if (m_isTextMode)
         m_device.setTextModeEnabled(false);
 }
 
 LineReader::~LineReader()
 {
-    giveBack();
-    if (m_textMode)
+    returnUnused();
+    if (m_isTextMode)
         m_device.setTextModeEnabled(true);
 }
 
-// Takes what was used from the device, and moves the unread bytes to the start of the block.
-void LineReader::giveBack()
+void LineReader::returnUnused()
 {
-    skipBytes(m_device, m_next);
-    std::memmove(m_block.data(), m_block.data() + m_next, available());
-    m_end -= m_next;
+    giveBack(m_device, {m_block.data() + m_next, available()});
     m_next = 0;
+    m_end = 0;
 }
 
-// Makes more bytes available behind the unread ones. Returns false at the end of the input.
-bool LineReader::more()
+// Makes more bytes available after the unread ones. Returns false at the end of the input.
+bool LineReader::fetch()
 {
-    giveBack();
-    const std::size_t unread = m_end;
-    if (unread > m_block.size() / 2)
+    if (m_next > 0) {
+        std::memmove(m_block.data(), m_block.data() + m_next, available());
+        m_end -= m_next;
+        m_next = 0;
+    }
+    if (m_end > m_block.size() / 2)
         m_block.resize(m_block.size() * 2); // a line longer than the block
-    // The device gives the unread bytes once more. Should it fail to, they stand as they are.
-    const qint64 peeked = m_device.peek(m_block.data(), static_cast<qint64>(m_block.size()));
-    m_end = std::max(unread, static_cast<std::size_t>(std::max<qint64>(peeked, 0)));
-    return m_end > unread;
+    const qint64 count = readAvailable(m_device, m_block.data() + m_end, m_block.size() - m_end);
+    m_end += static_cast<std::size_t>(std::max<qint64>(count, 0));
+    return count > 0;
 }
 
 std::string_view LineReader::line()
 {
+    ++m_lineNumber;
     std::size_t searched = 0;
     for (;;) {
         const char* first = m_block.data() + m_next;
@@ -80,46 +97,53 @@ std::string_view LineReader::line()
             return stripped({first, static_cast<std::size_t>(lineEnd - first)});
         }
         searched = available();
-        if (!more()) {
+        if (!fetch()) {
+            m_linesPastEnd += m_end == 0 ? 1 : 0;
             m_next = m_end;
             return stripped({m_block.data(), m_end});
         }
     }
 }
 
-QString LineReader::text()
+void LineReader::readNumbers(std::vector<double>& numbers, OddLines* oddLines)
 {
-    return decodedText(line());
+    double* next = numbers.data();
+    const double* const end = next + numbers.size();
+    for (;;) {
+        const double* const firstPlain = next;
+        const char* const lines = m_block.data() + m_next;
+        m_next += static_cast<std::size_t>(
+            readNumberLines(lines, m_block.data() + m_end, next, end) - lines);
+        m_lineNumber += next - firstPlain;
+        if (next == end)
+            return;
+        // Another line, or one that the block holds only a part of.
+        const std::string_view odd = line();
+        *next = lineToNumber(odd);
+        if (oddLines != nullptr)
+            oddLines->look(static_cast<std::size_t>(next - numbers.data()), m_lineNumber, odd);
+        ++next;
+    }
 }
 
-void LineReader::readNumbers(std::vector<double>& numbers)
+void LineReader::skipLines(int count)
 {
-    for (double& number : numbers) {
-        const char* first = m_block.data() + m_next;
-        const char* last = m_block.data() + m_end;
-        // Most lines hold a plain number and nothing else, so the number's end is the line's.
-        const char* end = readPlainNumber(first, last, number);
-        const bool foundNumber = end != first;
-        if (end != last && *end == '\r')
-            ++end;
-        if (foundNumber && end != last && *end == '\n')
-            m_next += static_cast<std::size_t>(end + 1 - first);
-        else
-            number = lineToNumber(line());
-    }
+    for (int i = 0; i < count; ++i)
+        line();
 }
 
 bool LineReader::nextIs(std::string_view word)
 {
+    Q_ASSERT(word.size() <= kMaxWordLength);
     const std::size_t length = word.size() + 1;
-    while (available() < length && more()) {
+    while (available() < length && fetch()) {
     }
     const std::string_view next(m_block.data() + m_next, std::min(available(), length));
     // In text mode a device leaves out every "\r" that it peeks at, or none: that depends on its
     // kind. The end of a Windows line means the same to all of them.
     const std::size_t carriageReturn = next.find('\r');
-    if (m_textMode && carriageReturn != std::string_view::npos) {
-        const bool endsLine = carriageReturn + 1 == length && (available() > length || more()) &&
+    if (m_isTextMode && carriageReturn != std::string_view::npos) {
+        const bool endsLine = carriageReturn + 1 == length && (available() > length || fetch()) &&
                               m_block[m_next + length] == '\n';
         if (!endsLine)
             return nextIsByDevice(word);
@@ -130,9 +154,9 @@ bool LineReader::nextIs(std::string_view word)
 
 bool LineReader::nextIsByDevice(std::string_view word)
 {
-    giveBack();
+    returnUnused();
     m_device.setTextModeEnabled(true);
-    char bytes[16];
+    char bytes[kMaxWordLength + 1];
     const qint64 peeked = m_device.peek(bytes, static_cast<qint64>(word.size()) + 1);
     m_device.setTextModeEnabled(false);
     return stripped({bytes, static_cast<std::size_t>(std::max<qint64>(peeked, 0))}) == word;
@@ -141,10 +165,10 @@ bool LineReader::nextIsByDevice(std::string_view word)
 bool LineReader::nextByteIs(char character)
 {
     for (;;) {
-        if (m_next == m_end && !more())
+        if (m_next == m_end && !fetch())
             return false;
         const char next = m_block[m_next];
-        if (!m_textMode || next != '\r')
+        if (!m_isTextMode || next != '\r')
             return next == character;
         ++m_next;
     }
@@ -152,5 +176,5 @@ bool LineReader::nextByteIs(char character)
 
 bool LineReader::atEnd()
 {
-    return m_next == m_end && !more();
+    return m_next == m_end && !fetch();
 }

@@ -5,7 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include <QString>
 #include <QtGlobal>
 
 class QIODevice;
@@ -13,11 +12,15 @@ class QIODevice;
 // Reads a device line by line, as QIODevice::readLine would, from large blocks.
 //
 //     LineReader reader(device);
-//     const QString line = reader.text();
+//     const QString line = toText(textBytes(reader.line()));   // see linetext.h
 //
-// The reader looks at the device's data with QIODevice::peek and takes only what it used: once it
-// is destroyed, the device stands where line-by-line reading would have left it. While it lives,
-// the device belongs to it. Sequential devices and short reads are fine.
+// What the reader has taken from the device and not used goes back when the reader is destroyed:
+// the device then stands where line-by-line reading would have left it. While the reader lives, the
+// device belongs to it.
+//
+// Sequential devices and short reads are fine. Of a pipe the reader takes what is there, and waits
+// only for a line that is not complete yet; a QFile on a pipe waits for a whole block all the same,
+// a UtilsNS::CheckedFile doesn't.
 //
 // Lines end with "\n". The device's text mode is switched off meanwhile, so that positions are
 // exact; the "\r" of a "\r\n" goes with the white space that every line loses anyway. At the end of
@@ -25,22 +28,33 @@ class QIODevice;
 class LineReader
 {
 public:
-    // `device` is open for reading and outlives the reader.
+    // The device is open for reading; a device that is not open reads as an empty one.
     explicit LineReader(QIODevice& device);
     ~LineReader();
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
+    // Looks at value lines that hold something else than a plain decimal number. See readNumbers.
+    class OddLines
+    {
+    public:
+        virtual ~OddLines() = default;
+        // `line`, without white space at both ends, is the line number `lineNumber`, and becomes
+        // element `index` of the numbers.
+        virtual void look(std::size_t index, qint64 lineNumber, std::string_view line) = 0;
+    };
+
     // Reads a line and returns its bytes without white space at both ends. The view is valid until
     // the next call.
     std::string_view line();
-    // Reads a line and returns its text (see decodedText).
-    QString text();
-    // Reads one line for each element of `numbers` and sets it to the number of that line.
-    void readNumbers(std::vector<double>& numbers);
+    // Reads one line for each element of `numbers` and sets it to the number of that line. Shows
+    // `oddLines`, unless null, the lines that are not plain decimal numbers.
+    void readNumbers(std::vector<double>& numbers, OddLines* oddLines = nullptr);
+    // Reads `count` lines, none if it is negative, and drops them.
+    void skipLines(int count);
 
     // Whether the next bytes, one more than `word` has, are `word` when white space is taken off.
-    // Nothing is read. `word` has at most 15 characters.
+    // Nothing is read. `word` has at most kMaxWordLength characters.
     bool nextIs(std::string_view word);
     // Whether the next byte is `character`. In text mode the "\r"s before it are read, as
     // QIODevice::getChar would.
@@ -48,18 +62,28 @@ public:
     // Whether no byte is left.
     bool atEnd();
 
+    // Number of the line that was read last, counted from 1; 0 before the first. Past the end of
+    // the input every empty line counts, too.
+    qint64 lineNumber() const { return m_lineNumber; }
+    // How many of them are past the end of the input.
+    qint64 linesPastEnd() const { return m_linesPastEnd; }
+
+    static constexpr std::size_t kMaxWordLength = 15;
+
 private:
-    bool more();
-    std::size_t available() const { return m_end - m_next; }
-    void giveBack();
+    bool fetch();
+    void returnUnused();
     bool nextIsByDevice(std::string_view word);
+    std::size_t available() const { return m_end - m_next; }
 
     QIODevice& m_device;
-    const bool m_textMode;
+    const bool m_isTextMode;
     std::vector<char> m_block;
     // Positions in m_block: the next unread byte, and the end of the data.
     std::size_t m_next = 0;
     std::size_t m_end = 0;
+    qint64 m_lineNumber = 0;
+    qint64 m_linesPastEnd = 0;
 };
 
 #endif // HTS_LINEREADER_H

@@ -7,6 +7,9 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 
+// Well within what a QString holds, whose size is an int and whose memory counts in bytes.
+constexpr std::size_t kMaxBytes = std::numeric_limits<int>::max() / 4;
+
 bool isSpace(char c)
 {
     return c == ' ' || (c >= '\t' && c <= '\r');
@@ -35,15 +38,15 @@ std::string_view stripped(std::string_view bytes)
 
 std::string_view textBytes(std::string_view line)
 {
-    // Well within what a QString holds, whose size is an int and whose memory counts in bytes.
-    constexpr std::size_t kMostBytes = std::numeric_limits<int>::max() / 4;
+    Q_ASSERT(line.size() == stripped(line).size());
     if (hasByteOrderMark(line))
         line.remove_prefix(kByteOrderMark.size());
-    return line.substr(0, std::min(line.find('\0'), kMostBytes));
+    return line.substr(0, std::min(line.find('\0'), kMaxBytes));
 }
 
 QString toText(std::string_view bytes)
 {
+    Q_ASSERT(bytes.size() <= kMaxBytes && bytes.find('\0') == std::string_view::npos);
     // Most texts are a few letters of ASCII, which take half the time when they need no decoding.
     if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return isAscii(c); }))
         return QString::fromLatin1(bytes.data(), static_cast<int>(bytes.size()));
@@ -52,7 +55,11 @@ QString toText(std::string_view bytes)
     return hasByteOrderMark(bytes) ? QChar(QChar::ByteOrderMark) + text : text;
 }
 
-QString decodedText(std::string_view line)
+const QString& RepeatedText::of(std::string_view bytes)
 {
-    return toText(textBytes(line));
+    if (bytes != m_bytes) {
+        m_bytes = bytes;
+        m_text = toText(bytes);
+    }
+    return m_text;
 }

@@ -1,6 +1,7 @@
 #ifndef HTS_LINETEXT_H
 #define HTS_LINETEXT_H
 
+#include <string>
 #include <string_view>
 
 #include <QString>
@@ -17,10 +18,21 @@ std::string_view stripped(std::string_view bytes);
 // text is.
 std::string_view textBytes(std::string_view line);
 
-// The text of the rest of textBytes(line) from anywhere behind a whole character on.
+// The text of the bytes that textBytes() gave, or of the rest of them from any character on.
 QString toText(std::string_view bytes);
 
-// The text of a stripped line.
-QString decodedText(std::string_view line);
+// Makes texts of bytes that are mostly the same as the time before, as names and units of slots
+// are. Equal texts that follow one another share their memory, and take a comparison instead of a
+// conversion.
+class RepeatedText
+{
+public:
+    // toText(bytes).
+    const QString& of(std::string_view bytes);
+
+private:
+    std::string m_bytes;
+    QString m_text;
+};
 
 #endif // HTS_LINETEXT_H

@@ -46,11 +46,10 @@ std::uint64_t eightCharacters(const char* text)
 bool areDigits(std::uint64_t characters)
 {
     constexpr std::uint64_t kHighHalves = 0xf0f0f0f0f0f0f0f0;
-    constexpr std::uint64_t kZeros = 0x3030303030303030;
-    // All of 0x30 to 0x3f pass the first test, so that adding never carries; '9' and what is below
-    // it pass the second.
+    // All of 0x30 to 0x3f have the high half 3, so that adding never carries; '9' and what is below
+    // it keep it when six is added. One comparison for both.
     const std::uint64_t sixMore = characters + 0x0606060606060606;
-    return (characters & kHighHalves) == kZeros && (sixMore & kHighHalves) == kZeros;
+    return ((characters & kHighHalves) | (sixMore & kHighHalves) >> 4) == 0x3333333333333333;
 }
 
 // The number that eight digits make: neighbours are joined to pairs, pairs to fours, fours to
@@ -62,6 +61,14 @@ std::uint64_t eightDigits(std::uint64_t characters)
     digits = (digits * (1 + (kTens << 8)) >> 8) & 0x00ff00ff00ff00ff;
     digits = (digits * (1 + (kHundreds << 16)) >> 16) & 0x0000ffff0000ffff;
     return digits * (1 + (kTenThousands << 32)) >> 32;
+}
+
+// The number that the last four of eight digits make.
+std::uint64_t lastFourDigits(std::uint64_t characters)
+{
+    std::uint64_t digits = characters >> 32 & 0x0f0f0f0f;
+    digits = (digits * (1 + (10 << 8)) >> 8) & 0x00ff00ff;
+    return (digits * (1 + (100 << 16)) >> 16) & 0xffff;
 }
 
 // Reads `wholeDigits` digits, the point behind them, which is there, and twelve decimals that end
@@ -83,8 +90,7 @@ const char* readFixed(const char* text, double& magnitude)
     const std::uint64_t last = eightCharacters(end - 8); // four of them once more
     if (!isWhole || !areDigits(first) || !areDigits(last) || (*end != '\n' && *end != '\r'))
         return nullptr;
-    const std::uint64_t number =
-        whole * kUnits + eightDigits(first) * 10000 + eightDigits(last) % 10000;
+    const std::uint64_t number = whole * kUnits + eightDigits(first) * 10000 + lastFourDigits(last);
     if (number > kMostExact)
         return nullptr;
     magnitude = static_cast<double>(static_cast<std::int64_t>(number)) / double(kUnits);
@@ -198,12 +204,9 @@ std::uint64_t roundedDecimals(double fraction)
     return static_cast<std::uint64_t>((Uint128(mantissa) * kUnits + half) >> shift);
 }
 
-} // namespace
-
-const char* readPlainNumber(const char* first, const char* last, double& value)
+// See readPlainNumber.
+const char* readOtherPlainNumber(const char* first, const char* last, double& value)
 {
-    if (const char* end = readWrittenNumber(first, last, value); end != first)
-        return end;
     if (const char* end = readShortDecimal(first, last, value); end != first)
         return end;
     // std::from_chars also takes "inf", "nan" and "nan(...)", which the toolkit reads otherwise.
@@ -217,6 +220,35 @@ const char* readPlainNumber(const char* first, const char* last, double& value)
     return error == std::errc() ? end : first;
 }
 
+} // namespace
+
+const char* readPlainNumber(const char* first, const char* last, double& value)
+{
+    Q_ASSERT(first <= last);
+    const char* end = readWrittenNumber(first, last, value);
+    return end != first ? end : readOtherPlainNumber(first, last, value);
+}
+
+const char* readNumberLines(const char* first, const char* last, double*& numbers,
+                            const double* numbersEnd)
+{
+    double* number = numbers; // a local one lives in a register
+    for (; number != numbersEnd; ++number) {
+        const char* end = readWrittenNumber(first, last, *number);
+        if (end == first)
+            end = readOtherPlainNumber(first, last, *number);
+        if (end == first)
+            break;
+        if (end != last && *end == '\r')
+            ++end;
+        if (end == last || *end != '\n')
+            break;
+        first = end + 1;
+    }
+    numbers = number;
+    return first;
+}
+
 double lineToNumber(std::string_view line)
 {
     const std::string_view text = stripped(line);
@@ -226,7 +258,7 @@ double lineToNumber(std::string_view line)
     double value = 0.0;
     if (!text.empty() && readPlainNumber(text.data(), last, value) == last)
         return value;
-    return decodedText(text).toDouble();
+    return toText(textBytes(text)).toDouble();
 }
 
 char* writeNumber(char* out, double value)

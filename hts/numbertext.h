@@ -15,6 +15,13 @@ double lineToNumber(std::string_view line);
 // certain that the toolkit reads the same (a sign "+", a name such as "inf", out of range).
 const char* readPlainNumber(const char* first, const char* last, double& value);
 
+// Reads lines that hold a plain decimal number and nothing else, from the start of [first, last),
+// and sets the elements of [numbers, numbersEnd) to their numbers, one after the other. Stops at a
+// line that is not like that or not complete, and when all elements are set. Moves `numbers` after
+// the last element set and returns where the next line begins.
+const char* readNumberLines(const char* first, const char* last, double*& numbers,
+                            const double* numbersEnd);
+
 // Longest text that writeNumber makes: sign, 309 digits, point, 12 digits.
 constexpr std::size_t kMaxNumberLength = 323;
 

@@ -23,11 +23,13 @@ struct [[nodiscard]] Status
 // The result of an operation that failed for the reason `message`, which is not empty.
 inline Status failure(const QString& message)
 {
+    Q_ASSERT(!message.isEmpty());
     return {message, false};
 }
 
 inline Status failure(QLatin1String message)
 {
+    Q_ASSERT(message.size() > 0);
     return {message, false};
 }
 

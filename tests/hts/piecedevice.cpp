@@ -17,6 +17,7 @@ qint64 PieceDevice::bytesAvailable() const
 
 qint64 PieceDevice::readData(char* data, qint64 maxSize)
 {
+    m_isOverdrawn = m_isOverdrawn || (m_next == m_data.size() && maxSize > 0);
     const qint64 piece =
         m_isRandom ? 1 + m_random.bounded(static_cast<int>(m_pieceSize)) : m_pieceSize;
     const qint64 size = std::min({piece, maxSize, m_data.size() - m_next});

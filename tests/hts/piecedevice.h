@@ -16,6 +16,10 @@ public:
     // Pieces of 1 to `size` bytes instead, by chance.
     void setRandomPieces(quint32 seed);
 
+    // Whether more was asked for after all had been handed out. A pipe whose writer keeps it open
+    // would wait there.
+    bool isOverdrawn() const { return m_isOverdrawn; }
+
     bool isSequential() const override { return true; }
     qint64 bytesAvailable() const override;
 
@@ -27,6 +31,7 @@ private:
     const QByteArray m_data;
     const qint64 m_pieceSize;
     qint64 m_next = 0;
+    bool m_isOverdrawn = false;
     bool m_isRandom = false;
     QRandomGenerator m_random;
 };

@@ -164,16 +164,17 @@ void HtsPackageTest::copyPreambleTakesNegativeCountForNone()
 void HtsPackageTest::setNumSlotsResizesSlotsAndValues_data()
 {
     QTest::addColumn<int>("count");
-    for (const int count : {0, 1, 2, 5})
+    for (const int count : {std::numeric_limits<int>::min(), -1, 0, 1, 2, 5})
         QTest::addRow("%d", count) << count;
 }
 
+// Below zero counts as none.
 void HtsPackageTest::setNumSlotsResizesSlotsAndValues()
 {
     QFETCH(int, count);
     HtsPackage package = filledPackage();
     package.setNumSlots(count);
-    QCOMPARE(package.numSlots(), count);
+    QCOMPARE(package.numSlots(), qMax(count, 0));
 
     HtsPackage expected = filledPackage();
     expected.slots.clear();

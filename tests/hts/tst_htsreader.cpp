@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 #include <QBuffer>
 #include <QRandomGenerator>
@@ -13,6 +14,8 @@
 
 #include "hts/htspackage.h"
 #include "tests/hts/packagecompare.h"
+#include "tests/hts/piecedevice.h"
+#include "tests/hts/randomhts.h"
 #include "tests/hts/samplefile.h"
 
 namespace {
@@ -149,6 +152,8 @@ private Q_SLOTS:
     void laterRunsShareEqualTimesteps();
     void neighboursShareEqualTexts();
     void noTimestepsMeanNoValues();
+    void asksAPipeForNothingAfterTheLastRun_data();
+    void asksAPipeForNothingAfterTheLastRun();
 };
 
 void HtsReaderTest::readsWholeFile_data()
@@ -755,6 +760,52 @@ void HtsReaderTest::noTimestepsMeanNoValues()
         firstColumn(opening(1, 0) + kSeries + "END_COLUMN\nEND_SLOT\nEND_RUN\n|", package);
     QVERIFY(values.empty());
     QCOMPARE(package.slot(0).units, QStringList{QStringLiteral("cms")});
+}
+
+void HtsReaderTest::asksAPipeForNothingAfterTheLastRun_data()
+{
+    QTest::addColumn<int>("pieceSize");
+    QTest::addColumn<int>("mode");
+    const std::pair<const char*, QIODevice::OpenMode> kModes[] = {
+        {"", QIODevice::ReadOnly},
+        {", text mode", QIODevice::ReadOnly | QIODevice::Text},
+        {", unbuffered", QIODevice::ReadOnly | QIODevice::Unbuffered},
+        {", text mode, unbuffered", QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered}};
+    for (const int pieceSize : {1, 7, 1000000}) {
+        for (const auto& [name, mode] : kModes)
+            QTest::addRow("%d bytes%s", pieceSize, name) << pieceSize << static_cast<int>(mode);
+    }
+}
+
+void HtsReaderTest::asksAPipeForNothingAfterTheLastRun()
+{
+    QFETCH(int, pieceSize);
+    QFETCH(int, mode);
+    const auto openMode = static_cast<QIODevice::OpenMode>(mode);
+    for (quint32 seed = 0; seed < 60; ++seed) {
+        const QByteArray whole = withoutLoneCarriageReturns(RandomHts(seed).file(6));
+        QBuffer buffer;
+        buffer.setData(whole);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        HtsPackage expected;
+        QCOMPARE(expected.read(buffer).message, QString());
+        QByteArray used = whole.left(static_cast<int>(buffer.pos()));
+        if (!used.endsWith('\n'))
+            used += '\n';
+
+        PieceDevice pipe(used, pieceSize);
+        QVERIFY(pipe.open(openMode));
+        HtsPackage package;
+        QCOMPARE(package.read(pipe).message, QString());
+        QVERIFY2(!pipe.isOverdrawn(), qPrintable(QString::number(seed)));
+        QCOMPARE(difference(package, expected), QString());
+
+        PieceDevice longer(used + "rest\r\nEND_RUN\n", pieceSize);
+        QVERIFY(longer.open(openMode));
+        QCOMPARE(HtsPackage().read(longer).message, QString());
+        longer.setTextModeEnabled(false);
+        QCOMPARE(longer.readAll(), QByteArray("rest\r\nEND_RUN\n"));
+    }
 }
 
 QTEST_APPLESS_MAIN(HtsReaderTest)

@@ -1,5 +1,7 @@
 #include <cmath>
+#include <functional>
 #include <memory>
+#include <utility>
 
 #include <QBuffer>
 #include <QFile>
@@ -8,9 +10,17 @@
 #include <QtTest>
 
 #include "hts/linereader.h"
+#include "hts/linetext.h"
 #include "tests/hts/piecedevice.h"
 
 namespace {
+
+// The text of the next line.
+template<typename Reader>
+QString textOf(Reader&& reader)
+{
+    return toText(textBytes(reader.line()));
+}
 
 QByteArray bytes(std::string_view view)
 {
@@ -41,8 +51,14 @@ private Q_SLOTS:
     void looksAtTheNextByte_data();
     void looksAtTheNextByte();
     void atEndReadsNothing();
+    void countsLines_data();
+    void countsLines();
     void restoresTextMode_data();
     void restoresTextMode();
+    void asksAPipeForNoMoreThanItNeeds_data();
+    void asksAPipeForNoMoreThanItNeeds();
+    void leavesWhatItDidNotUseInAPipe_data();
+    void leavesWhatItDidNotUseInAPipe();
     void closedDeviceIsEmpty();
 
 private:
@@ -109,11 +125,11 @@ void LineReaderTest::readsLines()
     QCOMPARE(bytes(reader.line()), QByteArray());
     QCOMPARE(bytes(reader.line()), QByteArray("inner  blank"));
     QCOMPARE(bytes(reader.line()), QByteArray("windows"));
-    QCOMPARE(reader.text(), QString());
-    QCOMPARE(reader.text(), QString(QString(QChar(0xc4)) + QChar(0xfffd)));
-    QCOMPARE(reader.text(), QStringLiteral("a"));
-    QCOMPARE(reader.text(), QStringLiteral("last"));
-    QCOMPARE(reader.text(), QString());
+    QCOMPARE(textOf(reader), QString());
+    QCOMPARE(textOf(reader), QString(QString(QChar(0xc4)) + QChar(0xfffd)));
+    QCOMPARE(textOf(reader), QStringLiteral("a"));
+    QCOMPARE(textOf(reader), QStringLiteral("last"));
+    QCOMPARE(textOf(reader), QString());
     QCOMPARE(bytes(reader.line()), QByteArray());
 }
 
@@ -146,10 +162,10 @@ void LineReaderTest::startsAtThePositionOfTheDevice()
     device.setData("one\ntwo\nthree\n");
     QVERIFY(device.open(QIODevice::ReadOnly));
     QVERIFY(device.seek(4));
-    QCOMPARE(LineReader(device).text(), QStringLiteral("two"));
+    QCOMPARE(textOf(LineReader(device)), QStringLiteral("two"));
     QCOMPARE(device.pos(), 8);
-    QCOMPARE(LineReader(device).text(), QStringLiteral("three"));
-    QCOMPARE(LineReader(device).text(), QString());
+    QCOMPARE(textOf(LineReader(device)), QStringLiteral("three"));
+    QCOMPARE(textOf(LineReader(device)), QString());
     QCOMPARE(device.pos(), 14);
 }
 
@@ -319,6 +335,36 @@ void LineReaderTest::atEndReadsNothing()
     QVERIFY(reader.atEnd());
 }
 
+void LineReaderTest::countsLines_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<int>("lines"); // of the input
+    QTest::newRow("no byte") << QByteArray() << 0;
+    QTest::newRow("empty line") << QByteArray("\n") << 1;
+    QTest::newRow("lines") << QByteArray("a\n\nb\n") << 3;
+    QTest::newRow("last line without an end") << QByteArray("a\nb") << 2;
+    QTest::newRow("many") << QByteArray("1.5\n").repeated(100000) << 100000;
+}
+
+void LineReaderTest::countsLines()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(int, lines);
+    constexpr int kMore = 5;
+    QBuffer device(&text);
+    device.open(QIODevice::ReadOnly);
+    LineReader reader(device);
+    std::vector<double> numbers(static_cast<std::size_t>(lines / 2));
+    reader.readNumbers(numbers);
+    reader.skipLines(lines - lines / 2);
+    QCOMPARE(reader.lineNumber(), qint64(lines));
+    QCOMPARE(reader.linesPastEnd(), qint64(0));
+    numbers.resize(kMore);
+    reader.readNumbers(numbers);
+    QCOMPARE(reader.lineNumber(), qint64(lines + kMore));
+    QCOMPARE(reader.linesPastEnd(), qint64(kMore));
+}
+
 void LineReaderTest::restoresTextMode_data()
 {
     // Not byte by byte: QIODevice::readLine then ends a line at its "\r".
@@ -329,9 +375,99 @@ void LineReaderTest::restoresTextMode()
 {
     QFETCH(bool, isTextMode);
     const auto device = opened("one\r\ntwo\r\nthree\r\n");
-    QCOMPARE(LineReader(*device).text(), QStringLiteral("one"));
+    QCOMPARE(textOf(LineReader(*device)), QStringLiteral("one"));
     QCOMPARE(device->isTextModeEnabled(), isTextMode);
     QCOMPARE(device->readLine(), QByteArray(isTextMode ? "two\n" : "two\r\n"));
+}
+
+// Rows of pipes: how many bytes come at once, how they are opened, and the line end in them.
+static void addPipeRows()
+{
+    QTest::addColumn<int>("pieceSize");
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QByteArray>("lineEnd");
+    for (const int pieceSize : {1, 2, 7, 1000000}) {
+        for (const QIODevice::OpenMode more :
+             {QIODevice::OpenMode(), QIODevice::OpenMode(QIODevice::Text)}) {
+            for (const QIODevice::OpenMode buffering :
+                 {QIODevice::OpenMode(), QIODevice::OpenMode(QIODevice::Unbuffered)}) {
+                for (const char* lineEnd : {"\n", "\r\n"}) {
+                    QTest::addRow("%d bytes%s%s%s", pieceSize, more == 0 ? "" : ", text mode",
+                                  buffering == 0 ? "" : ", unbuffered",
+                                  lineEnd[0] == '\r' ? ", Windows" : "")
+                        << pieceSize << static_cast<int>(QIODevice::ReadOnly | more | buffering)
+                        << QByteArray(lineEnd);
+                }
+            }
+        }
+    }
+}
+
+void LineReaderTest::asksAPipeForNoMoreThanItNeeds_data()
+{
+    addPipeRows();
+}
+
+void LineReaderTest::asksAPipeForNoMoreThanItNeeds()
+{
+    QFETCH(int, pieceSize);
+    QFETCH(int, mode);
+    QFETCH(QByteArray, lineEnd);
+    // What is read, and a text with just the bytes for that.
+    const std::pair<const char*, std::function<void(LineReader&)>> kReads[] = {
+        {"one\n", [](LineReader& reader) { QCOMPARE(bytes(reader.line()), QByteArray("one")); }},
+        {"one\n", [](LineReader& reader) { QVERIFY(reader.nextByteIs('o')); }},
+        {"END_RUN\n", [](LineReader& reader) { QVERIFY(reader.nextIs("END_RUN")); }},
+        {"o", [](LineReader& reader) { QVERIFY(!reader.atEnd()); }},
+        {"1\n2.5\n x\n",
+         [](LineReader& reader) {
+             std::vector<double> numbers(3);
+             reader.readNumbers(numbers);
+             QCOMPARE(numbers, (std::vector<double>{1.0, 2.5, 0.0}));
+         }},
+        {"1\n2\n3\n", [](LineReader& reader) { reader.skipLines(3); }},
+        {"one\n2\nmore\nEND_RUN\n",
+         [](LineReader& reader) {
+             reader.line();
+             reader.skipLines(1);
+             QVERIFY(reader.nextByteIs('m'));
+             QVERIFY(!reader.nextIs("END_RUN"));
+             reader.line();
+             QVERIFY(reader.nextIs("END_RUN"));
+             reader.line();
+         }},
+    };
+    for (const auto& [text, read] : kReads) {
+        PieceDevice device(QByteArray(text).replace("\n", lineEnd), pieceSize);
+        QVERIFY(device.open(static_cast<QIODevice::OpenMode>(mode)));
+        {
+            LineReader reader(device);
+            read(reader);
+        }
+        QVERIFY2(!device.isOverdrawn(), text);
+    }
+}
+
+void LineReaderTest::leavesWhatItDidNotUseInAPipe_data()
+{
+    addPipeRows();
+}
+
+void LineReaderTest::leavesWhatItDidNotUseInAPipe()
+{
+    QFETCH(int, pieceSize);
+    QFETCH(int, mode);
+    QFETCH(QByteArray, lineEnd);
+    const QByteArray rest = QByteArray("two\nthree\n").replace("\n", lineEnd);
+    PieceDevice device("one" + lineEnd + rest, pieceSize);
+    QVERIFY(device.open(static_cast<QIODevice::OpenMode>(mode)));
+    QCOMPARE(textOf(LineReader(device)), QStringLiteral("one"));
+    QCOMPARE(LineReader(device).nextByteIs('t'), true);
+    // The bytes that were given back come first and alone, and are enough.
+    QCOMPARE(textOf(LineReader(device)), QStringLiteral("two"));
+    QVERIFY(!device.isOverdrawn());
+    device.setTextModeEnabled(false);
+    QCOMPARE(device.readAll(), "three" + lineEnd);
 }
 
 void LineReaderTest::closedDeviceIsEmpty()
@@ -339,7 +475,7 @@ void LineReaderTest::closedDeviceIsEmpty()
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral(".*device not open")));
     QBuffer device;
     LineReader reader(device);
-    QCOMPARE(reader.text(), QString());
+    QCOMPARE(textOf(reader), QString());
 }
 
 QTEST_APPLESS_MAIN(LineReaderTest)

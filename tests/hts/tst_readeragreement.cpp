@@ -2,81 +2,18 @@
 // same model, bit by bit, and leave the device at the same place.
 
 #include <algorithm>
-#include <functional>
-#include <memory>
-#include <utility>
 
-#include <QBuffer>
-#include <QFile>
 #include <QRandomGenerator>
 #include <QSet>
-#include <QTemporaryDir>
 #include <QtTest>
 
-#include "bench/plainreader/plainreader.h"
-#include "tests/hts/packagecompare.h"
-#include "tests/hts/piecedevice.h"
 #include "tests/hts/randomhts.h"
+#include "tests/hts/readercompare.h"
+#include "tests/plain/plainreader.h"
 
 namespace {
 
-constexpr qint64 kAnySize = 1 << 30;
-
-// In place of a message: a table has no "END_SLOT", and the reader of hts/ would look for it for
-// ever.
-const QLatin1String kEndless("endless");
 const QString kInput = QStringLiteral("input %1: %2");
-
-enum class Kind { Buffer, File, OneByte, SevenBytes, RandomPieces };
-
-bool isSequential(Kind kind)
-{
-    return kind != Kind::Buffer && kind != Kind::File;
-}
-
-struct Outcome
-{
-    Status status;
-    HtsPackage package;
-    qint64 position = 0;
-    bool isTextMode = false;
-    QByteArray rest;
-};
-
-using Reader = std::function<Status(QIODevice& device, HtsPackage& package)>;
-
-Outcome outcomeOf(QIODevice& device, const Reader& reader)
-{
-    Outcome outcome;
-    outcome.status = reader(device, outcome.package);
-    outcome.position = device.pos();
-    outcome.isTextMode = device.isTextModeEnabled();
-    device.setTextModeEnabled(false);
-    outcome.rest = device.readAll();
-    return outcome;
-}
-
-QString difference(const Outcome& left, const Outcome& right)
-{
-    if (left.status.message != right.status.message)
-        return left.status.message + QStringLiteral(" | ") + right.status.message;
-    if (left.status.flag || right.status.flag)
-        return QStringLiteral("flag is set");
-    if (left.rest != right.rest || left.position != right.position)
-        return QStringLiteral("stopped at %1 (%2 left) and %3 (%4 left)")
-            .arg(left.position)
-            .arg(left.rest.size())
-            .arg(right.position)
-            .arg(right.rest.size());
-    if (left.isTextMode != right.isTextMode)
-        return QStringLiteral("text mode has changed");
-    return difference(left.package, right.package);
-}
-
-Status readAtOnce(QIODevice& device, HtsPackage& package)
-{
-    return package.read(device);
-}
 
 // The steps of reading, each on a device.
 struct Steps
@@ -121,7 +58,7 @@ Status readBySteps(const Steps& steps, QIODevice& device, HtsPackage& package)
     return status;
 }
 
-Reader stepReader(const Steps& steps)
+PackageReader stepReader(const Steps& steps)
 {
     return [steps](QIODevice& device, HtsPackage& package) {
         return readBySteps(steps, device, package);
@@ -156,7 +93,6 @@ class ReaderAgreementTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void init();
     void agreesOnGeneratedFiles_data();
     void agreesOnGeneratedFiles();
@@ -174,99 +110,45 @@ private Q_SLOTS:
     void agreesOnFilesCutAtEveryByte();
 
 private:
-    std::unique_ptr<QIODevice> opened(Kind kind, const QByteArray& text, bool isTextMode);
-    // A reference device for `kind` on which the plain reader sees what it asks for: its look ahead
-    // of eight bytes comes up short on small pieces.
-    std::unique_ptr<QIODevice> reference(Kind kind, const QByteArray& text, bool isTextMode);
     // What the two readers do differently on the device of the current data row; empty if nothing.
-    QString disagreement(const QByteArray& text, const Reader& reader, const Reader& plainReader);
+    QString disagreement(const QByteArray& text, const PackageReader& reader,
+                         const PackageReader& plainReader);
     QString disagreement(const QByteArray& text);
 
-    QTemporaryDir m_folder;
     // What the plain reader reported in the current test.
     QSet<QString> m_messages;
 };
 
-void ReaderAgreementTest::initTestCase()
-{
-    QVERIFY(m_folder.isValid());
-}
-
-std::unique_ptr<QIODevice> ReaderAgreementTest::opened(Kind kind, const QByteArray& text,
-                                                       bool isTextMode)
-{
-    std::unique_ptr<QIODevice> device;
-    if (kind == Kind::Buffer) {
-        auto buffer = std::make_unique<QBuffer>();
-        buffer->setData(text);
-        device = std::move(buffer);
-    } else if (kind == Kind::File) {
-        auto file = std::make_unique<QFile>(m_folder.filePath(QStringLiteral("file.hts")));
-        if (!file->open(QIODevice::WriteOnly) || file->write(text) != text.size())
-            qFatal("cannot write %s", qPrintable(file->fileName()));
-        file->close();
-        device = std::move(file);
-    } else {
-        auto pieces = std::make_unique<PieceDevice>(text, kind == Kind::OneByte ? 1 : 7);
-        if (kind == Kind::RandomPieces)
-            pieces->setRandomPieces(static_cast<quint32>(text.size()));
-        device = std::move(pieces);
-    }
-    if (!device->open(isTextMode ? QIODevice::ReadOnly | QIODevice::Text
-                                 : QIODevice::OpenMode(QIODevice::ReadOnly)))
-        qFatal("cannot open the device");
-    return device;
-}
-
-std::unique_ptr<QIODevice> ReaderAgreementTest::reference(Kind kind, const QByteArray& text,
-                                                          bool isTextMode)
-{
-    if (!isSequential(kind))
-        return opened(kind, text, isTextMode);
-    auto device = std::make_unique<PieceDevice>(text, kAnySize);
-    device->open(isTextMode ? QIODevice::ReadOnly | QIODevice::Text
-                            : QIODevice::OpenMode(QIODevice::ReadOnly));
-    return device;
-}
-
-QString ReaderAgreementTest::disagreement(const QByteArray& text, const Reader& reader,
-                                          const Reader& plainReader)
+QString ReaderAgreementTest::disagreement(const QByteArray& text, const PackageReader& reader,
+                                          const PackageReader& plainReader)
 {
     QFETCH(int, kind);
     QFETCH(bool, isTextMode);
-    const QByteArray bytes = isTextMode ? withoutLoneCarriageReturns(text) : text;
-    const auto deviceKind = static_cast<Kind>(kind);
-
-    const auto expectedDevice = reference(deviceKind, bytes, isTextMode);
-    const Outcome expected = outcomeOf(*expectedDevice, plainReader);
-    m_messages.insert(expected.status.message);
-    if (expected.status.message == kEndless)
-        return {};
-    const auto actualDevice = opened(deviceKind, bytes, isTextMode);
-    return difference(outcomeOf(*actualDevice, reader), expected);
+    const ReaderComparison comparison = compareReaders(
+        deviceKinds()[static_cast<std::size_t>(kind)], isTextMode, text, reader, plainReader);
+    m_messages.insert(comparison.message);
+    return comparison.difference;
 }
 
 QString ReaderAgreementTest::disagreement(const QByteArray& text)
 {
-    return disagreement(text, readAtOnce, [&text](QIODevice& device, HtsPackage& package) {
-        plainreader::LineBudget budget{text.count('\n') + 10};
-        const Status status = plainreader::read(device, package, &budget);
-        return budget.isExhausted ? failure(kEndless) : status;
-    });
+    QFETCH(int, kind);
+    QFETCH(bool, isTextMode);
+    const ReaderComparison comparison =
+        compareReaders(deviceKinds()[static_cast<std::size_t>(kind)], isTextMode, text);
+    m_messages.insert(comparison.message);
+    return comparison.difference;
 }
 
 static void addDeviceRows()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<bool>("isTextMode");
-    const std::pair<const char*, Kind> kKinds[] = {{"buffer", Kind::Buffer},
-                                                   {"file", Kind::File},
-                                                   {"1 byte at a time", Kind::OneByte},
-                                                   {"7 bytes at a time", Kind::SevenBytes},
-                                                   {"random pieces", Kind::RandomPieces}};
-    for (const auto& [name, kind] : kKinds) {
-        QTest::addRow("%s", name) << static_cast<int>(kind) << false;
-        QTest::addRow("%s, text mode", name) << static_cast<int>(kind) << true;
+    int index = 0;
+    for (const DeviceKind& kind : deviceKinds()) {
+        QTest::addRow("%s", kind.name) << index << false;
+        QTest::addRow("%s, text mode", kind.name) << index << true;
+        ++index;
     }
 }
 

@@ -1,5 +1,6 @@
-#include "bench/plainreader/plainreader.h"
+#include "tests/plain/plainreader.h"
 
+#include <QBuffer>
 #include <QIODevice>
 #include <QRegExp>
 
@@ -87,7 +88,7 @@ void takeSlotLine(const QString& line, HtsSlot& slot)
 void readTableRows(QIODevice& device, HtsSlot& slot)
 {
     int behindTheEnd = 0;
-    for (int row = 0; row < slot.rows && behindTheEnd < kMostRowsBehindTheEnd; ++row) {
+    for (int row = 0; row < slot.rows && behindTheEnd < kMaxRowsPastTheEnd; ++row) {
         const QByteArray line = device.readLine();
         if (line.isEmpty())
             ++behindTheEnd;
@@ -240,6 +241,27 @@ Status read(QIODevice& device, HtsPackage& package, LineBudget* budget)
         }
     }
     return status;
+}
+
+Status readUnlessEndless(QIODevice& device, const QByteArray& text, HtsPackage& package,
+                         bool& isEndless)
+{
+    // One line more than there are line ends, and one to be past the end.
+    LineBudget budget{text.count('\n') + 2};
+    Status status = read(device, package, &budget);
+    isEndless = budget.isExhausted;
+    return status;
+}
+
+bool isEndless(const QByteArray& text)
+{
+    QBuffer device;
+    device.setData(text);
+    device.open(QIODevice::ReadOnly);
+    HtsPackage package;
+    bool isEndless = false;
+    static_cast<void>(readUnlessEndless(device, text, package, isEndless));
+    return isEndless;
 }
 
 } // namespace plainreader

@@ -4,6 +4,9 @@
 // bytes. Names and defaults:
 //     runs=1 slots=200 steps=18262 unit=day      unit is day, week or month; steps end at 24:00
 //     missing=0.01 seed=1 lineend=unix           share of values that are NaN; unix or windows
+//     columns=0                                  number of different columns of values, which all
+//                                                slots share in turn; 0 for one for each slot. With
+//                                                a few it writes as fast as a pipe takes it.
 
 #include <charconv>
 #include <cstdint>
@@ -11,6 +14,8 @@
 #include <map>
 #include <random>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <QDate>
 
@@ -20,7 +25,7 @@ namespace {
 
 std::map<std::string, std::string> options = {
     {"runs", "1"},       {"slots", "200"}, {"steps", "18262"},  {"unit", "day"},
-    {"missing", "0.01"}, {"seed", "1"},    {"lineend", "unix"},
+    {"missing", "0.01"}, {"seed", "1"},    {"lineend", "unix"}, {"columns", "0"},
 };
 
 int number(const char* name)
@@ -42,6 +47,15 @@ public:
         if (m_text.size() > 1 << 20)
             flush();
     }
+
+    // Whole lines, with their ends.
+    void lines(std::string_view text)
+    {
+        flush();
+        std::fwrite(text.data(), 1, text.size(), stdout);
+    }
+
+    const std::string& lineEnd() const { return m_lineEnd; }
 
 private:
     void flush()
@@ -96,9 +110,52 @@ void writeRunPreamble(int run, Output& output)
         output.line(stepText(i));
 }
 
-void writeSlot(int slot, Random& random, Output& output)
+// The value lines of one column.
+std::string columnText(Random& random, const std::string& lineEnd)
 {
     const double missing = std::stod(options.at("missing"));
+    std::string lines;
+    for (int i = 0; i < number("steps"); ++i) {
+        const bool isMissing = random.next() < missing;
+        const double value = random.next() * 1000.0;
+        char text[kMaxNumberLength];
+        const char* end = writeNumber(text, value);
+        lines.append(isMissing ? std::string_view("NaN")
+                               : std::string_view(text, static_cast<std::size_t>(end - text)));
+        lines.append(lineEnd);
+    }
+    return lines;
+}
+
+// Columns that are made when they are asked for, in that order.
+class Columns
+{
+public:
+    Columns(unsigned seed, const std::string& lineEnd) : m_random(seed), m_lineEnd(lineEnd) {}
+
+    // Of a slot of any run. Valid until the next call.
+    const std::string& of(int slot)
+    {
+        const int count = number("columns");
+        if (count == 0) {
+            m_last = columnText(m_random, m_lineEnd);
+            return m_last;
+        }
+        const auto index = static_cast<std::size_t>(slot % count);
+        while (m_kept.size() <= index)
+            m_kept.push_back(columnText(m_random, m_lineEnd));
+        return m_kept[index];
+    }
+
+private:
+    Random m_random;
+    const std::string m_lineEnd;
+    std::string m_last;
+    std::vector<std::string> m_kept;
+};
+
+void writeSlot(int slot, Columns& columns, Output& output)
+{
     output.line("object_type: Reservoir");
     output.line("object_name: Object" + std::to_string(slot));
     output.line("slot_type: SeriesSlot");
@@ -106,14 +163,7 @@ void writeSlot(int slot, Random& random, Output& output)
     output.line("END_SLOT_PREAMBLE");
     output.line("units: cms");
     output.line("scale: 1");
-    for (int i = 0; i < number("steps"); ++i) {
-        const bool isMissing = random.next() < missing;
-        const double value = random.next() * 1000.0;
-        char text[kMaxNumberLength];
-        const char* end = writeNumber(text, value);
-        output.line(isMissing ? std::string_view("NaN")
-                              : std::string_view(text, static_cast<std::size_t>(end - text)));
-    }
+    output.lines(columns.of(slot));
     output.line("END_COLUMN");
     output.line("END_SLOT");
 }
@@ -133,7 +183,7 @@ int main(int argc, char* argv[])
     }
 
     Output output(options.at("lineend") == "windows" ? "\r\n" : "\n");
-    Random random(static_cast<unsigned>(number("seed")));
+    Columns columns(static_cast<unsigned>(number("seed")), output.lineEnd());
     output.line("name:Synthetic");
     output.line("owner:htsgenerate");
     output.line("description:random values");
@@ -143,7 +193,7 @@ int main(int argc, char* argv[])
     for (int run = 0; run < number("runs"); ++run) {
         writeRunPreamble(run, output);
         for (int slot = 0; slot < number("slots"); ++slot)
-            writeSlot(slot, random, output);
+            writeSlot(slot, columns, output);
         output.line("END_RUN");
     }
     return 0;

@@ -1,0 +1,44 @@
+#ifndef HTS_LINEWRITER_H
+#define HTS_LINEWRITER_H
+
+#include <cstddef>
+#include <vector>
+
+#include <QLatin1String>
+#include <QString>
+
+class QIODevice;
+
+// Writes text to a device as UTF-8, in large blocks. Independent of the locale.
+//
+//     LineWriter lines(device);
+//     lines << kUnitsKey << slot.units.value(0) << '\n';
+//
+// The device is open for writing and outlives the object. What the device does not take is dropped:
+// who opened the device looks at its error afterwards.
+class LineWriter
+{
+public:
+    explicit LineWriter(QIODevice& device);
+    // Writes what is left in the block.
+    ~LineWriter();
+    LineWriter(const LineWriter&) = delete;
+    LineWriter& operator=(const LineWriter&) = delete;
+
+    LineWriter& operator<<(char character);
+    LineWriter& operator<<(QLatin1String text); // ASCII
+    LineWriter& operator<<(const QString& text);
+    // In fixed notation with 12 decimals, "NaN" unless finite; see writeNumber().
+    LineWriter& operator<<(double number);
+
+private:
+    char* room(std::size_t count);
+    void append(const char* bytes, std::size_t count);
+    void flush();
+
+    QIODevice& m_device;
+    std::vector<char> m_block;
+    std::size_t m_used = 0;
+};
+
+#endif // HTS_LINEWRITER_H
