@@ -1,34 +1,91 @@
 #include "annualize/aggmethods.h"
 
 #include <algorithm>
-#include <iterator>
+#include <cstdint>
+#include <cstring>
 
 namespace {
 
-const AggMethod kMethods[] = {
-    {QStringLiteral("Sum"), &AggValues::sum, true},
-    {QStringLiteral("SumNaN"), &AggValues::sumNan, true},
-    {QStringLiteral("Average"), &AggValues::average, false},
-    {QStringLiteral("AverageNaN"), &AggValues::averageNan, false},
-    {QStringLiteral("Max"), &AggValues::max, false},
-    {QStringLiteral("MaxNaN"), &AggValues::maxNan, false},
-    {QStringLiteral("Min"), &AggValues::min, false},
-    {QStringLiteral("MinNaN"), &AggValues::minNan, false},
-    {QStringLiteral("End"), &AggValues::end, false},
-    {QStringLiteral("EndNaN"), &AggValues::endNan, false},
-    {QStringLiteral("Begin"), &AggValues::begin, false},
-    {QStringLiteral("BeginNaN"), &AggValues::beginNan, false},
-    {QStringLiteral("Salinity"), nullptr, false},
-};
+// The NaN of this program's own results; the lowest bit tells it from the toolkit's.
+double resultNan()
+{
+    constexpr std::uint64_t kBits = 0x7ff8000000000001;
+    double nan = 0.0;
+    static_assert(sizeof nan == sizeof kBits);
+    std::memcpy(&nan, &kBits, sizeof nan);
+    return nan;
+}
+
+double sum(const YearValues& year)
+{
+    return year.sum;
+}
+
+// The divisor deliberately counts the missing values too.
+double average(const YearValues& year)
+{
+    return year.sum / static_cast<double>(year.count);
+}
+
+double max(const YearValues& year)
+{
+    return year.max();
+}
+
+double min(const YearValues& year)
+{
+    return year.min();
+}
+
+double end(const YearValues& year)
+{
+    return year.end;
+}
+
+double begin(const YearValues& year)
+{
+    return year.begin;
+}
 
 template<typename Predicate>
 const AggMethod* findIf(Predicate predicate)
 {
-    const auto found = std::find_if(std::begin(kMethods), std::end(kMethods), predicate);
-    return found == std::end(kMethods) ? nullptr : found;
+    const std::vector<AggMethod>& methods = aggMethods();
+    const auto found = std::find_if(methods.begin(), methods.end(), predicate);
+    return found == methods.end() ? nullptr : &*found;
 }
 
 } // namespace
+
+double AggMethod::resultFor(const YearValues& year) const
+{
+    Q_ASSERT(isSupported() && year.count > 0);
+    const bool isNan = year.hasMissing && missingValues == MissingValues::MakeNaN;
+    return isNan ? resultNan() : formula(year);
+}
+
+const std::vector<AggMethod>& aggMethods()
+{
+    constexpr auto kMakeNaN = AggMethod::MissingValues::MakeNaN;
+    constexpr auto kIgnored = AggMethod::MissingValues::Ignored;
+    static const std::vector<AggMethod> kMethods = {
+        // word, formula, missing values, is a total
+        {QStringLiteral("Sum"), sum, kMakeNaN, true},
+        {QStringLiteral("SumNaN"), sum, kIgnored, true},
+        {QStringLiteral("Average"), average, kMakeNaN, false},
+        {QStringLiteral("AverageNaN"), average, kIgnored, false},
+        {QStringLiteral("Max"), max, kMakeNaN, false},
+        {QStringLiteral("MaxNaN"), max, kIgnored, false},
+        {QStringLiteral("Min"), min, kMakeNaN, false},
+        {QStringLiteral("MinNaN"), min, kIgnored, false},
+        {QStringLiteral("End"), end, kMakeNaN, false},
+        {QStringLiteral("EndNaN"), end, kIgnored, false},
+        {QStringLiteral("Begin"), begin, kMakeNaN, false},
+        {QStringLiteral("BeginNaN"), begin, kIgnored, false},
+        {QStringLiteral("Salinity"), nullptr, kMakeNaN, false},
+    };
+    return kMethods;
+}
 
 const AggMethod* findMethod(const QString& word)
 {

@@ -6,22 +6,33 @@
 
 #include <QString>
 
-#include "annualize/aggvalues.h"
+#include "annualize/yearvalues.h"
 
-// A method that a control file can give to a slot. The one table of methods serves the control
-// file, the aggregation and the driver.
+// An aggregation method that a control file can give to a slot. All methods are rows of one table,
+// which serves the control file, the aggregation and the driver: a new method is a new row.
 struct AggMethod
 {
+    // What becomes of a year with a value that is not usable.
+    enum class MissingValues { MakeNaN, Ignored };
+
     // In canonical case. Copies share their memory.
     QString word;
-    // The result of an aggregation that the method stands for; null for "Salinity", which is a
-    // known word without an aggregation.
-    const std::vector<double>& (AggValues::*result)() const;
+    // The result for a year of one or more values, made of its usable ones; null for "Salinity",
+    // which is a known word without an aggregation.
+    double (*formula)(const YearValues& year);
+    MissingValues missingValues;
     // Whether results are totals, whose unit says so.
     bool isTotal;
 
-    bool isSupported() const { return result != nullptr; }
+    bool isSupported() const { return formula != nullptr; }
+
+    // The result for a year: NaN, with the bits 0x7ff8000000000001, where missing values make it
+    // so. Only for a method that is supported.
+    double resultFor(const YearValues& year) const;
 };
+
+// The table, in the order in which words are compared.
+const std::vector<AggMethod>& aggMethods();
 
 // The method whose word is exactly `word`, or null.
 const AggMethod* findMethod(const QString& word);

@@ -1,11 +1,13 @@
-// The driver of a conversion: settings, and the way from the read package to the written one.
+// The driver of a conversion: settings, and the steps from the source to the result.
 
 #include "annualize/annualizehts.h"
 
 #include <new>
 
 #include "QsLog.h"
-#include "annualize/slotloop.h"
+#include "annualize/annualization.h"
+#include "annualize/controlfile.h"
+#include "annualize/months.h"
 
 namespace {
 
@@ -16,18 +18,6 @@ const QLatin1String kBadMonth("Integer for the end of year month is out of the r
 const QLatin1String kNotSet("Input HTS file device, output annual file device, control file path, "
                             "or end year month not set");
 const QLatin1String kNoMemory("Not enough memory");
-const QLatin1String kNoSlots("No series slots with valid methods found in input HTS file");
-
-bool isMonth(int month)
-{
-    return month >= 1 && month <= 12;
-}
-
-bool haveSameTiming(const HtsRun& run, const HtsRun& other)
-{
-    return run.start == other.start && run.end == other.end &&
-           run.timeStepCount == other.timeStepCount;
-}
 
 } // namespace
 
@@ -77,60 +67,45 @@ Status AnnualizeHts::annualize()
     }
 }
 
-Status AnnualizeHts::convert()
+Status AnnualizeHts::convert() const
 {
-    HtsPackage input;
-    Status status = input.read(*m_source);
-    if (!status.ok())
-        return status;
-    HtsPackage output;
-    status = annualizePackage(input, output);
-    if (!status.ok())
-        return status;
-    status = output.write(*m_result);
-    if (!status.ok())
-        return status;
-    QLOG_INFO() << QStringLiteral("Successfully wrote %1 out of %2 slots")
-                       .arg(output.numSlots())
-                       .arg(input.numSlots());
-    return {};
+    Annualization annualization(m_controlFile, m_endMonth);
+    Status status = annualization.read(*m_source);
+    if (status.ok())
+        status = annualization.report();
+    if (status.ok())
+        status = annualization.annualPackage().write(*m_result);
+    if (status.ok()) {
+        QLOG_INFO() << QStringLiteral("Successfully wrote %1 out of %2 slots")
+                           .arg(annualization.annualPackage().numSlots())
+                           .arg(annualization.inputSlotCount());
+    }
+    return status;
 }
 
-Status AnnualizeHts::annualizePackage(const HtsPackage& input, HtsPackage& output) const
+Status AnnualizeHts::calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& valueMap,
+                                              HtsRun& annualRun) const
 {
-    HtsRun timing = input.run(0);
-    HtsRun annualRun;
-    ValueMap valueMap;
-    Status status = calculateAnnualTimesteps(timing, valueMap, annualRun);
-    if (!status.ok())
-        return status;
+    const CompleteYears years = findCompleteYears(inputRun, m_endMonth, valueMap);
+    logCompleteYears(years, m_endMonth);
+    if (years.status.ok())
+        setAnnualTiming(inputRun, years, annualRun);
+    return years.status;
+}
 
-    // The status is deliberately not looked at: without methods there are no slots to annualize,
-    // which is what the user is told.
-    QStringList methods;
-    static_cast<void>(assignMethods(input.slots, methods));
-
-    output.copyPreamble(input);
-    SlotLoop slotLoop(input, methods, output);
-    const int slotCount = slotLoop.countAnnualized();
-    if (slotCount == 0)
-        return failure(kNoSlots);
-    output.setNumSlots(slotCount);
-    QLOG_INFO() << "Starting to annualize slot data";
-
-    for (int r = 0; r < input.numberOfRuns; ++r) {
-        if (!haveSameTiming(input.run(r), timing)) {
-            // The value map deliberately goes on growing, so that the aggregation refuses a run
-            // whose timing differs.
-            timing = input.run(r);
-            status = calculateAnnualTimesteps(timing, valueMap, annualRun);
-            if (!status.ok())
-                return status;
-        }
-        output.setRun(r, annualRun);
-        status = slotLoop.annualizeRun(r, valueMap, annualRun.timeStepCount);
-        if (!status.ok())
-            return status;
+Status AnnualizeHts::assignMethods(const QVector<HtsSlot>& slots, QStringList& methods) const
+{
+    const ControlFile control = readControlFile(m_controlFile);
+    if (control.isRead)
+        logAssignmentStart();
+    if (!control.status.ok())
+        return control.status;
+    methods.clear();
+    methods.reserve(slots.size());
+    for (const HtsSlot& slot : slots) {
+        methods.append(control.rules.methodFor(slot));
+        logAssignment(slot.objectName, slot.slotName, methods.constLast());
     }
+    logAssignmentEnd();
     return {};
 }

@@ -1,13 +1,11 @@
 #ifndef ANNUALIZE_ANNUALIZEHTS_H
 #define ANNUALIZE_ANNUALIZEHTS_H
 
-#include <cstdint>
-#include <vector>
-
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
+#include "annualize/completeyears.h"
 #include "hts/htspackage.h"
 #include "hts/status.h"
 
@@ -28,9 +26,7 @@ class QIODevice;
 class AnnualizeHts
 {
 public:
-    // Number of the complete year, counted from 1, that each timestep belongs to: 0 before the
-    // first complete year, one more than the number of years after the last.
-    using ValueMap = std::vector<std::int32_t>;
+    using ValueMap = ::ValueMap; // see completeyears.h
 
     AnnualizeHts() = default;
     virtual ~AnnualizeHts();
@@ -46,21 +42,21 @@ public:
     // Month that each year ends with, 1 to 12.
     Status setEndMonth(int month);
 
-    // Runs one conversion: reads the source to the end of its last run and, when nothing failed,
-    // writes the result. Blocks until it is done. Memory that runs out is a failure too.
+    // Runs one conversion, in one pass: reads the source to the end of its last run and, when
+    // nothing failed, writes the result. Blocks until it is done. Memory grows with the result, the
+    // slots and timesteps of one run and the rules, not with the source. Memory that runs out is a
+    // failure too.
     Status annualize();
 
-    // The steps of annualize(), between reading and writing.
-
-    // Converts a package in memory: fills `output`, which must be empty, with the annual runs,
-    // slots and values of `input`. Needs the control file and the end month alone.
-    Status annualizePackage(const HtsPackage& input, HtsPackage& output) const;
+    // Two steps of a conversion, for other users of the engine; annualize() takes the same steps,
+    // with the log lines put off until the source has been read.
 
     // Finds the complete years of `inputRun`. Appends a number for each of its timesteps to
     // `valueMap`, which should be empty, and sets the timing of `annualRun` to one timestep for
     // each complete year; its `trace` and `complete` stay. Fails for an input that is annual
     // already, for a list of timesteps shorter than their number, and when there is no complete
-    // year; `annualRun` is then unchanged and `valueMap` may be partly filled.
+    // year: also for a start, or a timestep that the search reaches, that is no date-time.
+    // `annualRun` is then unchanged and `valueMap` may be partly filled.
     Status calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& valueMap,
                                     HtsRun& annualRun) const;
 
@@ -70,7 +66,7 @@ public:
     Status assignMethods(const QVector<HtsSlot>& slots, QStringList& methods) const;
 
 private:
-    Status convert();
+    Status convert() const;
 
     QIODevice* m_source = nullptr;
     QIODevice* m_result = nullptr;

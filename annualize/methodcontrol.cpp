@@ -1,5 +1,9 @@
 #include "annualize/methodcontrol.h"
 
+#include <algorithm>
+#include <utility>
+
+#include <QHashFunctions>
 #include <QIODevice>
 
 #include "annualize/aggmethods.h"
@@ -8,8 +12,15 @@
 
 namespace {
 
-// Matches every object or every slot. A text already, for the look-ups of every slot.
-const QString kAny = QStringLiteral("*");
+constexpr QStringView kAny = u"*"; // every object or every slot
+
+quint32 hashOf(QStringView object, quint32 slotHash)
+{
+    // The toolkit's hash differs in its low bits alone where names do in their last characters.
+    constexpr quint32 kSpread = 0x9e3779b1;
+    const quint32 hash = qHash(object, slotHash) * kSpread;
+    return hash ^ hash >> 15;
+}
 
 Status lineFailure(const char* reason, std::string_view line)
 {
@@ -19,23 +30,9 @@ Status lineFailure(const char* reason, std::string_view line)
 
 } // namespace
 
-Status MethodControl::read(QIODevice& device)
-{
-    LineReader reader(device);
-    while (!reader.atEnd()) {
-        const std::string_view line = stripped(textBytes(reader.line()));
-        if (line.empty())
-            continue;
-        Status status = readRule(line);
-        if (!status.ok())
-            return status;
-    }
-    return {};
-}
-
 // Names lose the white space that the reader of HTS files takes off its lines, and nothing else, so
 // that every slot can be named.
-Status MethodControl::readRule(std::string_view line)
+Status parseMethodRule(std::string_view line, MethodRule& rule)
 {
     const std::size_t colon = line.rfind(':');
     if (colon == std::string_view::npos)
@@ -59,28 +56,118 @@ Status MethodControl::readRule(std::string_view line)
     if (object.empty())
         return lineFailure("Object name is blank", line);
 
-    if (slot != m_slotBytes) {
-        m_slotBytes = slot;
-        m_slotName = toText(slot);
-    }
-    Rule& rule = m_rules[m_slotName][toText(object)];
-    if (rule.method == nullptr)
-        rule = {m_ruleCount++, method};
+    rule = {object, slot, method};
     return {};
+}
+
+Status MethodControl::read(QIODevice& device)
+{
+    Q_ASSERT(device.isReadable());
+    LineReader reader(device);
+    while (!reader.atEnd()) {
+        const std::string_view line = stripped(textBytes(reader.line()));
+        if (line.empty())
+            continue;
+        Status status = readRule(line);
+        if (!status.ok())
+            return status;
+    }
+    return {};
+}
+
+Status MethodControl::readRule(std::string_view line)
+{
+    MethodRule parsed;
+    Status status = parseMethodRule(line, parsed);
+    if (!status.ok())
+        return status;
+    if (2 * (m_rules.size() + 1) > m_places.size())
+        grow();
+    const int namesSize = m_names.size();
+    Rule rule;
+    rule.object = append(toText(parsed.object));
+    // Most rules have the slot of the one before them.
+    const QString& slotName = m_slotName.of(parsed.slot);
+    const bool isSameSlot = !m_rules.empty() && text(m_rules.back().slot) == slotName;
+    rule.slot = isSameSlot ? m_rules.back().slot : append(slotName);
+    rule.method = parsed.method;
+    const quint32 hash = hashOf(text(rule.object), qHash(slotName));
+    Place& place = placeOf(hash, text(rule.object), text(rule.slot));
+    if (place.rule != Place::kFree) {
+        m_names.truncate(namesSize);
+        return {};
+    }
+    m_hasAnySlot = m_hasAnySlot || text(rule.slot) == kAny;
+    place = {hash, static_cast<int>(m_rules.size())};
+    m_rules.push_back(rule);
+    return {};
+}
+
+MethodControl::Name MethodControl::append(const QString& name)
+{
+    const int position = m_names.size();
+    m_names += name;
+    return {position, name.size()};
+}
+
+QStringView MethodControl::text(const Name& name) const
+{
+    return QStringView(m_names).mid(name.position, name.size);
+}
+
+// The place of the rule for that object and slot, or the free place where it belongs. There is a
+// free one.
+const MethodControl::Place& MethodControl::placeOf(quint32 hash, QStringView object,
+                                                   QStringView slot) const
+{
+    Q_ASSERT(m_rules.size() < m_places.size());
+    const std::size_t mask = m_places.size() - 1;
+    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+        const Place& place = m_places[i];
+        if (place.rule == Place::kFree)
+            return place;
+        const Rule& rule = m_rules[static_cast<std::size_t>(place.rule)];
+        if (place.hash == hash && text(rule.object) == object && text(rule.slot) == slot)
+            return place;
+    }
+}
+
+MethodControl::Place& MethodControl::placeOf(quint32 hash, QStringView object, QStringView slot)
+{
+    return const_cast<Place&>(std::as_const(*this).placeOf(hash, object, slot));
+}
+
+void MethodControl::grow()
+{
+    constexpr std::size_t kFirstSize = 16;
+    std::vector<Place> places(std::max(kFirstSize, 4 * m_places.size()));
+    m_places.swap(places);
+    for (const Place& place : places) {
+        if (place.rule == Place::kFree)
+            continue;
+        const Rule& rule = m_rules[static_cast<std::size_t>(place.rule)];
+        placeOf(place.hash, text(rule.object), text(rule.slot)) = place;
+    }
+}
+
+int MethodControl::find(QStringView object, QStringView slot, quint32 slotHash) const
+{
+    const Place& place = placeOf(hashOf(object, slotHash), object, slot);
+    return place.rule == Place::kFree ? kNoRule : place.rule;
 }
 
 QString MethodControl::methodFor(const HtsSlot& slot) const
 {
-    const Rule* first = nullptr;
-    for (const QString* slotName : {&slot.slotName, &kAny}) {
-        const auto rules = m_rules.constFind(*slotName);
-        if (rules == m_rules.constEnd())
+    if (m_rules.empty())
+        return {};
+    int first = kNoRule;
+    for (const QStringView slotName : {QStringView(slot.slotName), kAny}) {
+        if (slotName == kAny && !m_hasAnySlot)
             continue;
-        for (const QString* object : {&slot.objectName, &slot.objectType, &kAny}) {
-            const auto rule = rules->constFind(*object);
-            if (rule != rules->constEnd() && (first == nullptr || rule->order < first->order))
-                first = &*rule;
-        }
+        const quint32 slotHash = qHash(slotName);
+        for (const QStringView object :
+             {QStringView(slot.objectName), QStringView(slot.objectType), kAny})
+            first = std::min(first, find(object, slotName, slotHash));
     }
-    return first == nullptr ? QString() : first->method->word;
+    return first == kNoRule ? QString() : m_rules[static_cast<std::size_t>(first)].method->word;
 }

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <vector>
 
-#include <QFile>
+#include "tests/support/hostsystem.h"
 
 namespace {
 
@@ -80,6 +80,8 @@ qint64 MadeFile::writeData(const char*, qint64)
 
 ComparedFile::ComparedFile(const Pieces& expected) : m_expected(expected)
 {
+    for (Piece& piece : m_expected)
+        piece.bytes = toTextMode(piece.bytes);
     open(QIODevice::WriteOnly | QIODevice::Text);
 }
 
@@ -105,15 +107,4 @@ qint64 ComparedFile::writeData(const char* data, qint64 size)
     }
     m_written += size;
     return size;
-}
-
-qint64 peakMemory()
-{
-    QFile file(QStringLiteral("/proc/self/status"));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    const QByteArray text = file.readAll();
-    const int start = text.indexOf("VmHWM:");
-    const int end = text.indexOf("kB", start);
-    return start < 0 ? 0 : text.mid(start + 6, end - start - 6).trimmed().toLongLong() * 1024;
 }

@@ -52,7 +52,7 @@ protected:
     qint64 writeData(const char* data, qint64 size) override;
 
 private:
-    const Pieces m_expected;
+    Pieces m_expected;
     qint64 m_written = 0;
     bool m_isSame = true;
 };

@@ -1,11 +1,21 @@
+#include <limits>
+#include <vector>
+
 #include <QObject>
 #include <QtTest>
 
 #include "annualize/aggmethods.h"
 
-using Result = const std::vector<double>& (AggValues::*)() const;
+namespace {
 
-Q_DECLARE_METATYPE(Result)
+YearValues yearOf(const std::vector<double>& values)
+{
+    YearValues year(values.front());
+    year.add(values.data(), values.data() + values.size());
+    return year;
+}
+
+} // namespace
 
 class AggMethodsTest : public QObject
 {
@@ -14,44 +24,59 @@ class AggMethodsTest : public QObject
 private Q_SLOTS:
     void wordSelectsItsResult_data();
     void wordSelectsItsResult();
+    void tableHoldsNoOtherMethods();
     void findsWordInAnyCase_data();
     void findsWordInAnyCase();
     void otherWordsAreNoMethod_data();
     void otherWordsAreNoMethod();
 };
 
+// The one literal list of the methods; whatever else is tested of them goes through the table.
 void AggMethodsTest::wordSelectsItsResult_data()
 {
-    QTest::addColumn<QString>("word");
-    QTest::addColumn<Result>("result");
+    QTest::addColumn<double>("ofWholeYear");   // 5, 1, 4, 2
+    QTest::addColumn<double>("ofYearWithGap"); // 5, 1, missing, 4, 2
     QTest::addColumn<bool>("isTotal");
 
-    QTest::newRow("Sum") << "Sum" << Result(&AggValues::sum) << true;
-    QTest::newRow("SumNaN") << "SumNaN" << Result(&AggValues::sumNan) << true;
-    QTest::newRow("Average") << "Average" << Result(&AggValues::average) << false;
-    QTest::newRow("AverageNaN") << "AverageNaN" << Result(&AggValues::averageNan) << false;
-    QTest::newRow("Max") << "Max" << Result(&AggValues::max) << false;
-    QTest::newRow("MaxNaN") << "MaxNaN" << Result(&AggValues::maxNan) << false;
-    QTest::newRow("Min") << "Min" << Result(&AggValues::min) << false;
-    QTest::newRow("MinNaN") << "MinNaN" << Result(&AggValues::minNan) << false;
-    QTest::newRow("End") << "End" << Result(&AggValues::end) << false;
-    QTest::newRow("EndNaN") << "EndNaN" << Result(&AggValues::endNan) << false;
-    QTest::newRow("Begin") << "Begin" << Result(&AggValues::begin) << false;
-    QTest::newRow("BeginNaN") << "BeginNaN" << Result(&AggValues::beginNan) << false;
-    QTest::newRow("Salinity") << "Salinity" << Result(nullptr) << false;
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    QTest::newRow("Sum") << 12.0 << nan << true;
+    QTest::newRow("SumNaN") << 12.0 << 12.0 << true;
+    QTest::newRow("Average") << 3.0 << nan << false;
+    QTest::newRow("AverageNaN") << 3.0 << 12.0 / 5.0 << false;
+    QTest::newRow("Max") << 5.0 << nan << false;
+    QTest::newRow("MaxNaN") << 5.0 << 5.0 << false;
+    QTest::newRow("Min") << 1.0 << nan << false;
+    QTest::newRow("MinNaN") << 1.0 << 1.0 << false;
+    QTest::newRow("End") << 2.0 << nan << false;
+    QTest::newRow("EndNaN") << 2.0 << 2.0 << false;
+    QTest::newRow("Begin") << 5.0 << nan << false;
+    QTest::newRow("BeginNaN") << 5.0 << 5.0 << false;
 }
 
 void AggMethodsTest::wordSelectsItsResult()
 {
-    QFETCH(QString, word);
-    QFETCH(Result, result);
+    QFETCH(double, ofWholeYear);
+    QFETCH(double, ofYearWithGap);
+    const double gap = std::numeric_limits<double>::infinity();
 
-    const AggMethod* method = findMethod(word);
+    const AggMethod* method = findMethod(QString::fromLatin1(QTest::currentDataTag()));
     QVERIFY(method != nullptr);
-    QCOMPARE(QString(method->word), word);
-    QVERIFY(method->result == result);
-    QCOMPARE(method->isSupported(), result != nullptr);
+    QVERIFY(method->isSupported());
+    QCOMPARE(method->resultFor(yearOf({5, 1, 4, 2})), ofWholeYear);
+    QCOMPARE(method->resultFor(yearOf({5, 1, gap, 4, 2})), ofYearWithGap);
     QTEST(method->isTotal, "isTotal");
+}
+
+void AggMethodsTest::tableHoldsNoOtherMethods()
+{
+    QStringList words;
+    for (const AggMethod& method : aggMethods())
+        words.append(method.word);
+    QCOMPARE(words.join(QLatin1Char(' ')),
+             QStringLiteral("Sum SumNaN Average AverageNaN Max MaxNaN Min MinNaN End EndNaN Begin "
+                            "BeginNaN Salinity"));
+    QVERIFY(!findMethod(QStringLiteral("Salinity"))->isSupported());
+    QVERIFY(!findMethod(QStringLiteral("Salinity"))->isTotal);
 }
 
 void AggMethodsTest::findsWordInAnyCase_data()
@@ -59,12 +84,11 @@ void AggMethodsTest::findsWordInAnyCase_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("word");
 
-    for (const char* word : {"Sum", "SumNaN", "Average", "AverageNaN", "Max", "MaxNaN", "Min",
-                             "MinNaN", "End", "EndNaN", "Begin", "BeginNaN", "Salinity"}) {
-        const QString canonical = QString::fromLatin1(word);
-        QTest::addRow("%s", word) << canonical << canonical;
-        QTest::addRow("%s in lower case", word) << canonical.toLower() << canonical;
-        QTest::addRow("%s in upper case", word) << canonical.toUpper() << canonical;
+    for (const AggMethod& method : aggMethods()) {
+        const QString& word = method.word;
+        QTest::addRow("%s", qPrintable(word)) << word << word;
+        QTest::addRow("%s in lower case", qPrintable(word)) << word.toLower() << word;
+        QTest::addRow("%s in upper case", qPrintable(word)) << word.toUpper() << word;
     }
     QTest::newRow("mixed case") << "sUmNan"
                                 << "SumNaN";
@@ -87,7 +111,7 @@ void AggMethodsTest::otherWordsAreNoMethod_data()
     QTest::newRow("part of a word") << "Su";
     QTest::newRow("more than a word") << "Sums";
     QTest::newRow("blank before") << " Sum";
-    QTest::newRow("blank behind") << "Sum ";
+    QTest::newRow("blank after") << "Sum ";
     QTest::newRow("suffix alone") << "NaN";
     QTest::newRow("long s") << QString(QChar(0x017f)) + QStringLiteral("um");
     QTest::newRow("dotted capital i")

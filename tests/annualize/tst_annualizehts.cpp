@@ -8,6 +8,7 @@
 
 #include "annualize/annualizehts.h"
 #include "tests/annualize/seriestext.h"
+#include "tests/support/hostsystem.h"
 #include "tests/support/logcollector.h"
 
 namespace {
@@ -230,7 +231,7 @@ void AnnualizeHtsTest::convert(const QByteArray& input, const QByteArray& contro
     const Status status = conversion.engine.annualize();
     QVERIFY(!status.flag);
     m_message = status.message;
-    m_result = conversion.result.data();
+    m_result = fromTextMode(conversion.result.data());
     m_log = log.lines();
     QCOMPARE(log.levels(), QVector<QsLogging::Level>(m_log.size(), QsLogging::InfoLevel));
     QVERIFY(conversion.source.isOpen());
@@ -281,7 +282,7 @@ void AnnualizeHtsTest::refusedValueLeavesOldOne()
     QVERIFY(!engine.setEndMonth(0).ok());
     QVERIFY(!engine.setEndMonth(13).ok());
     QCOMPARE(engine.annualize().message, QString());
-    QCOMPARE(textLines(conversion.result.data()),
+    QCOMPARE(textLines(fromTextMode(conversion.result.data())),
              textLines(package(1) + annualRun("2001-9-30 24:00",
                                               slot("A.Flow", "units: cfs;scale: 1;method: End;"
                                                              "12.000000000000"))));
@@ -770,7 +771,7 @@ void AnnualizeHtsTest::engineConvertsAfterFailure()
     QVERIFY(conversion.source.open(QIODevice::ReadOnly));
     QCOMPARE(conversion.engine.annualize().message, QString());
     QCOMPARE(
-        textLines(conversion.result.data()),
+        textLines(fromTextMode(conversion.result.data())),
         textLines(package(1) +
                   annualRun("2000-12-31 24:00",
                             slot("A.Flow", "units: cfs;scale: 1;method: Max;12.000000000000"))));

@@ -63,7 +63,6 @@ private Q_SLOTS:
     void slotTypeDoesNotMatter();
     void unopenedFileGivesItsErrorText_data();
     void unopenedFileGivesItsErrorText();
-    void failedReadGivesErrorText();
     void engineWithoutControlFileGivesErrorText();
     void agreesWithNaiveFirstMatch_data();
     void agreesWithNaiveFirstMatch();
@@ -401,23 +400,6 @@ void MethodControlTest::unopenedFileGivesItsErrorText()
     QStringList methods{QStringLiteral("before")};
     const Status status = engine.assignMethods(makeSlots({QStringLiteral("Res.Flow")}), methods);
     QCOMPARE(status.message, expected);
-    QVERIFY(!status.flag);
-    QCOMPARE(methods, QStringList{QStringLiteral("before")});
-    QCOMPARE(log.lines(), QStringList());
-}
-
-void MethodControlTest::failedReadGivesErrorText()
-{
-    // Can be opened, but its first page can't be read.
-    const QString path = QStringLiteral("/proc/self/mem");
-    QCOMPARE(fileErrorText(path), QStringLiteral("opens"));
-
-    const LogCollector log;
-    AnnualizeHts engine;
-    QCOMPARE(engine.setControlFile(path).message, QString());
-    QStringList methods{QStringLiteral("before")};
-    const Status status = engine.assignMethods(makeSlots({QStringLiteral("Res.Flow")}), methods);
-    QCOMPARE(status.message, QStringLiteral("Input/output error"));
     QVERIFY(!status.flag);
     QCOMPARE(methods, QStringList{QStringLiteral("before")});
     QCOMPARE(log.lines(), QStringList());

@@ -13,6 +13,7 @@
 
 #include "annualize/annualizehts.h"
 #include "tests/annualize/seriestext.h"
+#include "tests/support/hostsystem.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -22,6 +23,7 @@ const char kBadRunPreamble[] = "Cannot read run preamble";
 const char kBadSlotPreamble[] = "Cannot read slot preamble";
 const char kBadColumnHeader[] = "Cannot read HTS file: Missing units or scale";
 const char kNoCompleteYear[] = "Cannot create a complete year from the input HTS file";
+const char kUnequalTiming[] = "Sizes of input value and value map vectors are mismatched";
 const char kNoSlots[] = "No series slots with valid methods found in input HTS file";
 
 const QByteArray kMark = "\xef\xbb\xbf";
@@ -300,6 +302,10 @@ private Q_SLOTS:
     void gapsInTimesteps() { convert(); }
     void startOfTheRun_data();
     void startOfTheRun() { convert(); }
+    void stepsOfSeveralUnits_data();
+    void stepsOfSeveralUnits() { convert(); }
+    void laterRuns_data();
+    void laterRuns() { convert(); }
     void dateTimeTexts_data();
     void dateTimeTexts() { convert(); }
 
@@ -329,7 +335,7 @@ void OddFilesTest::convert()
     const Status status = engine.annualize();
     QTEST(status.message, "message");
     QVERIFY(!status.flag);
-    const QByteArray written = result.data();
+    const QByteArray written = fromTextMode(result.data());
     QTEST(written, "result");
 }
 
@@ -359,6 +365,13 @@ void OddFilesTest::lineEnds_data()
     refused("carriage returns alone between rules", kInput, kNoSlots, withLineEnd(kControl, "\r"));
     gives("carriage return alone behind one rule", kInput, changed(kResult, kAnnualLevel, ""),
           "Lake.Flow: Sum\r");
+    gives("carriage return inside a name", changed(kInput, "Basin study", "Basin\rstudy"),
+          changed(kResult, "Basin study", "Basin\rstudy"));
+    gives("carriage return inside a name, Windows",
+          withLineEnd(changed(kInput, "Basin study", "Basin\r\rstudy"), "\r\n"),
+          changed(kResult, "Basin study", "Basin\r\rstudy"));
+    gives("carriage return inside a value", changed(kInput, "\n7\n", "\n7\r8\n"),
+          withSum("71.000000000000"));
 }
 
 void OddFilesTest::blankLines_data()
@@ -406,6 +419,12 @@ void OddFilesTest::whiteSpace_data()
     // The line is taken for the first value, and the last one is left out.
     gives("blank before the method line", changed(withMethod, "method", " method"),
           withSum("66.000000000000"));
+    // The letter m alone makes the method line, whose text is not used: the values are 2 to 12 and
+    // the line END_COLUMN, and the next slot loses its first line.
+    gives("first value that begins with m", changed(kInput, "\n1\n", "\nmissing\n"),
+          changed(changed(kResult, kAnnualLevel, ""), "78.000000000000", "77.000000000000"));
+    gives("other value that begins with m", changed(kInput, "\n7\n", "\nmissing\n"),
+          withSum("71.000000000000"));
     gives("tab behind a key of the package", changed(kInput, "name:", "name:\t"),
           changed(kResult, "name:", "name:\t"));
     gives("tab behind the number of timesteps", changed(kInput, "time_steps:", "time_steps:\t "),
@@ -723,6 +742,11 @@ void OddFilesTest::orderOfTimesteps_data()
     row("last December twice", twoYears + twoYears.mid(23),
         "2000-12-31 24:00=78;2001-12-31 24:00=247");
     row("a year twice", twoYears + twoYears.mid(12), "2000-12-31 24:00=78;2001-12-31 24:00=588");
+    // What follows a jump back counts to the year under way, which is complete when the last
+    // timestep ends it.
+    row("back to an earlier year at the end", twoYears + twoYears.mid(5, 1), "2000-12-31 24:00=78");
+    row("back to the first year and on to the end", twoYears + twoYears,
+        "2000-12-31 24:00=78;2001-12-31 24:00=1098");
     const auto none = [](const char* name, const QStringList& timesteps, const char* start) {
         refused(name, fileText(startingAt(monthly(timesteps), start)), kNoCompleteYear);
     };
@@ -774,6 +798,18 @@ void OddFilesTest::startOfTheRun_data()
         "2000-1-31 24:00=1;2000-2-29 24:00=2;2000-3-31 24:00=3;2000-4-30 24:00=4;"
         "2000-5-31 24:00=5;2000-6-30 24:00=6;2000-7-31 24:00=7;2000-8-31 24:00=8;"
         "2000-9-30 24:00=9;2000-12-31 24:00=33");
+    // A start in an earlier year than the first timestep makes a part of a year pass for a whole
+    // one.
+    const QStringList fromJuly = monthlyTimesteps(2000, 7, 18);
+    const auto julyRow = [&](const char* name, const char* start, const char* years) {
+        gives(name, fileText(startingAt(monthly(fromJuly), start)), annualText(years));
+    };
+    julyRow("half a year, start in it", "2000-7-31 24:00", "2001-12-31 24:00=150");
+    julyRow("half a year, start of the year", "2000-1-1 0:00", "2001-12-31 24:00=150");
+    julyRow("half a year, start in the year before", "1999-6-1 0:00",
+            "2000-12-31 24:00=21;2001-12-31 24:00=150");
+    julyRow("half a year, start two years before", "1998-6-1 0:00",
+            "2000-7-31 24:00=1;2000-12-31 24:00=20;2001-12-31 24:00=150");
     // What comes before its year is left out.
     for (const char* start : {"2000-12-31 24:00", "2001-1-31 24:00", "2000-1-31", ""})
         refused(*start == 0 ? "none" : start,
@@ -782,6 +818,70 @@ void OddFilesTest::startOfTheRun_data()
           annualText("2001-12-31 24:00=222"));
     gives("end long before the start",
           changed(kInput, "end:2000-12-31 24:00", "end:1990-1-31 24:00"), kResult);
+}
+
+// The unit alone counts, as if every timestep were one of it.
+void OddFilesTest::stepsOfSeveralUnits_data()
+{
+    addColumns();
+    const auto twoWeeks = [](int day, int count) {
+        Series series = daily(dailyTimesteps(QDate(2000, 1, day), count, 14));
+        series.unit = "week";
+        return fileText(series);
+    };
+    gives("14 days, first and last week of the year", twoWeeks(1, 27),
+          annualText("2000-12-30 24:00=27"));
+    gives("14 days, the first ends after 7", twoWeeks(7, 27), annualText("2000-12-22 24:00=26"));
+    refused("14 days, the first ends after 8", twoWeeks(8, 27), kNoCompleteYear);
+    const QStringList months = monthsOf({2000, 2001});
+    const auto everyThird = [&](int first) {
+        QStringList quarters;
+        for (int i = first; i < months.size(); i += 3)
+            quarters.append(months.at(i));
+        return quarters;
+    };
+    gives("quarters, the first one ends with March", fileText(monthly(everyThird(2))),
+          annualText("2001-12-31 24:00=26"));
+    gives("quarters, with the last one of the year before",
+          fileText(monthly(QStringList{QStringLiteral("1999-12-31 24:00")} + everyThird(2))),
+          annualText("2000-12-31 24:00=14;2001-12-31 24:00=30"));
+}
+
+// Start, end and number of timesteps decide whether a later run has years of its own.
+void OddFilesTest::laterRuns_data()
+{
+    addColumns();
+    const QByteArray first = fileText(monthly(monthsOf({2000, 2001})));
+    const QByteArray run = first.mid(kPackage.size());
+    const QByteArray years = annualText("2000-12-31 24:00=78;2001-12-31 24:00=222");
+    const QByteArray twoRuns = changed(kPackage, "runs:1", "runs:2");
+    const QByteArray result = twoRuns + years.mid(kPackage.size()) + years.mid(kPackage.size());
+    const auto row = [&](const char* name, const char* from, const char* to) {
+        gives(name, twoRuns + run + changed(run, from, to), result);
+    };
+    row("same", "", "");
+    // Values of the second run go through the years of the first.
+    row("other timestep in between", "\n2000-12-31 24:00", "\n2001-1-15 6:00");
+    row("timesteps without order", "\n2000-12-31 24:00", "\n1990-12-31 24:00");
+    row("timestep that is no date", "\n2000-2-29 24:00", "\n2000-2-31 24:00");
+    row("other unit", "unit:month", "unit:day");
+    row("annual unit", "unit:month", "unit:year");
+    row("other number of units", "unit_quantity:1", "unit_quantity:3");
+    row("same start in other words", "start:2000-1-31 24:00", "start:2000-2-1 0:00");
+    // These fields are the first run's, too.
+    row("other index", "idx_sequential:4", "idx_sequential:7");
+    row("sets", "consecutive:1", "consecutive:0\nslot_set:other\nrule_set:other\ntrace:9");
+    const auto unequal = [&](const char* name, const char* from, const char* to) {
+        refused(name, twoRuns + run + changed(run, from, to), kUnequalTiming);
+    };
+    unequal("other start", "start:2000-1-31 24:00", "start:2000-1-30 24:00");
+    unequal("other end", "end:2001-12-31 24:00", "end:2001-12-31 18:00");
+    const QByteArray oneLess =
+        changed(changed(run, "time_steps:24", "time_steps:23"), "\n24\n", "\n");
+    refused("one timestep less", twoRuns + run + changed(oneLess, "\n2000-6-30 24:00", ""),
+            kUnequalTiming);
+    refused("no complete year", twoRuns + run + changed(run, "start:2000", "start:2002"),
+            kNoCompleteYear);
 }
 
 void OddFilesTest::dateTimeTexts_data()

@@ -16,6 +16,7 @@
 #include "annualize/annualizehts.h"
 #include "hts/htspackage.h"
 #include "tests/annualize/seriestext.h"
+#include "tests/support/hostsystem.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -423,7 +424,8 @@ TruncationTest::Outcome TruncationTest::convert(QIODevice& source) const
         !engine.setSourceDevice(&source).ok() || !engine.setResultDevice(&result).ok() ||
         !engine.setControlFile(controlPath()).ok() || !engine.setEndMonth(12).ok())
         qFatal("cannot set the engine up");
-    return {engine.annualize().message, result.data()};
+    const QString message = engine.annualize().message;
+    return {message, fromTextMode(result.data())};
 }
 
 void TruncationTest::convertsTheWholeFile()

@@ -1,0 +1,211 @@
+#include "annualize/annualization.h"
+
+#include <utility>
+
+#include "QsLog.h"
+#include "annualize/months.h"
+#include "hts/htsreader.h"
+
+namespace {
+
+const QLatin1String kNoSlots("No series slots with valid methods found in input HTS file");
+
+} // namespace
+
+Annualization::Annualization(const QString& controlPath, int endMonth)
+    : m_controlPath(controlPath), m_endMonth(endMonth)
+{
+    Q_ASSERT(!controlPath.isEmpty() && isMonth(endMonth));
+}
+
+Status Annualization::read(QIODevice& source)
+{
+    Q_ASSERT(m_runCount == 0 && !m_isRead);
+    HtsReader reader(source);
+    HtsPackage preamble;
+    Status status = reader.readPackagePreamble(preamble);
+    for (int r = 0; status.ok() && r < preamble.numberOfRuns; ++r)
+        status = readRun(reader, r);
+    if (m_runCount == 0)
+        m_years = findCompleteYears(HtsRun(), m_endMonth, m_valueMap);
+    // Only now: as many runs as the file announces have been seen, however many that are.
+    if (status.ok())
+        m_annual.copyPreamble(preamble);
+    m_isRead = status.ok();
+    return status;
+}
+
+Status Annualization::readRun(HtsReader& reader, int runIndex)
+{
+    HtsRun run;
+    Status status = reader.readRun(run);
+    if (!status.ok())
+        return status;
+    ++m_runCount;
+    if (runIndex == 0)
+        startFirstRun(run);
+    else if (isAnnualizing())
+        startLaterRun(run, runIndex);
+    if (isAnnualizing()) {
+        m_annual.runs.append(m_annualRun);
+        m_annual.values.emplace_back();
+        m_annual.values.back().reserve(static_cast<std::size_t>(m_annual.numSlots()));
+    }
+
+    int slotCount = 0;
+    for (; status.ok() && !reader.takeEndOfRun(); ++slotCount)
+        status = readSlot(reader, run, runIndex, slotCount);
+    if (status.ok())
+        finishRun(runIndex, slotCount);
+    return status;
+}
+
+// The first run gives the years and, where there are any, the reason to open the control file.
+void Annualization::startFirstRun(const HtsRun& run)
+{
+    m_years = findCompleteYears(run, m_endMonth, m_valueMap);
+    if (!m_years.status.ok())
+        return;
+    setAnnualTiming(run, m_years, m_annualRun);
+    m_start = run.start;
+    m_end = run.end;
+    m_timeStepCount = run.timeStepCount;
+    m_control = readControlFile(m_controlPath);
+}
+
+// A run of the same timing has the same years. In any other the value map deliberately goes on
+// growing, so that the aggregation refuses the run.
+void Annualization::startLaterRun(const HtsRun& run, int runIndex)
+{
+    if (run.start == m_start && run.end == m_end && run.timeStepCount == m_timeStepCount)
+        return;
+    m_failure.years = findCompleteYears(run, m_endMonth, m_valueMap);
+    if (m_failure.years.status.ok()) {
+        setAnnualTiming(run, m_failure.years, m_annualRun);
+    } else {
+        m_failure.run = runIndex;
+        m_failure.status = m_failure.years.status;
+    }
+}
+
+Status Annualization::readSlot(HtsReader& reader, const HtsRun& run, int runIndex, int slotIndex)
+{
+    HtsSlot slot;
+    Status status = reader.readSlot(slot, HtsReader::TableRows::Skip);
+    if (!status.ok())
+        return status;
+    if (runIndex == 0 && isAnnualizing())
+        planSlot(slot);
+
+    // A later run's own slot decides how many values follow, the first run's what becomes of them.
+    const bool isUsed = isAnnualizing() && isAnnualized(slotIndex);
+    if (slot.isTable()) {
+        reader.skipTable();
+        m_values.clear();
+    } else {
+        const int count = slot.valueCount(run);
+        if (isUsed) {
+            m_values.resize(static_cast<std::size_t>(count));
+            reader.readValues(m_values);
+        } else {
+            reader.skipValues(count);
+        }
+        reader.readEndLine(); // "END_COLUMN", not looked at
+        reader.readEndLine(); // "END_SLOT", not looked at
+    }
+    if (isUsed)
+        annualizeSlot(runIndex, slotIndex);
+    return status;
+}
+
+void Annualization::planSlot(const HtsSlot& slot)
+{
+    const SlotPlan plan(slot, m_control.rules.methodFor(slot));
+    m_plans.append(plan);
+    if (!plan.isAnnualized())
+        return;
+    ++m_annualizedCount;
+    HtsSlot annualSlot = plan.annualSlot(slot);
+    if (!m_annual.slots.isEmpty())
+        annualSlot.shareTexts(m_annual.slots.constLast());
+    m_annual.slots.append(annualSlot);
+}
+
+void Annualization::annualizeSlot(int runIndex, int slotIndex)
+{
+    Q_ASSERT(isAnnualizing() && isAnnualized(slotIndex));
+    HtsColumn annualValues;
+    const Status status = m_plans.at(slotIndex).annualize(
+        m_values, m_valueMap, m_annualRun.timeStepCount, m_aggValues, annualValues);
+    if (!status.ok()) {
+        m_failure.run = runIndex;
+        m_failure.slot = slotIndex;
+        m_failure.status = status;
+        return;
+    }
+    m_annual.values.back().emplace_back().push_back(std::move(annualValues));
+}
+
+// Slots that the first run has and this one lacks have no values.
+void Annualization::finishRun(int runIndex, int slotCount)
+{
+    m_values.clear();
+    for (int s = slotCount; s < m_plans.size() && isAnnualizing(); ++s) {
+        if (isAnnualized(s))
+            annualizeSlot(runIndex, s);
+    }
+}
+
+// Whether there is still a result to work for.
+bool Annualization::isAnnualizing() const
+{
+    const bool hasSlots = m_runCount == 1 || m_annualizedCount > 0;
+    return m_years.status.ok() && hasSlots && m_failure.run < 0;
+}
+
+bool Annualization::isAnnualized(int slotIndex) const
+{
+    return slotIndex < m_plans.size() && m_plans.at(slotIndex).isAnnualized();
+}
+
+Status Annualization::report() const
+{
+    Q_ASSERT(m_isRead);
+    logCompleteYears(m_years, m_endMonth);
+    if (!m_years.status.ok())
+        return m_years.status;
+    logAssignments();
+    if (m_annualizedCount == 0)
+        return failure(kNoSlots);
+
+    QLOG_INFO() << "Starting to annualize slot data";
+    const bool hasFailed = m_failure.run >= 0;
+    const int wholeRuns = hasFailed ? m_failure.run : m_runCount;
+    for (int r = 0; r < wholeRuns; ++r)
+        logSkippedSlots(m_plans.size());
+    if (!hasFailed)
+        return {};
+    logCompleteYears(m_failure.years, m_endMonth);
+    logSkippedSlots(m_failure.slot);
+    return m_failure.status;
+}
+
+// The control file's status is deliberately reported nowhere: without methods there are no slots to
+// annualize, and that is the reason that the user gets.
+void Annualization::logAssignments() const
+{
+    if (m_control.isRead)
+        logAssignmentStart();
+    if (!m_control.status.ok())
+        return;
+    for (const SlotPlan& plan : m_plans)
+        logAssignment(plan.objectName, plan.slotName, plan.methodWord);
+    logAssignmentEnd();
+}
+
+// For the first `slotCount` slots of a run.
+void Annualization::logSkippedSlots(int slotCount) const
+{
+    for (int s = 0; s < slotCount; ++s)
+        m_plans.at(s).logSkipped();
+}

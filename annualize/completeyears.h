@@ -1,0 +1,44 @@
+#ifndef ANNUALIZE_COMPLETEYEARS_H
+#define ANNUALIZE_COMPLETEYEARS_H
+
+#include <cstdint>
+#include <vector>
+
+#include <QStringList>
+
+#include "hts/htsrun.h"
+#include "hts/status.h"
+
+// Number of the complete year, counted from 1, that each timestep belongs to: 0 before the first
+// complete year, one more than the number of years after the last.
+using ValueMap = std::vector<std::int32_t>;
+
+// What the search for the complete years of a run found.
+struct CompleteYears
+{
+    // Why there are none; a success means one or more.
+    Status status;
+    // The last timestep of each complete year, as the run has it.
+    QStringList timesteps;
+
+    // How far the search came, for the log.
+    bool isSearched = false; // false where it failed before it looked at a timestep
+    bool hasTimesteps = false;
+    bool endsInPartialYear = false;
+};
+
+// Finds the complete years of `run` that end with the month `endMonth`, 1 to 12. Other numbers are
+// tolerated: 0 counts as December, and no year is complete for the rest. Appends a number
+// for each timestep of the run to `valueMap`, which may be partly filled after a failure. Fails for
+// a run that is annual already, for one with fewer timesteps than it announces, and when no year is
+// complete.
+CompleteYears findCompleteYears(const HtsRun& run, int endMonth, ValueMap& valueMap);
+
+// Logs the search, whether it failed or not.
+void logCompleteYears(const CompleteYears& years, int endMonth);
+
+// Gives `annualRun` one timestep for each of the complete years of `run`, of which there is one or
+// more, and what else the two have in common; its `trace` and `complete` stay.
+void setAnnualTiming(const HtsRun& run, const CompleteYears& years, HtsRun& annualRun);
+
+#endif // ANNUALIZE_COMPLETEYEARS_H

@@ -1,0 +1,18 @@
+#include "annualize/convertfiles.h"
+
+#include "annualize/annualizehts.h"
+#include "utils/checkedfile.h"
+
+Status convertFiles(AnnualizeHts& engine, UtilsNS::CheckedFile& input, UtilsNS::CheckedFile& output)
+{
+    Q_ASSERT(input.isReadable() && output.isWritable());
+    Status status = engine.setSourceDevice(&input);
+    if (status.ok())
+        status = engine.setResultDevice(&output);
+    if (status.ok())
+        status = engine.annualize();
+    if (!input.problem().isEmpty())
+        return failure(
+            QStringLiteral("Problem reading the input hts file: %1").arg(input.problem()));
+    return status.ok() ? output.finish() : status;
+}

@@ -1,0 +1,57 @@
+#include "annualize/slotplan.h"
+
+#include <QStringList>
+
+#include "QsLog.h"
+
+namespace {
+
+const QLatin1String kUnknownMethod("Unknown method specified");
+
+} // namespace
+
+SlotPlan::SlotPlan(const HtsSlot& slot, const QString& word)
+    : objectName(slot.objectName), slotName(slot.slotName), methodWord(word),
+      method(findMethod(word)), isSeries(slot.isSeries())
+{
+}
+
+bool SlotPlan::isAnnualized() const
+{
+    const bool isUnsupported = method != nullptr && !method->isSupported();
+    return isSeries && !methodWord.isEmpty() && !isUnsupported;
+}
+
+void SlotPlan::logSkipped() const
+{
+    if (!isSeries) {
+        QLOG_INFO() << fullSlotName(objectName, slotName) +
+                           QLatin1String(" is not a series slot and won't be annualized");
+    } else if (method != nullptr && !method->isSupported()) {
+        QLOG_INFO() << fullSlotName(objectName, slotName) +
+                           QLatin1String(" has a method of Salinity, which is not supported in "
+                                         "the HtsAnnualizer");
+    }
+}
+
+HtsSlot SlotPlan::annualSlot(const HtsSlot& slot) const
+{
+    HtsSlot annual = slot;
+    annual.methods = QStringList{methodWord};
+    if (method != nullptr && method->isTotal)
+        annual.units = QStringList{slot.units.value(0) + QLatin1String(" summed over the year")};
+    return annual;
+}
+
+Status SlotPlan::annualize(const HtsColumn& values, const ValueMap& valueMap, int yearCount,
+                           AggValues& aggValues, HtsColumn& annualValues) const
+{
+    Q_ASSERT(isAnnualized());
+    QString message;
+    if (!aggValues.aggregate(values, valueMap, yearCount, message))
+        return failure(message);
+    if (method == nullptr)
+        return failure(kUnknownMethod);
+    annualValues = aggValues.results(*method);
+    return {};
+}

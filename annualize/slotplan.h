@@ -1,0 +1,54 @@
+#ifndef ANNUALIZE_SLOTPLAN_H
+#define ANNUALIZE_SLOTPLAN_H
+
+#include <QLatin1Char>
+#include <QString>
+
+#include "annualize/aggmethods.h"
+#include "annualize/aggvalues.h"
+#include "annualize/completeyears.h"
+#include "hts/htspackage.h"
+#include "hts/status.h"
+
+// A slot's name as users write it: "Object.Slot".
+inline QString fullSlotName(const QString& objectName, const QString& slotName)
+{
+    return objectName + QLatin1Char('.') + slotName;
+}
+
+// What becomes of one slot of the input, decided when it is read in the first run: whether it gets
+// a place in the result, and by which method. Holds no more than later runs and the log need.
+struct SlotPlan
+{
+    // `methodWord` is empty for a slot without a method.
+    SlotPlan(const HtsSlot& slot, const QString& methodWord);
+    SlotPlan() = default; // for containers
+
+    // Whether the slot gets a place in the result: a series slot with a method that is supported. A
+    // word that is no method is not sorted out here: it ends the conversion when its turn comes.
+    bool isAnnualized() const;
+
+    // Logs why the slot has no place in the result. Nothing for one that has, or has no method.
+    void logSkipped() const;
+
+    // The slot of the result for `slot`, whose plan this is: with the method's word, and with units
+    // that say so where the values are totals.
+    HtsSlot annualSlot(const HtsSlot& slot) const;
+
+    // Sets `annualValues` to what the method makes of `values`, for a slot that isAnnualized().
+    // `valueMap` and `yearCount` are what AggValues::aggregate takes; `aggValues` is a buffer.
+    // Fails when values and map differ in length, and with "Unknown method specified" for a word
+    // that is no method.
+    Status annualize(const HtsColumn& values, const ValueMap& valueMap, int yearCount,
+                     AggValues& aggValues, HtsColumn& annualValues) const;
+
+    QString objectName;
+    QString slotName;
+    QString methodWord;
+    const AggMethod* method = nullptr; // null also for a word that is no method
+    bool isSeries = false;
+};
+
+Q_DECLARE_TYPEINFO(SlotPlan, Q_MOVABLE_TYPE);
+
+#endif // ANNUALIZE_SLOTPLAN_H

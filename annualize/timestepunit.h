@@ -1,0 +1,39 @@
+#ifndef ANNUALIZE_TIMESTEPUNIT_H
+#define ANNUALIZE_TIMESTEPUNIT_H
+
+#include <vector>
+
+#include <QDateTime>
+#include <QLatin1String>
+#include <QString>
+#include <QtGlobal>
+
+// A unit of time of a run's timesteps, and what it means for the search of complete years. All
+// units are rows of one table. Date-times are in UTC.
+struct TimestepUnit
+{
+    // The value of "time_step_unit:", compared exactly.
+    QLatin1String word;
+    // How long a timestep is: a number of months, or else of minutes.
+    int months;
+    qint64 minutes;
+    // Whether the last timestep of a run completes the year that ends at `yearEnd`; null for the
+    // year itself, which needs no conversion.
+    bool (*completesYear)(const QDateTime& lastTimestep, const QDateTime& yearEnd);
+
+    bool isYear() const { return completesYear == nullptr; }
+    // When the first timestep of a year that starts at `yearStart` ends at the latest. For units
+    // finer than a day that is a day later.
+    QDateTime latestEndOfFirst(const QDateTime& yearStart) const;
+};
+
+// The table.
+const std::vector<TimestepUnit>& timestepUnits();
+
+// The unit that `word` names, or null.
+const TimestepUnit* findTimestepUnit(const QString& word);
+
+// The unit that timesteps of `word` are treated as: a word that is no unit counts as days.
+const TimestepUnit& timestepUnitOrDay(const QString& word);
+
+#endif // ANNUALIZE_TIMESTEPUNIT_H

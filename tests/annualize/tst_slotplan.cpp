@@ -1,0 +1,159 @@
+#include "annualize/slotplan.h"
+
+#include <QtTest>
+
+#include "tests/support/logcollector.h"
+
+namespace {
+
+HtsSlot slotOfType(const QString& type)
+{
+    HtsSlot slot;
+    slot.objectName = QStringLiteral("Lake A");
+    slot.slotName = QStringLiteral("Outflow");
+    slot.slotType = type;
+    slot.units = QStringList{QStringLiteral("cms")};
+    slot.scales = QList<double>{1.0};
+    slot.methods = QStringList{QStringLiteral("Mean")};
+    return slot;
+}
+
+HtsSlot seriesSlot()
+{
+    return slotOfType(QStringLiteral("SeriesSlot"));
+}
+
+} // namespace
+
+class SlotPlanTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void decidesByKindAndMethod_data();
+    void decidesByKindAndMethod();
+    void annualSlotHasTheMethodAndItsUnits_data();
+    void annualSlotHasTheMethodAndItsUnits();
+    void wordThatIsNoMethodEndsTheRun_data();
+    void wordThatIsNoMethodEndsTheRun();
+    void slotWithoutValuesEndsTheRun();
+    void annualizesByTheMethod();
+};
+
+void SlotPlanTest::decidesByKindAndMethod_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QString>("word");
+    QTest::addColumn<bool>("isAnnualized");
+    QTest::addColumn<QString>("logLine");
+
+    const QString noSeries =
+        QStringLiteral("\"Lake A.Outflow is not a series slot and won't be annualized\" ");
+    const QString salinity =
+        QStringLiteral("\"Lake A.Outflow has a method of Salinity, which is not supported in the "
+                       "HtsAnnualizer\" ");
+    QTest::newRow("series") << "SeriesSlot"
+                            << "Sum" << true << QString();
+    QTest::newRow("no type") << ""
+                             << "Average" << true << QString();
+    QTest::newRow("series without a method") << "SeriesSlot"
+                                             << "" << false << QString();
+    QTest::newRow("series with Salinity") << "SeriesSlot"
+                                          << "Salinity" << false << salinity;
+    QTest::newRow("table") << "TableSlot"
+                           << "Sum" << false << noSeries;
+    QTest::newRow("scalar") << "ScalarSlot"
+                            << "Sum" << false << noSeries;
+    QTest::newRow("scalar without a method") << "ScalarSlot"
+                                             << "" << false << noSeries;
+    QTest::newRow("table with Salinity") << "TableSlot"
+                                         << "Salinity" << false << noSeries;
+    QTest::newRow("type in other case") << "seriesslot"
+                                        << "Sum" << false << noSeries;
+    QTest::newRow("word that is no method") << "SeriesSlot"
+                                            << "Median" << true << QString();
+}
+
+void SlotPlanTest::decidesByKindAndMethod()
+{
+    QFETCH(QString, type);
+    QFETCH(QString, word);
+    QFETCH(QString, logLine);
+
+    const SlotPlan plan(slotOfType(type), word);
+    QTEST(plan.isAnnualized(), "isAnnualized");
+    const LogCollector log;
+    plan.logSkipped();
+    QCOMPARE(log.lines(), logLine.isEmpty() ? QStringList() : QStringList{logLine});
+}
+
+void SlotPlanTest::annualSlotHasTheMethodAndItsUnits_data()
+{
+    QTest::addColumn<QString>("word");
+    QTest::addColumn<QStringList>("units");
+    QTest::addColumn<QStringList>("annualUnits");
+
+    const QStringList cms{QStringLiteral("cms")};
+    const QStringList summed{QStringLiteral("cms summed over the year")};
+    QTest::newRow("total") << "Sum" << cms << summed;
+    QTest::newRow("total without missing values") << "SumNaN" << cms << summed;
+    QTest::newRow("no total") << "Average" << cms << cms;
+    QTest::newRow("total of a slot without units")
+        << "SumNaN" << QStringList() << QStringList{QStringLiteral(" summed over the year")};
+}
+
+void SlotPlanTest::annualSlotHasTheMethodAndItsUnits()
+{
+    QFETCH(QString, word);
+    QFETCH(QStringList, units);
+    HtsSlot slot = seriesSlot();
+    slot.units = units;
+    const HtsSlot annual = SlotPlan(slot, word).annualSlot(slot);
+    QCOMPARE(annual.methods, QStringList{word});
+    QTEST(annual.units, "annualUnits");
+    QCOMPARE(annual.objectName, slot.objectName);
+    QCOMPARE(annual.scales, slot.scales);
+}
+
+void SlotPlanTest::wordThatIsNoMethodEndsTheRun_data()
+{
+    QTest::addColumn<QString>("word");
+    QTest::newRow("unknown") << QStringLiteral("Median");
+    QTest::newRow("lower case") << QStringLiteral("sum");
+    QTest::newRow("blank after it") << QStringLiteral("Sum ");
+}
+
+void SlotPlanTest::wordThatIsNoMethodEndsTheRun()
+{
+    QFETCH(QString, word);
+    AggValues buffer;
+    HtsColumn result;
+    const Status status =
+        SlotPlan(seriesSlot(), word).annualize({1.0, 2.0, 3.0}, {1, 1, 2}, 2, buffer, result);
+    QCOMPARE(status.message, QStringLiteral("Unknown method specified"));
+    QVERIFY(result.empty());
+}
+
+void SlotPlanTest::slotWithoutValuesEndsTheRun()
+{
+    AggValues buffer;
+    HtsColumn result;
+    const Status status =
+        SlotPlan(seriesSlot(), QStringLiteral("Sum")).annualize({}, {1, 1, 2}, 2, buffer, result);
+    QCOMPARE(status.message,
+             QStringLiteral("Sizes of input value and value map vectors are mismatched"));
+}
+
+void SlotPlanTest::annualizesByTheMethod()
+{
+    AggValues buffer;
+    HtsColumn result{17.0};
+    const Status status = SlotPlan(seriesSlot(), QStringLiteral("Max"))
+                              .annualize({1.0, 2.0, 3.0}, {1, 1, 2}, 2, buffer, result);
+    QCOMPARE(status.message, QString());
+    QCOMPARE(result, (HtsColumn{2.0, 3.0}));
+}
+
+QTEST_GUILESS_MAIN(SlotPlanTest)
+
+#include "tst_slotplan.moc"

@@ -1,0 +1,150 @@
+#include <QtTest>
+
+#include "annualize/timestepunit.h"
+
+namespace {
+
+QDateTime utc(int year, int month, int day, int hour = 0, int minute = 0)
+{
+    return QDateTime(QDate(year, month, day), QTime(hour, minute), Qt::UTC);
+}
+
+} // namespace
+
+class TimestepUnitTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void knowsEveryUnitByItsWord_data();
+    void knowsEveryUnitByItsWord();
+    void wordThatIsNoUnitCountsAsDay_data();
+    void wordThatIsNoUnitCountsAsDay();
+    void onlyTheYearNeedsNoConversion_data();
+    void onlyTheYearNeedsNoConversion();
+    void firstTimestepMayEndOneUnitAfterTheStartOfTheYear_data();
+    void firstTimestepMayEndOneUnitAfterTheStartOfTheYear();
+    void lastTimestepEndsWithTheYear_data();
+    void lastTimestepEndsWithTheYear();
+    void lastWeekEndsLessThanAWeekBeforeTheYear_data();
+    void lastWeekEndsLessThanAWeekBeforeTheYear();
+};
+
+// The words of the file format, in one list that is not made from the table.
+static void addUnitRows()
+{
+    QTest::addColumn<QString>("word");
+    for (const char* word : {"year", "month", "week", "day", "hour", "minute"})
+        QTest::newRow(word) << QString::fromLatin1(word);
+}
+
+void TimestepUnitTest::knowsEveryUnitByItsWord_data()
+{
+    addUnitRows();
+}
+
+void TimestepUnitTest::knowsEveryUnitByItsWord()
+{
+    QFETCH(QString, word);
+    const TimestepUnit* unit = findTimestepUnit(word);
+    QVERIFY(unit != nullptr);
+    QCOMPARE(QString(unit->word), word);
+    QCOMPARE(QString(timestepUnitOrDay(word).word), word);
+}
+
+void TimestepUnitTest::wordThatIsNoUnitCountsAsDay_data()
+{
+    QTest::addColumn<QString>("word");
+    for (const char* word : {"fortnight", "days", "Month", "YEAR", " week", "week ", "second", "0"})
+        QTest::newRow(word) << QString::fromLatin1(word);
+    QTest::newRow("(empty)") << QString();
+}
+
+void TimestepUnitTest::wordThatIsNoUnitCountsAsDay()
+{
+    QFETCH(QString, word);
+    QVERIFY(findTimestepUnit(word) == nullptr);
+    QCOMPARE(QString(timestepUnitOrDay(word).word), QStringLiteral("day"));
+    QVERIFY(!timestepUnitOrDay(word).isYear());
+}
+
+void TimestepUnitTest::onlyTheYearNeedsNoConversion_data()
+{
+    addUnitRows();
+}
+
+void TimestepUnitTest::onlyTheYearNeedsNoConversion()
+{
+    QFETCH(QString, word);
+    const TimestepUnit& unit = timestepUnitOrDay(word);
+    const bool isYear = word == QLatin1String("year");
+    QCOMPARE(unit.isYear(), isYear);
+    QCOMPARE(unit.completesYear == nullptr, isYear);
+}
+
+void TimestepUnitTest::firstTimestepMayEndOneUnitAfterTheStartOfTheYear_data()
+{
+    QTest::addColumn<QString>("word");
+    QTest::addColumn<QDateTime>("yearStart");
+    QTest::addColumn<QDateTime>("latest");
+    const auto row = [](const char* word, const QDateTime& yearStart, const QDateTime& latest) {
+        QTest::addRow("%s from %s", word, qPrintable(yearStart.toString(Qt::ISODate)))
+            << QString::fromLatin1(word) << yearStart << latest;
+    };
+    row("month", utc(2001, 1, 1), utc(2001, 2, 1));
+    row("month", utc(2000, 2, 1), utc(2000, 3, 1));
+    row("month", utc(2000, 12, 1), utc(2001, 1, 1));
+    row("week", utc(2000, 10, 1), utc(2000, 10, 8));
+    row("week", utc(2000, 2, 23), utc(2000, 3, 1));
+    for (const char* word : {"day", "hour", "minute", "fortnight"}) {
+        row(word, utc(2001, 1, 1), utc(2001, 1, 2));
+        row(word, utc(2000, 2, 29), utc(2000, 3, 1));
+    }
+}
+
+void TimestepUnitTest::firstTimestepMayEndOneUnitAfterTheStartOfTheYear()
+{
+    QFETCH(QString, word);
+    QFETCH(QDateTime, yearStart);
+    QTEST(timestepUnitOrDay(word).latestEndOfFirst(yearStart), "latest");
+}
+
+void TimestepUnitTest::lastTimestepEndsWithTheYear_data()
+{
+    QTest::addColumn<QString>("word");
+    for (const char* word : {"month", "day", "hour", "minute", "fortnight"})
+        QTest::newRow(word) << QString::fromLatin1(word);
+}
+
+void TimestepUnitTest::lastTimestepEndsWithTheYear()
+{
+    QFETCH(QString, word);
+    const auto completesYear = timestepUnitOrDay(word).completesYear;
+    const QDateTime yearEnd = utc(2001, 1, 1);
+    QVERIFY(completesYear(yearEnd, yearEnd));
+    QVERIFY(!completesYear(yearEnd.addSecs(-60), yearEnd));
+    QVERIFY(!completesYear(yearEnd.addSecs(60), yearEnd));
+    QVERIFY(!completesYear(utc(2000, 12, 31), yearEnd));
+}
+
+void TimestepUnitTest::lastWeekEndsLessThanAWeekBeforeTheYear_data()
+{
+    QTest::addColumn<QDateTime>("timestep");
+    QTest::addColumn<bool>("isComplete");
+    QTest::newRow("a week before") << utc(2000, 12, 25) << false;
+    QTest::newRow("a minute less than a week before") << utc(2000, 12, 25, 0, 1) << true;
+    QTest::newRow("a day before") << utc(2000, 12, 31) << true;
+    QTest::newRow("a minute before") << utc(2000, 12, 31, 23, 59) << true;
+    QTest::newRow("with the year") << utc(2001, 1, 1) << false;
+    QTest::newRow("a minute after") << utc(2001, 1, 1, 0, 1) << false;
+}
+
+void TimestepUnitTest::lastWeekEndsLessThanAWeekBeforeTheYear()
+{
+    QFETCH(QDateTime, timestep);
+    const auto completesYear = timestepUnitOrDay(QStringLiteral("week")).completesYear;
+    QTEST(completesYear(timestep, utc(2001, 1, 1)), "isComplete");
+}
+
+QTEST_APPLESS_MAIN(TimestepUnitTest)
+#include "tst_timestepunit.moc"
