@@ -7,6 +7,7 @@
 
 #include "QsLogLevel.h"
 #include "annualize/annualizehts.h"
+#include "annualize/convertfiles.h"
 #include "app/logstream.h"
 #include "app/options.h"
 #include "app/usage.h"
@@ -23,6 +24,8 @@ const QString programVersion = QStringLiteral("1.0");
 constexpr int kSuccess = 0;
 constexpr int kError = 1;
 
+constexpr int kDecember = 12;
+
 // A console message: a line, and a second one with the detail that belongs to it.
 Status errorWithDetail(const QString& message, const QString& detail)
 {
@@ -35,7 +38,7 @@ void print(const QString& message)
     std::cout << message.toLocal8Bit().constData() << std::endl << std::endl;
 }
 
-// What is told about a path that can't be used.
+// What is said about a path that can't be used.
 struct PathTexts
 {
     QLatin1String missing;
@@ -62,21 +65,28 @@ const PathTexts kControlTexts = {
                   "substituted:"),
     QLatin1String()};
 
-const QLatin1String kLogNotSubstituted(
-    "HtsAnnualizer Error: Log file path environment variables could not be substituted:");
+// There is a default for a missing one; what is said of one that can't be opened names it.
+const PathTexts kLogTexts = {
+    QLatin1String(),
+    QLatin1String(
+        "HtsAnnualizer Error: Log file path environment variables could not be substituted:"),
+    QLatin1String()};
 
-Status substitute(const QString& given, QLatin1String notSubstituted, QString& path)
+// A path with its environment references replaced; or why there is none, and an empty path.
+struct ResolvedPath
 {
-    if (UtilsNS::substituteEnvVars(given, path).ok())
-        return {};
-    return errorWithDetail(notSubstituted, given);
-}
+    QString path;
+    Status status;
+};
 
-Status resolve(const QString& given, const PathTexts& texts, QString& path)
+ResolvedPath resolve(const QString& given, const PathTexts& texts)
 {
     if (given.isEmpty())
-        return failure(texts.missing);
-    return substitute(given, texts.notSubstituted, path);
+        return {QString(), failure(texts.missing)};
+    QString path;
+    if (!UtilsNS::substituteEnvVars(given, path).ok())
+        return {QString(), errorWithDetail(texts.notSubstituted, given)};
+    return {path, Status()};
 }
 
 Status logFailure(const QString& verb, const QString& path, const QString& reason)
@@ -93,18 +103,25 @@ QString defaultLogPath(const QString& outputPath)
     return outputPath.left(outputPath.lastIndexOf(QLatin1Char('.'))) + QLatin1String(".log");
 }
 
+ResolvedPath resolveLog(const QString& given, const QString& outputPath)
+{
+    return given.isEmpty() ? ResolvedPath{defaultLogPath(outputPath), Status()}
+                           : resolve(given, kLogTexts);
+}
+
 // One conversion, from the paths to the outcome in the log file.
 class Conversion
 {
 public:
-    Conversion(const Options& options, AnnualizeHts& engine) : m_options(options), m_engine(engine)
-    {
-    }
+    // Resolves all paths; one that can't be is reported when its turn comes. `engine` outlives the
+    // object.
+    Conversion(const Options& options, AnnualizeHts& engine);
 
-    // Opens what the options name and hands it to the engine. The first problem is returned, as the
+    // Opens what the options name and prepares the engine. The first problem is returned, as the
     // text for the console.
     Status prepare();
-    // Runs the engine and reports to the log file. Returns the exit code.
+    // Runs the engine and reports to the log file. Returns the exit code. After a successful
+    // prepare(), once.
     int run();
 
 private:
@@ -112,21 +129,31 @@ private:
     Status openOutput();
     Status setControlFile();
     Status openLog();
-    Status resolveLogPath(QString& path) const;
     Status refuseSharedFiles() const;
     void writeLogHeader();
     Status convert();
 
-    const Options& m_options;
     AnnualizeHts& m_engine;
-    QString m_inputPath;
-    QString m_outputPath;
-    QString m_controlPath;
-    UtilsNS::CheckedFile m_input;
-    UtilsNS::CheckedFile m_output;
-    UtilsNS::CheckedFile m_log;
+    const int m_endMonth;
+    const ResolvedPath m_input;
+    const ResolvedPath m_output;
+    const ResolvedPath m_control;
+    const ResolvedPath m_log;
+    UtilsNS::CheckedFile m_inputFile;
+    UtilsNS::CheckedFile m_outputFile;
+    UtilsNS::CheckedFile m_logFile;
     std::unique_ptr<LogStreamAttachment> m_logAttachment;
 };
+
+Conversion::Conversion(const Options& options, AnnualizeHts& engine)
+    : m_engine(engine), m_endMonth(options.endMonth == -1 ? kDecember : options.endMonth),
+      m_input(resolve(options.inputPath, kInputTexts)),
+      m_output(resolve(options.outputPath, kOutputTexts)),
+      m_control(resolve(options.controlPath, kControlTexts)),
+      m_log(resolveLog(options.logPath, m_output.path)), m_inputFile(m_input.path),
+      m_outputFile(m_output.path), m_logFile(m_log.path)
+{
+}
 
 Status Conversion::prepare()
 {
@@ -139,84 +166,56 @@ Status Conversion::prepare()
     return {};
 }
 
-// The engine's setters are given only what they accept, so what they return is not looked at.
-
 Status Conversion::openInput()
 {
-    Status status = resolve(m_options.inputPath, kInputTexts, m_inputPath);
-    if (!status.ok())
-        return status;
-    m_input.setFileName(m_inputPath);
-    if (!m_input.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered))
-        return errorWithDetail(kInputTexts.notOpened, m_input.errorString());
-    static_cast<void>(m_engine.setSourceDevice(&m_input));
+    if (!m_input.status.ok())
+        return m_input.status;
+    if (!m_inputFile.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered))
+        return errorWithDetail(kInputTexts.notOpened, m_inputFile.errorString());
     return {};
 }
 
 Status Conversion::openOutput()
 {
-    Status status = resolve(m_options.outputPath, kOutputTexts, m_outputPath);
+    Status status = m_output.status;
     if (status.ok())
         status = refuseSharedFiles();
     if (!status.ok())
         return status;
-    m_output.setFileName(m_outputPath);
-    if (!m_output.open(QIODevice::WriteOnly | QIODevice::Text))
-        return errorWithDetail(kOutputTexts.notOpened, m_output.errorString());
-    static_cast<void>(m_engine.setResultDevice(&m_output));
+    if (!m_outputFile.open(QIODevice::WriteOnly | QIODevice::Text))
+        return errorWithDetail(kOutputTexts.notOpened, m_outputFile.errorString());
     return {};
 }
 
 Status Conversion::setControlFile()
 {
-    Status status = resolve(m_options.controlPath, kControlTexts, m_controlPath);
-    if (status.ok())
-        static_cast<void>(m_engine.setControlFile(m_controlPath));
-    return status;
-}
-
-Status Conversion::resolveLogPath(QString& path) const
-{
-    if (!m_options.logPath.isEmpty())
-        return substitute(m_options.logPath, kLogNotSubstituted, path);
-    path = defaultLogPath(m_outputPath);
-    return {};
+    return m_control.status.ok() ? m_engine.setControlFile(m_control.path) : m_control.status;
 }
 
 // Refuses to truncate a file that has another role. This looks ahead to paths whose turn has not
-// come: a path that can't be resolved is left to its own step.
+// come: one that could not be resolved is left to its own step.
 Status Conversion::refuseSharedFiles() const
 {
-    QString controlPath;
-    if (!substitute(m_options.controlPath, kControlTexts.notSubstituted, controlPath).ok())
-        controlPath.clear();
-    const UtilsNS::FileRole input = {QStringLiteral("input hts file"), m_inputPath};
-    const UtilsNS::FileRole control = {QStringLiteral("method control file"), controlPath};
-    const UtilsNS::FileRole output = {QStringLiteral("output hts file"), m_outputPath};
-    const QString outputShared = UtilsNS::sharedFileMessage(output, {input, control});
-    if (!outputShared.isEmpty())
-        return errorWithDetail(kOutputTexts.notOpened, outputShared);
-
-    QString logPath;
-    if (!resolveLogPath(logPath).ok())
-        logPath.clear();
-    const UtilsNS::FileRole log = {QStringLiteral("log file"), logPath};
-    const QString logShared = UtilsNS::sharedFileMessage(log, {input, control, output});
-    if (!logShared.isEmpty())
-        return logFailure(QStringLiteral("opening"), logPath, logShared);
+    const UtilsNS::FileRole input = {QStringLiteral("input hts file"), m_input.path};
+    const UtilsNS::FileRole control = {QStringLiteral("method control file"), m_control.path};
+    const UtilsNS::FileRole output = {QStringLiteral("output hts file"), m_output.path};
+    const UtilsNS::FileRole log = {QStringLiteral("log file"), m_log.path};
+    const Status outputStatus = UtilsNS::checkFileRole(output, {input, control});
+    if (!outputStatus.ok())
+        return errorWithDetail(kOutputTexts.notOpened, outputStatus.message);
+    const Status logStatus = UtilsNS::checkFileRole(log, {input, control, output});
+    if (!logStatus.ok())
+        return logFailure(QStringLiteral("opening"), m_log.path, logStatus.message);
     return {};
 }
 
 Status Conversion::openLog()
 {
-    QString path;
-    Status status = resolveLogPath(path);
-    if (!status.ok())
-        return status;
-    m_log.setFileName(path);
-    if (!m_log.open(QIODevice::WriteOnly | QIODevice::Text))
-        return logFailure(QStringLiteral("opening"), path, m_log.errorString());
-    m_logAttachment = std::make_unique<LogStreamAttachment>(m_log);
+    if (!m_log.status.ok())
+        return m_log.status;
+    if (!m_logFile.open(QIODevice::WriteOnly | QIODevice::Text))
+        return logFailure(QStringLiteral("opening"), m_log.path, m_logFile.errorString());
+    m_logAttachment = std::make_unique<LogStreamAttachment>(m_logFile);
     UtilsNS::setVerboseLogging(true);
     return {};
 }
@@ -225,27 +224,27 @@ void Conversion::writeLogHeader()
 {
     logStream << Qt::endl;
     logStream << QDateTime::currentDateTime().toString(Qt::TextDate) << Qt::endl;
-    logStream << "Input hts file: " << Qt::endl << m_inputPath << Qt::endl;
-    logStream << "Output Annual hts file: " << Qt::endl << m_outputPath << Qt::endl;
-    logStream << "Method control file: " << Qt::endl << m_controlPath << Qt::endl;
+    logStream << "Input hts file: " << Qt::endl << m_input.path << Qt::endl;
+    logStream << "Output Annual hts file: " << Qt::endl << m_output.path << Qt::endl;
+    logStream << "Method control file: " << Qt::endl << m_control.path << Qt::endl;
 }
 
 // Returns the text for the log file when the conversion fails.
 Status Conversion::convert()
 {
-    const int endMonth = m_options.endMonth == -1 ? 12 : m_options.endMonth;
-    if (!m_engine.setEndMonth(endMonth).ok())
+    if (!m_engine.setEndMonth(m_endMonth).ok())
         return failure(QStringLiteral("HtsAnnualizer Error: Invalid end month for year specified "
                                       "with -y option: %1")
-                           .arg(endMonth));
-    Status status = UtilsNS::conversionOutcome(m_engine.annualize(), m_input, m_output);
+                           .arg(m_endMonth));
+    const Status status = convertFiles(m_engine, m_inputFile, m_outputFile);
     if (status.ok())
-        return status;
+        return {};
     return failure(QLatin1String("HtsAnnualizer Error: \n") + status.message + QLatin1Char('\n'));
 }
 
 int Conversion::run()
 {
+    Q_ASSERT(m_logAttachment != nullptr);
     writeLogHeader();
     const Status status = convert();
     if (status.ok())
@@ -254,10 +253,10 @@ int Conversion::run()
         logStream << status.message << Qt::endl;
 
     m_logAttachment.reset();
-    const QString logError = m_log.finish();
-    if (!logError.isEmpty()) {
-        // The outcome is lost with the log, so the console gets to know.
-        print(logFailure(QStringLiteral("writing"), m_log.fileName(), logError).message);
+    const Status logStatus = m_logFile.finish();
+    if (!logStatus.ok()) {
+        // The outcome is lost with the log, so it is the console that gets a message.
+        print(logFailure(QStringLiteral("writing"), m_log.path, logStatus.message).message);
         return kError;
     }
     return status.ok() ? kSuccess : kError;

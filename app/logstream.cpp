@@ -12,6 +12,7 @@ void logMessageHandler(QtMsgType, const QMessageLogContext&, const QString& mess
 
 LogStreamAttachment::LogStreamAttachment(QFile& file)
 {
+    Q_ASSERT(file.isOpen() && file.isWritable());
     logStream.setDevice(&file);
     m_previousHandler = qInstallMessageHandler(logMessageHandler);
 }

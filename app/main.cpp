@@ -11,6 +11,7 @@
 #include "app/platform.h"
 #include "gui/annualizehtsdlg.h"
 #include "gui/messagewatcher.h"
+#include "utils/processsetup.h"
 
 namespace {
 
@@ -37,7 +38,7 @@ int runMainWindow(AnnualizeHts& engine)
 
 int main(int argc, char* argv[])
 {
-    openStandardStreams();
+    UtilsNS::openStandardStreams();
     // Any argument asks for the command line. All of them are the program's own: the toolkit would
     // take out options such as -style or -platform, and might end the process over one.
     const bool hasWindow = argc == 1;
@@ -45,7 +46,7 @@ int main(int argc, char* argv[])
         prepareForNoWindow();
     int toolkitArgc = std::min(argc, 1);
     const QApplication application(toolkitArgc, argv);
-    chooseTextEncoding();
+    UtilsNS::chooseTextEncoding();
 
     AnnualizeHts engine;
     connectLoggerToWatcher();

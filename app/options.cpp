@@ -2,80 +2,82 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
+
+#include "app/platform.h"
 
 namespace {
 
-bool isDigit(char c)
+using Request = Options::Request;
+
+template<QString Options::*path>
+void setPath(Options& options, const char* value)
 {
-    return c >= '0' && c <= '9';
+    options.*path = argumentText(value);
 }
 
-// atoi, but a number that no int can hold is the nearest one instead of an accident.
-int toMonth(const char* text)
+// As atoi does it, but a number that no int can hold is the nearest one instead of an accident.
+void setEndMonth(Options& options, const char* value)
 {
     constexpr long kMin = std::numeric_limits<int>::min();
     constexpr long kMax = std::numeric_limits<int>::max();
-    return static_cast<int>(std::clamp(std::strtol(text, nullptr, 10), kMin, kMax));
+    options.endMonth = static_cast<int>(std::clamp(std::strtol(value, nullptr, 10), kMin, kMax));
 }
 
-// Where the value of a path option goes, or null for any other option.
-QString* pathFor(char option, Options& options)
+// Null when no option has the letter.
+const Option* findOption(char letter)
 {
-    switch (option) {
-    case 'c':
-        return &options.controlPath;
-    case 'i':
-        return &options.inputPath;
-    case 'l':
-        return &options.logPath;
-    case 'o':
-        return &options.outputPath;
-    default:
-        return nullptr;
-    }
+    const auto option = std::find_if(kOptions.begin(), kOptions.end(),
+                                     [letter](const Option& o) { return o.letter == letter; });
+    return option == kOptions.end() ? nullptr : option;
 }
 
-Options::Request requestOf(char option)
+// The one value that begins with a dash: it stands for no month.
+bool isNoMonth(const Option* pending, const char* argument)
 {
-    switch (option) {
-    case 'c':
-    case 'i':
-    case 'l':
-    case 'o':
-    case 'y':
-        return Options::Request::Conversion;
-    case 'h':
-        return Options::Request::Usage;
-    case 'v':
-        return Options::Request::Version;
-    default:
-        return Options::Request::Invalid;
-    }
+    return pending != nullptr && pending->setValue == setEndMonth &&
+           std::strcmp(argument, "-1") == 0;
 }
 
 } // namespace
 
+const std::array<Option, 7> kOptions = {{
+    {'i', Request::Conversion, "file", setPath<&Options::inputPath>,
+     "This specifies the input hts file (required)."},
+    {'o', Request::Conversion, "file", setPath<&Options::outputPath>,
+     "This specifies the output annual hts file (required)."},
+    {'c', Request::Conversion, "file", setPath<&Options::controlPath>,
+     "This specifies the method control file (required)."},
+    {'l', Request::Conversion, "file", setPath<&Options::logPath>,
+     "This specifies the log file for messages.\n"
+     "    (will default to the output hts file name plus a .log file extension)"},
+    {'y', Request::Conversion, "number", setEndMonth,
+     "This integer number specifies the month that \n"
+     "    you want the year to end with (1 to 12).\n"
+     "    (will default to 12 for December)"},
+    {'h', Request::Usage, nullptr, nullptr, "This will print help information."},
+    {'v', Request::Version, nullptr, nullptr, "This will print the version number."},
+}};
+
 Options parseOptions(int argumentCount, const char* const* arguments)
 {
     Options options;
-    char pending = 0; // option that waits for its value
-    for (int i = 1; i < argumentCount && options.request == Options::Request::Conversion; ++i) {
+    const Option* pending = nullptr; // waits for its value
+    for (int i = 1; i < argumentCount && options.request == Request::Conversion; ++i) {
         const char* argument = arguments[i];
-        // "-y -1" gives a month.
-        const bool isNegativeMonth = pending == 'y' && argument[0] == '-' && isDigit(argument[1]);
-        if (argument[0] == '-' && !isNegativeMonth) {
-            pending = argument[1];
-            options.request = requestOf(pending);
-            continue;
+        Q_ASSERT(argument != nullptr);
+        if (argument[0] == '-' && !isNoMonth(pending, argument)) {
+            const Option* option = findOption(argument[1]);
+            options.request = option != nullptr ? option->request : Request::Invalid;
+            pending = option;
+        } else if (pending != nullptr) {
+            Q_ASSERT(pending->setValue != nullptr); // the others end the reading
+            pending->setValue(options, argument);
+            pending = nullptr;
+        } else {
+            options.request = Request::Invalid;
         }
-        if (QString* path = pathFor(pending, options))
-            *path = QString::fromUtf8(argument);
-        else if (pending == 'y')
-            options.endMonth = toMonth(argument);
-        else
-            options.request = Options::Request::Invalid; // a value without an option
-        pending = 0;
     }
     return options;
 }

@@ -1,6 +1,8 @@
 #ifndef APP_OPTIONS_H
 #define APP_OPTIONS_H
 
+#include <array>
+
 #include <QString>
 
 // What the command line asks for.
@@ -14,13 +16,35 @@ struct Options
     QString outputPath;
     QString controlPath;
     QString logPath;
-    // Month as given, -1 when it is not; not checked.
+    // Month as given, not checked: 0 for a text that is no number, the nearest int for a number
+    // that no int can hold. -1 when it is not given, or given as -1.
     int endMonth = -1;
 };
 
-// Reads the arguments behind the program's name. The first that asks for something else than a
-// conversion, or that is no option and no value of one, ends the reading. Of an argument that
-// begins with '-' only the next character counts.
+// One option of the command line: all that is known of it, for parsing and for the usage text.
+struct Option
+{
+    // The option is a dash and this letter.
+    char letter;
+    // What the option asks for; Conversion for one that takes a value.
+    Options::Request request;
+    // What the usage text calls the value; null for an option without one.
+    const char* valueName;
+    // Puts the value, as the process got it, where it belongs; null for an option without one.
+    void (*setValue)(Options& options, const char* value);
+    // What the usage text says of the option, without line end at the end. Not empty.
+    const char* usage;
+};
+
+// All options, in the order of the usage text.
+extern const std::array<Option, 7> kOptions;
+
+// Reads the arguments after the program's name, which is the first; none is null. The first that
+// asks for something else than a conversion, or that is neither an option nor the value of one,
+// ends the reading. Of an argument that begins with '-' only the next character counts: it makes an
+// option, except that exactly "-1" after the option for the month is its value. An option without a
+// value, because another option or nothing follows, is as if it were not given. When a value is
+// given twice, the later one counts.
 Options parseOptions(int argumentCount, const char* const* arguments);
 
 #endif // APP_OPTIONS_H

@@ -2,27 +2,19 @@
 
 #include <iostream>
 
+#include "app/options.h"
+
 namespace {
 
-// The last two lines are empty.
-const char* const kUsageLines[] = {
+const char* const kPurpose[] = {
     "The HtsAnnualizer will take an HTS file of timestep less than a year",
     "and aggregate it to create an HTS file with a yearly timestep. Methods",
     "to aggregate the slot data are specifed via a control file.",
     "",
-    "Usage: ",
-    "HtsAnnualizer <-i file> <-o file> <-c file> <-l file> <-y number> <-h> <-v>",
-    "-i: This specifies the input hts file (required).",
-    "-o: This specifies the output annual hts file (required).",
-    "-c: This specifies the method control file (required).",
-    "-l: This specifies the log file for messages.",
-    "    (will default to the output hts file name plus a .log file extension)",
-    "-y: This integer number specifies the month that ",
-    "    you want the year to end with (1 to 12).",
-    "    (will default to 12 for December)",
-    "-h: This will print help information.",
-    "-v: This will print the version number.",
-    "",
+};
+
+// The last two lines are empty.
+const char* const kControlFile[] = {
     "The control file indicates which slots to",
     "process and the method for annualizing the data.",
     "The control file syntax is for each line to contain:",
@@ -55,10 +47,36 @@ const char* const kUsageLines[] = {
     "",
 };
 
+template<std::size_t count>
+void printLines(const char* const (&lines)[count])
+{
+    for (const char* line : lines)
+        std::cout << line << std::endl;
+}
+
+void printSynopsis()
+{
+    std::cout << "HtsAnnualizer";
+    for (const Option& option : kOptions) {
+        std::cout << " <-" << option.letter;
+        if (option.valueName != nullptr)
+            std::cout << ' ' << option.valueName;
+        std::cout << '>';
+    }
+    std::cout << std::endl;
+}
+
 } // namespace
 
 void printUsage()
 {
-    for (const char* line : kUsageLines)
-        std::cout << line << std::endl;
+    printLines(kPurpose);
+    std::cout << "Usage: " << std::endl;
+    printSynopsis();
+    for (const Option& option : kOptions) {
+        Q_ASSERT(option.usage != nullptr && option.usage[0] != 0);
+        std::cout << '-' << option.letter << ": " << option.usage << std::endl;
+    }
+    std::cout << std::endl;
+    printLines(kControlFile);
 }

@@ -2,12 +2,26 @@
 #   project_options   language level, toolkit definitions, sanitizers, coverage
 #   project_warnings  warnings, as errors on demand; own code links it, foreign code does not
 
+# Of what each system does in its own way there is one file for each, such as console_unix.cpp and
+# console_win.cpp; the build takes NAME_${HTS_SYSTEM}.cpp.
+if(WIN32)
+    set(HTS_SYSTEM win)
+else()
+    set(HTS_SYSTEM unix)
+endif()
+
 add_library(project_options INTERFACE)
 target_compile_features(project_options INTERFACE cxx_std_17)
 target_include_directories(project_options INTERFACE "${PROJECT_SOURCE_DIR}")
 target_compile_definitions(project_options INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING
     QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER)
+
+if(WIN32)
+    # The interfaces of Windows 7 on, texts in wide characters, without what few programs need.
+    target_compile_definitions(project_options INTERFACE
+        _WIN32_WINNT=0x0601 UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
+endif()
 
 if(HTS_SANITIZE)
     set(sanitizer_flags -fsanitize=address,undefined,float-cast-overflow
@@ -30,4 +44,22 @@ target_compile_options(project_warnings INTERFACE
 function(hts_add_library name)
     add_library(${name} STATIC ${ARGN})
     target_link_libraries(${name} PUBLIC project_options PRIVATE project_warnings)
+endfunction()
+
+# hts_describe_program(TARGET DESCRIPTION WINDOWED|CONSOLE) gives a program its version, its icon and
+# its subsystem where programs have such things, which is on Windows.
+function(hts_describe_program target description kind)
+    if(NOT WIN32)
+        return()
+    endif()
+    set(PROGRAM_NAME "${target}")
+    set(PROGRAM_DESCRIPTION "${description}")
+    configure_file("${PROJECT_SOURCE_DIR}/packaging/windows/program.rc.in"
+        "${CMAKE_CURRENT_BINARY_DIR}/${target}.rc" @ONLY)
+    enable_language(RC)
+    target_sources(${target} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}/${target}.rc")
+    if(kind STREQUAL WINDOWED)
+        set_target_properties(${target} PROPERTIES WIN32_EXECUTABLE ON)
+        target_link_libraries(${target} PRIVATE Qt5::WinMain)
+    endif()
 endfunction()

@@ -4,13 +4,18 @@
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QRegExp>
+#include <QShortcut>
 
 #include "QsLog.h"
 #include "annualize/annualizehts.h"
+#include "annualize/convertfiles.h"
+#include "annualize/months.h"
+#include "gui/applicationicon.h"
+#include "gui/filedrop.h"
 #include "gui/messageviewer.h"
 #include "gui/messagewatcher.h"
+#include "gui/warningbox.h"
 #include "ui_annualizehtsdlg.h"
 #include "utils/checkedfile.h"
 #include "utils/envvars.h"
@@ -23,11 +28,6 @@ namespace {
 constexpr int kMajorVersion = 1;
 constexpr int kMinorVersion = 1;
 
-const QLatin1String kMonths[] = {
-    QLatin1String("January"), QLatin1String("February"), QLatin1String("March"),
-    QLatin1String("April"),   QLatin1String("May"),      QLatin1String("June"),
-    QLatin1String("July"),    QLatin1String("August"),   QLatin1String("September"),
-    QLatin1String("October"), QLatin1String("November"), QLatin1String("December")};
 constexpr int kDecemberIndex = 11;
 
 const QLatin1String kHtsFilters("HTS Files (*.hts);;All Files (*)");
@@ -58,12 +58,6 @@ public:
     WaitCursor& operator=(const WaitCursor&) = delete;
 };
 
-// Every outcome comes in a warning box, success too.
-void showBox(const QString& title, const QString& text)
-{
-    QMessageBox::warning(nullptr, title, text, QMessageBox::Ok);
-}
-
 } // namespace
 
 struct AnnualizeHtsDlg::FileDialogTexts
@@ -85,7 +79,7 @@ struct AnnualizeHtsDlg::Paths
         const UtilsNS::FileRole sourceRole = {QStringLiteral("source HTS file"), source};
         const UtilsNS::FileRole controlRole = {QStringLiteral("method control file"), control};
         const UtilsNS::FileRole resultRole = {QStringLiteral("result HTS file"), result};
-        return {UtilsNS::sharedFileMessage(resultRole, {sourceRole, controlRole})};
+        return UtilsNS::checkFileRole(resultRole, {sourceRole, controlRole});
     }
 };
 
@@ -104,8 +98,10 @@ AnnualizeHtsDlg::AnnualizeHtsDlg(AnnualizeHts* engine, QWidget* parent)
 {
     m_form->setupUi(this);
     setWindowTitle(QStringLiteral("HTS Annualizer (v%1.%2)").arg(kMajorVersion).arg(kMinorVersion));
+    setApplicationIcon();
     fillMonthList();
     connectButtons();
+    acceptFiles();
     createDiagnosticsWindow();
     UtilsNS::setVerboseLogging(true);
 }
@@ -114,7 +110,7 @@ AnnualizeHtsDlg::~AnnualizeHtsDlg() = default;
 
 void AnnualizeHtsDlg::fillMonthList()
 {
-    for (const QLatin1String month : kMonths)
+    for (const QLatin1String month : kMonthNames)
         m_form->_endMonthComboBox->addItem(month);
     m_form->_endMonthComboBox->setCurrentIndex(kDecemberIndex);
 }
@@ -123,6 +119,7 @@ void AnnualizeHtsDlg::connectButtons()
 {
     const auto onClick = [this](QPushButton* button, void (AnnualizeHtsDlg::*handler)(bool)) {
         connect(button, &QPushButton::clicked, this, handler);
+        button->setAutoDefault(true); // outside a dialog: Return presses it when it has the focus
     };
     onClick(m_form->_sourceHtsButton, &AnnualizeHtsDlg::sourceSelectHandler);
     onClick(m_form->_annualResultHtsButton, &AnnualizeHtsDlg::resultSelectHandler);
@@ -131,6 +128,16 @@ void AnnualizeHtsDlg::connectButtons()
     onClick(m_form->_cancelButton, &AnnualizeHtsDlg::cancelButtonHandler);
     onClick(m_form->_helpButton, &AnnualizeHtsDlg::helpButtonHandler);
     onClick(m_form->_diagButton, &AnnualizeHtsDlg::diagButtonHandler);
+
+    auto* helpShortcut = new QShortcut(QKeySequence(Qt::Key_F1), this);
+    connect(helpShortcut, &QShortcut::activated, m_form->_helpButton, &QPushButton::click);
+}
+
+void AnnualizeHtsDlg::acceptFiles()
+{
+    for (QLineEdit* lineEdit : {m_form->_sourceHtsLineEdit, m_form->_methodControlLineEdit,
+                                m_form->_annualResultHtsLineEdit})
+        new UtilsNS::FileDrop(lineEdit);
 }
 
 void AnnualizeHtsDlg::createDiagnosticsWindow()
@@ -181,11 +188,11 @@ void AnnualizeHtsDlg::okButtonHandler(bool)
     const Failure failure = convert();
     if (!failure.isNone()) {
         QLOG_ERROR().noquote() << failure.text;
-        showBox(failure.title, failure.text);
+        UtilsNS::showWarning(nullptr, failure.title, failure.text);
         return;
     }
     QLOG_INFO() << "Annual HTs file successfully created\n";
-    showBox(kSuccessTitle, kSuccess);
+    UtilsNS::showWarning(nullptr, kSuccessTitle, kSuccess); // a warning box too, on purpose
 }
 
 AnnualizeHtsDlg::Failure AnnualizeHtsDlg::takePaths(Paths& paths) const
@@ -215,9 +222,7 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::convert()
     UtilsNS::CheckedFile sourceFile(paths.source);
     if (!sourceFile.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered))
         return {kConfigurationTitle, sourceFile.errorString()};
-    Status status = m_engine->setSourceDevice(&sourceFile);
-    if (status.ok())
-        status = m_engine->setControlFile(paths.control);
+    Status status = m_engine->setControlFile(paths.control);
     if (status.ok())
         status = paths.checkResult();
     if (!status.ok())
@@ -226,17 +231,12 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::convert()
     UtilsNS::CheckedFile resultFile(paths.result);
     if (!resultFile.open(QIODevice::WriteOnly | QIODevice::Text))
         return {kConfigurationTitle, resultFile.errorString()};
-    status = m_engine->setResultDevice(&resultFile);
-    if (status.ok())
-        status = m_engine->setEndMonth(m_form->_endMonthComboBox->currentIndex() + 1);
+    status = m_engine->setEndMonth(m_form->_endMonthComboBox->currentIndex() + 1);
     if (!status.ok())
         return {kConfigurationTitle, status.message};
 
-    {
-        const WaitCursor waitCursor;
-        status = m_engine->annualize();
-    }
-    status = UtilsNS::conversionOutcome(status, sourceFile, resultFile);
+    const WaitCursor waitCursor;
+    status = convertFiles(*m_engine, sourceFile, resultFile);
     return {kConversionTitle, status.message};
 }
 
@@ -265,6 +265,7 @@ void AnnualizeHtsDlg::diagButtonHandler(bool)
     m_diagnostics->setWindowState(m_diagnostics->windowState() & ~Qt::WindowMinimized);
     m_diagnostics->show();
     m_diagnostics->raise();
+    m_diagnostics->activateWindow();
 }
 
 void AnnualizeHtsDlg::closeEvent(QCloseEvent* event)

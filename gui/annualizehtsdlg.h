@@ -56,6 +56,7 @@ private:
 
     void fillMonthList();
     void connectButtons();
+    void acceptFiles();
     void createDiagnosticsWindow();
     void selectFile(const FileDialogTexts& texts, QLineEdit* lineEdit);
     Failure takePaths(Paths& paths) const;

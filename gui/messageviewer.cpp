@@ -5,17 +5,19 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QFileDialog>
+#include <QFont>
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
+#include <QPalette>
 #include <QScrollBar>
-#include <QTimer>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include "gui/messagewatcher.h"
+#include "gui/textwidthbounds.h"
+#include "gui/warningbox.h"
 #include "utils/checkedfile.h"
 
 namespace UtilsNS {
@@ -28,9 +30,8 @@ constexpr QSize kInitialSize(600, 300);
 // list is, some hundred times what the row itself takes.
 constexpr int kMaxRowsOfShortList = 50;
 
-// After following its rows a long list rests for this many times the time that it took, so that a
-// steady stream of rows is not spent on layout.
-constexpr int kRestFactor = 8;
+// A long list follows its rows this often at most: a layout of 100,000 rows takes some 10 ms.
+constexpr int kShowingIntervalMs = 100;
 
 const QBrush& brushOf(QsLogging::Level level)
 {
@@ -47,11 +48,27 @@ const QBrush& brushOf(QsLogging::Level level)
     }
 }
 
+// The colours of the rows are made for a light ground, so the list keeps one on a dark desktop:
+// with its header and scroll bars, which would look cut out otherwise. Selected rows are dark on
+// light too, whether a style takes their text's colour from the palette or from the row.
+QPalette lightPalette()
+{
+    const QColor ground(239, 239, 239);
+    QPalette palette(ground, ground);
+    palette.setColor(QPalette::Highlight, QColor(190, 220, 255));
+    palette.setColor(QPalette::HighlightedText, Qt::black);
+    return palette;
+}
+
 QTreeWidget* createTree(const QStringList& headerLabels, QWidget* parent)
 {
     auto* tree = new QTreeWidget(parent);
     tree->setColumnCount(headerLabels.size());
     tree->setHeaderLabels(headerLabels);
+    QFont font; // all else comes from the window's
+    separateGlyphs(font);
+    tree->setFont(font);
+    tree->setPalette(lightPalette());
     tree->resizeColumnToContents(0);
     tree->setRootIsDecorated(false);
     tree->setSelectionMode(QAbstractItemView::ContiguousSelection);
@@ -93,6 +110,9 @@ MessageViewer::MessageViewer(const QStringList& headerLabels, QWidget* parent)
             [this](int /*minimum*/, int maximum) { followScrollRange(maximum); });
 
     m_tree->installEventFilter(this);
+
+    m_showingTimer.setSingleShot(true);
+    connect(&m_showingTimer, &QTimer::timeout, this, &MessageViewer::showDueRows);
 
     createCheckBox();
     auto* bottomLayout = new QHBoxLayout;
@@ -178,23 +198,22 @@ void MessageViewer::scheduleShowingNewRows()
     if (m_isShowingDue)
         return;
     m_isShowingDue = true;
-    const auto show = [this] {
-        if (m_isShowingDue)
-            showNewRows();
-    };
-    const qint64 restNs = kRestFactor * m_showingCostNs - m_sinceShowing.nsecsElapsed();
-    const auto restMs = static_cast<int>(restNs / 1'000'000);
-    if (restMs > 0)
-        QTimer::singleShot(restMs, this, show);
-    else // behind the messages that are queued already
-        QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+    // After the messages that are queued already; during the pause after the last time, at its end.
+    if (!m_showingTimer.isActive())
+        m_showingTimer.start(0);
+}
+
+void MessageViewer::showDueRows()
+{
+    if (!m_isShowingDue)
+        return;
+    showNewRows();
+    m_showingTimer.start(kShowingIntervalMs);
 }
 
 void MessageViewer::showNewRows()
 {
     m_isShowingDue = false;
-    QElapsedTimer timer;
-    timer.start();
     m_widths.update();
     for (int column = 0; column < m_tree->columnCount(); ++column) {
         m_header->resizeSection(column,
@@ -204,8 +223,6 @@ void MessageViewer::showNewRows()
     m_tree->doItemsLayout();
     if (m_isAutoScrolling)
         m_tree->scrollToBottom();
-    m_showingCostNs = timer.nsecsElapsed();
-    m_sinceShowing.start();
 }
 
 // A horizontal scroll bar appears, and a hidden window gets its size, only after the last row was
@@ -240,7 +257,7 @@ QString MessageViewer::collectText(bool all) const
 void MessageViewer::copyTo(QClipboard* clipboard, const QString& text)
 {
     if (clipboard == nullptr) {
-        QMessageBox::warning(this, tr("Copy Message Error"), tr("Cannot access the clipboard"));
+        showWarning(this, tr("Copy Message Error"), tr("Cannot access the clipboard"));
         return;
     }
     clipboard->setText(text, QClipboard::Clipboard);
@@ -256,13 +273,13 @@ void MessageViewer::saveHandler()
     UtilsNS::CheckedFile file(name);
     // Not in text mode: lines end with a bare line feed everywhere.
     if (!file.open(QIODevice::WriteOnly)) {
-        QMessageBox::warning(this, QStringLiteral("Save Diagnostics Error"), file.errorString());
+        showWarning(this, QStringLiteral("Save Diagnostics Error"), file.errorString());
         return;
     }
     file.write(text.toLocal8Bit());
-    const QString problem = file.finish();
+    const QString problem = file.finish().message;
     if (!problem.isEmpty()) {
-        QMessageBox::warning(this, QStringLiteral("Save Diagnostics Error"), problem);
+        showWarning(this, QStringLiteral("Save Diagnostics Error"), problem);
         return;
     }
     m_lastSaveName = name;
@@ -301,7 +318,7 @@ bool MessageViewer::eventFilter(QObject* watched, QEvent* event)
         event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange;
     if (watched == m_tree && isChange) {
         m_widths.clear();
-        scheduleShowingNewRows(); // behind the tree's own handling of the event
+        scheduleShowingNewRows(); // after the tree's own handling of the event
     }
     return QDialog::eventFilter(watched, event);
 }

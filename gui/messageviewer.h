@@ -2,9 +2,9 @@
 #define GUI_MESSAGEVIEWER_H
 
 #include <QDialog>
-#include <QElapsedTimer>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 
 #include "QsLogLevel.h"
 #include "gui/contentwidths.h"
@@ -29,8 +29,8 @@ namespace UtilsNS {
 //     viewer.show();
 //
 // Section widths and scroll position follow each message at once in a short list. In a longer one
-// they follow when the event loop runs next, so that 100,000 messages in a row cost little more
-// than their rows.
+// they follow when the event loop runs next, but ten times a second at most, so that 100,000
+// messages in a row cost little more than their rows.
 class MessageViewer : public QDialog
 {
     Q_OBJECT
@@ -74,6 +74,7 @@ private:
     void createFileMenu();
     void createEditMenu();
     void scheduleShowingNewRows();
+    void showDueRows();
     void showNewRows();
     void followScrollRange(int maximum);
 
@@ -96,8 +97,7 @@ private:
     ContentWidths m_widths;
     int m_scrollMaximum = 0;     // of the vertical scroll bar, when its range last changed
     bool m_isShowingDue = false; // rows arrived that widths and scroll position do not follow yet
-    QElapsedTimer m_sinceShowing;
-    qint64 m_showingCostNs = 0; // of the last time
+    QTimer m_showingTimer;       // until due rows are shown, then the pause before the next time
 };
 
 } // namespace UtilsNS

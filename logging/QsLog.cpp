@@ -1,6 +1,7 @@
 #include "QsLog.h"
 
 #include <QDateTime>
+#include <QLocale>
 #include <QMutexLocker>
 
 namespace QsLogging {
@@ -10,6 +11,7 @@ namespace {
 QLatin1String paddedName(Level level)
 {
     static const char* const kNames[] = {"TRACE", "DEBUG", "INFO ", "WARN ", "ERROR", "FATAL"};
+    Q_ASSERT(level >= TraceLevel && level < OffLevel);
     return QLatin1String(kNames[level]);
 }
 
@@ -21,8 +23,9 @@ const QString& secondText(qint64 second)
     thread_local QString text;
     if (second != lastSecond) {
         lastSecond = second;
-        text = QDateTime::fromMSecsSinceEpoch(second * 1000)
-                   .toString(QStringLiteral("yyyy-MM-ddThh:mm:ss."));
+        // QDateTime::toString would write the digits of the host's locale.
+        text = QLocale::c().toString(QDateTime::fromMSecsSinceEpoch(second * 1000),
+                                     QStringLiteral("yyyy-MM-ddThh:mm:ss."));
     }
     return text;
 }

@@ -22,6 +22,7 @@ Destination::~Destination() = default;
 
 DestinationPtr DestinationFactory::MakeFunctorDestination(Destination::LogFunction function)
 {
+    Q_ASSERT(function != nullptr);
     return DestinationPtr(new FunctorDestination(function));
 }
 

@@ -4,27 +4,32 @@
 
 namespace UtilsNS {
 
-QString CheckedFile::finish()
+Status CheckedFile::finish()
 {
+    Q_ASSERT(isOpen());
     flushAll();
     close();
     noteError();
-    return m_problem;
+    return {m_problem};
 }
 
 qint64 CheckedFile::readData(char* data, qint64 maxSize)
 {
     if (!m_problem.isEmpty())
         return -1;
+    return isSequential() ? readFromPipe(data, maxSize) : readFromFile(data, maxSize);
+}
+
+// A read that fails after some bytes looks like a short one: only the next one shows it.
+qint64 CheckedFile::readFromFile(char* data, qint64 maxSize)
+{
     qint64 total = 0;
     qint64 count = 0;
-    // A read that fails behind some bytes passes for a short one: only the next one tells. Of a
-    // pipe it would wait for more than may be needed.
     do {
         count = QFile::readData(data + total, maxSize - total);
         noteError();
         total += std::max<qint64>(count, 0);
-    } while (count > 0 && total < maxSize && !isSequential());
+    } while (count > 0 && total < maxSize);
     return total > 0 ? total : count;
 }
 
@@ -32,41 +37,43 @@ qint64 CheckedFile::writeData(const char* data, qint64 size)
 {
     qint64 written = 0;
     while (written < size) {
-        const qint64 count = QFile::writeData(data + written, size - written);
+        const qint64 count = writeSome(data + written, size - written);
+        Q_ASSERT(count <= size - written);
         if (count <= 0) {
-            noteError();
+            noteFailure();
             return -1;
         }
         written += count;
     }
-    // A text stream flushes the file behind each of its writes, and keeps to itself that it failed.
+    // A text stream flushes the file after each of its writes, and ignores that it failed.
     return flushAll() ? written : -1;
 }
 
-// What an incomplete write leaves is tried once more, which tells why it was incomplete.
+// What an incomplete write leaves is tried once more, which shows why it was incomplete.
 bool CheckedFile::flushAll()
 {
     const bool isFlushed = flush() || flush();
     if (!isFlushed)
-        noteError();
+        noteFailure();
     return isFlushed;
+}
+
+qint64 CheckedFile::writeSome(const char* data, qint64 size)
+{
+    return QFile::writeData(data, size);
 }
 
 void CheckedFile::noteError()
 {
-    if (m_problem.isEmpty() && error() != NoError)
-        m_problem = errorString();
+    if (error() != NoError)
+        noteFailure();
 }
 
-Status conversionOutcome(const Status& status, const CheckedFile& input, CheckedFile& output)
+// Without an error of the system the text is "Unknown error".
+void CheckedFile::noteFailure()
 {
-    if (!input.problem().isEmpty())
-        return failure(
-            QStringLiteral("Problem reading the input hts file: %1").arg(input.problem()));
-    if (!status.ok())
-        return status;
-    const QString problem = output.finish();
-    return problem.isEmpty() ? Status() : failure(problem);
+    if (m_problem.isEmpty())
+        m_problem = errorString();
 }
 
 } // namespace UtilsNS

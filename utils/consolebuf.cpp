@@ -1,9 +1,9 @@
 #include "utils/consolebuf.h"
 
-#include <cerrno>
 #include <cstddef>
+#include <iostream>
 
-#include <unistd.h>
+#include <QtGlobal>
 
 namespace UtilsNS {
 
@@ -11,30 +11,22 @@ namespace {
 
 constexpr int kBufferSize = 1024;
 
-// Writes all bytes to the standard output, or returns false.
-bool writeToConsole(const char* bytes, std::size_t count)
-{
-    while (count > 0) {
-        const ssize_t written = ::write(STDOUT_FILENO, bytes, count);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        bytes += written;
-        count -= static_cast<std::size_t>(written);
-    }
-    return true;
-}
-
 } // namespace
 
 // The put area is one byte short of the buffer, so that overflow() has a place for its character.
-consolebuf::consolebuf() : m_buffer(std::make_unique<char[]>(kBufferSize))
+consolebuf::consolebuf(Console& console)
+    : m_console(console), m_buffer(std::make_unique<char[]>(kBufferSize))
 {
     setp(m_buffer.get(), m_buffer.get() + kBufferSize - 1);
 }
 
-consolebuf::~consolebuf() = default;
+consolebuf::~consolebuf()
+{
+    if (!m_console.isCreated())
+        return;
+    std::cout << "Press any key to exit..." << std::endl;
+    m_console.waitForKey();
+}
 
 consolebuf::int_type consolebuf::overflow(int_type c)
 {
@@ -43,6 +35,7 @@ consolebuf::int_type consolebuf::overflow(int_type c)
         return traits_type::eof();
     const bool isEndOfFile = traits_type::eq_int_type(c, traits_type::eof());
     if (!isEndOfFile) {
+        Q_ASSERT(pptr() < m_buffer.get() + kBufferSize);
         *pptr() = traits_type::to_char_type(c);
         pbump(1);
     }
@@ -58,19 +51,21 @@ int consolebuf::sync()
 int consolebuf::flush()
 {
     const auto count = static_cast<int>(pptr() - pbase());
-    if (count > 0) {
-        if (!writeToConsole(pbase(), static_cast<std::size_t>(count))) {
-            // The spare byte joins the put area once it is taken: sputn() would write without end
-            // if the put position were behind the area.
-            if (pptr() > epptr()) {
-                setp(m_buffer.get(), m_buffer.get() + kBufferSize);
-                pbump(count);
-            }
-            return -1;
-        }
+    Q_ASSERT(count >= 0 && count <= kBufferSize);
+    const bool isOpen = m_console.open(); // a flush of nothing asks for it too
+    if (isOpen && count == 0)
+        return 0;
+    if (isOpen && m_console.write(pbase(), static_cast<std::size_t>(count))) {
         setp(m_buffer.get(), m_buffer.get() + kBufferSize - 1);
+        return count;
     }
-    return count;
+    // The spare byte joins the put area once it is taken: sputn() would write without end if the
+    // put position were after the area.
+    if (pptr() > epptr()) {
+        setp(m_buffer.get(), m_buffer.get() + kBufferSize);
+        pbump(count);
+    }
+    return -1;
 }
 
 } // namespace UtilsNS

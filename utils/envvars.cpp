@@ -1,29 +1,21 @@
 #include "utils/envvars.h"
 
-#include <QByteArray>
 #include <QObject>
 #include <QRegExp>
 #include <QStringList>
 
+#include "utils/environment.h"
+
 namespace UtilsNS {
 
 namespace {
-
-// Longer values count as not set.
-constexpr int kMaxValueLength = 1023;
-
-// The value of a variable, empty when it is not set or too long.
-QString environmentValue(const QString& name)
-{
-    const QByteArray value = qgetenv(name.toLocal8Bit().constData());
-    return value.size() > kMaxValueLength ? QString() : QString::fromLatin1(value);
-}
 
 // The name in a reference such as "$NAME" or "${NAME}". Whatever the last character of a bracketed
 // reference is, it is dropped: the brackets need not agree, and a missing one costs a letter of the
 // name.
 QString nameIn(const QString& reference)
 {
+    Q_ASSERT(reference.size() >= 2 && reference.at(0) == QLatin1Char('$'));
     const QChar second = reference.at(1);
     const bool isBracketed = second == QLatin1Char('(') || second == QLatin1Char('{');
     return isBracketed ? reference.mid(2, reference.size() - 3) : reference.mid(1);
@@ -40,7 +32,7 @@ Status substituteEnvVars(const QString& text, QString& result)
     while ((position = pattern.indexIn(result, position)) >= 0) {
         int length = pattern.matchedLength();
         const QString name = nameIn(pattern.cap());
-        const QString value = environmentValue(name);
+        const QString value = QString::fromLatin1(environmentValue(name.toLocal8Bit()));
         if (value.isEmpty()) {
             undefined.append(name);
         } else {

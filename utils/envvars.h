@@ -9,7 +9,7 @@ namespace UtilsNS {
 
 // Replaces the references $NAME, $(NAME) and ${NAME} in `text`, usually a path, by the values of
 // the environment variables and sets `result`. A variable that is not set, is empty, or has a value
-// of more than 1023 bytes stays as it stands; the message then lists the names of all such
+// of more than 1023 bytes stays as it is; the message then lists the names of all such
 // references. Values are taken as Latin-1 and are not searched for references in turn.
 Status substituteEnvVars(const QString& text, QString& result);
 

@@ -1,63 +1,13 @@
 #include "utils/fileroles.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-
-#include <sys/stat.h>
-
 namespace UtilsNS {
 
-namespace {
-
-bool statPath(const QString& path, struct stat& info)
-{
-    return ::stat(QFile::encodeName(path).constData(), &info) == 0;
-}
-
-// The path that opening `path` for writing would create, when nothing is there yet: the end of its
-// chain of symbolic links.
-QString pathToCreate(const QString& path)
-{
-    constexpr int kMaxLinks = 40; // as the kernel
-    QString target = path;
-    for (int i = 0; i < kMaxLinks && QFileInfo(target).isSymLink(); ++i)
-        target = QFileInfo(target).symLinkTarget();
-    return target;
-}
-
-// Whether both paths name one file that doesn't exist yet.
-bool isSameNewFile(const QString& path, const QString& otherPath)
-{
-    const QFileInfo file(pathToCreate(path));
-    const QFileInfo otherFile(pathToCreate(otherPath));
-    struct stat folder;
-    struct stat otherFolder;
-    return file.fileName() == otherFile.fileName() && statPath(file.path(), folder) &&
-           statPath(otherFile.path(), otherFolder) && folder.st_dev == otherFolder.st_dev &&
-           folder.st_ino == otherFolder.st_ino;
-}
-
-} // namespace
-
-bool isSameFile(const QString& path, const QString& otherPath)
-{
-    struct stat info;
-    struct stat otherInfo;
-    const bool exists = statPath(path, info);
-    if (exists != statPath(otherPath, otherInfo))
-        return false;
-    if (!exists)
-        return isSameNewFile(path, otherPath);
-    return info.st_dev == otherInfo.st_dev && info.st_ino == otherInfo.st_ino &&
-           !S_ISCHR(info.st_mode);
-}
-
-QString sharedFileMessage(const FileRole& file, const QVector<FileRole>& others)
+Status checkFileRole(const FileRole& file, const QVector<FileRole>& others)
 {
     for (const FileRole& other : others) {
         if (!file.path.isEmpty() && !other.path.isEmpty() && isSameFile(file.path, other.path))
-            return QStringLiteral("The %1 is the %2 %3").arg(file.name, other.name, other.path);
+            return failure(
+                QStringLiteral("The %1 is the %2 %3").arg(file.name, other.name, other.path));
     }
     return {};
 }

@@ -14,6 +14,11 @@ constexpr int kTimeoutMs = 240000;
 
 const char kCreated[] = "HtsAnnualizer: Annual HTs file successfully created\n\n";
 
+const char kNoPlatform[] =
+    "This application failed to start because no Qt platform plugin could be initialized. "
+    "Reinstalling the application may fix this problem.\n\n"
+    "Available platform plugins are: ...\n\n";
+
 ProcessRun::ProcessRun()
 {
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
@@ -126,6 +131,16 @@ void writeInputs(const ProcessRun& run)
 {
     run.write(QStringLiteral("a.hts"), monthlyFile());
     run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
+}
+
+QByteArray withoutPluginList(QByteArray errors)
+{
+    const QByteArray label = "Available platform plugins are: ";
+    const int labelBegin = errors.indexOf(label);
+    if (labelBegin < 0)
+        return errors;
+    const int list = labelBegin + label.size();
+    return errors.replace(list, errors.indexOf('\n', list) - list, "...");
 }
 
 QByteArray logWithOutcome(const QByteArray& outcome)

@@ -56,7 +56,13 @@ void writeInputs(const ProcessRun& run);
 // The words of a command line without quotes.
 QStringList words(const char* line);
 
-// What a log file tells of a success.
+// What the toolkit writes to the standard error when it can load no platform plugin, in the form
+// that withoutPluginList gives it. It then ends the process by a signal.
+extern const char kNoPlatform[];
+// The text with the toolkit's list of the plugins that are installed replaced by "...".
+QByteArray withoutPluginList(QByteArray errors);
+
+// What a log file says of a success.
 extern const char kCreated[];
 // Log file of a conversion of monthlyFile as "a.hts" to "b.hts" with "c.txt", up to the outcome;
 // the time stamp is replaced by "(time)".

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "app/logstream.h"
+#include "tests/support/hostsystem.h"
 
 namespace {
 
@@ -57,7 +58,7 @@ QByteArray TestLogStream::content() const
 {
     m_file->close();
     QFile file(m_file->fileName());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
+    return file.open(QIODevice::ReadOnly) ? fromTextMode(file.readAll()) : QByteArray("(no file)");
 }
 
 void TestLogStream::attachedFileGetsTheBareText_data()

@@ -43,6 +43,7 @@ Box boxOf(const QMessageBox& messageBox)
     box.title = messageBox.windowTitle();
     box.text = messageBox.text();
     box.icon = messageBox.icon();
+    box.textFormat = messageBox.textFormat();
     box.buttons = messageBox.standardButtons();
     box.hasParent = messageBox.parent() != nullptr;
     box.hasOverrideCursor = QApplication::overrideCursor() != nullptr;

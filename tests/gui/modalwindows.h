@@ -41,6 +41,7 @@ struct Box
     QString title;
     QString text;
     QMessageBox::Icon icon = QMessageBox::NoIcon;
+    Qt::TextFormat textFormat = Qt::AutoText;
     QMessageBox::StandardButtons buttons;
     bool hasParent = false;
     bool hasOverrideCursor = false;

@@ -1,6 +1,7 @@
 #include "tests/gui/monthlyexample.h"
 
 #include <QDate>
+#include <QLocale>
 
 namespace {
 
@@ -35,9 +36,8 @@ QByteArray monthlySource()
     QByteArray level;
     for (int i = 0; i < kMonthCount; ++i) {
         const QDate month = QDate(2000, 1, 1).addMonths(i);
-        timesteps += QDate(month.year(), month.month(), month.daysInMonth())
-                         .toString(QStringLiteral("yyyy-M-d 24:00\n"))
-                         .toLatin1();
+        const QDate lastDay(month.year(), month.month(), month.daysInMonth());
+        timesteps += QLocale::c().toString(lastDay, QStringLiteral("yyyy-M-d 24:00\n")).toLatin1();
         outflow += QByteArray::number(i + 1) + '\n';
         level += QByteArray::number(10 * (i + 1)) + '\n';
     }

@@ -1,3 +1,4 @@
+#include <functional>
 #include <memory>
 
 #include <QtTest>
@@ -9,12 +10,12 @@
 #include <QLayout>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTranslator>
 #include <QTreeWidget>
-
-#include <unistd.h>
+#include <QUrl>
 
 #include "QsLog.h"
 #include "annualize/annualizehts.h"
@@ -23,10 +24,15 @@
 #include "gui/messagewatcher.h"
 #include "tests/gui/modalwindows.h"
 #include "tests/gui/monthlyexample.h"
+#include "tests/support/helprecorder.h"
+#include "tests/support/hostsystem.h"
 #include "tests/support/logcollector.h"
 #include "tests/support/wholefile.h"
 
 namespace {
+
+const QString kSymbolicLink = QStringLiteral("symbolic link");
+const QString kHardLink = QStringLiteral("hard link");
 
 // The text that the toolkit has for a file that doesn't open.
 QString openError(const QString& path, QIODevice::OpenMode mode)
@@ -40,6 +46,7 @@ void compareBox(const Box& box, const QString& title, const QString& text)
     QCOMPARE(box.title, title);
     QCOMPARE(box.text, text);
     QCOMPARE(box.icon, QMessageBox::Warning);
+    QCOMPARE(box.textFormat, Qt::PlainText);
     QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     QVERIFY(!box.hasParent);
     QVERIFY(!box.hasOverrideCursor);
@@ -58,6 +65,30 @@ QStringList formWidgetsBelow(const QObject& parent)
             names += QStringList(name) + formWidgetsBelow(*object);
     }
     return names;
+}
+
+// Drags the data over the widget and drops it there. Returns what the source of the data is told to
+// do; Qt::IgnoreAction when the drop is refused.
+Qt::DropAction dropOn(QWidget* widget, const QMimeData& data, Qt::DropAction proposed)
+{
+    const QPoint position = widget->rect().center();
+    const Qt::DropActions possible = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(position, possible, &data, Qt::LeftButton, Qt::NoModifier);
+    enter.setDropAction(proposed);
+    enter.ignore();
+    QApplication::sendEvent(widget, &enter);
+    if (!enter.isAccepted())
+        return Qt::IgnoreAction;
+    QDragMoveEvent move(position, possible, &data, Qt::LeftButton, Qt::NoModifier);
+    move.ignore();
+    QApplication::sendEvent(widget, &move);
+    if (!move.isAccepted())
+        return Qt::IgnoreAction;
+    QDropEvent drop(position, possible, &data, Qt::LeftButton, Qt::NoModifier);
+    drop.setDropAction(proposed);
+    drop.ignore();
+    QApplication::sendEvent(widget, &drop);
+    return drop.isAccepted() ? drop.dropAction() : Qt::IgnoreAction;
 }
 
 // The cursor that is shown while the engine works, seen whenever it logs.
@@ -97,6 +128,7 @@ private Q_SLOTS:
     void cleanup();
 
     void isNamedAndSized();
+    void everyWindowHasTheIcon();
     void formHasWidget_data();
     void formHasWidget();
     void formCreatesWidgetsInOrder();
@@ -106,11 +138,19 @@ private Q_SLOTS:
     void translatesTextsInItsContext();
     void listsMonthsAndSelectsDecember();
     void hasSlotsInOrder();
+    void returnPressesFocusedButton_data();
+    void returnPressesFocusedButton();
+    void returnInAFieldPressesNothing();
     void letsTheLoggerPassEverything();
 
     void selectButtonOpensDialog_data();
     void selectButtonOpensDialog();
     void cancelledDialogChangesNothing();
+    void takesPathOfDroppedFile_data();
+    void takesPathOfDroppedFile();
+    void leavesOtherDropsToTheToolkit_data();
+    void leavesOtherDropsToTheToolkit();
+    void undoesADrop();
     void dialogsShareLastFolder_data();
     void dialogsShareLastFolder();
     void dialogTakesExistingFileWithoutQuestion();
@@ -130,7 +170,6 @@ private Q_SLOTS:
     void refusesResultThatIsControlFileStillMissing();
     void reportsFailureOfEngine_data();
     void reportsFailureOfEngine();
-    void reportsFullDisk();
     void logsNothingBelowLevel_data();
     void logsNothingBelowLevel();
 
@@ -143,6 +182,7 @@ private Q_SLOTS:
     void showsLogInDiagnosticsWindow();
     void closingDiagnosticsWindowHidesIt();
     void raisesMinimizedDiagnosticsWindow();
+    void givesDiagnosticsWindowTheFocus();
     void closingMainWindowEndsEventLoop_data();
     void closingMainWindowEndsEventLoop();
     void deletesDiagnosticsWindowWhenNeverClosed();
@@ -150,6 +190,8 @@ private Q_SLOTS:
     void buildsHelpUrl_data();
     void buildsHelpUrl();
     void helpButtonLogsAndOpensPage();
+    void f1OpensHelp_data();
+    void f1OpensHelp();
 
 private:
     template<typename Widget>
@@ -164,8 +206,8 @@ private:
 
     void enterPaths(const QString& source, const QString& control, const QString& result);
     void writeInputsAndEnterPaths();
-    void writeScript(const QString& name, const QByteArray& commands);
     void compareSingleFailure(const QString& title, const QString& text);
+    void compareOpenedHelp(const std::function<void()>& trigger);
     UtilsNS::MessageViewer* viewer() const;
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -175,6 +217,11 @@ private:
 
 void AnnualizeHtsDlgTest::initTestCase()
 {
+    // A desktop without a browser, for GLib, which looks for the folders once.
+    for (const char* name :
+         {"XDG_DATA_HOME", "XDG_DATA_DIRS", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"})
+        qputenv(name, "/nonexistent");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     qRegisterMetaType<QsLogging::Level>("QsLogging::Level");
     for (const auto destination : {watchCursor, UtilsNS::watcherDestination})
@@ -220,13 +267,6 @@ void AnnualizeHtsDlgTest::writeInputsAndEnterPaths()
                path(QStringLiteral("annual.hts")));
 }
 
-void AnnualizeHtsDlgTest::writeScript(const QString& name, const QByteArray& commands)
-{
-    writeFile(path(name), "#!/bin/sh\n" + commands);
-    QVERIFY(
-        QFile::setPermissions(path(name), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-}
-
 // Asks for the conversion and expects it to end in one box, after one line at Error level.
 void AnnualizeHtsDlgTest::compareSingleFailure(const QString& title, const QString& text)
 {
@@ -268,6 +308,24 @@ void AnnualizeHtsDlgTest::isNamedAndSized()
     QCOMPARE(m_window->statusBar(), child<QStatusBar>("statusbar"));
     QVERIFY(m_window->menuBar()->actions().isEmpty());
     QCOMPARE(m_window->statusBar()->currentMessage(), QString());
+}
+
+void AnnualizeHtsDlgTest::everyWindowHasTheIcon()
+{
+    const QList<QSize> sizes = {{16, 16}, {24, 24},   {32, 32},  {48, 48},
+                                {64, 64}, {128, 128}, {256, 256}};
+    for (const QIcon& icon :
+         {m_window->windowIcon(), viewer()->windowIcon(), QMessageBox().windowIcon()}) {
+        QCOMPARE(icon.availableSizes(), sizes);
+        for (const QSize& size : sizes) {
+            const QImage image = icon.pixmap(size).toImage();
+            QCOMPARE(image.size(), size);
+            // Round corners, and the highest bar.
+            QCOMPARE(image.pixelColor(0, 0).alpha(), 0);
+            QVERIFY(image.pixelColor(size.width() * 29 / 64, size.height() / 2).lightness() > 180);
+        }
+    }
+    QCOMPARE(QGuiApplication::desktopFileName(), QStringLiteral("htsannualizer"));
 }
 
 void AnnualizeHtsDlgTest::formHasWidget_data()
@@ -503,6 +561,46 @@ void AnnualizeHtsDlgTest::hasSlotsInOrder()
     QCOMPARE(methods, expected);
 }
 
+void AnnualizeHtsDlgTest::returnPressesFocusedButton_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("key");
+    for (const char* name : {"_sourceHtsButton", "_methodControlButton", "_annualResultHtsButton",
+                             "_okButton", "_diagButton", "_helpButton", "_cancelButton"}) {
+        QTest::addRow("%s, Return", name) << name << int(Qt::Key_Return);
+        QTest::addRow("%s, Enter", name) << name << int(Qt::Key_Enter);
+    }
+}
+
+void AnnualizeHtsDlgTest::returnPressesFocusedButton()
+{
+    QFETCH(QString, name);
+    QFETCH(int, key);
+
+    auto* pressed = m_window->findChild<QPushButton*>(name);
+    const QSignalSpy clicks(pressed, &QPushButton::clicked);
+    disconnect(pressed, &QPushButton::clicked, m_window.get(), nullptr); // the press alone
+    pressed->setFocus();
+    QTest::keyClick(m_window->focusWidget(), static_cast<Qt::Key>(key));
+    QCOMPARE(clicks.size(), 1);
+}
+
+void AnnualizeHtsDlgTest::returnInAFieldPressesNothing()
+{
+    const QList<QPushButton*> buttons = m_window->findChildren<QPushButton*>();
+    int count = 0;
+    for (QPushButton* each : buttons) {
+        disconnect(each, &QPushButton::clicked, m_window.get(), nullptr);
+        connect(each, &QPushButton::clicked, this, [&count] { ++count; });
+    }
+    for (QWidget* field :
+         {child<QWidget>("_sourceHtsLineEdit"), child<QWidget>("_endMonthComboBox")}) {
+        field->setFocus();
+        QTest::keyClick(field, Qt::Key_Return);
+    }
+    QCOMPARE(count, 0);
+}
+
 void AnnualizeHtsDlgTest::letsTheLoggerPassEverything()
 {
     QsLogging::Logger::instance().setLoggingLevel(QsLogging::WarnLevel);
@@ -569,6 +667,97 @@ void AnnualizeHtsDlgTest::cancelledDialogChangesNothing()
     QCOMPARE(lineEdit("_sourceHtsLineEdit")->text(), QStringLiteral("typed"));
     QCOMPARE(chooseFile(button("_sourceHtsButton"), QString()).value(0).folder,
              path(QStringLiteral("chosen")));
+}
+
+void AnnualizeHtsDlgTest::takesPathOfDroppedFile_data()
+{
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QList<QUrl>>("urls");
+    QTest::addColumn<QString>("text"); // that comes along
+    QTest::addColumn<QString>("after");
+
+    const QUrl file = QUrl::fromLocalFile(QStringLiteral("/data/my rivers#1/50%.hts"));
+    const QString path = QStringLiteral("/data/my rivers#1/50%.hts");
+    const QUrl other = QUrl::fromLocalFile(QStringLiteral("/data/b.hts"));
+    const QString none = QString();
+    for (const char* field :
+         {"_sourceHtsLineEdit", "_methodControlLineEdit", "_annualResultHtsLineEdit"}) {
+        QTest::addRow("%s", field) << field << none << QList<QUrl>{file} << none << path;
+    }
+    const char* const source = "_sourceHtsLineEdit";
+    QTest::newRow("replaces the text")
+        << source << QStringLiteral("/old.hts") << QList<QUrl>{file} << none << path;
+    QTest::newRow("text along with it")
+        << source << none << QList<QUrl>{file} << file.toString() << path;
+    QTest::newRow("first of several") << source << none << QList<QUrl>{file, other} << none << path;
+    QTest::newRow("file and a link")
+        << source << none << QList<QUrl>{file, QUrl(QStringLiteral("http://a.org/b"))} << none
+        << path;
+}
+
+void AnnualizeHtsDlgTest::takesPathOfDroppedFile()
+{
+    QFETCH(QString, field);
+    QFETCH(QString, before);
+    QFETCH(QList<QUrl>, urls);
+    QFETCH(QString, text);
+    QFETCH(QString, after);
+
+    auto* edit = m_window->findChild<QLineEdit*>(field);
+    edit->setText(before);
+    QMimeData data;
+    data.setUrls(urls);
+    if (!text.isEmpty())
+        data.setText(text);
+    // A file manager may offer to move the file.
+    QCOMPARE(dropOn(edit, data, Qt::MoveAction), Qt::CopyAction);
+    QCOMPARE(edit->text(), after);
+    QVERIFY(edit->hasFocus());
+}
+
+void AnnualizeHtsDlgTest::leavesOtherDropsToTheToolkit_data()
+{
+    QTest::addColumn<QList<QUrl>>("urls");
+    QTest::addColumn<QString>("text");
+    const QUrl link(QStringLiteral("http://a.org/b"));
+    QTest::newRow("text") << QList<QUrl>() << QStringLiteral("$FOLDER/a b.hts");
+    QTest::newRow("text of a URL") << QList<QUrl>() << QStringLiteral("file:///a.hts");
+    QTest::newRow("link") << QList<QUrl>{link} << link.toString();
+    QTest::newRow("link without text") << QList<QUrl>{link} << QString();
+    QTest::newRow("link and a file")
+        << QList<QUrl>{link, QUrl::fromLocalFile(QStringLiteral("/a.hts"))} << link.toString();
+    QTest::newRow("nothing") << QList<QUrl>() << QString();
+}
+
+void AnnualizeHtsDlgTest::leavesOtherDropsToTheToolkit()
+{
+    QFETCH(QList<QUrl>, urls);
+    QFETCH(QString, text);
+
+    QMimeData data;
+    if (!urls.isEmpty())
+        data.setUrls(urls);
+    if (!text.isEmpty())
+        data.setText(text);
+    QLineEdit bare;
+    bare.setText(QStringLiteral("before"));
+    QLineEdit* edit = lineEdit("_sourceHtsLineEdit");
+    edit->setText(QStringLiteral("before"));
+    QCOMPARE(dropOn(edit, data, Qt::CopyAction), dropOn(&bare, data, Qt::CopyAction));
+    QCOMPARE(edit->text(), bare.text());
+}
+
+void AnnualizeHtsDlgTest::undoesADrop()
+{
+    QLineEdit* edit = lineEdit("_sourceHtsLineEdit");
+    QTest::keyClicks(edit, QStringLiteral("typed"));
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QStringLiteral("/a.hts"))});
+    dropOn(edit, data, Qt::CopyAction);
+    QCOMPARE(edit->text(), QStringLiteral("/a.hts"));
+    edit->undo();
+    QCOMPARE(edit->text(), QStringLiteral("typed"));
 }
 
 void AnnualizeHtsDlgTest::dialogsShareLastFolder_data()
@@ -748,8 +937,11 @@ void AnnualizeHtsDlgTest::refusesResultThatIsInput_data()
         {QStringLiteral("monthly.hts"), QStringLiteral("source HTS file")},
         {QStringLiteral("methods.txt"), QStringLiteral("method control file")}};
     for (const auto& [input, role] : inputs) {
-        for (const char* way : {"same path", "other spelling", "symbolic link", "hard link"})
-            QTest::addRow("%s by %s", qPrintable(role), way) << input << role << way;
+        QStringList ways = {QStringLiteral("same path"), QStringLiteral("other spelling")};
+        for (const Link kind : kindsOfLinks())
+            ways += kind == Link::Symbolic ? kSymbolicLink : kHardLink;
+        for (const QString& way : qAsConst(ways))
+            QTest::addRow("%s by %s", qPrintable(role), qPrintable(way)) << input << role << way;
     }
 }
 
@@ -760,12 +952,11 @@ void AnnualizeHtsDlgTest::refusesResultThatIsInput()
     QFETCH(QString, way);
 
     writeInputsAndEnterPaths();
-    const QByteArray target = path(input).toLocal8Bit();
     QString result = path(QStringLiteral("link.hts"));
-    if (way == QLatin1String("symbolic link"))
-        QCOMPARE(::symlink(target.constData(), result.toLocal8Bit().constData()), 0);
-    else if (way == QLatin1String("hard link"))
-        QCOMPARE(::link(target.constData(), result.toLocal8Bit().constData()), 0);
+    if (way == kSymbolicLink)
+        QVERIFY(makeLink(Link::Symbolic, path(input), result));
+    else if (way == kHardLink)
+        QVERIFY(makeLink(Link::Hard, path(input), result));
     else if (way == QLatin1String("other spelling"))
         result = m_folder->path() + QLatin1String("/.//") + input;
     else
@@ -822,17 +1013,6 @@ void AnnualizeHtsDlgTest::reportsFailureOfEngine()
     compareSingleFailure(QStringLiteral("Annualize HTS Error"), text);
     // The result is truncated before anything is computed, and stays.
     QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), QByteArray());
-}
-
-void AnnualizeHtsDlgTest::reportsFullDisk()
-{
-    writeInputsAndEnterPaths();
-    const QString fullDisk = QStringLiteral("/dev/full");
-    lineEdit("_annualResultHtsLineEdit")->setText(fullDisk);
-    QFile file(fullDisk);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    QCOMPARE(file.write("a", 1), qint64(-1));
-    compareSingleFailure(QStringLiteral("Annualize HTS Error"), file.errorString());
 }
 
 void AnnualizeHtsDlgTest::logsNothingBelowLevel_data()
@@ -892,7 +1072,7 @@ void AnnualizeHtsDlgTest::convertsWithMonth()
              QStringLiteral("\"Successfully wrote 2 out of 2 slots\" "));
     QCOMPARE(log.lines(), lines);
     QCOMPARE(log.levels().count(QsLogging::InfoLevel), lines.size());
-    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), result);
+    QCOMPARE(fromTextMode(readFile(path(QStringLiteral("annual.hts")))), result);
     QCOMPARE(readFile(path(QStringLiteral("monthly.hts"))), monthlySource());
 }
 
@@ -907,7 +1087,7 @@ void AnnualizeHtsDlgTest::substitutesVariablesInAllPaths()
     const QVector<Box> boxes = clickAndReadBoxes(button("_okButton"), log);
     qunsetenv("HTS_TEST_FOLDER");
     QCOMPARE(boxes.value(0).title, QStringLiteral("Annualize HTS"));
-    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), decemberResult());
+    QCOMPARE(fromTextMode(readFile(path(QStringLiteral("annual.hts")))), decemberResult());
     QCOMPARE(lineEdit("_sourceHtsLineEdit")->text(),
              QStringLiteral("$HTS_TEST_FOLDER/monthly.hts"));
 }
@@ -925,8 +1105,8 @@ void AnnualizeHtsDlgTest::keepsFieldsAndConvertsAgain()
     lineEdit("_annualResultHtsLineEdit")->setText(path(QStringLiteral("water.hts")));
     QCOMPARE(convert(), QStringLiteral("Annualize HTS"));
 
-    QCOMPARE(readFile(path(QStringLiteral("annual.hts"))), decemberResult());
-    QCOMPARE(readFile(path(QStringLiteral("water.hts"))), septemberResult());
+    QCOMPARE(fromTextMode(readFile(path(QStringLiteral("annual.hts")))), decemberResult());
+    QCOMPARE(fromTextMode(readFile(path(QStringLiteral("water.hts")))), septemberResult());
     QCOMPARE(lineEdit("_sourceHtsLineEdit")->text(), path(QStringLiteral("monthly.hts")));
     QCOMPARE(lineEdit("_methodControlLineEdit")->text(), path(QStringLiteral("methods.txt")));
     QCOMPARE(lineEdit("_annualResultHtsLineEdit")->text(), path(QStringLiteral("water.hts")));
@@ -1000,6 +1180,18 @@ void AnnualizeHtsDlgTest::raisesMinimizedDiagnosticsWindow()
     QVERIFY(!viewer()->isMinimized());
 }
 
+void AnnualizeHtsDlgTest::givesDiagnosticsWindowTheFocus()
+{
+    QTest::mouseClick(button("_diagButton"), Qt::LeftButton);
+    QVERIFY(QTest::qWaitForWindowActive(viewer()));
+    // Again, from the main window.
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QVERIFY(!viewer()->isActiveWindow());
+    QTest::mouseClick(button("_diagButton"), Qt::LeftButton);
+    QVERIFY(QTest::qWaitForWindowActive(viewer()));
+}
+
 void AnnualizeHtsDlgTest::closingMainWindowEndsEventLoop_data()
 {
     QTest::addColumn<bool>("withDiagnostics");
@@ -1063,26 +1255,41 @@ void AnnualizeHtsDlgTest::buildsHelpUrl()
     QCOMPARE(AnnualizeHtsDlg::helpPageUrl(folder), url);
 }
 
-// On a desktop without a browser of its own, so that the page is left to xdg-open.
-void AnnualizeHtsDlgTest::helpButtonLogsAndOpensPage()
+void AnnualizeHtsDlgTest::compareOpenedHelp(const std::function<void()>& trigger)
 {
-    writeScript(QStringLiteral("xdg-mime"), "exit 0\n");
-    writeScript(QStringLiteral("xdg-open"), "printf '%s|%s' $# \"$1\" >\"${0%/*}/part\"\n"
-                                            "/bin/mv \"${0%/*}/part\" \"${0%/*}/opened\"\n");
-    const QByteArray searchPath = qgetenv("PATH");
-    qputenv("PATH", m_folder->path().toLocal8Bit());
+    const HelpRecorder recorder(m_folder->path());
     const LogCollector log;
-    QTest::mouseClick(button("_helpButton"), Qt::LeftButton);
-    qputenv("PATH", searchPath);
+    trigger();
 
     const QString folder = QCoreApplication::applicationDirPath();
     const QString logged = AnnualizeHtsDlg::helpPageUrl(folder);
     QCOMPARE(log.lines(), QStringList(QStringLiteral("Opening help file %1 ").arg(logged)));
     QCOMPARE(log.levels(), QVector<QsLogging::Level>{QsLogging::InfoLevel});
-    QTRY_VERIFY(QFile::exists(path(QStringLiteral("opened"))));
-    QCOMPARE(readFile(path(QStringLiteral("opened"))),
-             "1|file:///" + QFile::encodeName(folder) + "/Help/HtsAnnualizerHelp.html");
+    QTRY_VERIFY(recorder.hasOpened());
+    QCOMPARE(recorder.opened(), "1|file:///" + folder.toUtf8() + "/Help/HtsAnnualizerHelp.html");
     QVERIFY(QApplication::activeModalWidget() == nullptr);
+}
+
+void AnnualizeHtsDlgTest::helpButtonLogsAndOpensPage()
+{
+    compareOpenedHelp([this] { QTest::mouseClick(button("_helpButton"), Qt::LeftButton); });
+}
+
+void AnnualizeHtsDlgTest::f1OpensHelp_data()
+{
+    QTest::addColumn<QString>("focused");
+    QTest::newRow("field") << "_sourceHtsLineEdit";
+    QTest::newRow("button") << "_okButton";
+    QTest::newRow("list") << "_endMonthComboBox";
+}
+
+void AnnualizeHtsDlgTest::f1OpensHelp()
+{
+    QFETCH(QString, focused);
+
+    auto* widget = m_window->findChild<QWidget*>(focused);
+    widget->setFocus();
+    compareOpenedHelp([widget] { QTest::keyClick(widget, Qt::Key_F1); });
 }
 
 QTEST_MAIN(AnnualizeHtsDlgTest)

@@ -16,11 +16,14 @@
 #include <QTreeWidget>
 #include <QtTest>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 #include "gui/messageviewer.h"
 #include "gui/messagewatcher.h"
 #include "tests/gui/modalwindows.h"
+#include "tests/support/hostsystem.h"
 #include "tests/support/wholefile.h"
 
 using UtilsNS::MessageViewer;
@@ -29,6 +32,52 @@ namespace {
 
 const QStringList kOneColumn{QStringLiteral("Diagnostic Messages")};
 const QStringList kThreeColumns{QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")};
+
+QColor mostFrequent(const QVector<QColor>& colors)
+{
+    return *std::max_element(colors.begin(), colors.end(), [&](const QColor& a, const QColor& b) {
+        return colors.count(a) < colors.count(b);
+    });
+}
+
+// As the Web Content Accessibility Guidelines define it: 1 to 21.
+double contrast(const QColor& color, const QColor& otherColor)
+{
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    const auto luminance = [linear](const QColor& c) {
+        return 0.2126 * linear(c.redF()) + 0.7152 * linear(c.greenF()) + 0.0722 * linear(c.blueF());
+    };
+    const auto [darker, lighter] = std::minmax({luminance(color), luminance(otherColor)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+QPalette darkPalette()
+{
+    QPalette palette(QColor(45, 45, 45), QColor(45, 45, 45));
+    palette.setColor(QPalette::Base, QColor(30, 30, 30));
+    palette.setColor(QPalette::AlternateBase, QColor(45, 45, 45));
+    palette.setColor(QPalette::Highlight, QColor(20, 60, 120));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    return palette;
+}
+
+// Gives the application another palette while it lives.
+class ApplicationPalette
+{
+public:
+    explicit ApplicationPalette(const QPalette& palette) { QApplication::setPalette(palette); }
+    ~ApplicationPalette() { QApplication::setPalette(m_before); }
+    ApplicationPalette(const ApplicationPalette&) = delete;
+    ApplicationPalette& operator=(const ApplicationPalette&) = delete;
+
+private:
+    QPalette m_before = QApplication::palette();
+};
+
+constexpr QsLogging::Level kShownLevels[] = {QsLogging::InfoLevel, QsLogging::WarnLevel,
+                                             QsLogging::ErrorLevel};
 
 // A viewer and its parts.
 struct Fixture
@@ -108,11 +157,17 @@ private Q_SLOTS:
     void appendsRows();
     void colorsRowsByLevel_data();
     void colorsRowsByLevel();
+    void rowsAreReadable_data();
+    void rowsAreReadable();
+    void paintsRowsOnALightGround_data();
+    void paintsRowsOnALightGround();
     void dropsRowsOfOtherLength_data();
     void dropsRowsOfOtherLength();
 
     void sectionsFitAllRows_data();
     void sectionsFitAllRows();
+    void sectionsFitAllScripts_data();
+    void sectionsFitAllScripts();
     void sectionsFitRowsAfterClear();
     void sectionsFitEachColumn();
     void sectionsFollowTheFont_data();
@@ -298,6 +353,111 @@ void TestMessageViewer::colorsRowsByLevel()
     QCOMPARE(watching.tree->topLevelItem(0)->foreground(0), QBrush(throughWatcher));
 }
 
+void TestMessageViewer::rowsAreReadable_data()
+{
+    QTest::addColumn<bool>("isDark");
+    QTest::addColumn<bool>("isDarkBefore"); // the window is made
+    QTest::newRow("usual desktop") << false << false;
+    QTest::newRow("dark desktop") << true << true;
+    QTest::newRow("desktop that turns dark") << true << false;
+}
+
+void TestMessageViewer::rowsAreReadable()
+{
+    QFETCH(const bool, isDark);
+    QFETCH(const bool, isDarkBefore);
+
+    const QPalette usual = QApplication::palette();
+    const ApplicationPalette atFirst(isDarkBefore ? darkPalette() : usual);
+    Fixture f;
+    for (const QsLogging::Level level : kShownLevels)
+        f.viewer.addMessage(level, kOneColumn);
+    const ApplicationPalette later(isDark ? darkPalette() : usual);
+    f.show();
+
+    constexpr double kLeast = 4.5;
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        const auto color = [&](QPalette::ColorRole role) {
+            return f.tree->palette().color(group, role);
+        };
+        for (int row = 0; row < f.tree->topLevelItemCount(); ++row) {
+            const QColor text = f.tree->topLevelItem(row)->foreground(0).color();
+            QVERIFY(contrast(text, color(QPalette::Base)) >= kLeast);
+            QVERIFY(contrast(text, color(QPalette::AlternateBase)) >= kLeast);
+            // Some styles keep a row's colour when it is selected.
+            QVERIFY(contrast(text, color(QPalette::Highlight)) >= kLeast);
+        }
+        QVERIFY(contrast(color(QPalette::HighlightedText), color(QPalette::Highlight)) >= kLeast);
+        const QPalette header = f.tree->header()->palette();
+        QVERIFY(contrast(header.color(group, QPalette::ButtonText),
+                         header.color(group, QPalette::Button)) >= kLeast);
+        const QPalette bar = f.scrollBar->palette();
+        QCOMPARE(bar.color(group, QPalette::Window), header.color(group, QPalette::Window));
+    }
+}
+
+void TestMessageViewer::paintsRowsOnALightGround_data()
+{
+    QTest::addColumn<bool>("isActive");
+    QTest::newRow("active") << true;
+    QTest::newRow("inactive") << false;
+}
+
+void TestMessageViewer::paintsRowsOnALightGround()
+{
+    QFETCH(const bool, isActive);
+
+    const ApplicationPalette dark(darkPalette());
+    Fixture f;
+    for (const QsLogging::Level level : kShownLevels) {
+        f.viewer.addMessage(level, {QStringLiteral("plain")});
+        f.viewer.addMessage(level, {QStringLiteral("selected")});
+    }
+    f.show();
+    QWidget other;
+    other.show();
+    QWidget* front = isActive ? static_cast<QWidget*>(&f.viewer) : &other;
+    front->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(front));
+    f.checkBox->setFocus(); // no focus frame around a row
+
+    for (int row = 0; row < f.tree->topLevelItemCount(); row += 2) {
+        QTreeWidgetItem* plain = f.tree->topLevelItem(row);
+        QTreeWidgetItem* selected = f.tree->topLevelItem(row + 1);
+        f.tree->clearSelection();
+        selected->setSelected(true);
+        const QImage image = f.tree->viewport()->grab().toImage();
+        const auto colors = [&](const QTreeWidgetItem* item) {
+            QRect rect = f.tree->visualItemRect(item);
+            // Some styles select the text alone, not the whole row.
+            rect.setWidth(f.tree->fontMetrics().horizontalAdvance(item->text(0)));
+            QVector<QColor> found;
+            for (int x = rect.left(); x <= rect.right(); ++x) {
+                for (int y = rect.top(); y <= rect.bottom(); ++y)
+                    found.append(image.pixelColor(x, y));
+            }
+            return found;
+        };
+        const auto strongest = [](const QVector<QColor>& found, const QColor& ground) {
+            double most = 0;
+            for (const QColor& color : found)
+                most = qMax(most, contrast(color, ground));
+            return most;
+        };
+        // The ground is what most pixels have; the darkest ones are the text's.
+        const QVector<QColor> plainColors = colors(plain);
+        QVERIFY(plainColors.count(Qt::white) > plainColors.size() / 2);
+        QVERIFY(strongest(plainColors, Qt::white) >= 4.5);
+        const QVector<QColor> selectedColors = colors(selected);
+        const QColor ground = selectionHasColorOfPalette()
+                                  ? f.tree->palette().color(QPalette::Highlight)
+                                  : mostFrequent(selectedColors);
+        QVERIFY(ground != Qt::white);
+        QVERIFY(selectedColors.count(ground) > selectedColors.size() / 3);
+        QVERIFY(strongest(selectedColors, ground) >= 4.5);
+    }
+}
+
 void TestMessageViewer::dropsRowsOfOtherLength_data()
 {
     QTest::addColumn<QStringList>("labels");
@@ -370,6 +530,69 @@ void TestMessageViewer::sectionsFitAllRows()
         width = qMax(width, f.tree->sizeHintForIndex(model->index(row, 0)).width());
     QCOMPARE(f.tree->header()->sectionSize(0), width);
     QCOMPARE(f.tree->header()->sectionResizeMode(0), QHeaderView::Fixed);
+}
+
+void TestMessageViewer::sectionsFitAllScripts_data()
+{
+    QTest::addColumn<QString>("common"); // in most rows
+    QTest::addColumn<QString>("widest"); // in one of them
+    QTest::addColumn<int>("rowCount");
+
+    const auto add = [](const char* name, const char* common, const char* widest) {
+        for (const int rowCount : {20, 200}) {
+            QTest::addRow("%s, %d rows", name, rowCount)
+                << QString::fromUtf8(common) << QString::fromUtf8(widest) << rowCount;
+        }
+    };
+    const char* const latin = "INFO  Slot Reservoir of the Upper Basin.Outflow is aggregated with "
+                              "AverageNaN over each year ";
+    add("Cyrillic and a longer Latin row",
+        "INFO  Водохранилище Верхнее.Расход воды усредняется по годам", latin);
+    add("Latin and a longer Cyrillic row", "INFO  Slot Lake.Outflow",
+        "INFO  Водохранилище Верхнее.Расход воды усредняется по годам");
+    add("thin and wide letters of one number", "iiiiiiiiiiiiiiiiiiii", "WWWWWWWWWWWWWWWWWWWW");
+    add("pairs that are moved together", "VAVAVAVAVAVAVAVAVAVA", "AAAAAAAAAAVVVVVVVVVV");
+    add("ligatures", "fifififififlflflflfl", "ififififiilflflflflf");
+    add("Greek, Han and kana", "Ταμιευτήρας 水庫の水", "Ταμιευτήρας 水庫の水 ダム");
+    add("Arabic", "خزان خزان خزان خزان", "خزان المياه في الوادي الكبير");
+    add("Devanagari", "जलाशय जलाशय", "जलाशय क्षेत्र विद्युत्");
+    add("Thai and Hebrew", "อ่างเก็บน้ำ", "אֲגַם הַמַּיִם הַגָּדוֹל אֲגַם");
+    add("combining marks", "e\u0301e\u0301e\u0301", "a\u0302\u0301a\u0302\u0301a\u0302\u0301b");
+    add("signs beyond the basic plane", "\U0001F30A\U0001F30A", "\U0001F30A\U0001D49C\U0001F30A");
+    add("tabs", "a\tb", "a\tb\tc\td");
+    add("several lines", "one\ntwo", "one\ntwo and three\nfour");
+    add("blanks at the end", "Reservoir                                ", "Reservoir Upper Basin");
+    add("other blanks at the end", "Reservoir\u3000\u3000\u3000\u3000\u3000\u00a0\u2003\u2003",
+        "Reservoir Upper Basin");
+    add("blanks at the start", "Reservoir", "           Reservoir");
+}
+
+// One row of another script or shape must not be cut off, whatever it is among.
+void TestMessageViewer::sectionsFitAllScripts()
+{
+    QFETCH(const QString, common);
+    QFETCH(const QString, widest);
+    QFETCH(const int, rowCount);
+
+    Fixture f;
+    const auto addRows = [&](int widestRow) {
+        for (int row = 0; row < rowCount; ++row)
+            f.add({row == widestRow ? widest : common + QString::number(row)});
+        QApplication::processEvents();
+    };
+    const auto contentWidth = [&f] {
+        int width = f.tree->header()->sectionSizeHint(0);
+        for (int row = 0; row < f.tree->topLevelItemCount(); ++row) {
+            const QModelIndex index = f.tree->model()->index(row, 0);
+            width = qMax(width, f.tree->sizeHintForIndex(index).width());
+        }
+        return width;
+    };
+    for (const int widestRow : {0, rowCount / 2, rowCount - 1}) {
+        f.action("Clear")->trigger();
+        addRows(widestRow);
+        QTRY_COMPARE(f.tree->columnWidth(0), contentWidth());
+    }
 }
 
 void TestMessageViewer::sectionsFitRowsAfterClear()
@@ -654,6 +877,7 @@ void TestMessageViewer::warnsWithoutClipboard()
     QCOMPARE(box.title, QStringLiteral("Copy Message Error"));
     QCOMPARE(box.text, QStringLiteral("Cannot access the clipboard"));
     QCOMPARE(box.icon, QMessageBox::Warning);
+    QCOMPARE(box.textFormat, Qt::PlainText);
     QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
 }
 
@@ -777,6 +1001,7 @@ void TestMessageViewer::warnsOfFileThatCannotBeOpened()
     QCOMPARE(box.title, QStringLiteral("Save Diagnostics Error"));
     QCOMPARE(box.text, sameFile.errorString());
     QCOMPARE(box.icon, QMessageBox::Warning);
+    QCOMPARE(box.textFormat, Qt::PlainText);
     QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "QsLog.h"
+#include "tests/support/hostlocale.h"
 
 using QsLogging::Level;
 using QsLogging::Logger;
@@ -97,6 +98,7 @@ private Q_SLOTS:
     void formatsLines_data();
     void formatsLines();
     void stampsLocalTime();
+    void stampsInAsciiDigitsUnderEveryLocale();
     void streamsLikeADebugStream_data();
     void streamsLikeADebugStream();
     void dropsLinesBelowTheThreshold_data();
@@ -167,12 +169,24 @@ void TestQsLog::formatsLines()
 void TestQsLog::stampsLocalTime()
 {
     const QString format = QStringLiteral("yyyy-MM-ddThh:mm:ss.zzz");
-    const QString before = QDateTime::currentDateTime().toString(format);
+    const QLocale locale = QLocale::c();
+    const QString before = locale.toString(QDateTime::currentDateTime(), format);
     QLOG_INFO() << "text";
-    const QString after = QDateTime::currentDateTime().toString(format);
+    const QString after = locale.toString(QDateTime::currentDateTime(), format);
     const QString stamp = writtenLines.first().text.mid(6, format.size());
     // As text, which is in the order of time but for the hour in which a clock is set back.
     QVERIFY2(before > after || (before <= stamp && stamp <= after), qUtf8Printable(stamp));
+}
+
+void TestQsLog::stampsInAsciiDigitsUnderEveryLocale()
+{
+    const QStringList locales = localesWithOwnDigits();
+    QVERIFY(locales.contains(QStringLiteral("fa_IR")));
+    for (const QString& locale : locales) {
+        const QString failure = failureUnderLocale(
+            locale, {QStringLiteral("formatsLines"), QStringLiteral("stampsLocalTime")});
+        QVERIFY2(failure.isEmpty(), qUtf8Printable(locale + QLatin1Char('\n') + failure));
+    }
 }
 
 void TestQsLog::streamsLikeADebugStream_data()

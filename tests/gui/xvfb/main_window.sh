@@ -92,6 +92,8 @@ focus_window "HTS Annualizer \(v1\.1\)"
 until_true "the main window in front" is_behind "$diagnostics_frame"
 xdotool key space
 until_true "the diagnostics window in front" is_in_front "$diagnostics_frame"
+window_id=$diagnostics_id
+until_true "the keyboard in the diagnostics window" is_focused
 
 # The file holds the lines of the conversion, as in the window: with their level and without
 # their time.
@@ -101,6 +103,7 @@ focus_window "Save Diagnostic Output"
 xdotool type "diagnostics.txt"
 xdotool key Return
 until_true "the dialog to close" has_no_window "Save Diagnostic Output"
+until_true "the saved diagnostics" test -s "$folder/diagnostics.txt" # written after that
 diff "$test_folder/main_window.expected" "$folder/diagnostics.txt" ||
     die "the diagnostics are not as expected"
 

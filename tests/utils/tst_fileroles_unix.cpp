@@ -9,9 +9,9 @@
 
 #include "utils/fileroles.h"
 
+using UtilsNS::checkFileRole;
 using UtilsNS::FileRole;
 using UtilsNS::isSameFile;
-using UtilsNS::sharedFileMessage;
 
 class FileRolesTest : public QObject
 {
@@ -240,10 +240,10 @@ void FileRolesTest::namesFileAndRole()
         if (roles.size() < others.size())
             roles.append(role(name, others.at(roles.size())));
     }
-    QCOMPARE(sharedFileMessage(role("output hts file", file), roles),
+    QCOMPARE(checkFileRole(role("output hts file", file), roles).message,
              expected.replace(QStringLiteral("%1"), m_folder->path()));
 }
 
 QTEST_GUILESS_MAIN(FileRolesTest)
 
-#include "tst_fileroles.moc"
+#include "tst_fileroles_unix.moc"

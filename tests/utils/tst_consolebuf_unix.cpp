@@ -545,4 +545,4 @@ void ConsoleBufTest::interruptedWriteGoesOn()
 
 QTEST_GUILESS_MAIN(ConsoleBufTest)
 
-#include "tst_consolebuf.moc"
+#include "tst_consolebuf_unix.moc"

@@ -1,0 +1,23 @@
+#include <cstdio>
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include "app/platform.h"
+
+void choosePlatformPlugin()
+{
+    // The least of the platforms reads no fonts, half of the start-up; not every toolkit has it.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "minimal;offscreen");
+}
+
+void showFatal(const QString& message)
+{
+    std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+}
+
+QString argumentText(const char* argument)
+{
+    return QString::fromUtf8(argument);
+}

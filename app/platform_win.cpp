@@ -1,0 +1,22 @@
+#include <cstddef>
+
+#include <QByteArray>
+
+#include "app/platform.h"
+#include "utils/console.h"
+
+// That of the desktop needs no display, and the least of the platforms would start no faster.
+void choosePlatformPlugin() {}
+
+void showFatal(const QString& message)
+{
+    const QByteArray text = message.toLocal8Bit() + '\n';
+    UtilsNS::Console& console = UtilsNS::processConsole();
+    if (console.open())
+        console.write(text.constData(), static_cast<std::size_t>(text.size()));
+}
+
+QString argumentText(const char* argument)
+{
+    return QString::fromLocal8Bit(argument);
+}

@@ -1,0 +1,28 @@
+#ifndef GUI_FILEDROP_H
+#define GUI_FILEDROP_H
+
+#include <QObject>
+
+class QLineEdit;
+
+namespace UtilsNS {
+
+// Lets a line edit take the local path of a file that is dropped on it, in place of its text; the
+// toolkit would insert a "file:" URL. Of several files the first one counts. What does not begin
+// with a local file (text, a link to a web page) is left to the toolkit.
+class FileDrop : public QObject
+{
+public:
+    // Owned by the line edit.
+    explicit FileDrop(QLineEdit* lineEdit);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QLineEdit* m_lineEdit;
+};
+
+} // namespace UtilsNS
+
+#endif // GUI_FILEDROP_H

@@ -1,0 +1,17 @@
+#ifndef GUI_WARNINGBOX_H
+#define GUI_WARNINGBOX_H
+
+class QString;
+class QWidget;
+
+namespace UtilsNS {
+
+// QMessageBox::warning() with an OK button, for texts that may hold a path: they are shown as they
+// are, where the toolkit would take what looks like HTML for HTML. Returns when the box is closed.
+//
+// `parent` may be null.
+void showWarning(QWidget* parent, const QString& title, const QString& text);
+
+} // namespace UtilsNS
+
+#endif // GUI_WARNINGBOX_H

@@ -1,0 +1,17 @@
+#ifndef TESTS_SUPPORT_HOSTLOCALE_H
+#define TESTS_SUPPORT_HOSTLOCALE_H
+
+#include <QString>
+#include <QStringList>
+
+// The locale of the host, which the toolkit takes from the environment once, at its start. None of
+// these locales needs to be installed.
+
+// Names such as "fa_IR" of all locales known to the toolkit whose digits are not the ASCII ones.
+QStringList localesWithOwnDigits();
+
+// Runs test functions of this test program in a process of its own under the locale. Returns an
+// empty text if they pass, else what the process wrote. Needs an application object.
+QString failureUnderLocale(const QString& locale, const QStringList& functions);
+
+#endif // TESTS_SUPPORT_HOSTLOCALE_H

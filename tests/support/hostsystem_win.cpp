@@ -1,0 +1,57 @@
+#include <QDir>
+
+#include "tests/support/hostsystem.h"
+
+#include <windows.h>
+
+QByteArray fromTextMode(const QByteArray& bytes)
+{
+    if (bytes.count('\n') != bytes.count("\r\n"))
+        return "not written in text mode:\n" + bytes;
+    return QByteArray(bytes).replace("\r\n", "\n");
+}
+
+QByteArray toTextMode(const QByteArray& text)
+{
+    return QByteArray(text).replace("\n", "\r\n");
+}
+
+QByteArray asArgument(const QString& text)
+{
+    return text.toLocal8Bit();
+}
+
+// In the code pages of Western Europe; all that a system has is known to itself alone.
+QString lettersOfArguments()
+{
+    return QStringLiteral("\u00e9");
+}
+
+// A symbolic link takes a privilege.
+QList<Link> kindsOfLinks()
+{
+    return {Link::Hard};
+}
+
+bool makeLink(Link kind, const QString& target, const QString& path)
+{
+    const QString from = QDir::toNativeSeparators(path);
+    const QString to = QDir::toNativeSeparators(target);
+    return kind == Link::Hard && ::CreateHardLinkW(from.toStdWString().c_str(),
+                                                   to.toStdWString().c_str(), nullptr) != FALSE;
+}
+
+bool environmentHasLetterCase()
+{
+    return false;
+}
+
+bool selectionHasColorOfPalette()
+{
+    return false;
+}
+
+bool timeZoneHasRules()
+{
+    return false;
+}

@@ -1,0 +1,187 @@
+// Faults that Unix makes at will: files that can't be read, and disks that are full.
+
+#include <QObject>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <QtTest>
+
+#include <csignal>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include "utils/checkedfile.h"
+
+using UtilsNS::CheckedFile;
+
+namespace {
+
+// A file that can be opened and whose first page can't be read.
+const QString kUnreadable = QStringLiteral("/proc/self/mem");
+const QString kReadError = QStringLiteral("Input/output error");
+const QString kFull = QStringLiteral("/dev/full");
+const QString kFullError = QStringLiteral("No space left on device");
+
+// Lets no file of this process grow beyond a number of bytes, while it lives: a disk that fills up
+// at just that place.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        m_handlerBefore = std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        rlimit limit = m_before;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handlerBefore);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit m_before = {};
+    void (*m_handlerBefore)(int) = SIG_DFL;
+};
+
+} // namespace
+
+class CheckedFileFaultsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { m_folder.reset(); }
+    void takesWhatIsInAPipe_data();
+    void takesWhatIsInAPipe();
+    void remembersAFailedReadOfAPipe();
+    void remembersAFailedRead();
+    void readsNothingBehindAFailedRead();
+    void remembersAFailedWrite();
+    void tellsOfADiskThatFillsUp_data();
+    void tellsOfADiskThatFillsUp();
+
+private:
+    QString path(const char* name) const
+    {
+        return m_folder->path() + QLatin1Char('/') + QLatin1String(name);
+    }
+
+    QScopedPointer<QTemporaryDir> m_folder;
+};
+
+void CheckedFileFaultsTest::init()
+{
+    m_folder.reset(new QTemporaryDir);
+    QVERIFY(m_folder->isValid());
+}
+
+void CheckedFileFaultsTest::takesWhatIsInAPipe_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::newRow("buffered") << static_cast<int>(QIODevice::ReadOnly);
+    QTest::newRow("unbuffered") << static_cast<int>(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    QTest::newRow("text mode, unbuffered")
+        << static_cast<int>(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered);
+}
+
+// A read that waits for more than is there hangs: the writer is this process.
+void CheckedFileFaultsTest::takesWhatIsInAPipe()
+{
+    QFETCH(int, mode);
+    int ends[2] = {};
+    QCOMPARE(::pipe(ends), 0);
+    CheckedFile file;
+    QVERIFY(
+        file.open(ends[0], static_cast<QIODevice::OpenMode>(mode), QFileDevice::AutoCloseHandle));
+    QCOMPARE(::write(ends[1], "one\n", 4), ssize_t(4));
+    QCOMPARE(file.read(100000), QByteArray("one\n"));
+    QCOMPARE(::write(ends[1], "two", 3), ssize_t(3));
+    QCOMPARE(file.read(100000), QByteArray("two"));
+    ::close(ends[1]);
+    QCOMPARE(file.read(100000), QByteArray());
+    QCOMPARE(file.problem(), QString());
+}
+
+void CheckedFileFaultsTest::remembersAFailedReadOfAPipe()
+{
+    int ends[2] = {};
+    QCOMPARE(::pipe(ends), 0);
+    CheckedFile file;
+    QVERIFY(file.open(ends[0], QIODevice::ReadOnly | QIODevice::Unbuffered));
+    QVERIFY(file.isSequential());
+    ::close(ends[0]);
+    QCOMPARE(file.read(10), QByteArray());
+    QCOMPARE(file.problem(), QStringLiteral("Bad file descriptor"));
+    ::close(ends[1]);
+}
+
+void CheckedFileFaultsTest::remembersAFailedRead()
+{
+    CheckedFile file(kUnreadable);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.problem(), QString());
+    QCOMPARE(file.read(100000), QByteArray());
+    file.unsetError(); // as the next call does
+    QCOMPARE(file.problem(), kReadError);
+}
+
+void CheckedFileFaultsTest::readsNothingBehindAFailedRead()
+{
+    const char text[] = "can be read";
+    const auto address = static_cast<qint64>(reinterpret_cast<quintptr>(text));
+    CheckedFile file(kUnreadable);
+    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+    QVERIFY(file.seek(address));
+    QCOMPARE(file.read(3), QByteArray("can"));
+    QVERIFY(file.seek(0));
+    QCOMPARE(file.read(3), QByteArray());
+    QVERIFY(file.seek(address));
+    QCOMPARE(file.read(3), QByteArray());
+    QCOMPARE(file.problem(), kReadError);
+}
+
+void CheckedFileFaultsTest::remembersAFailedWrite()
+{
+    CheckedFile file(kFull);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(100000, 'x'));
+    file.unsetError();
+    QCOMPARE(file.problem(), kFullError);
+    QCOMPARE(file.finish().message, kFullError);
+}
+
+void CheckedFileFaultsTest::tellsOfADiskThatFillsUp_data()
+{
+    QTest::addColumn<int>("limit");
+    QTest::addColumn<QString>("problem");
+    // The text is 100,000 bytes long and is written 16 KiB at a time.
+    for (const int limit : {0, 1, 16383, 16384, 16385, 50000, 98304, 98305, 99999})
+        QTest::addRow("%d bytes", limit) << limit << QStringLiteral("File too large");
+    QTest::newRow("just enough") << 100000 << QString();
+}
+
+void CheckedFileFaultsTest::tellsOfADiskThatFillsUp()
+{
+    QFETCH(int, limit);
+    QFETCH(QString, problem);
+    CheckedFile file(path("file"));
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Text));
+    {
+        const FileSizeLimit fileSizeLimit(static_cast<rlim_t>(limit));
+        QTextStream stream(&file);
+        for (int line = 0; line < 10000; ++line)
+            stream << QStringLiteral("123456789\n");
+        stream.flush();
+        QCOMPARE(file.finish().message, problem);
+    }
+    QCOMPARE(file.size(), qint64(limit));
+}
+
+QTEST_GUILESS_MAIN(CheckedFileFaultsTest)
+#include "tst_checkedfile_unix.moc"

@@ -1,0 +1,22 @@
+#include "utils/checkedfile.h"
+
+#include <cerrno>
+#include <cstddef>
+
+#include <unistd.h>
+
+namespace UtilsNS {
+
+// Not by QFile, which waits until the pipe has given `maxSize` bytes: more than may be needed.
+qint64 CheckedFile::readFromPipe(char* data, qint64 maxSize)
+{
+    ssize_t count = 0;
+    do {
+        count = ::read(handle(), data, static_cast<std::size_t>(maxSize));
+    } while (count < 0 && errno == EINTR);
+    if (count < 0)
+        m_problem = qt_error_string(errno);
+    return count;
+}
+
+} // namespace UtilsNS

@@ -1,0 +1,17 @@
+#ifndef UTILS_ENVIRONMENT_H
+#define UTILS_ENVIRONMENT_H
+
+#include <QByteArray>
+
+namespace UtilsNS {
+
+// Longer values of environment variables count as not set.
+constexpr int kMaxEnvironmentValue = 1023;
+
+// The value of the environment variable `name`, both in the encoding of the environment. Empty when
+// it is not set or longer than kMaxEnvironmentValue bytes.
+QByteArray environmentValue(const QByteArray& name);
+
+} // namespace UtilsNS
+
+#endif // UTILS_ENVIRONMENT_H

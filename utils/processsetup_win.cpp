@@ -1,0 +1,9 @@
+#include "utils/processsetup.h"
+
+namespace UtilsNS {
+
+void openStandardStreams() {}
+
+void chooseTextEncoding() {}
+
+} // namespace UtilsNS
