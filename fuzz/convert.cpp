@@ -1,6 +1,7 @@
 // A whole conversion of any HTS file with any control file: it fails with a known message and
-// writes nothing, or its result can be read back and holds what it was made of. The same file with
-// Windows line ends is converted alike.
+// writes nothing, or its result can be read back and holds what it was made of. The plain
+// conversion gives the same message, log lines and result, and so does the same file with Windows
+// line ends.
 //
 // Input: a letter for the end month, the control file, a line "====", the HTS file.
 
@@ -9,12 +10,13 @@
 
 #include <QBuffer>
 
-#include "QsLog.h"
-#include "annualize/annualizehts.h"
 #include "fuzz/fuzzsupport.h"
 #include "fuzz/fuzztarget.h"
 #include "hts/datetimetext.h"
+#include "tests/annualize/conversioncompare.h"
 #include "tests/hts/packagecompare.h"
+#include "tests/plain/plainconversion.h"
+#include "tests/plain/plainreader.h"
 #include "utils/checkedfile.h"
 
 namespace {
@@ -56,27 +58,8 @@ QByteArray withWindowsLineEnds(QByteArray text)
     return text.replace("\n", "\r\n");
 }
 
-struct Outcome
-{
-    QString message;
-    QByteArray written;
-};
-
-Outcome convert(QIODevice& source, const QString& controlPath, int endMonth)
-{
-    QBuffer result;
-    AnnualizeHts engine;
-    const bool isSet = result.open(QIODevice::WriteOnly) && engine.setSourceDevice(&source).ok() &&
-                       engine.setResultDevice(&result).ok() &&
-                       engine.setControlFile(controlPath).ok() && engine.setEndMonth(endMonth).ok();
-    fuzz::require(isSet, QStringLiteral("cannot set up the engine"));
-    const Status status = engine.annualize();
-    fuzz::require(!status.flag, QStringLiteral("the flag is set"));
-    return {status.message, result.data()};
-}
-
 // The conversion of files, opened as the program opens them.
-Outcome convertFiles(const Inputs& inputs)
+ConversionOutcome convertFiles(const Inputs& inputs)
 {
     static const fuzz::ScratchFile kControl;
     static const fuzz::ScratchFile kHts;
@@ -85,16 +68,27 @@ Outcome convertFiles(const Inputs& inputs)
     UtilsNS::CheckedFile source(kHts.path());
     fuzz::require(source.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered),
                   QStringLiteral("cannot open the file"));
-    Outcome outcome = convert(source, kControl.path(), inputs.endMonth);
+    ConversionOutcome outcome = convertInOnePass(source, kControl.path(), inputs.endMonth);
     fuzz::requireEqual(QStringLiteral("fault of the file"), source.problem(), QString());
     return outcome;
 }
 
-void requireSame(const QString& what, const Outcome& actual, const Outcome& expected)
+// The same in its plainest form.
+ConversionOutcome convertBuffer(Inputs inputs)
 {
-    fuzz::requireEqual(what + QStringLiteral(", message"), actual.message, expected.message);
-    fuzz::requireEqual(what, QString::fromLatin1(actual.written),
-                       QString::fromLatin1(expected.written));
+    static const fuzz::ScratchFile kControl;
+    kControl.write(inputs.control);
+    QBuffer source(&inputs.hts);
+    fuzz::require(source.open(QIODevice::ReadOnly | QIODevice::Text),
+                  QStringLiteral("cannot open the buffer"));
+    return convertPlainly(source, kControl.path(), inputs.endMonth);
+}
+
+void requireSame(const char* what, const ConversionOutcome& actual,
+                 const ConversionOutcome& expected)
+{
+    const QString fault = difference(actual, expected);
+    fuzz::require(fault.isEmpty(), QString::fromLatin1(what) + QStringLiteral(": ") + fault);
 }
 
 // What a value is after it has been written and read.
@@ -174,13 +168,9 @@ void checkResult(const Inputs& inputs, const QByteArray& written)
 {
     static const fuzz::ScratchFile kControl;
     kControl.write(inputs.control);
-    AnnualizeHts engine;
-    const bool isSet =
-        engine.setControlFile(kControl.path()).ok() && engine.setEndMonth(inputs.endMonth).ok();
-    fuzz::require(isSet, QStringLiteral("cannot set up the engine"));
     HtsPackage annual;
-    const Status status =
-        engine.annualizePackage(packageOf(inputs.hts, QStringLiteral("input")), annual);
+    const Status status = plainconversion::annualizePackage(
+        packageOf(inputs.hts, QStringLiteral("input")), kControl.path(), inputs.endMonth, annual);
     fuzz::requireEqual(QStringLiteral("message in memory"), status.message, QString());
     checkYears(annual);
     // A NUL byte ends a text, and may leave it with a blank at its end or empty; neither can be
@@ -205,19 +195,22 @@ bool isKnown(const QString& message)
 
 void checkInput(const QByteArray& input)
 {
-    QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
     const Inputs inputs = inputsOf(input);
-    if (fuzz::isEndless(inputs.hts))
+    if (plainreader::isEndless(inputs.hts))
         return;
-    const Outcome outcome = convertFiles(inputs);
-    fuzz::require(isKnown(outcome.message), QStringLiteral("unknown message: ") + outcome.message);
-    requireSame(QStringLiteral("with Windows line ends"),
-                convertFiles({inputs.endMonth, withWindowsLineEnds(inputs.control),
-                              withWindowsLineEnds(inputs.hts)}),
-                outcome);
-    if (outcome.message.isEmpty())
+    const ConversionOutcome outcome = convertFiles(inputs);
+    const QString message = outcome.status.message;
+    fuzz::require(isKnown(message), QStringLiteral("unknown message: ") + message);
+    requireSame("against the plain conversion", outcome, convertBuffer(inputs));
+
+    ConversionOutcome twin = convertFiles(
+        {inputs.endMonth, withWindowsLineEnds(inputs.control), withWindowsLineEnds(inputs.hts)});
+    twin.position = outcome.position;
+    twin.rest.replace("\r", "");
+    requireSame("with Windows line ends", twin, outcome);
+
+    if (message.isEmpty())
         checkResult(inputs, outcome.written);
     else
-        fuzz::require(outcome.written.isEmpty(),
-                      QStringLiteral("written in spite of: ") + outcome.message);
+        fuzz::require(outcome.written.isEmpty(), QStringLiteral("written in spite of: ") + message);
 }

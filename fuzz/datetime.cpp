@@ -1,6 +1,8 @@
 // Any text as a date-time of an HTS file, against the toolkit's own conversion in a time zone
 // without gaps; and any minute of the years 1 to 9999 there and back, against plain arithmetic.
 
+#include <algorithm>
+
 #include <QDateTime>
 
 #include "fuzz/fuzzsupport.h"
@@ -21,8 +23,12 @@ QString described(const QDateTime& dateTime)
                               : QStringLiteral("invalid");
 }
 
+// Texts outside ASCII are left out because the toolkit takes the digits of the host's locale too.
 QDateTime byToolkit(QString text)
 {
+    const auto isAscii = [](QChar c) { return c.unicode() < 0x80; };
+    if (!std::all_of(text.cbegin(), text.cend(), isAscii))
+        return QDateTime();
     const bool isMidnight = text.endsWith(kEndOfDay);
     if (isMidnight)
         text.replace(kEndOfDay, QStringLiteral("00:00"));

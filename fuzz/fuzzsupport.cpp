@@ -3,11 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include <QBuffer>
 #include <QFile>
-
-#include "bench/plainreader/plainreader.h"
-#include "hts/htspackage.h"
 
 namespace fuzz {
 
@@ -62,26 +58,6 @@ void ScratchFile::write(const QByteArray& content) const
     const bool isWritten =
         file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
     require(isWritten, QStringLiteral("cannot write ") + path());
-}
-
-Status readPlainly(QIODevice& device, const QByteArray& text, HtsPackage& package, bool& isEndless)
-{
-    // One line more than there are line ends, and one to be past the end.
-    plainreader::LineBudget budget{text.count('\n') + 2};
-    Status status = plainreader::read(device, package, &budget);
-    isEndless = budget.isExhausted;
-    return status;
-}
-
-bool isEndless(const QByteArray& text)
-{
-    QBuffer device;
-    device.setData(text);
-    require(device.open(QIODevice::ReadOnly), QStringLiteral("cannot open the buffer"));
-    HtsPackage package;
-    bool isEndless = false;
-    static_cast<void>(readPlainly(device, text, package, isEndless));
-    return isEndless;
 }
 
 } // namespace fuzz

@@ -6,11 +6,6 @@
 #include <QTemporaryDir>
 #include <QtGlobal>
 
-#include "hts/status.h"
-
-class QIODevice;
-struct HtsPackage;
-
 // What the fuzz targets share.
 namespace fuzz {
 
@@ -33,20 +28,6 @@ public:
 private:
     QTemporaryDir m_folder;
 };
-
-// Reads `device`, which holds `text`, line by line. Sets `isEndless` when the rules of the format
-// let the reading go on for ever: a table has no "END_SLOT" behind it, and the search for that line
-// deliberately doesn't stop at the end of the input. Such an input must not get to the reader of
-// hts/.
-//
-// This is exact: the search can read no more lines than the text has, unless it is past the end.
-//
-// Nothing else of an input needs to be kept away. Counts that it announces cost no memory: runs,
-// timesteps and values must stand in the file, and a table has few rows behind its end.
-Status readPlainly(QIODevice& device, const QByteArray& text, HtsPackage& package, bool& isEndless);
-
-// Whether the reading of `text` in binary mode never ends.
-bool isEndless(const QByteArray& text);
 
 } // namespace fuzz
 

@@ -1,0 +1,238 @@
+#include "check/csvexport.h"
+
+#include <string_view>
+#include <vector>
+
+#include <QByteArray>
+#include <QStringList>
+
+#include "annualize/slotplan.h"
+#include "check/csvrow.h"
+#include "check/knownlines.h"
+#include "hts/datetimetext.h"
+#include "hts/htskeys.h"
+#include "hts/htspackage.h"
+#include "hts/htsreader.h"
+#include "hts/linetext.h"
+
+namespace {
+
+class TextValueCounter : public HtsReader::Observer
+{
+public:
+    void ignoredLine(std::string_view) override {}
+    void keywordLine(QLatin1String, std::string_view) override {}
+    void unexpectedLine(QLatin1String, std::string_view) override {}
+    void look(std::size_t, qint64, std::string_view line) override
+    {
+        count += isNumberLine(line) ? 0 : 1;
+    }
+
+    qint64 count = 0;
+};
+
+// Takes the runs and slots of a file and writes them as rows.
+class Table
+{
+public:
+    virtual ~Table() = default;
+    // Run and trace of the rows that follow, as they stand in a row, and the times of its steps.
+    virtual void beginRun(const QByteArray& runFields, const std::vector<QByteArray>& times) = 0;
+    virtual void addSlot(const HtsSlot& slot, const HtsColumn& values) = 0;
+    virtual Status endRun() = 0;
+};
+
+class LongTable : public Table
+{
+public:
+    explicit LongTable(CsvWriter& writer) : m_writer(writer)
+    {
+        for (const char* name : {"run", "trace", "object", "slot", "units", "time", "value"})
+            m_writer.add(QString::fromLatin1(name));
+        m_writer.endRow();
+    }
+
+    void beginRun(const QByteArray& runFields, const std::vector<QByteArray>& times) override
+    {
+        m_runFields = runFields;
+        m_times = &times;
+    }
+
+    void addSlot(const HtsSlot& slot, const HtsColumn& values) override
+    {
+        const QByteArray fields = m_runFields + ',' + csvField(slot.objectName) + ',' +
+                                  csvField(slot.slotName) + ',' + csvField(slot.units.value(0));
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            m_writer.addFields(fields);
+            m_writer.addFields(slot.isSeries() ? (*m_times)[i] : QByteArray());
+            m_writer.add(values[i]);
+            m_writer.endRow();
+        }
+    }
+
+    Status endRun() override { return {}; }
+
+private:
+    CsvWriter& m_writer;
+    QByteArray m_runFields;
+    const std::vector<QByteArray>* m_times = nullptr;
+};
+
+class WideTable : public Table
+{
+public:
+    explicit WideTable(CsvWriter& writer) : m_writer(writer) {}
+
+    void beginRun(const QByteArray& runFields, const std::vector<QByteArray>& times) override
+    {
+        m_runFields = runFields;
+        m_times = &times;
+        m_names.clear();
+        m_columns.clear();
+    }
+
+    void addSlot(const HtsSlot& slot, const HtsColumn& values) override
+    {
+        if (!slot.isSeries())
+            return;
+        m_names.append(fullSlotName(slot.objectName, slot.slotName) + QLatin1String(" [") +
+                       slot.units.value(0) + QLatin1Char(']'));
+        m_columns.push_back(values);
+    }
+
+    Status endRun() override
+    {
+        if (!m_hasHeader)
+            writeHeader();
+        else if (m_names != m_header)
+            return failure(QStringLiteral("The runs have different slots; export one of them"));
+        for (std::size_t i = 0; i < m_times->size(); ++i) {
+            m_writer.addFields(m_runFields);
+            m_writer.addFields((*m_times)[i]);
+            for (const HtsColumn& column : m_columns)
+                m_writer.add(column[i]);
+            m_writer.endRow();
+        }
+        return {};
+    }
+
+private:
+    void writeHeader()
+    {
+        m_hasHeader = true;
+        m_header = m_names;
+        for (const QString& name :
+             QStringList{QStringLiteral("run"), QStringLiteral("trace"), QStringLiteral("time")} +
+                 m_names)
+            m_writer.add(name);
+        m_writer.endRow();
+    }
+
+    CsvWriter& m_writer;
+    QByteArray m_runFields;
+    const std::vector<QByteArray>* m_times = nullptr;
+    bool m_hasHeader = false;
+    QStringList m_header;
+    QStringList m_names;
+    std::vector<HtsColumn> m_columns;
+};
+
+std::vector<QByteArray> timesOf(const HtsRun& run)
+{
+    std::vector<QByteArray> times;
+    times.reserve(static_cast<std::size_t>(run.timesteps.size()));
+    for (const QString& timestep : run.timesteps)
+        times.push_back(csvField(textToDateTime(timestep)));
+    return times;
+}
+
+QByteArray runFieldsOf(const HtsRun& run, int runNumber)
+{
+    return QByteArray::number(runNumber) + ',' +
+           (run.trace == -1 ? QByteArray() : QByteArray::number(run.trace));
+}
+
+// Unlike a conversion, an export ends where the input does.
+Status skipTable(HtsReader& reader)
+{
+    while (!reader.atEnd()) {
+        if (textBytes(reader.readEndLine()) == bytesOf(kEndSlot))
+            return {};
+    }
+    return failure(QStringLiteral("A table slot has no \"END_SLOT\" after it"));
+}
+
+Status readSlot(HtsReader& reader, const HtsRun& run, Table* table, HtsColumn& values)
+{
+    HtsSlot slot;
+    Status status = reader.readSlot(slot, HtsReader::TableRows::Skip);
+    if (!status.ok())
+        return status;
+    if (slot.isTable())
+        return skipTable(reader);
+    const int count = slot.valueCount(run);
+    if (table == nullptr) {
+        reader.skipValues(count);
+    } else {
+        values.resize(static_cast<std::size_t>(count));
+        reader.readValues(values);
+        table->addSlot(slot, values);
+    }
+    reader.readEndLine(); // "END_COLUMN"
+    reader.readEndLine(); // "END_SLOT"
+    return status;
+}
+
+// `table` is null for a run that is left out.
+Status readRun(HtsReader& reader, int runNumber, Table* table)
+{
+    HtsRun run;
+    Status status = reader.readRun(run);
+    if (!status.ok())
+        return status;
+    const std::vector<QByteArray> times =
+        table == nullptr ? std::vector<QByteArray>() : timesOf(run);
+    if (table != nullptr)
+        table->beginRun(runFieldsOf(run, runNumber), times);
+    HtsColumn values;
+    while (status.ok() && !reader.takeEndOfRun())
+        status = readSlot(reader, run, table, values);
+    if (status.ok() && table != nullptr)
+        status = table->endRun();
+    return status;
+}
+
+Status readFile(HtsReader& reader, Table& table, int wantedRun)
+{
+    HtsPackage package;
+    Status status = reader.readPackagePreamble(package);
+    if (status.ok() && wantedRun > package.numberOfRuns)
+        return failure(QStringLiteral("The file has %1 runs").arg(package.numberOfRuns));
+    // What follows the wanted run is not needed.
+    const int last = wantedRun == 0 ? package.numberOfRuns : wantedRun;
+    for (int number = 1; status.ok() && number <= last; ++number) {
+        const bool isWanted = wantedRun == 0 || wantedRun == number;
+        status = readRun(reader, number, isWanted ? &table : nullptr);
+    }
+    return status;
+}
+
+} // namespace
+
+ExportOutcome exportCsv(QIODevice& source, QIODevice& target, const ExportOptions& options)
+{
+    HtsReader reader(source);
+    TextValueCounter textValues;
+    reader.setObserver(&textValues);
+    CsvWriter writer(target);
+    ExportOutcome outcome;
+    if (options.isWide) {
+        WideTable table(writer);
+        outcome.status = readFile(reader, table, options.run);
+    } else {
+        LongTable table(writer);
+        outcome.status = readFile(reader, table, options.run);
+    }
+    outcome.textValues = textValues.count;
+    return outcome;
+}

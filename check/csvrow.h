@@ -1,0 +1,48 @@
+#ifndef CHECK_CSVROW_H
+#define CHECK_CSVROW_H
+
+#include <string>
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+#include <QtGlobal>
+
+class QIODevice;
+
+// Writes comma-separated values by RFC 4180: UTF-8, lines that end with CR LF, fields in double
+// quotes where they need them. Rows go to the device in large blocks, and the rest when the object
+// is destroyed; who opened the device looks at its error afterwards.
+class CsvWriter
+{
+public:
+    explicit CsvWriter(QIODevice& device) : m_device(device) {}
+    ~CsvWriter();
+    CsvWriter(const CsvWriter&) = delete;
+    CsvWriter& operator=(const CsvWriter&) = delete;
+
+    void add(const QString& text);
+    void add(qint64 number);
+    // The shortest text that reads back as the same number; an empty field unless it is finite.
+    void add(double number);
+    // ISO 8601 without a zone; an empty field for an invalid date-time.
+    void add(const QDateTime& dateTime);
+    // Fields that csvField() made, with their commas.
+    void addFields(const QByteArray& fields);
+    void endRow();
+
+private:
+    void startField();
+    void flush();
+
+    QIODevice& m_device;
+    std::string m_text;
+    bool m_isRowStarted = false;
+};
+
+// A text as it stands in a row.
+QByteArray csvField(const QString& text);
+// A date-time as it stands in a row.
+QByteArray csvField(const QDateTime& dateTime);
+
+#endif // CHECK_CSVROW_H

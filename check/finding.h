@@ -1,0 +1,123 @@
+#ifndef CHECK_FINDING_H
+#define CHECK_FINDING_H
+
+#include <cstddef>
+
+#include <QString>
+#include <QtGlobal>
+
+// What a check can find, and how bad it is.
+
+enum class Severity {
+    Note,    // worth knowing
+    Warning, // the result of a conversion is probably not what is wanted
+    Error,   // a conversion fails, or never ends
+};
+
+// The word for a severity in reports: "note", "warning", "error".
+const char* severityName(Severity severity);
+
+// The kinds of findings, in the order of kCodes.
+enum class Code {
+    PackagePreamble,
+    RunPreamble,
+    TimestepLine,
+    SlotPreamble,
+    ColumnHeader,
+    TableWithoutEnd,
+    NoRuns,
+    FewerRuns,
+    MoreRuns,
+    TextAfterLastRun,
+    NoObjectType,
+    NoObjectName,
+    NoSlotName,
+    UnknownUnit,
+    NearSlotType,
+    UnknownSlotType,
+    NearKey,
+    MisplacedLine,
+    IgnoredLine,
+    RepeatedKey,
+    EndColumn,
+    EndSlot,
+    EndRun,
+    TooFewValues,
+    TooManyValues,
+    BlankValue,
+    MethodLine,
+    MethodKey,
+    TableRows,
+    TableOverrun,
+    BadInteger,
+    BadDate,
+    BadScale,
+    OddCharacter,
+    TextValue,
+    InfiniteValue,
+    Sentinel,
+    MissingValues,
+    AlreadyAnnual,
+    NoCompleteYear,
+    StepMissing,
+    StepRepeated,
+    StepBackwards,
+    StepIrregular,
+    StartDiffers,
+    EarlyStart,
+    EndDiffers,
+    ShortYear,
+    RunTiming,
+    RunSteps,
+    RunSlots,
+    RunSlotCount,
+    RunValues,
+    RunUnits,
+    ControlUnreadable,
+    ControlLine,
+    NothingToConvert,
+    RuleUnmatched,
+    RuleShadowed,
+    RuleIdle,
+    RuleOnOtherSlot,
+    SlotWithoutRule,
+    Salinity,
+    DottedObject,
+};
+
+// One kind of finding. The table of codes is the source of the documentation, which is tested
+// against it.
+struct CodeInfo
+{
+    Code code;
+    Severity severity;
+    // In reports and scripts; never changes its meaning.
+    const char* name;
+    const char* meaning;
+    const char* advice;
+};
+
+constexpr std::size_t kCodeCount = static_cast<std::size_t>(Code::DottedObject) + 1;
+
+extern const CodeInfo kCodes[kCodeCount];
+
+inline const CodeInfo& infoOf(Code code)
+{
+    return kCodes[static_cast<std::size_t>(code)];
+}
+
+// One thing that was found.
+struct Finding
+{
+    // The file that `line` counts in.
+    enum class File { Hts, Control };
+
+    Code code;
+    File file;
+    qint64 line; // counted from 1
+    QString text;
+
+    Severity severity() const { return infoOf(code).severity; }
+};
+
+#endif // CHECK_FINDING_H

@@ -1,0 +1,50 @@
+#ifndef CHECK_FINDINGS_H
+#define CHECK_FINDINGS_H
+
+#include <array>
+#include <vector>
+
+#include <QString>
+#include <QtGlobal>
+
+#include "check/finding.h"
+
+// Collects what is found in one file. Of each code the first ten are kept, the rest is counted, so
+// that a file with a million defects takes no more memory than one with ten.
+class Findings
+{
+public:
+    static constexpr qint64 kMaxKeptOfACode = 10;
+
+    // Adds a finding whose text `makeText()` returns; it is called only if the finding is kept.
+    template<typename MakeText>
+    void add(Code code, qint64 line, MakeText makeText)
+    {
+        addTo(Finding::File::Hts, code, line, makeText);
+    }
+    // The same, for a line of the control file.
+    template<typename MakeText>
+    void addToControl(Code code, qint64 line, MakeText makeText)
+    {
+        addTo(Finding::File::Control, code, line, makeText);
+    }
+
+    // How many there are of a code, kept or not.
+    qint64 count(Code code) const { return m_counts[static_cast<std::size_t>(code)]; }
+    qint64 count(Severity severity) const;
+    // What is kept, those of the HTS file first, each file's in the order of lines.
+    std::vector<Finding> sorted() const;
+
+private:
+    template<typename MakeText>
+    void addTo(Finding::File file, Code code, qint64 line, MakeText makeText)
+    {
+        if (m_counts[static_cast<std::size_t>(code)]++ < kMaxKeptOfACode)
+            m_kept.push_back({code, file, line, makeText()});
+    }
+
+    std::array<qint64, kCodeCount> m_counts{};
+    std::vector<Finding> m_kept;
+};
+
+#endif // CHECK_FINDINGS_H

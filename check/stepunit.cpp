@@ -1,0 +1,65 @@
+#include "check/stepunit.h"
+
+#include <algorithm>
+
+#include "annualize/timestepunit.h"
+
+namespace {
+
+constexpr qint64 kSecondsPerMinute = 60;
+constexpr int kMonthsPerYear = 12;
+
+qint64 minutesBetween(const QDateTime& from, const QDateTime& to)
+{
+    return from.secsTo(to) / kSecondsPerMinute;
+}
+
+int monthIndex(const QDate& date)
+{
+    return date.year() * kMonthsPerYear + date.month();
+}
+
+bool isLastOfMonth(const QDate& date)
+{
+    return date.day() == date.daysInMonth();
+}
+
+} // namespace
+
+StepUnit::StepUnit(const QString& word, int quantity)
+{
+    const TimestepUnit* unit = findTimestepUnit(word);
+    if (unit == nullptr || unit->isYear())
+        return;
+    m_months = unit->months * std::clamp(quantity, 1, kMonthsPerYear);
+    m_minutes = unit->minutes * std::max(quantity, 1);
+}
+
+qint64 StepUnit::stepsBetween(const QDateTime& previous, const QDateTime& next) const
+{
+    if (!isKnown())
+        return 1;
+    if (!isMonths()) {
+        const qint64 minutes = minutesBetween(previous, next);
+        return minutes % m_minutes == 0 ? minutes / m_minutes : 0;
+    }
+    const QDate from = previous.date();
+    const QDate to = next.date();
+    const int months = monthIndex(to) - monthIndex(from);
+    const bool isSameDay = from.day() == to.day() || (isLastOfMonth(from) && isLastOfMonth(to));
+    const bool isStep = isSameDay && previous.time() == next.time() && months % m_months == 0;
+    return isStep ? months / m_months : 0;
+}
+
+qint64 StepUnit::stepsOfYear(const QDateTime& yearStart, const QDateTime& yearEnd,
+                             const QDateTime& step) const
+{
+    if (!isKnown())
+        return 0;
+    if (isMonths())
+        return kMonthsPerYear / m_months;
+    // At least a minute after the start.
+    const qint64 before = (minutesBetween(yearStart, step) - 1) / m_minutes;
+    const qint64 after = minutesBetween(step, yearEnd) / m_minutes;
+    return before + 1 + after;
+}

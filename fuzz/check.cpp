@@ -1,0 +1,129 @@
+// A check of any HTS file with any control file agrees with a conversion: it has an error just
+// where the conversion fails or never ends, and the same message. Findings name lines that the file
+// has, on one line each. The counts and both forms of the export take the file too.
+//
+// Input: a letter for the end month, the control file, a line "====", the HTS file.
+
+#include <QBuffer>
+
+#include "QsLog.h"
+#include "annualize/annualizehts.h"
+#include "check/csvexport.h"
+#include "check/csvrow.h"
+#include "check/filecheck.h"
+#include "fuzz/fuzzsupport.h"
+#include "fuzz/fuzztarget.h"
+#include "tests/plain/plainreader.h"
+
+namespace {
+
+const QByteArray kSeparator = "\n====\n";
+
+struct Inputs
+{
+    int endMonth;
+    QByteArray control;
+    QByteArray hts;
+};
+
+Inputs inputsOf(const QByteArray& bytes)
+{
+    const int month = bytes.isEmpty() ? 0 : static_cast<uchar>(bytes.at(0)) % 12;
+    const int separator = bytes.indexOf(kSeparator);
+    if (separator < 1)
+        return {month + 1, "*.*: Sum", bytes.mid(1)};
+    return {month + 1, bytes.mid(1, separator - 1), bytes.mid(separator + kSeparator.size())};
+}
+
+void open(QBuffer& device, const QByteArray& text)
+{
+    device.setData(text);
+    fuzz::require(device.open(QIODevice::ReadOnly), QStringLiteral("cannot open the buffer"));
+}
+
+QString convert(const Inputs& inputs, const QString& controlPath)
+{
+    QBuffer source;
+    open(source, inputs.hts);
+    QBuffer result;
+    AnnualizeHts engine;
+    const bool isSet = result.open(QIODevice::WriteOnly) && engine.setSourceDevice(&source).ok() &&
+                       engine.setResultDevice(&result).ok() &&
+                       engine.setControlFile(controlPath).ok() &&
+                       engine.setEndMonth(inputs.endMonth).ok();
+    fuzz::require(isSet, QStringLiteral("cannot set up the engine"));
+    return engine.annualize().message;
+}
+
+CheckReport check(const Inputs& inputs, const QString& controlPath, CsvWriter* counts)
+{
+    QBuffer source;
+    open(source, inputs.hts);
+    CheckOptions options;
+    options.controlPath = controlPath;
+    options.endMonth = inputs.endMonth;
+    options.counts = counts;
+    return checkFile(source, options);
+}
+
+void checkFindings(const CheckReport& report, const Inputs& inputs)
+{
+    // One more for the end of the input after the last line end.
+    const qint64 htsLines = inputs.hts.count('\n') + 1;
+    const qint64 controlLines = inputs.control.count('\n') + 1;
+    bool namesMessage = report.conversionMessage.isEmpty();
+    for (const Finding& finding : report.findings.sorted()) {
+        const bool isControl = finding.file == Finding::File::Control;
+        const QString text = QStringLiteral("line %1: ").arg(finding.line) + finding.text;
+        fuzz::require(finding.line >= 1 && finding.line <= (isControl ? controlLines : htsLines),
+                      QStringLiteral("no such line: ") + text);
+        fuzz::require(!finding.text.isEmpty() && !finding.text.contains(QLatin1Char('\n')),
+                      QStringLiteral("not on one line: ") + text);
+        namesMessage = namesMessage || (finding.severity() == Severity::Error &&
+                                        finding.text.contains(report.conversionMessage));
+    }
+    fuzz::require(namesMessage, QStringLiteral("not named: ") + report.conversionMessage);
+}
+
+void checkExport(const Inputs& inputs, const CheckReport& report, bool isWide)
+{
+    QBuffer source;
+    open(source, inputs.hts);
+    QBuffer target;
+    fuzz::require(target.open(QIODevice::WriteOnly), QStringLiteral("cannot open the buffer"));
+    ExportOptions options;
+    options.isWide = isWide;
+    const ExportOutcome outcome = exportCsv(source, target, options);
+    if (report.neverEnds)
+        fuzz::require(!outcome.status.ok(), QStringLiteral("exported without an end"));
+    if (!isWide && outcome.status.ok()) {
+        fuzz::require(target.data().endsWith("\r\n"), QStringLiteral("the table is cut"));
+    }
+}
+
+} // namespace
+
+void checkInput(const QByteArray& input)
+{
+    QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
+    const Inputs inputs = inputsOf(input);
+    static const fuzz::ScratchFile kControl;
+    kControl.write(inputs.control);
+
+    QBuffer counts;
+    fuzz::require(counts.open(QIODevice::WriteOnly), QStringLiteral("cannot open the buffer"));
+    CsvWriter writer(counts);
+    const CheckReport report = check(inputs, kControl.path(), &writer);
+    const bool isEndless = plainreader::isEndless(inputs.hts);
+    fuzz::require(report.neverEnds == isEndless, QStringLiteral("other end"));
+    if (!isEndless) {
+        fuzz::requireEqual(QStringLiteral("message"), report.conversionMessage,
+                           convert(inputs, kControl.path()));
+    }
+    const bool fails = isEndless || !report.conversionMessage.isEmpty();
+    fuzz::require((report.findings.count(Severity::Error) > 0) == fails,
+                  QStringLiteral("an error without a failure, or the other way round"));
+    checkFindings(report, inputs);
+    checkExport(inputs, report, false);
+    checkExport(inputs, report, true);
+}

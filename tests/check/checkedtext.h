@@ -1,0 +1,30 @@
+#ifndef TESTS_CHECK_CHECKEDTEXT_H
+#define TESTS_CHECK_CHECKEDTEXT_H
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include "check/filecheck.h"
+
+// Checks a text as a file; the month is December unless given.
+CheckReport checkedText(const QByteArray& text, const QString& controlPath = {}, int endMonth = 12);
+
+// Checks a file, opened as the program opens it: only there is an empty Windows line before
+// "END_RUN" what it is in a conversion.
+CheckReport checkedFile(const QString& path, const QString& controlPath = {}, int endMonth = 12);
+
+// The findings as "12: code: text", of the control file as "control 3: code: text".
+QStringList findingTexts(const Findings& findings);
+
+// What a conversion of a text comes to.
+struct ConvertedText
+{
+    bool neverEnds = false; // the rest is then empty
+    QString message;        // empty after a success
+    QByteArray result;
+};
+
+ConvertedText convertedText(const QByteArray& text, const QString& controlPath, int endMonth);
+
+#endif // TESTS_CHECK_CHECKEDTEXT_H

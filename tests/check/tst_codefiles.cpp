@@ -1,0 +1,127 @@
+// The smallest files: files/CODE.hts, with files/CODE.txt for a control file, has the defect that
+// the code stands for, and nothing else. files/expected.txt has what is found, one line for each
+// file.
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "tests/check/checkedtext.h"
+
+namespace {
+
+QByteArray contentOf(const QString& name)
+{
+    QFile file(QStringLiteral(FILES_DIR "/") + name);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(file.fileName()));
+    return file.readAll();
+}
+
+QStringList expectedLines()
+{
+    // The file has the text of Unix for a file that is not there.
+    QFile missing(QStringLiteral(FILES_DIR "/control-unreadable.txt"));
+    const QString systemText =
+        missing.open(QIODevice::ReadOnly) ? QString() : missing.errorString();
+    return QString::fromUtf8(contentOf(QStringLiteral("expected.txt")))
+        .replace(QLatin1String("No such file or directory"), systemText)
+        .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+// As the program writes it.
+QString lineOf(const Finding& finding)
+{
+    const QLatin1String name(infoOf(finding.code).name);
+    const QLatin1String ending(finding.file == Finding::File::Control ? ".txt" : ".hts");
+    return QStringLiteral("%1%2:%3: %4: ")
+               .arg(name, ending, QString::number(finding.line),
+                    QLatin1String(severityName(finding.severity()))) +
+           finding.text + QStringLiteral(" [%1]").arg(name);
+}
+
+QStringList linesOf(const Findings& findings)
+{
+    QStringList lines;
+    for (const Finding& finding : findings.sorted())
+        lines.append(lineOf(finding));
+    return lines;
+}
+
+// Codes about methods need a control file, and one is about a control file that is not there.
+QString controlOf(const QString& code)
+{
+    const QString path = QStringLiteral(FILES_DIR "/%1.txt").arg(code);
+    return QFile::exists(path) || code == QLatin1String("control-unreadable") ? path : QString();
+}
+
+} // namespace
+
+class CodeFilesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyCodeHasAFile();
+    void hasTheDefectAlone_data();
+    void hasTheDefectAlone();
+    void windowsLineEndsMakeNoDifference_data();
+    void windowsLineEndsMakeNoDifference();
+};
+
+void CodeFilesTest::everyCodeHasAFile()
+{
+    QStringList codes;
+    for (std::size_t i = 0; i < kCodeCount; ++i) {
+        QCOMPARE(static_cast<std::size_t>(kCodes[i].code), i);
+        codes.append(QLatin1String(kCodes[i].name));
+    }
+    QCOMPARE(QSet<QString>(codes.begin(), codes.end()).size(), codes.size());
+    QStringList files;
+    for (const QString& name : QDir(QStringLiteral(FILES_DIR)).entryList({QStringLiteral("*.hts")}))
+        files.append(name.chopped(4));
+    codes.sort();
+    QCOMPARE(files, codes);
+    QCOMPARE(expectedLines().size(), codes.size());
+}
+
+void CodeFilesTest::hasTheDefectAlone_data()
+{
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<QString>("line");
+    for (const QString& line : expectedLines()) {
+        const QString code = line.section(QLatin1Char('.'), 0, 0);
+        QTest::newRow(qPrintable(code)) << code << line;
+    }
+}
+
+void CodeFilesTest::hasTheDefectAlone()
+{
+    QFETCH(QString, code);
+    QFETCH(QString, line);
+    const CheckReport report =
+        checkedFile(QStringLiteral(FILES_DIR "/%1.hts").arg(code), controlOf(code));
+    QCOMPARE(linesOf(report.findings), QStringList{line});
+}
+
+void CodeFilesTest::windowsLineEndsMakeNoDifference_data()
+{
+    hasTheDefectAlone_data();
+}
+
+void CodeFilesTest::windowsLineEndsMakeNoDifference()
+{
+    QFETCH(QString, code);
+    QFETCH(QString, line);
+    QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("a.hts")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(contentOf(code + QStringLiteral(".hts")).replace("\n", "\r\n"));
+    file.close();
+    QCOMPARE(linesOf(checkedFile(file.fileName(), controlOf(code)).findings), QStringList{line});
+}
+
+QTEST_GUILESS_MAIN(CodeFilesTest)
+
+#include "tst_codefiles.moc"

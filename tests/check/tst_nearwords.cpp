@@ -1,0 +1,200 @@
+#include <QtTest>
+
+#include "check/knownlines.h"
+#include "check/nearwords.h"
+#include "check/numberhint.h"
+#include "check/quotedtext.h"
+
+namespace {
+
+std::string bytesOfText(const QString& text)
+{
+    return text.toStdString();
+}
+
+} // namespace
+
+class NearWordsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void editDistance_data();
+    void editDistance();
+    void nearestKeyOfALine_data();
+    void nearestKeyOfALine();
+    void hintsAtWhatIsMeant_data();
+    void hintsAtWhatIsMeant();
+    void quotesOnOneLine_data();
+    void quotesOnOneLine();
+};
+
+void NearWordsTest::editDistance_data()
+{
+    QTest::addColumn<QString>("a");
+    QTest::addColumn<QString>("b");
+    QTest::addColumn<int>("limit");
+    QTest::addColumn<int>("distance");
+    QTest::newRow("equal") << "flow"
+                           << "flow" << 3 << 0;
+    QTest::newRow("both empty") << ""
+                                << "" << 3 << 0;
+    QTest::newRow("one empty") << ""
+                               << "abc" << 3 << 3;
+    QTest::newRow("replaced") << "flow"
+                              << "glow" << 3 << 1;
+    QTest::newRow("inserted") << "flow"
+                              << "flows" << 3 << 1;
+    QTest::newRow("taken out") << "flow"
+                               << "fow" << 3 << 1;
+    QTest::newRow("swapped") << "flow"
+                             << "folw" << 3 << 2;
+    QTest::newRow("other words") << "kitten"
+                                 << "sitting" << 3 << 3;
+    QTest::newRow("past the limit") << "kitten"
+                                    << "sitting" << 2 << 3;
+    QTest::newRow("too long") << "a"
+                              << "abcdef" << 2 << 3;
+}
+
+void NearWordsTest::editDistance()
+{
+    QFETCH(QString, a);
+    QFETCH(QString, b);
+    QFETCH(int, limit);
+    QFETCH(int, distance);
+    QCOMPARE(::editDistance(a, b, limit), distance);
+    QCOMPARE(::editDistance(b, a, limit), distance);
+}
+
+void NearWordsTest::nearestKeyOfALine_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("key");
+    QTest::newRow("blank lost") << "object_type:Lake"
+                                << "object_type: ";
+    QTest::newRow("tab after the colon") << "object_type:\tLake"
+                                         << "object_type: ";
+    QTest::newRow("blank before the colon") << "slot_name : Flow"
+                                            << "slot_name: ";
+    QTest::newRow("blank inside") << "slot name: Flow"
+                                  << "slot_name: ";
+    QTest::newRow("letter case") << "Object_Name: Lake"
+                                 << "object_name: ";
+    QTest::newRow("typo") << "object_nane: Lake"
+                          << "object_name: ";
+    QTest::newRow("letter lost") << "objectname: Lake"
+                                 << "object_name: ";
+    QTest::newRow("letter too many") << "object__name: Lake"
+                                     << "object_name: ";
+    QTest::newRow("no colon") << "object_name Lake"
+                              << "object_name: ";
+    QTest::newRow("comma for the colon") << "slot_type, SeriesSlot"
+                                         << "slot_type: ";
+    QTest::newRow("cut") << "slot_na"
+                         << "slot_name: ";
+    QTest::newRow("end line in lower case") << "end_slot_preamble"
+                                            << "END_SLOT_PREAMBLE";
+    QTest::newRow("end line, typo") << "END_SLOT_PREAMBEL"
+                                    << "";
+    QTest::newRow("end line, one letter") << "END_SLOT_PREAMBL"
+                                          << "END_SLOT_PREAMBLE";
+    QTest::newRow("end line, cut") << "END_SLO"
+                                   << "END_SLOT_PREAMBLE";
+    QTest::newRow("end of the run") << "END RUN"
+                                    << "END_RUN";
+    QTest::newRow("two typos") << "objekt_nane: Lake"
+                               << "";
+    QTest::newRow("comment") << "# object_name: Lake"
+                             << "object_name: ";
+    QTest::newRow("other text") << "made by hand"
+                                << "";
+    QTest::newRow("one letter") << "s"
+                                << "";
+    QTest::newRow("longer word") << "object_names_and_types: 3"
+                                 << "";
+}
+
+void NearWordsTest::nearestKeyOfALine()
+{
+    QFETCH(QString, line);
+    QFETCH(QString, key);
+    QCOMPARE(QString(nearestKey(bytesOfText(line), knownLinesOf(Section::Slot))), key);
+}
+
+void NearWordsTest::hintsAtWhatIsMeant_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("hint");
+    const QString missing = QStringLiteral("a missing value, which is written NaN");
+    for (const char* text : {"NA", "n/a", "#N/A", "-nan", "null", "None", "missing", "-", "***",
+                             "1.#QNAN", "-1.#IND", "..."})
+        QTest::newRow(text) << text << missing;
+    QTest::newRow("1,5") << "1,5"
+                         << "a decimal comma";
+    QTest::newRow("-0,25") << "-0,25"
+                           << "a decimal comma";
+    QTest::newRow("1.234,5") << "1.234,5"
+                             << "a decimal comma";
+    QTest::newRow("1,234") << "1,234"
+                           << "a decimal comma or a thousands separator";
+    QTest::newRow("1,234,567") << "1,234,567"
+                               << "a thousands separator";
+    QTest::newRow("1,234.5") << "1,234.5"
+                             << "a thousands separator";
+    QTest::newRow("1 234") << "1 234"
+                           << "a thousands separator";
+    QTest::newRow("2000-01-31") << "2000-01-31"
+                                << "a date";
+    QTest::newRow("31.1.2000") << "31.1.2000"
+                               << "a date";
+    QTest::newRow("1/31/2000 24:00") << "1/31/2000 24:00"
+                                     << "a date";
+    QTest::newRow("1.5D+03") << "1.5D+03"
+                             << "an exponent that begins with D instead of E";
+    QTest::newRow("quoted") << "\"1.5\""
+                            << "quotes around a number";
+    QTest::newRow("1.5 2.5") << "1.5 2.5"
+                             << "more than one number";
+    QTest::newRow("1.5;2.5") << "1.5;2.5"
+                             << "more than one number";
+    QTest::newRow("12.5 cms") << "12.5 cms"
+                              << "something after a number";
+    QTest::newRow("12.5*") << "12.5*"
+                           << "something after a number";
+    QTest::newRow("abc") << "abc"
+                         << "";
+}
+
+void NearWordsTest::hintsAtWhatIsMeant()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, hint);
+    QCOMPARE(numberHint(bytesOfText(text)), hint);
+}
+
+void NearWordsTest::quotesOnOneLine_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("plain") << QByteArray("Lake A") << "\"Lake A\"";
+    QTest::newRow("empty") << QByteArray() << "\"\"";
+    QTest::newRow("tab") << QByteArray("a\tb") << "\"a\\tb\"";
+    QTest::newRow("escape") << QByteArray("a\x1b[31m") << "\"a\\u001b[31m\"";
+    QTest::newRow("UTF-8") << QByteArray("\xc3\x84") << QStringLiteral("\"\u00c4\"");
+    QTest::newRow("long") << QByteArray(100, 'x')
+                          << QLatin1Char('"') + QString(60, QLatin1Char('x')) +
+                                 QLatin1String("...\"");
+}
+
+void NearWordsTest::quotesOnOneLine()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, text);
+    QCOMPARE(quoted(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size()))),
+             text);
+}
+
+QTEST_APPLESS_MAIN(NearWordsTest)
+
+#include "tst_nearwords.moc"

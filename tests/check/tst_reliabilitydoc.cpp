@@ -1,0 +1,203 @@
+// docs/reliability.md: every oddity that gives other numbers without a word, a row in italics,
+// names after its arrow the codes that the check reports it with. Each is tried here.
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "check/findings.h"
+#include "tests/check/checkedtext.h"
+
+namespace {
+
+const QByteArray kSteps =
+    "2000-1-31 24:00\n2000-2-29 24:00\n2000-3-31 24:00\n2000-4-30 24:00\n2000-5-31 24:00\n"
+    "2000-6-30 24:00\n2000-7-31 24:00\n2000-8-31 24:00\n2000-9-30 24:00\n2000-10-31 24:00\n"
+    "2000-11-30 24:00\n2000-12-31 24:00\n";
+const QByteArray kValues = "1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n";
+
+// Not of a leap year.
+QByteArray stepsOf(int year)
+{
+    return QByteArray(kSteps)
+        .replace("2-29", "2-28")
+        .replace("2000-", QByteArray::number(year) + '-');
+}
+
+QByteArray runOf(const QByteArray& start, const QByteArray& steps, const QByteArray& unit = "month")
+{
+    const QByteArray lastStep = steps.trimmed().split('\n').last();
+    return "start:" + start + "\nend:" + lastStep + "\ntime_step_unit:" + unit +
+           "\nunit_quantity:1\ntime_steps:" + QByteArray::number(steps.count('\n')) +
+           "\nEND_RUN_PREAMBLE\n" + steps;
+}
+
+QByteArray slotOf(const QByteArray& name, const QByteArray& values)
+{
+    return "object_type: R\nobject_name: Lake\nslot_type: SeriesSlot\nslot_name: " + name +
+           "\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n" + values + "END_COLUMN\nEND_SLOT\n";
+}
+
+// One run of a year with two slots.
+QByteArray usualFile()
+{
+    return "number_of_runs:1\nEND_PACKAGE_PREAMBLE\n" + runOf("2000-1-31 24:00", kSteps) +
+           slotOf("Flow", kValues) + slotOf("Volume", kValues) + "END_RUN\n";
+}
+
+QByteArray fileOf(const QByteArray& start, const QByteArray& steps,
+                  const QByteArray& unit = "month")
+{
+    return "number_of_runs:1\nEND_PACKAGE_PREAMBLE\n" + runOf(start, steps, unit) +
+           slotOf("Flow", QByteArray("1\n").repeated(steps.count('\n'))) + "END_RUN\n";
+}
+
+// A table, as the first slot of the usual file.
+QByteArray withTable(const QByteArray& rowsAndEnd)
+{
+    return usualFile().replace("object_type: R\nobject_name: Lake\nslot_type: SeriesSlot\n"
+                               "slot_name: Flow\n",
+                               "object_type: R\nobject_name: Lake\nslot_type: TableSlot\n"
+                               "slot_name: Area\nrows: 2\nEND_SLOT_PREAMBLE\n" +
+                                   rowsAndEnd +
+                                   "object_type: R\nobject_name: Lake\nslot_type: SeriesSlot\n"
+                                   "slot_name: Flow\n");
+}
+
+// The first such text in the usual file replaced.
+QByteArray changed(const QByteArray& before, const QByteArray& after)
+{
+    QByteArray text = usualFile();
+    const int at = text.indexOf(before);
+    if (at < 0)
+        qFatal("not in the file: %s", before.constData());
+    return text.replace(at, before.size(), after);
+}
+
+// Files for the rows, by the beginning of the oddity.
+const std::vector<std::pair<const char*, QByteArrayList>>& files()
+{
+    static const std::vector<std::pair<const char*, QByteArrayList>> kFiles = {
+        {"blank line among values", {changed("\n7\n", "\n\n7\n"), changed("\n7\n", "\n\n")}},
+        {"blank before the", {changed("scale: 1\n", "scale: 1\n method: Sum\n")}},
+        {"first value of a slot", {changed("scale: 1\n1\n", "scale: 1\nmissing\n")}},
+        {"tab behind the colon of a key",
+         {changed("slot_name: Flow", "slot_name:\tFlow"), changed("unit:month", "unit:\tmonth")}},
+        {"one value too many", {changed("\n7\n", "\n7\n7\n")}},
+        {"one value missing", {changed("\n7\n", "\n")}},
+        {"`END_COLUMN` or", {changed("END_COLUMN\n", ""), changed("END_SLOT\n", "")}},
+        {"table with fewer rows",
+         {withTable("1 2\nEND_SLOT\n"), withTable("1 2\n3 4\n"),
+          withTable("1 2\n3 4\nend_slot\n")}},
+        {"`slot_type: seriesslot`", {changed("slot_type: SeriesSlot", "slot_type: seriesslot")}},
+        {"decimal comma",
+         {changed("\n7\n", "\n7,5\n"), changed("\n7\n", "\n1,007\n"), changed("\n7\n", "\n7d0\n"),
+          changed("\n7\n", "\n0x7\n"), changed("\n7\n", "\nNA\n"), changed("\n7\n", "\n-nan\n"),
+          changed("\n7\n", "\n1.#QNAN\n"), changed("\n7\n", "\n\"7\"\n"),
+          changed("\n7\n", "\n7 cms\n")}},
+        {"-999", {changed("7\n8\n", "-999\n-999\n")}},
+        {"month left out",
+         {fileOf("2000-1-31 24:00", QByteArray(kSteps).replace("2000-5-31 24:00\n", "")),
+          fileOf("2000-1-31 24:00", QByteArray(kSteps).replace("2000-5-31", "2000-4-30")),
+          fileOf("2000-1-31 24:00", QByteArray(kSteps).replace("2000-4-30 24:00\n2000-5-31",
+                                                               "2000-5-31 24:00\n2000-4-30"))}},
+        {"December left out",
+         {fileOf("2000-1-31 24:00",
+                 QByteArray(kSteps).replace("2000-12-31 24:00\n", "") + stepsOf(2001)),
+          fileOf("2000-1-31 24:00",
+                 QByteArray(kSteps + stepsOf(2001))
+                     .replace("2000-12-31 24:00\n2001-1-31", "2001-1-31 24:00\n2000-12-31"))}},
+        {"one or more years left out",
+         {fileOf("2000-1-31 24:00", kSteps + stepsOf(2002) + stepsOf(2003))}},
+        {"back to an earlier year",
+         {fileOf("2000-1-31 24:00", kSteps + stepsOf(2001) + kSteps + stepsOf(2001))}},
+        {"`start:` in the calendar year before",
+         {fileOf("1999-7-31 24:00", kSteps.mid(kSteps.indexOf("2000-7")) + stepsOf(2001))}},
+        {"`start:` two or more",
+         {fileOf("1997-7-31 24:00",
+                 kSteps.mid(kSteps.indexOf("2000-7")) + stepsOf(2001) + stepsOf(2002))}},
+        {"`start:` in a later year", {fileOf("2001-1-31 24:00", kSteps + stepsOf(2001))}},
+        {"steps of several units",
+         {fileOf("2000-3-31 24:00", "2000-3-31 24:00\n2000-6-30 24:00\n2000-9-30 24:00\n"
+                                    "2000-12-31 24:00\n2001-3-31 24:00\n2001-6-30 24:00\n"
+                                    "2001-9-30 24:00\n2001-12-31 24:00\n")}},
+        {"later run with other timesteps in between",
+         {"number_of_runs:2\nEND_PACKAGE_PREAMBLE\n" + runOf("2000-1-31 24:00", kSteps) +
+              slotOf("Flow", kValues) + "END_RUN\n" +
+              runOf("2000-1-31 24:00", QByteArray(kSteps).replace("2000-5-31", "2000-5-30")) +
+              slotOf("Flow", kValues) + "END_RUN\n",
+          "number_of_runs:2\nEND_PACKAGE_PREAMBLE\n" + runOf("2000-1-31 24:00", kSteps) +
+              slotOf("Flow", kValues) + "END_RUN\n" + runOf("2000-1-31 24:00", kSteps, "day") +
+              slotOf("Flow", kValues) + "END_RUN\n"}},
+    };
+    return kFiles;
+}
+
+// Oddity and codes of each row in italics.
+std::vector<std::pair<QString, QStringList>> rowsInItalics()
+{
+    QFile file(QStringLiteral(SOURCE_DIR "/docs/reliability.md"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(file.fileName()));
+    std::vector<std::pair<QString, QStringList>> rows;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))) {
+        if (!line.startsWith(QStringLiteral("| *")))
+            continue;
+        const QString oddity = line.section(QStringLiteral("* | "), 0, 0).mid(3);
+        QStringList codes;
+        const QString arrow = QString::fromUtf8("\xe2\x86\x92");
+        for (const QString& word : line.section(arrow, 1).split(QLatin1Char('`')))
+            if (word.contains(QRegularExpression(QStringLiteral("^[a-z][a-z-]+$"))))
+                codes.append(word);
+        rows.emplace_back(oddity, codes);
+    }
+    return rows;
+}
+
+} // namespace
+
+class ReliabilityDocTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void rowsInItalicsNameTheirCodes();
+    void usualFileHasNothing();
+};
+
+void ReliabilityDocTest::rowsInItalicsNameTheirCodes()
+{
+    const auto rows = rowsInItalics();
+    QCOMPARE(rows.size(), files().size());
+    for (const auto& [oddity, codes] : rows) {
+        const auto entry = std::find_if(files().begin(), files().end(), [&](const auto& file) {
+            return oddity.startsWith(QString::fromUtf8(file.first));
+        });
+        QVERIFY2(entry != files().end(), qPrintable(oddity));
+        QSet<QString> found;
+        for (const QByteArray& text : entry->second) {
+            const CheckReport report = checkedText(text);
+            bool isNamed = false;
+            for (const Finding& finding : report.findings.sorted()) {
+                const QString code = QString::fromUtf8(infoOf(finding.code).name);
+                isNamed = isNamed || codes.contains(code);
+                if (codes.contains(code))
+                    found.insert(code);
+            }
+            QVERIFY2(isNamed, qPrintable(oddity + QLatin1String(": ") +
+                                         findingTexts(report.findings).join(QLatin1Char('\n'))));
+        }
+        // None of them is named for nothing.
+        QVERIFY2(found == QSet<QString>(codes.begin(), codes.end()),
+                 qPrintable(oddity + QLatin1String(": ") + found.values().join(QLatin1Char(' '))));
+    }
+}
+
+void ReliabilityDocTest::usualFileHasNothing()
+{
+    QCOMPARE(findingTexts(checkedText(usualFile()).findings), QStringList());
+}
+
+QTEST_APPLESS_MAIN(ReliabilityDocTest)
+
+#include "tst_reliabilitydoc.moc"

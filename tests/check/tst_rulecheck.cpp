@@ -1,0 +1,165 @@
+// What is found about the rules of a control file, and the plan that they make.
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "check/findings.h"
+#include "check/rulecheck.h"
+#include "tests/check/checkedtext.h"
+
+namespace {
+
+HtsSlot slotOf(const char* type, const char* object, const char* name, const char* kind = "")
+{
+    HtsSlot slot;
+    slot.objectType = QString::fromLatin1(type);
+    slot.objectName = QString::fromLatin1(object);
+    slot.slotName = QString::fromLatin1(name);
+    slot.slotType = QString::fromLatin1(kind);
+    return slot;
+}
+
+const QVector<HtsSlot> kSlots = {
+    slotOf("Reservoir", "Upper Lake", "Outflow"),
+    slotOf("Reservoir", "Lower Lake", "Outflow"),
+    slotOf("Gauge", "Mill", "Flow.Daily"),
+    slotOf("Gauge", "Mill", "Area", "ScalarSlot"),
+};
+
+} // namespace
+
+class RuleCheckTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void findsInRules_data();
+    void findsInRules();
+    void plansEachSlot();
+    void nearestNameIsFoundAmongManySlots();
+
+private:
+    QString write(const QByteArray& rules) const;
+
+    QTemporaryDir m_folder;
+};
+
+QString RuleCheckTest::write(const QByteArray& rules) const
+{
+    const QString path = m_folder.filePath(QStringLiteral("c.txt"));
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(rules) != rules.size())
+        qFatal("cannot write %s", qPrintable(path));
+    return path;
+}
+
+void RuleCheckTest::findsInRules_data()
+{
+    QTest::addColumn<QByteArray>("rules");
+    QTest::addColumn<QStringList>("findings");
+
+    const auto row = [](const char* name, const char* rules, const QStringList& findings) {
+        QTest::newRow(name) << QByteArray(rules) << findings;
+    };
+    row("a rule for all", "*.*: Sum\n", {});
+    row("by type and by name", "Reservoir.Outflow: Sum\nMill.Flow.Daily: End\n", {});
+    row("specific rules first", "Upper Lake.Outflow: Sum\n*.*: End\n", {});
+    row("slots without a rule", "Upper Lake.Outflow: Sum\n",
+        {QStringLiteral("2: slot-without-rule: no rule fits Lower Lake.Outflow, which is left out"),
+         QStringLiteral("3: slot-without-rule: no rule fits Mill.Flow.Daily, which is left out")});
+    row("same rule twice", "*.*: Sum\n\n*.*: End\n",
+        {QStringLiteral("control 3: rule-shadowed: \"*.*: End\" never comes to bear, because "
+                        "\"*.*: Sum\" of line 1 holds before it")});
+    row("wildcard first", "*.Outflow: Sum\nLower Lake.Outflow: End\nMill.*: Max\n",
+        {QStringLiteral("control 2: rule-shadowed: \"Lower Lake.Outflow: End\" never comes to "
+                        "bear, because \"*.Outflow: Sum\" of line 1 holds before it")});
+    row("type first", "Reservoir.Outflow: Sum\nLower Lake.Outflow: End\nMill.*: Max\n",
+        {QStringLiteral("control 2: rule-shadowed: \"Lower Lake.Outflow: End\" never comes to "
+                        "bear, because \"Reservoir.Outflow: Sum\" of line 1 holds before it")});
+    row("idle type",
+        "Upper Lake.Outflow: Sum\nLower Lake.Outflow: End\nReservoir.*: Max\n"
+        "Mill.*: Max\n",
+        {QStringLiteral("control 3: rule-idle: \"Reservoir.*: Max\" never comes to bear: rules "
+                        "such as \"Lower Lake.Outflow: End\" of line 2 hold for all its slots")});
+    row("letter case", "*.*: Sum\nupper lake.Outflow: End\n",
+        {QStringLiteral("control 2: rule-unmatched: \"upper lake.Outflow: End\" fits no slot; the "
+                        "nearest is \"Upper Lake.Outflow\"")});
+    row("wildcard that fits nothing", "*.*: Sum\n*.Outflw: End\n",
+        {QStringLiteral("control 2: rule-unmatched: \"*.Outflw: End\" fits no slot; the nearest is "
+                        "\"*.Outflow\"")});
+    row("type that fits nothing", "*.*: Sum\nReservoirs.Outflow: End\n",
+        {QStringLiteral("control 2: rule-unmatched: \"Reservoirs.Outflow: End\" fits no slot; the "
+                        "nearest is \"Reservoir.Outflow\"")});
+    row("nothing is near", "*.*: Sum\nSomething.Else: End\n",
+        {QStringLiteral("control 2: rule-unmatched: \"Something.Else: End\" fits no slot")});
+    row("scalar alone", "Mill.Area: Max\n*.*: Sum\n",
+        {QStringLiteral("control 1: rule-on-other-slot: \"Mill.Area: Max\" fits only table or "
+                        "scalar slots, which are left out")});
+    row("Salinity", "Mill.*: salinity\n*.*: Sum\n",
+        {QStringLiteral("3: salinity: Mill.Flow.Daily has the method Salinity, which is not "
+                        "supported, and is left out")});
+    row("bad line", "*.*: Sum\n\n*.Outflow: Median\n",
+        {QStringLiteral("control 3: control-line: Method Control File Error: Unknown method "
+                        "specified in line \"*.Outflow: Median\": all rules are lost; a "
+                        "conversion fails: \"No series slots with valid methods found in input "
+                        "HTS file\"")});
+    row("empty", "",
+        {QStringLiteral("1: slot-without-rule: no rule fits Upper Lake.Outflow, which "
+                        "is left out"),
+         QStringLiteral("2: slot-without-rule: no rule fits Lower Lake.Outflow, which "
+                        "is left out"),
+         QStringLiteral("3: slot-without-rule: no rule fits Mill.Flow.Daily, which is "
+                        "left out")});
+}
+
+void RuleCheckTest::findsInRules()
+{
+    QFETCH(QByteArray, rules);
+    QFETCH(QStringList, findings);
+    Findings found;
+    RuleCheck check(found);
+    check.read(write(rules));
+    for (int s = 0; s < kSlots.size(); ++s)
+        check.addSlot(kSlots.at(s), s + 1);
+    check.finish();
+    QCOMPARE(findingTexts(found), findings);
+}
+
+void RuleCheckTest::plansEachSlot()
+{
+    Findings findings;
+    RuleCheck check(findings);
+    check.read(write("\nUpper Lake.*: sumnan\nMill.*: Salinity\n"));
+    QStringList plan;
+    for (const HtsSlot& slot : kSlots) {
+        const PlannedSlot& planned = check.addSlot(slot, 1);
+        plan.append(QStringLiteral("%1|%2|%3|%4|%5")
+                        .arg(planned.name)
+                        .arg(planned.isSeries)
+                        .arg(planned.isConverted())
+                        .arg(planned.method == nullptr ? QString() : planned.method->word)
+                        .arg(planned.ruleLine));
+    }
+    QCOMPARE(plan, (QStringList{QStringLiteral("Upper Lake.Outflow|1|1|SumNaN|2"),
+                                QStringLiteral("Lower Lake.Outflow|1|0||0"),
+                                QStringLiteral("Mill.Flow.Daily|1|0|Salinity|3"),
+                                QStringLiteral("Mill.Area|0|0|Salinity|3")}));
+}
+
+void RuleCheckTest::nearestNameIsFoundAmongManySlots()
+{
+    Findings findings;
+    RuleCheck check(findings);
+    check.read(write("Object77.Flaw: Sum\n*.*: End\n"));
+    for (int s = 0; s < 500; ++s)
+        check.addSlot(slotOf("Reach", qPrintable(QStringLiteral("Object%1").arg(s)), "Flow"), 1);
+    check.finish();
+    QCOMPARE(findingTexts(findings),
+             QStringList{QStringLiteral("control 1: rule-unmatched: \"Object77.Flaw: Sum\" fits no "
+                                        "slot; the nearest is \"Object77.Flow\"")});
+}
+
+QTEST_APPLESS_MAIN(RuleCheckTest)
+
+#include "tst_rulecheck.moc"

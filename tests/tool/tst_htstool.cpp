@@ -1,0 +1,411 @@
+// htstool as a process: arguments, exit codes, what goes to which stream.
+
+#include <QtTest>
+
+#include "tests/tool/toolrun.h"
+
+namespace {
+
+const QByteArray kHint = "Try \"htstool --help\".\n";
+
+void writePond(const ToolRun& run)
+{
+    run.write(QStringLiteral("pond.hts"), sourceFile(QStringLiteral("tests/tool/files/pond.hts")));
+    run.write(QStringLiteral("pond_methods.txt"),
+              sourceFile(QStringLiteral("tests/tool/files/pond_methods.txt")));
+}
+
+// A smallest file of the check's tests.
+QByteArray codeFile(const char* code)
+{
+    return sourceFile(QStringLiteral("tests/check/files/%1.hts").arg(QLatin1String(code)));
+}
+
+} // namespace
+
+class HtstoolTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void showsTexts_data();
+    void showsTexts();
+    void wrongUsageIsRefused_data();
+    void wrongUsageIsRefused();
+    void exitCodeIsTheWorst_data();
+    void exitCodeIsTheWorst();
+    void examplesHaveNothingWorseThanNotes();
+    void countsWhatIsNotShown();
+    void readsTheStandardInput();
+    void usesColoursOnATerminalOnly();
+    void writesCounts();
+    void inputsAreNotOverwritten_data();
+    void inputsAreNotOverwritten();
+    void exportsLongForm();
+    void exportsWideForm();
+    void exportsOneRun();
+    void exportReportsText();
+    void exportFailsForABrokenFile();
+    void fullDiskIsReported();
+    void closedStandardStreamsAreNoFiles();
+    void namesAreUtf8UnderTheCLocale();
+};
+
+void HtstoolTest::showsTexts_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("firstLine");
+    for (const char* line : {"-h", "--help"})
+        QTest::newRow(line) << wordsOf(line)
+                            << QByteArray("Usage: htstool COMMAND [OPTIONS] FILE...");
+    for (const char* line : {"-v", "--version", "check -v", "export --version"})
+        QTest::newRow(line) << wordsOf(line) << QByteArray("htstool " PROJECT_VERSION);
+    for (const char* line : {"check -h", "check --help", "check a.hts --help"})
+        QTest::newRow(line) << wordsOf(line)
+                            << QByteArray("Usage: htstool check [OPTIONS] FILE...");
+    for (const char* line : {"export -h", "export --help"})
+        QTest::newRow(line) << wordsOf(line)
+                            << QByteArray("Usage: htstool export [OPTIONS] -o OUT.csv FILE");
+}
+
+void HtstoolTest::showsTexts()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, firstLine);
+    ToolRun run;
+    run.start(arguments);
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.output.split('\n').first(), firstLine);
+    QVERIFY(run.output.endsWith('\n'));
+}
+
+void HtstoolTest::wrongUsageIsRefused_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("message");
+    const auto row = [](const char* arguments, const char* message) {
+        QTest::newRow(arguments) << wordsOf(arguments) << QByteArray(message);
+    };
+    row("", "no command is given");
+    row("list a.hts", "\"list\" is not one of the commands check and export");
+    row("check", "check needs a file");
+    row("check --all a.hts", "Unknown option 'all'.");
+    row("check a.hts -y", "Missing value after '-y'.");
+    row("check a.hts -y 0", "the month \"0\" is not one of 1 to 12");
+    row("check a.hts -y 13", "the month \"13\" is not one of 1 to 12");
+    row("check a.hts --end-month=May", "the month \"May\" is not one of 1 to 12");
+    row("check a.hts --control=", "the path of the control file is empty");
+    row("check a.hts --counts=", "the path for the counts is empty");
+    row("check a.hts --format=xml", "the format \"xml\" is not text or json");
+    row("export a.hts", "export needs a file to write, with -o");
+    row("export -o b.csv", "export needs one file");
+    row("export -o b.csv a.hts b.hts", "export needs one file");
+    row("export -o b.csv a.hts --run 0", "\"0\" is not the number of a run");
+}
+
+void HtstoolTest::wrongUsageIsRefused()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, message);
+    ToolRun run;
+    run.start(arguments);
+    QCOMPARE(run.errors, "htstool: " + message + '\n' + kHint);
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.exitCode, 3);
+}
+
+void HtstoolTest::exitCodeIsTheWorst_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QByteArray>("errors");
+    const QByteArray clean = "clean.hts: 0 errors, 0 warnings, 0 notes\n";
+    const QByteArray note = "note.hts: 0 errors, 0 warnings, 1 note\n";
+    const QByteArray warning = "warning.hts: 0 errors, 1 warning, 0 notes\n";
+    const QByteArray error = "error.hts: 1 error, 0 warnings, 0 notes; a conversion fails: "
+                             "\"Cannot read slot preamble\"\n";
+    const QByteArray endless = "endless.hts: 1 error, 0 warnings, 0 notes; a conversion never "
+                               "ends\n";
+    const QByteArray none = "htstool: none.hts: No such file or directory\n";
+    const auto row = [](const char* arguments, int exitCode, const QByteArray& errors) {
+        QTest::newRow(arguments) << wordsOf(arguments) << exitCode << errors;
+    };
+    row("check clean.hts", 0, clean);
+    row("check note.hts", 0, note);
+    row("check warning.hts", 1, warning);
+    row("check error.hts", 2, error);
+    row("check endless.hts", 2, endless);
+    row("check none.hts", 3, none);
+    row("check clean.hts warning.hts note.hts", 1, clean + warning + note);
+    row("check error.hts warning.hts", 2, error + warning);
+    row("check none.hts error.hts clean.hts", 3, none + error + clean);
+    row("check . clean.hts", 3, "htstool: .: file to open is a directory\n" + clean);
+    row("check clean.hts -c none.txt", 2,
+        "clean.hts: 1 error, 0 warnings, 0 notes; a conversion fails: \"No series slots with "
+        "valid methods found in input HTS file\"\n");
+    row("check -y 6 clean.hts", 2,
+        "clean.hts: 1 error, 0 warnings, 0 notes; a conversion fails: \"Cannot create a complete "
+        "year from the input HTS file\"\n");
+}
+
+void HtstoolTest::exitCodeIsTheWorst()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
+    QFETCH(QByteArray, errors);
+    ToolRun run;
+    run.write(QStringLiteral("clean.hts"), codeFile("slot-without-rule"));
+    run.write(QStringLiteral("note.hts"), codeFile("missing-values"));
+    run.write(QStringLiteral("warning.hts"), codeFile("text-value"));
+    run.write(QStringLiteral("error.hts"), codeFile("slot-preamble"));
+    run.write(QStringLiteral("endless.hts"), codeFile("table-without-end"));
+    run.start(arguments);
+    QCOMPARE(run.errors, errors);
+    QCOMPARE(run.exitCode, exitCode);
+}
+
+void HtstoolTest::examplesHaveNothingWorseThanNotes()
+{
+    const QString examples = QStringLiteral(SOURCE_DIR "/examples/");
+    ToolRun run;
+    for (const char* name : {"basins_monthly", "rivers_daily"}) {
+        const QString stem = examples + QLatin1String(name);
+        run.start({QStringLiteral("check"), QStringLiteral("-y9"), stem + QStringLiteral(".hts"),
+                   QStringLiteral("-c"), stem + QStringLiteral("_methods.txt")});
+        QVERIFY2(run.exitCode == 0, run.output.constData());
+    }
+}
+
+void HtstoolTest::countsWhatIsNotShown()
+{
+    ToolRun run;
+    QByteArray text = codeFile("text-value");
+    for (const char* value : {"1", "2", "3", "4", "5", "6", "8", "9", "10", "11", "12"})
+        text.replace(QByteArray("\n") + value + '\n', "\n1,5\n");
+    run.write(QStringLiteral("a.hts"), text);
+    run.start(wordsOf("check a.hts"));
+    const QByteArrayList lines = run.output.trimmed().split('\n');
+    QCOMPARE(lines.size(), 11);
+    QCOMPARE(lines.last(), QByteArray("a.hts: warning: 13 more [text-value]"));
+    QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 23 warnings, 0 notes\n"));
+}
+
+void HtstoolTest::readsTheStandardInput()
+{
+    ToolRun run;
+    run.start(wordsOf("check -"), codeFile("text-value"));
+    QCOMPARE(run.output,
+             QByteArray("-:38: warning: \"7,5\" is no number and counts as 0; it may be "
+                        "a decimal comma [text-value]\n"));
+    QCOMPARE(run.exitCode, 1);
+}
+
+// Under script(1) the standard output is a terminal.
+void HtstoolTest::usesColoursOnATerminalOnly()
+{
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"), codeFile("text-value"));
+    run.startShell(QStringLiteral("TERM=xterm script -qec '$TOOL check a.hts' /dev/null"));
+    QVERIFY(run.output.contains("a.hts:38: \033[35mwarning\033[0m: "));
+    run.startShell(
+        QStringLiteral("NO_COLOR=1 TERM=xterm script -qec '$TOOL check a.hts' /dev/null"));
+    QVERIFY(run.output.contains("a.hts:38: warning: "));
+    run.startShell(QStringLiteral("TERM=dumb script -qec '$TOOL check a.hts' /dev/null"));
+    QVERIFY(run.output.contains("a.hts:38: warning: "));
+    run.start(wordsOf("check a.hts"));
+    QVERIFY(run.output.startsWith("a.hts:38: warning: "));
+}
+
+void HtstoolTest::writesCounts()
+{
+    ToolRun run;
+    writePond(run);
+    run.start(wordsOf("check pond.hts --counts counts.csv"));
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.read(QStringLiteral("counts.csv")),
+             QByteArray("file,run,trace,object,slot,year_end,timesteps,missing\n"
+                        "pond.hts,1,,Mill Pond,Outflow,2022-01-01T00:00:00,12,0\n"
+                        "pond.hts,1,,Mill Pond,Outflow,2023-01-01T00:00:00,11,0\n"
+                        "pond.hts,1,,Mill Pond,Outflow,2024-01-01T00:00:00,12,0\n"
+                        "pond.hts,1,,Mill Pond,Storage,2022-01-01T00:00:00,12,0\n"
+                        "pond.hts,1,,Mill Pond,Storage,2023-01-01T00:00:00,11,0\n"
+                        "pond.hts,1,,Mill Pond,Storage,2024-01-01T00:00:00,12,0\n"
+                        "pond.hts,1,,Mill Pond,Inflow,2022-01-01T00:00:00,12,1\n"
+                        "pond.hts,1,,Mill Pond,Inflow,2023-01-01T00:00:00,11,1\n"
+                        "pond.hts,1,,Mill Pond,Inflow,2024-01-01T00:00:00,12,1\n")
+                 .replace("\n", "\r\n"));
+}
+
+void HtstoolTest::inputsAreNotOverwritten_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("output");
+    const auto row = [](const char* arguments, const char* output) {
+        QTest::newRow(arguments) << wordsOf(arguments) << QByteArray(output);
+    };
+    row("check pond.hts --counts pond.hts", "pond.hts");
+    row("check pond.hts --counts ./pond.hts", "./pond.hts");
+    row("check none.hts pond.hts --counts link.hts", "link.hts");
+    row("check pond.hts -c pond_methods.txt --counts pond_methods.txt", "pond_methods.txt");
+    row("export pond.hts -o pond.hts", "pond.hts");
+    row("export link.hts -o pond.hts", "pond.hts");
+}
+
+void HtstoolTest::inputsAreNotOverwritten()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, output);
+    ToolRun run;
+    writePond(run);
+    QVERIFY(QFile::link(QStringLiteral("pond.hts"), run.path(QStringLiteral("link.hts"))));
+    run.start(arguments);
+    QCOMPARE(run.errors, "htstool: " + output + ": this is an input: it is not overwritten\n");
+    QCOMPARE(run.exitCode, 3);
+    QCOMPARE(run.read(QStringLiteral("pond.hts")),
+             sourceFile(QStringLiteral("tests/tool/files/pond.hts")));
+    QCOMPARE(run.read(QStringLiteral("pond_methods.txt")),
+             sourceFile(QStringLiteral("tests/tool/files/pond_methods.txt")));
+}
+
+namespace {
+
+// Two runs of a series, a scalar and a table.
+const QByteArray kMixedFile =
+    "number_of_runs:2\nEND_PACKAGE_PREAMBLE\n"
+    "trace:7\ntime_steps:2\nEND_RUN_PREAMBLE\n2000-1-31 24:00\n2000-2-29 6:00\n"
+    "object_type: R\nobject_name: Lake, upper\nslot_name: Flow\nEND_SLOT_PREAMBLE\n"
+    "units: cms\nscale: 1\n0.1\nNaN\nEND_COLUMN\nEND_SLOT\n"
+    "object_type: R\nobject_name: Lake\nslot_type: ScalarSlot\nslot_name: Area\n"
+    "END_SLOT_PREAMBLE\nunits: km2\nscale: 1\n12.25\nEND_COLUMN\nEND_SLOT\n"
+    "object_type: R\nobject_name: Lake\nslot_type: TableSlot\nslot_name: T\nrows: 1\n"
+    "END_SLOT_PREAMBLE\n1 2\nEND_SLOT\nEND_RUN\n"
+    "time_steps:1\nEND_RUN_PREAMBLE\n2001-1-31 24:00\n"
+    "object_type: R\nobject_name: Lake, upper\nslot_name: Flow\nEND_SLOT_PREAMBLE\n"
+    "units: cms\nscale: 1\n-1e-300\nEND_COLUMN\nEND_SLOT\nEND_RUN\n";
+
+} // namespace
+
+void HtstoolTest::exportsLongForm()
+{
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"), kMixedFile);
+    run.start(wordsOf("export a.hts -o a.csv"));
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("a.csv")),
+             QByteArray("run,trace,object,slot,units,time,value\r\n"
+                        "1,7,\"Lake, upper\",Flow,cms,2000-02-01T00:00:00,0.1\r\n"
+                        "1,7,\"Lake, upper\",Flow,cms,2000-02-29T06:00:00,\r\n"
+                        "1,7,Lake,Area,km2,,12.25\r\n"
+                        "2,,\"Lake, upper\",Flow,cms,2001-02-01T00:00:00,-1e-300\r\n"));
+}
+
+void HtstoolTest::exportsWideForm()
+{
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"), kMixedFile);
+    run.start(wordsOf("export --wide a.hts -o -"));
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.output, QByteArray("run,trace,time,\"Lake, upper.Flow [cms]\"\r\n"
+                                    "1,7,2000-02-01T00:00:00,0.1\r\n"
+                                    "1,7,2000-02-29T06:00:00,\r\n"
+                                    "2,,2001-02-01T00:00:00,-1e-300\r\n"));
+
+    run.write(QStringLiteral("b.hts"),
+              QByteArray(kMixedFile).replace("cms\nscale: 1\n-1", "cfs\nscale: 1\n-1"));
+    run.start(wordsOf("export --wide b.hts -o -"));
+    QCOMPARE(run.errors, QByteArray("htstool: b.hts: The runs have different slots; export one of "
+                                    "them; the export is not complete\n"));
+    QCOMPARE(run.exitCode, 2);
+    run.start(wordsOf("export -w -r2 b.hts -o -"));
+    QCOMPARE(run.output, QByteArray("run,trace,time,\"Lake, upper.Flow [cfs]\"\r\n"
+                                    "2,,2001-02-01T00:00:00,-1e-300\r\n"));
+    QCOMPARE(run.exitCode, 0);
+}
+
+void HtstoolTest::exportsOneRun()
+{
+    ToolRun run;
+    run.start(wordsOf("export --run 2 - -o -"), kMixedFile);
+    QCOMPARE(run.output, QByteArray("run,trace,object,slot,units,time,value\r\n"
+                                    "2,,\"Lake, upper\",Flow,cms,2001-02-01T00:00:00,-1e-300\r\n"));
+    QCOMPARE(run.exitCode, 0);
+    run.start(wordsOf("export --run 3 - -o -"), kMixedFile);
+    QCOMPARE(run.errors,
+             QByteArray("htstool: -: The file has 2 runs; the export is not complete\n"));
+    QCOMPARE(run.exitCode, 2);
+}
+
+void HtstoolTest::exportReportsText()
+{
+    ToolRun run;
+    run.start(wordsOf("export - -o -"), codeFile("text-value"));
+    QVERIFY(run.output.contains("2000-08-01T00:00:00,0\r\n"));
+    QCOMPARE(run.errors, QByteArray("htstool: -: 1 values are no numbers and were exported as 0; "
+                                    "htstool check has their lines\n"));
+    QCOMPARE(run.exitCode, 1);
+}
+
+void HtstoolTest::exportFailsForABrokenFile()
+{
+    ToolRun run;
+    run.start(wordsOf("export - -o -"), codeFile("timestep-line"));
+    QCOMPARE(run.errors,
+             QByteArray("htstool: -: Cannot read run preamble; the export is not complete\n"));
+    QCOMPARE(run.exitCode, 2);
+    run.start(wordsOf("export - -o -"), codeFile("table-without-end"));
+    QCOMPARE(run.errors, QByteArray("htstool: -: A table slot has no \"END_SLOT\" after it; the "
+                                    "export is not complete\n"));
+    QCOMPARE(run.exitCode, 2);
+    run.start(wordsOf("export none.hts -o none.csv"));
+    QCOMPARE(run.errors, QByteArray("htstool: none.hts: No such file or directory\n"));
+    QCOMPARE(run.exitCode, 3);
+    QCOMPARE(run.read(QStringLiteral("none.csv")), QByteArray("(no file)"));
+}
+
+void HtstoolTest::fullDiskIsReported()
+{
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"), kMixedFile);
+    run.start(wordsOf("export a.hts -o /dev/full"));
+    QCOMPARE(run.errors, QByteArray("htstool: /dev/full: No space left on device\n"));
+    QCOMPARE(run.exitCode, 3);
+    run.start(wordsOf("check a.hts --counts /dev/full"));
+    QVERIFY(run.errors.endsWith("htstool: /dev/full: No space left on device\n"));
+    QCOMPARE(run.exitCode, 3);
+    run.write(QStringLiteral("b.hts"), codeFile("text-value"));
+    run.startShell(QStringLiteral("$TOOL check b.hts > /dev/full"));
+    QCOMPARE(run.exitCode, 3);
+}
+
+// A file that is opened must not take the number of a stream that is closed.
+void HtstoolTest::closedStandardStreamsAreNoFiles()
+{
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"), kMixedFile);
+    run.start(wordsOf("export a.hts -o expected.csv"));
+    run.startShell(QStringLiteral("exec $TOOL export a.hts -o a.csv <&- >&- 2>&-"));
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("a.csv")), run.read(QStringLiteral("expected.csv")));
+    run.startShell(QStringLiteral("exec $TOOL check a.hts --counts a.csv <&- >&- 2>&-"));
+    QCOMPARE(run.exitCode, 2);
+    QCOMPARE(run.read(QStringLiteral("a.csv")),
+             QByteArray("file,run,trace,object,slot,year_end,timesteps,missing\r\n"));
+}
+
+void HtstoolTest::namesAreUtf8UnderTheCLocale()
+{
+    ToolRun run;
+    const QString name = QString::fromUtf8("\xc3\x84.hts");
+    run.write(name, codeFile("text-value"));
+    run.startShell(QStringLiteral("LC_ALL=C $TOOL check *.hts"));
+    QVERIFY2(run.output.startsWith("\xc3\x84.hts:38: warning: "), run.errors.constData());
+    QCOMPARE(run.exitCode, 1);
+}
+
+QTEST_GUILESS_MAIN(HtstoolTest)
+
+#include "tst_htstool.moc"

@@ -1,0 +1,107 @@
+#include "tool/jsonreport.h"
+
+#include <QJsonArray>
+#include <QJsonValue>
+
+#include "check/filecheck.h"
+#include "tool/textreport.h"
+#include "tool/toolio.h"
+
+namespace {
+
+QString key(const char* name)
+{
+    return QString::fromLatin1(name);
+}
+
+QJsonValue textOrNull(const QString& text)
+{
+    return text.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(text);
+}
+
+QJsonArray findingsOf(const CheckReport& report, const ReportNames& names)
+{
+    QJsonArray array;
+    for (const Finding& finding : report.findings.sorted()) {
+        const bool isControl = finding.file == Finding::File::Control;
+        array.append(QJsonObject{
+            {key("file"), isControl ? names.control : names.file},
+            {key("line"), finding.line},
+            {key("severity"), key(severityName(finding.severity()))},
+            {key("code"), key(infoOf(finding.code).name)},
+            {key("text"), finding.text},
+        });
+    }
+    return array;
+}
+
+QJsonObject countsOf(const Findings& findings)
+{
+    QJsonObject counts;
+    for (const CodeInfo& info : kCodes) {
+        if (findings.count(info.code) > 0)
+            counts.insert(key(info.name), findings.count(info.code));
+    }
+    return counts;
+}
+
+QJsonObject conversionOf(const CheckReport& report)
+{
+    const char* outcome = report.neverEnds                     ? "never ends"
+                          : report.conversionMessage.isEmpty() ? "succeeds"
+                                                               : "fails";
+    return {{key("outcome"), key(outcome)}, {key("message"), textOrNull(report.conversionMessage)}};
+}
+
+QJsonObject yearsOf(const YearPlan& years)
+{
+    return {{key("count"), years.count},
+            {key("first"), textOrNull(years.first)},
+            {key("last"), textOrNull(years.last)},
+            {key("leftOutAtStart"), years.leftOutAtStart},
+            {key("leftOutAtEnd"), years.leftOutAtEnd}};
+}
+
+QJsonObject planOf(const CheckReport& report)
+{
+    QJsonArray planned;
+    for (const PlannedSlot& slot : report.slotPlan) {
+        const bool hasRule = slot.method != nullptr;
+        planned.append(QJsonObject{
+            {key("slot"), slot.name},
+            {key("series"), slot.isSeries},
+            {key("converted"), slot.isConverted()},
+            {key("method"), hasRule ? QJsonValue(slot.method->word) : QJsonValue::Null},
+            {key("ruleLine"), hasRule ? QJsonValue(slot.ruleLine) : QJsonValue::Null},
+        });
+    }
+    return {{key("years"), yearsOf(report.years)}, {key("slots"), planned}};
+}
+
+} // namespace
+
+QJsonObject jsonReport(const CheckReport& report, const ReportNames& names, int exitCode)
+{
+    const Findings& findings = report.findings;
+    return {
+        {key("file"), names.file},
+        {key("problem"), QJsonValue::Null},
+        {key("exitCode"), exitCode},
+        {key("runs"), report.runCount},
+        {key("slots"), report.slotCount},
+        {key("errors"), findings.count(Severity::Error)},
+        {key("warnings"), findings.count(Severity::Warning)},
+        {key("notes"), findings.count(Severity::Note)},
+        {key("findings"), findingsOf(report, names)},
+        {key("counts"), countsOf(findings)},
+        {key("conversion"), conversionOf(report)},
+        {key("plan"), names.control.isEmpty() ? QJsonValue(QJsonValue::Null) : planOf(report)},
+    };
+}
+
+QJsonObject jsonUnreadable(const ReportNames& names, const QString& problem)
+{
+    return {{key("file"), names.file},
+            {key("problem"), problem},
+            {key("exitCode"), ExitCode::kUnusable}};
+}

@@ -1,0 +1,16 @@
+#ifndef TOOL_JSONREPORT_H
+#define TOOL_JSONREPORT_H
+
+#include <QJsonObject>
+
+struct CheckReport;
+struct ReportNames;
+
+// The entry for a file in the document of htstool check --format json; docs/htstool.md describes
+// it.
+QJsonObject jsonReport(const CheckReport& report, const ReportNames& names, int exitCode);
+
+// The same for a file that could not be opened or read.
+QJsonObject jsonUnreadable(const ReportNames& names, const QString& problem);
+
+#endif // TOOL_JSONREPORT_H

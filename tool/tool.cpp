@@ -1,0 +1,43 @@
+#include "tool/tool.h"
+
+#include <QIODevice>
+
+#include "QsLog.h"
+#include "tool/checkcommand.h"
+#include "tool/exportcommand.h"
+#include "tool/toolio.h"
+#include "tool/tooloptions.h"
+
+namespace {
+
+int showText(const QString& text, const ToolIo& io)
+{
+    io.output.write(text.toUtf8());
+    return ExitCode::kNoWorseThanNotes;
+}
+
+int showWrongUsage(const QString& text, const ToolIo& io)
+{
+    io.errors.write(QStringLiteral("htstool: %1\nTry \"htstool --help\".\n").arg(text).toUtf8());
+    return ExitCode::kUnusable;
+}
+
+} // namespace
+
+int runTool(const QStringList& arguments, const ToolIo& io)
+{
+    // The engine's log is for the conversion.
+    QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
+    const ToolOptions options = parseToolOptions(arguments);
+    switch (options.request) {
+    case ToolOptions::Request::Text:
+        return showText(options.text, io);
+    case ToolOptions::Request::Invalid:
+        return showWrongUsage(options.text, io);
+    case ToolOptions::Request::Check:
+        return runCheck(options, io);
+    case ToolOptions::Request::Export:
+        break;
+    }
+    return runExport(options, io);
+}

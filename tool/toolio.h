@@ -1,0 +1,24 @@
+#ifndef TOOL_TOOLIO_H
+#define TOOL_TOOLIO_H
+
+class QIODevice;
+
+// Where a command writes to; texts are UTF-8. Nothing is owned.
+struct ToolIo
+{
+    QIODevice& output;
+    QIODevice& errors;
+    // Whether severities are coloured.
+    bool hasColour = false;
+};
+
+// What the exit codes mean; with several files the highest one counts.
+struct ExitCode
+{
+    static constexpr int kNoWorseThanNotes = 0;
+    static constexpr int kWarnings = 1;
+    static constexpr int kErrors = 2;
+    static constexpr int kUnusable = 3; // wrong usage, or a file that cannot be opened or read
+};
+
+#endif // TOOL_TOOLIO_H

@@ -1,0 +1,187 @@
+#include "tool/tooloptions.h"
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+
+#include "annualize/months.h"
+
+namespace {
+
+const QString kHelp =
+    QStringLiteral("Usage: htstool COMMAND [OPTIONS] FILE...\n"
+                   "Says what is in an HTS file.\n"
+                   "\n"
+                   "Commands:\n"
+                   "  check   report what is wrong with a file, or may not be what is meant\n"
+                   "  export  write the values of a file as comma-separated values\n"
+                   "\n"
+                   "Options:\n"
+                   "  -h, --help     Show this text; after a command, its options.\n"
+                   "  -v, --version  Show the version.\n");
+
+const QString kCheckHelp = QStringLiteral(
+    "Usage: htstool check [OPTIONS] FILE...\n"
+    "Reports what is wrong with HTS files, or may not be what is meant, one finding on a line:\n"
+    "FILE:LINE: severity: text [code]. FILE may be - for the standard input.\n"
+    "\n"
+    "Options:\n"
+    "  -c, --control METHODS   Method control file; without it methods are not judged.\n"
+    "  -y, --end-month MONTH   Month that each year ends with, 1 to 12; 12 if not given.\n"
+    "  -f, --format FORMAT     text, or json for one JSON document; text if not given.\n"
+    "      --counts OUT.csv    Write the timesteps and missing values of each year of each slot.\n"
+    "  -h, --help              Show this text.\n"
+    "\n"
+    "Exit code: 0 for nothing worse than notes, 1 for warnings, 2 for an error (a conversion\n"
+    "fails or never ends), 3 for wrong usage or a file that cannot be opened.\n");
+
+const QString kExportHelp = QStringLiteral(
+    "Usage: htstool export [OPTIONS] -o OUT.csv FILE\n"
+    "Writes the values of an HTS file as comma-separated values, one on a row: run, trace,\n"
+    "object, slot, units, time, value. The time is the instant that ends the timestep, without\n"
+    "a zone. Missing values are empty. FILE may be - for the standard input.\n"
+    "\n"
+    "Options:\n"
+    "  -o, --output OUT.csv  File to write; - for the standard output.\n"
+    "  -w, --wide            One column for each series slot, one row for each timestep.\n"
+    "  -r, --run N           Only run N, counted from 1.\n"
+    "  -h, --help            Show this text.\n"
+    "\n"
+    "Exit code: 0 for success, 1 when text was exported as the 0 that it counts as, 2 for a\n"
+    "file that cannot be read as an HTS file, 3 for wrong usage or a file that cannot be\n"
+    "opened or written.\n");
+
+const QString kVersion = QStringLiteral("htstool " TOOL_VERSION "\n");
+
+ToolOptions invalid(const QString& text)
+{
+    ToolOptions options;
+    options.request = ToolOptions::Request::Invalid;
+    options.text = text;
+    return options;
+}
+
+ToolOptions showing(const QString& text)
+{
+    ToolOptions options;
+    options.request = ToolOptions::Request::Text;
+    options.text = text;
+    return options;
+}
+
+// One command's options, by the names of its help.
+struct Command
+{
+    Command()
+    {
+        for (const QCommandLineOption& option : {help, version})
+            parser.addOption(option);
+    }
+
+    QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}};
+    QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")}};
+    QCommandLineParser parser;
+};
+
+QCommandLineOption option(const QStringList& names, const char* value = nullptr)
+{
+    return QCommandLineOption(names, QString(), QString::fromLatin1(value));
+}
+
+ToolOptions parseCheck(const QStringList& arguments)
+{
+    Command command;
+    QCommandLineParser& parser = command.parser;
+    const QCommandLineOption control =
+        option({QStringLiteral("c"), QStringLiteral("control")}, "METHODS");
+    const QCommandLineOption month =
+        option({QStringLiteral("y"), QStringLiteral("end-month")}, "MONTH");
+    const QCommandLineOption format =
+        option({QStringLiteral("f"), QStringLiteral("format")}, "FORMAT");
+    const QCommandLineOption counts = option({QStringLiteral("counts")}, "OUT.csv");
+    parser.addOptions({control, month, format, counts});
+    const bool isValid = parser.parse(arguments);
+    if (parser.isSet(command.help))
+        return showing(kCheckHelp);
+    if (parser.isSet(command.version))
+        return showing(kVersion);
+    if (!isValid)
+        return invalid(parser.errorText());
+
+    ToolOptions options;
+    options.request = ToolOptions::Request::Check;
+    options.files = parser.positionalArguments();
+    if (options.files.isEmpty())
+        return invalid(QStringLiteral("check needs a file"));
+    options.controlPath = parser.value(control);
+    if (parser.isSet(control) && options.controlPath.isEmpty())
+        return invalid(QStringLiteral("the path of the control file is empty"));
+    if (parser.isSet(month)) {
+        options.endMonth = parser.value(month).toInt();
+        if (!isMonth(options.endMonth))
+            return invalid(
+                QStringLiteral("the month \"%1\" is not one of 1 to 12").arg(parser.value(month)));
+    }
+    const QString formatWord = parser.isSet(format) ? parser.value(format) : QStringLiteral("text");
+    if (formatWord != QLatin1String("text") && formatWord != QLatin1String("json"))
+        return invalid(QStringLiteral("the format \"%1\" is not text or json").arg(formatWord));
+    if (formatWord == QLatin1String("json"))
+        options.format = ToolOptions::Format::Json;
+    options.countsPath = parser.value(counts);
+    if (parser.isSet(counts) && options.countsPath.isEmpty())
+        return invalid(QStringLiteral("the path for the counts is empty"));
+    return options;
+}
+
+ToolOptions parseExport(const QStringList& arguments)
+{
+    Command command;
+    QCommandLineParser& parser = command.parser;
+    const QCommandLineOption output =
+        option({QStringLiteral("o"), QStringLiteral("output")}, "OUT.csv");
+    const QCommandLineOption wide = option({QStringLiteral("w"), QStringLiteral("wide")});
+    const QCommandLineOption run = option({QStringLiteral("r"), QStringLiteral("run")}, "N");
+    parser.addOptions({output, wide, run});
+    const bool isValid = parser.parse(arguments);
+    if (parser.isSet(command.help))
+        return showing(kExportHelp);
+    if (parser.isSet(command.version))
+        return showing(kVersion);
+    if (!isValid)
+        return invalid(parser.errorText());
+
+    ToolOptions options;
+    options.request = ToolOptions::Request::Export;
+    options.files = parser.positionalArguments();
+    if (options.files.size() != 1)
+        return invalid(QStringLiteral("export needs one file"));
+    options.outputPath = parser.value(output);
+    if (options.outputPath.isEmpty())
+        return invalid(QStringLiteral("export needs a file to write, with -o"));
+    options.isWide = parser.isSet(wide);
+    if (parser.isSet(run)) {
+        options.run = parser.value(run).toInt();
+        if (options.run < 1)
+            return invalid(
+                QStringLiteral("\"%1\" is not the number of a run").arg(parser.value(run)));
+    }
+    return options;
+}
+
+} // namespace
+
+ToolOptions parseToolOptions(const QStringList& arguments)
+{
+    const QString command = arguments.value(1);
+    if (command == QLatin1String("-h") || command == QLatin1String("--help"))
+        return showing(kHelp);
+    if (command == QLatin1String("-v") || command == QLatin1String("--version"))
+        return showing(kVersion);
+    if (command != QLatin1String("check") && command != QLatin1String("export"))
+        return invalid(command.isEmpty()
+                           ? QStringLiteral("no command is given")
+                           : QStringLiteral("\"%1\" is not one of the commands check and export")
+                                 .arg(command));
+    // The parser takes the first argument for the program's name.
+    const QStringList rest = arguments.mid(1);
+    return command == QLatin1String("check") ? parseCheck(rest) : parseExport(rest);
+}

@@ -1,0 +1,39 @@
+#ifndef TOOL_TOOLOPTIONS_H
+#define TOOL_TOOLOPTIONS_H
+
+#include <QString>
+#include <QStringList>
+
+// What the command line asks for.
+struct ToolOptions
+{
+    enum class Request {
+        Text,    // help or version, in `text`
+        Invalid, // what is wrong with the arguments, in `text`
+        Check,
+        Export,
+    };
+    enum class Format { Text, Json };
+
+    Request request = Request::Invalid;
+    QString text;
+
+    // Input files; "-" is the standard input. One for an export, one or more for a check.
+    QStringList files;
+
+    // Of a check. Paths are empty when they are not given.
+    QString controlPath;
+    int endMonth = 12; // 1 to 12
+    Format format = Format::Text;
+    QString countsPath;
+
+    // Of an export.
+    QString outputPath; // "-" is the standard output
+    bool isWide = false;
+    int run = 0; // counted from 1; 0 for all
+};
+
+// Reads the arguments, of which the first is the program's name.
+ToolOptions parseToolOptions(const QStringList& arguments);
+
+#endif // TOOL_TOOLOPTIONS_H
