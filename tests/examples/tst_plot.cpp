@@ -1,0 +1,257 @@
+// The recipes of examples/plot: what they draw of the examples and of a small file.
+
+#include <QImage>
+#include <QtTest>
+
+#include "tests/app/processrun.h"
+
+namespace {
+
+constexpr QRgb kInput = qRgb(0x56, 0xB4, 0xE9);
+constexpr QRgb kAnnual = qRgb(0xD5, 0x5E, 0x00);
+constexpr QRgb kFirstBar = qRgb(0x00, 0x72, 0xB2);
+constexpr QRgb kSecondBar = qRgb(0xE6, 0x9F, 0x00);
+
+const QString kGnuplot = QStringLiteral("\"$EXAMPLES/plot/plot-gnuplot\" ");
+// Debian's Python is the one that has the packages.
+const QString kPython = QStringLiteral("/usr/bin/python3 \"$EXAMPLES/plot/plot.py\" ");
+
+// The picture "plot.png" that a recipe makes.
+struct Plot : ProcessRun
+{
+    Plot();
+
+    // Converts "a.hts" with "c.txt" to "annual.hts".
+    void convert(const QString& endMonth);
+    QImage picture() const;
+};
+
+Plot::Plot()
+{
+    environment.insert(QStringLiteral("EXAMPLES"), QStringLiteral(EXAMPLES_DIR));
+    environment.insert(QStringLiteral("HTSTOOL"), QStringLiteral(HTSTOOL));
+    // Both keep a list of fonts there, which takes seconds to make.
+    static const QTemporaryDir home;
+    environment.insert(QStringLiteral("HOME"), home.path());
+}
+
+void Plot::convert(const QString& endMonth)
+{
+    start({QStringLiteral("-i"), QStringLiteral("a.hts"), QStringLiteral("-c"),
+           QStringLiteral("c.txt"), QStringLiteral("-o"), QStringLiteral("annual.hts"),
+           QStringLiteral("-y"), endMonth});
+}
+
+QImage Plot::picture() const
+{
+    return QImage(path(QStringLiteral("plot.png"))).convertToFormat(QImage::Format_RGB32);
+}
+
+// Number of pixels of exactly this colour.
+int count(const QImage& picture, QRgb colour)
+{
+    int pixels = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            pixels += picture.pixel(x, y) == colour ? 1 : 0;
+    }
+    return pixels;
+}
+
+// Where both recipes draw the first slot, below the title and above the other slots.
+QImage firstPanel(const QImage& picture)
+{
+    constexpr int kTop = 40;
+    constexpr int kHeight = 110;
+    return picture.copy(0, kTop, picture.width(), kHeight);
+}
+
+} // namespace
+
+class TestPlot : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void exampleIsDrawn_data();
+    void exampleIsDrawn();
+    void pictureIsTheSameEachTime_data();
+    void pictureIsTheSameEachTime();
+    void fileWithoutMissingValuesHasNoBars_data();
+    void fileWithoutMissingValuesHasNoBars();
+    void eachRunHasItsOwnPicture_data();
+    void eachRunHasItsOwnPicture();
+    void inputThatIsNotThereIsAnError_data();
+    void inputThatIsNotThereIsAnError();
+    void runThatIsNotThereIsAnError_data();
+    void runThatIsNotThereIsAnError();
+    void resultOfAnotherInputIsAnError_data();
+    void resultOfAnotherInputIsAnError();
+};
+
+namespace {
+
+void addRecipes()
+{
+    QTest::addColumn<QString>("recipe");
+    QTest::newRow("gnuplot") << kGnuplot;
+    QTest::newRow("python") << kPython;
+}
+
+const QString kArguments = QStringLiteral("a.hts annual.hts plot.png");
+
+} // namespace
+
+void TestPlot::exampleIsDrawn_data()
+{
+    QTest::addColumn<QString>("recipe");
+    QTest::addColumn<QString>("example");
+    QTest::addColumn<QString>("endMonth");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<bool>("hasSecondBar"); // more than one slot misses values
+
+    const QString rivers = QStringLiteral("rivers_daily");
+    const QString basins = QStringLiteral("basins_monthly");
+    const QString september = QStringLiteral("9");
+    const QString december = QStringLiteral("12");
+    QTest::newRow("gnuplot, days") << kGnuplot << rivers << september << QSize(900, 1000) << false;
+    QTest::newRow("gnuplot, months") << kGnuplot << basins << december << QSize(900, 1480) << true;
+    QTest::newRow("python, days") << kPython << rivers << september << QSize(900, 950) << false;
+    QTest::newRow("python, months") << kPython << basins << december << QSize(900, 1400) << true;
+}
+
+void TestPlot::exampleIsDrawn()
+{
+    QFETCH(QString, recipe);
+    QFETCH(QString, example);
+    QFETCH(QString, endMonth);
+    QFETCH(QSize, size);
+    QFETCH(bool, hasSecondBar);
+
+    Plot plot;
+    plot.startShell(QStringLiteral("ln -s \"$EXAMPLES/%1.hts\" a.hts; "
+                                   "ln -s \"$EXAMPLES/%1_methods.txt\" c.txt")
+                        .arg(example));
+    plot.convert(endMonth);
+    plot.startShell(recipe + kArguments);
+    QCOMPARE(plot.errors, QByteArray());
+    QCOMPARE(plot.output, QByteArray());
+    QCOMPARE(plot.exitCode, 0);
+    const QImage picture = plot.picture();
+    QCOMPARE(picture.size(), size);
+    QVERIFY(count(picture, kInput) > 100);
+    QVERIFY(count(picture, kAnnual) > 1000);
+    QVERIFY(count(picture, kFirstBar) > 100);
+    QCOMPARE(count(picture, kSecondBar) > 0, hasSecondBar);
+}
+
+void TestPlot::pictureIsTheSameEachTime_data()
+{
+    addRecipes();
+}
+
+void TestPlot::pictureIsTheSameEachTime()
+{
+    QFETCH(QString, recipe);
+    Plot plot;
+    writeInputs(plot);
+    plot.convert(QStringLiteral("12"));
+    plot.startShell(recipe + kArguments);
+    const QByteArray first = plot.read(QStringLiteral("plot.png"));
+    QVERIFY(!plot.picture().isNull());
+    plot.startShell(recipe + kArguments);
+    QVERIFY(plot.read(QStringLiteral("plot.png")) == first);
+}
+
+void TestPlot::fileWithoutMissingValuesHasNoBars_data()
+{
+    addRecipes();
+}
+
+void TestPlot::fileWithoutMissingValuesHasNoBars()
+{
+    QFETCH(QString, recipe);
+    Plot plot;
+    writeInputs(plot);
+    plot.convert(QStringLiteral("12"));
+    plot.startShell(recipe + kArguments);
+    QCOMPARE(plot.errors, QByteArray());
+    QCOMPARE(plot.exitCode, 0);
+    QVERIFY(count(plot.picture(), kAnnual) > 100);
+    QCOMPARE(count(plot.picture(), kFirstBar), 0);
+}
+
+void TestPlot::eachRunHasItsOwnPicture_data()
+{
+    addRecipes();
+}
+
+void TestPlot::eachRunHasItsOwnPicture()
+{
+    QFETCH(QString, recipe);
+    Plot plot;
+    plot.startShell(QStringLiteral("ln -s \"$EXAMPLES/rivers_daily.hts\" a.hts; "
+                                   "ln -s \"$EXAMPLES/rivers_daily_methods.txt\" c.txt"));
+    plot.convert(QStringLiteral("9"));
+    plot.startShell(recipe + kArguments);
+    const QImage first = plot.picture();
+    plot.startShell(recipe + kArguments + QStringLiteral(" 2"));
+    QCOMPARE(plot.errors, QByteArray());
+    QCOMPARE(plot.exitCode, 0);
+    QCOMPARE(plot.picture().size(), first.size());
+    QVERIFY(firstPanel(plot.picture()) != firstPanel(first));
+}
+
+void TestPlot::inputThatIsNotThereIsAnError_data()
+{
+    addRecipes();
+}
+
+void TestPlot::inputThatIsNotThereIsAnError()
+{
+    QFETCH(QString, recipe);
+    Plot plot;
+    plot.startShell(recipe + kArguments);
+    QCOMPARE(plot.errors, QByteArray("htstool: a.hts: No such file or directory\n"));
+    QCOMPARE(plot.exitCode, 1);
+    QVERIFY(!plot.exists(QStringLiteral("plot.png")));
+}
+
+void TestPlot::runThatIsNotThereIsAnError_data()
+{
+    addRecipes();
+}
+
+void TestPlot::runThatIsNotThereIsAnError()
+{
+    QFETCH(QString, recipe);
+    Plot plot;
+    writeInputs(plot);
+    plot.convert(QStringLiteral("12"));
+    plot.startShell(recipe + kArguments + QStringLiteral(" 2"));
+    QVERIFY2(plot.errors.contains("a.hts"), plot.errors);
+    QCOMPARE(plot.exitCode, 1);
+    QVERIFY(!plot.exists(QStringLiteral("plot.png")));
+}
+
+void TestPlot::resultOfAnotherInputIsAnError_data()
+{
+    addRecipes();
+}
+
+void TestPlot::resultOfAnotherInputIsAnError()
+{
+    QFETCH(QString, recipe);
+    Plot plot;
+    writeInputs(plot);
+    plot.convert(QStringLiteral("12"));
+    plot.write(QStringLiteral("a.hts"), monthlyFile().replace("Lake A", "Lake B"));
+    plot.startShell(recipe + kArguments);
+    QCOMPARE(plot.errors, QByteArray("Lake A.Outflow is not in the input\n"));
+    QCOMPARE(plot.exitCode, 1);
+    QVERIFY(!plot.exists(QStringLiteral("plot.png")));
+}
+
+QTEST_GUILESS_MAIN(TestPlot)
+
+#include "tst_plot.moc"
