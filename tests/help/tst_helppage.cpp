@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QRegularExpression>
 
+#include "app/options.h"
 #include "tests/app/processrun.h"
 #include "tests/help/helppage.h"
 #include "tests/help/messagetexts.h"
@@ -25,7 +26,7 @@ QByteArray content(const QString& path)
     return file.readAll();
 }
 
-// Paths of the program's own sources. The usage text is left out: -h shows it.
+// Paths of the program's own sources. Those of the usage text are left out: -h shows it.
 QStringList sourceFiles()
 {
     QStringList paths;
@@ -34,7 +35,8 @@ QStringList sourceFiles()
                            {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files);
         while (files.hasNext()) {
             const QString path = files.next();
-            if (!path.endsWith(QLatin1String("/usage.cpp")))
+            const QString name = QFileInfo(path).fileName();
+            if (name != QLatin1String("usage.cpp") && name != QLatin1String("options.cpp"))
                 paths.append(path);
         }
     }
@@ -87,6 +89,19 @@ QStringList firstValues(const QByteArray& annualFile)
     return values;
 }
 
+const QString kExampleArguments = QStringLiteral("-i lake.hts -c methods.txt -o annual.hts -y 9");
+
+// The example's files, and the program on the path.
+void writeExample(const HelpPage& page, ProcessRun& run)
+{
+    run.write(QStringLiteral("lake.hts"), page.textOf(QStringLiteral("example-input")).toUtf8());
+    run.write(QStringLiteral("methods.txt"),
+              page.textOf(QStringLiteral("example-methods")).toUtf8());
+    run.environment.insert(QStringLiteral("PATH"),
+                           QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path() +
+                               QLatin1String(":/usr/bin:/bin"));
+}
+
 } // namespace
 
 class TestHelpPage : public QObject
@@ -115,6 +130,11 @@ private Q_SLOTS:
     void exampleGivesTheResultShown();
     void methodsGiveTheNumbersShown();
     void shellExampleConvertsAFolder();
+    void shellExampleSaysThatAFolderIsEmpty();
+    void pipeExampleGivesTheResultShown();
+    void logOfTheExampleIsTheOneShown();
+    void monthGluedToItsOptionIsIgnored_data();
+    void monthGluedToItsOptionIsIgnored();
 
 private:
     HelpPage m_page{content(kPage)};
@@ -225,7 +245,7 @@ void TestHelpPage::namesOfPlacesAreUnique()
 void TestHelpPage::picturesHaveTheirSizeAndAText()
 {
     const QVector<PageElement> pictures = m_page.named(QStringLiteral("img"));
-    QCOMPARE(pictures.size(), 3);
+    QCOMPARE(pictures.size(), 5);
     for (const PageElement& picture : pictures) {
         const QByteArray base64 =
             picture.attributes.value(QStringLiteral("src")).mid(kPictureStart.size()).toLatin1();
@@ -300,8 +320,10 @@ void TestHelpPage::namesEveryMethod()
 void TestHelpPage::namesEveryOption()
 {
     const QStringList codes = m_page.codes();
-    for (const char* option : {"-c", "-h", "-i", "-l", "-o", "-v", "-y"})
-        QVERIFY2(codes.contains(QLatin1String(option)), option);
+    for (const Option& option : kOptions) {
+        const QString text = QLatin1Char('-') + QString(QLatin1Char(option.letter));
+        QVERIFY2(codes.contains(text), qPrintable(text));
+    }
 }
 
 void TestHelpPage::tellsMessage_data()
@@ -420,14 +442,8 @@ void TestHelpPage::tellsEveryMessageOfTheSources()
 void TestHelpPage::exampleGivesTheResultShown()
 {
     ProcessRun run;
-    run.write(QStringLiteral("lake.hts"), m_page.textOf(QStringLiteral("example-input")).toUtf8());
-    run.write(QStringLiteral("methods.txt"),
-              m_page.textOf(QStringLiteral("example-methods")).toUtf8());
-    run.environment.insert(QStringLiteral("PATH"),
-                           QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path() +
-                               QLatin1String(":/usr/bin:/bin"));
-    const QString command =
-        QStringLiteral("HtsAnnualizer -i lake.hts -c methods.txt -o annual.hts -y 9");
+    writeExample(m_page, run);
+    const QString command = QStringLiteral("HtsAnnualizer ") + kExampleArguments;
     QVERIFY(m_page.codes().contains(command));
     run.startShell(command);
     QCOMPARE(run.exitCode, 0);
@@ -459,20 +475,82 @@ void TestHelpPage::shellExampleConvertsAFolder()
     QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("daily"));
     run.write(QStringLiteral("daily/my lake.hts"),
               m_page.textOf(QStringLiteral("example-input")).toUtf8());
-    run.write(QStringLiteral("daily/none.hts"), "no HTS file\n");
-    run.write(QStringLiteral("methods.txt"),
-              m_page.textOf(QStringLiteral("example-methods")).toUtf8());
-    run.environment.insert(QStringLiteral("PATH"),
-                           QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path() +
-                               QLatin1String(":/usr/bin:/bin"));
-    run.startShell(m_page.textOf(QStringLiteral("shell-example")));
+    writeExample(m_page, run);
+    const QString example = m_page.textOf(QStringLiteral("shell-example"));
+    run.startShell(example);
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.output, QByteArray("daily/my lake.hts: done\n"));
     QCOMPARE(run.exitCode, 0);
+
+    run.write(QStringLiteral("daily/none.hts"), "no HTS file\n");
+    run.startShell(example);
+    QCOMPARE(run.exitCode, 1);
     const QStringList lines = QString::fromUtf8(run.output).split(QLatin1Char('\n'));
     QCOMPARE(lines.value(0), QStringLiteral("daily/my lake.hts: done"));
     QCOMPARE(lines.value(1), QStringLiteral("daily/none.hts: FAILED"));
     QVERIFY(lines.contains(QStringLiteral("Cannot read package preamble")));
     QCOMPARE(QString::fromUtf8(run.read(QStringLiteral("annual/my lake.hts"))),
              m_page.textOf(QStringLiteral("example-result")));
+}
+
+void TestHelpPage::shellExampleSaysThatAFolderIsEmpty()
+{
+    ProcessRun run;
+    QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("daily"));
+    writeExample(m_page, run);
+    run.startShell(m_page.textOf(QStringLiteral("shell-example")));
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.output, QByteArray("no HTS files in daily\n"));
+    QCOMPARE(run.exitCode, 1);
+}
+
+void TestHelpPage::pipeExampleGivesTheResultShown()
+{
+    ProcessRun run;
+    writeExample(m_page, run);
+    run.startShell(QStringLiteral("gzip lake.hts"));
+    run.startShell(m_page.textOf(QStringLiteral("pipe-example")));
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    run.startShell(QStringLiteral("zcat annual.hts.gz"));
+    QCOMPARE(QString::fromUtf8(run.output), m_page.textOf(QStringLiteral("example-result")));
+    QVERIFY(run.read(QStringLiteral("lake.log")).endsWith(kCreated));
+}
+
+void TestHelpPage::logOfTheExampleIsTheOneShown()
+{
+    ProcessRun run;
+    writeExample(m_page, run);
+    run.startShell(QStringLiteral("HtsAnnualizer ") + kExampleArguments);
+    const QByteArray shown = m_page.textOf(QStringLiteral("example-log")).toUtf8() + '\n';
+    QVERIFY(shown.contains("Fri Mar 1 09:30:00 2024"));
+    QCOMPARE(withoutTime(run.read(QStringLiteral("annual.log"))), withoutTime(shown));
+}
+
+void TestHelpPage::monthGluedToItsOptionIsIgnored_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QByteArray>("lastYear");
+    QTest::newRow("-y 9") << QStringLiteral("-y 9") << QByteArray("end:2001-9-30 24:00");
+    for (const char* glued : {"-y9", "-y=9"})
+        QTest::newRow(glued) << QString::fromLatin1(glued) << QByteArray("end:2001-12-31 24:00");
+}
+
+void TestHelpPage::monthGluedToItsOptionIsIgnored()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QByteArray, lastYear);
+    QVERIFY(m_page.codes().contains(arguments));
+
+    ProcessRun run;
+    writeExample(m_page, run);
+    run.startShell(QStringLiteral("HtsAnnualizer -i lake.hts -c methods.txt -o annual.hts ") +
+                   arguments);
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    const QByteArrayList result = run.read(QStringLiteral("annual.hts")).split('\n');
+    QVERIFY(result.contains(lastYear));
 }
 
 QTEST_GUILESS_MAIN(TestHelpPage)

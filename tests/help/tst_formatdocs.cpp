@@ -1,0 +1,418 @@
+// docs/hts-format.md and docs/control-file.md: their examples, typed one after the other, print
+// what is shown after them, and their tables are those of the programs.
+
+#include <algorithm>
+#include <cmath>
+
+#include <QBuffer>
+#include <QRegularExpression>
+#include <QSet>
+#include <QtTest>
+
+#include "annualize/aggmethods.h"
+#include "annualize/methodcontrol.h"
+#include "check/finding.h"
+#include "hts/datetimetext.h"
+#include "hts/htskeys.h"
+#include "hts/htspackage.h"
+#include "hts/numbertext.h"
+#include "tests/app/processrun.h"
+#include "tests/help/markdown.h"
+
+namespace {
+
+QByteArray sourceFile(const QString& name)
+{
+    QFile file(QStringLiteral(SOURCE_DIR "/") + name);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(file.fileName()));
+    return file.readAll();
+}
+
+QByteArray formatDocument()
+{
+    return sourceFile(QStringLiteral("docs/hts-format.md"));
+}
+
+QByteArray controlDocument()
+{
+    return sourceFile(QStringLiteral("docs/control-file.md"));
+}
+
+// A folder with the examples, in which both programs are commands.
+void prepare(ProcessRun& run)
+{
+    QVERIFY(QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("bin")));
+    QVERIFY(
+        QFile::link(QStringLiteral(SOURCE_DIR "/examples"), run.path(QStringLiteral("examples"))));
+    QVERIFY(
+        QFile::link(QStringLiteral(HTS_ANNUALIZER), run.path(QStringLiteral("bin/HtsAnnualizer"))));
+    QVERIFY(QFile::link(QStringLiteral(HTSTOOL), run.path(QStringLiteral("bin/htstool"))));
+    run.environment.insert(QStringLiteral("PATH"),
+                           run.path(QStringLiteral("bin")) + QLatin1Char(':') +
+                               run.environment.value(QStringLiteral("PATH")));
+}
+
+// The block with its commands, and what their standard output is after each.
+QByteArray typed(ProcessRun& run, const QByteArray& block)
+{
+    QByteArrayList console;
+    for (const QByteArray& line : block.split('\n')) {
+        if (!line.startsWith("$ "))
+            continue;
+        run.startShell(QString::fromUtf8(line.mid(2)));
+        console.append(line);
+        if (!run.output.isEmpty())
+            console.append(asShown(run.output));
+    }
+    return console.join('\n');
+}
+
+template<typename Model, std::size_t count>
+QByteArrayList expectedKeys(const std::array<HtsKey<Model>, count>& keys)
+{
+    QByteArrayList rows;
+    for (const HtsKey<Model>& key : keys)
+        rows.append(QByteArray(key.key.data(), key.key.size()) +
+                    (key.isWritten(Model()) ? " always" : " not always"));
+    return rows;
+}
+
+// The same of the tables of keys. Packages, runs and slots have one each.
+QByteArrayList documentedKeys(const QByteArray& afterLine)
+{
+    const QByteArray document = formatDocument();
+    const int begin = document.indexOf('\n' + afterLine + '\n');
+    QByteArrayList rows;
+    for (const QByteArrayList& row : tableRows(document.mid(begin), "| key | value | written |"))
+        rows.append(code(row.value(0)) + (row.value(2) == "always" ? " always" : " not always"));
+    return begin < 0 ? QByteArrayList() : rows;
+}
+
+const CodeInfo* findCode(const QByteArray& name)
+{
+    const auto found = std::find_if(std::begin(kCodes), std::end(kCodes),
+                                    [&](const CodeInfo& info) { return name == info.name; });
+    return found == std::end(kCodes) ? nullptr : &*found;
+}
+
+// What the reader reports of the smallest file that has the code.
+QString readMessage(const QByteArray& codeName)
+{
+    QFile file(
+        QStringLiteral(SOURCE_DIR "/tests/check/files/%1.hts").arg(QString::fromUtf8(codeName)));
+    HtsPackage package;
+    return file.open(QIODevice::ReadOnly) ? package.read(file).message
+                                          : QStringLiteral("(no file)");
+}
+
+// The texts in backquotes of a cell.
+QStringList codes(const QByteArray& cell)
+{
+    QStringList found;
+    const QStringList parts = QString::fromUtf8(cell).split(QLatin1Char('`'));
+    for (int i = 1; i < parts.size(); i += 2)
+        found.append(parts.at(i));
+    return found;
+}
+
+// The kind of number that a value line is read as.
+QByteArray valueText(double value)
+{
+    return std::isnan(value)   ? QByteArray("missing")
+           : std::isinf(value) ? QByteArray("infinite")
+                               : QByteArray::number(value);
+}
+
+// A file whose only value and scale are the number, as its lines.
+QByteArrayList writtenLines(double number)
+{
+    HtsSlot slot;
+    slot.slotType = QStringLiteral("ScalarSlot");
+    slot.units = QStringList{QString()};
+    slot.scales = {number};
+    slot.methods = QStringList{QString()};
+    HtsPackage package;
+    package.runs.append(HtsRun());
+    package.slots.append(slot);
+    package.values = {{{{number}}}};
+    QBuffer file;
+    file.open(QIODevice::WriteOnly);
+    const Status status = package.write(file);
+    return status.ok() ? file.data().split('\n') : QByteArrayList();
+}
+
+// The result of the method for the values of a year, as "3, NaN, 1".
+QByteArray result(const AggMethod& method, const QByteArray& valuesText)
+{
+    if (!method.isSupported())
+        return {};
+    std::vector<double> values;
+    for (const QByteArray& value : valuesText.split(','))
+        values.push_back(QString::fromUtf8(value.trimmed()).toDouble());
+    YearValues year(values.front());
+    year.add(values.data(), values.data() + values.size());
+    const double number = method.resultFor(year);
+    return std::isnan(number) ? QByteArray("NaN") : QByteArray::number(number);
+}
+
+} // namespace
+
+class TestFormatDocs : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void examplesPrintWhatIsShown_data();
+    void examplesPrintWhatIsShown();
+    void linesOfTheExampleAreRight();
+    void keysAreThoseOfTheProgram();
+    void dateTimesAreRight();
+    void valuesAreReadAsShown();
+    void integersAreReadAsShown();
+    void numbersAreWrittenAsShown();
+    void refusedFilesHaveTheMessages();
+    void toleratedFilesAreRead();
+    void codesExist();
+    void methodsAreThoseOfTheProgram();
+    void grammarHasAllMethods();
+    void badLinesHaveTheReasons();
+    void rulesOfTheTableAreRules();
+};
+
+void TestFormatDocs::examplesPrintWhatIsShown_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::addColumn<QByteArray>("fileStart"); // how the block with the example's file begins
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<QByteArrayList>("otherStarts"); // those of blocks that nothing is done with
+    QTest::addColumn<int>("consoleCount");
+
+    QTest::newRow("HTS file") << formatDocument() << QByteArray("name:") << "lake.hts"
+                              << QByteArrayList{"file ", "yyyy-M-d"} << 4;
+    QTest::newRow("control file") << controlDocument() << QByteArray("Upper Basin.")
+                                  << "methods.txt" << QByteArrayList{"file "} << 5;
+}
+
+void TestFormatDocs::examplesPrintWhatIsShown()
+{
+    QFETCH(QByteArray, document);
+    QFETCH(QByteArray, fileStart);
+    QFETCH(QString, fileName);
+    QFETCH(QByteArrayList, otherStarts);
+    QFETCH(int, consoleCount);
+
+    ProcessRun run;
+    prepare(run);
+    int consoles = 0;
+    for (const QByteArray& block : codeBlocks(document)) {
+        if (block.startsWith("$ ")) {
+            QCOMPARE(typed(run, block), block);
+            ++consoles;
+        } else if (block.startsWith(fileStart)) {
+            QVERIFY(!run.exists(fileName));
+            run.write(fileName, block + '\n');
+        } else {
+            const bool isOther =
+                std::any_of(otherStarts.begin(), otherStarts.end(),
+                            [&](const QByteArray& start) { return block.startsWith(start); });
+            QVERIFY2(isOther, block.constData());
+        }
+    }
+    QCOMPARE(consoles, consoleCount);
+}
+
+void TestFormatDocs::linesOfTheExampleAreRight()
+{
+    QByteArrayList lines;
+    for (const QByteArray& block : codeBlocks(formatDocument())) {
+        if (block.startsWith("name:"))
+            lines = block.split('\n');
+    }
+    // The last line of each part; the parts have no gaps.
+    const QByteArrayList ends = {"END_PACKAGE_PREAMBLE",
+                                 "END_RUN_PREAMBLE",
+                                 "2000-12-31 24:00",
+                                 "END_SLOT",
+                                 "END_SLOT",
+                                 "END_RUN"};
+    int before = 0;
+    QByteArrayList found;
+    for (const QByteArrayList& row : tableRows(formatDocument(), "| lines | part |")) {
+        const QByteArrayList numbers = row.value(0).split(' '); // "7 to 15", or "60"
+        QCOMPARE(numbers.first().toInt(), before + 1);
+        before = numbers.last().toInt();
+        found.append(lines.value(before - 1));
+    }
+    QCOMPARE(found, ends);
+    QCOMPARE(before, lines.size());
+}
+
+void TestFormatDocs::keysAreThoseOfTheProgram()
+{
+    QCOMPARE(documentedKeys("Keys of a package, in the order of the writer:"),
+             expectedKeys(kPackageKeys));
+    QCOMPARE(documentedKeys("Keys of a run:"), expectedKeys(kRunKeys));
+    QCOMPARE(documentedKeys("Keys of a slot:"), expectedKeys(kSlotKeys));
+}
+
+void TestFormatDocs::dateTimesAreRight()
+{
+    const auto rows = tableRows(formatDocument(), "| text | instant | written |");
+    QCOMPARE(rows.size(), 4);
+    for (const QByteArrayList& row : rows) {
+        for (const QString& text : codes(row.value(0))) {
+            const QDateTime instant = textToDateTime(text);
+            const QString shown =
+                QLocale::c().toString(instant, QStringLiteral("yyyy-MM-ddThh:mm"));
+            QCOMPARE(instant.isValid() ? shown : QStringLiteral("none"),
+                     QString::fromUtf8(row.value(1)));
+            QCOMPARE(dateTimeToText(instant), QString::fromUtf8(code(row.value(2))));
+        }
+    }
+}
+
+void TestFormatDocs::valuesAreReadAsShown()
+{
+    const auto rows = tableRows(formatDocument(), "| value line | read as |");
+    QCOMPARE(rows.size(), 5);
+    for (const QByteArrayList& row : rows) {
+        for (const QString& text : codes(row.value(0)))
+            QCOMPARE(valueText(lineToNumber(text.toStdString())), row.value(1));
+    }
+}
+
+void TestFormatDocs::integersAreReadAsShown()
+{
+    const auto rows = tableRows(formatDocument(), "| integer | read as |");
+    QCOMPARE(rows.size(), 4);
+    for (const QByteArrayList& row : rows) {
+        for (const QString& text : codes(row.value(0))) {
+            QByteArray preamble = "number_of_runs:" + text.toUtf8() + "\nEND_PACKAGE_PREAMBLE\n";
+            QBuffer file(&preamble);
+            file.open(QIODevice::ReadOnly);
+            HtsPackage package;
+            QVERIFY(package.readPreamble(file).ok());
+            QCOMPARE(QByteArray::number(package.numberOfRuns), row.value(1));
+        }
+    }
+}
+
+void TestFormatDocs::numbersAreWrittenAsShown()
+{
+    const auto rows =
+        tableRows(formatDocument(), "| number | written as a value | written as a scale |");
+    QCOMPARE(rows.size(), 8);
+    for (const QByteArrayList& row : rows) {
+        const QByteArrayList lines = writtenLines(code(row.value(0)).toDouble());
+        const int scale = lines.indexOf("scale: " + code(row.value(2)));
+        QVERIFY2(scale >= 0, lines.join('\n').constData());
+        QCOMPARE(lines.value(scale + 1), code(row.value(1)));
+    }
+}
+
+void TestFormatDocs::refusedFilesHaveTheMessages()
+{
+    const auto rows = tableRows(formatDocument(), "| in the file | message | code |");
+    QCOMPARE(rows.size(), 6);
+    for (const QByteArrayList& row : rows) {
+        const QByteArray name = code(row.value(2));
+        QCOMPARE(readMessage(name), QString::fromUtf8(code(row.value(1))));
+        QVERIFY2(findCode(name)->severity == Severity::Error, name.constData());
+    }
+}
+
+void TestFormatDocs::toleratedFilesAreRead()
+{
+    const auto rows = tableRows(formatDocument(), "| in the file | what it is read as | code |");
+    QVERIFY(rows.size() > 20);
+    for (const QByteArrayList& row : rows) {
+        const QByteArray name = code(row.value(2));
+        if (name == "table-without-end")
+            continue; // reading it never ends
+        QVERIFY2(readMessage(name).isEmpty(), name.constData());
+        QVERIFY2(findCode(name)->severity != Severity::Error, name.constData());
+    }
+}
+
+void TestFormatDocs::codesExist()
+{
+    // "[`text-value`, `blank-value`]", which may go over a line end.
+    const QRegularExpression brackets(QStringLiteral(R"(\[(`[a-z-]+`(,\s`[a-z-]+`)*)\])"));
+    int count = 0;
+    for (const QByteArray& document : {formatDocument(), controlDocument()}) {
+        auto match = brackets.globalMatch(QString::fromUtf8(document));
+        while (match.hasNext()) {
+            for (const QString& name : match.next().captured(1).split(QLatin1Char(','))) {
+                const QByteArray bare = code(name.trimmed().toUtf8());
+                QVERIFY2(findCode(bare) != nullptr, bare.constData());
+                ++count;
+            }
+        }
+    }
+    QVERIFY(count > 30);
+}
+
+void TestFormatDocs::methodsAreThoseOfTheProgram()
+{
+    const QByteArray document = controlDocument();
+    const int begin = document.indexOf("| method | result | with missing values | units |");
+    const QByteArray header = document.mid(begin, document.indexOf('\n', begin) - begin);
+    const QByteArrayList years = header.split('|').mid(5);
+    QVERIFY(years.size() > 4);
+
+    QByteArrayList documented;
+    for (const QByteArrayList& row : tableRows(document, header))
+        documented.append(row.mid(0, 1).join() + '|' + row.mid(2).join('|'));
+
+    QByteArrayList expected;
+    for (const AggMethod& method : aggMethods()) {
+        const bool isIgnored = method.missingValues == AggMethod::MissingValues::Ignored;
+        QByteArrayList cells = {'`' + method.word.toUtf8() + '`', isIgnored ? "ignored" : "NaN",
+                                method.isTotal ? "extended" : "kept"};
+        if (!method.isSupported())
+            cells = {cells.first(), QByteArray(), QByteArray()};
+        for (int i = 0; i < years.size() - 1; ++i) // nothing follows the last bar
+            cells.append(result(method, years.at(i)));
+        expected.append(cells.join('|'));
+    }
+    QCOMPARE(documented, expected);
+}
+
+void TestFormatDocs::grammarHasAllMethods()
+{
+    QStringList words;
+    for (const AggMethod& method : aggMethods())
+        words.append(QLatin1Char('"') + method.word + QLatin1Char('"'));
+    QString grammar = QString::fromUtf8(codeBlocks(controlDocument()).first());
+    grammar = grammar.section(QStringLiteral("method = "), 1).section(QStringLiteral(" ;"), 0, 0);
+    QCOMPARE(grammar.simplified(), words.join(QStringLiteral(" | ")));
+}
+
+void TestFormatDocs::badLinesHaveTheReasons()
+{
+    const auto rows = tableRows(controlDocument(), "| line | reason |");
+    QCOMPARE(rows.size(), 6);
+    for (const QByteArrayList& row : rows) {
+        const QByteArray line = code(row.value(0));
+        MethodRule rule;
+        QCOMPARE(parseMethodRule(line.constData(), rule).message,
+                 QString::fromUtf8("Method Control File Error: " + row.value(1) + " in line \n\"" +
+                                   line + '"'));
+    }
+}
+
+void TestFormatDocs::rulesOfTheTableAreRules()
+{
+    const auto rows = tableRows(controlDocument(), "| rule | fits |");
+    QCOMPARE(rows.size(), 6);
+    for (const QByteArrayList& row : rows) {
+        const QByteArray line = code(row.value(0));
+        MethodRule rule;
+        QVERIFY2(parseMethodRule(line.constData(), rule).ok(), line.constData());
+    }
+}
+
+QTEST_GUILESS_MAIN(TestFormatDocs)
+
+#include "tst_formatdocs.moc"

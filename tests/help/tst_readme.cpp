@@ -1,0 +1,169 @@
+// The commands of README.md and examples/README.md, typed as they are shown in a folder that looks
+// like the source tree after scripts/run-example: they give what the text shows after them.
+
+#include <QtTest>
+
+#include "tests/app/processrun.h"
+#include "tests/help/markdown.h"
+
+namespace {
+
+QByteArray content(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(path));
+    return file.readAll();
+}
+
+QByteArray example(const char* name)
+{
+    return content(QStringLiteral(SOURCE_DIR "/examples/") + QLatin1String(name));
+}
+
+// Results that were computed without the program.
+QByteArray golden(const char* name)
+{
+    return content(QStringLiteral(SOURCE_DIR "/tests/app/golden/") + QLatin1String(name));
+}
+
+// Whether the lines of `block`, which may end with "...", follow one another in `text`.
+bool hasLines(const QByteArray& text, QByteArray block)
+{
+    if (block.endsWith("\n..."))
+        block.chop(4);
+    const QByteArray lines = '\n' + text;
+    return !block.isEmpty() && lines.contains('\n' + block + '\n');
+}
+
+// The folders of the source tree that the commands name, with the programs where a build puts them.
+void makeSourceTree(const ProcessRun& run)
+{
+    QVERIFY(QDir(run.path(QStringLiteral("."))).mkpath(QStringLiteral("build/release/app")));
+    QVERIFY(
+        QFile::link(QStringLiteral(SOURCE_DIR "/examples"), run.path(QStringLiteral("examples"))));
+    QVERIFY(QFile::link(QStringLiteral(HTS_ANNUALIZER),
+                        run.path(QStringLiteral("build/release/app/HtsAnnualizer"))));
+    QVERIFY(QDir(run.path(QStringLiteral("."))).mkpath(QStringLiteral("build/release/tool")));
+    QVERIFY(QFile::link(QStringLiteral(HTSTOOL),
+                        run.path(QStringLiteral("build/release/tool/htstool"))));
+}
+
+} // namespace
+
+class TestReadme : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyBlockIsTested();
+    void conversionGivesTheLinesShown();
+    void failureShowsWhatIsShown();
+    void pipesGiveTheSameResult();
+    void checkShowsWhatIsShown();
+    void exampleCommandGivesTheComputedResult();
+
+private:
+    // The only block that begins with `start`; empty when there is none, or more than one.
+    QByteArray block(const QByteArray& start) const;
+
+    QByteArrayList m_blocks = codeBlocks(content(QStringLiteral(SOURCE_DIR "/README.md")));
+};
+
+QByteArray TestReadme::block(const QByteArray& start) const
+{
+    QByteArrayList found;
+    for (const QByteArray& block : m_blocks) {
+        if (block.startsWith(start))
+            found.append(block);
+    }
+    return found.size() == 1 ? found.first() : QByteArray();
+}
+
+void TestReadme::everyBlockIsTested()
+{
+    QByteArrayList starts;
+    for (const QByteArray& block : m_blocks)
+        starts.append(block.split(' ').first());
+    QCOMPARE(starts.join('|'), QByteArray("scripts/run-example|scripts/test|"
+                                          "build/release/app/HtsAnnualizer|object_type:|"
+                                          "Choptank.Volume.Daily:|units:|$|cat|cd|pond.hts:32:"));
+}
+
+void TestReadme::conversionGivesTheLinesShown()
+{
+    QVERIFY(hasLines(example("rivers_daily.hts"), block("object_type: ")));
+    QCOMPARE(block("Choptank.Volume.Daily: ") + '\n', example("rivers_daily_methods.txt"));
+
+    ProcessRun run;
+    makeSourceTree(run);
+    run.startShell(QString::fromUtf8(block("build/release/app/HtsAnnualizer ")));
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    const QByteArray result = run.read(QStringLiteral("build/rivers_annual.hts"));
+    QCOMPARE(result, golden("rivers_september.expected"));
+    QVERIFY(hasLines(result, block("units: ")));
+    QVERIFY(run.read(QStringLiteral("build/rivers_annual.log")).endsWith(kCreated));
+}
+
+void TestReadme::failureShowsWhatIsShown()
+{
+    ProcessRun run;
+    makeSourceTree(run);
+    QByteArrayList console;
+    for (const QByteArray& line : block("$ ").split('\n')) {
+        if (!line.startsWith("$ "))
+            continue;
+        run.startShell(QString::fromUtf8(line.mid(2)));
+        QCOMPARE(run.errors, QByteArray());
+        console << line << asShown(run.output);
+    }
+    QCOMPARE(console.join('\n'), block("$ "));
+}
+
+void TestReadme::pipesGiveTheSameResult()
+{
+    ProcessRun run;
+    makeSourceTree(run);
+    run.startShell(QString::fromUtf8(block("cat ")));
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("build/piped.hts")), golden("rivers_september.expected"));
+    QVERIFY(run.read(QStringLiteral("build/piped.log")).endsWith(kCreated));
+}
+
+void TestReadme::checkShowsWhatIsShown()
+{
+    ProcessRun run;
+    makeSourceTree(run);
+    const QString files = QStringLiteral("tests/tool/files/");
+    QVERIFY(QDir(run.path(QStringLiteral("."))).mkpath(files));
+    for (const char* name : {"pond.hts", "pond_methods.txt"}) {
+        const QString path = files + QLatin1String(name);
+        run.write(path, content(QStringLiteral(SOURCE_DIR "/") + path));
+    }
+    run.startShell(QString::fromUtf8(block("cd ")));
+    QCOMPARE(asShown(run.output), block("pond.hts:32: "));
+    QCOMPARE(run.exitCode, 1);
+}
+
+void TestReadme::exampleCommandGivesTheComputedResult()
+{
+    const QByteArrayList blocks =
+        codeBlocks(content(QStringLiteral(SOURCE_DIR "/examples/README.md")));
+    QCOMPARE(blocks.size(), 1);
+    ProcessRun run;
+    makeSourceTree(run);
+    run.startShell(QString::fromUtf8(blocks.first()));
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("build/basins_annual.hts")),
+             golden("basins_december.expected"));
+}
+
+QTEST_GUILESS_MAIN(TestReadme)
+
+#include "tst_readme.moc"
