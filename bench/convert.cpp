@@ -1,7 +1,8 @@
-// usage: convert READER LOG INPUT RESULT CONTROL MONTH
+// usage: convert CONVERSION LOG INPUT RESULT CONTROL MONTH
 //
-// The program's conversion with one thing exchanged: READER is "plain" for the plain line-by-line
-// reader, or "own"; LOG is "off" for a logger that lets nothing through, or "on".
+// The program's work with one thing exchanged: CONVERSION is "plain" for the plain one, with every
+// line a text and the whole file in memory, or "own"; LOG is "off" for a logger that lets nothing
+// through, or "on".
 
 #include <cstdio>
 #include <cstdlib>
@@ -12,24 +13,22 @@
 
 #include "QsLog.h"
 #include "annualize/annualizehts.h"
-#include "bench/plainreader/plainreader.h"
 #include "gui/messagewatcher.h"
+#include "tests/plain/plainconversion.h"
 
 namespace {
 
-Status convert(bool isPlain, QFile& source, QFile& result, const QString& controlFile, int endMonth)
+Status convert(QFile& source, QFile& result, const QString& controlFile, int endMonth)
 {
     AnnualizeHts engine;
-    Status status = engine.setControlFile(controlFile);
+    Status status = engine.setSourceDevice(&source);
+    if (status.ok())
+        status = engine.setResultDevice(&result);
+    if (status.ok())
+        status = engine.setControlFile(controlFile);
     if (status.ok())
         status = engine.setEndMonth(endMonth);
-    HtsPackage input;
-    if (status.ok())
-        status = isPlain ? plainreader::read(source, input) : input.read(source);
-    HtsPackage output;
-    if (status.ok())
-        status = engine.annualizePackage(input, output);
-    return status.ok() ? output.write(result) : status;
+    return status.ok() ? engine.annualize() : status;
 }
 
 } // namespace
@@ -39,7 +38,7 @@ int main(int argc, char* argv[])
     qputenv("QT_QPA_PLATFORM", "minimal;offscreen"); // as the program chooses
     const QApplication application(argc, argv);
     if (argc != 7) {
-        std::fprintf(stderr, "usage: convert READER LOG INPUT RESULT CONTROL MONTH\n");
+        std::fprintf(stderr, "usage: convert CONVERSION LOG INPUT RESULT CONTROL MONTH\n");
         return 1;
     }
     const bool isPlain = std::strcmp(argv[1], "plain") == 0;
@@ -56,8 +55,10 @@ int main(int argc, char* argv[])
         std::fprintf(stderr, "cannot open the files\n");
         return 1;
     }
-    const Status status =
-        convert(isPlain, source, result, QString::fromLocal8Bit(argv[5]), std::atoi(argv[6]));
+    const QString controlFile = QString::fromLocal8Bit(argv[5]);
+    const int endMonth = std::atoi(argv[6]);
+    const Status status = isPlain ? plainconversion::convert(source, controlFile, endMonth, result)
+                                  : convert(source, result, controlFile, endMonth);
     if (!status.ok())
         std::fprintf(stderr, "%s\n", qPrintable(status.message));
     return status.ok() ? 0 : 1;

@@ -11,10 +11,10 @@
 #include <QTextStream>
 
 #include "annualize/aggvalues.h"
-#include "bench/plainreader/plainreader.h"
 #include "hts/datetimetext.h"
 #include "hts/htspackage.h"
 #include "hts/numbertext.h"
+#include "tests/plain/plainreader.h"
 
 namespace {
 

@@ -6,7 +6,8 @@ cd "$root" || exit
 
 # Names of Debian packages; "package=command" is also satisfied by the command from elsewhere.
 # shellcheck disable=SC2034 # used by the scripts that source this file
-build_packages=("cmake=cmake" "g++=g++" "ninja-build=ninja" "qtbase5-dev")
+build_packages=("cmake=cmake" "g++=g++" "ninja-build=ninja" "pkg-config=pkg-config" "qtbase5-dev"
+    "libglib2.0-dev")
 oldest_cmake=3.21 # the first that reads this version of CMakePresets.json
 
 say() {

@@ -26,13 +26,14 @@ namespace {
 int lineCount = 100'000;
 int runCount = 7;
 
-QStringList makeLines()
+QStringList makeLines(const QString& objectType)
 {
     QStringList lines;
     lines.reserve(lineCount);
     for (int i = 0; i < lineCount; ++i) {
-        lines.append(
-            QStringLiteral("INFO  Slot Reservoir %1.Outflow is aggregated with Average ").arg(i));
+        lines.append(QStringLiteral("INFO  Slot %1 %2.Outflow is aggregated with Average ")
+                         .arg(objectType)
+                         .arg(i));
     }
     return lines;
 }
@@ -125,12 +126,14 @@ double median(QVector<double> values)
 struct Case
 {
     const char* name;
+    const char* objectType; // UTF-8, in all lines
     Way way;
     Feed feed;
 };
 
-void report(const Case& measured, const QStringList& lines, bool isShown)
+void report(const Case& measured, bool isShown)
 {
+    const QStringList lines = makeLines(QString::fromUtf8(measured.objectType));
     QVector<double> bare;
     QVector<double> viewer;
     for (int run = 0; run < runCount; ++run) {
@@ -155,14 +158,16 @@ int main(int argc, char* argv[])
     if (argc > 2)
         lineCount = std::max(std::atoi(argv[2]), 1);
     qRegisterMetaType<QsLogging::Level>("QsLogging::Level");
-    const QStringList lines = makeLines();
-    const Case cases[] = {{"slot", Way::Slot, feedAtOnce},
-                          {"slot in pieces", Way::Slot, feedInPieces},
-                          {"signal", Way::QueuedSignal, feedAtOnce},
-                          {"signal in pieces", Way::QueuedSignal, feedInPieces}};
+    const char* const latin = "Reservoir";
+    const Case cases[] = {{"slot", latin, Way::Slot, feedAtOnce},
+                          {"slot, Cyrillic", "Водохранилище", Way::Slot, feedAtOnce},
+                          {"slot, Arabic", "\u062e\u0632\u0627\u0646", Way::Slot, feedAtOnce},
+                          {"slot in pieces", latin, Way::Slot, feedInPieces},
+                          {"signal", latin, Way::QueuedSignal, feedAtOnce},
+                          {"signal in pieces", latin, Way::QueuedSignal, feedInPieces}};
     for (const bool isShown : {false, true}) {
         for (const Case& measured : cases)
-            report(measured, lines, isShown);
+            report(measured, isShown);
     }
     return 0;
 }
