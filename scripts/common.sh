@@ -67,7 +67,8 @@ require_packages() {
             "as root: apt-get install ${missing[*]}"
         as_root=(sudo)
     fi
-    as_root+=(env DEBIAN_FRONTEND=noninteractive apt-get)
+    # A new machine may still be installing its own updates; wait for them.
+    as_root+=(env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=600)
     quietly "Updating the package lists" "${as_root[@]}" update
     quietly "Installing ${missing[*]}" \
         "${as_root[@]}" install -y --no-install-recommends "${missing[@]}"
