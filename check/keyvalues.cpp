@@ -16,11 +16,6 @@ namespace {
 
 using Check = void (*)(QLatin1String key, std::string_view value, qint64 line, Findings& findings);
 
-QString keyName(QLatin1String key)
-{
-    return QString(key).trimmed();
-}
-
 void checkInteger(QLatin1String key, std::string_view value, qint64 line, Findings& findings)
 {
     bool isInteger = false;
@@ -82,7 +77,7 @@ struct KeyCheck
     Check check;
 };
 
-// Keys that are not in the table hold texts that no conversion looks at.
+// Keys that are not in the table have texts as values that do not affect a conversion.
 const KeyCheck kChecks[] = {
     {"object_type: ", checkName},
     {"object_name: ", checkName},

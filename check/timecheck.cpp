@@ -14,7 +14,7 @@
 
 namespace {
 
-// The timing of one run, while it is looked at.
+// Checks the timing of one run.
 class TimeCheck
 {
 public:
@@ -47,7 +47,7 @@ private:
     const int m_endMonth;
     Findings& m_findings;
     const StepUnit m_unit;
-    std::vector<QDateTime> m_steps; // up to the first that is no date-time
+    std::vector<QDateTime> m_steps; // up to the first that is not a date-time
     bool m_hasEarlyStart = false;
 };
 
@@ -147,7 +147,7 @@ void TimeCheck::checkStep(std::size_t index)
         });
         return;
     }
-    // A timestep out of order leaves gaps on both sides, which are no findings of their own.
+    // A timestep out of order leaves gaps on both sides, which are not reported separately.
     const qint64 steps = m_unit.stepsBetween(previous, step);
     if (steps == 1 || isBackwards(index - 1) || isBackwards(index + 1))
         return;
@@ -202,7 +202,7 @@ void TimeCheck::checkYearLengths()
     }
 }
 
-// The complete year of the timesteps from `first` on and before `last`.
+// Checks the complete year of the timesteps with the indexes `first` to `last` - 1.
 void TimeCheck::checkYear(std::size_t first, std::size_t last)
 {
     const QDateTime& end = m_steps[last - 1];
