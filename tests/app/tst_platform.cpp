@@ -81,7 +81,7 @@ int main(int argc, char* argv[])
 {
     if (argc == 3 && std::strcmp(argv[1], "end-by") == 0) {
         leaveNoCoreFile();
-        prepareForNoWindow();
+        prepareCommandLineMode();
         endBy(argv[2]);
         return 0;
     }
