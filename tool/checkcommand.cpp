@@ -27,7 +27,7 @@ int exitCodeOf(const Findings& findings)
                                                  : ExitCode::kNoWorseThanNotes;
 }
 
-// Collects or writes what is said about one file after another.
+// Checks one file after another, and writes or collects their reports.
 class CheckCommand
 {
 public:
@@ -74,7 +74,7 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
         report(found, names);
         return;
     }
-    // Whatever was found is about a part of the file.
+    // The findings are about only a part of the file, so they are dropped.
     reportProblem(path, file.problem(), m_io);
     reportUnusable(names, file.problem());
 }

@@ -68,7 +68,7 @@ ToolOptions showing(const QString& text)
     return options;
 }
 
-// One command's options, by the names of its help.
+// The parser of one command, with the options that all commands have.
 struct Command
 {
     Command()
@@ -85,6 +85,15 @@ struct Command
 QCommandLineOption option(const QStringList& names, const char* value = nullptr)
 {
     return QCommandLineOption(names, QString(), QString::fromLatin1(value));
+}
+
+// Returns false for a word that is not a format.
+bool setFormat(const QString& word, ToolOptions& options)
+{
+    const bool isJson = word == QLatin1String("json");
+    if (isJson)
+        options.format = ToolOptions::Format::Json;
+    return isJson || word == QLatin1String("text");
 }
 
 ToolOptions parseCheck(const QStringList& arguments)
@@ -121,11 +130,9 @@ ToolOptions parseCheck(const QStringList& arguments)
             return invalid(
                 QStringLiteral("the month \"%1\" is not one of 1 to 12").arg(parser.value(month)));
     }
-    const QString formatWord = parser.isSet(format) ? parser.value(format) : QStringLiteral("text");
-    if (formatWord != QLatin1String("text") && formatWord != QLatin1String("json"))
-        return invalid(QStringLiteral("the format \"%1\" is not text or json").arg(formatWord));
-    if (formatWord == QLatin1String("json"))
-        options.format = ToolOptions::Format::Json;
+    if (parser.isSet(format) && !setFormat(parser.value(format), options))
+        return invalid(
+            QStringLiteral("the format \"%1\" is not text or json").arg(parser.value(format)));
     options.countsPath = parser.value(counts);
     if (parser.isSet(counts) && options.countsPath.isEmpty())
         return invalid(QStringLiteral("the path for the counts is empty"));
@@ -181,7 +188,7 @@ ToolOptions parseToolOptions(const QStringList& arguments)
                            ? QStringLiteral("no command is given")
                            : QStringLiteral("\"%1\" is not one of the commands check and export")
                                  .arg(command));
-    // The parser takes the first argument for the program's name.
+    // The parser ignores the first argument, which should be the program's name: here the command.
     const QStringList rest = arguments.mid(1);
     return command == QLatin1String("check") ? parseCheck(rest) : parseExport(rest);
 }
