@@ -1,4 +1,4 @@
-// What is found about the rules of a control file, and the plan that they make.
+// The findings about the rules of a control file, and the plan of the slots.
 
 #include <QFile>
 #include <QTemporaryDir>

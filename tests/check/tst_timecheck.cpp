@@ -1,4 +1,4 @@
-// What is found about the timesteps of a run. They are the first run of a file with one slot.
+// The findings about the timesteps of a run. They are the first run of a file with one slot.
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-// What an observer of the reader is shown, and with which line numbers.
+// What is reported to an observer of the reader, and with which line numbers.
 
 #include <QBuffer>
 #include <QtTest>
@@ -13,7 +13,7 @@ QString textOf(std::string_view bytes)
     return QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
 }
 
-// Notes every call as a text: line number, what it is, the line.
+// Notes every call as a text: line number, kind of line, the line.
 class RecordingObserver : public HtsReader::Observer
 {
 public:
