@@ -117,7 +117,7 @@ void PreambleCheck::ignoredLine(std::string_view line)
     if (belongsElsewhere(line, m_section) ||
         (m_section == Section::Slot && line == bytesOf(kEndRun))) {
         m_findings.add(Code::MisplacedLine, number, [&]() -> QString {
-            return QStringLiteral("%1 does not belong into a preamble and is ignored; is %2 "
+            return QStringLiteral("%1 does not belong in a preamble and is ignored; is %2 "
                                   "missing before it?")
                 .arg(quoted(line), missingBefore(line));
         });
@@ -133,7 +133,7 @@ void PreambleCheck::ignoredLine(std::string_view line)
     }
     m_nearKeys.push_back(key);
     m_findings.add(Code::NearKey, number, [&]() -> QString {
-        return QStringLiteral("%1 is ignored; it nearly is \"%2\"").arg(quoted(line), key);
+        return QStringLiteral("%1 is ignored; it is nearly \"%2\"").arg(quoted(line), key);
     });
     if (key.startsWith(QLatin1String("END_")))
         loseSync();
@@ -178,7 +178,7 @@ void PreambleCheck::noteKey(QLatin1String key, std::string_view value)
         std::find_if(m_seen.begin(), end, [&](const SeenKey& other) { return other.key == key; });
     if (seen != end && seen->value != value && m_isInSync) {
         m_findings.add(Code::RepeatedKey, m_reader.lineNumber(), [&]() -> QString {
-            return QStringLiteral("\"%1\" is there twice; %2 counts, and not %3 of line %4")
+            return QStringLiteral("\"%1\" occurs twice; %2 counts, not %3 of line %4")
                 .arg(keyName(key), quoted(value), quoted(seen->value))
                 .arg(seen->line);
         });
@@ -214,15 +214,14 @@ void PreambleCheck::unexpectedLine(QLatin1String expected, std::string_view line
     m_failureCode = codeOf(expected);
     const bool isPastEnd = m_reader.linesPastEnd() > 0;
     m_failureLine = std::max<qint64>(number - m_reader.linesPastEnd(), 1);
-    const QString place = isPastEnd      ? QStringLiteral("the file ends")
-                          : line.empty() ? QStringLiteral("an empty line stands")
-                                         : quoted(line) + QStringLiteral(" stands");
     const bool isBetweenSlots = m_failureCode == Code::SlotPreamble && m_seenCount == 0;
     const QString wanted = isBetweenSlots ? QStringLiteral("a slot or \"END_RUN\"")
                            : m_failureCode == Code::TimestepLine
                                ? QStringLiteral("a timestep \"%1\"").arg(expected)
                                : QStringLiteral("\"%1\"").arg(expected);
-    m_failureText = QStringLiteral("%1 where %2 is expected").arg(place, wanted);
+    const QString found = line.empty() ? QStringLiteral("an empty line") : quoted(line);
+    m_failureText = isPastEnd ? QStringLiteral("the file ends where %1 is expected").arg(wanted)
+                              : QStringLiteral("%1 instead of %2").arg(found, wanted);
 }
 
 void PreambleCheck::oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line)

@@ -210,15 +210,15 @@ void RuleCheck::reportRule(const Rule& rule)
     if ((rule.sameAs >= 0 || !rule.isUsed) && shadowing >= 0) {
         m_findings.addToControl(Code::RuleShadowed, rule.line, [&]() -> QString {
             const Rule& earlier = m_rules[static_cast<std::size_t>(shadowing)];
-            return QStringLiteral("%1 never comes to bear, because %2 of line %3 holds before it")
+            return QStringLiteral("%1 is never used, because %2 of line %3 applies first")
                 .arg(textOf(rule), textOf(earlier))
                 .arg(earlier.line);
         });
     } else if (!rule.isUsed) {
         m_findings.addToControl(Code::RuleIdle, rule.line, [&]() -> QString {
             const Rule& earlier = m_rules[static_cast<std::size_t>(rule.replacedBy)];
-            return QStringLiteral("%1 never comes to bear: rules such as %2 of line %3 hold for "
-                                  "all its slots")
+            return QStringLiteral("%1 is never used: rules such as %2 of line %3 apply to all "
+                                  "its slots")
                 .arg(textOf(rule), textOf(earlier))
                 .arg(earlier.line);
         });

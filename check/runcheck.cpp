@@ -139,8 +139,8 @@ void RunCheck::compareName(const FirstSlot& first, const HtsSlot& slot, qint64 l
             return QStringLiteral("run %1 has %2 with the object type %3 instead of %4")
                 .arg(m_runNumber)
                 .arg(given, quoted(slot.objectType), quoted(first.objectType));
-        return QStringLiteral("run %1 has %2 in the place of the first run's %3, on which its "
-                              "values land")
+        return QStringLiteral("run %1 has %2 in the place of the first run's %3, which gets "
+                              "its values")
             .arg(m_runNumber)
             .arg(given, wanted);
     });

@@ -60,8 +60,8 @@ void SlotEndCheck::reportEndColumn(const EndLine& line, const QString& slotName)
     if (m_values.hasInsertedLines())
         return;
     m_findings.add(Code::TooManyValues, line.number, [&]() -> QString {
-        return QStringLiteral("%1 has more values than the run has timesteps: %2 stands where "
-                              "\"END_COLUMN\" is expected")
+        return QStringLiteral("%1 has more values than the run has timesteps: %2 instead of "
+                              "\"END_COLUMN\"")
             .arg(slotName, quoted(line.text));
     });
 }
@@ -69,7 +69,7 @@ void SlotEndCheck::reportEndColumn(const EndLine& line, const QString& slotName)
 void SlotEndCheck::reportWrongLine(Code code, const char* expected, const EndLine& line)
 {
     m_findings.add(code, line.number, [&]() -> QString {
-        return QStringLiteral("%1 stands where \"%2\" is expected")
+        return QStringLiteral("%1 instead of \"%2\"")
             .arg(line.text.empty() ? QStringLiteral("an empty line") : quoted(line.text),
                  QLatin1String(expected));
     });
@@ -99,7 +99,7 @@ bool SlotEndCheck::readRows(const HtsSlot& slot, const QString& slotName)
             continue;
         isReported = true;
         m_findings.add(Code::TableRows, m_reader.lineNumber(), [&]() -> QString {
-            return QStringLiteral("%1 stands where row %2 of %3 of the table %4 is expected")
+            return QStringLiteral("%1 instead of row %2 of %3 of the table %4")
                 .arg(quoted(line))
                 .arg(row + 1)
                 .arg(slot.rows)

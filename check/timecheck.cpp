@@ -105,7 +105,7 @@ void TimeCheck::checkCompleteYears()
     const auto count = static_cast<std::size_t>(std::max(m_run.timeStepCount, 0));
     const bool hasBadStep = m_steps.size() < count;
     qint64 line = lineOfStep(count) - 1;
-    QString reason = QStringLiteral("the timesteps hold no complete year");
+    QString reason = QStringLiteral("the timesteps contain no complete year");
     if (!m_run.start.isValid()) {
         line = m_lines.start > 0 ? m_lines.start : m_lines.endOfPreamble;
         reason = QStringLiteral("the run has no valid \"start:\"");
@@ -113,7 +113,7 @@ void TimeCheck::checkCompleteYears()
         reason = QStringLiteral("the run has no timesteps");
     } else if (hasBadStep) {
         line = lineOfStep(m_steps.size());
-        reason = QStringLiteral("there is no date-time %1").arg(quoted(text(m_steps.size())));
+        reason = QStringLiteral("%1 is not a date-time").arg(quoted(text(m_steps.size())));
     }
     m_findings.add(Code::NoCompleteYear, line,
                    [&]() -> QString { return reason + conversionFails(status.message); });
@@ -136,7 +136,7 @@ void TimeCheck::checkStep(std::size_t index)
     const QDateTime& step = m_steps[index];
     if (step == previous) {
         m_findings.add(Code::StepRepeated, lineOfStep(index), [&]() -> QString {
-            return QStringLiteral("the timestep %1 is there twice").arg(text(index));
+            return QStringLiteral("the timestep %1 occurs twice").arg(text(index));
         });
         return;
     }
@@ -176,8 +176,7 @@ void TimeCheck::reportGap(std::size_t index, qint64 missing)
             .arg(missing == 1 ? QStringLiteral("1 timestep is")
                               : QStringLiteral("%1 timesteps are").arg(missing),
                  text(index - 1), text(index),
-                 isCounted ? QStringLiteral("; the year counts as complete all the same")
-                           : QString());
+                 isCounted ? QStringLiteral("; the year still counts as complete") : QString());
     });
 }
 

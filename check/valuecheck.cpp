@@ -76,7 +76,7 @@ void ValueCheck::checkOddLine(std::size_t index, qint64 lineNumber, std::string_
     if (isFirst && takeKey(rest, kMethodKey)) {
         ++m_insertedLines;
         m_findings.add(Code::MethodLine, lineNumber, [&]() -> QString {
-            return QStringLiteral("%1 is read as a value: nothing may stand before it")
+            return QStringLiteral("%1 is read as a value: nothing may come before it")
                 .arg(quoted(line));
         });
         return;
@@ -84,7 +84,7 @@ void ValueCheck::checkOddLine(std::size_t index, qint64 lineNumber, std::string_
     if (isSlotLine(line)) {
         ++m_foreignLines;
         m_findings.add(Code::TooFewValues, lineNumber, [&]() -> QString {
-            return QStringLiteral("%1 stands where value %2 of %3 of %4 is expected")
+            return QStringLiteral("%1 instead of value %2 of %3 of %4")
                 .arg(quoted(line))
                 .arg(index + 1)
                 .arg(m_count)
@@ -108,7 +108,7 @@ void ValueCheck::checkNumber(qint64 lineNumber, std::string_view line)
     if (!isNumberLine(line)) {
         m_findings.add(Code::TextValue, lineNumber, [&]() -> QString {
             const QString hint = numberHint(line);
-            return QStringLiteral("%1 is no number and counts as 0%2")
+            return QStringLiteral("%1 is not a number and counts as 0%2")
                 .arg(quoted(line), hint.isEmpty() ? hint : QStringLiteral("; it may be ") + hint);
         });
     } else if (std::isinf(lineToNumber(line))) {
@@ -151,7 +151,7 @@ void ValueCheck::reportSentinels(const std::vector<double>& values, qint64 first
         if (count < 2)
             continue;
         m_findings.add(Code::Sentinel, firstLine + (value - values.begin()), [&]() -> QString {
-            return QStringLiteral("%1 is there %2 times among the values of %3 and counts as a "
+            return QStringLiteral("%1 occurs %2 times among the values of %3 and counts as a "
                                   "number; does it mark missing values?")
                 .arg(QString::number(*value), QString::number(count), m_slotName);
         });

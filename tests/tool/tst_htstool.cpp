@@ -195,7 +195,7 @@ void HtstoolTest::readsTheStandardInput()
     ToolRun run;
     run.start(words("check -"), codeFile("text-value"));
     QCOMPARE(run.output,
-             QByteArray("-:38: warning: \"7,5\" is no number and counts as 0; it may be "
+             QByteArray("-:38: warning: \"7,5\" is not a number and counts as 0; it may be "
                         "a decimal comma [text-value]\n"));
     QCOMPARE(run.exitCode, 1);
 }
@@ -343,7 +343,7 @@ void HtstoolTest::exportReportsText()
     ToolRun run;
     run.start(words("export - -o -"), codeFile("text-value"));
     QVERIFY(run.output.contains("2000-08-01T00:00:00,0\r\n"));
-    QCOMPARE(run.errors, QByteArray("htstool: -: 1 values are no numbers and were exported as 0; "
+    QCOMPARE(run.errors, QByteArray("htstool: -: 1 values are not numbers and were exported as 0; "
                                     "htstool check has their lines\n"));
     QCOMPARE(run.exitCode, 1);
 }

@@ -194,7 +194,7 @@ void ToolDocTest::jsonDocumentIsComplete()
     const QByteArray expected = R"({"control":null,"endMonth":12,"exitCode":1,"files":[{
 "conversion":{"message":null,"outcome":"succeeds"},"counts":{"text-value":1},"errors":0,
 "exitCode":1,"file":"a.hts","findings":[{"code":"text-value","file":"a.hts","line":38,
-"severity":"warning","text":"\"7,5\" is no number and counts as 0; it may be a decimal comma"}],
+"severity":"warning","text":"\"7,5\" is not a number and counts as 0; it may be a decimal comma"}],
 "notes":0,"plan":null,"problem":null,"runs":1,"slots":2,"warnings":1}],"format":1})";
     QCOMPARE(QJsonDocument::fromJson(run.output), QJsonDocument::fromJson(expected));
 }
