@@ -1,8 +1,6 @@
 #ifndef ANNUALIZE_ANNUALIZATION_H
 #define ANNUALIZE_ANNUALIZATION_H
 
-#include <vector>
-
 #include <QDateTime>
 #include <QLatin1String>
 #include <QString>

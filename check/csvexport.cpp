@@ -7,7 +7,7 @@
 #include <QStringList>
 
 #include "annualize/slotplan.h"
-#include "check/csvrow.h"
+#include "check/csvwriter.h"
 #include "check/knownlines.h"
 #include "hts/datetimetext.h"
 #include "hts/htskeys.h"

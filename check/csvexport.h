@@ -25,8 +25,8 @@ struct ExportOutcome
     qint64 textValues = 0;
 };
 
-// Writes the values of an HTS file as a table of comma-separated values, in one pass; see csvrow.h
-// for the form of the fields. Table slots are left out.
+// Writes the values of an HTS file as a table of comma-separated values, in one pass; see
+// csvwriter.h for the form of the fields. Table slots are left out.
 //
 // The long form has the columns run, trace, object, slot, units, time, value. The time is the
 // instant that ends the timestep; values of slots that are not series have none. Memory grows with

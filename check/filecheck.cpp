@@ -1,6 +1,5 @@
 #include "check/filecheck.h"
 
-#include <memory>
 #include <optional>
 
 #include "annualize/annualization.h"

@@ -4,7 +4,6 @@
 #include <array>
 #include <vector>
 
-#include <QString>
 #include <QtGlobal>
 
 #include "check/finding.h"

@@ -1,7 +1,6 @@
 #ifndef CHECK_TIMECHECK_H
 #define CHECK_TIMECHECK_H
 
-#include <QString>
 #include <QtGlobal>
 
 #include "annualize/completeyears.h"

@@ -9,7 +9,7 @@
 #include "QsLog.h"
 #include "annualize/annualizehts.h"
 #include "check/csvexport.h"
-#include "check/csvrow.h"
+#include "check/csvwriter.h"
 #include "check/filecheck.h"
 #include "fuzz/fuzzsupport.h"
 #include "fuzz/fuzztarget.h"

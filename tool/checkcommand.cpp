@@ -1,18 +1,17 @@
 #include "tool/checkcommand.h"
 
 #include <algorithm>
-#include <optional>
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "check/csvrow.h"
+#include "check/csvwriter.h"
 #include "check/filecheck.h"
 #include "check/yearcounts.h"
-#include "tool/inputfile.h"
 #include "tool/jsonreport.h"
 #include "tool/textreport.h"
+#include "tool/toolfiles.h"
 #include "tool/toolio.h"
 #include "tool/tooloptions.h"
 #include "utils/checkedfile.h"

@@ -1,7 +1,7 @@
 #include "tool/exportcommand.h"
 
 #include "check/csvexport.h"
-#include "tool/inputfile.h"
+#include "tool/toolfiles.h"
 #include "tool/toolio.h"
 #include "tool/tooloptions.h"
 #include "utils/checkedfile.h"

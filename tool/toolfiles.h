@@ -1,5 +1,5 @@
-#ifndef TOOL_INPUTFILE_H
-#define TOOL_INPUTFILE_H
+#ifndef TOOL_TOOLFILES_H
+#define TOOL_TOOLFILES_H
 
 #include <QString>
 #include <QStringList>
@@ -24,4 +24,4 @@ bool finishOutput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo&
 // Writes "htstool: PATH: TEXT" to io.errors.
 void reportProblem(const QString& path, const QString& text, const ToolIo& io);
 
-#endif // TOOL_INPUTFILE_H
+#endif // TOOL_TOOLFILES_H
