@@ -82,9 +82,11 @@ struct Command
     QCommandLineParser parser;
 };
 
-QCommandLineOption option(const QStringList& names, const char* value = nullptr)
+// `names` are separated by blanks. `value` names the option's value in error texts; null for none.
+QCommandLineOption option(const char* names, const char* value = nullptr)
 {
-    return QCommandLineOption(names, QString(), QString::fromLatin1(value));
+    return QCommandLineOption(QString::fromLatin1(names).split(QLatin1Char(' ')), QString(),
+                              QString::fromLatin1(value));
 }
 
 // Returns false for a word that is not a format.
@@ -100,13 +102,10 @@ ToolOptions parseCheck(const QStringList& arguments)
 {
     Command command;
     QCommandLineParser& parser = command.parser;
-    const QCommandLineOption control =
-        option({QStringLiteral("c"), QStringLiteral("control")}, "METHODS");
-    const QCommandLineOption month =
-        option({QStringLiteral("y"), QStringLiteral("end-month")}, "MONTH");
-    const QCommandLineOption format =
-        option({QStringLiteral("f"), QStringLiteral("format")}, "FORMAT");
-    const QCommandLineOption counts = option({QStringLiteral("counts")}, "OUT.csv");
+    const QCommandLineOption control = option("c control", "METHODS");
+    const QCommandLineOption month = option("y end-month", "MONTH");
+    const QCommandLineOption format = option("f format", "FORMAT");
+    const QCommandLineOption counts = option("counts", "OUT.csv");
     parser.addOptions({control, month, format, counts});
     const bool isValid = parser.parse(arguments);
     if (parser.isSet(command.help))
@@ -143,10 +142,9 @@ ToolOptions parseExport(const QStringList& arguments)
 {
     Command command;
     QCommandLineParser& parser = command.parser;
-    const QCommandLineOption output =
-        option({QStringLiteral("o"), QStringLiteral("output")}, "OUT.csv");
-    const QCommandLineOption wide = option({QStringLiteral("w"), QStringLiteral("wide")});
-    const QCommandLineOption run = option({QStringLiteral("r"), QStringLiteral("run")}, "N");
+    const QCommandLineOption output = option("o output", "OUT.csv");
+    const QCommandLineOption wide = option("w wide");
+    const QCommandLineOption run = option("r run", "N");
     parser.addOptions({output, wide, run});
     const bool isValid = parser.parse(arguments);
     if (parser.isSet(command.help))

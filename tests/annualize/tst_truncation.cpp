@@ -37,7 +37,7 @@ enum class Kind {
     TableRow,
     TableEnd,
     RunEnd,
-    PastEnd // the last run
+    PastEnd // after the last run
 };
 
 struct Line
