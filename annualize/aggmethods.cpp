@@ -6,7 +6,7 @@
 
 namespace {
 
-// The NaN of this program's own results; the lowest bit tells it from the toolkit's.
+// The NaN of this program's own results; the toolkit's differs in the lowest bit.
 double resultNan()
 {
     constexpr std::uint64_t kBits = 0x7ff8000000000001;
@@ -94,7 +94,7 @@ const AggMethod* findMethod(const QString& word)
 
 const AggMethod* findMethodIgnoringCase(std::string_view word)
 {
-    // Letters outside ASCII are never taken for one of a word, as the long s would be for an s.
+    // Only ASCII letters have two cases here: for the toolkit a long s would equal an s.
     const auto isSameLetter = [](char given, QChar letter) {
         const auto lower = [](ushort c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
         return lower(static_cast<uchar>(given)) == lower(letter.unicode());

@@ -12,22 +12,22 @@
 // which serves the control file, the aggregation and the driver: a new method is a new row.
 struct AggMethod
 {
-    // What becomes of a year with a value that is not usable.
+    // The result for a year with a missing value: NaN, or the result for its other values.
     enum class MissingValues { MakeNaN, Ignored };
 
     // In canonical case. Copies share their memory.
     QString word;
-    // The result for a year of one or more values, made of its usable ones; null for "Salinity",
-    // which is a known word without an aggregation.
+    // Computes the result for a year of one or more values from its usable ones; null for
+    // "Salinity", which is a known word without an aggregation.
     double (*formula)(const YearValues& year);
     MissingValues missingValues;
-    // Whether results are totals, whose unit says so.
+    // Whether results are totals over the year; their units say so.
     bool isTotal;
 
     bool isSupported() const { return formula != nullptr; }
 
-    // The result for a year: NaN, with the bits 0x7ff8000000000001, where missing values make it
-    // so. Only for a method that is supported.
+    // The result for a year; NaN, with the bits 0x7ff8000000000001, for a year with a missing value
+    // if `missingValues` is MakeNaN. Only for a method that is supported.
     double resultFor(const YearValues& year) const;
 };
 

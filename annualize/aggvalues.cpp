@@ -10,7 +10,7 @@ bool AggValues::aggregate(const std::vector<double>& values,
 {
     m_years.clear();
     if (values.size() != valueMap.size()) {
-        errorMessage = QStringLiteral("Sizes of input value and value map vectors are mismatched");
+        errorMessage = kSizesDiffer;
         return false;
     }
     if (newValueCount < 0) {
@@ -18,14 +18,14 @@ bool AggValues::aggregate(const std::vector<double>& values,
         return false;
     }
 
-    std::int32_t yearNumber = 0; // of the year under way
+    std::int32_t yearNumber = 0; // of the current year
     for (std::size_t i = 0; i < values.size();) {
         const std::size_t first = i;
         const std::int32_t number = valueMap[first];
         while (i < values.size() && valueMap[i] == number)
             ++i;
         if (number < 1 || number > newValueCount)
-            continue; // which doesn't end the year under way
+            continue; // without ending the current year
         if (number != yearNumber)
             m_years.emplace_back(values[first]);
         yearNumber = number;

@@ -4,23 +4,28 @@
 #include <cstdint>
 #include <vector>
 
+#include <QLatin1String>
 #include <QString>
 
 #include "annualize/aggmethods.h"
 #include "annualize/yearvalues.h"
 
 // Aggregates the values of one series slot over the years that a value map gives. One pass over the
-// values serves all methods.
+// values gives what all methods need.
 //
 //     AggValues agg;
 //     QString message;
 //     if (agg.aggregate(values, valueMap, yearCount, message))
 //         use(agg.results(*findMethod(QStringLiteral("Average"))));
 //
-// An object can be used again and again, by one thread at a time.
+// An object can be reused, by one thread at a time.
 class AggValues
 {
 public:
+    // The failure when values and value map differ in length.
+    static inline const QLatin1String kSizesDiffer{
+        "Sizes of input value and value map vectors are mismatched"};
+
     AggValues() = default;
     virtual ~AggValues();
 
@@ -33,7 +38,7 @@ public:
     bool aggregate(const std::vector<double>& values, const std::vector<std::int32_t>& valueMap,
                    std::int32_t newValueCount, QString& errorMessage);
 
-    // What `method`, which is supported, makes of each year, in time order.
+    // The result of `method`, which is supported, for each year, in time order.
     std::vector<double> results(const AggMethod& method) const;
 
 private:

@@ -6,12 +6,6 @@
 #include "annualize/months.h"
 #include "hts/htsreader.h"
 
-namespace {
-
-const QLatin1String kNoSlots("No series slots with valid methods found in input HTS file");
-
-} // namespace
-
 Annualization::Annualization(const QString& controlPath, int endMonth)
     : m_controlPath(controlPath), m_endMonth(endMonth)
 {
@@ -28,7 +22,7 @@ Status Annualization::read(QIODevice& source)
         status = readRun(reader, r);
     if (m_runCount == 0)
         m_years = findCompleteYears(HtsRun(), m_endMonth, m_valueMap);
-    // Only now: as many runs as the file announces have been seen, however many that are.
+    // Not earlier: it allocates memory for the number of runs that the file announces.
     if (status.ok())
         m_annual.copyPreamble(preamble);
     m_isRead = status.ok();
@@ -60,7 +54,7 @@ Status Annualization::readRun(HtsReader& reader, int runIndex)
     return status;
 }
 
-// The first run gives the years and, where there are any, the reason to open the control file.
+// The first run determines the years; without any the control file is not opened.
 void Annualization::startFirstRun(const HtsRun& run)
 {
     m_years = findCompleteYears(run, m_endMonth, m_valueMap);
@@ -73,7 +67,7 @@ void Annualization::startFirstRun(const HtsRun& run)
     m_control = readControlFile(m_controlPath);
 }
 
-// A run of the same timing has the same years. In any other the value map deliberately goes on
+// A run of the same timing has the same years. For any other run the value map deliberately keeps
 // growing, so that the aggregation refuses the run.
 void Annualization::startLaterRun(const HtsRun& run, int runIndex)
 {
@@ -97,7 +91,8 @@ Status Annualization::readSlot(HtsReader& reader, const HtsRun& run, int runInde
     if (runIndex == 0 && isAnnualizing())
         planSlot(slot);
 
-    // A later run's own slot decides how many values follow, the first run's what becomes of them.
+    // In a later run its own slot determines how many values follow, and the first run's slot
+    // whether they are used.
     const bool isUsed = isAnnualizing() && isAnnualized(slotIndex);
     if (slot.isTable()) {
         reader.skipTable();
@@ -110,8 +105,8 @@ Status Annualization::readSlot(HtsReader& reader, const HtsRun& run, int runInde
         } else {
             reader.skipValues(count);
         }
-        reader.readEndLine(); // "END_COLUMN", not looked at
-        reader.readEndLine(); // "END_SLOT", not looked at
+        reader.readLine(); // "END_COLUMN", not checked
+        reader.readLine(); // "END_SLOT", not checked
     }
     if (isUsed)
         annualizeSlot(runIndex, slotIndex);
@@ -156,7 +151,7 @@ void Annualization::finishRun(int runIndex, int slotCount)
     }
 }
 
-// Whether there is still a result to work for.
+// Whether there can still be a result.
 bool Annualization::isAnnualizing() const
 {
     const bool hasSlots = m_runCount == 1 || m_annualizedCount > 0;
@@ -191,7 +186,7 @@ Status Annualization::report() const
 }
 
 // The control file's status is deliberately reported nowhere: without methods there are no slots to
-// annualize, and that is the reason that the user gets.
+// annualize, and that is the failure that the user sees.
 void Annualization::logAssignments() const
 {
     if (m_control.isRead)

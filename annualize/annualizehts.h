@@ -11,7 +11,7 @@
 
 class QIODevice;
 
-// The engine behind both front ends: converts an HTS file into one with a yearly timestep.
+// The engine of both front ends: converts an HTS file into one with a yearly timestep.
 //
 //     AnnualizeHts engine;                                   // each call returns a Status
 //     engine.setSourceDevice(&source);                       // open for reading
@@ -33,8 +33,8 @@ public:
     AnnualizeHts(const AnnualizeHts&) = delete;
     AnnualizeHts& operator=(const AnnualizeHts&) = delete;
 
-    // The settings. A value that is refused leaves the old one in place. The devices are not owned
-    // and must stay open while annualize() runs.
+    // The settings. A refused value leaves the old one unchanged. The devices are not owned and
+    // must stay open while annualize() runs.
     Status setSourceDevice(QIODevice* device);
     Status setResultDevice(QIODevice* device);
     // Path of the method control file, environment references already substituted; not empty.
@@ -49,13 +49,13 @@ public:
     Status annualize();
 
     // Two steps of a conversion, for other users of the engine; annualize() takes the same steps,
-    // with the log lines put off until the source has been read.
+    // but logs them only after the source has been read.
 
     // Finds the complete years of `inputRun`. Appends a number for each of its timesteps to
     // `valueMap`, which should be empty, and sets the timing of `annualRun` to one timestep for
-    // each complete year; its `trace` and `complete` stay. Fails for an input that is annual
-    // already, for a list of timesteps shorter than their number, and when there is no complete
-    // year: also for a start, or a timestep that the search reaches, that is no date-time.
+    // each complete year; its `trace` and `complete` stay unchanged. Fails for an input that is
+    // annual already, for a list of timesteps shorter than their number, and when there is no
+    // complete year, or the start or a timestep that the search reaches is not a date-time.
     // `annualRun` is then unchanged and `valueMap` may be partly filled.
     Status calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& valueMap,
                                     HtsRun& annualRun) const;

@@ -1,4 +1,4 @@
-// Which timesteps belong to which year. Pure calendar arithmetic but for the log lines.
+// Which timesteps belong to which year. Pure calendar arithmetic, except for the log lines.
 
 #include "annualize/completeyears.h"
 
@@ -23,15 +23,15 @@ QDateTime firstYearStart(const QDateTime& runStart, int endMonth)
 
 // Walks through the timesteps of `run`: appends the number of its year to `valueMap` for each, and
 // the last timestep of each complete year to `years`. Returns the number of complete years, 0 or
-// less when there is none. A date-time that is not valid ends the walk without a complete year: it
-// must not get into a comparison, which would take it for some valid instant.
+// less when there is none. A date-time that is not valid ends the walk without a complete year: a
+// comparison would take it for some valid instant.
 std::int32_t walkYears(const HtsRun& run, int endMonth, ValueMap& valueMap, CompleteYears& years)
 {
     const TimestepUnit& unit = timestepUnitOrDay(run.timeStepUnit);
     Q_ASSERT(!unit.isYear());
-    // End of the year under way, and start of the next.
+    // End of the current year, and start of the next.
     QDateTime yearEnd = firstYearStart(run.start, endMonth);
-    std::int32_t year = 0; // number of the year under way, 0 before the first complete one
+    std::int32_t year = 0; // number of the current year, 0 before the first complete one
     QDateTime timestep;
     bool isValid = run.start.isValid() && yearEnd.isValid();
     for (int i = 0; isValid && i < run.timeStepCount; ++i) {

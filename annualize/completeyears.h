@@ -18,11 +18,11 @@ struct CompleteYears
 {
     // Why there are none; a success means one or more.
     Status status;
-    // The last timestep of each complete year, as the run has it.
+    // The last timestep of each complete year, with the run's text.
     QStringList timesteps;
 
-    // How far the search came, for the log.
-    bool isSearched = false; // false where it failed before it looked at a timestep
+    // How far the search got, for the log.
+    bool isSearched = false; // false if it failed before the first timestep
     bool hasTimesteps = false;
     bool endsInPartialYear = false;
 };
@@ -37,8 +37,9 @@ CompleteYears findCompleteYears(const HtsRun& run, int endMonth, ValueMap& value
 // Logs the search, whether it failed or not.
 void logCompleteYears(const CompleteYears& years, int endMonth);
 
-// Gives `annualRun` one timestep for each of the complete years of `run`, of which there is one or
-// more, and what else the two have in common; its `trace` and `complete` stay.
+// Sets the timing of `annualRun` to one timestep for each of the complete years of `run`, of which
+// there is at least one, and copies the fields that do not depend on the timestep; `trace` and
+// `complete` stay unchanged.
 void setAnnualTiming(const HtsRun& run, const CompleteYears& years, HtsRun& annualRun);
 
 #endif // ANNUALIZE_COMPLETEYEARS_H

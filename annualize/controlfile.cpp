@@ -8,8 +8,8 @@
 
 namespace {
 
-// All bytes of an open file: a failed read must not pass for the end of the rules. It is seen when
-// the file is asked once more; readAll() asks only once.
+// Reads an open file to its end. A failed read must not count as the end of the rules. It only
+// shows at the next read, which readAll() does not make.
 Status readAllBytes(QFile& file, QByteArray& bytes)
 {
     constexpr qint64 kPieceSize = qint64(64) * 1024;

@@ -7,14 +7,15 @@
 #include "hts/htsslot.h"
 #include "hts/status.h"
 
-// The method control file of a conversion, and what became of it. Reading it and logging about it
-// are apart: what the rules give to a slot is known before it may be logged.
+// What was read from the method control file of a conversion. Reading and logging are separate,
+// because the rules are needed before anything may be logged.
 struct ControlFile
 {
     // Why there are no rules: the error text of a file that can't be opened or read, or the message
     // for a bad line.
     Status status;
-    // Whether all of the file could be read, be its lines rules or not. The log begins only then.
+    // Whether the whole file could be read, even if some line is not a rule. Only then is the start
+    // of the assignment logged.
     bool isRead = false;
     // Without any rule unless `status` is a success.
     MethodControl rules;

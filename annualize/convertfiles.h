@@ -14,8 +14,8 @@ class CheckedFile;
 //
 // Both files are open, `input` for reading and `output` for writing, in text mode; the engine is
 // left with pointers to them. Succeeds only when all of the input was read and all of the result
-// was written; `output` is closed then. A file that couldn't be read or written is the reason that
-// counts, whatever the engine made of it.
+// was written; `output` is closed then. If the input couldn't be read, that is the failure, even if
+// the engine found another.
 Status convertFiles(AnnualizeHts& engine, UtilsNS::CheckedFile& input,
                     UtilsNS::CheckedFile& output);
 

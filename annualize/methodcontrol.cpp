@@ -16,7 +16,7 @@ constexpr QStringView kAny = u"*"; // every object or every slot
 
 quint32 hashOf(QStringView object, quint32 slotHash)
 {
-    // The toolkit's hash differs in its low bits alone where names do in their last characters.
+    // The toolkit's hashes of names that differ only at the end differ only in their low bits.
     constexpr quint32 kSpread = 0x9e3779b1;
     const quint32 hash = qHash(object, slotHash) * kSpread;
     return hash ^ hash >> 15;
@@ -30,7 +30,7 @@ Status lineFailure(const char* reason, std::string_view line)
 
 } // namespace
 
-// Names lose the white space that the reader of HTS files takes off its lines, and nothing else, so
+// Names are stripped of the same white space as the lines of an HTS file, and of nothing else, so
 // that every slot can be named.
 Status parseMethodRule(std::string_view line, MethodRule& rule)
 {
@@ -45,7 +45,7 @@ Status parseMethodRule(std::string_view line, MethodRule& rule)
     if (method == nullptr)
         return lineFailure("Unknown method specified", line);
 
-    // No method has a dot, so a dot stands before the colon.
+    // No method word has a dot, so the first dot is before the colon.
     const std::size_t dot = line.find('.');
     if (dot == std::string_view::npos)
         return lineFailure("Dot separator not found", line);
@@ -81,7 +81,7 @@ Status MethodControl::readRule(std::string_view line)
     Status status = parseMethodRule(line, parsed);
     if (!status.ok())
         return status;
-    if (2 * (m_rules.size() + 1) > m_places.size())
+    if (2 * (m_rules.size() + 1) > m_buckets.size())
         grow();
     const int namesSize = m_names.size();
     Rule rule;
@@ -92,13 +92,13 @@ Status MethodControl::readRule(std::string_view line)
     rule.slot = isSameSlot ? m_rules.back().slot : append(slotName);
     rule.method = parsed.method;
     const quint32 hash = hashOf(text(rule.object), qHash(slotName));
-    Place& place = placeOf(hash, text(rule.object), text(rule.slot));
-    if (place.rule != Place::kFree) {
+    Bucket& bucket = bucketOf(hash, text(rule.object), text(rule.slot));
+    if (bucket.rule != Bucket::kFree) {
         m_names.truncate(namesSize);
         return {};
     }
-    m_hasAnySlot = m_hasAnySlot || text(rule.slot) == kAny;
-    place = {hash, static_cast<int>(m_rules.size())};
+    m_hasRuleForAnySlot = m_hasRuleForAnySlot || text(rule.slot) == kAny;
+    bucket = {hash, static_cast<int>(m_rules.size())};
     m_rules.push_back(rule);
     return {};
 }
@@ -115,45 +115,45 @@ QStringView MethodControl::text(const Name& name) const
     return QStringView(m_names).mid(name.position, name.size);
 }
 
-// The place of the rule for that object and slot, or the free place where it belongs. There is a
-// free one.
-const MethodControl::Place& MethodControl::placeOf(quint32 hash, QStringView object,
-                                                   QStringView slot) const
+// The bucket of the rule for that object and slot; if there is none, the free bucket where it
+// belongs. Some bucket is always free.
+const MethodControl::Bucket& MethodControl::bucketOf(quint32 hash, QStringView object,
+                                                     QStringView slot) const
 {
-    Q_ASSERT(m_rules.size() < m_places.size());
-    const std::size_t mask = m_places.size() - 1;
+    Q_ASSERT(m_rules.size() < m_buckets.size());
+    const std::size_t mask = m_buckets.size() - 1;
     for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
-        const Place& place = m_places[i];
-        if (place.rule == Place::kFree)
-            return place;
-        const Rule& rule = m_rules[static_cast<std::size_t>(place.rule)];
-        if (place.hash == hash && text(rule.object) == object && text(rule.slot) == slot)
-            return place;
+        const Bucket& bucket = m_buckets[i];
+        if (bucket.rule == Bucket::kFree)
+            return bucket;
+        const Rule& rule = m_rules[static_cast<std::size_t>(bucket.rule)];
+        if (bucket.hash == hash && text(rule.object) == object && text(rule.slot) == slot)
+            return bucket;
     }
 }
 
-MethodControl::Place& MethodControl::placeOf(quint32 hash, QStringView object, QStringView slot)
+MethodControl::Bucket& MethodControl::bucketOf(quint32 hash, QStringView object, QStringView slot)
 {
-    return const_cast<Place&>(std::as_const(*this).placeOf(hash, object, slot));
+    return const_cast<Bucket&>(std::as_const(*this).bucketOf(hash, object, slot));
 }
 
 void MethodControl::grow()
 {
     constexpr std::size_t kFirstSize = 16;
-    std::vector<Place> places(std::max(kFirstSize, 4 * m_places.size()));
-    m_places.swap(places);
-    for (const Place& place : places) {
-        if (place.rule == Place::kFree)
+    std::vector<Bucket> buckets(std::max(kFirstSize, 4 * m_buckets.size()));
+    m_buckets.swap(buckets);
+    for (const Bucket& bucket : buckets) {
+        if (bucket.rule == Bucket::kFree)
             continue;
-        const Rule& rule = m_rules[static_cast<std::size_t>(place.rule)];
-        placeOf(place.hash, text(rule.object), text(rule.slot)) = place;
+        const Rule& rule = m_rules[static_cast<std::size_t>(bucket.rule)];
+        bucketOf(bucket.hash, text(rule.object), text(rule.slot)) = bucket;
     }
 }
 
 int MethodControl::find(QStringView object, QStringView slot, quint32 slotHash) const
 {
-    const Place& place = placeOf(hashOf(object, slotHash), object, slot);
-    return place.rule == Place::kFree ? kNoRule : place.rule;
+    const Bucket& bucket = bucketOf(hashOf(object, slotHash), object, slot);
+    return bucket.rule == Bucket::kFree ? kNoRule : bucket.rule;
 }
 
 QString MethodControl::methodFor(const HtsSlot& slot) const
@@ -162,7 +162,7 @@ QString MethodControl::methodFor(const HtsSlot& slot) const
         return {};
     int first = kNoRule;
     for (const QStringView slotName : {QStringView(slot.slotName), kAny}) {
-        if (slotName == kAny && !m_hasAnySlot)
+        if (slotName == kAny && !m_hasRuleForAnySlot)
             continue;
         const quint32 slotHash = qHash(slotName);
         for (const QStringView object :

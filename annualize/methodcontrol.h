@@ -29,12 +29,12 @@ Status parseMethodRule(std::string_view line, MethodRule& rule);
 
 // The rules of a method control file: which aggregation method each slot gets. A rule is a line
 // "Object.Slot: method". Object or slot may be "*" for all; the object may be an object type, for
-// all objects of that type. Of the rules that match a slot, the first in the file holds.
+// all objects of that type. Of the rules that match a slot, the first in the file applies.
 class MethodControl
 {
 public:
-    // Reads a whole control file, open for reading. Blank lines are skipped; any other line that is
-    // no rule ends the reading with a message that quotes it.
+    // Reads a whole control file, open for reading. Blank lines are skipped; reading fails at any
+    // other line that is not a rule, with a message that quotes it.
     Status read(QIODevice& device);
 
     // The method word that the rules give to the slot, in canonical case (see aggmethods.h), or an
@@ -54,12 +54,12 @@ private:
         Name slot;
         const AggMethod* method = nullptr;
     };
-    // A place of the hash table, free unless it names a rule.
-    struct Place
+    // An entry of the hash table.
+    struct Bucket
     {
         static constexpr int kFree = -1;
         quint32 hash = 0;
-        int rule = kFree;
+        int rule = kFree; // index in m_rules
     };
 
     Status readRule(std::string_view line);
@@ -67,21 +67,21 @@ private:
     QStringView text(const Name& name) const;
     // Index of the rule for that object and slot, whose hash is given; kNoRule when there is none.
     int find(QStringView object, QStringView slot, quint32 slotHash) const;
-    Place& placeOf(quint32 hash, QStringView object, QStringView slot);
-    const Place& placeOf(quint32 hash, QStringView object, QStringView slot) const;
+    Bucket& bucketOf(quint32 hash, QStringView object, QStringView slot);
+    const Bucket& bucketOf(quint32 hash, QStringView object, QStringView slot) const;
     void grow();
 
     static constexpr int kNoRule = std::numeric_limits<int>::max();
 
-    // In the order of the file; of each object and slot the first rule alone, since a later one
-    // never applies.
+    // In the order of the file. Of several rules for the same object and slot only the first is
+    // kept: a later one never applies.
     std::vector<Rule> m_rules;
-    // A hash table over the rules. One of the toolkit or the standard library takes a piece of
-    // memory for each rule, and a cache miss for each look-up of the many slots of a file.
-    std::vector<Place> m_places; // a power of two of them, or none
+    // A hash table over the rules. Those of the toolkit and the standard library allocate memory
+    // for each rule, which costs a cache miss at each look-up, and a file has many slots.
+    std::vector<Bucket> m_buckets; // the size is a power of two, or 0
     QString m_names;
-    bool m_hasAnySlot = false; // rules for the slot "*"
-    RepeatedText m_slotName;   // of the rule read last
+    bool m_hasRuleForAnySlot = false; // whether a rule is for the slot "*"
+    RepeatedText m_slotName;          // of the rule read last
 };
 
 #endif // ANNUALIZE_METHODCONTROL_H

@@ -16,36 +16,36 @@ inline QString fullSlotName(const QString& objectName, const QString& slotName)
     return objectName + QLatin1Char('.') + slotName;
 }
 
-// What becomes of one slot of the input, decided when it is read in the first run: whether it gets
-// a place in the result, and by which method. Holds no more than later runs and the log need.
+// What happens to one slot of the input, decided when it is read in the first run: whether it gets
+// a place in the result, and by which method. Keeps only what later runs and the log need.
 struct SlotPlan
 {
     // `methodWord` is empty for a slot without a method.
     SlotPlan(const HtsSlot& slot, const QString& methodWord);
     SlotPlan() = default; // for containers
 
-    // Whether the slot gets a place in the result: a series slot with a method that is supported. A
-    // word that is no method is not sorted out here: it ends the conversion when its turn comes.
+    // Whether the slot gets a place in the result: a series slot with a method that is supported,
+    // or with a word that is not a method, for which annualize() fails.
     bool isAnnualized() const;
 
-    // Logs why the slot has no place in the result. Nothing for one that has, or has no method.
+    // Logs why the slot has no place in the result. Logs nothing if it has one, or has no method.
     void logSkipped() const;
 
-    // The slot of the result for `slot`, whose plan this is: with the method's word, and with units
-    // that say so where the values are totals.
+    // The slot in the result for `slot`, whose plan this is: with the method's word, and with units
+    // that say so if the values are totals.
     HtsSlot annualSlot(const HtsSlot& slot) const;
 
-    // Sets `annualValues` to what the method makes of `values`, for a slot that isAnnualized().
-    // `valueMap` and `yearCount` are what AggValues::aggregate takes; `aggValues` is a buffer.
-    // Fails when values and map differ in length, and with "Unknown method specified" for a word
-    // that is no method.
+    // Sets `annualValues` to the results of the method for `values`. Only for a slot that
+    // isAnnualized(). `valueMap` and `yearCount` are what AggValues::aggregate takes; `aggValues`
+    // is a buffer. Fails when values and map differ in length, and with "Unknown method specified"
+    // for a word that is not a method.
     Status annualize(const HtsColumn& values, const ValueMap& valueMap, int yearCount,
                      AggValues& aggValues, HtsColumn& annualValues) const;
 
     QString objectName;
     QString slotName;
     QString methodWord;
-    const AggMethod* method = nullptr; // null also for a word that is no method
+    const AggMethod* method = nullptr; // null also for a word that is not a method
     bool isSeries = false;
 };
 

@@ -8,8 +8,8 @@
 #include <QString>
 #include <QtGlobal>
 
-// A unit of time of a run's timesteps, and what it means for the search of complete years. All
-// units are rows of one table. Date-times are in UTC.
+// The unit of a run's timesteps, and what it means for the search for complete years. All units are
+// rows of one table. Date-times are in UTC.
 struct TimestepUnit
 {
     // The value of "time_step_unit:", compared exactly.
@@ -22,18 +22,18 @@ struct TimestepUnit
     bool (*completesYear)(const QDateTime& lastTimestep, const QDateTime& yearEnd);
 
     bool isYear() const { return completesYear == nullptr; }
-    // When the first timestep of a year that starts at `yearStart` ends at the latest. For units
-    // finer than a day that is a day later.
+    // The latest end of the first timestep of a year that starts at `yearStart`. For units finer
+    // than a day that is a day later.
     QDateTime latestEndOfFirst(const QDateTime& yearStart) const;
 };
 
-// The table.
+// All units.
 const std::vector<TimestepUnit>& timestepUnits();
 
-// The unit that `word` names, or null.
+// The unit with the word `word`, or null.
 const TimestepUnit* findTimestepUnit(const QString& word);
 
-// The unit that timesteps of `word` are treated as: a word that is no unit counts as days.
+// The unit that timesteps of `word` are treated as: days for a word that is not a unit.
 const TimestepUnit& timestepUnitOrDay(const QString& word);
 
 #endif // ANNUALIZE_TIMESTEPUNIT_H

@@ -9,13 +9,13 @@
 // usable when it is finite; an infinity counts as missing, like NaN.
 struct YearValues
 {
-    // `first` is the first value of the year; it is added as all others are.
+    // `first` is the first value of the year; it still has to be added, like all others.
     explicit YearValues(double first) : begin(first) {}
 
     // Adds the values of [first, last), of which there is one or more.
     void add(const double* first, const double* last)
     {
-        YearValues year = *this; // a local one lives in registers
+        YearValues year = *this; // a local copy stays in registers
         year.count += last - first;
         year.end = *(last - 1);
         for (; first != last; ++first) {
@@ -25,7 +25,7 @@ struct YearValues
                 continue;
             }
             year.sum += value;
-            // Written so that they take no branch. Of equal values the first is kept.
+            // In this form they need no branch. Of equal values the first is kept.
             year.m_usableMin = value < year.m_usableMin ? value : year.m_usableMin;
             year.m_usableMax = value > year.m_usableMax ? value : year.m_usableMax;
         }

@@ -26,7 +26,7 @@ constexpr int kError = 1;
 
 constexpr int kDecember = 12;
 
-// A console message: a line, and a second one with the detail that belongs to it.
+// A failure with a text of two lines for the console: the message and its detail.
 Status errorWithDetail(const QString& message, const QString& detail)
 {
     return failure(message + QLatin1Char('\n') + detail);
@@ -38,7 +38,7 @@ void print(const QString& message)
     std::cout << message.toLocal8Bit().constData() << std::endl << std::endl;
 }
 
-// What is said about a path that can't be used.
+// The messages about a path that can't be used.
 struct PathTexts
 {
     QLatin1String missing;
@@ -58,21 +58,24 @@ const PathTexts kOutputTexts = {
                   "substituted:"),
     QLatin1String("HtsAnnualizer Error: Output hts file could not be opened for writing:")};
 
-// The option is -c; the text deliberately stays as users know it. The engine opens the file.
+// The option is -c; the wrong letter in the text is deliberately kept, since users know it. The
+// engine opens the file.
 const PathTexts kControlTexts = {
     QLatin1String("HtsAnnualizer Error: Method control file must be specified with -o option"),
     QLatin1String("HtsAnnualizer Error: Method control path environment variables could not be "
                   "substituted:"),
     QLatin1String()};
 
-// There is a default for a missing one; what is said of one that can't be opened names it.
+// A missing path has a default; the message for a file that can't be opened contains the path, see
+// logFailure().
 const PathTexts kLogTexts = {
     QLatin1String(),
     QLatin1String(
         "HtsAnnualizer Error: Log file path environment variables could not be substituted:"),
     QLatin1String()};
 
-// A path with its environment references replaced; or why there is none, and an empty path.
+// A path with its environment references replaced; or an empty path and the reason why there is
+// none.
 struct ResolvedPath
 {
     QString path;
@@ -96,8 +99,8 @@ Status logFailure(const QString& verb, const QString& path, const QString& reaso
         reason);
 }
 
-// The output path with ".log" in place of its last extension. A last dot in a folder's name counts
-// too, deliberately.
+// The output path with ".log" in the place of its last extension. That the last dot may be in the
+// name of a folder is deliberate.
 QString defaultLogPath(const QString& outputPath)
 {
     return outputPath.left(outputPath.lastIndexOf(QLatin1Char('.'))) + QLatin1String(".log");
@@ -113,15 +116,14 @@ ResolvedPath resolveLog(const QString& given, const QString& outputPath)
 class Conversion
 {
 public:
-    // Resolves all paths; one that can't be is reported when its turn comes. `engine` outlives the
-    // object.
+    // Resolves all paths; a failure of one is reported by its step of prepare(). `engine` outlives
+    // the object.
     Conversion(const Options& options, AnnualizeHts& engine);
 
-    // Opens what the options name and prepares the engine. The first problem is returned, as the
-    // text for the console.
+    // Opens the files of the options and prepares the engine. Fails with the text for the console.
     Status prepare();
-    // Runs the engine and reports to the log file. Returns the exit code. After a successful
-    // prepare(), once.
+    // Runs the engine and writes the log file. Returns the exit code. To be called once, after
+    // prepare() has succeeded.
     int run();
 
 private:
@@ -192,8 +194,8 @@ Status Conversion::setControlFile()
     return m_control.status.ok() ? m_engine.setControlFile(m_control.path) : m_control.status;
 }
 
-// Refuses to truncate a file that has another role. This looks ahead to paths whose turn has not
-// come: one that could not be resolved is left to its own step.
+// Refuses to truncate a file that has another role. A path that could not be resolved is empty and
+// ignored here: its own step reports it.
 Status Conversion::refuseSharedFiles() const
 {
     const UtilsNS::FileRole input = {QStringLiteral("input hts file"), m_input.path};
@@ -255,7 +257,7 @@ int Conversion::run()
     m_logAttachment.reset();
     const Status logStatus = m_logFile.finish();
     if (!logStatus.ok()) {
-        // The outcome is lost with the log, so it is the console that gets a message.
+        // The outcome is lost with the log, so a message goes to the console.
         print(logFailure(QStringLiteral("writing"), m_log.path, logStatus.message).message);
         return kError;
     }
@@ -272,8 +274,9 @@ int runConversion(const Options& options, AnnualizeHts& engine)
     return kError;
 }
 
-// Puts a console under the standard streams. They are not given their own buffers back, but are cut
-// off from the console's before the process ends, which flushes them once more.
+// Connects the standard streams to a console. At the end they do not get their own buffers back,
+// but none: when the process ends, they are flushed once more, and the console's buffer no longer
+// exists.
 class ConsoleStreams
 {
 public:

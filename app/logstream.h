@@ -10,11 +10,12 @@ class QFile;
 // The log of the command-line mode. It has no device until the log file is open.
 extern QTextStream logStream;
 
-// Writes a message of the toolkit, the bare text, to logStream; does nothing while that has no
+// Writes a message of the toolkit to logStream, only its text; does nothing while logStream has no
 // device. For qInstallMessageHandler.
 void logMessageHandler(QtMsgType type, const QMessageLogContext& context, const QString& message);
 
-// While an object lives, logStream writes to the file and gets the toolkit's messages.
+// While an object of this class exists, logStream writes to the file and receives the toolkit's
+// messages. One at a time.
 class LogStreamAttachment
 {
 public:

@@ -15,7 +15,8 @@
 
 namespace {
 
-// The one destination of all log lines. Its signal carries the level through queued connections.
+// Connects the only destination of all log lines. The level is registered for queued connections of
+// its signal.
 void connectLoggerToWatcher()
 {
     qRegisterMetaType<QsLogging::Level>("QsLogging::Level");
@@ -25,7 +26,7 @@ void connectLoggerToWatcher()
         QsLogging::DestinationFactory::MakeFunctorDestination(UtilsNS::watcherDestination));
 }
 
-// However the window is closed, the exit code is 0.
+// The exit code is always 0.
 int runMainWindow(AnnualizeHts& engine)
 {
     AnnualizeHtsDlg window(&engine, nullptr);
@@ -39,11 +40,11 @@ int runMainWindow(AnnualizeHts& engine)
 int main(int argc, char* argv[])
 {
     UtilsNS::openStandardStreams();
-    // Any argument asks for the command line. All of them are the program's own: the toolkit would
-    // take out options such as -style or -platform, and might end the process over one.
+    // Any argument selects the command-line mode. The toolkit gets none of them: it would remove
+    // options such as -style or -platform, and might end the process because of one.
     const bool hasWindow = argc == 1;
     if (!hasWindow)
-        prepareForNoWindow();
+        prepareCommandLineMode();
     int toolkitArgc = std::min(argc, 1);
     const QApplication application(toolkitArgc, argv);
     UtilsNS::chooseTextEncoding();

@@ -17,7 +17,8 @@ void setPath(Options& options, const char* value)
     options.*path = argumentText(value);
 }
 
-// As atoi does it, but a number that no int can hold is the nearest one instead of an accident.
+// Like atoi, but a number that does not fit an int gives the nearest int instead of undefined
+// behaviour.
 void setEndMonth(Options& options, const char* value)
 {
     constexpr long kMin = std::numeric_limits<int>::min();
@@ -25,7 +26,7 @@ void setEndMonth(Options& options, const char* value)
     options.endMonth = static_cast<int>(std::clamp(std::strtol(value, nullptr, 10), kMin, kMax));
 }
 
-// Null when no option has the letter.
+// Null if no option has the letter.
 const Option* findOption(char letter)
 {
     const auto option = std::find_if(kOptions.begin(), kOptions.end(),
@@ -33,7 +34,7 @@ const Option* findOption(char letter)
     return option == kOptions.end() ? nullptr : option;
 }
 
-// The one value that begins with a dash: it stands for no month.
+// The only value that may begin with a dash. It means that no month is given.
 bool isNoMonth(const Option* pending, const char* argument)
 {
     return pending != nullptr && pending->setValue == setEndMonth &&
@@ -63,7 +64,7 @@ const std::array<Option, 7> kOptions = {{
 Options parseOptions(int argumentCount, const char* const* arguments)
 {
     Options options;
-    const Option* pending = nullptr; // waits for its value
+    const Option* pending = nullptr; // the option whose value comes next
     for (int i = 1; i < argumentCount && options.request == Request::Conversion; ++i) {
         const char* argument = arguments[i];
         Q_ASSERT(argument != nullptr);
@@ -72,7 +73,7 @@ Options parseOptions(int argumentCount, const char* const* arguments)
             options.request = option != nullptr ? option->request : Request::Invalid;
             pending = option;
         } else if (pending != nullptr) {
-            Q_ASSERT(pending->setValue != nullptr); // the others end the reading
+            Q_ASSERT(pending->setValue != nullptr); // the other options have ended the loop
             pending->setValue(options, argument);
             pending = nullptr;
         } else {

@@ -11,16 +11,16 @@
 
 namespace {
 
-// Before the log file is open, a warning of the toolkit has no place to go, and the console is for
-// the program's own texts.
+// Before the log file is open, warnings of the toolkit are dropped: the console is for the
+// program's own texts.
 void showFatalOnly(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
     if (type == QtFatalMsg)
         showFatal(message);
 }
 
-// Memory may run out where nobody can catch it: while the application object is made, or in a
-// destructor that is at work because it has run out already.
+// Memory may run out where std::bad_alloc can't be caught: while the application object is created,
+// or in a destructor that runs because memory has run out already.
 [[noreturn]] void endWithoutMemory()
 {
     try {
@@ -39,7 +39,7 @@ void showFatalOnly(QtMsgType type, const QMessageLogContext&, const QString& mes
 
 } // namespace
 
-void prepareForNoWindow()
+void prepareCommandLineMode()
 {
     qInstallMessageHandler(showFatalOnly);
     std::set_terminate(endWithoutMemory);

@@ -3,23 +3,23 @@
 
 #include <QString>
 
-// What the process sets up around the application object, in the order of the calls, and other
-// things that each system does in its own way.
+// How the process is set up for the command line, and other things that differ between the systems.
 
-// Before the application object is made, when there will be no window: the toolkit then needs no
-// display and keeps its warnings to itself. What ends the process is shown all the same, on the
-// standard error or, on Windows, on the console. Memory that runs out where nothing can be saved
-// ends the process with a text on the console and exit code 1. No end of this kind waits for a key.
-void prepareForNoWindow();
+// To be called before the application object is created, for a process without a window: the
+// toolkit then needs no display and does not print its warnings. A fatal message, which ends the
+// process, is still shown, on the standard error or, on Windows, on the console. If memory runs out
+// where the failure can't be handled, the process ends with a text on the console and exit code 1.
+// None of these ends waits for a key.
+void prepareCommandLineMode();
 
-// A part of it: has the toolkit use a platform that works without a display.
+// A part of prepareCommandLineMode(): selects a platform plugin of the toolkit that works without a
+// display.
 void choosePlatformPlugin();
 
-// Shows what ends the process, and a line end.
+// Shows the text of a fatal message, and a line end.
 void showFatal(const QString& message);
 
-// The text of an argument of the process: UTF-8; on Windows, in whose code page the arguments come,
-// local 8-bit text.
+// The text of an argument of the process, which is UTF-8; on Windows it is in the ANSI code page.
 QString argumentText(const char* argument);
 
 #endif // APP_PLATFORM_H

@@ -7,7 +7,8 @@
 
 void choosePlatformPlugin()
 {
-    // The least of the platforms reads no fonts, half of the start-up; not every toolkit has it.
+    // "minimal" does not read the fonts, which takes half of the start-up time; but not every
+    // installation has it.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "minimal;offscreen");
 }

@@ -5,7 +5,7 @@
 #include "app/platform.h"
 #include "utils/console.h"
 
-// That of the desktop needs no display, and the least of the platforms would start no faster.
+// The default plugin needs no display, and "minimal" would start no faster.
 void choosePlatformPlugin() {}
 
 void showFatal(const QString& message)

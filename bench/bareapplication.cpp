@@ -1,5 +1,5 @@
-// What every program with an application object pays on the platform without a display: it is made
-// and destroyed, nothing else.
+// The time that every program with an application object needs on the platform without a display:
+// the object is created and destroyed, nothing else.
 
 #include <QApplication>
 

@@ -1,8 +1,8 @@
 // usage: convert CONVERSION LOG INPUT RESULT CONTROL MONTH
 //
-// The program's work with one thing exchanged: CONVERSION is "plain" for the plain one, with every
-// line a text and the whole file in memory, or "own"; LOG is "off" for a logger that lets nothing
-// through, or "on".
+// The program's work with one part replaced: CONVERSION is "plain" for the plain conversion, with a
+// text for every line and the whole file in memory, or "own"; LOG is "off" for a logger that drops
+// all lines, or "on".
 
 #include <cstdio>
 #include <cstdlib>

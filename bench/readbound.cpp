@@ -23,16 +23,17 @@ int main(int argc, char* argv[])
     }
     std::setvbuf(file.get(), nullptr, _IONBF, 0); // the block is the buffer
     std::vector<char> block(256 * 1024);
-    std::size_t held = 0;
+    std::size_t available = 0;
     double sum = 0.0;
     std::size_t lines = 0;
     for (;;) {
-        const std::size_t got = std::fread(block.data() + held, 1, block.size() - held, file.get());
+        const std::size_t got =
+            std::fread(block.data() + available, 1, block.size() - available, file.get());
         if (got == 0)
             break;
-        held += got;
+        available += got;
         const char* first = block.data();
-        const char* last = first + held;
+        const char* last = first + available;
         while (const auto* end = static_cast<const char*>(
                    std::memchr(first, '\n', static_cast<std::size_t>(last - first)))) {
             double value = 0.0;
@@ -41,8 +42,8 @@ int main(int argc, char* argv[])
             ++lines;
             first = end + 1;
         }
-        held = static_cast<std::size_t>(last - first);
-        std::memmove(block.data(), first, held);
+        available = static_cast<std::size_t>(last - first);
+        std::memmove(block.data(), first, available);
     }
     std::printf("%zu lines, sum %g\n", lines, sum);
     return 0;

@@ -7,7 +7,7 @@
 #include <QStringList>
 
 #include "annualize/slotplan.h"
-#include "check/csvrow.h"
+#include "check/csvwriter.h"
 #include "check/knownlines.h"
 #include "hts/datetimetext.h"
 #include "hts/htskeys.h"
@@ -23,7 +23,7 @@ public:
     void ignoredLine(std::string_view) override {}
     void keywordLine(QLatin1String, std::string_view) override {}
     void unexpectedLine(QLatin1String, std::string_view) override {}
-    void look(std::size_t, qint64, std::string_view line) override
+    void oddValueLine(std::size_t, qint64, std::string_view line) override
     {
         count += isNumberLine(line) ? 0 : 1;
     }
@@ -31,12 +31,13 @@ public:
     qint64 count = 0;
 };
 
-// Takes the runs and slots of a file and writes them as rows.
+// Gets the runs and slots of a file and writes them as rows.
 class Table
 {
 public:
     virtual ~Table() = default;
-    // Run and trace of the rows that follow, as they stand in a row, and the times of its steps.
+    // `runFields` are the fields run and trace of the rows that follow, `times` one field for each
+    // timestep; the latter must stay valid until endRun().
     virtual void beginRun(const QByteArray& runFields, const std::vector<QByteArray>& times) = 0;
     virtual void addSlot(const HtsSlot& slot, const HtsColumn& values) = 0;
     virtual Status endRun() = 0;
@@ -152,11 +153,11 @@ QByteArray runFieldsOf(const HtsRun& run, int runNumber)
            (run.trace == -1 ? QByteArray() : QByteArray::number(run.trace));
 }
 
-// Unlike a conversion, an export ends where the input does.
+// Unlike a conversion, an export stops at the end of the input.
 Status skipTable(HtsReader& reader)
 {
     while (!reader.atEnd()) {
-        if (textBytes(reader.readEndLine()) == bytesOf(kEndSlot))
+        if (textBytes(reader.readLine()) == bytesOf(kEndSlot))
             return {};
     }
     return failure(QStringLiteral("A table slot has no \"END_SLOT\" after it"));
@@ -178,8 +179,8 @@ Status readSlot(HtsReader& reader, const HtsRun& run, Table* table, HtsColumn& v
         reader.readValues(values);
         table->addSlot(slot, values);
     }
-    reader.readEndLine(); // "END_COLUMN"
-    reader.readEndLine(); // "END_SLOT"
+    reader.readLine(); // "END_COLUMN"
+    reader.readLine(); // "END_SLOT"
     return status;
 }
 

@@ -1,8 +1,8 @@
 #include "check/filecheck.h"
 
-#include <memory>
 #include <optional>
 
+#include "annualize/annualization.h"
 #include "annualize/slotplan.h"
 #include "check/preamblecheck.h"
 #include "check/quotedtext.h"
@@ -17,10 +17,8 @@
 
 namespace {
 
-const QLatin1String kNoSlots("No series slots with valid methods found in input HTS file");
-
-// One pass over a file. Its loops have the order of the file; what there is to say about a section
-// is the business of the checks.
+// One pass over a file. Its loops follow the order of the file; the checks decide what to report
+// about each section.
 class FileCheck
 {
 public:
@@ -53,7 +51,7 @@ private:
     std::optional<YearCounts> m_counts;
 
     RunYears m_firstYears;
-    RunYears m_laterYears; // of a run of another timing
+    RunYears m_laterYears; // of a run with another timing
     bool m_hasConvertedSlot = false;
     std::vector<double> m_column; // a buffer
 };
@@ -87,7 +85,7 @@ CheckReport FileCheck::run()
     return std::move(m_report);
 }
 
-// The reader reports the same as any other bad run preamble.
+// Reported here, because for the reader it is a run preamble like any other bad one.
 bool FileCheck::isMissingRun(int runIndex, const HtsPackage& package)
 {
     if (!m_reader.atEnd())
@@ -220,7 +218,7 @@ void FileCheck::addSlot(const HtsSlot& slot, std::size_t valueCount, int runInde
     m_runs.addFirstSlot(slot, isConverted);
 }
 
-// A finding of its own, which has the same message.
+// That is a finding already, with the message of Code::NothingToConvert.
 bool FileCheck::hasBadControlFile() const
 {
     const Findings& findings = m_report.findings;
@@ -245,7 +243,7 @@ void FileCheck::finish(const Status& readStatus, const HtsPackage& package)
         m_report.findings.add(Code::NothingToConvert, m_reader.lineNumber(), [&]() -> QString {
             return (m_rules ? QStringLiteral("no series slot has a method")
                             : QStringLiteral("the first run has no series slot")) +
-                   conversionFails(kNoSlots);
+                   conversionFails(Annualization::kNoSlots);
         });
     }
     if (isWhole)
@@ -253,7 +251,7 @@ void FileCheck::finish(const Status& readStatus, const HtsPackage& package)
     setConversionMessage(readStatus);
 }
 
-// In the order in which a conversion looks at these things.
+// In the order of a conversion: the first failure counts.
 void FileCheck::setConversionMessage(const Status& readStatus)
 {
     if (m_report.neverEnds)
@@ -263,7 +261,7 @@ void FileCheck::setConversionMessage(const Status& readStatus)
     else if (!m_firstYears.years.status.ok())
         m_report.conversionMessage = m_firstYears.years.status.message;
     else if (!m_hasConvertedSlot)
-        m_report.conversionMessage = kNoSlots;
+        m_report.conversionMessage = Annualization::kNoSlots;
     else
         m_report.conversionMessage = m_runs.status().message;
 }

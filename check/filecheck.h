@@ -12,16 +12,16 @@
 class CsvWriter;
 class QIODevice;
 
-// What a file is checked for.
+// How a file is checked.
 struct CheckOptions
 {
-    // Path of the method control file; empty to leave methods aside. Every series slot then counts
-    // as one that is converted.
+    // Path of the method control file; empty to check without methods: every series slot then
+    // counts as converted.
     QString controlPath;
     // Month that each year ends with, 1 to 12.
     int endMonth = 12;
-    // Where the counts of timesteps and missing values go, a row for each year of each series slot;
-    // null for nowhere. Not owned.
+    // Gets the counts of timesteps and missing values, a row for each year of each series slot;
+    // null for no counts. Not owned.
     CsvWriter* counts = nullptr;
     // The file's name in those rows.
     QString fileName;
@@ -43,29 +43,29 @@ struct YearPlan
 struct CheckReport
 {
     Findings findings;
-    // The message that a conversion fails with; empty for one that succeeds or never ends.
+    // The message with which a conversion fails; empty if it succeeds or never ends.
     QString conversionMessage;
-    // Whether a conversion searches for the end of a table without end.
+    // Whether a conversion never ends, because it searches for the missing end of a table.
     bool neverEnds = false;
     YearPlan years;
     // One for each slot of the first run; empty without a control file.
     std::vector<PlannedSlot> slotPlan;
-    // What the file has, as far as it was read.
+    // Counts up to the place where reading stopped.
     int runCount = 0;
     qint64 slotCount = 0; // of the first run
 };
 
-// Reads an HTS file to its end, once, by the reader of the conversion, and reports what is wrong
-// with it or may not be meant. Memory grows with the slots of one run, the timesteps of two and the
-// rules, not with the values.
+// Reads an HTS file to its end, once, with the same reader as a conversion, and reports what is
+// wrong with it or may not be intended. Memory grows with the slots of one run, the timesteps of
+// two and the rules, not with the values.
 //
 //     QFile file(path);                        // open for reading, unbuffered
 //     CheckOptions options;
 //     options.controlPath = QStringLiteral("methods.txt");
 //     const CheckReport report = checkFile(file, options);
 //
-// A conversion of the same file with the same control file and month fails just when there is a
-// finding of the severity Error, and with conversionMessage.
+// A conversion of the same file with the same control file and month fails exactly when there is a
+// finding of the severity Error, and with conversionMessage; unless it never ends.
 CheckReport checkFile(QIODevice& device, const CheckOptions& options);
 
 #endif // CHECK_FILECHECK_H

@@ -85,13 +85,12 @@ enum class Code {
     DottedObject,
 };
 
-// One kind of finding. The table of codes is the source of the documentation, which is tested
-// against it.
+// One kind of finding. docs/htstool.md has the same table, and a test compares them.
 struct CodeInfo
 {
     Code code;
     Severity severity;
-    // In reports and scripts; never changes its meaning.
+    // Used in reports and by scripts, so its meaning never changes.
     const char* name;
     const char* meaning;
     const char* advice;
@@ -109,7 +108,7 @@ inline const CodeInfo& infoOf(Code code)
 // One thing that was found.
 struct Finding
 {
-    // The file that `line` counts in.
+    // The file to which `line` belongs.
     enum class File { Hts, Control };
 
     Code code;

@@ -4,17 +4,16 @@
 #include <array>
 #include <vector>
 
-#include <QString>
 #include <QtGlobal>
 
 #include "check/finding.h"
 
-// Collects what is found in one file. Of each code the first ten are kept, the rest is counted, so
-// that a file with a million defects takes no more memory than one with ten.
+// Collects what is found in one file. The first ten of each code are kept, the others only counted,
+// so that a file with a million defects takes no more memory than one with ten.
 class Findings
 {
 public:
-    static constexpr qint64 kMaxKeptOfACode = 10;
+    static constexpr qint64 kMaxKeptPerCode = 10;
 
     // Adds a finding whose text `makeText()` returns; it is called only if the finding is kept.
     template<typename MakeText>
@@ -29,17 +28,18 @@ public:
         addTo(Finding::File::Control, code, line, makeText);
     }
 
-    // How many there are of a code, kept or not.
+    // How many findings of a code there are, kept or not.
     qint64 count(Code code) const { return m_counts[static_cast<std::size_t>(code)]; }
     qint64 count(Severity severity) const;
-    // What is kept, those of the HTS file first, each file's in the order of lines.
+    // The findings that are kept: those of the HTS file, then those of the control file, each in
+    // the order of lines.
     std::vector<Finding> sorted() const;
 
 private:
     template<typename MakeText>
     void addTo(Finding::File file, Code code, qint64 line, MakeText makeText)
     {
-        if (m_counts[static_cast<std::size_t>(code)]++ < kMaxKeptOfACode)
+        if (m_counts[static_cast<std::size_t>(code)]++ < kMaxKeptPerCode)
             m_kept.push_back({code, file, line, makeText()});
     }
 

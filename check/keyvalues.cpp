@@ -16,11 +16,6 @@ namespace {
 
 using Check = void (*)(QLatin1String key, std::string_view value, qint64 line, Findings& findings);
 
-QString keyName(QLatin1String key)
-{
-    return QString(key).trimmed();
-}
-
 void checkInteger(QLatin1String key, std::string_view value, qint64 line, Findings& findings)
 {
     bool isInteger = false;
@@ -28,7 +23,7 @@ void checkInteger(QLatin1String key, std::string_view value, qint64 line, Findin
     if (isInteger)
         return;
     findings.add(Code::BadInteger, line, [&]() -> QString {
-        return QStringLiteral("%1 %2 is no integer and counts as 0")
+        return QStringLiteral("%1 %2 is not an integer and counts as 0")
             .arg(keyName(key), quoted(value));
     });
 }
@@ -38,7 +33,7 @@ void checkDate(QLatin1String key, std::string_view value, qint64 line, Findings&
     if (textToDateTime(toText(value)).isValid())
         return;
     findings.add(Code::BadDate, line, [&]() -> QString {
-        return QStringLiteral("%1 %2 is no date-time").arg(keyName(key), quoted(value));
+        return QStringLiteral("%1 %2 is not a date-time").arg(keyName(key), quoted(value));
     });
 }
 
@@ -49,8 +44,9 @@ void checkScale(QLatin1String, std::string_view value, qint64 line, Findings& fi
         return;
     findings.add(Code::BadScale, line, [&]() -> QString {
         return QStringLiteral("scale: %1 is %2")
-            .arg(quoted(value), isNumberLine(value) ? QStringLiteral("no usable scale")
-                                                    : QStringLiteral("no number and counts as 0"));
+            .arg(quoted(value), isNumberLine(value)
+                                    ? QStringLiteral("not a usable scale")
+                                    : QStringLiteral("not a number and counts as 0"));
     });
 }
 
@@ -71,7 +67,8 @@ void checkName(QLatin1String key, std::string_view value, qint64 line, Findings&
     if (!hasOddCharacter(value))
         return;
     findings.add(Code::OddCharacter, line, [&]() -> QString {
-        return QStringLiteral("%1 %2 holds a tab, a control character or bytes that are not UTF-8")
+        return QStringLiteral(
+                   "%1 %2 contains a tab, a control character or bytes that are not UTF-8")
             .arg(keyName(key), quoted(value));
     });
 }
@@ -82,7 +79,7 @@ struct KeyCheck
     Check check;
 };
 
-// Keys that are not in the table hold texts that no conversion looks at.
+// Keys that are not in the table have texts as values that do not affect a conversion.
 const KeyCheck kChecks[] = {
     {"object_type: ", checkName},
     {"object_name: ", checkName},

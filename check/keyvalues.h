@@ -8,8 +8,8 @@
 
 class Findings;
 
-// Looks at the value of a keyword line: integers and date-times that are none, scales that are no
-// use, names and units with characters that nobody sees. `key` is one of hts/htskeys.h.
+// Checks the value of a keyword line: reports bad integers and date-times, unusable scales, and
+// names and units with invisible characters. `key` is one of hts/htskeys.h.
 void checkKeyValue(QLatin1String key, std::string_view value, qint64 line, Findings& findings);
 
 #endif // CHECK_KEYVALUES_H

@@ -82,6 +82,11 @@ const std::vector<QLatin1String>& knownLinesOf(Section section)
     return kSlotLines;
 }
 
+QString keyName(QLatin1String key)
+{
+    return QString(key).trimmed();
+}
+
 bool isSlotLine(std::string_view line)
 {
     return isAnyOf(line, kColumnLines) || isAnyOf(line, knownLinesOf(Section::Slot)) ||

@@ -5,16 +5,20 @@
 #include <vector>
 
 #include <QLatin1String>
+#include <QString>
 
-// The lines that an HTS file is made of, by section.
+// The lines that an HTS file has, by section.
 
 enum class Section { Package, Run, Slot };
 
-// Keys and end lines that may stand in a preamble; that of a slot may be replaced by "END_RUN".
+// Keys and end lines of a preamble. For a slot also "END_RUN", which may come in its place.
 const std::vector<QLatin1String>& knownLinesOf(Section section);
 
-// Whether `line` is an end line, or begins with a key of a slot preamble or a column header: what
-// stands among values only if lines were lost.
+// The key without the blank after its colon, for reports.
+QString keyName(QLatin1String key);
+
+// Whether `line` is an end line, or begins with a key of a slot preamble or a column header: such a
+// line is among values only if lines were lost.
 bool isSlotLine(std::string_view line);
 
 // Whether `line` belongs to a place other than the preamble of `section`: it is a number, a
@@ -22,7 +26,7 @@ bool isSlotLine(std::string_view line);
 // `section`.
 bool belongsElsewhere(std::string_view line, Section section);
 
-// Whether the line holds a number (see lineToNumber) and nothing else.
+// Whether the line is a number (see lineToNumber) and nothing else.
 bool isNumberLine(std::string_view line);
 
 #endif // CHECK_KNOWNLINES_H

@@ -22,7 +22,7 @@ QString withoutColon(const QString& key)
     return key.left(key.indexOf(QLatin1Char(':')));
 }
 
-// What stands before the first colon of a line; a line without one is compared as a whole.
+// Compares the text before the first colon of the line; without a colon the whole line.
 bool isNearlyKey(const QString& line, const QString& key)
 {
     const QString word = withoutColon(key);
@@ -31,9 +31,9 @@ bool isNearlyKey(const QString& line, const QString& key)
     const QString given = isKey && colon >= 0 ? line.left(colon) : line;
     if (editDistance(plain(given), word.toLower(), 1) <= 1)
         return true;
-    // Cut, or with another character for the colon.
-    constexpr int kFewestLetters = 2;
-    if (given.size() >= kFewestLetters && word.startsWith(given))
+    // Cut off, or with another character in the place of the colon.
+    constexpr int kMinLetters = 2;
+    if (given.size() >= kMinLetters && word.startsWith(given))
         return true;
     return isKey && given.size() > word.size() && given.startsWith(word) &&
            !given.at(word.size()).isLetterOrNumber() && given.at(word.size()) != QLatin1Char('_');
@@ -45,7 +45,8 @@ int editDistance(const QString& a, const QString& b, int limit)
 {
     if (std::abs(a.size() - b.size()) > limit)
         return limit + 1;
-    // One row of the usual table: distances between the beginning of `a` and all those of `b`.
+    // One row of the usual table: distances between the first i characters of `a` and each
+    // beginning of `b`.
     std::vector<int> row(static_cast<std::size_t>(b.size()) + 1);
     for (std::size_t j = 0; j < row.size(); ++j)
         row[j] = static_cast<int>(j);
@@ -81,7 +82,7 @@ QLatin1String nearestWord(const QString& word, const std::vector<QLatin1String>&
 
 QLatin1String nearestKey(std::string_view line, const std::vector<QLatin1String>& keys)
 {
-    constexpr std::size_t kMaxBytes = 200; // no key is as long
+    constexpr std::size_t kMaxBytes = 200; // longer than any key
     const QString text = toText(textBytes(stripped(line.substr(0, kMaxBytes))));
     for (const QLatin1String key : keys) {
         if (isNearlyKey(text, key))

@@ -8,11 +8,11 @@ namespace {
 
 struct Hint
 {
-    const char* pattern; // of the whole text, letter case ignored
+    const char* pattern; // matches the whole text, in any letter case
     const char* text;
 };
 
-// The first that fits counts.
+// The first that matches is used.
 const Hint kHints[] = {
     {R"(n/?a|#n/a|[+-]nan|null|none|missing|nodata|no data|\?+|\*+|-+|\.+|[+-]?1\.#\w+)",
      "a missing value, which is written NaN"},
@@ -32,7 +32,7 @@ const Hint kHints[] = {
 
 QString numberHint(std::string_view line)
 {
-    constexpr std::size_t kMaxBytes = 100; // longer than what these patterns are for
+    constexpr std::size_t kMaxBytes = 100; // the texts in question are shorter
     if (line.size() > kMaxBytes)
         return {};
     const QString text = toText(textBytes(stripped(line)));

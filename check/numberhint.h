@@ -5,8 +5,8 @@
 
 #include <QString>
 
-// What a text that is no number may be meant as: "a decimal comma", "a date", "a missing value,
-// written NaN in this format". Empty if there is nothing to say.
+// What a text that is not a number may mean: "a decimal comma", "a date", "a missing value, which
+// is written NaN". Empty if unknown.
 QString numberHint(std::string_view line);
 
 #endif // CHECK_NUMBERHINT_H

@@ -16,11 +16,6 @@ namespace {
 const std::vector<QLatin1String> kSlotTypes = {
     QLatin1String("SeriesSlot"), QLatin1String("TableSlot"), QLatin1String("ScalarSlot")};
 
-QString keyName(QLatin1String key)
-{
-    return QString(key).trimmed();
-}
-
 Code codeOf(QLatin1String expected)
 {
     if (expected == kEndPackagePreamble)
@@ -58,12 +53,12 @@ void PreambleCheck::finish(const Status& status)
 
 void PreambleCheck::finishSlot(const HtsSlot& slot)
 {
-    if (m_isOnTrack) {
+    if (m_isInSync) {
         reportMissing(Code::NoObjectType, kSlotKeys[0].key, slot.objectType);
         reportMissing(Code::NoObjectName, kSlotKeys[1].key, slot.objectName);
         reportMissing(Code::NoSlotName, kSlotKeys[3].key, slot.slotName);
     }
-    m_isOnTrack = true;
+    m_isInSync = true;
 
     const bool isKnown = slot.slotType.isEmpty() ||
                          std::any_of(kSlotTypes.begin(), kSlotTypes.end(),
@@ -116,17 +111,17 @@ bool PreambleCheck::takeStrayEndOfRun()
 void PreambleCheck::ignoredLine(std::string_view line)
 {
     const bool isStray = takeStrayEndOfRun() && line == bytesOf(kEndRun);
-    if (isStray || !m_isOnTrack || isEmptyValue(line))
+    if (isStray || !m_isInSync || noteKeyWithoutValue(line))
         return;
     const qint64 number = m_reader.lineNumber();
     if (belongsElsewhere(line, m_section) ||
         (m_section == Section::Slot && line == bytesOf(kEndRun))) {
         m_findings.add(Code::MisplacedLine, number, [&]() -> QString {
-            return QStringLiteral("%1 does not belong into a preamble and is ignored; is %2 "
+            return QStringLiteral("%1 does not belong in a preamble and is ignored; is %2 "
                                   "missing before it?")
-                .arg(quoted(line), placeOf(line));
+                .arg(quoted(line), missingBefore(line));
         });
-        loseTrack();
+        loseSync();
         return;
     }
     const QLatin1String key = nearestKey(line, knownLinesOf(m_section));
@@ -138,14 +133,14 @@ void PreambleCheck::ignoredLine(std::string_view line)
     }
     m_nearKeys.push_back(key);
     m_findings.add(Code::NearKey, number, [&]() -> QString {
-        return QStringLiteral("%1 is ignored; it nearly is \"%2\"").arg(quoted(line), key);
+        return QStringLiteral("%1 is ignored; it is nearly \"%2\"").arg(quoted(line), key);
     });
     if (key.startsWith(QLatin1String("END_")))
-        loseTrack();
+        loseSync();
 }
 
-// What the line suggests to be lost.
-QString PreambleCheck::placeOf(std::string_view line)
+// What seems to be missing before a misplaced line.
+QString PreambleCheck::missingBefore(std::string_view line)
 {
     static const QLatin1String kEnds[] = {kEndPackagePreamble, kEndRunPreamble, kEndSlotPreamble};
     if (m_section == Section::Slot && (line == bytesOf(kEndSlot) || line == bytesOf(kEndColumn)))
@@ -155,8 +150,9 @@ QString PreambleCheck::placeOf(std::string_view line)
     return QLatin1Char('"') + kEnds[static_cast<std::size_t>(m_section)] + QLatin1Char('"');
 }
 
-// Stripping takes the blank off a slot's key without a value, so that it is no key.
-bool PreambleCheck::isEmptyValue(std::string_view line)
+// Stripping removes the blank from the key of a slot without a value, so that the reader does not
+// recognise the key. Returns false for any other line.
+bool PreambleCheck::noteKeyWithoutValue(std::string_view line)
 {
     if (m_section != Section::Slot)
         return false;
@@ -180,9 +176,9 @@ void PreambleCheck::noteKey(QLatin1String key, std::string_view value)
     const auto end = m_seen.begin() + static_cast<std::ptrdiff_t>(m_seenCount);
     const auto seen =
         std::find_if(m_seen.begin(), end, [&](const SeenKey& other) { return other.key == key; });
-    if (seen != end && seen->value != value && m_isOnTrack) {
+    if (seen != end && seen->value != value && m_isInSync) {
         m_findings.add(Code::RepeatedKey, m_reader.lineNumber(), [&]() -> QString {
-            return QStringLiteral("\"%1\" is there twice; %2 counts, and not %3 of line %4")
+            return QStringLiteral("\"%1\" occurs twice; %2 counts, not %3 of line %4")
                 .arg(keyName(key), quoted(value), quoted(seen->value))
                 .arg(seen->line);
         });
@@ -218,21 +214,20 @@ void PreambleCheck::unexpectedLine(QLatin1String expected, std::string_view line
     m_failureCode = codeOf(expected);
     const bool isPastEnd = m_reader.linesPastEnd() > 0;
     m_failureLine = std::max<qint64>(number - m_reader.linesPastEnd(), 1);
-    const QString place = isPastEnd      ? QStringLiteral("the file ends")
-                          : line.empty() ? QStringLiteral("an empty line stands")
-                                         : quoted(line) + QStringLiteral(" stands");
     const bool isBetweenSlots = m_failureCode == Code::SlotPreamble && m_seenCount == 0;
     const QString wanted = isBetweenSlots ? QStringLiteral("a slot or \"END_RUN\"")
                            : m_failureCode == Code::TimestepLine
                                ? QStringLiteral("a timestep \"%1\"").arg(expected)
                                : QStringLiteral("\"%1\"").arg(expected);
-    m_failureText = QStringLiteral("%1 where %2 is expected").arg(place, wanted);
+    const QString found = line.empty() ? QStringLiteral("an empty line") : quoted(line);
+    m_failureText = isPastEnd ? QStringLiteral("the file ends where %1 is expected").arg(wanted)
+                              : QStringLiteral("%1 instead of %2").arg(found, wanted);
 }
 
-void PreambleCheck::look(std::size_t index, qint64 lineNumber, std::string_view line)
+void PreambleCheck::oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line)
 {
     if (m_reader.linesPastEnd() > 0)
         m_values.noteEnd();
     else
-        m_values.look(index, lineNumber, line);
+        m_values.checkOddLine(index, lineNumber, line);
 }

@@ -18,40 +18,42 @@ class Findings;
 class ValueCheck;
 struct HtsSlot;
 
-// Watches the preambles and column headers that a reader reads: keys, the lines between them, and
-// where the reading ends. Value lines are passed on.
+// Checks the preambles and column headers that a reader reads: keys, the lines between them, and
+// why reading fails. Value lines are passed on to a ValueCheck.
 //
-// One lost line moves all that follow it, up to the next place where the file and the reader agree
-// again. Only the first finding of such a stretch is reported: the track is lost there, and found
-// again at the end of the next slot preamble.
+// After one lost line the reader misinterprets all that follow, up to a place where it is in sync
+// with the file again. Of these consequences only the first is reported: there the check gets out
+// of sync, and at the end of the next slot preamble it is in sync again.
 class PreambleCheck : public HtsReader::Observer
 {
 public:
-    // Reader, values and findings outlive the object.
+    // Becomes the observer of the reader. Reader, values and findings outlive the object.
     PreambleCheck(HtsReader& reader, ValueCheck& values, Findings& findings);
 
-    // Before a preamble is read.
+    // To be called before a preamble is read.
     void begin(Section section);
-    // After a section has been read, or could not be: reports why, with the message of `status`.
+    // To be called after a section was read, or failed: then reports why, with the message of
+    // `status`.
     void finish(const Status& status);
-    // After a slot preamble has been read: what the slot lacks. Finds the track again.
+    // To be called after a slot preamble has been read: reports what the slot lacks. The check is
+    // then in sync.
     void finishSlot(const HtsSlot& slot);
 
-    // Line of a key in the preamble that was read last; 0 if it is not there.
+    // Line number of a key in the preamble that was read last; 0 if the key is missing.
     qint64 lineOf(QLatin1String key) const;
-    // Line that the preamble begins with.
+    // Line number of the first line of the preamble.
     qint64 firstLine() const { return m_firstLine; }
 
-    bool isOnTrack() const { return m_isOnTrack; }
-    void loseTrack() { m_isOnTrack = false; }
-    // Whether the line "END_RUN" of a run that was ended by the empty line before it is yet to
-    // come. Asking clears it.
+    bool isInSync() const { return m_isInSync; }
+    void loseSync() { m_isInSync = false; }
+    // Whether a run was ended by an empty line before its "END_RUN", and that line has not been
+    // read yet. The next call returns false.
     bool takeStrayEndOfRun();
 
     void ignoredLine(std::string_view line) override;
     void keywordLine(QLatin1String key, std::string_view value) override;
     void unexpectedLine(QLatin1String expected, std::string_view line) override;
-    void look(std::size_t index, qint64 lineNumber, std::string_view line) override;
+    void oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line) override;
 
 private:
     struct SeenKey
@@ -62,27 +64,28 @@ private:
     };
 
     void noteKey(QLatin1String key, std::string_view value);
-    bool isEmptyValue(std::string_view line);
+    bool noteKeyWithoutValue(std::string_view line);
     void reportMissing(Code code, QLatin1String key, const QString& value);
-    QString placeOf(std::string_view line);
+    QString missingBefore(std::string_view line);
 
     HtsReader& m_reader;
     ValueCheck& m_values;
     Findings& m_findings;
     Section m_section = Section::Package;
     qint64 m_firstLine = 0;
-    // Keys of this preamble. Entries past the count are kept for their memory.
+    // Keys of this preamble. Entries after the first m_seenCount are kept only for reuse of their
+    // memory.
     std::vector<SeenKey> m_seen;
     std::size_t m_seenCount = 0;
-    // Keys that a line of this preamble nearly has.
+    // Keys with which a line of this preamble nearly begins.
     std::vector<QLatin1String> m_nearKeys;
-    // Why the reading ends, until its message is known.
+    // Why reading fails, until finish() gets the message.
     bool m_hasFailed = false;
     Code m_failureCode = Code::PackagePreamble;
     qint64 m_failureLine = 0;
     QString m_failureText;
 
-    bool m_isOnTrack = true;
+    bool m_isInSync = true;
     bool m_hasStrayEndOfRun = false;
 };
 

@@ -26,7 +26,7 @@ QString quoted(const QString& text)
 
 QString quoted(std::string_view bytes)
 {
-    constexpr std::size_t kMaxBytes = 400; // more than are shown
+    constexpr std::size_t kMaxBytes = 400; // more than are needed
     return quoted(toText(textBytes(stripped(bytes.substr(0, kMaxBytes)))));
 }
 

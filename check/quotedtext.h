@@ -5,12 +5,12 @@
 
 #include <QString>
 
-// Texts of a file, as reports show them: in double quotes, on one line, and not too long.
-// Characters that would not be seen, or would break the line, stand as \t or \u0007.
+// A text of a file as reports show it: in double quotes, on one line, and cut after 60 characters.
+// Characters that are invisible or would break the line are shown as \t or \u0007.
 QString quoted(const QString& text);
 QString quoted(std::string_view bytes);
 
-// What a report says about a conversion of the file, to follow a text: "; a conversion fails:
+// The end of a finding's text that says how a conversion of the file fails: "; a conversion fails:
 // "Cannot read run preamble"".
 QString conversionFails(const QString& message);
 

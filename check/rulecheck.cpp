@@ -4,6 +4,7 @@
 
 #include <QFile>
 
+#include "annualize/annualization.h"
 #include "annualize/methodcontrol.h"
 #include "annualize/slotplan.h"
 #include "check/findings.h"
@@ -15,16 +16,17 @@
 namespace {
 
 const QString kAny = QStringLiteral("*");
-const QLatin1String kNoSlots("No series slots with valid methods found in input HTS file");
 
-// How closely a rule names a slot: the object by name, by type or not at all, then the slot.
+// How specific a rule is for a slot: first by its object (the name, the type, any), then by its
+// slot (the name, any).
 int specificity(const QString& object, const QString& slotName, const HtsSlot& slot)
 {
     const int ofObject = object == slot.objectName ? 2 : object == kAny ? 0 : 1;
     return 2 * ofObject + (slotName == kAny ? 0 : 1);
 }
 
-// The reason of a bad line without the line, which is on the next one: "Colon not found in line".
+// The first line of the message about a bad line: "Colon not found in line". The bad line itself is
+// on the next one.
 QString reasonOf(const QString& message)
 {
     return message.section(QLatin1Char('\n'), 0, 0).trimmed();
@@ -35,17 +37,24 @@ QString reasonOf(const QString& message)
 void RuleCheck::read(const QString& path)
 {
     QFile file(path);
-    const bool isOpen = file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
-    const auto reportUnreadable = [&] {
-        m_findings.addToControl(Code::ControlUnreadable, 1, [&]() -> QString {
-            return QStringLiteral("the control file cannot be read: %1").arg(file.errorString()) +
-                   conversionFails(kNoSlots);
-        });
-    };
-    if (!isOpen) {
-        reportUnreadable();
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        reportUnreadable(file);
         return;
     }
+    m_hasRules = readRules(file);
+    if (m_hasRules && file.error() != QFileDevice::NoError) {
+        m_hasRules = false;
+        reportUnreadable(file);
+    }
+    if (!m_hasRules) {
+        m_rules.clear();
+        m_firstRules.clear();
+    }
+}
+
+// Reports a line that is not a rule, and returns false at the first.
+bool RuleCheck::readRules(QFile& file)
+{
     LineReader reader(file);
     while (!reader.atEnd()) {
         const std::string_view line = stripped(textBytes(reader.line()));
@@ -57,11 +66,9 @@ void RuleCheck::read(const QString& path)
             m_findings.addToControl(Code::ControlLine, reader.lineNumber(), [&]() -> QString {
                 return QStringLiteral("%1 %2: all rules are lost")
                            .arg(reasonOf(status.message), quoted(line)) +
-                       conversionFails(kNoSlots);
+                       conversionFails(Annualization::kNoSlots);
             });
-            m_rules.clear();
-            m_firstRules.clear();
-            return;
+            return false;
         }
         Rule rule;
         rule.object = toText(parsed.object);
@@ -70,12 +77,15 @@ void RuleCheck::read(const QString& path)
         rule.line = reader.lineNumber();
         addRule(rule);
     }
-    m_hasRules = file.error() == QFileDevice::NoError;
-    if (!m_hasRules) {
-        m_rules.clear();
-        m_firstRules.clear();
-        reportUnreadable();
-    }
+    return true;
+}
+
+void RuleCheck::reportUnreadable(const QFile& file)
+{
+    m_findings.addToControl(Code::ControlUnreadable, 1, [&]() -> QString {
+        return QStringLiteral("the control file cannot be read: %1").arg(file.errorString()) +
+               conversionFails(Annualization::kNoSlots);
+    });
 }
 
 void RuleCheck::addRule(const Rule& rule)
@@ -97,19 +107,19 @@ int RuleCheck::ruleFor(const QString& object, const QString& slot) const
     return ofSlot == m_firstRules.constEnd() ? -1 : ofSlot->value(object, -1);
 }
 
-// The rules that fit a slot, in the order of the file.
+// The rules that match a slot, in the order of the file; the first applies.
 std::vector<int> RuleCheck::rulesFor(const HtsSlot& slot) const
 {
-    std::vector<int> fitting;
+    std::vector<int> matching;
     for (const QString* slotName : {&slot.slotName, &kAny}) {
         for (const QString* object : {&slot.objectName, &slot.objectType, &kAny}) {
             const int rule = ruleFor(*object, *slotName);
             if (rule >= 0)
-                fitting.push_back(rule);
+                matching.push_back(rule);
         }
     }
-    std::sort(fitting.begin(), fitting.end());
-    return fitting;
+    std::sort(matching.begin(), matching.end());
+    return matching;
 }
 
 const PlannedSlot& RuleCheck::addSlot(const HtsSlot& slot, qint64 line)
@@ -118,12 +128,12 @@ const PlannedSlot& RuleCheck::addSlot(const HtsSlot& slot, qint64 line)
     planned.name = fullSlotName(slot.objectName, slot.slotName);
     planned.isSeries = slot.isSeries();
     m_types.insert(slot.objectType);
-    const std::vector<int> fitting = rulesFor(slot);
-    if (!fitting.empty()) {
-        const Rule& rule = m_rules[static_cast<std::size_t>(fitting.front())];
+    const std::vector<int> matching = rulesFor(slot);
+    if (!matching.empty()) {
+        const Rule& rule = m_rules[static_cast<std::size_t>(matching.front())];
         planned.method = rule.method;
         planned.ruleLine = rule.line;
-        noteOthers(fitting, fitting.front(), slot);
+        noteOthers(matching, matching.front(), slot);
     }
     m_plan.push_back(planned);
     if (m_hasRules)
@@ -131,20 +141,20 @@ const PlannedSlot& RuleCheck::addSlot(const HtsSlot& slot, qint64 line)
     return m_plan.back();
 }
 
-void RuleCheck::noteOthers(const std::vector<int>& fitting, int used, const HtsSlot& slot)
+void RuleCheck::noteOthers(const std::vector<int>& matching, int used, const HtsSlot& slot)
 {
     const Rule& usedRule = m_rules[static_cast<std::size_t>(used)];
     const int usedSpecificity = specificity(usedRule.object, usedRule.slot, slot);
-    for (const int index : fitting) {
+    for (const int index : matching) {
         Rule& rule = m_rules[static_cast<std::size_t>(index)];
-        rule.fitsSlot = true;
-        rule.fitsSeries = rule.fitsSeries || slot.isSeries();
+        rule.matchesSlot = true;
+        rule.matchesSeries = rule.matchesSeries || slot.isSeries();
         if (index == used)
             rule.isUsed = true;
         else if (specificity(rule.object, rule.slot, slot) < usedSpecificity)
-            rule.servedBy = used;
+            rule.replacedBy = used;
         else
-            rule.heldBack = used;
+            rule.shadowedBy = used;
     }
 }
 
@@ -187,7 +197,7 @@ QString RuleCheck::textOf(const Rule& rule) const
 void RuleCheck::reportRule(const Rule& rule)
 {
     const Rule& first = rule.sameAs < 0 ? rule : m_rules[static_cast<std::size_t>(rule.sameAs)];
-    if (!first.fitsSlot) {
+    if (!first.matchesSlot) {
         m_findings.addToControl(Code::RuleUnmatched, rule.line, [&]() -> QString {
             const QString nearest = nearestName(rule);
             return textOf(rule) + QLatin1String(" fits no slot") +
@@ -196,23 +206,23 @@ void RuleCheck::reportRule(const Rule& rule)
         });
         return;
     }
-    const int holding = rule.sameAs >= 0 ? rule.sameAs : rule.heldBack;
-    if ((rule.sameAs >= 0 || !rule.isUsed) && holding >= 0) {
+    const int shadowing = rule.sameAs >= 0 ? rule.sameAs : rule.shadowedBy;
+    if ((rule.sameAs >= 0 || !rule.isUsed) && shadowing >= 0) {
         m_findings.addToControl(Code::RuleShadowed, rule.line, [&]() -> QString {
-            const Rule& earlier = m_rules[static_cast<std::size_t>(holding)];
-            return QStringLiteral("%1 never comes to bear, because %2 of line %3 holds before it")
+            const Rule& earlier = m_rules[static_cast<std::size_t>(shadowing)];
+            return QStringLiteral("%1 is never used, because %2 of line %3 applies first")
                 .arg(textOf(rule), textOf(earlier))
                 .arg(earlier.line);
         });
     } else if (!rule.isUsed) {
         m_findings.addToControl(Code::RuleIdle, rule.line, [&]() -> QString {
-            const Rule& earlier = m_rules[static_cast<std::size_t>(rule.servedBy)];
-            return QStringLiteral("%1 never comes to bear: rules such as %2 of line %3 hold for "
-                                  "all its slots")
+            const Rule& earlier = m_rules[static_cast<std::size_t>(rule.replacedBy)];
+            return QStringLiteral("%1 is never used: rules such as %2 of line %3 apply to all "
+                                  "its slots")
                 .arg(textOf(rule), textOf(earlier))
                 .arg(earlier.line);
         });
-    } else if (!rule.fitsSeries) {
+    } else if (!rule.matchesSeries) {
         m_findings.addToControl(Code::RuleOnOtherSlot, rule.line, [&]() -> QString {
             return textOf(rule) + QLatin1String(" fits only table or scalar slots, which are left "
                                                 "out");
@@ -220,7 +230,8 @@ void RuleCheck::reportRule(const Rule& rule)
     }
 }
 
-// The name of the file that is nearest to the rule's; nothing that is far from it.
+// The slot or type name of the file that is nearest to the names of the rule; empty if none is
+// near.
 QString RuleCheck::nearestName(const Rule& rule) const
 {
     const QString wanted = fullSlotName(rule.object, rule.slot);
@@ -239,7 +250,7 @@ QString RuleCheck::nearestName(const Rule& rule) const
     for (const QString& name : qAsConst(names)) {
         if (best == 0)
             break;
-        // Another letter case is nearer than any other letter.
+        // A name that differs only in letter case is the nearest.
         const bool isSameButCase = name.compare(wanted, Qt::CaseInsensitive) == 0;
         const int distance = isSameButCase ? 0 : editDistance(wanted, name, best - 1);
         if (distance < best) {

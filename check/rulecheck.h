@@ -12,8 +12,9 @@
 #include "hts/htsslot.h"
 
 class Findings;
+class QFile;
 
-// What becomes of one slot in a conversion.
+// What a conversion does with one slot.
 struct PlannedSlot
 {
     QString name; // "Object.Slot"
@@ -24,25 +25,25 @@ struct PlannedSlot
     bool isConverted() const { return isSeries && method != nullptr && method->isSupported(); }
 };
 
-// The rules of a control file with their lines, and which slots each of them serves.
+// The rules of a control file with their line numbers, and the slots to which each of them applies.
 //
 //     RuleCheck rules(findings);
 //     rules.read(controlPath);
 //     for (...)
 //         rules.addSlot(slot, line);   // the slots of the first run
-//     rules.finish();                  // what the rules come to
+//     rules.finish();                  // reports rules without an effect
 class RuleCheck
 {
 public:
     explicit RuleCheck(Findings& findings) : m_findings(findings) {}
 
-    // Reads the control file at `path`. A file that cannot be read, or a line that is no rule, is a
-    // finding and leaves no rules.
+    // Reads the control file at `path`. A file that cannot be read, or a line that is not a rule,
+    // is a finding, and there are then no rules.
     void read(const QString& path);
 
     // Finds the rule for a slot, whose preamble begins on `line` of the HTS file.
     const PlannedSlot& addSlot(const HtsSlot& slot, qint64 line);
-    // Reports the rules that serve no slot.
+    // Reports the rules that apply to no slot.
     void finish();
 
     const std::vector<PlannedSlot>& plan() const { return m_plan; }
@@ -54,29 +55,32 @@ private:
         QString slot;
         const AggMethod* method = nullptr;
         qint64 line = 0;
-        int sameAs = -1;       // an earlier rule for the same object and slot
-        bool fitsSlot = false; // of any kind
-        bool fitsSeries = false;
+        int sameAs =
+            -1; // index of the first rule for the same object and slot; -1 if it is this one
+        bool matchesSlot = false; // of any type
+        bool matchesSeries = false;
         bool isUsed = false;
-        int heldBack = -1; // by this rule, which is not more specific
-        int servedBy = -1; // this more specific rule
+        int shadowedBy = -1; // index of an earlier, not more specific rule that applies instead
+        int replacedBy = -1; // index of an earlier, more specific rule that applies instead
     };
 
     int ruleFor(const QString& object, const QString& slot) const;
     std::vector<int> rulesFor(const HtsSlot& slot) const;
+    bool readRules(QFile& file);
+    void reportUnreadable(const QFile& file);
     void addRule(const Rule& rule);
-    void noteOthers(const std::vector<int>& fitting, int used, const HtsSlot& slot);
+    void noteOthers(const std::vector<int>& matching, int used, const HtsSlot& slot);
     void reportSlot(const PlannedSlot& planned, const HtsSlot& slot, qint64 line);
     void reportRule(const Rule& rule);
     QString textOf(const Rule& rule) const;
     QString nearestName(const Rule& rule) const;
 
     Findings& m_findings;
-    bool m_hasRules = false; // whether the control file was read without a fault
+    bool m_hasRules = false; // whether the control file was read and all its lines are rules
     std::vector<Rule> m_rules;
-    QHash<QString, QHash<QString, int>> m_firstRules; // by slot and object
+    QHash<QString, QHash<QString, int>> m_firstRules; // index of the first rule, by slot and object
     std::vector<PlannedSlot> m_plan;
-    QSet<QString> m_types; // object types of the file, for rules that fit none
+    QSet<QString> m_types; // object types of the file, for the nearest name to an unmatched rule
 };
 
 #endif // CHECK_RULECHECK_H

@@ -2,22 +2,11 @@
 
 #include <algorithm>
 
+#include "annualize/aggvalues.h"
 #include "annualize/slotplan.h"
 #include "check/findings.h"
 #include "check/quotedtext.h"
-
-namespace {
-
-const QLatin1String kSizesDiffer("Sizes of input value and value map vectors are mismatched");
-
-// Neighbouring slots mostly have the same texts.
-void shareText(QString& text, const QString& neighbour)
-{
-    if (text == neighbour)
-        text = neighbour;
-}
-
-} // namespace
+#include "hts/shareifequal.h"
 
 void RunCheck::setFirstRun(const HtsRun& run)
 {
@@ -33,11 +22,12 @@ void RunCheck::addFirstSlot(const HtsSlot& slot, bool isConverted)
 {
     FirstSlot first{slot.objectType,     slot.objectName,      slot.slotName,
                     slot.units.value(0), slot.scales.value(0), isConverted};
+    // Neighbouring slots mostly have the same texts.
     if (!m_slots.empty()) {
-        shareText(first.objectType, m_slots.back().objectType);
-        shareText(first.objectName, m_slots.back().objectName);
-        shareText(first.slotName, m_slots.back().slotName);
-        shareText(first.units, m_slots.back().units);
+        shareIfEqual(first.objectType, m_slots.back().objectType);
+        shareIfEqual(first.objectName, m_slots.back().objectName);
+        shareIfEqual(first.slotName, m_slots.back().slotName);
+        shareIfEqual(first.units, m_slots.back().units);
     }
     m_slots.push_back(first);
 }
@@ -58,7 +48,7 @@ void RunCheck::fail(Code code, qint64 line, const Status& status, const QString&
 bool RunCheck::beginRun(int runIndex, const HtsRun& run, const RunLines& lines)
 {
     m_runNumber = runIndex + 1;
-    m_place = 0;
+    m_nextSlot = 0;
     m_isOrderReported = false;
     m_isCountReported = false;
     m_hasFirstTiming =
@@ -76,7 +66,7 @@ bool RunCheck::beginRun(int runIndex, const HtsRun& run, const RunLines& lines)
     const qint64 line = run.start != m_start && lines.start > 0 ? lines.start
                         : run.end != m_end && lines.end > 0     ? lines.end
                                                                 : lines.endOfPreamble;
-    fail(Code::RunTiming, line, years.ok() ? failure(kSizesDiffer) : years,
+    fail(Code::RunTiming, line, years.ok() ? failure(AggValues::kSizesDiffer) : years,
          QStringLiteral("run %1 has %2 than the first").arg(m_runNumber).arg(what));
     return false;
 }
@@ -117,9 +107,9 @@ void RunCheck::checkUnit(const HtsRun& run, const RunLines& lines)
 
 void RunCheck::addSlot(const HtsSlot& slot, std::size_t valueCount, qint64 line)
 {
-    const std::size_t place = m_place++;
-    if (place < m_slots.size()) {
-        const FirstSlot& first = m_slots[place];
+    const std::size_t index = m_nextSlot++;
+    if (index < m_slots.size()) {
+        const FirstSlot& first = m_slots[index];
         compareName(first, slot, line);
         compareHeader(first, slot, line);
         compareValueCount(first, valueCount, line);
@@ -134,7 +124,7 @@ void RunCheck::addSlot(const HtsSlot& slot, std::size_t valueCount, qint64 line)
     }
 }
 
-// Once for each run: where one slot is in another place, most are.
+// Once for each run: if one slot is in another position, most are.
 void RunCheck::compareName(const FirstSlot& first, const HtsSlot& slot, qint64 line)
 {
     const bool isSame = slot.objectName == first.objectName && slot.slotName == first.slotName &&
@@ -149,8 +139,8 @@ void RunCheck::compareName(const FirstSlot& first, const HtsSlot& slot, qint64 l
             return QStringLiteral("run %1 has %2 with the object type %3 instead of %4")
                 .arg(m_runNumber)
                 .arg(given, quoted(slot.objectType), quoted(first.objectType));
-        return QStringLiteral("run %1 has %2 in the place of the first run's %3, on which its "
-                              "values land")
+        return QStringLiteral("run %1 has %2 in the place of the first run's %3, which gets "
+                              "its values")
             .arg(m_runNumber)
             .arg(given, wanted);
     });
@@ -173,13 +163,13 @@ void RunCheck::compareHeader(const FirstSlot& first, const HtsSlot& slot, qint64
     });
 }
 
-// Runs of another timing fail before a slot is looked at.
+// A run with another timing has failed already.
 void RunCheck::compareValueCount(const FirstSlot& first, std::size_t valueCount, qint64 line)
 {
     const auto expected = static_cast<std::size_t>(std::max(m_timeStepCount, 0));
     if (!m_hasFirstTiming || !first.isConverted || valueCount == expected)
         return;
-    fail(Code::RunValues, line, failure(kSizesDiffer),
+    fail(Code::RunValues, line, failure(AggValues::kSizesDiffer),
          QStringLiteral("run %1 has a slot of another kind in the place of %2")
              .arg(m_runNumber)
              .arg(fullSlotName(first.objectName, first.slotName)));
@@ -189,13 +179,13 @@ void RunCheck::finishRun(qint64 line)
 {
     if (!m_hasFirstTiming)
         return;
-    for (std::size_t place = m_place; place < m_slots.size(); ++place) {
-        if (!m_slots[place].isConverted)
+    for (std::size_t index = m_nextSlot; index < m_slots.size(); ++index) {
+        if (!m_slots[index].isConverted)
             continue;
-        fail(Code::RunValues, line, failure(kSizesDiffer),
+        fail(Code::RunValues, line, failure(AggValues::kSizesDiffer),
              QStringLiteral("run %1 ends without the slot %2")
                  .arg(m_runNumber)
-                 .arg(fullSlotName(m_slots[place].objectName, m_slots[place].slotName)));
+                 .arg(fullSlotName(m_slots[index].objectName, m_slots[index].slotName)));
         return;
     }
 }

@@ -17,26 +17,25 @@
 class Findings;
 
 // Compares later runs with the first, whose slots, headers and years a conversion uses for all of
-// them. A run's values go to the slot in the same place.
+// them. The values of a slot go to the slot of the first run in the same position.
 class RunCheck
 {
 public:
     RunCheck(int endMonth, Findings& findings) : m_endMonth(endMonth), m_findings(findings) {}
 
     void setFirstRun(const HtsRun& run);
-    // A slot of the first run; `isConverted` tells whether a conversion gives it a place in the
-    // result.
+    // A slot of the first run; `isConverted`: a conversion gives it a place in the result.
     void addFirstSlot(const HtsSlot& slot, bool isConverted);
 
-    // A later run, counted from 0: before its slots. Returns whether the years of the first run are
-    // its own.
+    // A later run; `runIndex` is counted from 0. To be called before its slots. Returns whether its
+    // timing, and with it its years, are those of the first run.
     bool beginRun(int runIndex, const HtsRun& run, const RunLines& lines);
-    // The next slot of the run, `valueCount` values of it, whose preamble begins on `line`.
+    // The next slot of the run, with `valueCount` values and a preamble that begins on `line`.
     void addSlot(const HtsSlot& slot, std::size_t valueCount, qint64 line);
-    // After the last slot of the run, on the line of its end.
+    // To be called after the last slot of the run, with the line of "END_RUN".
     void finishRun(qint64 line);
 
-    // Why a conversion fails over a later run, if it gets to that; a success if it does not.
+    // The failure of a conversion because of a later run; a success if there is none.
     const Status& status() const { return m_status; }
 
 private:
@@ -70,9 +69,9 @@ private:
     int m_unitQuantity = 0;
     std::vector<FirstSlot> m_slots;
 
-    // The run under way.
+    // The current run.
     int m_runNumber = 0; // counted from 1
-    std::size_t m_place = 0;
+    std::size_t m_nextSlot = 0;
     bool m_hasFirstTiming = false;
     bool m_isOrderReported = false;
     bool m_isCountReported = false;

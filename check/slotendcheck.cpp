@@ -28,8 +28,8 @@ SlotEndCheck::SlotEndCheck(HtsReader& reader, PreambleCheck& preamble, const Val
 
 SlotEndCheck::EndLine SlotEndCheck::readEndLine(std::string_view expected)
 {
-    const std::string_view line = m_reader.readEndLine();
-    // The end of the input is reported where the next slot should be.
+    const std::string_view line = m_reader.readLine();
+    // The end of the input is reported as a missing slot or "END_RUN".
     if (line == expected || m_reader.linesPastEnd() > 0)
         return {};
     return {false, m_reader.lineNumber(), std::string(line)};
@@ -40,19 +40,19 @@ void SlotEndCheck::readEndLines(const QString& slotName)
     const EndLine column = readEndLine(bytesOf(kEndColumn));
     const EndLine slot = readEndLine(bytesOf(kEndSlot));
     const bool isKnownDefect = m_values.hasForeignLines();
-    if (!column.isRight && m_preamble.isOnTrack() && !isKnownDefect)
+    if (!column.isRight && m_preamble.isInSync() && !isKnownDefect)
         reportEndColumn(column, slotName);
-    else if (!slot.isRight && m_preamble.isOnTrack() && !isKnownDefect)
+    else if (!slot.isRight && m_preamble.isInSync() && !isKnownDefect)
         reportWrongLine(Code::EndSlot, "END_SLOT", slot);
     if (isKnownDefect || (!slot.isRight && !isNearEndSlot(slot.text)))
-        m_preamble.loseTrack();
+        m_preamble.loseSync();
 }
 
 void SlotEndCheck::reportEndColumn(const EndLine& line, const QString& slotName)
 {
     const bool isValue = !line.text.empty() && isNumberLine(line.text);
     if (!isValue) {
-        // The value that an inserted line has moved here may itself be any text.
+        // An inserted line has moved the last value here, and that may be any text.
         if (!m_values.hasInsertedLines())
             reportWrongLine(Code::EndColumn, "END_COLUMN", line);
         return;
@@ -60,8 +60,8 @@ void SlotEndCheck::reportEndColumn(const EndLine& line, const QString& slotName)
     if (m_values.hasInsertedLines())
         return;
     m_findings.add(Code::TooManyValues, line.number, [&]() -> QString {
-        return QStringLiteral("%1 has more values than the run has timesteps: %2 stands where "
-                              "\"END_COLUMN\" is expected")
+        return QStringLiteral("%1 has more values than the run has timesteps: %2 instead of "
+                              "\"END_COLUMN\"")
             .arg(slotName, quoted(line.text));
     });
 }
@@ -69,7 +69,7 @@ void SlotEndCheck::reportEndColumn(const EndLine& line, const QString& slotName)
 void SlotEndCheck::reportWrongLine(Code code, const char* expected, const EndLine& line)
 {
     m_findings.add(code, line.number, [&]() -> QString {
-        return QStringLiteral("%1 stands where \"%2\" is expected")
+        return QStringLiteral("%1 instead of \"%2\"")
             .arg(line.text.empty() ? QStringLiteral("an empty line") : quoted(line.text),
                  QLatin1String(expected));
     });
@@ -94,18 +94,18 @@ bool SlotEndCheck::readRows(const HtsSlot& slot, const QString& slotName)
     for (int row = 0; row < slot.rows; ++row) {
         if (m_reader.atEnd())
             return false;
-        const std::string_view line = m_reader.readEndLine();
+        const std::string_view line = m_reader.readLine();
         if (isReported || !isSlotLine(line))
             continue;
         isReported = true;
         m_findings.add(Code::TableRows, m_reader.lineNumber(), [&]() -> QString {
-            return QStringLiteral("%1 stands where row %2 of %3 of the table %4 is expected")
+            return QStringLiteral("%1 instead of row %2 of %3 of the table %4")
                 .arg(quoted(line))
                 .arg(row + 1)
                 .arg(slot.rows)
                 .arg(slotName);
         });
-        m_preamble.loseTrack();
+        m_preamble.loseSync();
     }
     return true;
 }
@@ -113,7 +113,7 @@ bool SlotEndCheck::readRows(const HtsSlot& slot, const QString& slotName)
 bool SlotEndCheck::skipToEnd(const QString& slotName)
 {
     while (!m_reader.atEnd()) {
-        const std::string_view line = textBytes(m_reader.readEndLine());
+        const std::string_view line = textBytes(m_reader.readLine());
         if (line == bytesOf(kEndSlot))
             return true;
         reportOverrun(slotName, line);
@@ -121,21 +121,21 @@ bool SlotEndCheck::skipToEnd(const QString& slotName)
     return false;
 }
 
-// A table may have further lines of its own, but not those that begin another slot or end a run.
+// A table may have more lines than rows, but not lines that begin another slot or end a run.
 void SlotEndCheck::reportOverrun(const QString& slotName, std::string_view line)
 {
     std::string_view rest = line;
     const bool beginsSlot = takeAnyKey(kSlotKeys, rest) != nullptr;
     const bool isForeign =
         beginsSlot || line == bytesOf(kEndSlotPreamble) || line == bytesOf(kEndRun);
-    if (!isForeign || !m_preamble.isOnTrack())
+    if (!isForeign || !m_preamble.isInSync())
         return;
     m_findings.add(Code::TableOverrun, m_reader.lineNumber(), [&]() -> QString {
         return QStringLiteral("%1 is taken for a part of the table %2, which has no \"END_SLOT\" "
                               "before it")
             .arg(quoted(line), slotName);
     });
-    m_preamble.loseTrack();
+    m_preamble.loseSync();
 }
 
 void SlotEndCheck::readRest()
@@ -145,7 +145,7 @@ void SlotEndCheck::readRest()
     qint64 runs = 0;
     QString first;
     while (!m_reader.atEnd()) {
-        const std::string_view line = m_reader.readEndLine();
+        const std::string_view line = m_reader.readLine();
         if (line.empty())
             continue;
         if (hasStray && line == bytesOf(kEndRun)) {

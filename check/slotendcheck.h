@@ -15,12 +15,12 @@ class PreambleCheck;
 class ValueCheck;
 struct HtsSlot;
 
-// Reads what a conversion drops unseen, the end lines of slots, tables and what follows the last
-// run, and looks whether it is what belongs there.
+// Reads and checks the lines that a conversion drops without a check: the end lines of slots,
+// tables, and what follows the last run.
 class SlotEndCheck
 {
 public:
-    // All of them outlive the object.
+    // All arguments outlive the object.
     SlotEndCheck(HtsReader& reader, PreambleCheck& preamble, const ValueCheck& values,
                  Findings& findings);
 
@@ -28,14 +28,15 @@ public:
     void readEndLines(const QString& slotName);
 
     // Reads the rows of a table, whose preamble has been read, up to and including its "END_SLOT".
-    // Returns false when the input ends before: a conversion would never end.
+    // Returns false if the input ends before that line: a conversion would never end.
     bool readTable(const HtsSlot& slot, const QString& slotName);
 
     // Reads what follows the last run, to the end of the input.
     void readRest();
 
 private:
-    // One of the lines, if it is not the one that belongs there.
+    // A line in the place of an end line. `number` and `text` are only set if it is not the right
+    // one.
     struct EndLine
     {
         bool isRight = true;

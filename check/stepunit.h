@@ -5,23 +5,24 @@
 #include <QString>
 #include <QtGlobal>
 
-// How far two timesteps should be apart: a number of months, or of minutes, or nothing known.
+// The time between two timesteps of a run: a number of months, or of minutes, or unknown.
 class StepUnit
 {
 public:
-    // `word` and `quantity` as the run has them; a quantity below 1 counts as 1.
+    // `word` and `quantity` are those of the run; a quantity below 1 counts as 1.
     StepUnit(const QString& word, int quantity);
 
     bool isKnown() const { return m_months > 0 || m_minutes > 0; }
-    // For which the months of the calendar count.
+    // Whether the time is a number of months of the calendar.
     bool isMonths() const { return m_months > 0; }
 
-    // What `next`, which is later, is after `previous`: 1 for the next timestep, n for n - 1
-    // timesteps missing between them, 0 for neither. Always 1 for a unit that is not known.
+    // How many steps `next`, which is later, is after `previous`: 1 for the next timestep, n if n -
+    // 1 timesteps are missing between them, 0 if it is not a whole number of steps. Always 1 for an
+    // unknown unit.
     qint64 stepsBetween(const QDateTime& previous, const QDateTime& next) const;
 
     // How many timesteps end after `yearStart` and not after `yearEnd`, a year later, if one of
-    // them is `step`; 0 for a unit that is not known.
+    // them is `step`; 0 for an unknown unit.
     qint64 stepsOfYear(const QDateTime& yearStart, const QDateTime& yearEnd,
                        const QDateTime& step) const;
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-// The timing of one run, while it is looked at.
+// Checks the timing of one run.
 class TimeCheck
 {
 public:
@@ -47,7 +47,7 @@ private:
     const int m_endMonth;
     Findings& m_findings;
     const StepUnit m_unit;
-    std::vector<QDateTime> m_steps; // up to the first that is no date-time
+    std::vector<QDateTime> m_steps; // up to the first that is not a date-time
     bool m_hasEarlyStart = false;
 };
 
@@ -105,7 +105,7 @@ void TimeCheck::checkCompleteYears()
     const auto count = static_cast<std::size_t>(std::max(m_run.timeStepCount, 0));
     const bool hasBadStep = m_steps.size() < count;
     qint64 line = lineOfStep(count) - 1;
-    QString reason = QStringLiteral("the timesteps hold no complete year");
+    QString reason = QStringLiteral("the timesteps contain no complete year");
     if (!m_run.start.isValid()) {
         line = m_lines.start > 0 ? m_lines.start : m_lines.endOfPreamble;
         reason = QStringLiteral("the run has no valid \"start:\"");
@@ -113,7 +113,7 @@ void TimeCheck::checkCompleteYears()
         reason = QStringLiteral("the run has no timesteps");
     } else if (hasBadStep) {
         line = lineOfStep(m_steps.size());
-        reason = QStringLiteral("there is no date-time %1").arg(quoted(text(m_steps.size())));
+        reason = QStringLiteral("%1 is not a date-time").arg(quoted(text(m_steps.size())));
     }
     m_findings.add(Code::NoCompleteYear, line,
                    [&]() -> QString { return reason + conversionFails(status.message); });
@@ -136,7 +136,7 @@ void TimeCheck::checkStep(std::size_t index)
     const QDateTime& step = m_steps[index];
     if (step == previous) {
         m_findings.add(Code::StepRepeated, lineOfStep(index), [&]() -> QString {
-            return QStringLiteral("the timestep %1 is there twice").arg(text(index));
+            return QStringLiteral("the timestep %1 occurs twice").arg(text(index));
         });
         return;
     }
@@ -147,7 +147,7 @@ void TimeCheck::checkStep(std::size_t index)
         });
         return;
     }
-    // A timestep out of order leaves gaps on both sides, which are no findings of their own.
+    // A timestep out of order leaves gaps on both sides, which are not reported separately.
     const qint64 steps = m_unit.stepsBetween(previous, step);
     if (steps == 1 || isBackwards(index - 1) || isBackwards(index + 1))
         return;
@@ -176,8 +176,7 @@ void TimeCheck::reportGap(std::size_t index, qint64 missing)
             .arg(missing == 1 ? QStringLiteral("1 timestep is")
                               : QStringLiteral("%1 timesteps are").arg(missing),
                  text(index - 1), text(index),
-                 isCounted ? QStringLiteral("; the year counts as complete all the same")
-                           : QString());
+                 isCounted ? QStringLiteral("; the year still counts as complete") : QString());
     });
 }
 
@@ -202,7 +201,7 @@ void TimeCheck::checkYearLengths()
     }
 }
 
-// The complete year of the timesteps from `first` on and before `last`.
+// Checks the complete year of the timesteps with the indexes `first` to `last` - 1.
 void TimeCheck::checkYear(std::size_t first, std::size_t last)
 {
     const QDateTime& end = m_steps[last - 1];

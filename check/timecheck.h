@@ -1,7 +1,6 @@
 #ifndef CHECK_TIMECHECK_H
 #define CHECK_TIMECHECK_H
 
-#include <QString>
 #include <QtGlobal>
 
 #include "annualize/completeyears.h"
@@ -9,7 +8,7 @@
 
 class Findings;
 
-// Where the lines of a run are that findings name. 0 for a line that is not there.
+// Numbers of the lines of a run to which findings refer; 0 for a line that is missing.
 struct RunLines
 {
     qint64 start = 0;
@@ -18,11 +17,11 @@ struct RunLines
     qint64 endOfPreamble = 0; // the timesteps follow
 };
 
-// The complete years of a run, as the conversion finds them.
+// The complete years of a run, as a conversion finds them.
 struct RunYears
 {
     CompleteYears years;
-    // For each timestep the number of its year; see ValueMap.
+    // One number for each timestep; see ValueMap.
     ValueMap valueMap;
 
     int yearCount() const { return years.status.ok() ? years.timesteps.size() : 0; }
@@ -34,8 +33,8 @@ struct RunYears
 // Finds the complete years of a run whose years end with `endMonth`.
 RunYears yearsOf(const HtsRun& run, int endMonth);
 
-// Looks at the timesteps of a run: its unit, whether they follow each other by it, whether start
-// and end agree with them, and whether the years that count as complete are.
+// Checks the timesteps of a run: their unit, whether they follow each other by it, whether start
+// and end agree with them, and whether the years that count as complete have all their timesteps.
 void checkTiming(const HtsRun& run, const RunLines& lines, const RunYears& years, int endMonth,
                  Findings& findings);
 

@@ -16,7 +16,7 @@
 
 namespace {
 
-// Magnitudes that mark missing values in files of other programs. A float holds each of them
+// Magnitudes that mark missing values in files of other programs. A float can hold each of them
 // exactly.
 constexpr std::array<double, 8> kSentinels = {
     99.0,     999.0,     9999.0,  99999.0,
@@ -29,18 +29,18 @@ bool isNan(std::string_view line)
            (line[2] | ' ') == 'n';
 }
 
-// Whether a float of its range holds the number, by the digits that only a double has. Nearly no
-// number with decimals passes, so that this alone sees every value of a file.
+// Whether the number has no bits that only a double can hold. True for hardly any number with
+// decimals, so that this fast test is the only one for nearly all values of a file.
 bool fitsFloat(double value)
 {
-    constexpr std::uint64_t kDigitsOfDoubles = 0x1fffffff;
+    constexpr std::uint64_t kBitsOfDoublesOnly = 0x1fffffff;
     std::uint64_t bits = 0;
     static_assert(sizeof bits == sizeof value);
     std::memcpy(&bits, &value, sizeof bits);
-    return (bits & kDigitsOfDoubles) == 0;
+    return (bits & kBitsOfDoublesOnly) == 0;
 }
 
-// Without its sign 99 is as often a number as not.
+// But not 99 without a sign, which is often a real value.
 bool isSentinel(double value)
 {
     const bool isKnown = fitsFloat(value) && std::find(kSentinels.begin(), kSentinels.end(),
@@ -67,16 +67,16 @@ void ValueCheck::begin(const QString& slotName, std::size_t count)
     m_infiniteValues = 0;
 }
 
-void ValueCheck::look(std::size_t index, qint64 lineNumber, std::string_view line)
+void ValueCheck::checkOddLine(std::size_t index, qint64 lineNumber, std::string_view line)
 {
     if (isNan(line) || m_foreignLines > 0)
         return;
     std::string_view rest = line;
-    const bool isFirst = index == m_insertedLines; // but for empty lines
+    const bool isFirst = index == m_insertedLines; // apart from empty lines
     if (isFirst && takeKey(rest, kMethodKey)) {
         ++m_insertedLines;
         m_findings.add(Code::MethodLine, lineNumber, [&]() -> QString {
-            return QStringLiteral("%1 is read as a value: nothing may stand before it")
+            return QStringLiteral("%1 is read as a value: nothing may come before it")
                 .arg(quoted(line));
         });
         return;
@@ -84,7 +84,7 @@ void ValueCheck::look(std::size_t index, qint64 lineNumber, std::string_view lin
     if (isSlotLine(line)) {
         ++m_foreignLines;
         m_findings.add(Code::TooFewValues, lineNumber, [&]() -> QString {
-            return QStringLiteral("%1 stands where value %2 of %3 of %4 is expected")
+            return QStringLiteral("%1 instead of value %2 of %3 of %4")
                 .arg(quoted(line))
                 .arg(index + 1)
                 .arg(m_count)
@@ -100,10 +100,15 @@ void ValueCheck::look(std::size_t index, qint64 lineNumber, std::string_view lin
         });
         return;
     }
+    checkNumber(lineNumber, line);
+}
+
+void ValueCheck::checkNumber(qint64 lineNumber, std::string_view line)
+{
     if (!isNumberLine(line)) {
         m_findings.add(Code::TextValue, lineNumber, [&]() -> QString {
             const QString hint = numberHint(line);
-            return QStringLiteral("%1 is no number and counts as 0%2")
+            return QStringLiteral("%1 is not a number and counts as 0%2")
                 .arg(quoted(line), hint.isEmpty() ? hint : QStringLiteral("; it may be ") + hint);
         });
     } else if (std::isinf(lineToNumber(line))) {
@@ -136,7 +141,7 @@ void ValueCheck::reportMissing(const std::vector<double>& values, qint64 firstLi
     });
 }
 
-// The first sentinel that is there twice.
+// Only the first sentinel that occurs twice.
 void ValueCheck::reportSentinels(const std::vector<double>& values, qint64 firstLine)
 {
     for (auto value = values.begin(); value != values.end(); ++value) {
@@ -146,7 +151,7 @@ void ValueCheck::reportSentinels(const std::vector<double>& values, qint64 first
         if (count < 2)
             continue;
         m_findings.add(Code::Sentinel, firstLine + (value - values.begin()), [&]() -> QString {
-            return QStringLiteral("%1 is there %2 times among the values of %3 and counts as a "
+            return QStringLiteral("%1 occurs %2 times among the values of %3 and counts as a "
                                   "number; does it mark missing values?")
                 .arg(QString::number(*value), QString::number(count), m_slotName);
         });

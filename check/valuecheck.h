@@ -9,29 +9,32 @@
 
 class Findings;
 
-// Looks at the values of one slot after another: the lines that are no plain numbers while they are
-// read, and the numbers afterwards.
+// Checks the values of one slot after another: while they are read, the lines that are not plain
+// numbers; afterwards the numbers.
 class ValueCheck
 {
 public:
     explicit ValueCheck(Findings& findings) : m_findings(findings) {}
 
-    // Before the values of a slot are read; `slotName` as reports show it, `count` values follow.
+    // To be called before the `count` values of a slot are read; `slotName` is its name in reports.
     void begin(const QString& slotName, std::size_t count);
-    // A value line that is not a plain number; see LineReader::OddLines.
-    void look(std::size_t index, qint64 lineNumber, std::string_view line);
-    // The input ends before the last value. The slot that should follow is what is reported then.
+    // Checks a value line that is not a plain number; see LineReader::OddLineObserver.
+    void checkOddLine(std::size_t index, qint64 lineNumber, std::string_view line);
+    // To be called when the input ends before the last value. That is not reported here, but as a
+    // missing slot.
     void noteEnd() { ++m_foreignLines; }
-    // After the values have been read; the first is on `firstLine`. Reports what is missing or
-    // looks like it, of a slot whose lines are its own.
+    // To be called after the values have been read, of which the first is on `firstLine`. Reports
+    // values that are missing or look like it, unless lines of another section were read.
     void finish(const std::vector<double>& values, qint64 firstLine);
 
-    // Whether lines of another section were read as values, or none, so that the slot has too few.
+    // Whether lines of another section, or lines past the end of the input, were read as values:
+    // the slot has too few.
     bool hasForeignLines() const { return m_foreignLines > 0; }
-    // Whether lines that are no values were read as values: the last values are left out then.
+    // Whether lines that are not values were read as values: the last values were then not read.
     bool hasInsertedLines() const { return m_insertedLines > 0; }
 
 private:
+    void checkNumber(qint64 lineNumber, std::string_view line);
     void reportMissing(const std::vector<double>& values, qint64 firstLine);
     void reportSentinels(const std::vector<double>& values, qint64 firstLine);
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "check/csvrow.h"
+#include "check/csvwriter.h"
 #include "hts/datetimetext.h"
 
 void YearCounts::writeHeader(CsvWriter& writer)

@@ -17,13 +17,14 @@ class CsvWriter;
 class YearCounts
 {
 public:
-    // The writer outlives the object. `file` is the name that the rows have.
+    // The writer outlives the object. `file` is the name of the file in the rows.
     YearCounts(CsvWriter& writer, const QString& file);
 
-    // Writes the names of the columns; once for all files.
+    // Writes the row of column names; to be called once for all files.
     static void writeHeader(CsvWriter& writer);
 
-    // The run whose slots follow, counted from 0, and its years, which outlive those.
+    // To be called before the slots of a run; `runIndex` is counted from 0. The years must stay
+    // valid until the next run.
     void beginRun(int runIndex, const HtsRun& run, const RunYears& years);
     void addSlot(const HtsSlot& slot, const std::vector<double>& values);
 
@@ -35,7 +36,7 @@ private:
     };
 
     CsvWriter& m_writer;
-    // Fields as they stand in a row: of the file, the file and run, and each year's end.
+    // CSV fields: the file; file, run and trace; the end of each year.
     const QByteArray m_file;
     QByteArray m_run;
     std::vector<QByteArray> m_yearEnds;

@@ -1,6 +1,6 @@
-// A check of any HTS file with any control file agrees with a conversion: it has an error just
+// A check of any HTS file with any control file agrees with a conversion: it has an error exactly
 // where the conversion fails or never ends, and the same message. Findings name lines that the file
-// has, on one line each. The counts and both forms of the export take the file too.
+// has, on one line each. The counts and both forms of the export read the file too.
 //
 // Input: a letter for the end month, the control file, a line "====", the HTS file.
 
@@ -9,7 +9,7 @@
 #include "QsLog.h"
 #include "annualize/annualizehts.h"
 #include "check/csvexport.h"
-#include "check/csvrow.h"
+#include "check/csvwriter.h"
 #include "check/filecheck.h"
 #include "fuzz/fuzzsupport.h"
 #include "fuzz/fuzztarget.h"

@@ -109,7 +109,8 @@ HtsSlot makeSlot(const QString& type, const QString& object, const QString& slot
     return result;
 }
 
-// Slots that some rules of the file fit, in all the ways a rule can fit, and some that few do.
+// Slots that rules of the file match, in all the ways in which a rule can match, and some that few
+// rules match.
 QVector<HtsSlot> slotsFor(const QVector<Rule>& rules)
 {
     QVector<HtsSlot> result = {

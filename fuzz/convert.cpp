@@ -1,7 +1,6 @@
 // A whole conversion of any HTS file with any control file: it fails with a known message and
-// writes nothing, or its result can be read back and holds what it was made of. The plain
-// conversion gives the same message, log lines and result, and so does the same file with Windows
-// line ends.
+// writes nothing, or its result can be read back and has the right content. The plain conversion
+// gives the same message, log lines and result, and so does the same file with Windows line ends.
 //
 // Input: a letter for the end month, the control file, a line "====", the HTS file.
 
@@ -42,7 +41,7 @@ struct Inputs
     QByteArray hts;
 };
 
-// The line ends are line feeds alone; the twin with Windows line ends is made of them.
+// The line ends are only line feeds; the copy with Windows line ends is made from them.
 Inputs inputsOf(QByteArray bytes)
 {
     bytes.replace("\r", "");
@@ -73,7 +72,7 @@ ConversionOutcome convertFiles(const Inputs& inputs)
     return outcome;
 }
 
-// The same in its plainest form.
+// The same with the plain conversion.
 ConversionOutcome convertBuffer(Inputs inputs)
 {
     static const fuzz::ScratchFile kControl;
@@ -106,7 +105,7 @@ QDateTime asReadBack(const QDateTime& dateTime)
 void makeAsReadBack(HtsSlot& slot)
 {
     slot.preambleRead = true;
-    slot.rows = 0; // of tables alone, as is the next
+    slot.rows = 0; // only of tables, like the next
     slot.cols = 0;
     for (double& scale : slot.scales)
         scale = QStringLiteral("%1").arg(scale).toDouble();

@@ -48,8 +48,8 @@ int daysIn(int year)
     return daysIn(2, year) + 337;
 }
 
-// The text of the instant `minutes`, 1 or more, after the start of the year 1, counted off. A day's
-// minutes are 1 to 1440: midnight ends the day.
+// The text of the instant `minutes`, 1 or more, after the start of the year 1, counted day by day.
+// A day's minutes are 1 to 1440: midnight ends the day.
 QString countedText(qint64 minutes)
 {
     auto days = static_cast<int>((minutes - 1) / kMinutesPerDay);

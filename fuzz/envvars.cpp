@@ -29,7 +29,7 @@ const Variable kVariables[] = {
     {"LONG", QByteArray(1024, 'x')},
 };
 
-// Nothing else is set, whatever the process was started with.
+// Nothing else is set, independent of the environment of the process.
 void setEnvironment()
 {
     const QStringList names = QProcessEnvironment::systemEnvironment().keys();

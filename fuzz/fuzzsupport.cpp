@@ -24,9 +24,9 @@ QString printable(const QString& text)
 
 } // namespace
 
-void require(bool holds, const QString& message)
+void require(bool condition, const QString& message)
 {
-    if (holds)
+    if (condition)
         return;
     std::fprintf(stderr, "FAILED: %s\n", qUtf8Printable(printable(message)));
     std::abort();

@@ -9,16 +9,16 @@
 // What the fuzz targets share.
 namespace fuzz {
 
-// Unless `holds`, prints `message` to stderr and aborts the process.
-void require(bool holds, const QString& message);
+// Unless `condition`, prints `message` to stderr and aborts the process.
+void require(bool condition, const QString& message);
 
 // Unless the texts are equal, prints both with `what` and aborts the process.
 void requireEqual(const QString& what, const QString& actual, const QString& expected);
 
-// A number for chance that depends on the input alone.
+// A seed for random numbers that depends only on the input.
 quint64 seedOf(const QByteArray& input);
 
-// A file with a content for each input, in a folder that goes away with the object.
+// A file with new content for each input, in a folder that is removed with the object.
 class ScratchFile
 {
 public:

@@ -7,8 +7,8 @@
 #include <QByteArray>
 
 // A fuzz target is one file that defines checkInput(): it gives the input to the product and calls
-// fuzz::require() for whatever must hold (see fuzzsupport.h). Two programs are made of it: the
-// fuzzer, and the test that replays the committed corpus.
+// fuzz::require() for everything that must be true (see fuzzsupport.h). Two programs are built from
+// it: the fuzzer, and the test that replays the committed corpus.
 void checkInput(const QByteArray& input);
 
 // The entry that both programs call; always returns 0. Its name is the fuzzer's.

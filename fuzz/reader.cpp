@@ -1,6 +1,6 @@
-// The reader of hts/ on any bytes: on every kind of device, in text mode and not, it must give the
-// message and the model that the plain line-by-line reader gives, and leave the device where that
-// one does.
+// The reader of hts/ on any bytes: on every kind of device, in text mode and not, it must have the
+// same message and model as the plain line-by-line reader, and leave the device at the same
+// position.
 
 #include "fuzz/fuzzsupport.h"
 #include "fuzz/fuzztarget.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-// The last `size` of many bytes in lines that no key fits.
+// The last `size` of many bytes in lines that begin with no key.
 QByteArray padding(int size)
 {
     static const QByteArray kLines = QByteArray(QByteArray(999, '#') + '\n').repeated(100);
@@ -28,13 +28,14 @@ void checkCase(const QByteArray& text, quint64 number, int paddingSize = 0)
 
 } // namespace
 
-// By chance and not on all devices: some make an input cost a hundred times what the reading takes.
+// Chosen at random and not on all devices: with some an input takes a hundred times as long as
+// reading it.
 void checkInput(const QByteArray& input)
 {
     const quint64 kCases = 2 * deviceKinds().size();
     constexpr quint64 kQuickCases = 2 * kQuickKinds;
     constexpr int kBlockSize = 64 * 1024;          // of the reader
-    const quint64 seed = fuzz::seedOf(input) >> 8; // the lowest bits hang on the last bytes alone
+    const quint64 seed = fuzz::seedOf(input) >> 8; // the lowest bits depend only on the last bytes
     checkCase(input, 0);
     checkCase(input, 1 + seed % (kCases - 1));
     // Once more with the end of a block somewhere in the input.

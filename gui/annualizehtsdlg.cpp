@@ -48,7 +48,7 @@ const QLatin1String
     kControlNotSubstituted("Method control file environment variables could not be substituted");
 const QLatin1String kSuccess("Annual HTS file successfully created!");
 
-// Shows the wait cursor while it lives.
+// Shows the wait cursor until it is destroyed.
 class WaitCursor
 {
 public:
@@ -96,12 +96,13 @@ struct AnnualizeHtsDlg::Failure
 AnnualizeHtsDlg::AnnualizeHtsDlg(AnnualizeHts* engine, QWidget* parent)
     : QMainWindow(parent), m_form(std::make_unique<Ui::AnnualizeHtsDlg>()), m_engine(engine)
 {
+    Q_ASSERT(engine != nullptr);
     m_form->setupUi(this);
     setWindowTitle(QStringLiteral("HTS Annualizer (v%1.%2)").arg(kMajorVersion).arg(kMinorVersion));
     setApplicationIcon();
     fillMonthList();
     connectButtons();
-    acceptFiles();
+    acceptDroppedFiles();
     createDiagnosticsWindow();
     UtilsNS::setVerboseLogging(true);
 }
@@ -119,7 +120,8 @@ void AnnualizeHtsDlg::connectButtons()
 {
     const auto onClick = [this](QPushButton* button, void (AnnualizeHtsDlg::*handler)(bool)) {
         connect(button, &QPushButton::clicked, this, handler);
-        button->setAutoDefault(true); // outside a dialog: Return presses it when it has the focus
+        button->setAutoDefault(
+            true); // outside a QDialog, Return presses a focused button only then
     };
     onClick(m_form->_sourceHtsButton, &AnnualizeHtsDlg::sourceSelectHandler);
     onClick(m_form->_annualResultHtsButton, &AnnualizeHtsDlg::resultSelectHandler);
@@ -133,7 +135,7 @@ void AnnualizeHtsDlg::connectButtons()
     connect(helpShortcut, &QShortcut::activated, m_form->_helpButton, &QPushButton::click);
 }
 
-void AnnualizeHtsDlg::acceptFiles()
+void AnnualizeHtsDlg::acceptDroppedFiles()
 {
     for (QLineEdit* lineEdit : {m_form->_sourceHtsLineEdit, m_form->_methodControlLineEdit,
                                 m_form->_annualResultHtsLineEdit})
@@ -157,7 +159,7 @@ void AnnualizeHtsDlg::sourceSelectHandler(bool)
 
 void AnnualizeHtsDlg::resultSelectHandler(bool)
 {
-    // The separator behind the filter is there on purpose.
+    // The separator after the filter is there on purpose.
     selectFile({QLatin1String("Result Annual Hts File"), kHtsFilters,
                 QLatin1String("HTS Files (*.hts);;")},
                m_form->_annualResultHtsLineEdit);
@@ -169,8 +171,8 @@ void AnnualizeHtsDlg::controlSelectHandler(bool)
                m_form->_methodControlLineEdit);
 }
 
-// A dialog for saving, also for the files that are read: a name may be typed there that does not
-// exist yet.
+// A dialog for saving, also for the files that are read: it accepts the name of a file that does
+// not exist yet.
 void AnnualizeHtsDlg::selectFile(const FileDialogTexts& texts, QLineEdit* lineEdit)
 {
     QString selectedFilter = texts.selectedFilter;
@@ -195,14 +197,14 @@ void AnnualizeHtsDlg::okButtonHandler(bool)
     UtilsNS::showWarning(nullptr, kSuccessTitle, kSuccess); // a warning box too, on purpose
 }
 
-AnnualizeHtsDlg::Failure AnnualizeHtsDlg::takePaths(Paths& paths) const
+AnnualizeHtsDlg::Failure AnnualizeHtsDlg::readPaths(Paths& paths) const
 {
     const QString source = m_form->_sourceHtsLineEdit->text();
     const QString result = m_form->_annualResultHtsLineEdit->text();
     const QString control = m_form->_methodControlLineEdit->text();
     if (source.isEmpty() || result.isEmpty() || control.isEmpty())
         return {kIncompleteTitle, kIncomplete};
-    // What is wrong with the references is deliberately not told.
+    // What is wrong with the references is deliberately not reported.
     if (!UtilsNS::substituteEnvVars(source, paths.source).ok())
         return {kInformationTitle, kSourceNotSubstituted};
     if (!UtilsNS::substituteEnvVars(result, paths.result).ok())
@@ -215,7 +217,7 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::takePaths(Paths& paths) const
 AnnualizeHtsDlg::Failure AnnualizeHtsDlg::convert()
 {
     Paths paths;
-    Failure failure = takePaths(paths);
+    Failure failure = readPaths(paths);
     if (!failure.isNone())
         return failure;
 

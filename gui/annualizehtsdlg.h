@@ -23,7 +23,7 @@ class MessageViewer;
 // the main thread. It owns the diagnostics window, which shows what is logged from the window's
 // construction on, and deletes it when it is closed itself.
 //
-// Closing the window is meant to be its end: one that is shown again has no diagnostics.
+// A closed window is not meant to be shown again: it would have no diagnostics window.
 class AnnualizeHtsDlg : public QMainWindow
 {
     Q_OBJECT
@@ -33,8 +33,8 @@ public:
     explicit AnnualizeHtsDlg(AnnualizeHts* engine, QWidget* parent = nullptr);
     ~AnnualizeHtsDlg() override;
 
-    // URL of the help page of a program in the folder, which is not percent-encoded. It stands in
-    // double quotes when it contains white space, to survive as one command-line parameter.
+    // URL of the help page of a program in the folder, which is not percent-encoded. A URL with
+    // white space is in double quotes, so that it remains one command-line parameter.
     static QString helpPageUrl(const QString& programFolder);
 
 protected:
@@ -56,15 +56,15 @@ private:
 
     void fillMonthList();
     void connectButtons();
-    void acceptFiles();
+    void acceptDroppedFiles();
     void createDiagnosticsWindow();
     void selectFile(const FileDialogTexts& texts, QLineEdit* lineEdit);
-    Failure takePaths(Paths& paths) const;
+    Failure readPaths(Paths& paths) const;
     Failure convert();
 
     std::unique_ptr<Ui::AnnualizeHtsDlg> m_form;
     AnnualizeHts* m_engine;
-    QString m_lastDirectory; // of the file chosen last, whichever of the three it was
+    QString m_lastDirectory; // of the file that was selected last, for any of the three
     std::unique_ptr<UtilsNS::MessageViewer> m_diagnostics;
 };
 

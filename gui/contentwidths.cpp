@@ -40,15 +40,15 @@ void ContentWidths::update()
         m_bounds = std::make_unique<TextWidthBounds>(m_tree->font());
     for (; m_rowCount < m_tree->topLevelItemCount(); ++m_rowCount) {
         for (int column = 0; column < m_columns.size(); ++column)
-            takeIn(m_rowCount, column);
+            measure(m_rowCount, column);
     }
 }
 
-void ContentWidths::takeIn(int row, int column)
+void ContentWidths::measure(int row, int column)
 {
     Column& widest = m_columns[column];
     const QString text = m_tree->topLevelItem(row)->text(column);
-    // The delegate rounds up. Infinite bounds say nothing about the texts that come after.
+    // The delegate rounds up. An infinite bound says nothing about later texts.
     const qreal bound = std::ceil(m_bounds->bound(text));
     if (bound <= widest.textWidth)
         return;

@@ -9,7 +9,7 @@ namespace UtilsNS {
 
 namespace {
 
-// Empty when the first thing dropped is no local file.
+// Empty when the first item dropped is not a local file.
 QString localPath(const QMimeData& data)
 {
     const QList<QUrl> urls = data.urls();
@@ -32,7 +32,7 @@ bool FileDrop::eventFilter(QObject* watched, QEvent* event)
     const QString path = localPath(*drop->mimeData());
     if (path.isEmpty())
         return QObject::eventFilter(watched, event);
-    // Never a move, after which a file manager would delete the file.
+    // Not a move, after which a file manager would delete the file.
     drop->setDropAction(Qt::CopyAction);
     drop->accept();
     if (type == QEvent::Drop) {

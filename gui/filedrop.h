@@ -8,8 +8,8 @@ class QLineEdit;
 namespace UtilsNS {
 
 // Lets a line edit take the local path of a file that is dropped on it, in place of its text; the
-// toolkit would insert a "file:" URL. Of several files the first one counts. What does not begin
-// with a local file (text, a link to a web page) is left to the toolkit.
+// toolkit would insert a "file:" URL. Of several files the first one is taken. Dropped data that do
+// not begin with a local file (text, a link to a web page) are left to the toolkit.
 class FileDrop : public QObject
 {
 public:

@@ -26,11 +26,11 @@ namespace {
 
 constexpr QSize kInitialSize(600, 300);
 
-// Up to this length the list follows each row at once. That takes 0.3 ms, and more the longer the
-// list is, some hundred times what the row itself takes.
+// Up to this length the list is updated at once for each row. That takes 0.3 ms, more for a longer
+// list, and about a hundred times as long as adding the row.
 constexpr int kMaxRowsOfShortList = 50;
 
-// A long list follows its rows this often at most: a layout of 100,000 rows takes some 10 ms.
+// Shortest time between two updates of a long list: a layout of 100,000 rows takes about 10 ms.
 constexpr int kShowingIntervalMs = 100;
 
 const QBrush& brushOf(QsLogging::Level level)
@@ -48,13 +48,14 @@ const QBrush& brushOf(QsLogging::Level level)
     }
 }
 
-// The colours of the rows are made for a light ground, so the list keeps one on a dark desktop:
-// with its header and scroll bars, which would look cut out otherwise. Selected rows are dark on
-// light too, whether a style takes their text's colour from the palette or from the row.
+// The colours of the rows need a light background, so the list keeps one on a dark desktop, and
+// with it its header and scroll bars, which would look out of place otherwise. The text of selected
+// rows is dark on light too, since some styles take its colour from the palette and others from the
+// row.
 QPalette lightPalette()
 {
-    const QColor ground(239, 239, 239);
-    QPalette palette(ground, ground);
+    const QColor background(239, 239, 239);
+    QPalette palette(background, background);
     palette.setColor(QPalette::Highlight, QColor(190, 220, 255));
     palette.setColor(QPalette::HighlightedText, Qt::black);
     return palette;
@@ -65,7 +66,7 @@ QTreeWidget* createTree(const QStringList& headerLabels, QWidget* parent)
     auto* tree = new QTreeWidget(parent);
     tree->setColumnCount(headerLabels.size());
     tree->setHeaderLabels(headerLabels);
-    QFont font; // all else comes from the window's
+    QFont font; // the rest comes from the window's font
     separateGlyphs(font);
     tree->setFont(font);
     tree->setPalette(lightPalette());
@@ -88,7 +89,7 @@ QAction* newAction(QMenu* menu, const QString& text, const QString& shortcut, co
     return action;
 }
 
-// Invalid when the sender is no action.
+// Invalid when the sender is not an action.
 QVariant dataOf(const QObject* sender)
 {
     const auto* action = qobject_cast<const QAction*>(sender);
@@ -107,7 +108,7 @@ MessageViewer::MessageViewer(const QStringList& headerLabels, QWidget* parent)
     connect(m_tree->model(), &QAbstractItemModel::modelReset, this, [this] { m_widths.clear(); });
 
     connect(m_tree->verticalScrollBar(), &QScrollBar::rangeChanged, this,
-            [this](int /*minimum*/, int maximum) { followScrollRange(maximum); });
+            [this](int /*minimum*/, int maximum) { keepScrolledToBottom(maximum); });
 
     m_tree->installEventFilter(this);
 
@@ -133,7 +134,7 @@ MessageViewer::MessageViewer(const QStringList& headerLabels, QWidget* parent)
 
 MessageViewer::~MessageViewer()
 {
-    // While m_widths lives: the model of a dying tree reports a last reset.
+    // Before m_widths is destroyed: the model of the tree reports a reset when it is destroyed.
     delete m_tree;
 }
 
@@ -198,7 +199,8 @@ void MessageViewer::scheduleShowingNewRows()
     if (m_isShowingDue)
         return;
     m_isShowingDue = true;
-    // After the messages that are queued already; during the pause after the last time, at its end.
+    // After the messages that are queued already; or, during the pause after the last update, at
+    // its end.
     if (!m_showingTimer.isActive())
         m_showingTimer.start(0);
 }
@@ -227,7 +229,7 @@ void MessageViewer::showNewRows()
 
 // A horizontal scroll bar appears, and a hidden window gets its size, only after the last row was
 // scrolled to.
-void MessageViewer::followScrollRange(int maximum)
+void MessageViewer::keepScrolledToBottom(int maximum)
 {
     QScrollBar* scrollBar = m_tree->verticalScrollBar();
     const bool wasAtBottom = scrollBar->value() == m_scrollMaximum;
@@ -271,7 +273,7 @@ void MessageViewer::saveHandler()
     if (name.isEmpty())
         return;
     UtilsNS::CheckedFile file(name);
-    // Not in text mode: lines end with a bare line feed everywhere.
+    // Not in text mode: lines end with a line feed on every system.
     if (!file.open(QIODevice::WriteOnly)) {
         showWarning(this, QStringLiteral("Save Diagnostics Error"), file.errorString());
         return;
@@ -303,7 +305,7 @@ void MessageViewer::messageHandler(QsLogging::Level level, const QString& messag
 
 void MessageViewer::checkBoxHandler(int state)
 {
-    // Rows that wait still came under the old setting.
+    // Rows that are not shown yet came under the old setting.
     if (m_isShowingDue)
         showNewRows();
     m_isAutoScrolling = state == Qt::Checked;
@@ -311,7 +313,7 @@ void MessageViewer::checkBoxHandler(int state)
         m_tree->scrollToBottom();
 }
 
-// Rows that were measured already take another width in another font or style.
+// In another font or style the rows that were measured already have another width.
 bool MessageViewer::eventFilter(QObject* watched, QEvent* event)
 {
     const bool isChange =

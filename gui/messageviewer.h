@@ -20,17 +20,17 @@ class QTreeWidgetItem;
 
 namespace UtilsNS {
 
-// A window that lists messages, coloured by level, to look at, copy and save. Closing it only hides
-// it; it takes messages hidden or shown and keeps them until they are cleared.
+// A window that lists messages, coloured by level, which can be copied and saved. Closing it only
+// hides it; it accepts messages also while it is hidden, and keeps them until they are cleared.
 //
 //     UtilsNS::MessageViewer viewer({tr("Diagnostic Messages")}, nullptr);
 //     viewer.setWindowTitle(QStringLiteral("Diagnostics"));
 //     viewer.connectWatcher();
 //     viewer.show();
 //
-// Section widths and scroll position follow each message at once in a short list. In a longer one
-// they follow when the event loop runs next, but ten times a second at most, so that 100,000
-// messages in a row cost little more than their rows.
+// In a short list, section widths and scroll position are updated at once for each message; in a
+// longer one when the event loop runs next, but at most ten times a second, so that 100,000
+// messages in a row take little more time than adding their rows.
 class MessageViewer : public QDialog
 {
     Q_OBJECT
@@ -40,19 +40,20 @@ public:
     MessageViewer(const QStringList& headerLabels, QWidget* parent);
     ~MessageViewer() override;
 
-    // Shows what `messageWatcher` emits from now on, queued: lines of other threads too, in the
-    // order in which they were emitted. QsLogging::Level must be a registered meta type by the
-    // first line.
+    // From now on shows what `messageWatcher` emits, through a queued connection: also lines of
+    // other threads, in the order in which they were emitted. QsLogging::Level must be registered
+    // as a meta type before the first line.
     void connectWatcher();
 
     // Appends a row. Does nothing unless there is one text for each column.
     void addMessage(QsLogging::Level level, const QStringList& texts);
 
-    // The rows, or the selected ones alone, as lines of the shown columns joined by " | ". Each
-    // line ends with a line feed, the last one too.
+    // All rows, or only the selected ones, as lines of the shown columns joined by " | ". Each line
+    // ends with a line feed, the last one too.
     QString collectText(bool all) const;
 
-    // Puts the text on the clipboard; null, for a system without one, warns the user.
+    // Puts the text on the clipboard. Null means that the system has none: the user then gets a
+    // warning.
     void copyTo(QClipboard* clipboard, const QString& text);
 
 public Q_SLOTS:
@@ -76,7 +77,7 @@ private:
     void scheduleShowingNewRows();
     void showDueRows();
     void showNewRows();
-    void followScrollRange(int maximum);
+    void keepScrolledToBottom(int maximum);
 
     bool m_isAutoScrolling = true;
     QMenuBar* m_menuBar = nullptr;
@@ -95,9 +96,9 @@ private:
     QString m_lastSaveName; // of the last successful save
 
     ContentWidths m_widths;
-    int m_scrollMaximum = 0;     // of the vertical scroll bar, when its range last changed
-    bool m_isShowingDue = false; // rows arrived that widths and scroll position do not follow yet
-    QTimer m_showingTimer;       // until due rows are shown, then the pause before the next time
+    int m_scrollMaximum = 0;     // of the vertical scroll bar, at the last change of its range
+    bool m_isShowingDue = false; // widths and scroll position are not updated yet for new rows
+    QTimer m_showingTimer; // runs until due rows are shown, then for the pause before the next time
 };
 
 } // namespace UtilsNS

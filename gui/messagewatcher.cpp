@@ -11,8 +11,8 @@ namespace {
 
 QString withoutTimeStamp(const QString& message)
 {
-    // A matcher of this call alone: a QRegExp keeps the state of its last match, and lines may come
-    // from several threads at once.
+    // Not static: a QRegExp keeps the state of its last match, and lines may come from several
+    // threads at once.
     const QRegExp timeStamp(
         QStringLiteral("\\d{4}-\\d{2}-\\d{2}T\\d{2}:\\d{2}:\\d{2}\\.\\d{3}\\s+"));
     QString text = message;
@@ -22,7 +22,7 @@ QString withoutTimeStamp(const QString& message)
     return text;
 }
 
-// Deliberate: the viewer knows three kinds of lines only.
+// Deliberate: the viewer knows only three levels.
 QsLogging::Level narrowed(QsLogging::Level level)
 {
     switch (level) {
@@ -48,7 +48,7 @@ bool MessageWatcher::hasReceiver() const
 
 void watcherDestination(const QString& message, QsLogging::Level level)
 {
-    // On the command line nobody listens, and the engine logs lines for every slot.
+    // On the command line nothing is connected, and the engine logs lines for every slot.
     if (messageWatcher.hasReceiver())
         Q_EMIT messageWatcher.message(narrowed(level), withoutTimeStamp(message));
 }

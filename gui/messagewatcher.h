@@ -14,8 +14,8 @@ namespace UtilsNS {
 //         QsLogging::DestinationFactory::MakeFunctorDestination(UtilsNS::watcherDestination));
 //
 // From then on every line is emitted by `messageWatcher`, on the thread that logged it. A receiver
-// with widgets connects queued, for which QsLogging::Level must be registered as a meta type under
-// that name before the first line.
+// with widgets needs a queued connection, for which QsLogging::Level must be registered as a meta
+// type under that name before the first line.
 class MessageWatcher : public QObject
 {
     Q_OBJECT
@@ -28,14 +28,14 @@ Q_SIGNALS:
     void message(QsLogging::Level level, const QString& message);
 };
 
-// The one watcher of the program, there before main() and until exit.
+// The only watcher of the program; exists from before main() until exit.
 extern MessageWatcher messageWatcher;
 
 // Emits a formatted log line without its time stamp and with its level narrowed to Info, Warn or
 // Error. Callable from any thread; without a receiver the line is lost.
 void watcherDestination(const QString& message, QsLogging::Level level);
 
-// Lets the logger pass everything from Trace up (verbose) or from Warn up.
+// Sets the logger's level to Trace (verbose) or Warn.
 void setVerboseLogging(bool verbose);
 
 } // namespace UtilsNS

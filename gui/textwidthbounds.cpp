@@ -9,9 +9,9 @@ namespace {
 
 // The toolkit places glyphs on multiples of this, so that no advance is rounded.
 constexpr qreal kUnitsPerPixel = 64;
-// In place of an advance.
-constexpr int kNotSeen = -1;
-constexpr int kNotAlone = -2; // depends on the letters around it
+// Values in the place of an advance.
+constexpr int kNotMeasured = -1;
+constexpr int kNotFixed = -2; // depends on the letters around it
 
 constexpr int kMaxWords = 20'000;
 
@@ -42,7 +42,7 @@ bool isScriptOfSingleLetters(QChar::Script script)
     }
 }
 
-bool standsAlone(QChar c)
+bool hasFixedAdvance(QChar c)
 {
     const bool isAscii = c.unicode() < 0x80 && !isControl(c);
     return isAscii || (c.isLetter() && isScriptOfSingleLetters(c.script()));
@@ -79,13 +79,13 @@ int sizeWithoutBlanksAtEnd(const QString& text)
 
 } // namespace
 
-// What signs between words follow.
+// The word before a sign, whose script decides the width of the sign.
 struct TextWidthBounds::Context
 {
     QStringView word;
     QChar::Script script = QChar::Script_Common;
 
-    void take(QStringView newWord)
+    void update(QStringView newWord)
     {
         const QChar::Script newScript = scriptOf(newWord);
         if (newScript != QChar::Script_Common) {
@@ -103,7 +103,7 @@ void separateGlyphs(QFont& font)
 }
 
 TextWidthBounds::TextWidthBounds(const QFont& font)
-    : m_metrics(font), m_advances(std::numeric_limits<ushort>::max() + 1, kNotSeen)
+    : m_metrics(font), m_advances(std::numeric_limits<ushort>::max() + 1, kNotMeasured)
 {
     Q_ASSERT(!font.kerning());
 }
@@ -115,13 +115,13 @@ qreal TextWidthBounds::bound(const QString& text)
     return units >= 0 ? units / kUnitsPerPixel : boundByWords(line);
 }
 
-// Negative unless all letters stand alone.
+// Negative if a letter depends on those around it.
 int TextWidthBounds::sumOfAdvances(QStringView text)
 {
     int sum = 0;
     for (const QChar c : text) {
         int advance = m_advances[c.unicode()];
-        if (advance == kNotSeen)
+        if (advance == kNotMeasured)
             advance = newAdvance(c);
         if (advance < 0)
             return -1;
@@ -130,7 +130,8 @@ int TextWidthBounds::sumOfAdvances(QStringView text)
     return sum;
 }
 
-// Takes apart words, which are all but the signs of ASCII, and the signs between them.
+// Adds up the widths of the words, which are all characters but ASCII signs, and of the signs
+// between them.
 qreal TextWidthBounds::boundByWords(QStringView text)
 {
     if (std::any_of(text.begin(), text.end(), isControl))
@@ -138,9 +139,9 @@ qreal TextWidthBounds::boundByWords(QStringView text)
     const auto wordAt = [text](QStringView::const_iterator begin) {
         return QStringView(begin, std::find_if(begin, text.end(), isAsciiSign));
     };
-    // Signs belong to the script of the word before them, at the start to that of the first word.
+    // Signs belong to the script of the word before them; at the start, to that of the first word.
     Context context;
-    context.take(wordAt(std::find_if_not(text.begin(), text.end(), isAsciiSign)));
+    context.update(wordAt(std::find_if_not(text.begin(), text.end(), isAsciiSign)));
     qreal width = 0;
     for (auto begin = text.begin(); begin != text.end();) {
         const QStringView word = wordAt(begin);
@@ -150,7 +151,7 @@ qreal TextWidthBounds::boundByWords(QStringView text)
             continue;
         }
         width += wordWidth(word);
-        context.take(word);
+        context.update(word);
         begin = word.end();
     }
     return width;
@@ -159,8 +160,8 @@ qreal TextWidthBounds::boundByWords(QStringView text)
 int TextWidthBounds::newAdvance(QChar c)
 {
     int& advance = m_advances[c.unicode()];
-    advance = kNotAlone;
-    if (standsAlone(c))
+    advance = kNotFixed;
+    if (hasFixedAdvance(c))
         advance = qRound(m_metrics.horizontalAdvance(QString(c)) * kUnitsPerPixel);
     return advance;
 }
@@ -179,7 +180,7 @@ qreal TextWidthBounds::wordWidth(QStringView word)
     return *m_wordWidths.insert(key, m_metrics.horizontalAdvance(key));
 }
 
-// Some scripts are shown in another font as a whole, the signs among their words included.
+// Some scripts are shown in another font, including the signs between their words.
 qreal TextWidthBounds::signWidth(QChar sign, const Context& context)
 {
     if (context.script == QChar::Script_Common || isScriptOfSingleLetters(context.script))

@@ -12,25 +12,25 @@
 
 namespace UtilsNS {
 
-// Lets the font place its glyphs one by one: without kerning, and without the ligatures that a
-// script can do without. A text then is as wide as its letters together.
+// Makes the font place its glyphs one by one: without kerning and without optional ligatures. A
+// text is then as wide as the sum of its letters.
 void separateGlyphs(QFont& font);
 
-// Upper bounds of text widths in one font, for a hundredth of what a layout takes.
+// Upper bounds of text widths in one font, in a hundredth of the time of a layout.
 //
-// The advances of letters that stand alone in their script are added up. A word with anything else
-// (joining scripts, marks, symbols) is laid out once and remembered, the digits and signs around it
-// once for each script. Together that is the width itself, unless a font has ways of its own with
-// letters next to each other.
+// In scripts whose letters do not affect each other, the advances of the letters are added up. A
+// word with anything else (joining scripts, marks, symbols) is laid out once and its width
+// remembered, and so are the digits and signs around it, once for each script. The sum is the exact
+// width, unless the font treats neighbouring letters specially.
 //
-// For the thread of the user interface alone.
+// Only for the thread of the user interface.
 class TextWidthBounds
 {
 public:
-    // `font` has separate glyphs.
+    // `font` has separate glyphs; see separateGlyphs().
     explicit TextWidthBounds(const QFont& font);
 
-    // In pixels, without blanks at the end, which a layout leaves out. Infinite for a text with
+    // In pixels, without blanks at the end, which a layout ignores. Infinite for a text with
     // control characters: tabs and line ends need a layout.
     qreal bound(const QString& text);
 
@@ -46,7 +46,7 @@ private:
     QFontMetricsF m_metrics;
     std::vector<int> m_advances; // by UTF-16 unit, in 1/64 pixels or one of two negative values
     QHash<QString, qreal> m_wordWidths;
-    QHash<QPair<int, QChar>, qreal> m_signWidths; // of ASCII, by script
+    QHash<QPair<int, QChar>, qreal> m_signWidths; // of ASCII signs, by script
 };
 
 } // namespace UtilsNS

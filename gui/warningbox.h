@@ -6,8 +6,9 @@ class QWidget;
 
 namespace UtilsNS {
 
-// QMessageBox::warning() with an OK button, for texts that may hold a path: they are shown as they
-// are, where the toolkit would take what looks like HTML for HTML. Returns when the box is closed.
+// QMessageBox::warning() with an OK button, for texts that may contain a path: they are shown as
+// plain text, while the toolkit would interpret what looks like HTML. Returns when the box is
+// closed.
 //
 // `parent` may be null.
 void showWarning(QWidget* parent, const QString& title, const QString& text);

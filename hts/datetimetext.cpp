@@ -30,16 +30,16 @@ int asciiDigit(QChar c)
     return c >= QLatin1Char('0') && c <= QLatin1Char('9') ? c.unicode() - '0' : -1;
 }
 
-// What the numbers of a date-time are made of: as the toolkit's own conversion has it under the C
-// locale, a plus sign may be the first character.
+// The digits of a date-time: ASCII ones, and a plus sign may come first, as in the toolkit's own
+// conversion under the C locale.
 struct SignedAsciiDigits
 {
     static bool isSign(QChar c) { return c == QLatin1Char('+'); }
     static int value(QChar c) { return asciiDigit(c); }
 };
 
-// What the numbers of a timestep line are made of: digits of any script, as in the regular
-// expression class \d. Superscripts and the like, which have a digit value too, are none.
+// The digits of a timestep line: those of any script, as in the regular expression class \d.
+// Superscripts and the like have a digit value too, but are not digits.
 struct AnyDigits
 {
     static bool isSign(QChar) { return false; }
@@ -90,9 +90,9 @@ bool splitFields(const QString& text, FieldValues& values)
     return position == text.size();
 }
 
-// Not left to QDateTime::fromString, which would take the digits of the host's locale too, take
-// microseconds for each of tens of thousands of timesteps, and make a local time of them and move
-// it out of a daylight-saving gap.
+// Not done by QDateTime::fromString, which would also accept the digits of the host's locale, take
+// microseconds for each of tens of thousands of timesteps, and return a local time, moved out of a
+// daylight-saving gap.
 QDateTime parse(const QString& text)
 {
     FieldValues values;
@@ -101,7 +101,7 @@ QDateTime parse(const QString& text)
     const auto [year, month, day, hour, minute] = values;
     const QDate date(year, month, day);
     const QTime time(hour, minute);
-    // Both or nothing: QDateTime takes an invalid time for midnight.
+    // Both must be valid: QDateTime takes an invalid time for midnight.
     return date.isValid() && time.isValid() ? QDateTime(date, time, Qt::UTC) : QDateTime();
 }
 

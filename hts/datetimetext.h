@@ -8,20 +8,20 @@
 // ends: the instant 2001-01-01 00:00 is written 2000-12-31 24:00.
 //
 // The texts name no time zone. Inside the program every date-time is held in UTC, so that a series
-// with a step in a daylight-saving gap of the host means the same on every host. Nor do they depend
-// on the host's locale: digits are ASCII, written and read.
+// with a step in a daylight-saving gap of the host means the same on every host. They do not depend
+// on the host's locale either: digits are ASCII, read and written.
 
 // Whether `line` is a timestep line: of the shape "yyyy-M-d h:mm", month, day and hour of one or
-// two digits. Digits of any script pass, and whether there is such a date is not looked at; so the
-// line need not be one that textToDateTime reads.
+// two digits. Digits of any script are accepted, and the date need not exist: a timestep line is
+// not always one that textToDateTime can read.
 bool isTimestepText(const QString& line);
 
-// The text of `dateTime`, midnight as 24:00 of the day before; seconds are not written. An invalid
-// date-time gives an empty text.
+// The text of `dateTime`, with midnight as 24:00 of the day before; seconds are left out. An
+// invalid date-time gives an empty text.
 QString dateTimeToText(const QDateTime& dateTime);
 
-// The instant that `text` names, in UTC. 2000-12-31 24:00, 2001-1-1 0:00 and 2001-1-1 00:00 are the
-// same instant. A text that is no date-time gives an invalid QDateTime.
+// The instant of `text`, in UTC. 2000-12-31 24:00, 2001-1-1 0:00 and 2001-1-1 00:00 are the same
+// instant. A text that is not a date-time gives an invalid QDateTime.
 QDateTime textToDateTime(const QString& text);
 
 #endif // HTS_DATETIMETEXT_H

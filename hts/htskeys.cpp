@@ -22,7 +22,7 @@ void writeText(const Model& model, LineWriter& lines)
 template<typename Model, int Model::*field>
 void readInteger(Model& model, const QString& value)
 {
-    model.*field = value.toInt(nullptr, 10); // 0 for a text that is no integer
+    model.*field = value.toInt(nullptr, 10); // 0 for a text that is not an integer
 }
 
 template<typename Model, int Model::*field>
@@ -71,7 +71,7 @@ bool isTableSlot(const HtsSlot& slot)
     return slot.isTable();
 }
 
-// A slot that announces rows before it names its type is a table.
+// A slot with the line "rows: " before any line "slot_type: " is a table.
 void readRows(HtsSlot& slot, const QString& value)
 {
     readInteger<HtsSlot, &HtsSlot::rows>(slot, value);

@@ -14,12 +14,12 @@ struct HtsPackage;
 struct HtsRun;
 struct HtsSlot;
 
-// One keyword line of a preamble: the key, how its value is taken into the model, and how it is
-// written. Reader and writer go through the same tables, in the same order.
+// One keyword line of a preamble: its key, how its value gets into the model, and how it is
+// written. Reader and writer use the same tables, in the same order.
 template<typename Model>
 struct HtsKey
 {
-    // As it stands at the start of the line, with its colon and, in slot preambles, its blank.
+    // The start of the line, with the colon and, in slot preambles, the blank after it.
     QLatin1String key;
     void (*read)(Model& model, const QString& value);
     // Whether the writer writes the line for this model.
@@ -46,17 +46,17 @@ inline std::string_view bytesOf(QLatin1String text)
     return {text.data(), static_cast<std::size_t>(text.size())};
 }
 
-// Whether `line` begins with `key`; takes the key off if so.
+// Whether `line` begins with `key`; if so, removes the key from it.
 inline bool takeKey(std::string_view& line, QLatin1String key)
 {
     const std::string_view keyBytes = bytesOf(key);
-    const bool isThere = line.substr(0, keyBytes.size()) == keyBytes;
-    if (isThere)
+    const bool hasKey = line.substr(0, keyBytes.size()) == keyBytes;
+    if (hasKey)
         line.remove_prefix(keyBytes.size());
-    return isThere;
+    return hasKey;
 }
 
-// The first key that `line` begins with, or null; takes the key off the line if there is one.
+// The first key that `line` begins with, which is removed from the line; null if there is none.
 template<typename Model, std::size_t count>
 const HtsKey<Model>* takeAnyKey(const std::array<HtsKey<Model>, count>& keys,
                                 std::string_view& line)
@@ -68,7 +68,7 @@ const HtsKey<Model>* takeAnyKey(const std::array<HtsKey<Model>, count>& keys,
     return nullptr;
 }
 
-// Writes the keyword lines that `model` calls for.
+// Writes the keyword lines of `model`, without those that it leaves out; see HtsKey::isWritten.
 template<typename Model, std::size_t count>
 void writeKeywordLines(const std::array<HtsKey<Model>, count>& keys, const Model& model,
                        LineWriter& lines)

@@ -4,9 +4,8 @@
 
 namespace {
 
-// Whether `index` is the position of an element of `container`.
 template<typename Container>
-bool holds(const Container& container, int index)
+bool isValidIndex(const Container& container, int index)
 {
     return index >= 0 && index < container.size();
 }
@@ -37,23 +36,23 @@ void HtsPackage::setNumSlots(int count)
 const HtsRun& HtsPackage::run(int index) const
 {
     static const HtsRun kDefaultRun;
-    return holds(runs, index) ? runs.at(index) : kDefaultRun;
+    return isValidIndex(runs, index) ? runs.at(index) : kDefaultRun;
 }
 
 const HtsSlot& HtsPackage::slot(int index) const
 {
     static const HtsSlot kDefaultSlot;
-    return holds(slots, index) ? slots.at(index) : kDefaultSlot;
+    return isValidIndex(slots, index) ? slots.at(index) : kDefaultSlot;
 }
 
 void HtsPackage::setRun(int index, const HtsRun& run)
 {
-    if (holds(runs, index))
+    if (isValidIndex(runs, index))
         runs[index] = run;
 }
 
 void HtsPackage::setSlot(int index, const HtsSlot& slot)
 {
-    if (holds(slots, index))
+    if (isValidIndex(slots, index))
         slots[index] = slot;
 }

@@ -28,35 +28,35 @@ using HtsValues = std::vector<std::vector<std::vector<HtsColumn>>>;
 //     if (status.ok())
 //         use(package.slot(0).objectName, package.values[0][0][0]);
 //
-// docs/hts-format.md describes the file format. "slots" is a word of the toolkit: a program that
-// includes this defines QT_NO_KEYWORDS.
+// docs/hts-format.md describes the file format. "slots" is a macro of the toolkit: a program that
+// includes this header defines QT_NO_KEYWORDS.
 struct HtsPackage
 {
     // Reads a whole file into this package, which must be empty. The device must be open for
-    // reading, in text mode or not, and may be sequential; it then stands after the last line used.
-    // The first problem ends the reading and leaves the package incomplete.
-    // Messages: "Cannot read package preamble", "Cannot read run preamble",
-    // "Cannot read slot preamble", "Cannot read HTS file: Missing units or scale".
-    // A table slot without its line "END_SLOT" is searched for it without end.
-    // To use a file section by section, without the whole of it in memory, see HtsReader.
+    // reading, in text mode or not, and may be sequential; its position is then after the last line
+    // used. Reading stops at the first problem and leaves the package incomplete. Messages: "Cannot
+    // read package preamble", "Cannot read run preamble", "Cannot read slot preamble", "Cannot read
+    // HTS file: Missing units or scale". For a table slot without its line "END_SLOT" the call
+    // never returns. To use a file section by section, without the whole of it in memory, see
+    // HtsReader.
     Status read(QIODevice& device);
 
-    // The reader's steps. Each leaves the device after the last line that it used.
-    // Fails with "Cannot read package preamble".
+    // The steps of read(). Each leaves the device after the last line that it used. readPreamble()
+    // fails with "Cannot read package preamble".
     Status readPreamble(QIODevice& device);
     // Reads the units line, the scale line and, where the next byte is the letter m, the method
-    // line. Fails with "Cannot read HTS file: Missing units or scale" and leaves the three
-    // results alone.
+    // line. Fails with "Cannot read HTS file: Missing units or scale"; the three results are then
+    // unchanged.
     static Status readColumnHeader(QIODevice& device, QString& units, double& scale,
                                    QString& method);
 
-    // Writes the package as UTF-8 text to a device that is open for writing. Always succeeds: who
-    // opened the device looks at its error afterwards.
+    // Writes the package as UTF-8 text to a device that is open for writing. Always succeeds:
+    // whoever opened the device checks its error afterwards.
     Status write(QIODevice& device) const;
     Status writePreamble(QTextStream& stream) const;
 
-    // Takes over the preamble of `other`, and resizes `runs` and the run dimension of `values` to
-    // its numberOfRuns (below zero counts as none).
+    // Copies the preamble of `other`, and resizes `runs` and the run dimension of `values` to its
+    // numberOfRuns (below zero counts as none).
     void copyPreamble(const HtsPackage& other);
 
     int numSlots() const { return slots.size(); }
@@ -76,8 +76,8 @@ struct HtsPackage
     QString name;
     QString owner;
     QString description;
-    QDateTime createDate; // in UTC; null when absent or no date-time
-    // As the file announces it; below zero counts as none.
+    QDateTime createDate; // in UTC; null when absent or not a date-time
+    // As stated in the file; below zero counts as none.
     int numberOfRuns = 0;
     QVector<HtsRun> runs;
     QVector<HtsSlot> slots;

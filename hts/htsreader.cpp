@@ -43,8 +43,8 @@ bool readKeywordLines(LineReader& lines, HtsReader::Observer* observer,
     }
 }
 
-// Reads the rows of a table. A file can announce two billion of them in one line, and nothing that
-// follows a table past the end of the input can be read, so there they are few.
+// Reads the rows of a table. One line can announce two billion of them. Past the end of the input
+// only a few are read: a table that is cut off cannot be converted anyway.
 void readTableRows(LineReader& lines, HtsSlot& slot, HtsReader::TableRows tableRows)
 {
     constexpr int kMaxRowsPastTheEnd = 4096;
@@ -124,7 +124,7 @@ Status HtsReader::readSlotPreamble(HtsSlot& slot, TableRows tableRows)
     if (!slot.preambleRead)
         slot.preambleRead =
             readKeywordLines(m_lines, m_observer, kSlotKeys, kEndSlotPreamble, m_slotTexts, slot);
-    // Also of a table whose preamble is cut off.
+    // Also the rows of a table whose preamble is cut off.
     if (slot.isTable() && tableRows != TableRows::Leave)
         readTableRows(m_lines, slot, tableRows);
     return slot.preambleRead ? Status() : failure(kBadSlotPreamble);
@@ -135,13 +135,13 @@ Status HtsReader::readColumnHeader(QString& units, double& scale, QString& metho
     std::string_view line = textBytes(m_lines.line());
     const bool hasUnits = takeHeaderKey(line, kUnitsKey);
     const QString unitsText = hasUnits ? m_unitsText.of(line) : QString();
-    line = textBytes(m_lines.line()); // read whether or not the first line will do
+    line = textBytes(m_lines.line()); // read even if the first line is wrong
     if (!takeHeaderKey(line, kScaleKey) || !hasUnits)
         return failure(kBadColumnHeader);
     units = unitsText;
     scale = toText(line).toDouble();
-    // Any line that begins with this letter is taken for the method line, a value line too. The
-    // key is not checked: the line loses as many characters as the key has, whatever they are.
+    // Any line that begins with this letter is taken for the method line, even a value line. The
+    // key is not checked: as many characters as it has are removed from the line.
     if (m_lines.nextByteIs('m')) {
         line = textBytes(m_lines.line());
         method = toText(line).mid(kMethodKey.size());
@@ -150,17 +150,17 @@ Status HtsReader::readColumnHeader(QString& units, double& scale, QString& metho
     return {};
 }
 
-// Takes the key off a line of a column header, and shows the line to the observer.
+// Removes the key from a line of a column header, and reports the line to the observer.
 bool HtsReader::takeHeaderKey(std::string_view& line, QLatin1String key)
 {
-    const bool isThere = takeKey(line, key);
+    const bool hasKey = takeKey(line, key);
     if (m_observer == nullptr)
-        return isThere;
-    if (isThere)
+        return hasKey;
+    if (hasKey)
         m_observer->keywordLine(key, line);
     else
         m_observer->unexpectedLine(key, line);
-    return isThere;
+    return hasKey;
 }
 
 void HtsReader::readValues(std::vector<double>& values)
@@ -173,7 +173,7 @@ void HtsReader::skipValues(int count)
     m_lines.skipLines(count);
 }
 
-std::string_view HtsReader::readEndLine()
+std::string_view HtsReader::readLine()
 {
     return m_lines.line();
 }

@@ -15,7 +15,7 @@ class QTextStream;
 // run's slots are in HtsPackage::values.
 struct HtsRun
 {
-    // The failure of a run that can't be read, or that has fewer timesteps than it announces.
+    // The message for a run that can't be read, or that has fewer timesteps than it announces.
     static inline const QLatin1String kBadPreamble{"Cannot read run preamble"};
 
     // Reads the run preamble and the timestep lines. Fails with kBadPreamble; the timesteps before
@@ -24,19 +24,12 @@ struct HtsRun
     // Writes what readPreamble reads. Always succeeds.
     Status writePreamble(QTextStream& stream) const;
 
-    // Lets a list of timesteps that is equal to that of `other` share its memory.
-    void shareTexts(const HtsRun& other)
-    {
-        if (timesteps == other.timesteps)
-            timesteps = other.timesteps;
-    }
-
     // Set when "END_RUN_PREAMBLE" has been read; after the timestep lines, whether the last one
     // was a date-time text.
     bool complete = false;
-    // Number of the trace, -1 when the run has none.
+    // Number of the trace; -1 when the run has none.
     int trace = -1;
-    // First and last timestep, in UTC (see datetimetext.h); null when absent or no date-time.
+    // First and last timestep, in UTC (see datetimetext.h); null when absent or not a date-time.
     QDateTime start;
     QDateTime end;
     // "month", "week", "year"; the engine treats any other word like a day.
@@ -48,11 +41,11 @@ struct HtsRun
     QString slotSet;
     QString ruleSet;
     int idxSequential = -1;
-    // One text for each timestep, in time order, as it stands in the file.
+    // One text for each timestep, as in the file and in its order.
     QStringList timesteps;
 };
 
-// A vector of these may grow by moving their bytes.
+// Lets a QVector of these grow by copying bytes.
 Q_DECLARE_TYPEINFO(HtsRun, Q_MOVABLE_TYPE);
 
 #endif // HTS_HTSRUN_H

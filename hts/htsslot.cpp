@@ -3,17 +3,7 @@
 #include <algorithm>
 
 #include "hts/htsrun.h"
-
-namespace {
-
-template<typename Text>
-void shareIfEqual(Text& text, const Text& other)
-{
-    if (text == other)
-        text = other;
-}
-
-} // namespace
+#include "hts/shareifequal.h"
 
 bool HtsSlot::isSeries() const
 {

@@ -11,7 +11,7 @@ class QIODevice;
 class QTextStream;
 struct HtsRun;
 
-// One slot of a package: whose it is, what kind it is, and the header of its columns. A value type;
+// One slot of a package: its object, name and type, and the headers of its columns. A value type;
 // the values are in HtsPackage::values.
 struct HtsSlot
 {
@@ -27,14 +27,14 @@ struct HtsSlot
     bool isTable() const;
     // `cols` of a table slot, else 1.
     int numColumns() const;
-    // `rows` of a table slot, -1 for a series slot (the run's timeStepCount holds), else 1.
+    // `rows` of a table slot, -1 for a series slot (see the run's timeStepCount), else 1.
     int numRows() const;
     // Number of values in each column of a slot of `run`, 0 or more; a table has no
     // columns of values.
     int valueCount(const HtsRun& run) const;
 
-    // Lets texts that are equal to those of `neighbour` share their memory. Files have millions of
-    // slots of a few types and units.
+    // Lets texts use the memory of equal ones of `neighbour`; see shareIfEqual(). Files have
+    // millions of slots of a few types and units.
     void shareTexts(const HtsSlot& neighbour);
 
     // Set when "END_SLOT_PREAMBLE" has been read.
@@ -46,7 +46,7 @@ struct HtsSlot
     QString slotName;
     int rows = 0;
     int cols = 0;
-    // Lines of a table slot, as they stand in the file.
+    // Rows of a table slot, as in the file, without white space at both ends.
     QStringList tableRows;
     // Column headers, one entry for each column; a column without a method has an empty text.
     QStringList units;
@@ -54,7 +54,7 @@ struct HtsSlot
     QStringList methods;
 };
 
-// A vector of these may grow by moving their bytes.
+// Lets a QVector of these grow by copying bytes.
 Q_DECLARE_TYPEINFO(HtsSlot, Q_MOVABLE_TYPE);
 
 #endif // HTS_HTSSLOT_H

@@ -35,15 +35,15 @@ private:
     QString m_text = text(1.0);
 };
 
-// The values of a column, or none where the model doesn't hold the column.
+// The values of a column; none if the model lacks the column.
 const HtsColumn& columnValues(const HtsValues& values, int run, int slot, int column)
 {
     static const HtsColumn kNoValues;
     const auto r = static_cast<std::size_t>(run);
     const auto s = static_cast<std::size_t>(slot);
     const auto c = static_cast<std::size_t>(column);
-    const bool isHeld = r < values.size() && s < values[r].size() && c < values[r][s].size();
-    return isHeld ? values[r][s][c] : kNoValues;
+    const bool exists = r < values.size() && s < values[r].size() && c < values[r][s].size();
+    return exists ? values[r][s][c] : kNoValues;
 }
 
 void writeColumn(const HtsSlot& slot, int column, const HtsColumn& values, int rows,
@@ -54,10 +54,10 @@ void writeColumn(const HtsSlot& slot, int column, const HtsColumn& values, int r
     const QString method = slot.methods.value(column);
     if (!method.isEmpty())
         lines << kMethodKey << method << '\n';
-    const auto held = static_cast<int>(values.size());
+    const auto available = static_cast<int>(values.size());
     for (int row = 0; row < rows; ++row) {
         const double missing = std::numeric_limits<double>::quiet_NaN();
-        lines << (row < held ? values[static_cast<std::size_t>(row)] : missing) << '\n';
+        lines << (row < available ? values[static_cast<std::size_t>(row)] : missing) << '\n';
     }
     lines << kEndColumn << '\n';
 }
@@ -86,7 +86,7 @@ void writeLines(const HtsSlot& slot, LineWriter& lines)
     }
 }
 
-// The steps on a text stream, which go by the lines of the model too.
+// Writes the same lines to a text stream.
 template<typename Model>
 Status writeToStream(const Model& model, QTextStream& stream)
 {

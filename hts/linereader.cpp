@@ -19,22 +19,23 @@ const char* findLineEnd(const char* first, const char* last)
         std::memchr(first, '\n', static_cast<std::size_t>(last - first)));
 }
 
-// Reads up to `maxSize` bytes, in one go. Bytes that were given back to a sequential device come
-// alone: together with them it would wait for more.
+// Reads up to `maxSize` bytes, with one call. Bytes that were returned to a sequential device are
+// read without any others: for more than those the device would wait.
 qint64 readAvailable(QIODevice& device, char* data, std::size_t maxSize)
 {
     auto size = static_cast<qint64>(maxSize);
     if (device.isSequential()) {
-        // Not the device's own: the number of bytes in the toolkit's buffer alone.
-        const qint64 givenBack = device.QIODevice::bytesAvailable();
-        if (givenBack > 0)
-            size = std::min(size, givenBack);
+        // QIODevice's own function, not an override: the number of bytes in the toolkit's buffer
+        // only.
+        const qint64 returned = device.QIODevice::bytesAvailable();
+        if (returned > 0)
+            size = std::min(size, returned);
     }
     return device.read(data, size);
 }
 
 // Makes `bytes`, which were read last, the next to be read again.
-void giveBack(QIODevice& device, std::string_view bytes)
+void returnToDevice(QIODevice& device, std::string_view bytes)
 {
     if (bytes.empty())
         return;
@@ -65,7 +66,7 @@ LineReader::~LineReader()
 
 void LineReader::returnUnused()
 {
-    giveBack(m_device, {m_block.data() + m_next, available()});
+    returnToDevice(m_device, {m_block.data() + m_next, available()});
     m_next = 0;
     m_end = 0;
 }
@@ -105,7 +106,7 @@ std::string_view LineReader::line()
     }
 }
 
-void LineReader::readNumbers(std::vector<double>& numbers, OddLines* oddLines)
+void LineReader::readNumbers(std::vector<double>& numbers, OddLineObserver* observer)
 {
     double* next = numbers.data();
     const double* const end = next + numbers.size();
@@ -117,11 +118,12 @@ void LineReader::readNumbers(std::vector<double>& numbers, OddLines* oddLines)
         m_lineNumber += next - firstPlain;
         if (next == end)
             return;
-        // Another line, or one that the block holds only a part of.
+        // Not a plain number, or only a part of the line is in the block.
         const std::string_view odd = line();
         *next = lineToNumber(odd);
-        if (oddLines != nullptr)
-            oddLines->look(static_cast<std::size_t>(next - numbers.data()), m_lineNumber, odd);
+        if (observer != nullptr)
+            observer->oddValueLine(static_cast<std::size_t>(next - numbers.data()), m_lineNumber,
+                                   odd);
         ++next;
     }
 }
@@ -139,8 +141,8 @@ bool LineReader::nextIs(std::string_view word)
     while (available() < length && fetch()) {
     }
     const std::string_view next(m_block.data() + m_next, std::min(available(), length));
-    // In text mode a device leaves out every "\r" that it peeks at, or none: that depends on its
-    // kind. The end of a Windows line means the same to all of them.
+    // In text mode some kinds of device drop every "\r" in what they peek at, others none, so the
+    // device has to decide; only the "\r\n" at the end of a line is the same for all.
     const std::size_t carriageReturn = next.find('\r');
     if (m_isTextMode && carriageReturn != std::string_view::npos) {
         const bool endsLine = carriageReturn + 1 == length && (available() > length || fetch()) &&

@@ -14,17 +14,17 @@ class QIODevice;
 //     LineReader reader(device);
 //     const QString line = toText(textBytes(reader.line()));   // see linetext.h
 //
-// What the reader has taken from the device and not used goes back when the reader is destroyed:
-// the device then stands where line-by-line reading would have left it. While the reader lives, the
-// device belongs to it.
+// The reader reads ahead. When it is destroyed, it returns the bytes that were not used: the
+// device's position is then where line-by-line reading would have left it. Nothing else may use the
+// device while the reader exists.
 //
-// Sequential devices and short reads are fine. Of a pipe the reader takes what is there, and waits
-// only for a line that is not complete yet; a QFile on a pipe waits for a whole block all the same,
-// a UtilsNS::CheckedFile doesn't.
+// Sequential devices and short reads are supported. From a pipe the reader takes the bytes that are
+// available, and waits only for the rest of an incomplete line. But a QFile on a pipe waits for a
+// whole block; a UtilsNS::CheckedFile doesn't.
 //
-// Lines end with "\n". The device's text mode is switched off meanwhile, so that positions are
-// exact; the "\r" of a "\r\n" goes with the white space that every line loses anyway. At the end of
-// the input every line is empty.
+// Lines end with "\n". While the reader exists, the device's text mode is off, so that positions
+// are exact; the "\r" of a "\r\n" is stripped with the white space at the end of the line. Past the
+// end of the input every line is empty.
 class LineReader
 {
 public:
@@ -34,27 +34,27 @@ public:
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
-    // Looks at value lines that hold something else than a plain decimal number. See readNumbers.
-    class OddLines
+    // Sees the value lines that are not plain decimal numbers. See readNumbers.
+    class OddLineObserver
     {
     public:
-        virtual ~OddLines() = default;
+        virtual ~OddLineObserver() = default;
         // `line`, without white space at both ends, is the line number `lineNumber`, and becomes
         // element `index` of the numbers.
-        virtual void look(std::size_t index, qint64 lineNumber, std::string_view line) = 0;
+        virtual void oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line) = 0;
     };
 
     // Reads a line and returns its bytes without white space at both ends. The view is valid until
     // the next call.
     std::string_view line();
-    // Reads one line for each element of `numbers` and sets it to the number of that line. Shows
-    // `oddLines`, unless null, the lines that are not plain decimal numbers.
-    void readNumbers(std::vector<double>& numbers, OddLines* oddLines = nullptr);
+    // Reads one line for each element of `numbers` and sets it to the number of that line. Reports
+    // the lines that are not plain decimal numbers to `observer`, unless that is null.
+    void readNumbers(std::vector<double>& numbers, OddLineObserver* observer = nullptr);
     // Reads `count` lines, none if it is negative, and drops them.
     void skipLines(int count);
 
-    // Whether the next bytes, one more than `word` has, are `word` when white space is taken off.
-    // Nothing is read. `word` has at most kMaxWordLength characters.
+    // Whether the next word.size() + 1 bytes, without white space at both ends, are `word`. Nothing
+    // is read. `word` has at most kMaxWordLength characters.
     bool nextIs(std::string_view word);
     // Whether the next byte is `character`. In text mode the "\r"s before it are read, as
     // QIODevice::getChar would.
@@ -62,8 +62,8 @@ public:
     // Whether no byte is left.
     bool atEnd();
 
-    // Number of the line that was read last, counted from 1; 0 before the first. Past the end of
-    // the input every empty line counts, too.
+    // Number of the line that was read last, counted from 1; 0 before the first. Empty lines past
+    // the end of the input are counted too.
     qint64 lineNumber() const { return m_lineNumber; }
     // How many of them are past the end of the input.
     qint64 linesPastEnd() const { return m_linesPastEnd; }

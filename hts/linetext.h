@@ -14,15 +14,15 @@
 // The bytes without white space (blank, tab, CR, LF, VT, FF) at both ends.
 std::string_view stripped(std::string_view bytes);
 
-// The bytes of a stripped line that make its text, half a gigabyte at most. Empty just when the
+// The bytes of a stripped line that make its text, half a gigabyte at most. Empty exactly when the
 // text is.
 std::string_view textBytes(std::string_view line);
 
-// The text of the bytes that textBytes() gave, or of the rest of them from any character on.
+// The text of bytes from textBytes(), or of the rest of them from any character on.
 QString toText(std::string_view bytes);
 
-// Makes texts of bytes that are mostly the same as the time before, as names and units of slots
-// are. Equal texts that follow one another share their memory, and take a comparison instead of a
+// Converts bytes that are mostly the same as in the call before, such as names and units of slots.
+// Equal texts that follow one another share their memory, and take a comparison instead of a
 // conversion.
 class RepeatedText
 {

@@ -23,8 +23,8 @@ LineWriter::~LineWriter()
     flush();
 }
 
-// The place for the next `count` bytes, no more than a block.
-char* LineWriter::room(std::size_t count)
+// Makes room for the next `count` bytes, a block at most, and returns it.
+char* LineWriter::reserve(std::size_t count)
 {
     Q_ASSERT(count <= m_block.size());
     if (m_block.size() - m_used < count)
@@ -43,7 +43,7 @@ void LineWriter::append(const char* bytes, std::size_t count)
 {
     while (count > 0) {
         const std::size_t part = std::min(count, m_block.size());
-        std::copy_n(bytes, part, room(part));
+        std::copy_n(bytes, part, reserve(part));
         m_used += part;
         bytes += part;
         count -= part;
@@ -52,7 +52,7 @@ void LineWriter::append(const char* bytes, std::size_t count)
 
 LineWriter& LineWriter::operator<<(char character)
 {
-    *room(1) = character;
+    *reserve(1) = character;
     ++m_used;
     return *this;
 }
@@ -70,7 +70,7 @@ LineWriter& LineWriter::operator<<(const QString& text)
     const bool isAscii =
         std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
     if (isAscii && size <= m_block.size()) {
-        std::transform(text.begin(), text.end(), room(size),
+        std::transform(text.begin(), text.end(), reserve(size),
                        [](QChar c) { return static_cast<char>(c.unicode()); });
         m_used += size;
     } else {
@@ -82,7 +82,7 @@ LineWriter& LineWriter::operator<<(const QString& text)
 
 LineWriter& LineWriter::operator<<(double number)
 {
-    char* const start = room(kMaxNumberLength);
+    char* const start = reserve(kMaxNumberLength);
     m_used += static_cast<std::size_t>(writeNumber(start, number) - start);
     return *this;
 }

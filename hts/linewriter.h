@@ -14,8 +14,8 @@ class QIODevice;
 //     LineWriter lines(device);
 //     lines << kUnitsKey << slot.units.value(0) << '\n';
 //
-// The device is open for writing and outlives the object. What the device does not take is dropped:
-// who opened the device looks at its error afterwards.
+// The device is open for writing and outlives the object. Failed writes are ignored: whoever opened
+// the device checks its error afterwards.
 class LineWriter
 {
 public:
@@ -32,7 +32,7 @@ public:
     LineWriter& operator<<(double number);
 
 private:
-    char* room(std::size_t count);
+    char* reserve(std::size_t count);
     void append(const char* bytes, std::size_t count);
     void flush();
 

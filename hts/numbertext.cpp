@@ -20,12 +20,12 @@ namespace {
 constexpr int kDecimals = 12;
 constexpr std::uint64_t kUnits = 1000000000000; // 10^kDecimals, units of the last decimal in 1
 
-// Integers up to this one a double holds exactly: with twelve decimals, numbers up to 9007.
-constexpr std::uint64_t kMostExact = std::uint64_t(1) << 53;
-constexpr int kMostWholeDigits = 4;
+// A double can hold every integer up to this one: with twelve decimals, numbers up to 9007.
+constexpr std::uint64_t kMaxExact = std::uint64_t(1) << 53;
+constexpr int kMaxWholeDigits = 4;
 
 // From 2^53 on a double has no fraction.
-constexpr double kMostWhole = 9007199254740992.0;
+constexpr double kMinWithoutFraction = 9007199254740992.0;
 
 bool isDigit(char c)
 {
@@ -46,10 +46,10 @@ std::uint64_t eightCharacters(const char* text)
 bool areDigits(std::uint64_t characters)
 {
     constexpr std::uint64_t kHighHalves = 0xf0f0f0f0f0f0f0f0;
-    // All of 0x30 to 0x3f have the high half 3, so that adding never carries; '9' and what is below
-    // it keep it when six is added. One comparison for both.
-    const std::uint64_t sixMore = characters + 0x0606060606060606;
-    return ((characters & kHighHalves) | (sixMore & kHighHalves) >> 4) == 0x3333333333333333;
+    // The bytes with the high half 3 are 0x30 to 0x3f, so that adding six never carries into the
+    // next byte; only the digits keep that high half after it. One comparison tests both.
+    const std::uint64_t plusSix = characters + 0x0606060606060606;
+    return ((characters & kHighHalves) | (plusSix & kHighHalves) >> 4) == 0x3333333333333333;
 }
 
 // The number that eight digits make: neighbours are joined to pairs, pairs to fours, fours to
@@ -71,13 +71,13 @@ std::uint64_t lastFourDigits(std::uint64_t characters)
     return (digits * (1 + (100 << 16)) >> 16) & 0xffff;
 }
 
-// Reads `wholeDigits` digits, the point behind them, which is there, and twelve decimals that end
-// the line. Returns where the number ends, or nullptr if it isn't like that or if a double doesn't
-// hold its digits exactly. 13 characters follow the point.
+// Reads `wholeDigits` digits, the point after them and twelve decimals at the end of a line. The
+// caller has seen the point, and 13 characters follow it. Returns where the number ends; nullptr if
+// the text has another form or a double can't hold its digits exactly.
 template<int wholeDigits>
 const char* readFixed(const char* text, double& magnitude)
 {
-    static_assert(wholeDigits <= kMostWholeDigits);
+    static_assert(wholeDigits <= kMaxWholeDigits);
     std::uint64_t whole = 0;
     bool isWhole = true;
     for (int i = 0; i < wholeDigits; ++i) {
@@ -87,22 +87,22 @@ const char* readFixed(const char* text, double& magnitude)
     const char* decimals = text + wholeDigits + 1;
     const char* end = decimals + kDecimals;
     const std::uint64_t first = eightCharacters(decimals);
-    const std::uint64_t last = eightCharacters(end - 8); // four of them once more
+    const std::uint64_t last = eightCharacters(end - 8); // the first four a second time
     if (!isWhole || !areDigits(first) || !areDigits(last) || (*end != '\n' && *end != '\r'))
         return nullptr;
     const std::uint64_t number = whole * kUnits + eightDigits(first) * 10000 + lastFourDigits(last);
-    if (number > kMostExact)
+    if (number > kMaxExact)
         return nullptr;
     magnitude = static_cast<double>(static_cast<std::int64_t>(number)) / double(kUnits);
     return end;
 }
 
-// Reads a number as writeNumber writes it, at the end of a line: nearly every value of an HTS file
-// is one. Branches, which the processor foresees, find the point; if the length were computed, the
-// next line would have to wait for it. Returns `first` for any other number.
+// Reads a number in the form of writeNumber, at the end of a line, as nearly every value of an HTS
+// file is. The point is found by branches, which the processor predicts; reading the next line
+// would have to wait for a length that is computed. Returns `first` for any other number.
 const char* readWrittenNumber(const char* first, const char* last, double& value)
 {
-    constexpr std::ptrdiff_t kRoom = 1 + kMostWholeDigits + 1 + kDecimals + 1; // sign to line end
+    constexpr std::ptrdiff_t kRoom = 1 + kMaxWholeDigits + 1 + kDecimals + 1; // sign to line end
     if (last - first < kRoom || FLT_EVAL_METHOD != 0)
         return first;
     const bool isNegative = *first == '-';
@@ -123,7 +123,8 @@ const char* readWrittenNumber(const char* first, const char* last, double& value
     return end;
 }
 
-// Digits read from a text: as one integer, and where they end. The number wraps past 19 digits.
+// Digits read from a text: as one integer, and where they end. The integer overflows past 19
+// digits.
 struct Digits
 {
     std::uint64_t number;
@@ -143,15 +144,15 @@ Digits takeDigits(const char* first, const char* last, std::uint64_t number)
     return {number, position};
 }
 
-// Reads a number without an exponent whose digits, taken as an integer, a double holds exactly.
-// Integer and power of ten being exact, their quotient is the correctly rounded result. Returns
+// Reads a number without an exponent whose digits, as an integer, fit a double exactly. Since the
+// integer and the power of ten are exact, their quotient is the correctly rounded result. Returns
 // `first` for any other number.
 const char* readShortDecimal(const char* first, const char* last, double& value)
 {
     static const double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,
                                           1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13,
                                           1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
-    constexpr std::ptrdiff_t kMostDigits = 19;
+    constexpr std::ptrdiff_t kMaxDigits = 19;
 
     const bool isNegative = first != last && *first == '-';
     const char* integerPart = first + (isNegative ? 1 : 0);
@@ -160,8 +161,8 @@ const char* readShortDecimal(const char* first, const char* last, double& value)
     std::ptrdiff_t decimals = 0;
     if (digits.end != last && *digits.end == '.') {
         const char* fraction = digits.end + 1;
-        // With all its decimals a number beyond 9007 has too many digits: no use reading them.
-        if (count > kMostWholeDigits && last - fraction >= kDecimals &&
+        // With all its decimals a number above 9007 has too many digits for this function.
+        if (count > kMaxWholeDigits && last - fraction >= kDecimals &&
             areDigits(eightCharacters(fraction)) &&
             areDigits(eightCharacters(fraction + kDecimals - 8)))
             return first;
@@ -170,7 +171,7 @@ const char* readShortDecimal(const char* first, const char* last, double& value)
         count += decimals;
     }
     const bool hasExponent = digits.end != last && (*digits.end == 'e' || *digits.end == 'E');
-    if (count == 0 || count > kMostDigits || digits.number > kMostExact || hasExponent ||
+    if (count == 0 || count > kMaxDigits || digits.number > kMaxExact || hasExponent ||
         FLT_EVAL_METHOD != 0)
         return first;
     const double magnitude = static_cast<double>(digits.number) / kPowersOfTen[decimals];
@@ -186,9 +187,9 @@ bool isNanWord(std::string_view text)
 
 __extension__ typedef unsigned __int128 Uint128; // GCC and Clang have it, as an extension
 
-// `fraction`, from 0 up to but not including 1, in units of the last decimal that is written,
-// rounded to the nearest, up when exactly between two. All of it is exact: the fraction is an
-// integer of 53 bits over a power of two, and its product with 10^12 has 93 bits.
+// `fraction`, 0 or more and less than 1, in units of the last decimal written, rounded to the
+// nearest, and up from exactly half. The computation is exact: the fraction is an integer of 53
+// bits over a power of two, and its product with 10^12 has 93 bits.
 std::uint64_t roundedDecimals(double fraction)
 {
     constexpr int kMantissaBits = 52;
@@ -209,13 +210,13 @@ const char* readOtherPlainNumber(const char* first, const char* last, double& va
 {
     if (const char* end = readShortDecimal(first, last, value); end != first)
         return end;
-    // std::from_chars also takes "inf", "nan" and "nan(...)", which the toolkit reads otherwise.
+    // std::from_chars also takes "inf", "nan" and "nan(...)", which the toolkit reads differently.
     const char* digits = first;
     if (digits != last && *digits == '-')
         ++digits;
     if (digits == last || !(isDigit(*digits) || *digits == '.'))
         return first;
-    // It leaves `value` alone when the number is out of range.
+    // `value` stays unchanged when the number is out of range.
     const auto [end, error] = std::from_chars(first, last, value);
     return error == std::errc() ? end : first;
 }
@@ -232,7 +233,7 @@ const char* readPlainNumber(const char* first, const char* last, double& value)
 const char* readNumberLines(const char* first, const char* last, double*& numbers,
                             const double* numbersEnd)
 {
-    double* number = numbers; // a local one lives in a register
+    double* number = numbers; // a local variable stays in a register
     for (; number != numbersEnd; ++number) {
         const char* end = readWrittenNumber(first, last, *number);
         if (end == first)
@@ -268,11 +269,11 @@ char* writeNumber(char* out, double value)
         return std::copy(kMissing.begin(), kMissing.end(), out);
     }
     const double magnitude = std::fabs(value);
-    if (magnitude >= kMostWhole)
+    if (magnitude >= kMinWithoutFraction)
         return std::to_chars(out, out + kMaxNumberLength, value, std::chars_format::fixed,
                              kDecimals)
             .ptr;
-    if (value < 0.0) // which minus zero is not
+    if (value < 0.0) // false for minus zero
         *out++ = '-';
     auto whole = static_cast<std::uint64_t>(magnitude);
     std::uint64_t decimals = roundedDecimals(magnitude - static_cast<double>(whole));

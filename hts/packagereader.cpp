@@ -4,20 +4,22 @@
 
 #include "hts/htspackage.h"
 #include "hts/htsreader.h"
+#include "hts/shareifequal.h"
 
 Status HtsPackage::read(QIODevice& device)
 {
     Q_ASSERT(runs.isEmpty() && slots.isEmpty() && values.empty());
     HtsReader reader(device);
     Status status = reader.readPackagePreamble(*this);
-    // One run at a time: the announced number is not to be trusted with memory.
+    // One run at a time: the number in the file may be wrong, and must not decide how much memory
+    // is reserved.
     for (int r = 0; status.ok() && r < numberOfRuns; ++r) {
         runs.append(HtsRun());
         values.emplace_back();
         status = reader.readRun(runs[r]);
-        // Runs mostly have the timesteps of the run before and may share their memory.
+        // Runs mostly have the timesteps of the run before.
         if (r > 0)
-            runs[r].shareTexts(runs.at(r - 1));
+            shareIfEqual(runs[r].timesteps, runs.at(r - 1).timesteps);
         while (status.ok() && !reader.takeEndOfRun())
             status = readSlot(reader, r);
     }
@@ -41,10 +43,10 @@ Status HtsPackage::readSlot(HtsReader& reader, int runIndex)
         HtsColumn& column = slotValues.back().front();
         column.resize(static_cast<std::size_t>(slot.valueCount(runs.at(runIndex))));
         reader.readValues(column);
-        reader.readEndLine(); // "END_COLUMN", not looked at
-        reader.readEndLine(); // "END_SLOT", not looked at
+        reader.readLine(); // "END_COLUMN", not checked
+        reader.readLine(); // "END_SLOT", not checked
     }
-    // Also a slot without a column header.
+    // Even a slot without a column header.
     if (runIndex == 0) {
         if (!slots.isEmpty())
             slot.shareTexts(slots.constLast());

@@ -15,8 +15,8 @@ QLatin1String paddedName(Level level)
     return QLatin1String(kNames[level]);
 }
 
-// The local time of a second since the epoch as yyyy-MM-ddThh:mm:ss and a point. Made once a
-// second: converting to local time asks the operating system each time.
+// The local time of a second since the epoch as yyyy-MM-ddThh:mm:ss and a point. Computed once a
+// second: each conversion to local time asks the operating system.
 const QString& secondText(qint64 second)
 {
     thread_local qint64 lastSecond = -1;

@@ -38,7 +38,7 @@ public:
     void setLoggingLevel(Level level);
     Level loggingLevel() const;
 
-    // One line in the making: it goes to the destinations when the helper is destroyed.
+    // Collects the text of one line, which goes to the destinations when the helper is destroyed.
     class Helper
     {
     public:

@@ -16,7 +16,7 @@ public:
     using LogFunction = void (*)(const QString& message, Level level);
 
     virtual ~Destination();
-    // Must not log in turn: the logger waits until it returns.
+    // Must not log: the logger is locked until it returns.
     virtual void write(const QString& message, Level level) = 0;
     virtual bool isValid() = 0;
 };

@@ -1,18 +1,17 @@
 #include "tool/checkcommand.h"
 
 #include <algorithm>
-#include <optional>
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "check/csvrow.h"
+#include "check/csvwriter.h"
 #include "check/filecheck.h"
 #include "check/yearcounts.h"
-#include "tool/inputfile.h"
 #include "tool/jsonreport.h"
 #include "tool/textreport.h"
+#include "tool/toolfiles.h"
 #include "tool/toolio.h"
 #include "tool/tooloptions.h"
 #include "utils/checkedfile.h"
@@ -27,7 +26,7 @@ int exitCodeOf(const Findings& findings)
                                                  : ExitCode::kNoWorseThanNotes;
 }
 
-// Collects or writes what is said about one file after another.
+// Checks one file after another, and writes or collects their reports.
 class CheckCommand
 {
 public:
@@ -74,7 +73,7 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
         report(found, names);
         return;
     }
-    // Whatever was found is about a part of the file.
+    // The findings are about only a part of the file, so they are dropped.
     reportProblem(path, file.problem(), m_io);
     reportUnusable(names, file.problem());
 }

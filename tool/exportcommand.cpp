@@ -1,7 +1,7 @@
 #include "tool/exportcommand.h"
 
 #include "check/csvexport.h"
-#include "tool/inputfile.h"
+#include "tool/toolfiles.h"
 #include "tool/toolio.h"
 #include "tool/tooloptions.h"
 #include "utils/checkedfile.h"
@@ -18,7 +18,7 @@ int report(const ExportOutcome& outcome, const QString& path, const ToolIo& io)
     if (outcome.textValues == 0)
         return ExitCode::kNoWorseThanNotes;
     reportProblem(path,
-                  QStringLiteral("%1 values are no numbers and were exported as 0; htstool check "
+                  QStringLiteral("%1 values are not numbers and were exported as 0; htstool check "
                                  "has their lines")
                       .arg(outcome.textValues),
                   io);

@@ -6,8 +6,8 @@
 struct CheckReport;
 struct ReportNames;
 
-// The entry for a file in the document of htstool check --format json; docs/htstool.md describes
-// it.
+// The entry for one file in the document of htstool check --format json, which docs/htstool.md
+// describes.
 QJsonObject jsonReport(const CheckReport& report, const ReportNames& names, int exitCode);
 
 // The same for a file that could not be opened or read.

@@ -15,7 +15,7 @@
 
 namespace {
 
-// By the habit of terminals: see no-color.org.
+// As is usual for programs in a terminal; see no-color.org.
 bool isColourWanted()
 {
 #ifdef Q_OS_UNIX
@@ -39,6 +39,6 @@ int main(int argc, char* argv[])
         !errors.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered))
         return ExitCode::kUnusable;
     const int exitCode = runTool(QCoreApplication::arguments(), {output, errors, isColourWanted()});
-    // A report that is cut short must not pass for a good one.
+    // An incomplete report must not look like a good one.
     return output.flush() ? exitCode : ExitCode::kUnusable;
 }

@@ -84,7 +84,7 @@ QString textReport(const CheckReport& report, const ReportNames& names, bool has
     for (const Finding& finding : report.findings.sorted())
         text += findingLine(finding, names, hasColour);
     for (const CodeInfo& info : kCodes) {
-        const qint64 rest = report.findings.count(info.code) - Findings::kMaxKeptOfACode;
+        const qint64 rest = report.findings.count(info.code) - Findings::kMaxKeptPerCode;
         if (rest > 0)
             text += restLine(info, rest, names, hasColour);
     }

@@ -26,7 +26,7 @@ int showWrongUsage(const QString& text, const ToolIo& io)
 
 int runTool(const QStringList& arguments, const ToolIo& io)
 {
-    // The engine's log is for the conversion.
+    // The engine's log lines are about conversions.
     QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
     const ToolOptions options = parseToolOptions(arguments);
     switch (options.request) {

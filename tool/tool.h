@@ -5,8 +5,8 @@
 
 struct ToolIo;
 
-// Runs htstool: `arguments` as QCoreApplication::arguments() gives them, the program's name first.
-// Returns the exit code; see ExitCode. There must be a QCoreApplication.
+// Runs htstool with `arguments`, the program's name first, as from QCoreApplication::arguments().
+// Returns the exit code; see ExitCode. A QCoreApplication must exist.
 int runTool(const QStringList& arguments, const ToolIo& io);
 
 #endif // TOOL_TOOL_H

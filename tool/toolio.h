@@ -3,12 +3,12 @@
 
 class QIODevice;
 
-// Where a command writes to; texts are UTF-8. Nothing is owned.
+// Where a command writes its results and its errors, as UTF-8. The devices are not owned.
 struct ToolIo
 {
     QIODevice& output;
     QIODevice& errors;
-    // Whether severities are coloured.
+    // Whether the severities in text reports are coloured.
     bool hasColour = false;
 };
 

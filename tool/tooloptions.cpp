@@ -68,7 +68,7 @@ ToolOptions showing(const QString& text)
     return options;
 }
 
-// One command's options, by the names of its help.
+// The parser of one command, with the options that all commands have.
 struct Command
 {
     Command()
@@ -82,22 +82,30 @@ struct Command
     QCommandLineParser parser;
 };
 
-QCommandLineOption option(const QStringList& names, const char* value = nullptr)
+// `names` are separated by blanks. `value` names the option's value in error texts; null for none.
+QCommandLineOption option(const char* names, const char* value = nullptr)
 {
-    return QCommandLineOption(names, QString(), QString::fromLatin1(value));
+    return QCommandLineOption(QString::fromLatin1(names).split(QLatin1Char(' ')), QString(),
+                              QString::fromLatin1(value));
+}
+
+// Returns false for a word that is not a format.
+bool setFormat(const QString& word, ToolOptions& options)
+{
+    const bool isJson = word == QLatin1String("json");
+    if (isJson)
+        options.format = ToolOptions::Format::Json;
+    return isJson || word == QLatin1String("text");
 }
 
 ToolOptions parseCheck(const QStringList& arguments)
 {
     Command command;
     QCommandLineParser& parser = command.parser;
-    const QCommandLineOption control =
-        option({QStringLiteral("c"), QStringLiteral("control")}, "METHODS");
-    const QCommandLineOption month =
-        option({QStringLiteral("y"), QStringLiteral("end-month")}, "MONTH");
-    const QCommandLineOption format =
-        option({QStringLiteral("f"), QStringLiteral("format")}, "FORMAT");
-    const QCommandLineOption counts = option({QStringLiteral("counts")}, "OUT.csv");
+    const QCommandLineOption control = option("c control", "METHODS");
+    const QCommandLineOption month = option("y end-month", "MONTH");
+    const QCommandLineOption format = option("f format", "FORMAT");
+    const QCommandLineOption counts = option("counts", "OUT.csv");
     parser.addOptions({control, month, format, counts});
     const bool isValid = parser.parse(arguments);
     if (parser.isSet(command.help))
@@ -121,11 +129,9 @@ ToolOptions parseCheck(const QStringList& arguments)
             return invalid(
                 QStringLiteral("the month \"%1\" is not one of 1 to 12").arg(parser.value(month)));
     }
-    const QString formatWord = parser.isSet(format) ? parser.value(format) : QStringLiteral("text");
-    if (formatWord != QLatin1String("text") && formatWord != QLatin1String("json"))
-        return invalid(QStringLiteral("the format \"%1\" is not text or json").arg(formatWord));
-    if (formatWord == QLatin1String("json"))
-        options.format = ToolOptions::Format::Json;
+    if (parser.isSet(format) && !setFormat(parser.value(format), options))
+        return invalid(
+            QStringLiteral("the format \"%1\" is not text or json").arg(parser.value(format)));
     options.countsPath = parser.value(counts);
     if (parser.isSet(counts) && options.countsPath.isEmpty())
         return invalid(QStringLiteral("the path for the counts is empty"));
@@ -136,10 +142,9 @@ ToolOptions parseExport(const QStringList& arguments)
 {
     Command command;
     QCommandLineParser& parser = command.parser;
-    const QCommandLineOption output =
-        option({QStringLiteral("o"), QStringLiteral("output")}, "OUT.csv");
-    const QCommandLineOption wide = option({QStringLiteral("w"), QStringLiteral("wide")});
-    const QCommandLineOption run = option({QStringLiteral("r"), QStringLiteral("run")}, "N");
+    const QCommandLineOption output = option("o output", "OUT.csv");
+    const QCommandLineOption wide = option("w wide");
+    const QCommandLineOption run = option("r run", "N");
     parser.addOptions({output, wide, run});
     const bool isValid = parser.parse(arguments);
     if (parser.isSet(command.help))
@@ -181,7 +186,7 @@ ToolOptions parseToolOptions(const QStringList& arguments)
                            ? QStringLiteral("no command is given")
                            : QStringLiteral("\"%1\" is not one of the commands check and export")
                                  .arg(command));
-    // The parser takes the first argument for the program's name.
+    // The parser ignores the first argument, which should be the program's name: here the command.
     const QStringList rest = arguments.mid(1);
     return command == QLatin1String("check") ? parseCheck(rest) : parseExport(rest);
 }

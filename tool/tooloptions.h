@@ -21,19 +21,19 @@ struct ToolOptions
     // Input files; "-" is the standard input. One for an export, one or more for a check.
     QStringList files;
 
-    // Of a check. Paths are empty when they are not given.
+    // For a check. A path that is not given is empty.
     QString controlPath;
     int endMonth = 12; // 1 to 12
     Format format = Format::Text;
     QString countsPath;
 
-    // Of an export.
+    // For an export.
     QString outputPath; // "-" is the standard output
     bool isWide = false;
     int run = 0; // counted from 1; 0 for all
 };
 
-// Reads the arguments, of which the first is the program's name.
+// Parses the arguments; the first is the program's name.
 ToolOptions parseToolOptions(const QStringList& arguments);
 
 #endif // TOOL_TOOLOPTIONS_H

@@ -20,7 +20,7 @@ qint64 CheckedFile::readData(char* data, qint64 maxSize)
     return isSequential() ? readFromPipe(data, maxSize) : readFromFile(data, maxSize);
 }
 
-// A read that fails after some bytes looks like a short one: only the next one shows it.
+// A read that fails after some bytes looks like a short one; only the next one shows the failure.
 qint64 CheckedFile::readFromFile(char* data, qint64 maxSize)
 {
     qint64 total = 0;
@@ -45,11 +45,12 @@ qint64 CheckedFile::writeData(const char* data, qint64 size)
         }
         written += count;
     }
-    // A text stream flushes the file after each of its writes, and ignores that it failed.
+    // A text stream flushes the file after each of its writes, and ignores a failure.
     return flushAll() ? written : -1;
 }
 
-// What an incomplete write leaves is tried once more, which shows why it was incomplete.
+// After an incomplete write the rest is written once more, which shows why the first was
+// incomplete.
 bool CheckedFile::flushAll()
 {
     const bool isFlushed = flush() || flush();
@@ -69,7 +70,7 @@ void CheckedFile::noteError()
         noteFailure();
 }
 
-// Without an error of the system the text is "Unknown error".
+// If the system reports no error, the text is "Unknown error".
 void CheckedFile::noteFailure()
 {
     if (m_problem.isEmpty())

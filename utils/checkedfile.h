@@ -9,31 +9,31 @@
 namespace UtilsNS {
 
 // A file that remembers its first failed read or write. A QFile forgets an error at the next call,
-// and then reads on after the gap; and it takes it for a success when a disk that fills up stores
-// a part of what it is given, after which a text stream drops the rest without a word.
+// and then continues to read after the gap. And when a disk that fills up stores only a part of
+// what is written, a QFile reports success, and a text stream silently drops the rest.
 //
-// What is written counts as written once the system has taken it. There is no fsync: a computer
-// that loses its power right after may lose it.
+// Data count as written once the system has accepted them. There is no fsync: they may be lost if
+// the computer loses its power right after.
 //
-// Of a pipe a read gives what is there, and waits only while that is nothing; a QFile waits until
-// all that was asked for has come.
+// A read from a pipe returns what is available, and waits only while there is nothing; a QFile
+// waits for all the bytes that were asked for.
 class CheckedFile : public QFile
 {
 public:
     using QFile::QFile;
 
-    // The error text of the first read or write that failed; empty if all went well so far. After
-    // it every read fails.
+    // The error text of the first read or write that failed; empty if none has failed. After a
+    // failure every read fails.
     QString problem() const { return m_problem; }
-    // Flushes and closes the file, which is open. Fails with problem() if there is any: then the
-    // system has not taken all that was written, or not given all that was to be read.
+    // Flushes and closes the file, which is open. Fails with problem() if there is one: the file
+    // was then not completely written or read.
     Status finish();
 
 protected:
     qint64 readData(char* data, qint64 maxSize) override;
     qint64 writeData(const char* data, qint64 size) override;
-    // Writes the first of `size` bytes, 1 or more, and returns how many; 0 or less is a failure.
-    // A place for tests to make faults that no file system makes at will.
+    // Writes some of the first `size` bytes, at least one, and returns how many; 0 or less is a
+    // failure. Tests override it for faults that no file system makes on demand.
     virtual qint64 writeSome(const char* data, qint64 size);
 
 private:

@@ -7,7 +7,8 @@
 
 namespace UtilsNS {
 
-// Not by QFile, which waits until the pipe has given `maxSize` bytes: more than may be needed.
+// Not by QFile, which waits until `maxSize` bytes have come through the pipe: maybe more than are
+// needed.
 qint64 CheckedFile::readFromPipe(char* data, qint64 maxSize)
 {
     ssize_t count = 0;

@@ -2,7 +2,7 @@
 
 namespace UtilsNS {
 
-// The system gives what is in a pipe, and waits only while that is nothing.
+// The system returns what is in the pipe, and waits only while it is empty.
 qint64 CheckedFile::readFromPipe(char* data, qint64 maxSize)
 {
     const qint64 count = QFile::readData(data, maxSize);

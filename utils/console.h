@@ -5,7 +5,7 @@
 
 namespace UtilsNS {
 
-// Where a process shows texts to whoever started it. For the main thread alone.
+// Where a process shows texts to the user who started it. Only for the main thread.
 class Console
 {
 public:
@@ -15,14 +15,14 @@ public:
     Console& operator=(const Console&) = delete;
 
     // Makes sure that there is a console; the first call may create one. False when there is no
-    // place to write to, which stays so.
+    // place to write to; later calls then return false too.
     virtual bool open() = 0;
-    // Writes the bytes as they are. False when not all of them were taken. After open() has
+    // Writes the bytes unchanged. False when not all of them were written. Only after open() has
     // returned true.
     virtual bool write(const char* bytes, std::size_t count) = 0;
     // Whether open() has created the console, which then disappears with the process.
     virtual bool isCreated() const = 0;
-    // Waits for one key; does not wait when no key can come. For a console that is created.
+    // Waits for one key; does not wait when no key can come. Only when isCreated().
     virtual void waitForKey() = 0;
 };
 

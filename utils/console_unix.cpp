@@ -8,7 +8,7 @@ namespace UtilsNS {
 
 namespace {
 
-// No terminal is ever created here: one that the process was not started on would not be seen.
+// No terminal is ever created here: the user would not see one that the process was not started on.
 class StandardOutput : public Console
 {
 public:

@@ -13,7 +13,7 @@ constexpr int kBufferSize = 1024;
 
 } // namespace
 
-// The put area is one byte short of the buffer, so that overflow() has a place for its character.
+// The put area is one byte short of the buffer, so that overflow() has room for its character.
 consolebuf::consolebuf(Console& console)
     : m_console(console), m_buffer(std::make_unique<char[]>(kBufferSize))
 {
@@ -52,15 +52,15 @@ int consolebuf::flush()
 {
     const auto count = static_cast<int>(pptr() - pbase());
     Q_ASSERT(count >= 0 && count <= kBufferSize);
-    const bool isOpen = m_console.open(); // a flush of nothing asks for it too
+    const bool isOpen = m_console.open(); // also when there is nothing to flush
     if (isOpen && count == 0)
         return 0;
     if (isOpen && m_console.write(pbase(), static_cast<std::size_t>(count))) {
         setp(m_buffer.get(), m_buffer.get() + kBufferSize - 1);
         return count;
     }
-    // The spare byte joins the put area once it is taken: sputn() would write without end if the
-    // put position were after the area.
+    // Once the spare byte is used, the put area includes it: with the put position after the area,
+    // sputn() would write without end.
     if (pptr() > epptr()) {
         setp(m_buffer.get(), m_buffer.get() + kBufferSize);
         pbump(count);

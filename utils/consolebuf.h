@@ -9,20 +9,20 @@
 namespace UtilsNS {
 
 // The stream buffer under std::cout of a program that may have no console. A program that prints
-// nothing needs none: the first flush is what asks for it.
+// nothing needs none: the console is opened by the first flush.
 //
-// It holds up to 1023 bytes until they are flushed; the next one flushes them along with itself.
-// Bytes reach the console as they are. When a write fails, all bytes of the flush are kept, those
-// already written included, and the stream goes bad.
+// It buffers up to 1023 bytes; the next byte flushes them together with itself. Bytes reach the
+// console unchanged. When a write fails, all bytes of the flush are kept, those already written
+// included, and the stream goes bad.
 //
-// For the main thread alone.
+// Only for the main thread.
 class consolebuf : public std::basic_streambuf<char>
 {
 public:
     // `console` outlives the object.
     explicit consolebuf(Console& console = processConsole());
-    // A console that was created for this process is kept open until the user presses a key; that
-    // is said through std::cout, which still has this buffer then.
+    // Keeps a console that was created for this process open until the user presses a key. It asks
+    // for the key through std::cout, which must still have this buffer.
     ~consolebuf() override;
     consolebuf(const consolebuf&) = delete;
     consolebuf& operator=(const consolebuf&) = delete;

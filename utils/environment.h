@@ -5,7 +5,7 @@
 
 namespace UtilsNS {
 
-// Longer values of environment variables count as not set.
+// In bytes. Environment variables with longer values count as not set.
 constexpr int kMaxEnvironmentValue = 1023;
 
 // The value of the environment variable `name`, both in the encoding of the environment. Empty when

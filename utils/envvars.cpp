@@ -10,9 +10,9 @@ namespace UtilsNS {
 
 namespace {
 
-// The name in a reference such as "$NAME" or "${NAME}". Whatever the last character of a bracketed
-// reference is, it is dropped: the brackets need not agree, and a missing one costs a letter of the
-// name.
+// The name in a reference such as "$NAME" or "${NAME}". The last character of a bracketed reference
+// is always dropped, without a check: the brackets need not match, and if the closing one is
+// missing, the name loses a letter.
 QString nameIn(const QString& reference)
 {
     Q_ASSERT(reference.size() >= 2 && reference.at(0) == QLatin1Char('$'));
@@ -39,7 +39,7 @@ Status substituteEnvVars(const QString& text, QString& result)
             result.replace(position, length, value);
             length = value.size();
         }
-        position += length; // references in a value are left alone
+        position += length; // references in a value are not replaced
     }
     if (undefined.isEmpty())
         return {};

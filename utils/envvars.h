@@ -9,8 +9,8 @@ namespace UtilsNS {
 
 // Replaces the references $NAME, $(NAME) and ${NAME} in `text`, usually a path, by the values of
 // the environment variables and sets `result`. A variable that is not set, is empty, or has a value
-// of more than 1023 bytes stays as it is; the message then lists the names of all such
-// references. Values are taken as Latin-1 and are not searched for references in turn.
+// of more than 1023 bytes is not replaced; the message then lists the names of all such references.
+// Values are decoded as Latin-1, and references in them are not replaced.
 Status substituteEnvVars(const QString& text, QString& result);
 
 } // namespace UtilsNS

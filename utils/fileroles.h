@@ -15,15 +15,15 @@ struct FileRole
     QString path;
 };
 
-// Whether the two paths lead to one file, also by another spelling, a symbolic link or a hard link.
-// The file need not exist yet; on Windows, the letter case of its name doesn't count then either.
-// Character devices such as /dev/null and nul never count as one file: nothing is lost when two
-// roles share them.
+// Whether the two paths lead to the same file, even through another spelling, a symbolic link or a
+// hard link. The file need not exist yet; on Windows, the letter case of its name is then ignored.
+// Character devices such as /dev/null and nul never count as the same file: nothing is lost when
+// two roles share them.
 bool isSameFile(const QString& path, const QString& otherPath);
 
-// Fails when a role in `others` has the file of `file`, which is about to be truncated. The message
-// names both: "The output hts file is the input hts file /data/a.hts". Roles with an empty path are
-// left out.
+// Fails when `file`, which is about to be truncated, is the same file as one of `others`. The
+// message names both: "The output hts file is the input hts file /data/a.hts". Roles with an empty
+// path are ignored.
 Status checkFileRole(const FileRole& file, const QVector<FileRole>& others);
 
 } // namespace UtilsNS

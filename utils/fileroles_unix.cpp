@@ -1,4 +1,3 @@
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -15,18 +14,18 @@ bool statPath(const QString& path, struct stat& info)
     return ::stat(QFile::encodeName(path).constData(), &info) == 0;
 }
 
-// The path that opening `path` for writing would create, when nothing is there yet: the end of its
-// chain of symbolic links.
+// The path of the file that opening `path` for writing would create, if there is none yet: the end
+// of the chain of symbolic links.
 QString pathToCreate(const QString& path)
 {
-    constexpr int kMaxLinks = 40; // as the kernel
+    constexpr int kMaxLinks = 40; // the limit of the kernel
     QString target = path;
     for (int i = 0; i < kMaxLinks && QFileInfo(target).isSymLink(); ++i)
         target = QFileInfo(target).symLinkTarget();
     return target;
 }
 
-// Whether both paths name one file that doesn't exist yet.
+// Whether both paths name the same file, which doesn't exist yet.
 bool isSameNewFile(const QString& path, const QString& otherPath)
 {
     const QFileInfo file(pathToCreate(path));

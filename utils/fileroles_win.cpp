@@ -19,13 +19,13 @@ struct HandleCloser
 
 using UniqueHandle = std::unique_ptr<HANDLE, HandleCloser>;
 
-// The full path with backslashes, in the form that has no limit of 260 characters. The name of a
-// device such as "nul" becomes "\\.\nul"; blanks and dots that Windows ignores are gone.
+// The full path with backslashes, in the form without the limit of 260 characters. The name of a
+// device such as "nul" becomes "\\.\nul"; blanks and dots that Windows ignores are removed.
 QString fullPath(const QString& path)
 {
     const std::wstring native = QDir::toNativeSeparators(path).toStdWString();
     const DWORD size = ::GetFullPathNameW(native.c_str(), 0, nullptr, nullptr);
-    std::wstring full(size, L'\0'); // with the zero at the end
+    std::wstring full(size, L'\0'); // with the null character at the end
     full.resize(::GetFullPathNameW(native.c_str(), size, full.data(), nullptr));
     QString text = QString::fromStdWString(full);
     if (text.startsWith(QLatin1String("\\\\?\\")) || text.startsWith(QLatin1String("\\\\.\\")))
@@ -35,7 +35,8 @@ QString fullPath(const QString& path)
     return QLatin1String("\\\\?\\") + text;
 }
 
-// Asks what `fullPath` is, a folder too, without reading or locking it. Null when there is nothing.
+// Opens a file or folder to ask for its identity, without reading or locking it. Null when there is
+// none.
 UniqueHandle openForQuery(const QString& fullPath)
 {
     const HANDLE handle = ::CreateFileW(
@@ -44,7 +45,7 @@ UniqueHandle openForQuery(const QString& fullPath)
     return UniqueHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
-// False for devices such as "nul", which are no files.
+// False for devices such as "nul", which are not files.
 bool isSameIdentity(HANDLE file, HANDLE otherFile)
 {
     BY_HANDLE_FILE_INFORMATION info;
@@ -67,8 +68,8 @@ QString nameOf(const QString& fullPath)
     return fullPath.mid(fullPath.lastIndexOf(QLatin1Char('\\')) + 1);
 }
 
-// Whether both full paths name one file that doesn't exist yet. The letter case of names doesn't
-// count here.
+// Whether both full paths name the same file, which doesn't exist yet. The letter case of names is
+// ignored.
 bool isSameNewFile(const QString& path, const QString& otherPath)
 {
     if (nameOf(path).compare(nameOf(otherPath), Qt::CaseInsensitive) != 0)

@@ -22,8 +22,9 @@ QString withoutQuotes(const QString& url)
     return isQuoted ? url.mid(1, url.size() - 2) : url;
 }
 
-// The functions of GIO that find and start the browser. Loaded when help is first opened: linked to
-// the program, GIO and its libraries would take a fifth of the start of every conversion.
+// The functions of GIO that find and start the browser. Loaded when help is first opened: if the
+// program were linked with GIO, loading it and its libraries would take a fifth of the start-up
+// time of every conversion.
 struct Gio
 {
     decltype(&g_app_info_get_default_for_uri_scheme) defaultForUriScheme;
@@ -40,7 +41,7 @@ bool resolve(QLibrary& library, const char* name, Function& function)
     return function != nullptr;
 }
 
-// Null where GIO is missing. It stays loaded: GLib's types can't be taken back.
+// Null where GIO is missing. It stays loaded: GLib cannot unregister its types.
 const Gio* loadGio()
 {
     static QLibrary library(QStringLiteral("gio-2.0"), 0);
@@ -57,12 +58,12 @@ const Gio* loadGio()
 using AppInfo = std::unique_ptr<GDesktopAppInfo, decltype(&g_object_unref)>;
 using KeyFile = std::unique_ptr<GKeyFile, decltype(&g_key_file_unref)>;
 
-// The program that opens web links, made to take a file:/// URL as it is: by itself GIO gives it
-// the path instead when the URL has no fragment. Null when there is none.
+// The program that opens web links, set to get a file:/// URL unchanged: by default GIO passes the
+// path instead when the URL has no fragment. Null when there is none.
 AppInfo findBrowser(const Gio& gio)
 {
     AppInfo none(nullptr, gio.unref);
-    // A desktop entry, the only kind that there is on this system.
+    // It is always a desktop entry, the only kind on Unix.
     const AppInfo entry(reinterpret_cast<GDesktopAppInfo*>(gio.defaultForUriScheme("http")),
                         gio.unref);
     if (entry == nullptr)
@@ -76,7 +77,7 @@ AppInfo findBrowser(const Gio& gio)
     return AppInfo(gio.newFromKeyFile(keys.get()), gio.unref);
 }
 
-// Runs in the new process. Ctrl+C in this program's console is not meant for the browser.
+// Runs in the new process. Ctrl+C in this program's console must not end the browser.
 void leaveSession(gpointer)
 {
     ::setsid();
@@ -93,8 +94,8 @@ bool startBrowser(const QString& url)
         return false;
     QByteArray text = QFile::encodeName(url);
     GList urls = {text.data(), nullptr, nullptr};
-    // g_app_info_launch_uris() with a say in how the process is started. GLib itself waits for the
-    // intermediate process, so that none is left over.
+    // Like g_app_info_launch_uris(), but with control over how the process is started. GLib waits
+    // for the intermediate process, so that no zombie is left.
     const int flags = G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL;
     return gio->launchUris(browser.get(), &urls, nullptr, static_cast<GSpawnFlags>(flags),
                            leaveSession, nullptr, nullptr, nullptr, nullptr) != FALSE;

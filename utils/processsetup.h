@@ -3,15 +3,15 @@
 
 namespace UtilsNS {
 
-// What every program sets up around its application object.
+// What both programs set up before and after they create the application object.
 
-// First of all: a standard stream that the process was started without gets an empty file, so that
-// no file opened later takes its number, and with it what is printed. Files have no such numbers on
-// Windows.
+// To be called first. If the process was started without one of the standard streams, the stream is
+// connected to /dev/null: otherwise a file that is opened later would get its descriptor, and what
+// is printed. Does nothing on Windows, where files have no such descriptors.
 void openStandardStreams();
 
-// After the application object is made: under a C or POSIX locale, as a scheduler's jobs have it,
-// texts and file names are UTF-8. Windows has an encoding of its own for both.
+// To be called after the application object is created. Under a C or POSIX locale, which the jobs
+// of a scheduler have, texts and file names are UTF-8. Does nothing on Windows.
 void chooseTextEncoding();
 
 } // namespace UtilsNS

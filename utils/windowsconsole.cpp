@@ -45,8 +45,8 @@ void WindowsConsole::waitForKey()
 {
     Q_ASSERT(isCreated());
     const ConsoleCalls::Handle input = m_calls.getStdHandle(ConsoleCalls::kStdInputHandle);
-    // Without line input a read returns after one key. The mode of what is no console, such as a
-    // pipe, can't be set, and a read there would wait for what never comes.
+    // Without line input a read returns after one key. If the input is not a console but, for
+    // example, a pipe, its mode can't be set, and a read might wait forever.
     if (!m_calls.setConsoleMode(input, ConsoleCalls::kEnableWindowInput))
         return;
     std::array<char, 40> keys = {};

@@ -7,9 +7,9 @@
 
 namespace UtilsNS {
 
-// The five calls of Windows that a console takes, one function each with the name, the order of
-// arguments and the constants of the original, but without its header, so that what is made of them
-// is tested on every system.
+// The five functions of Windows that a console needs, with the names, the order of arguments and
+// the constants of the originals, but without their header, so that WindowsConsole can be tested on
+// every system.
 class ConsoleCalls
 {
 public:
@@ -38,8 +38,8 @@ public:
 // The console of a program that Windows starts without one, as it does with windowed programs.
 //
 // The first open() creates a console. If Windows refuses, because the process has one already, the
-// standard output is used, which may be a file. What counts is only whether there is a standard
-// output; one that cannot be written to shows at the first write.
+// standard output is used, which may be a file. open() only checks whether there is a standard
+// output; if it cannot be written to, the first write fails.
 class WindowsConsole : public Console
 {
 public:

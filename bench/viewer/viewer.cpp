@@ -1,7 +1,7 @@
-// Measures what the message viewer costs over its rows: the time from the first of 100,000 lines
-// until the event loop has nothing left to do, divided by the time that a bare QTreeWidget takes to
-// append the same rows. Prints a table row with the ratio of the medians of alternating runs for
-// each case, with a hidden and a shown window.
+// Measures the overhead of the message viewer: the time from the first of 100,000 lines until the
+// event loop has nothing left to do, divided by the time that a bare QTreeWidget takes to append
+// the same rows. Prints a table row with the ratio of the medians of alternating runs for each
+// case, with a hidden and a shown window.
 //
 // usage: bench_viewer [RUNS [LINES]]
 
@@ -68,7 +68,7 @@ void feedAtOnce(const std::function<void(int)>& append)
         append(i);
 }
 
-// The event loop runs now and then, as in a program that keeps its window alive.
+// The event loop runs now and then, as in a program that keeps its window responsive.
 void feedInPieces(const std::function<void(int)>& append)
 {
     for (int i = 0; i < lineCount; ++i) {

@@ -1,5 +1,5 @@
-// Gives every file of a fuzz target's corpus to the target: what the fuzzer once found stays
-// mended. A check that fails aborts with its message; the row is the file.
+// Gives every file of a fuzz target's corpus to the target: what the fuzzer once found stays fixed.
+// A check that fails aborts with its message; the row is the file.
 
 #include <QDir>
 #include <QFile>

@@ -6,7 +6,7 @@
 #include <QMetaType>
 #include <QVector>
 
-// Files too large to be held, described by what they are made of.
+// Files that are too large for memory, described by their pieces.
 
 // A text, repeated.
 struct Piece
@@ -57,7 +57,8 @@ private:
     bool m_isSame = true;
 };
 
-// Peak of the resident memory of the process so far, in bytes; 0 when the system does not tell.
+// Peak of the resident memory of the process so far, in bytes; 0 when the system does not report
+// it.
 qint64 peakMemory();
 
 #endif // TESTS_ANNUALIZE_MADEFILE_H

@@ -53,7 +53,7 @@ struct Span
     qint64 last;
 };
 
-// Some complete years, and what may lie before and behind them. `unit` only decides how many.
+// Some complete years, and what may lie before and after them. `unit` only decides how many.
 Span randomSpan(Chance& chance, const QByteArray& unit, int endMonth)
 {
     // Leap years and centuries without a leap day among them.
@@ -72,7 +72,7 @@ Span randomSpan(Chance& chance, const QByteArray& unit, int endMonth)
     return span;
 }
 
-// The steps that end behind `first` and not behind `last`, one at least.
+// The steps that end after `first` and not after `last`, one at least.
 std::vector<qint64> monthEnds(const Span& span)
 {
     std::vector<qint64> instants;

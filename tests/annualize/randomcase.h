@@ -8,17 +8,17 @@
 #include <QString>
 #include <QtGlobal>
 
-// Conversions made by chance, the same one for the same seed on every machine: an input file whose
-// instants and numbers are known without reading it, a control file and an end month.
+// Random conversions, the same one for the same seed on every machine: an input file whose instants
+// and numbers are known without reading it, a control file and an end month.
 //
-// Instants are minutes since the start of the year 1880. They come from a calendar of its own, so
-// that nothing of the code under test, nor of the toolkit, stands on both sides of a comparison.
+// Instants are minutes since the start of the year 1880. They come from a separate calendar, so
+// that nothing of the code under test, nor of the toolkit, is on both sides of a comparison.
 
 // Midnight before the given day; `month` may be 13, the January of the next year.
 qint64 instantOf(int year, int month, int day);
 // The calendar year that an instant lies in; midnight belongs to the day that it starts.
 int yearOf(qint64 instant);
-// As it stands in an HTS file.
+// The text in an HTS file.
 QByteArray textOf(qint64 instant);
 
 constexpr qint64 kMinutesPerDay = 24 * 60;
@@ -43,14 +43,14 @@ struct RandomTiming
 {
     explicit RandomTiming(quint32 seed);
 
-    // What a failure has to tell.
+    // The description in the message of a failure.
     QString description() const;
 
     quint32 seed;
     QByteArray unit; // "month", "week", "day", "hour"
     int endMonth = 0;
     std::vector<qint64> instants; // of the timesteps
-    QByteArrayList stepTexts;     // the same as they stand in the file
+    QByteArrayList stepTexts;     // their texts in the file
 };
 
 struct RandomCase : RandomTiming

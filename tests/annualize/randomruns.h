@@ -8,11 +8,11 @@
 #include <QByteArrayList>
 #include <QtGlobal>
 
-// Conversions made by chance in which the runs of a file don't go together, the same one for the
-// same seed: runs of other timing or without a complete year, with fewer, more or other slots than
-// the first, more or fewer of them than announced; rules for some of the slots, or a control file
-// that can't be read. The timesteps are few, so that a conversion takes no time. For conversions
-// that succeed see randomcase.h.
+// Random conversions in which the runs of a file don't match, the same one for the same seed: runs
+// of other timing or without a complete year, with fewer, more or other slots than the first, more
+// or fewer of them than announced; rules for some of the slots, or a control file that can't be
+// read. The timesteps are few, so that a conversion takes no time. For conversions that succeed see
+// randomcase.h.
 struct RandomRuns
 {
     explicit RandomRuns(quint32 seed);

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-// Timestep texts as they stand in an HTS file, made without the code under test.
+// Timestep texts of an HTS file, made without the code under test.
 
 // The end of the given hour, 1 to 24, of a day.
 inline QString timestepText(const QDate& day, int hour)

@@ -27,11 +27,11 @@ private Q_SLOTS:
     void tableHoldsNoOtherMethods();
     void findsWordInAnyCase_data();
     void findsWordInAnyCase();
-    void otherWordsAreNoMethod_data();
-    void otherWordsAreNoMethod();
+    void otherWordsAreNotMethods_data();
+    void otherWordsAreNotMethods();
 };
 
-// The one literal list of the methods; whatever else is tested of them goes through the table.
+// The only literal list of the methods; all other tests of them use the table.
 void AggMethodsTest::wordSelectsItsResult_data()
 {
     QTest::addColumn<double>("ofWholeYear");   // 5, 1, 4, 2
@@ -102,7 +102,7 @@ void AggMethodsTest::findsWordInAnyCase()
     QTEST(QString(method->word), "word");
 }
 
-void AggMethodsTest::otherWordsAreNoMethod_data()
+void AggMethodsTest::otherWordsAreNotMethods_data()
 {
     QTest::addColumn<QString>("text");
 
@@ -121,7 +121,7 @@ void AggMethodsTest::otherWordsAreNoMethod_data()
     QTest::newRow("full-width letters") << QString(QChar(0xff33)) + QStringLiteral("um");
 }
 
-void AggMethodsTest::otherWordsAreNoMethod()
+void AggMethodsTest::otherWordsAreNotMethods()
 {
     QFETCH(QString, text);
     QVERIFY(findMethod(text) == nullptr);

@@ -37,14 +37,14 @@ double fromBits(std::uint64_t bits)
     return value;
 }
 
-// NaNs of the input, to be told from each other and from the one that stands for "no result".
+// NaNs of the input, different from each other and from the one that means "no result".
 const double kNanA = fromBits(0x7ff8000000000000);
 const double kNanB = fromBits(0x7ff8000000000abc);
 const double kNanC = fromBits(0xfff800000000000c);
 
 constexpr std::uint64_t kResultNanBits = 0x7ff8000000000001;
 
-// Tells any two doubles apart that differ in a bit. The NaN of a result is "NaN", others are
+// Two doubles that differ in a bit have different texts. The NaN of a result is "NaN", others are
 // "nan:" and their bits.
 QString textOf(double value)
 {
@@ -57,8 +57,8 @@ QString textOf(double value)
     return QString::number(value, 'g', 17);
 }
 
-// One line for each year, with the results of all methods, in the order of their table, parted by
-// blanks.
+// One line for each year, with the results of all methods, in the order of their table, separated
+// by blanks.
 QStringList linesOf(const AggValues& agg)
 {
     std::vector<QStringList> years;
@@ -183,7 +183,7 @@ private Q_SLOTS:
     void agreesWithSlowReference();
     void refusesBadSizes_data();
     void refusesBadSizes();
-    void successLeavesMessageAlone();
+    void successLeavesMessageUnchanged();
     void usedAgainReplacesResults();
     void failureEmptiesEarlierResults();
 };
@@ -251,13 +251,13 @@ void AggValuesTest::givesOneResultForEachYear_data()
         << Values{1, kNanA, 3, 5} << ValueMap{1, 1, 2, 2} << 2
         << lines({"NaN 1 NaN 0.5 NaN 1 NaN 1 NaN nan:7ff8000000000000 NaN 1",
                   "8 8 4 4 5 5 3 3 5 5 3 3"});
-    QTest::newRow("values outside the years are passed over")
+    QTest::newRow("values outside the years are skipped")
         << Values{100, 1, 2, 3, 100} << ValueMap{0, 1, 1, 2, 3} << 2
         << lines({"3 3 1.5 1.5 2 2 1 1 2 2 1 1", "3 3 3 3 3 3 3 3 3 3 3 3"});
     QTest::newRow("missing value outside the years spoils nothing")
         << Values{kNanA, 1, kNanB, 3, kNanC} << ValueMap{0, 1, -5, 1, 2} << 1
         << lines({"4 4 2 2 3 3 1 1 3 3 1 1"});
-    QTest::newRow("passed over value does not end the year")
+    QTest::newRow("skipped value does not end the year")
         << Values{1, 100, 3} << ValueMap{1, 0, 1} << 1 << lines({"4 4 2 2 3 3 1 1 3 3 1 1"});
     QTest::newRow("return to an earlier number starts a new year")
         << Values{1, 2, 3} << ValueMap{1, 2, 1} << 2
@@ -352,7 +352,7 @@ void AggValuesTest::refusesBadSizes()
     QCOMPARE(linesOf(agg), QStringList());
 }
 
-void AggValuesTest::successLeavesMessageAlone()
+void AggValuesTest::successLeavesMessageUnchanged()
 {
     AggValues agg;
     QString message = QStringLiteral("before");

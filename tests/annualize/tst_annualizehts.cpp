@@ -22,7 +22,7 @@ const QString kNotSet =
     QStringLiteral("Input HTS file device, output annual file device, control file path, or end "
                    "year month not set");
 
-// The pieces of an HTS file. What the tests don't vary stands here once.
+// The pieces of an HTS file. What the tests don't vary is only here.
 
 QByteArray package(int runs)
 {
@@ -52,7 +52,7 @@ QByteArray annualRun(const QByteArray& timesteps, const QByteArray& body)
     return run(QString::fromUtf8(timesteps).split(QLatin1Char(',')), "year", body);
 }
 
-// `lines`: units, scale, method if any, and values, parted by semicolons.
+// `lines`: units, scale, method if any, and values, separated by semicolons.
 QByteArray slot(const QByteArray& name, const QByteArray& lines,
                 const QByteArray& type = "SeriesSlot")
 {
@@ -182,7 +182,7 @@ private Q_SLOTS:
     void timingOfLaterRunWithoutYearFails();
     void laterRunOfOtherShapeFails_data();
     void laterRunOfOtherShapeFails();
-    void laterRunWithMoreSlotsPassesOverThem();
+    void laterRunSkipsAdditionalSlots();
     void noUsableSlotFails_data();
     void noUsableSlotFails();
     void unreadableControlFileMeansNoSlots_data();
@@ -512,7 +512,7 @@ void AnnualizeHtsTest::differingTimingFails()
             "*.*: Sum");
     QCOMPARE(m_message, kSizes);
     QCOMPARE(m_result, QByteArray());
-    // The years of the second run have been calculated, and nothing has come of it.
+    // The years of the second run have been calculated, without a result.
     const int starts = m_log.count(QStringLiteral("Starting calculation of new annual timesteps "));
     QCOMPARE(starts, 2);
     QCOMPARE(m_log.last(), QStringLiteral("Finished calculation of new annual timesteps "));
@@ -562,7 +562,7 @@ void AnnualizeHtsTest::laterRunOfOtherShapeFails()
     QCOMPARE(m_log.last(), kStartingSlots);
 }
 
-void AnnualizeHtsTest::laterRunWithMoreSlotsPassesOverThem()
+void AnnualizeHtsTest::laterRunSkipsAdditionalSlots()
 {
     const QStringList timesteps = monthlyTimesteps(2000, 1, 12);
     const QByteArray header = "units: cfs;scale: 1";
@@ -616,7 +616,7 @@ void AnnualizeHtsTest::unreadableControlFileMeansNoSlots_data()
 {
     QTest::addColumn<bool>("exists");
     QTest::newRow("missing") << false;
-    QTest::newRow("bad line behind a good one") << true;
+    QTest::newRow("bad line after a good one") << true;
 }
 
 void AnnualizeHtsTest::unreadableControlFileMeansNoSlots()

@@ -132,7 +132,7 @@ struct Series
 };
 
 // How many weeks from `first` on end not far from a year's end: `years` years later, and `days`
-// days behind the day that is a week before it.
+// days after the day that is a week before it.
 int weeksUpToAYearEnd(const QDate& first, int endMonth, int years, int days)
 {
     const QDate yearEnd(first.year() + years, endMonth % 12 + 1, 1);
@@ -145,7 +145,7 @@ Series randomSeries(const QString& unit, int endMonth, std::mt19937& random)
         return static_cast<int>(random() % static_cast<unsigned>(limit));
     };
     const int year = 1990 + below(20);
-    // Weeks start close behind a year's start half of the time: the first few days decide.
+    // Weeks start close after a year's start half of the time: the first few days decide.
     const bool isNearStart = unit == QLatin1String("week") && below(2) == 0;
     const QDate day = isNearStart ? QDate(year, endMonth % 12 + 1, 1).addDays(below(10))
                                   : QDate(year, 1, 1).addDays(below(366));
@@ -241,7 +241,7 @@ private Q_SLOTS:
     void leavesOutNameOfMonthOutOfRange();
     void refusesAnnualRun();
     void refusesListShorterThanCount();
-    void passesOverTimestepsBeyondCount();
+    void ignoresTimestepsBeyondCount();
     void findsNoYearWithoutTimesteps_data();
     void findsNoYearWithoutTimesteps();
     void refusesInvalidStart();
@@ -251,8 +251,8 @@ private Q_SLOTS:
     void formsOfMidnightMeanTheSame();
     void unitQuantityDoesNotMatter();
     void fillsRunAndKeepsTraceAndComplete();
-    void failureLeavesRunAlone_data();
-    void failureLeavesRunAlone();
+    void failureLeavesRunUnchanged_data();
+    void failureLeavesRunUnchanged();
     void appendsToValueMap();
     void timeZoneDoesNotMatter_data();
     void timeZoneDoesNotMatter();
@@ -410,7 +410,7 @@ void AnnualTimestepsTest::findsCompleteYears_data()
     QTest::addColumn<QString>("unit");
     QTest::addColumn<QStringList>("timesteps");
     QTest::addColumn<QString>("map");
-    QTest::addColumn<QString>("annual"); // the timesteps, parted by commas
+    QTest::addColumn<QString>("annual"); // the timesteps, separated by commas
     QTest::addColumn<bool>("isEndPartial");
 
     addCompleteMonths();
@@ -612,7 +612,7 @@ void AnnualTimestepsTest::refusesListShorterThanCount()
     QCOMPARE(outcome.log, QStringList());
 }
 
-void AnnualTimestepsTest::passesOverTimestepsBeyondCount()
+void AnnualTimestepsTest::ignoresTimestepsBeyondCount()
 {
     HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 14));
     input.timeStepCount = 12;
@@ -704,7 +704,7 @@ void AnnualTimestepsTest::formsOfMidnightMeanTheSame()
     const Outcome outcome = calculate(12, makeRun(QStringLiteral("month"), timesteps));
     QCOMPARE(outcome.message, QString());
     QCOMPARE(outcome.map, QStringLiteral("1x12"));
-    // Copied as it stands.
+    // Copied unchanged.
     QCOMPARE(outcome.run.timesteps, QStringList{last});
     QCOMPARE(outcome.run.start, QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC));
     QCOMPARE(outcome.log, successLog(12, false, {last}));
@@ -741,7 +741,7 @@ void AnnualTimestepsTest::fillsRunAndKeepsTraceAndComplete()
                             "input slots|input rules|2|2000-12-31 24:00,2001-12-31 24:00"));
 }
 
-void AnnualTimestepsTest::failureLeavesRunAlone_data()
+void AnnualTimestepsTest::failureLeavesRunUnchanged_data()
 {
     QTest::addColumn<QString>("unit");
     QTest::addColumn<QStringList>("timesteps");
@@ -752,7 +752,7 @@ void AnnualTimestepsTest::failureLeavesRunAlone_data()
         << "month" << monthlyTimesteps(2000, 1, 14) + QStringList{QStringLiteral("x")};
 }
 
-void AnnualTimestepsTest::failureLeavesRunAlone()
+void AnnualTimestepsTest::failureLeavesRunUnchanged()
 {
     QFETCH(QString, unit);
     QFETCH(QStringList, timesteps);

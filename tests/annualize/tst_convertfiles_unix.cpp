@@ -1,4 +1,4 @@
-// Conversions of files that Unix lets fail at will.
+// Conversions of files that fail on demand on Unix.
 
 #include <QDir>
 #include <QFile>

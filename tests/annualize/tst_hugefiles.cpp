@@ -49,7 +49,7 @@ QByteArray annualSlot(const QByteArray& sum)
            ".000000000000\n" + kSlotEnd;
 }
 
-// All behind the name of the package.
+// All after the name of the package.
 QByteArray annualFile(const QByteArray& sum)
 {
     return kPackageEnd + kAnnualRunStart + annualSlot(sum) + "END_RUN\n";
@@ -103,22 +103,22 @@ class HugeFilesTest : public QObject
 
 private Q_SLOTS:
     void manySlots_data();
-    void manySlots() { convertRow(kSlots * kMostBytesOfASlot); }
+    void manySlots() { convertRow(kSlots * kMaxBytesPerSlot); }
     void longLines_data();
-    void longLines() { convertRow(kLength * kMostBytesOfAByte); }
+    void longLines() { convertRow(kLength * kMaxBytesPerByte); }
     void longLineInControlFile();
 
 private:
     // More memory than is ever taken for a slot of a file, and for a byte of a line: the line as it
     // was read and as text, both in blocks that double when they grow. The address sanitizer nearly
     // triples it.
-    static constexpr qint64 kMostBytesOfASlot = 2000;
-    static constexpr qint64 kMostBytesOfAByte = 20;
+    static constexpr qint64 kMaxBytesPerSlot = 2000;
+    static constexpr qint64 kMaxBytesPerByte = 20;
 
-    static void convertRow(qint64 mostMemory);
+    static void convertRow(qint64 maxMemory);
 };
 
-void HugeFilesTest::convertRow(qint64 mostMemory)
+void HugeFilesTest::convertRow(qint64 maxMemory)
 {
     QFETCH(Pieces, input);
     QFETCH(Pieces, result);
@@ -130,7 +130,7 @@ void HugeFilesTest::convertRow(qint64 mostMemory)
     QTEST(outcome.message, "message");
     QVERIFY(outcome.isAsExpected);
     const qint64 peak = peakMemory();
-    QVERIFY2(peak > 0 && peak < mostMemory, QByteArray::number(peak));
+    QVERIFY2(peak > 0 && peak < maxMemory, QByteArray::number(peak));
 }
 
 // Before the long lines, which take more memory.
@@ -173,7 +173,7 @@ void HugeFilesTest::longLines_data()
     refused("whole file", {longText}, "Cannot read package preamble");
 }
 
-// NULs behind the rules, as a file that was not written to its end may have them.
+// NULs after the rules, as a file that was not written to its end may have them.
 void HugeFilesTest::longLineInControlFile()
 {
     const QTemporaryDir folder;

@@ -57,7 +57,7 @@ private Q_SLOTS:
     void acceptsEveryWordInAnyCase();
     void refusesBadLines_data();
     void refusesBadLines();
-    void badLineLeavesListAndRestAlone();
+    void badLineLeavesListAndRestUnchanged();
     void logsEverySlot();
     void noSlotsGiveEmptyList();
     void slotTypeDoesNotMatter();
@@ -108,9 +108,9 @@ void MethodControlTest::assignsMethods_data()
         QTest::newRow(name) << contents << QString::fromUtf8(slots).split(QLatin1Char(' '))
                             << QString::fromUtf8(expected).split(QLatin1Char(' '));
     };
-    // "-" stands for no method.
+    // "-" means no method.
     row("plain rule", "Res.Flow: Sum\n", "Res.Flow Res.Level Lake.Flow", "Sum - -");
-    row("no blank behind the colon", "Res.Flow:Sum\n", "Res.Flow", "Sum");
+    row("no blank after the colon", "Res.Flow:Sum\n", "Res.Flow", "Sum");
     row("blanks around the parts", "Res.Flow : Average \n", "Res.Flow", "Average");
     row("blanks and tabs everywhere", " \tRes \t. \tFlow\t :\t Max \t\n", "Res.Flow", "Max");
     row("no line feed at the end", "Res.Flow: Sum\nLake.Flow: Min", "Res.Flow Lake.Flow",
@@ -165,7 +165,8 @@ void MethodControlTest::assignsMethods_data()
         "A.Flow A\xef\xbb\xbf.Flow", "- Sum");
     row("bad UTF-8 reads as the replacement character", "A\xff.Flow: Sum\n",
         "A\xef\xbf\xbd.Flow A.Flow", "Sum -");
-    // Only ASCII white space goes: a no-break space is a part of a name as good as any.
+    // Only ASCII white space is stripped: a no-break space is part of a name like any other
+    // character.
     row("no-break space at the end of a slot name", "Res.Flow\xc2\xa0: Sum\nRes.Flow: Max\n",
         "Res.Flow\xc2\xa0 Res.Flow", "Sum Max");
     row("no-break space at the end of an object name", "Res\xc2\xa0.Flow: Sum\n",
@@ -176,7 +177,7 @@ void MethodControlTest::assignsMethods_data()
         "\xc2\xa0Res.\xc2\xa0"
         "Flow Res.Flow",
         "Sum -");
-    row("blank behind a no-break space", " \xc2\xa0Res . Flow\xc2\xa0 : Sum\n",
+    row("blank after a no-break space", " \xc2\xa0Res . Flow\xc2\xa0 : Sum\n",
         "\xc2\xa0Res.Flow\xc2\xa0", "Sum");
     row("name that is a no-break space", "\xc2\xa0.\xc2\xa0: Sum\n", "\xc2\xa0.\xc2\xa0 Res.Flow",
         "Sum -");
@@ -249,7 +250,7 @@ void MethodControlTest::refusesBadLines_data()
         << QByteArray("Res.Flow:\xc2\xa0")
         << QString::fromUtf8("Method Control File Error: Unknown method specified in line \n"
                              "\"Res.Flow:\xc2\xa0\"");
-    QTest::newRow("no-break space behind the method")
+    QTest::newRow("no-break space after the method")
         << QByteArray("Res.Flow: Sum\xc2\xa0")
         << QString::fromUtf8("Method Control File Error: Unknown method specified in line \n"
                              "\"Res.Flow: Sum\xc2\xa0\"");
@@ -328,7 +329,7 @@ void MethodControlTest::refusesBadLines()
     QCOMPARE(log.lines(), QStringList{QStringLiteral("Starting assignment of methods to slots ")});
 }
 
-void MethodControlTest::badLineLeavesListAndRestAlone()
+void MethodControlTest::badLineLeavesListAndRestUnchanged()
 {
     const LogCollector log;
     QStringList methods{QStringLiteral("before")};

@@ -1,6 +1,6 @@
-// What becomes of files as they come from other programs, editors and transfers: whole files in,
-// whole results out, by way of a file in text mode as the front ends open it. Each row is a change
-// of a sound file; what a row expects follows from the rules in docs/hts-format.md alone.
+// How files are converted that come from other programs, editors and transfers: from whole files to
+// whole results, with files that are open in text mode as in the front ends. Each row is a change
+// of a good file; what a row expects follows only from the rules in docs/hts-format.md.
 
 #include <algorithm>
 
@@ -27,10 +27,10 @@ const char kUnequalTiming[] = "Sizes of input value and value map vectors are mi
 const char kNoSlots[] = "No series slots with valid methods found in input HTS file";
 
 const QByteArray kMark = "\xef\xbb\xbf";
-const QByteArray kUnknown = "\xef\xbf\xbd"; // stands for a byte that is no text
+const QByteArray kUnknown = "\xef\xbf\xbd"; // replaces a byte that is not text
 
-// A sound file of one year: two slots whose values tell their places. The rules name one of them by
-// its object, the other by its object's type.
+// A good file of one year: two slots whose values are their positions. The rules name one of them
+// by its object, the other by its object's type.
 
 const QByteArray kPackage = "name:Basin study\n"
                             "owner:planning\n"
@@ -118,7 +118,7 @@ QByteArray changed(QByteArray text, const QByteArray& from, const QByteArray& to
     return text.replace(position, from.size(), to);
 }
 
-// The same of the last `from`, thus mostly in the slot of the gauge.
+// The same for the last `from`, which is mostly in the slot of the gauge.
 QByteArray lastChanged(QByteArray text, const QByteArray& from, const QByteArray& to)
 {
     const int position = text.lastIndexOf(from);
@@ -145,7 +145,7 @@ QByteArray inUtf16(const QByteArray& text)
 
 const QByteArray kLevelAlone = changed(kResult, kAnnualFlow, "");
 
-// The sound result with another sum.
+// The good result with another sum.
 QByteArray withSum(const QByteArray& sum)
 {
     return changed(kResult, "78.000000000000", sum);
@@ -230,7 +230,7 @@ QByteArray fileText(const Series& series)
                               timesteps, "units: cms\nscale: 1\n", series.values.join('\n'));
 }
 
-// The annual timesteps and sums as "timestep=sum", parted by semicolons. A sum has no decimals.
+// The annual timesteps and sums as "timestep=sum", separated by semicolons. A sum has no decimals.
 QByteArray annualText(const QByteArray& years)
 {
     QByteArrayList timesteps;
@@ -354,16 +354,16 @@ void OddFilesTest::lineEnds_data()
     gives("last line without an end", kInput.chopped(1), kResult, kControl.chopped(1));
     gives("last line without an end, Windows", windows.chopped(2), kResult);
     gives("last line with half an end, Windows", windows.chopped(1), kResult);
-    gives("text behind the last run", kInput + "number_of_runs:2\nEND_RUN\n", kResult);
+    gives("text after the last run", kInput + "number_of_runs:2\nEND_RUN\n", kResult);
     gives("end of file character", kInput + '\x1a', kResult, kControl.chopped(1));
-    gives("text behind the end line's blank", lastChanged(kInput, "END_RUN", "END_RUN of 2000"),
+    gives("text after the end line's blank", lastChanged(kInput, "END_RUN", "END_RUN of 2000"),
           kResult);
-    refused("letter behind the end line", lastChanged(kInput, "END_RUN", "END_RUNS"),
+    refused("letter after the end line", lastChanged(kInput, "END_RUN", "END_RUNS"),
             kBadSlotPreamble);
     // A carriage return alone ends no line.
     refused("carriage returns alone", withLineEnd(kInput, "\r"), kBadPackagePreamble);
     refused("carriage returns alone between rules", kInput, kNoSlots, withLineEnd(kControl, "\r"));
-    gives("carriage return alone behind one rule", kInput, changed(kResult, kAnnualLevel, ""),
+    gives("carriage return alone after one rule", kInput, changed(kResult, kAnnualLevel, ""),
           "Lake.Flow: Sum\r");
     gives("carriage return inside a name", changed(kInput, "Basin study", "Basin\rstudy"),
           changed(kResult, "Basin study", "Basin\rstudy"));
@@ -378,7 +378,7 @@ void OddFilesTest::blankLines_data()
 {
     addColumns();
     const QByteArray atEnd = lastChanged(kInput, "END_RUN", "\nEND_RUN");
-    gives("behind the last run", kInput + "\n \n\n", kResult);
+    gives("after the last run", kInput + "\n \n\n", kResult);
     gives("in the control file", kInput, kResult, '\n' + withLineEnd(kControl, "\n \t\n"));
     gives("before the end of a run", atEnd, kResult);
     gives("before the end of a run, Windows", withLineEnd(atEnd, "\r\n"), kResult);
@@ -407,7 +407,7 @@ void OddFilesTest::whiteSpace_data()
 {
     addColumns();
     const QByteArray withMethod = changed(kInput, "scale: 1\n", "scale: 1\nmethod: Max\n");
-    gives("behind every line", withLineEnd(kInput, " \t \n"), kResult,
+    gives("after every line", withLineEnd(kInput, " \t \n"), kResult,
           withLineEnd(kControl, " \t\n"));
     gives("before every line", ' ' + withLineEnd(kInput, "\n "), kResult,
           '\t' + withLineEnd(kControl, "\n\t"));
@@ -425,18 +425,18 @@ void OddFilesTest::whiteSpace_data()
           changed(changed(kResult, kAnnualLevel, ""), "78.000000000000", "77.000000000000"));
     gives("other value that begins with m", changed(kInput, "\n7\n", "\nmissing\n"),
           withSum("71.000000000000"));
-    gives("tab behind a key of the package", changed(kInput, "name:", "name:\t"),
+    gives("tab after a key of the package", changed(kInput, "name:", "name:\t"),
           changed(kResult, "name:", "name:\t"));
-    gives("tab behind the number of timesteps", changed(kInput, "time_steps:", "time_steps:\t "),
+    gives("tab after the number of timesteps", changed(kInput, "time_steps:", "time_steps:\t "),
           kResult);
     gives("tab inside a name", changed(kInput, "Lake", "La\tke"),
           changed(kResult, "Lake", "La\tke"), changed(kControl, "Lake", "La\tke"));
     gives("two blanks inside a name", changed(kInput, "Lake", "La  ke"),
           changed(kResult, "Lake", "La  ke"), changed(kControl, "Lake", "La  ke"));
-    // A key of a slot ends with a blank; with another character behind the colon it is no key.
-    gives("tab behind the object's key", changed(kInput, "object_name: ", "object_name:\t"),
+    // A key of a slot ends with a blank; with another character after the colon it is no key.
+    gives("tab after the object's key", changed(kInput, "object_name: ", "object_name:\t"),
           kLevelAlone);
-    refused("tab behind the units' key", changed(kInput, "units: ", "units:\t"), kBadColumnHeader);
+    refused("tab after the units' key", changed(kInput, "units: ", "units:\t"), kBadColumnHeader);
     refused("empty units", changed(kInput, "units: cms", "units: "), kBadColumnHeader);
     gives("tabs around a value", changed(kInput, "\n7\n", "\n\t7\t\n"), kResult);
     gives("two values in a line", changed(kInput, "\n7\n", "\n7\t8\n"), withSum("71.000000000000"));
@@ -460,7 +460,7 @@ void OddFilesTest::byteOrderMarks_data()
         changed(kMark + kInput, "start:", kMark + "start:").replace("\n7\n", '\n' + kMark + "7\n"),
         kResult);
     gives("blank before it", ' ' + kMark + kInput, kResult, "\r\n" + kMark + kControl);
-    // Only one is taken off: the line doesn't begin with a key then.
+    // Only one is removed: the line doesn't begin with a key then.
     gives("two", kMark + kMark + kInput, changed(kResult, "name:Basin study", "name:"));
     refused("file in UTF-16", inUtf16(kInput), kBadPackagePreamble);
     refused("control file in UTF-16", kInput, kNoSlots, inUtf16(kControl));
@@ -473,14 +473,14 @@ void OddFilesTest::oddBytes_data()
     // A NUL ends the text of its line.
     gives("NUL inside a name", changed(kInput, "name:Basin study", "name:Basin" + nuls + "study"),
           changed(kResult, "name:Basin study", "name:Basin"));
-    gives("NUL behind a value", changed(kInput, "\n7\n", "\n7" + nuls + '\n'), kResult);
+    gives("NUL after a value", changed(kInput, "\n7\n", "\n7" + nuls + '\n'), kResult);
     gives("NUL before a value", changed(kInput, "\n7\n", '\n' + nuls + "7\n"),
           withSum("71.000000000000"));
     gives("NULs for a value", changed(kInput, "\n7\n", '\n' + nuls + '\n'),
           withSum("71.000000000000"));
-    gives("NULs behind the last run", kInput + nuls, kResult);
-    gives("NULs behind the last rule", kInput, kResult, kControl + nuls);
-    gives("NUL behind a rule", kInput, kResult, changed(kControl, "\n", nuls + "x\n"));
+    gives("NULs after the last run", kInput + nuls, kResult);
+    gives("NULs after the last rule", kInput, kResult, kControl + nuls);
+    gives("NUL after a rule", kInput, kResult, changed(kControl, "\n", nuls + "x\n"));
     refused("NULs for a line of a preamble", changed(kInput, "owner:planning", nuls),
             kBadPackagePreamble);
     refused("NULs for the end of the file", kInput.chopped(nuls.size()) + nuls, kBadSlotPreamble);
@@ -545,7 +545,7 @@ void OddFilesTest::oddNames_data()
 void OddFilesTest::numbersOfLines_data()
 {
     addColumns();
-    // Lines that stand in the place of END_COLUMN and END_SLOT are not looked at.
+    // Lines in the place of END_COLUMN and END_SLOT are not checked.
     gives("one value too many", changed(kInput, "\n12\n", "\n12\n13\n"), kResult);
     gives("three values too many", changed(kInput, "\n12\n", "\n12\n13\n14\n15\n"), kResult);
     refused("one value too many in the last slot", changed(kInput, "\n220\n", "\n220\n230\n"),
@@ -576,7 +576,7 @@ void OddFilesTest::numbersOfLines_data()
             changed(changed(kInput, "runs:1", "runs:2"), "END_RUN\n", "") + kRun, kBadRunPreamble);
 }
 
-// The reader goes on behind a table's rows to the next line END_SLOT.
+// After a table's rows the reader skips lines up to the next END_SLOT.
 void OddFilesTest::tables_data()
 {
     addColumns();
@@ -604,7 +604,7 @@ void OddFilesTest::lettersInOtherCase_data()
     refused("end_run", lower("END_RUN\n"), kBadSlotPreamble);
     gives("end_column", lower("END_COLUMN"), kResult);
     gives("end_slot", lower("END_SLOT\n"), kResult);
-    // The preamble goes on until that of the next slot ends, whose keys come later and win.
+    // The preamble goes on until that of the next slot ends, whose keys come later and count.
     gives("end_slot_preamble", lower("END_SLOT_PREAMBLE"), kLevelAlone);
     refused("end_slot_preamble of the last slot",
             lastChanged(kInput, "END_SLOT_PREAMBLE", "end_slot_preamble"), kBadSlotPreamble);
@@ -612,7 +612,7 @@ void OddFilesTest::lettersInOtherCase_data()
     // No timesteps are announced then, and every slot has twelve values too many.
     refused("TIME_STEPS:", changed(kInput, "time_steps:", "TIME_STEPS:"), kBadSlotPreamble);
     refused("Units:", changed(kInput, "units:", "Units:"), kBadColumnHeader);
-    // Any type but two is a slot with one value; the others are passed over.
+    // Any type but two is a slot with one value; the others are skipped.
     gives("seriesslot", changed(kInput, "SeriesSlot", "seriesslot"), kLevelAlone);
     // Any unit but three counts as a day, and the first day of the year is missing.
     refused("Month", changed(kInput, "unit:month", "unit:Month"), kNoCompleteYear);
@@ -626,10 +626,10 @@ void OddFilesTest::oddValues_data()
               withSum(*sum == 'N' ? QByteArray(sum) : QByteArray(sum) + "00000000000"));
     };
     value("plus sign", "+7", "78.0");
-    value("nothing behind the point", "7.", "78.0");
+    value("nothing after the point", "7.", "78.0");
     value("nothing before the point", ".5", "71.5");
     value("exponent", "70E-1", "78.0");
-    value("no-break space before and behind",
+    value("no-break space before and after",
           "\xc2\xa0"
           "7\xc2\xa0",
           "78.0");
@@ -647,7 +647,7 @@ void OddFilesTest::oddValues_data()
     value("comma between thousands", "1,007", "71.0");
     value("exponent with the letter d", "7d0", "71.0");
     value("hexadecimal", "0x7", "71.0");
-    value("unit behind the number", "7 cms", "71.0");
+    value("unit after the number", "7 cms", "71.0");
     value("quotes", "\"7\"", "71.0");
     value("digit of full width", "\xef\xbc\x97", "71.0");
     value("NaN with a sign", "-nan", "71.0");
@@ -732,7 +732,7 @@ void OddFilesTest::orderOfTimesteps_data()
     row("in order", twoYears, "2000-12-31 24:00=78;2001-12-31 24:00=222");
     row("two months of a year swapped", swapped(twoYears, 2, 3),
         "2000-12-31 24:00=78;2001-12-31 24:00=222");
-    // January ends the year before, with the timestep that stands before it.
+    // January ends the year before, with the timestep before it.
     row("December and January swapped", swapped(twoYears, 11, 12),
         "2000-11-30 24:00=66;2001-12-31 24:00=234");
     row("a month twice", twoYears.mid(0, 3) + twoYears.mid(2),
@@ -742,8 +742,8 @@ void OddFilesTest::orderOfTimesteps_data()
     row("last December twice", twoYears + twoYears.mid(23),
         "2000-12-31 24:00=78;2001-12-31 24:00=247");
     row("a year twice", twoYears + twoYears.mid(12), "2000-12-31 24:00=78;2001-12-31 24:00=588");
-    // What follows a jump back counts to the year under way, which is complete when the last
-    // timestep ends it.
+    // What follows a jump back counts to the current year, which is complete when the last timestep
+    // ends it.
     row("back to an earlier year at the end", twoYears + twoYears.mid(5, 1), "2000-12-31 24:00=78");
     row("back to the first year and on to the end", twoYears + twoYears,
         "2000-12-31 24:00=78;2001-12-31 24:00=1098");
@@ -765,7 +765,7 @@ void OddFilesTest::gapsInTimesteps_data()
     const auto row = [](const char* name, const QStringList& timesteps, const char* years) {
         gives(name, fileText(monthly(timesteps)), annualText(years));
     };
-    // A year is complete by its ends alone.
+    // Only its first and last timestep make a year complete.
     row("June left out", without(twoYears, "2000-6-30 24:00"),
         "2000-12-31 24:00=66;2001-12-31 24:00=210");
     row("December left out", without(twoYears, "2000-12-31 24:00"),
@@ -774,7 +774,7 @@ void OddFilesTest::gapsInTimesteps_data()
         "2000-12-31 24:00=78;2001-12-31 24:00=198");
     row("first January left out", twoYears.mid(1), "2001-12-31 24:00=210");
     row("last December left out", twoYears.mid(0, 23), "2000-12-31 24:00=78");
-    // Each timestep behind a gap moves the year on by one only, until the gap is caught up with.
+    // Each timestep after a gap moves the year on by one only, until the year has caught up.
     row("a year left out", monthsOf({2000, 2002}),
         "2000-12-31 24:00=78;2002-1-31 24:00=13;2002-12-31 24:00=209");
     row("two years left out", monthsOf({2000, 2003}),
@@ -798,7 +798,7 @@ void OddFilesTest::startOfTheRun_data()
         "2000-1-31 24:00=1;2000-2-29 24:00=2;2000-3-31 24:00=3;2000-4-30 24:00=4;"
         "2000-5-31 24:00=5;2000-6-30 24:00=6;2000-7-31 24:00=7;2000-8-31 24:00=8;"
         "2000-9-30 24:00=9;2000-12-31 24:00=33");
-    // A start in an earlier year than the first timestep makes a part of a year pass for a whole
+    // With a start in an earlier year than the first timestep, a part of a year counts as a whole
     // one.
     const QStringList fromJuly = monthlyTimesteps(2000, 7, 18);
     const auto julyRow = [&](const char* name, const char* start, const char* years) {
@@ -820,7 +820,7 @@ void OddFilesTest::startOfTheRun_data()
           changed(kInput, "end:2000-12-31 24:00", "end:1990-1-31 24:00"), kResult);
 }
 
-// The unit alone counts, as if every timestep were one of it.
+// Only the unit counts, not its quantity.
 void OddFilesTest::stepsOfSeveralUnits_data()
 {
     addColumns();
@@ -847,7 +847,7 @@ void OddFilesTest::stepsOfSeveralUnits_data()
           annualText("2000-12-31 24:00=14;2001-12-31 24:00=30"));
 }
 
-// Start, end and number of timesteps decide whether a later run has years of its own.
+// Start, end and number of timesteps decide whether a later run has other years.
 void OddFilesTest::laterRuns_data()
 {
     addColumns();
@@ -901,7 +901,7 @@ void OddFilesTest::dateTimeTexts_data()
         gives(text, lastChanged(kInput, yearEnd, text), lastChanged(kResult, yearEnd, text));
     for (const char* text : {"2000-12-31 23:59", "2000-12-31 0:00"})
         refused(text, lastChanged(kInput, yearEnd, text), kNoCompleteYear);
-    // A timestep behind the year's end belongs to the next year: this one ends with November.
+    // A timestep after the year's end belongs to the next year: this one ends with November.
     gives("2001-1-1 0:01", lastChanged(kInput, yearEnd, "2001-1-1 0:01"),
           changed(withSum("66.000000000000"), "220.000000000000", "210.000000000000")
               .replace(yearEnd, "2000-11-30 24:00"));

@@ -1,7 +1,7 @@
 // The engine, which converts in one pass and reports afterwards, against the plain conversion,
 // which reads all and takes one step after the other: the same message, the same log lines, the
 // same result, and the source left at the same place. The environment variable HTS_PROPERTY_CASES
-// sets how many conversions made by chance are compared; a failure names the seed.
+// sets how many random conversions are compared; a failure names the seed.
 
 #include <array>
 #include <functional>
@@ -46,7 +46,7 @@ int caseCount()
     return count > 0 ? count : kUsualCases;
 }
 
-// The pieces of a file by hand. All runs have three timesteps and one complete year, unless told
+// The pieces of a hand-made file. All runs have three timesteps and one complete year, unless given
 // otherwise.
 
 QByteArray package(int runs)
@@ -114,7 +114,7 @@ std::unique_ptr<QIODevice> opened(const QByteArray& text, qint64 pieceSize, bool
     return device;
 }
 
-// Without a look at what is left in the source.
+// Without the bytes that are left in the source.
 Status convertPipe(QIODevice& source, const QString& controlPath, QIODevice& result)
 {
     AnnualizeHts engine;
@@ -124,7 +124,7 @@ Status convertPipe(QIODevice& source, const QString& controlPath, QIODevice& res
     return isSet ? engine.annualize() : failure(QStringLiteral("cannot set up the engine"));
 }
 
-// Gives out one line at a time, and says before each how many have been asked for.
+// Returns one line at a time, and reports before each how many have been read.
 class LineByLine : public QIODevice
 {
 public:
@@ -184,7 +184,7 @@ public:
             const ssize_t size = ::read(m_watch, events.data(), events.size());
             if (size <= 0)
                 return m_count;
-            // The events of a file have no name, and so all the same size.
+            // The events of a file have no name, so they all have the same size.
             for (ssize_t next = 0; next < size; next += ssize_t(sizeof(inotify_event))) {
                 const auto* event = reinterpret_cast<const inotify_event*>(events.data() + next);
                 m_count += (event->mask & IN_OPEN) != 0 ? 1 : 0;
@@ -205,11 +205,11 @@ class OnePassAgreementTest : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void agreesOnFilesByHand_data();
-    void agreesOnFilesByHand();
-    void agreesWhateverBecameOfTheControlFile_data();
-    void agreesWhateverBecameOfTheControlFile();
-    void agreesOnRunsThatDoNotGoTogether();
+    void agreesOnHandMadeFiles_data();
+    void agreesOnHandMadeFiles();
+    void agreesForEveryOutcomeOfTheControlFile_data();
+    void agreesForEveryOutcomeOfTheControlFile();
+    void agreesOnRunsThatDoNotMatch();
     void agreesOnBrokenFiles();
     void agreesOnFilesOfAllKindsOfSlots();
     void agreesOnConversionsThatSucceed();
@@ -247,7 +247,7 @@ QString OnePassAgreementTest::path(RandomRuns::Control control) const
     case RandomRuns::Control::Folder:
         return m_folder.path();
     case RandomRuns::Control::Unreadable:
-        // Can be opened; the read fails, for nothing is at address 0.
+        // Can be opened, but not read: nothing is mapped at address 0.
         return QStringLiteral("/proc/self/mem");
     }
     return m_rules;
@@ -277,7 +277,7 @@ QString OnePassAgreementTest::disagreement(const QByteArray& text, const QString
     return {};
 }
 
-void OnePassAgreementTest::agreesOnFilesByHand_data()
+void OnePassAgreementTest::agreesOnHandMadeFiles_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("message");
@@ -380,7 +380,7 @@ void OnePassAgreementTest::agreesOnFilesByHand_data()
         kBadHeader);
 }
 
-void OnePassAgreementTest::agreesOnFilesByHand()
+void OnePassAgreementTest::agreesOnHandMadeFiles()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, message);
@@ -393,7 +393,7 @@ void OnePassAgreementTest::agreesOnFilesByHand()
     }
 }
 
-void OnePassAgreementTest::agreesWhateverBecameOfTheControlFile_data()
+void OnePassAgreementTest::agreesForEveryOutcomeOfTheControlFile_data()
 {
     QTest::addColumn<int>("control");
     QTest::addColumn<QByteArray>("rules");
@@ -416,7 +416,7 @@ void OnePassAgreementTest::agreesWhateverBecameOfTheControlFile_data()
     row("rules for one slot", Control::File, "Lake.B: Begin\n", kSuccess);
 }
 
-void OnePassAgreementTest::agreesWhateverBecameOfTheControlFile()
+void OnePassAgreementTest::agreesForEveryOutcomeOfTheControlFile()
 {
     QFETCH(int, control);
     QFETCH(QByteArray, rules);
@@ -450,11 +450,11 @@ void OnePassAgreementTest::tryAll(const std::function<RandomRuns(quint32 seed)>&
     }
 }
 
-void OnePassAgreementTest::agreesOnRunsThatDoNotGoTogether()
+void OnePassAgreementTest::agreesOnRunsThatDoNotMatch()
 {
     QSet<QString> messages;
     tryAll([](quint32 seed) { return RandomRuns(seed); }, messages);
-    // Every end that a whole file can come to has been seen.
+    // Every outcome that a whole file can have has been seen.
     for (const char* message : {kSuccess, kBadRun, kAnnual, kNoYear, kNoSlots, kSizes})
         QVERIFY2(messages.contains(QString::fromLatin1(message)), message);
 }
@@ -514,7 +514,7 @@ void OnePassAgreementTest::asksAPipeForNothingAfterTheLastRun()
         buffer.setData(whole);
         QVERIFY(buffer.open(QIODevice::ReadOnly));
         const ConversionOutcome expected = convertInOnePass(buffer, m_rules, 12);
-        // Where the file itself is at fault, the end of the input may be what shows it.
+        // If the file itself is bad, that may only show at the end of the input.
         if (expected.status.message.startsWith(QLatin1String("Cannot read")))
             continue;
         ++converted;

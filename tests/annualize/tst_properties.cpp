@@ -25,8 +25,8 @@
 #include "tests/support/hostsystem.h"
 #include "tests/support/wholefile.h"
 
-// What must hold for every conversion, tried on conversions made by chance. The environment
-// variable HTS_PROPERTY_CASES sets how many each test tries; a failure names the seed.
+// What must be true for every conversion, tried on random conversions. The environment variable
+// HTS_PROPERTY_CASES sets how many each test tries; a failure names the seed.
 
 namespace {
 
@@ -34,7 +34,7 @@ constexpr int kUsualCases = 40;
 
 using Numbers = std::vector<double>;
 
-// The years of a case, as its calendar tells them.
+// The years of a case, by its calendar.
 struct Years
 {
     int count = 0; // below 1 when none is complete
@@ -159,9 +159,9 @@ double exactSum(const Numbers& terms)
     return std::accumulate(partials.rbegin(), partials.rend(), 0.0);
 }
 
-// What is wrong with the sum and the average of a year's usable values. Adding n numbers one after
-// another is off by (n - 1) * u * (the sum of their magnitudes) at most, with u the relative error
-// of one rounding. Dividing rounds once more.
+// What is wrong with the sum and the average of a year's usable values. The error of adding n
+// numbers one after another is (n - 1) * u * (the sum of their magnitudes) at most, with u the
+// relative error of one rounding. The division adds another.
 QString sumFault(const Numbers& year, double sum, double average)
 {
     constexpr double kTolerance = 1 + 1e-9; // for the errors of the measurement itself
@@ -204,7 +204,7 @@ QString checkSeries(const RandomCase& conversion,
     return {};
 }
 
-// What a conversion gives for a slot, in every run.
+// The result of a conversion for a slot, in every run.
 struct AnnualSlot
 {
     HtsSlot slot;
@@ -273,8 +273,7 @@ private Q_SLOTS:
     void runsDoNotMatterToEachOther();
 
 private:
-    // Tries the property, which tells what does not hold, on every case, `factor` times as many as
-    // usual.
+    // Tries the property, which returns what is wrong, on `factor` times as many cases as usual.
     template<typename Case, typename Property>
     static void tryAll(const Property& property, int factor = 1);
     // The same on those with a complete year and an annualized slot, most of them.
@@ -483,7 +482,7 @@ void PropertiesTest::packageSurvivesFile()
         const QString message = read(conversion.fileText(conversion.allRuns(), readable), first);
         if (!message.isEmpty())
             return message;
-        // The one thing that a file can't hold.
+        // The only thing that a file can't contain.
         for (auto& run : first.values) {
             for (auto& slot : run)
                 std::replace_if(

@@ -34,8 +34,8 @@ private Q_SLOTS:
     void decidesByKindAndMethod();
     void annualSlotHasTheMethodAndItsUnits_data();
     void annualSlotHasTheMethodAndItsUnits();
-    void wordThatIsNoMethodEndsTheRun_data();
-    void wordThatIsNoMethodEndsTheRun();
+    void wordThatIsNotAMethodEndsTheConversion_data();
+    void wordThatIsNotAMethodEndsTheConversion();
     void slotWithoutValuesEndsTheRun();
     void annualizesByTheMethod();
 };
@@ -115,7 +115,7 @@ void SlotPlanTest::annualSlotHasTheMethodAndItsUnits()
     QCOMPARE(annual.scales, slot.scales);
 }
 
-void SlotPlanTest::wordThatIsNoMethodEndsTheRun_data()
+void SlotPlanTest::wordThatIsNotAMethodEndsTheConversion_data()
 {
     QTest::addColumn<QString>("word");
     QTest::newRow("unknown") << QStringLiteral("Median");
@@ -123,7 +123,7 @@ void SlotPlanTest::wordThatIsNoMethodEndsTheRun_data()
     QTest::newRow("blank after it") << QStringLiteral("Sum ");
 }
 
-void SlotPlanTest::wordThatIsNoMethodEndsTheRun()
+void SlotPlanTest::wordThatIsNotAMethodEndsTheConversion()
 {
     QFETCH(QString, word);
     AggValues buffer;

@@ -16,10 +16,10 @@ class TimestepUnitTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void knowsEveryUnitByItsWord_data();
-    void knowsEveryUnitByItsWord();
-    void wordThatIsNoUnitCountsAsDay_data();
-    void wordThatIsNoUnitCountsAsDay();
+    void findsEveryUnitByItsWord_data();
+    void findsEveryUnitByItsWord();
+    void unknownUnitCountsAsDay_data();
+    void unknownUnitCountsAsDay();
     void onlyTheYearNeedsNoConversion_data();
     void onlyTheYearNeedsNoConversion();
     void firstTimestepMayEndOneUnitAfterTheStartOfTheYear_data();
@@ -38,12 +38,12 @@ static void addUnitRows()
         QTest::newRow(word) << QString::fromLatin1(word);
 }
 
-void TimestepUnitTest::knowsEveryUnitByItsWord_data()
+void TimestepUnitTest::findsEveryUnitByItsWord_data()
 {
     addUnitRows();
 }
 
-void TimestepUnitTest::knowsEveryUnitByItsWord()
+void TimestepUnitTest::findsEveryUnitByItsWord()
 {
     QFETCH(QString, word);
     const TimestepUnit* unit = findTimestepUnit(word);
@@ -52,7 +52,7 @@ void TimestepUnitTest::knowsEveryUnitByItsWord()
     QCOMPARE(QString(timestepUnitOrDay(word).word), word);
 }
 
-void TimestepUnitTest::wordThatIsNoUnitCountsAsDay_data()
+void TimestepUnitTest::unknownUnitCountsAsDay_data()
 {
     QTest::addColumn<QString>("word");
     for (const char* word : {"fortnight", "days", "Month", "YEAR", " week", "week ", "second", "0"})
@@ -60,7 +60,7 @@ void TimestepUnitTest::wordThatIsNoUnitCountsAsDay_data()
     QTest::newRow("(empty)") << QString();
 }
 
-void TimestepUnitTest::wordThatIsNoUnitCountsAsDay()
+void TimestepUnitTest::unknownUnitCountsAsDay()
 {
     QFETCH(QString, word);
     QVERIFY(findTimestepUnit(word) == nullptr);

@@ -1,6 +1,6 @@
-// Files that end too early: an HTS file and a control file are cut at every byte and converted.
-// A cut HTS file never makes a result: its runs end with a line of their own, which is missing. The
-// one exception is a cut in the lines of a table, where the reader goes on looking for "END_SLOT".
+// Files that end too early: an HTS file and a control file are cut at every byte and converted. A
+// cut HTS file never makes a result: its runs end with a line that is then missing. The only
+// exception is a cut in the lines of a table, where the reader keeps searching for "END_SLOT".
 
 #include <algorithm>
 #include <cmath>
@@ -21,7 +21,7 @@
 
 namespace {
 
-// What a line is to the reader.
+// What a line is for the reader.
 enum class Kind {
     PackagePreamble,
     RunPreamble,
@@ -37,7 +37,7 @@ enum class Kind {
     TableRow,
     TableEnd,
     RunEnd,
-    Behind // the last run
+    PastEnd // after the last run
 };
 
 struct Line
@@ -54,7 +54,7 @@ constexpr int kTable = 3; // the slot that is a table
 const QByteArray kEndSlotPreamble = "END_SLOT_PREAMBLE";
 const QByteArray kScale = "scale: ";
 
-// Value lines of a run and slot, parted by blanks; "5*3" stands for three lines with a 5.
+// Value lines of a run and slot, separated by blanks; "5*3" means three lines with a 5.
 const char* const kValueTexts[kRuns][kSlots] = {
     {"1 2 3 4 5 6 7 8 9 10 11 12 10 20 30 40 50 60 70 80 90 100 110 120 1000",
      "5*5 NaN 5*6 -12.5*12 2e3", "42", "", "0.5*11 7.25 100 NaN 1e2*10 8"},
@@ -102,7 +102,7 @@ void addSlot(Lines& lines, int run, int slot)
     add(lines, Kind::SlotEnd, "END_SLOT");
 }
 
-// A file with all that a file can have, and text behind its last run.
+// A file with everything that a file can have, and text after its last run.
 Lines wholeFile()
 {
     Lines lines;
@@ -120,7 +120,7 @@ Lines wholeFile()
             addSlot(lines, run, slot);
         add(lines, Kind::RunEnd, "END_RUN");
     }
-    add(lines, Kind::Behind, "number_of_runs:3\n");
+    add(lines, Kind::PastEnd, "number_of_runs:3\n");
     return lines;
 }
 
@@ -141,7 +141,7 @@ struct Cut
     QByteArray left; // of this line
 };
 
-// The cut before each byte of textOf(lines, lineEnd), and the one behind the last.
+// The cut before each byte of textOf(lines, lineEnd), and the one after the last.
 QVector<Cut> allCuts(const Lines& lines, const QByteArray& lineEnd)
 {
     QVector<Cut> cuts;
@@ -156,7 +156,7 @@ QVector<Cut> allCuts(const Lines& lines, const QByteArray& lineEnd)
     return cuts;
 }
 
-// Where a cut falls, and what becomes of the conversion.
+// Where a cut is, and the outcome of the conversion.
 struct CutClass
 {
     const char* name;
@@ -169,7 +169,7 @@ const char kBadSlotPreamble[] = "Cannot read slot preamble";
 const char kBadColumnHeader[] = "Cannot read HTS file: Missing units or scale";
 
 // In all classes with kBadSlotPreamble what is missing reads as empty lines, thus as values of 0,
-// up to the place where the next slot or the end of the run must stand.
+// up to the place where the next slot or the end of the run must be.
 const CutClass kClasses[] = {
     {"in the package preamble", kBadPackagePreamble},
     {"in a run preamble", kBadRunPreamble},
@@ -180,15 +180,15 @@ const CutClass kClasses[] = {
     {"in the method line: the letters left are another method, or none", kBadSlotPreamble},
     {"inside a value line: what is left is another number, or none", kBadSlotPreamble},
     {"before a value line: the values left out are 0", kBadSlotPreamble},
-    {"behind the last value of a slot: all values are there", kBadSlotPreamble},
-    {"in a table: its end is looked for without end", nullptr},
+    {"after the last value of a slot: all values are there", kBadSlotPreamble},
+    {"in a table: the search for its end never ends", nullptr},
     {"at the end of a run", kBadSlotPreamble},
-    {"behind the end of the last run: nothing is missing", ""},
+    {"after the end of the last run: nothing is missing", ""},
 };
 
 int classOf(const Lines& lines, const Cut& cut)
 {
-    switch (cut.line == lines.size() ? Kind::Behind : lines.at(cut.line).kind) {
+    switch (cut.line == lines.size() ? Kind::PastEnd : lines.at(cut.line).kind) {
     case Kind::PackagePreamble:
         return 0;
     case Kind::RunPreamble:
@@ -214,7 +214,7 @@ int classOf(const Lines& lines, const Cut& cut)
         return 10;
     case Kind::RunEnd:
         return 11;
-    case Kind::Behind:
+    case Kind::PastEnd:
         return 12;
     }
     return -1;
@@ -294,7 +294,7 @@ HtsValues valuesLeft(const Lines& lines, const Cut& cut)
 
 const QByteArray kControl = "A.Flow: Sum\nA.Level: SumNaN\n*.*: Max\n";
 
-// The lines of an annual slot: its preamble, and what a method makes of its values.
+// The lines of an annual slot: its preamble, and the results of a method for its values.
 QByteArray annualSlot(const QByteArray& preamble, const QByteArray& units, const QByteArray& method,
                       const QByteArray& values)
 {
@@ -332,8 +332,8 @@ QByteArray wholeResult()
             annualSlot(kGauge, "cms", "Max", "-0.125000000000 111.000000000000"));
 }
 
-// A device whose data stops at a cut: it reads as empty many times, as the end of a file does, and
-// only then goes on with "END_SLOT".
+// A device whose data stops at a cut: it reads as empty many times, like the end of a file, and
+// only then continues with "END_SLOT".
 class CutDevice : public QIODevice
 {
 public:
@@ -343,7 +343,7 @@ public:
     }
 
     bool isSequential() const override { return true; }
-    // Whether there were more reads behind the end than a whole file has lines.
+    // Whether there were more reads after the end than a whole file has lines.
     bool wasReadWithoutEnd() const { return m_emptyReads >= kPatience; }
 
 protected:
@@ -494,8 +494,8 @@ void TruncationTest::cutsInATableAreReadWithoutEnd_data()
     addLineEndRows();
 }
 
-// For every cut, also those of the other classes: none of them is read without end. The range is
-// looked up in the text: from a table's preamble on, up to its "END_SLOT".
+// For every cut, also those of the other classes: their reading ends. The range is found in the
+// text: from a table's preamble on, up to its "END_SLOT".
 void TruncationTest::cutsInATableAreReadWithoutEnd()
 {
     QFETCH(QByteArray, lineEnd);
@@ -519,7 +519,7 @@ void TruncationTest::cutsInATableAreReadWithoutEnd()
         const CutClass& cutClass = kClasses[classOf(lines, cuts.at(size))];
         QVERIFY2(device.wasReadWithoutEnd() == isWithoutEnd, description(size, cutClass.name));
         QVERIFY2((cutClass.message == nullptr) == isWithoutEnd, description(size, cutClass.name));
-        // The table found its end at last, and after it there is nothing.
+        // The end of the table was found at last, and nothing follows it.
         const char* expected = isWithoutEnd ? kBadSlotPreamble : cutClass.message;
         QVERIFY2(message == QLatin1String(expected), description(size, cutClass.name, message));
     }
@@ -530,8 +530,8 @@ void TruncationTest::valuesOfACutFile_data()
     addLineEndRows();
 }
 
-// What a refused file would have given: the values before the cut as they are, then what the cut
-// line still says, then 0 up to the end of the column.
+// The values of a refused file: those before the cut unchanged, then that of the cut line, then 0
+// up to the end of the column.
 void TruncationTest::valuesOfACutFile()
 {
     QFETCH(QByteArray, lineEnd);
@@ -558,8 +558,8 @@ void TruncationTest::cutControlFile_data()
     QTest::newRow("byte order mark") << QByteArray("\n") << true;
 }
 
-// A cut control file is a control file when the last line left is a rule, whole or not: rules
-// behind the cut are missing, and "SumNaN" may have become "Sum".
+// A cut control file is still good when its last line is a rule, complete or not: rules after the
+// cut are missing, and "SumNaN" may have become "Sum".
 void TruncationTest::cutControlFile()
 {
     QFETCH(QByteArray, lineEnd);

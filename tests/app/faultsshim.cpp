@@ -2,12 +2,12 @@
 //
 //   FAULTS_FILE    the file; for "open" spelt as the program does
 //   FAULTS_CALL    "open", "read", "write" or "close"
-//   FAULTS_AT      "read" and "write" pass on what lies before this byte
-//   FAULTS_COUNT   so many calls then fail, and later ones work again
-//   FAULTS_ERROR   the errno of a failing call; 0 stands for "nothing was read or written"
+//   FAULTS_AT      "read" and "write" work for the bytes before this one
+//   FAULTS_COUNT   the number of calls that then fail; later ones work again
+//   FAULTS_ERROR   the errno of a failing call; 0 for "nothing was read or written"
 //   FAULTS_SIGNAL  a signal that the process gets when a call is about to fail
 //
-// A call that would go beyond the byte is cut short, as a disk does it.
+// A call that would go beyond the byte is cut short, as by a disk.
 
 #include <algorithm>
 #include <cerrno>
@@ -77,7 +77,7 @@ ssize_t transfer(const char* name, int descriptor, Bytes bytes, std::size_t coun
     static bool isPast = false;
     if (isPast || !isFaultyCall(name, descriptor))
         return real(descriptor, bytes, count);
-    // As with a bad place of a disk, what counts is where the file stands.
+    // As with a bad sector of a disk, the position in the file counts.
     const off_t position = ::lseek(descriptor, 0, SEEK_CUR);
     const long bytesLeft = numberOf("FAULTS_AT") - (position >= 0 ? position : movedBytes);
     if (bytesLeft <= 0) {
@@ -119,7 +119,7 @@ ssize_t write(int descriptor, const void* bytes, size_t count)
     return transfer<ssize_t (*)(int, const void*, size_t)>("write", descriptor, bytes, count);
 }
 
-// The descriptor is closed in every case, as the kernel does it.
+// The descriptor is closed in any case, as by the kernel.
 int close(int descriptor)
 {
     static const auto real = realFunction<int (*)(int)>("close");

@@ -1,8 +1,8 @@
-// The command line as a user meets it: options, console texts, exit codes and the log file.
+// The command line as a user sees it: options, console texts, exit codes and the log file.
 
 #include <QtTest>
 
-#include "tests/app/processrun.h"
+#include "tests/app/annualizerrun.h"
 #include "tests/support/hostlocale.h"
 
 namespace {
@@ -95,9 +95,9 @@ private Q_SLOTS:
     void consoleAndExitCode();
     void nothingIsCreatedBeforeThePathsAreComplete();
     void outputStaysTruncatedWhenALaterStepFails();
-    void toolkitVariablesLeaveNoTraceOnTheConsole();
+    void toolkitVariablesPrintNothing();
     void needsNoDisplay();
-    void toolkitThatCannotStartTellsWhy();
+    void toolkitThatCannotStartReportsWhy();
     void conversionWritesResultAndLogAndNothingElse();
     void endMonth_data();
     void endMonth();
@@ -211,7 +211,7 @@ void TestCommandLine::consoleAndExitCode()
     QFETCH(QByteArray, console);
     QFETCH(int, exitCode);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.start(arguments);
     QCOMPARE(run.output, console);
@@ -223,7 +223,7 @@ void TestCommandLine::consoleAndExitCode()
 
 void TestCommandLine::nothingIsCreatedBeforeThePathsAreComplete()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     run.start(words("-i none.hts -o b.hts -c c.txt"));
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(run.files(), QStringList());
@@ -231,7 +231,7 @@ void TestCommandLine::nothingIsCreatedBeforeThePathsAreComplete()
 
 void TestCommandLine::outputStaysTruncatedWhenALaterStepFails()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.write(QStringLiteral("b.hts"), "old");
     run.start(words("-i a.hts -o b.hts"));
@@ -241,9 +241,9 @@ void TestCommandLine::outputStaysTruncatedWhenALaterStepFails()
 }
 
 // A job of a scheduler has next to no environment, which the toolkit complains about.
-void TestCommandLine::toolkitVariablesLeaveNoTraceOnTheConsole()
+void TestCommandLine::toolkitVariablesPrintNothing()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.environment.insert(QStringLiteral("QT_STYLE_OVERRIDE"), QStringLiteral("no such style"));
     run.environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), QStringLiteral("/no/such/folder"));
@@ -255,7 +255,7 @@ void TestCommandLine::toolkitVariablesLeaveNoTraceOnTheConsole()
 
 void TestCommandLine::needsNoDisplay()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
         run.environment.remove(QString::fromLatin1(variable));
     run.start({QStringLiteral("-v")});
@@ -264,9 +264,9 @@ void TestCommandLine::needsNoDisplay()
     QCOMPARE(run.exitCode, 0);
 }
 
-void TestCommandLine::toolkitThatCannotStartTellsWhy()
+void TestCommandLine::toolkitThatCannotStartReportsWhy()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     run.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
     run.start({QStringLiteral("-v")});
     QCOMPARE(run.exitCode, -1);
@@ -277,7 +277,7 @@ void TestCommandLine::toolkitThatCannotStartTellsWhy()
 
 void TestCommandLine::conversionWritesResultAndLogAndNothingElse()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.start(words("-i a.hts -o b.hts -c c.txt"));
     QCOMPARE(run.output, QByteArray());
@@ -298,8 +298,8 @@ void TestCommandLine::endMonth_data()
     const QByteArray december = "2000-12-31 24:00 2001-12-31 24:00";
     QTest::newRow("none: December") << QStringList() << december;
     QTest::newRow("12") << words("-y 12") << december;
-    QTest::newRow("-1 stands for none") << words("-y -1") << december;
-    QTest::newRow("text behind the number") << words("-y 12th") << december;
+    QTest::newRow("-1 means none") << words("-y -1") << december;
+    QTest::newRow("text after the number") << words("-y 12th") << december;
     QTest::newRow("blank before the number")
         << QStringList{QStringLiteral("-y"), QStringLiteral(" -1")} << december;
     QTest::newRow("no value: December") << words("-y") << december;
@@ -313,7 +313,7 @@ void TestCommandLine::endMonth()
     QFETCH(QStringList, option);
     QFETCH(QByteArray, annualSteps);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.start(words("-i a.hts -o b.hts -c c.txt") + option);
     QCOMPARE(run.exitCode, 0);
@@ -342,7 +342,7 @@ void TestCommandLine::invalidEndMonth()
     QFETCH(QString, given);
     QFETCH(QByteArray, reported);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.start(words("-i a.hts -o b.hts -c c.txt -y") + QStringList{given});
     QCOMPARE(run.output, QByteArray());
@@ -357,7 +357,7 @@ void TestCommandLine::invalidEndMonth()
 
 void TestCommandLine::laterValueOfAnOptionReplacesTheEarlier()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.start(words("-i none.hts -o x.hts -c none.txt -i a.hts -o b.hts -c c.txt"));
     QCOMPARE(run.exitCode, 0);
@@ -367,7 +367,7 @@ void TestCommandLine::laterValueOfAnOptionReplacesTheEarlier()
 
 void TestCommandLine::onlyTheFirstLetterOfAnOptionCounts()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.start(words("-input a.hts -output b.hts -control c.txt -log d.log -year 12"));
     QCOMPARE(run.exitCode, 0);
@@ -395,7 +395,7 @@ void TestCommandLine::logPath()
     QFETCH(QString, output);
     QFETCH(QString, log);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     QVERIFY(QDir().mkdir(run.path(QStringLiteral("data.old"))));
     run.start(words("-i a.hts -c c.txt -o") + QStringList{output});
@@ -407,14 +407,14 @@ void TestCommandLine::logPath()
 
 void TestCommandLine::environmentReferencesInAllPaths()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.environment.insert(QStringLiteral("STUDY"), run.path(QString()));
     run.environment.insert(QStringLiteral("NAME"), QStringLiteral("a"));
     run.start(words("-i ${STUDY}/$NAME.hts -o $(STUDY)/b.hts -c $STUDY/c.txt -l $STUDY/d.log"));
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
-    // The log tells the paths after substitution.
+    // The log has the paths after substitution.
     const QByteArray folder = run.path(QString()).toUtf8();
     QCOMPARE(withoutTime(run.read(QStringLiteral("d.log"))),
              logWithOutcome(kCreated)
@@ -447,7 +447,7 @@ void TestCommandLine::undefinedReferences()
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, console);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.start(arguments);
     QCOMPARE(run.output, console);
@@ -489,7 +489,7 @@ void TestCommandLine::engineFailureGoesToTheLog()
     QFETCH(QByteArray, control);
     QFETCH(QByteArray, message);
 
-    ProcessRun run;
+    AnnualizerRun run;
     run.write(QStringLiteral("a.hts"), input);
     run.write(QStringLiteral("c.txt"), control);
     run.start(words("-i a.hts -o b.hts -c c.txt"));
@@ -508,12 +508,13 @@ void TestCommandLine::namesOutsideAsciiUnderEveryLocale_data()
         QTest::newRow(*locale != 0 ? locale : "none") << QString::fromLatin1(locale);
 }
 
-// A unit such as cubic metres per second, and a file name, must survive a scheduler's job.
+// A unit such as cubic metres per second, and a file name, must not be changed in a scheduler's
+// job.
 void TestCommandLine::namesOutsideAsciiUnderEveryLocale()
 {
     QFETCH(QString, locale);
 
-    ProcessRun run;
+    AnnualizerRun run;
     run.environment.remove(QStringLiteral("LC_ALL"));
     if (!locale.isEmpty())
         run.environment.insert(QStringLiteral("LC_ALL"), locale);
@@ -524,7 +525,7 @@ void TestCommandLine::namesOutsideAsciiUnderEveryLocale()
     run.write(QStringLiteral("c.txt"), lake + ".Outflow: Sum\n");
     const QString result = QString::fromUtf8("d\xc3\xa9"
                                              "bit.hts");
-    // A shell passes the bytes of the name as they are, whatever this test's own locale is.
+    // A shell passes the bytes of the name unchanged, independent of this test's locale.
     run.write(QStringLiteral("run.sh"), "exec \"$PROGRAM\" -i a.hts -o d\xc3\xa9"
                                         "bit.hts -c c.txt\n");
     run.startShell(QStringLiteral(". ./run.sh; "));
@@ -560,18 +561,18 @@ void TestCommandLine::datesHaveTheSameDigitsUnderEveryLocale()
     QFETCH(QString, variable);
     QFETCH(QString, locale);
 
-    // Dates in the locale's own digits mean as much, or as little, as under any other locale.
+    // Dates in the digits of the locale mean the same as under any other locale.
     const QByteArray ownDigits = inDigitsOf(QLocale(locale), "2015-3-31 18:00").toUtf8();
     const QByteArray inputs[] = {
         monthlyFile(), monthlyFile().replace("2015-3-31 24:00", ownDigits),
         monthlyFile().replace("start:2000-1-31 24:00", "start:" + ownDigits)};
     for (const QByteArray& input : inputs) {
-        ProcessRun plain;
+        AnnualizerRun plain;
         writeInputs(plain);
         plain.write(QStringLiteral("a.hts"), input);
         plain.start(words("-i a.hts -o b.hts -c c.txt"));
 
-        ProcessRun run;
+        AnnualizerRun run;
         writeInputs(run);
         run.write(QStringLiteral("a.hts"), input);
         run.environment.remove(QStringLiteral("LC_ALL"));
@@ -612,7 +613,7 @@ void TestCommandLine::hoursAcrossADaylightSavingChange()
     QByteArray results[2];
     const char* const zones[] = {"UTC", "America/Denver"};
     for (int i = 0; i < 2; ++i) {
-        ProcessRun run;
+        AnnualizerRun run;
         run.environment.insert(QStringLiteral("TZ"), QString::fromLatin1(zones[i]));
         run.write(QStringLiteral("a.hts"), text);
         run.write(QStringLiteral("c.txt"), "*.*: Sum\n");

@@ -3,7 +3,7 @@
 
 #include <QtTest>
 
-#include "tests/app/processrun.h"
+#include "tests/app/annualizerrun.h"
 
 namespace {
 
@@ -54,7 +54,7 @@ void TestExamples::conversionGivesTheComputedResult()
     QFETCH(QByteArray, lineEnd);
 
     const QString root = QStringLiteral(SOURCE_DIR "/");
-    ProcessRun run;
+    AnnualizerRun run;
     run.write(QStringLiteral("a.hts"), content(root + input).replace("\n", lineEnd));
     run.write(QStringLiteral("c.txt"), content(root + control).replace("\n", lineEnd));
     run.start({QStringLiteral("-i"), QStringLiteral("a.hts"), QStringLiteral("-o"),

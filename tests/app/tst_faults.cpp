@@ -1,5 +1,5 @@
-// What the program does when files, disks and limits fail it: the text that the user sees, the exit
-// code, and what is left on disk. Never a success with a result that is not whole.
+// What the program does when files and disks fail or limits are reached: the text that the user
+// sees, the exit code, and what is left on disk. Never a success with an incomplete result.
 
 #include <cerrno>
 #include <csignal>
@@ -11,9 +11,9 @@
 #include <unistd.h>
 
 #include "annualize/annualizehts.h"
+#include "tests/app/annualizerrun.h"
 #include "tests/app/faultsdevice.h"
 #include "tests/app/faultsinput.h"
-#include "tests/app/processrun.h"
 
 namespace {
 
@@ -28,13 +28,13 @@ QByteArray logWithError(const QByteArray& message)
     return logWithOutcome("HtsAnnualizer Error: \n" + message + "\n\n");
 }
 
-QByteArray bytes(const ProcessRun& run, const char* name)
+QByteArray bytes(const AnnualizerRun& run, const char* name)
 {
     return run.read(QString::fromLatin1(name));
 }
 
 // An input with many slots, a control file with a rule for each, and a result of an earlier run.
-void writeManySlots(const ProcessRun& run)
+void writeManySlots(const AnnualizerRun& run)
 {
     QByteArray control;
     for (int i = 0; i < kManySlots; ++i)
@@ -44,7 +44,7 @@ void writeManySlots(const ProcessRun& run)
     run.write(QStringLiteral("b.hts"), kOldResult);
 }
 
-// In front of a program, makes permissions count for it: root passes over them unless it is without
+// A prefix of a command that makes permissions count for it: root ignores them unless it is without
 // two of its capabilities.
 QString withPermissionsThatCount()
 {
@@ -64,7 +64,7 @@ struct Fault
     int signal = 0;
 };
 
-void preload(ProcessRun& run, const Fault& fault)
+void preload(AnnualizerRun& run, const Fault& fault)
 {
     const auto set = [&run](const char* name, const QString& value) {
         run.environment.insert(QString::fromLatin1(name), value);
@@ -76,18 +76,18 @@ void preload(ProcessRun& run, const Fault& fault)
     set("FAULTS_COUNT", QString::number(fault.count));
     set("FAULTS_ERROR", QString::number(fault.error));
     set("FAULTS_SIGNAL", QString::number(fault.signal));
-    // The address sanitizer wants to come before any other library, and says so.
+    // The address sanitizer must come before any other library, and would report that it does not.
     set("ASAN_OPTIONS", run.environment.value(QStringLiteral("ASAN_OPTIONS")) +
                             QStringLiteral(":verify_asan_link_order=0"));
 }
 
 // Counts of a coverage build, written when the program ends, are kept out of the run's limits.
-void keepCoverageCountsAside(ProcessRun& run)
+void keepCoverageCountsAside(AnnualizerRun& run)
 {
     run.environment.insert(QStringLiteral("GCOV_PREFIX"), run.path(QStringLiteral("counts")));
 }
 
-// Converts what the device gives with the engine alone.
+// Converts the data of the device with the engine only.
 Status annualize(QIODevice& source, QByteArray& result)
 {
     QTemporaryFile control;
@@ -144,8 +144,8 @@ private Q_SLOTS:
     void resultWithoutReader();
 };
 
-// Who runs the tests may ignore signals, as a shell does for what it runs in the background, and
-// the program would inherit that.
+// The process that runs the tests may ignore signals, as a shell does for what it runs in the
+// background, and the program would inherit that.
 void TestFaults::initTestCase()
 {
     for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE, SIGXFSZ})
@@ -196,7 +196,7 @@ void TestFaults::refusedPaths()
     QFETCH(QByteArray, console);
     QFETCH(QByteArray, resultAfter);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.write(QStringLiteral("b.hts"), kOldResult);
     run.startShell(preparation);
@@ -246,7 +246,7 @@ void TestFaults::noFreeDescriptor()
     QFETCH(QByteArray, log);
     QFETCH(QByteArray, resultAfter);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.write(QStringLiteral("b.hts"), kOldResult);
     const QByteArray fileName = file.toLatin1();
@@ -279,7 +279,7 @@ void TestFaults::unusableControlFile()
 {
     QFETCH(QString, preparation);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.write(QStringLiteral("b.hts"), kOldResult);
     run.startShell(QStringLiteral("%1\n%2 \"$PROGRAM\" -i a.hts -o b.hts -c c.txt")
@@ -309,14 +309,14 @@ void TestFaults::inputThatCannotBeRead_data()
     row("in the timesteps", input.indexOf("2000-9"), kAlways, "");
     row("in a value", value + 3, kAlways, "");
     row("between two values", value, kAlways, "");
-    // What was read before and what can be read later would join to a file with values missing.
+    // What was read before and what can be read later would together be a file with missing values.
     row("in a value, for a while", value + 3, 2, "");
     row("between two values, for a while", value, 2, "");
     row("between two slots, for a while", input.indexOf("object_type", value), 3, "");
-    // Nothing is missing but the last line end; or not even that, as more is asked for than there
-    // is.
+    // Only the last line end is missing; or not even that, when more bytes are asked for than there
+    // are.
     row("at the last byte", input.size() - 1, kAlways, whole);
-    row("behind the last byte", input.size(), kAlways, whole);
+    row("after the last byte", input.size(), kAlways, whole);
     // The toolkit asks again.
     QTest::newRow("once") << value << 1 << logWithOutcome(kCreated) << whole;
 }
@@ -328,7 +328,7 @@ void TestFaults::inputThatCannotBeRead()
     QFETCH(QByteArray, outcome);
     QFETCH(QByteArray, result);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeManySlots(run);
     preload(run, {"a.hts", "read", at, count});
     run.start(words("-i a.hts -o b.hts -c c.txt"));
@@ -363,16 +363,16 @@ void TestFaults::inputThatEndsEarly()
     QFETCH(int, size);
     QFETCH(QByteArray, message);
 
-    ProcessRun file;
+    AnnualizerRun file;
     writeManySlots(file);
     preload(file, {"a.hts", "read", size, kAlways, 0});
     file.start(words("-i a.hts -o b.hts -c c.txt"));
-    ProcessRun pipe;
+    AnnualizerRun pipe;
     writeManySlots(pipe);
     pipe.startShell(QStringLiteral("mkfifo p; head -c %1 a.hts > p &\n"
                                    "\"$PROGRAM\" -i p -o b.hts -c c.txt")
                         .arg(size));
-    for (const ProcessRun* run : {&file, &pipe}) {
+    for (const AnnualizerRun* run : {&file, &pipe}) {
         QCOMPARE(run->output, QByteArray());
         QCOMPARE(run->errors, QByteArray());
         QCOMPARE(run->exitCode, 1);
@@ -382,7 +382,7 @@ void TestFaults::inputThatEndsEarly()
     }
 }
 
-// A device can't tell the engine more than that nothing comes. Only the last line end may be
+// A device can only report to the engine that nothing more comes. Only the last line end may be
 // missing.
 void TestFaults::inputErrorAtAnyByteOfADevice()
 {
@@ -409,13 +409,13 @@ void TestFaults::controlFileThatCannotBeRead_data()
     QTest::newRow("at the last byte") << -1 << kAlways;
 }
 
-// With some of the rules the result would lack slots without a word.
+// With only some of the rules the result would silently lack slots.
 void TestFaults::controlFileThatCannotBeRead()
 {
     QFETCH(int, at);
     QFETCH(int, count);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeManySlots(run);
     const int size = bytes(run, "c.txt").size();
     preload(run, {"c.txt", "read", at < 0 ? size + at : at, count});
@@ -447,7 +447,7 @@ void TestFaults::resultThatCannotBeWritten_data()
     row("full at the last byte", "write", size - 1, ENOSPC, full);
     row("broken", "write", 20000, EIO, "Input/output error");
     row("quota", "write", 20000, EDQUOT, "Disk quota exceeded");
-    row("told when the file is closed", "close", size, EIO, "Input/output error");
+    row("reported when the file is closed", "close", size, EIO, "Input/output error");
 }
 
 void TestFaults::resultThatCannotBeWritten()
@@ -457,7 +457,7 @@ void TestFaults::resultThatCannotBeWritten()
     QFETCH(int, error);
     QFETCH(QByteArray, message);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeManySlots(run);
     const QByteArray callName = call.toLatin1();
     preload(run, {"b.hts", callName.constData(), at, kAlways, error});
@@ -466,7 +466,7 @@ void TestFaults::resultThatCannotBeWritten()
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(withoutTime(bytes(run, "b.log")), logWithError(message));
-    // What the disk took stays.
+    // What the disk has accepted stays.
     const QByteArray sums = withSlots(monthlySums(), kManySlots);
     const QByteArray result = bytes(run, "b.hts");
     QVERIFY2(sums.startsWith(result), result);
@@ -490,7 +490,7 @@ void TestFaults::resultOnADiskThatIsFullForAWhile()
     QFETCH(int, at);
     QFETCH(int, count);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeManySlots(run);
     preload(run, {"b.hts", "write", at, count, ENOSPC});
     run.start(words("-i a.hts -o b.hts -c c.txt"));
@@ -517,17 +517,17 @@ void TestFaults::logThatCannotBeWritten_data()
     row("full from the start", "write", 0, 0);
     row("full in the header", "write", 40, 40);
     row("full in the outcome", "write", 150, 150);
-    row("told when the file is closed", "close", 0, -1);
+    row("reported when the file is closed", "close", 0, -1);
 }
 
-// The result is whole then, but its reader can't know.
+// The result is then complete, but whoever reads it can't know that.
 void TestFaults::logThatCannotBeWritten()
 {
     QFETCH(QString, call);
     QFETCH(int, at);
     QFETCH(int, size);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeManySlots(run);
     const QByteArray callName = call.toLatin1();
     preload(run, {"b.log", callName.constData(), at, kAlways, ENOSPC});
@@ -560,7 +560,7 @@ void TestFaults::limitOfTheFileSize()
     QFETCH(int, blocks);
     QFETCH(bool, isSignalIgnored);
 
-    ProcessRun run;
+    AnnualizerRun run;
     keepCoverageCountsAside(run);
     writeManySlots(run);
     run.startShell(QStringLiteral("%1 ulimit -c 0; ulimit -f %2; "
@@ -574,15 +574,15 @@ void TestFaults::limitOfTheFileSize()
     QCOMPARE(bytes(run, "b.hts"), withSlots(monthlySums(), kManySlots).left(blocks * 512));
 }
 
-// How many files the libraries open is their own affair, so every limit is tried until the
-// conversion succeeds.
+// How many files the libraries open is not known, so every limit is tried until the conversion
+// succeeds.
 void TestFaults::fewOpenFiles()
 {
     int limit = 2;
     bool isSuccess = false;
     while (!isSuccess && limit < 64) {
         ++limit;
-        ProcessRun run;
+        AnnualizerRun run;
         keepCoverageCountsAside(run);
         writeInputs(run);
         run.write(QStringLiteral("b.hts"), kOldResult);
@@ -596,8 +596,8 @@ void TestFaults::fewOpenFiles()
         } else {
             // The program says so, or the system when it cannot load a library.
             QVERIFY2(run.exitCode == 1 || run.exitCode == 127, QByteArray::number(limit));
-            const QByteArray told = run.output + run.errors + bytes(run, "b.log");
-            QVERIFY2(told.contains("rror"), QByteArray::number(limit));
+            const QByteArray reported = run.output + run.errors + bytes(run, "b.log");
+            QVERIFY2(reported.contains("rror"), QByteArray::number(limit));
             QVERIFY2(result == kOldResult || result.isEmpty(), result);
         }
     }
@@ -614,13 +614,14 @@ void TestFaults::endedBySignalWhileReading_data()
     QTest::newRow("killed") << QStringLiteral("KILL") << QByteArray("137\n");
 }
 
-// The pipe holds less than what is written to it, so the program is reading when the signal comes.
+// The buffer of the pipe is smaller than what is written to it, so the program is reading when the
+// signal comes.
 void TestFaults::endedBySignalWhileReading()
 {
     QFETCH(QString, signal);
     QFETCH(QByteArray, status);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.write(QStringLiteral("b.hts"), kOldResult);
     run.startShell(QStringLiteral("mkfifo p; \"$PROGRAM\" -i p -o b.hts -c c.txt & exec 3>p; "
@@ -644,7 +645,7 @@ void TestFaults::endedBySignalWhileWriting()
 {
     QFETCH(int, signal);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeManySlots(run);
     preload(run, {"b.hts", "write", 20000, 1, 0, signal});
     run.start(words("-i a.hts -o b.hts -c c.txt"));
@@ -671,14 +672,14 @@ void TestFaults::consoleWithoutReader_data()
     row("error, signal ignored", "trap '' PIPE;", "-i none.hts", "1\n");
 }
 
-// As for any Unix tool: what nobody reads ends it, unless the signal is ignored.
+// As for any Unix tool: writing what nothing reads ends it, unless the signal is ignored.
 void TestFaults::consoleWithoutReader()
 {
     QFETCH(QString, trap);
     QFETCH(QString, arguments);
     QFETCH(QByteArray, status);
 
-    ProcessRun run;
+    AnnualizerRun run;
     run.startShell(QStringLiteral("%1 mkfifo p; exec 3<>p; exec 4>p; exec 3>&-; "
                                   "\"$PROGRAM\" %2 >&4 4>&-; echo $?")
                        .arg(trap, arguments));
@@ -703,7 +704,7 @@ void TestFaults::resultWithoutReader()
     QFETCH(QByteArray, status);
     QFETCH(QByteArray, outcome);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.startShell(QStringLiteral("%1 mkfifo p; { \"$PROGRAM\" -i p -o /dev/stdout -c c.txt "
                                   "-l b.log; echo $? >&2; } | { exec <&-; cat a.hts > p; }")

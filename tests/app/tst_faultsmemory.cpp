@@ -1,11 +1,11 @@
-// The program with less memory than it needs. Whatever the limit is, a conversion has the whole
-// result or it fails, and where the program itself got to work it says so.
+// The program with less memory than it needs. For every limit a conversion has the whole result or
+// fails, and if the program could start, it reports the failure.
 
 #include <QRegularExpression>
 #include <QtTest>
 
+#include "tests/app/annualizerrun.h"
 #include "tests/app/faultsinput.h"
-#include "tests/app/processrun.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ const char kNoMemory[] = "HtsAnnualizer Error: Not enough memory\n\n";
 // Steps of the limit, in KiB.
 constexpr int kCoarse = 2048;
 constexpr int kFine = 128;
-constexpr int kMost = 4 * 1024 * 1024;
+constexpr int kMaxLimit = 4 * 1024 * 1024;
 
 } // namespace
 
@@ -25,7 +25,7 @@ class TestFaultsMemory : public QObject
 
 private Q_SLOTS:
     void initTestCase();
-    void limitsAroundTheLeastThatWillDo();
+    void limitsAroundTheLowestThatSuffices();
     void inputWithoutEnd();
 
 private:
@@ -37,7 +37,7 @@ private:
     };
 
     Outcome runWithLimit(int kilobytes);
-    int leastThatWillDo();
+    int lowestSufficientLimit();
 
     QByteArray m_input;
     QByteArray m_result;
@@ -54,11 +54,11 @@ void TestFaultsMemory::initTestCase()
 
 TestFaultsMemory::Outcome TestFaultsMemory::runWithLimit(int kilobytes)
 {
-    ProcessRun run;
+    AnnualizerRun run;
     run.write(QStringLiteral("a.hts"), m_input);
     run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
     run.write(QStringLiteral("b.hts"), kOldResult);
-    // Counts of a coverage build are kept out.
+    // Without the counts of a coverage build.
     run.environment.insert(QStringLiteral("GCOV_PREFIX"), run.path(QStringLiteral("counts")));
     run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1 || exit 127; "
                                   "exec \"$PROGRAM\" -i a.hts -o b.hts -c c.txt")
@@ -83,27 +83,27 @@ TestFaultsMemory::Outcome TestFaultsMemory::runWithLimit(int kilobytes)
         run.exitCode == -1 && run.output.isEmpty() &&
         (toolkitText == noPlatform ||
          toolkitText == noPlatform.left(noPlatform.indexOf("Available platform plugins")));
-    // GLib, which the toolkit is started with, has a text of its own.
+    // GLib, which is started with the toolkit, has its own text.
     static const QRegularExpression glibText(
         QStringLiteral("^[./]*glib/gprintf\\.c:\\d+: failed to allocate memory\n$"));
     const bool isWithoutGlib = run.exitCode == -1 && run.output.isEmpty() &&
                                glibText.match(QString::fromLatin1(run.errors)).hasMatch();
     if (isWithoutPlatform || isWithoutGlib)
         return result == kOldResult && log == "(no file)" ? Outcome::NotStarted : Outcome::Wrong;
-    const bool isToldInTheLog =
+    const bool isReportedInTheLog =
         log == logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n") &&
         run.output.isEmpty();
-    const bool isToldOnTheConsole = run.output == kNoMemory;
-    const bool isTold = run.exitCode == 1 && (isToldInTheLog || isToldOnTheConsole);
+    const bool isReportedOnTheConsole = run.output == kNoMemory;
+    const bool isReported = run.exitCode == 1 && (isReportedInTheLog || isReportedOnTheConsole);
     const bool isResultUnfinished = result == kOldResult || m_result.startsWith(result);
-    return isTold && isResultUnfinished ? Outcome::NoMemory : Outcome::Wrong;
+    return isReported && isResultUnfinished ? Outcome::NoMemory : Outcome::Wrong;
 }
 
-// By halving; -1 when a run went wrong.
-int TestFaultsMemory::leastThatWillDo()
+// Found by bisection; -1 when a run went wrong.
+int TestFaultsMemory::lowestSufficientLimit()
 {
     int tooLittle = 0;
-    int enough = kMost;
+    int enough = kMaxLimit;
     while (enough - tooLittle > kCoarse) {
         const int middle = tooLittle + (enough - tooLittle) / 2;
         const Outcome outcome = runWithLimit(middle);
@@ -114,9 +114,9 @@ int TestFaultsMemory::leastThatWillDo()
     return enough;
 }
 
-void TestFaultsMemory::limitsAroundTheLeastThatWillDo()
+void TestFaultsMemory::limitsAroundTheLowestThatSuffices()
 {
-    const int least = leastThatWillDo();
+    const int least = lowestSufficientLimit();
     QVERIFY2(least > 0, m_details);
     int successes = 0;
     int failures = 0;
@@ -130,12 +130,12 @@ void TestFaultsMemory::limitsAroundTheLeastThatWillDo()
     QVERIFY(failures > 0);
 }
 
-// A device that gives bytes for ever, and no line end, fills any memory.
+// A device that returns bytes for ever, without a line end, fills any memory.
 void TestFaultsMemory::inputWithoutEnd()
 {
-    const int limit = leastThatWillDo();
+    const int limit = lowestSufficientLimit();
     QVERIFY2(limit > 0, m_details);
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1; "
                                   "exec \"$PROGRAM\" -i /dev/zero -o b.hts -c c.txt")

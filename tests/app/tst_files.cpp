@@ -2,7 +2,7 @@
 
 #include <QtTest>
 
-#include "tests/app/processrun.h"
+#include "tests/app/annualizerrun.h"
 
 class TestFiles : public QObject
 {
@@ -16,8 +16,8 @@ private Q_SLOTS:
     void oneFileInTwoRolesIsRefused_data();
     void oneFileInTwoRolesIsRefused();
     void rolesMayShareADevice();
-    void closedStandardStreamsAreNoFiles_data();
-    void closedStandardStreamsAreNoFiles();
+    void closedStandardStreamsDoNotBecomeFiles_data();
+    void closedStandardStreamsDoNotBecomeFiles();
     void fullDiskForTheResultIsAnError();
     void fullDiskForTheLogIsAnError();
 };
@@ -43,7 +43,7 @@ void TestFiles::inputFromAPipe()
 {
     QFETCH(QString, command);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.startShell(command);
     QCOMPARE(run.output, QByteArray());
@@ -55,7 +55,7 @@ void TestFiles::inputFromAPipe()
 
 void TestFiles::resultIntoAPipe()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.startShell(QStringLiteral("\"$PROGRAM\" -i a.hts -o /dev/stdout -c c.txt -l b.log | cat"));
     QCOMPARE(run.output, monthlySums());
@@ -64,7 +64,7 @@ void TestFiles::resultIntoAPipe()
 
 void TestFiles::windowsLineEndsGiveTheSameResult()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     run.write(QStringLiteral("a.hts"), monthlyFile().replace("\n", "\r\n"));
     run.write(QStringLiteral("c.txt"), "\r\n*.*: Sum\r\n\r\n");
     run.start(words("-i a.hts -o b.hts -c c.txt"));
@@ -124,7 +124,7 @@ void TestFiles::oneFileInTwoRolesIsRefused()
     QFETCH(QStringList, arguments);
     QFETCH(QByteArray, console);
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.write(QStringLiteral("b.hts"), "an old result");
     run.startShell(QStringLiteral("mkdir sub; ln -s a.hts symbolic.hts; ln a.hts hard.hts; "
@@ -143,14 +143,14 @@ void TestFiles::oneFileInTwoRolesIsRefused()
 
 void TestFiles::rolesMayShareADevice()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.start(words("-i a.hts -o /dev/null -c c.txt -l /dev/null"));
     QCOMPARE(run.output, QByteArray());
     QCOMPARE(run.exitCode, 0);
 }
 
-void TestFiles::closedStandardStreamsAreNoFiles_data()
+void TestFiles::closedStandardStreamsDoNotBecomeFiles_data()
 {
     QTest::addColumn<QString>("redirections");
     for (const char* redirections :
@@ -160,19 +160,19 @@ void TestFiles::closedStandardStreamsAreNoFiles_data()
 
 // A file that the program opens would take the number of a stream that it was started without, and
 // the texts for that stream would go into the file.
-void TestFiles::closedStandardStreamsAreNoFiles()
+void TestFiles::closedStandardStreamsDoNotBecomeFiles()
 {
     QFETCH(QString, redirections);
-    const auto startWith = [&](ProcessRun& run, const QByteArray& arguments) {
+    const auto startWith = [&](AnnualizerRun& run, const QByteArray& arguments) {
         run.startShell(
             QStringLiteral("\"$PROGRAM\" %1 %2").arg(QString::fromLatin1(arguments), redirections));
     };
-    ProcessRun version;
+    AnnualizerRun version;
     startWith(version, "-v");
     QCOMPARE(version.exitCode, 0);
     QCOMPARE(version.errors, QByteArray());
 
-    ProcessRun conversion;
+    AnnualizerRun conversion;
     writeInputs(conversion);
     startWith(conversion, "-i a.hts -o b.hts -c c.txt");
     QCOMPARE(conversion.exitCode, 0);
@@ -182,7 +182,7 @@ void TestFiles::closedStandardStreamsAreNoFiles()
     QCOMPARE(conversion.read(QStringLiteral("c.txt")), QByteArray("*.*: Sum\n"));
 
     for (const char* stream : {"/dev/stdout", "/dev/stderr"}) {
-        ProcessRun logToStream;
+        AnnualizerRun logToStream;
         writeInputs(logToStream);
         startWith(logToStream, QByteArray("-i a.hts -o b.hts -c c.txt -l ") + stream);
         QCOMPARE(logToStream.read(QStringLiteral("a.hts")), monthlyFile());
@@ -191,12 +191,12 @@ void TestFiles::closedStandardStreamsAreNoFiles()
     }
 
     // Both print while the files are open.
-    ProcessRun noLog;
+    AnnualizerRun noLog;
     writeInputs(noLog);
     startWith(noLog, "-i a.hts -o b.hts -c c.txt -l none/b.log");
     QCOMPARE(noLog.exitCode, 1);
     QCOMPARE(noLog.read(QStringLiteral("b.hts")), QByteArray());
-    ProcessRun fullLog;
+    AnnualizerRun fullLog;
     writeInputs(fullLog);
     startWith(fullLog, "-i a.hts -o b.hts -c c.txt -l /dev/full");
     QCOMPARE(fullLog.exitCode, 1);
@@ -205,7 +205,7 @@ void TestFiles::closedStandardStreamsAreNoFiles()
 
 void TestFiles::fullDiskForTheResultIsAnError()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.start(words("-i a.hts -o /dev/full -c c.txt -l b.log"));
     QCOMPARE(run.output, QByteArray());
@@ -216,10 +216,10 @@ void TestFiles::fullDiskForTheResultIsAnError()
                  .replace("b.hts", "/dev/full"));
 }
 
-// The log is where the outcome is told, so losing it is told on the console.
+// The log reports the outcome, so a lost log is reported on the console.
 void TestFiles::fullDiskForTheLogIsAnError()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.start(words("-i a.hts -o b.hts -c c.txt -l /dev/full"));
     QCOMPARE(run.output, QByteArray("HtsAnnualizer Error: Problem writing log file named "

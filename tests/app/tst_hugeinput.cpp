@@ -3,7 +3,7 @@
 
 #include <QtTest>
 
-#include "tests/app/processrun.h"
+#include "tests/app/annualizerrun.h"
 
 namespace {
 
@@ -60,7 +60,7 @@ private Q_SLOTS:
 
 void TestHugeInput::gigabyteOfDaysFromAPipeNeedsLittleMemory()
 {
-    ProcessRun few;
+    AnnualizerRun few;
     few.write(QStringLiteral("c.txt"), "*.*: Average\n");
     few.startShell(generate(kColumns) + QStringLiteral(" > a.hts; \"$PROGRAM\" -i a.hts -o b.hts "
                                                        "-c c.txt"));
@@ -70,7 +70,7 @@ void TestHugeInput::gigabyteOfDaysFromAPipeNeedsLittleMemory()
     QVERIFY2(slotSize * kSlots >= kInputSize, QByteArray::number(slotSize));
     const QByteArray expected = repeated(few.read(QStringLiteral("b.hts")));
 
-    ProcessRun many;
+    AnnualizerRun many;
     many.write(QStringLiteral("c.txt"), "*.*: Average\n");
     many.startShell(generate(kSlots) +
                     QStringLiteral(" | { ulimit -v %1 && exec \"$PROGRAM\" -i /dev/stdin -o b.hts "

@@ -27,7 +27,7 @@ private Q_SLOTS:
     void cleanup();
     void attachedFileGetsTheBareText_data();
     void attachedFileGetsTheBareText();
-    void textsAndMessagesStandInTheirOrder();
+    void textsAndMessagesAreInOrder();
     void detachedFileGetsNothing();
     void handlerWithoutDeviceDoesNothing();
 
@@ -53,7 +53,7 @@ void TestLogStream::cleanup()
     qInstallMessageHandler(m_handlerOfTheTest);
 }
 
-// What the file holds after it is closed.
+// The content of the file after it is closed.
 QByteArray TestLogStream::content() const
 {
     m_file->close();
@@ -94,7 +94,7 @@ void TestLogStream::attachedFileGetsTheBareText()
     QCOMPARE(g_messages, QStringList());
 }
 
-void TestLogStream::textsAndMessagesStandInTheirOrder()
+void TestLogStream::textsAndMessagesAreInOrder()
 {
     {
         const LogStreamAttachment attachment(*m_file);
@@ -123,7 +123,7 @@ void TestLogStream::handlerWithoutDeviceDoesNothing()
 {
     QVERIFY(logStream.device() == nullptr);
     logMessageHandler(QtWarningMsg, QMessageLogContext(), QStringLiteral("lost"));
-    // A stream without a device would complain of it.
+    // A stream without a device would print a warning.
     QCOMPARE(g_messages, QStringList());
     {
         const LogStreamAttachment attachment(*m_file);

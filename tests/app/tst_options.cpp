@@ -1,5 +1,5 @@
-// The options of the command line, without a process: what the arguments ask for, and that whatever
-// is known of an option is known of all of them.
+// The options of the command line, without a process: what the arguments ask for, and that the
+// table has everything for every option.
 
 #include <iostream>
 #include <sstream>
@@ -15,7 +15,7 @@ namespace {
 
 using Request = Options::Request;
 
-// What parseOptions makes of the words after the program's name.
+// The options of the words after the program's name.
 Options parsed(const QStringList& words)
 {
     QList<QByteArray> texts = {"HtsAnnualizer"};
@@ -71,9 +71,9 @@ private Q_SLOTS:
     void noArgumentsAskForAConversion();
     void emptyArguments();
     void valuesKeepTheirLetters();
-    void everyOptionHasALetterOfItsOwn();
+    void everyOptionHasADifferentLetter();
     void everyOptionAsksForSomething();
-    void everyValueHasAPlaceOfItsOwn();
+    void everyValueIsStoredSeparately();
     void everyOptionIsInTheUsageText();
 };
 
@@ -168,7 +168,7 @@ void TestOptions::valuesKeepTheirLetters()
     QCOMPARE(parsed({QStringLiteral("-i"), path}).inputPath, path);
 }
 
-void TestOptions::everyOptionHasALetterOfItsOwn()
+void TestOptions::everyOptionHasADifferentLetter()
 {
     QSet<char> letters;
     for (const Option& option : kOptions) {
@@ -190,7 +190,7 @@ void TestOptions::everyOptionAsksForSomething()
     }
 }
 
-void TestOptions::everyValueHasAPlaceOfItsOwn()
+void TestOptions::everyValueIsStoredSeparately()
 {
     const QString nothing = described(Options());
     QSet<QString> descriptions = {nothing};

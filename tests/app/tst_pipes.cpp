@@ -3,7 +3,7 @@
 
 #include <QtTest>
 
-#include "tests/app/processrun.h"
+#include "tests/app/annualizerrun.h"
 
 class TestPipes : public QObject
 {
@@ -45,7 +45,7 @@ void TestPipes::writerStaysOpen_data()
     addWriterRows();
 }
 
-static void writeBothInputs(const ProcessRun& run)
+static void writeBothInputs(const AnnualizerRun& run)
 {
     writeInputs(run);
     run.write(QStringLiteral("w.hts"), monthlyFile().replace("\n", "\r\n"));
@@ -73,7 +73,7 @@ static QString commandWithOpenPipe(const QString& writer)
 void TestPipes::writerStaysOpen()
 {
     QFETCH(QString, writer);
-    ProcessRun run;
+    AnnualizerRun run;
     writeBothInputs(run);
     run.startShell(commandWithOpenPipe(writer));
     QCOMPARE(run.output, QByteArray());
@@ -98,7 +98,7 @@ void TestPipes::writerWaitsForTheResult()
          {"mkfifo p q; %1 > p & \"$PROGRAM\" -i p -o q -c c.txt -l b.log; code=$?; wait; exit "
           "$code",
           "mkfifo q; %1 | \"$PROGRAM\" -i /dev/stdin -o q -c c.txt -l b.log"}) {
-        ProcessRun run;
+        AnnualizerRun run;
         writeBothInputs(run);
         run.startShell(QString::fromLatin1(command).arg(exchange));
         QCOMPARE(run.output, QByteArray());
@@ -132,7 +132,7 @@ void TestPipes::writerWaitsForTheFailure()
 {
     QFETCH(QString, writer);
     QFETCH(QByteArray, reason);
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.startShell(commandWithOpenPipe(writer));
     QCOMPARE(run.output, QByteArray());

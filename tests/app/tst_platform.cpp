@@ -1,5 +1,5 @@
-// What the process sets up around the application object. The end that a lack of memory makes is
-// looked at from outside, in a process of this program's own.
+// How the process is set up for the command line. The end of a process without memory is tested in
+// another process of this program.
 
 #include <cstring>
 #include <exception>
@@ -15,7 +15,7 @@
 
 namespace {
 
-// Fails as the name says; returns if it is no such name.
+// Fails in the way that `name` says; returns if it is not such a name.
 void failBy(const char* name)
 {
     if (std::strcmp(name, "bad_alloc") == 0)
@@ -71,8 +71,8 @@ void TestPlatform::endWithoutACatcher()
     process.start(QCoreApplication::applicationFilePath(),
                   {QStringLiteral("end-by"), QString::fromLatin1(QTest::currentDataTag())});
     QVERIFY(process.waitForFinished(-1));
-    const bool isOwnEnd = process.exitStatus() == QProcess::NormalExit;
-    QCOMPARE(isOwnEnd ? process.exitCode() : -1, exitCode);
+    const bool isNormalExit = process.exitStatus() == QProcess::NormalExit;
+    QCOMPARE(isNormalExit ? process.exitCode() : -1, exitCode);
     QCOMPARE(process.readAllStandardOutput(), console);
     QCOMPARE(process.readAllStandardError(), QByteArray());
 }
@@ -81,7 +81,7 @@ int main(int argc, char* argv[])
 {
     if (argc == 3 && std::strcmp(argv[1], "end-by") == 0) {
         leaveNoCoreFile();
-        prepareForNoWindow();
+        prepareCommandLineMode();
         endBy(argv[2]);
         return 0;
     }

@@ -17,7 +17,7 @@ CheckReport checkedFile(const QString& path, const QString& controlPath = {}, in
 // The findings as "12: code: text", of the control file as "control 3: code: text".
 QStringList findingTexts(const Findings& findings);
 
-// What a conversion of a text comes to.
+// The outcome of a conversion of a text.
 struct ConvertedText
 {
     bool neverEnds = false; // the rest is then empty

@@ -44,7 +44,7 @@ Inputs inputsOf(quint32 seed)
     }
     if (choice.bounded(2) == 0)
         inputs.hts = random.broken(inputs.hts);
-    // Otherwise hardly a table would lose its end.
+    // Otherwise hardly any table would lose its end.
     if (choice.bounded(8) == 0)
         inputs.hts = inputs.hts.left(inputs.hts.lastIndexOf("END_SLOT")) + "END_RUN\n";
     switch (choice.bounded(12)) {

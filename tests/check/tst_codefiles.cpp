@@ -1,6 +1,5 @@
-// The smallest files: files/CODE.hts, with files/CODE.txt for a control file, has the defect that
-// the code stands for, and nothing else. files/expected.txt has what is found, one line for each
-// file.
+// The smallest files: files/CODE.hts, with files/CODE.txt for a control file, has the defect of the
+// code, and no other. files/expected.txt has what is found, one line for each file.
 
 #include <QDir>
 #include <QFile>
@@ -64,8 +63,8 @@ class CodeFilesTest : public QObject
 
 private Q_SLOTS:
     void everyCodeHasAFile();
-    void hasTheDefectAlone_data();
-    void hasTheDefectAlone();
+    void hasOnlyTheDefect_data();
+    void hasOnlyTheDefect();
     void windowsLineEndsMakeNoDifference_data();
     void windowsLineEndsMakeNoDifference();
 };
@@ -86,7 +85,7 @@ void CodeFilesTest::everyCodeHasAFile()
     QCOMPARE(expectedLines().size(), codes.size());
 }
 
-void CodeFilesTest::hasTheDefectAlone_data()
+void CodeFilesTest::hasOnlyTheDefect_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<QString>("line");
@@ -96,7 +95,7 @@ void CodeFilesTest::hasTheDefectAlone_data()
     }
 }
 
-void CodeFilesTest::hasTheDefectAlone()
+void CodeFilesTest::hasOnlyTheDefect()
 {
     QFETCH(QString, code);
     QFETCH(QString, line);
@@ -107,7 +106,7 @@ void CodeFilesTest::hasTheDefectAlone()
 
 void CodeFilesTest::windowsLineEndsMakeNoDifference_data()
 {
-    hasTheDefectAlone_data();
+    hasOnlyTheDefect_data();
 }
 
 void CodeFilesTest::windowsLineEndsMakeNoDifference()

@@ -23,8 +23,8 @@ private Q_SLOTS:
     void editDistance();
     void nearestKeyOfALine_data();
     void nearestKeyOfALine();
-    void hintsAtWhatIsMeant_data();
-    void hintsAtWhatIsMeant();
+    void hasAHintAtTheMeaning_data();
+    void hasAHintAtTheMeaning();
     void quotesOnOneLine_data();
     void quotesOnOneLine();
 };
@@ -122,7 +122,7 @@ void NearWordsTest::nearestKeyOfALine()
     QCOMPARE(QString(nearestKey(bytesOfText(line), knownLinesOf(Section::Slot))), key);
 }
 
-void NearWordsTest::hintsAtWhatIsMeant_data()
+void NearWordsTest::hasAHintAtTheMeaning_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("hint");
@@ -166,7 +166,7 @@ void NearWordsTest::hintsAtWhatIsMeant_data()
                          << "";
 }
 
-void NearWordsTest::hintsAtWhatIsMeant()
+void NearWordsTest::hasAHintAtTheMeaning()
 {
     QFETCH(QString, text);
     QFETCH(QString, hint);

@@ -1,5 +1,5 @@
-// docs/reliability.md: every oddity that gives other numbers without a word, a row in italics,
-// names after its arrow the codes that the check reports it with. Each is tried here.
+// docs/reliability.md: every oddity that silently changes numbers, a row in italics, names after
+// its arrow the codes with which the check reports it. Each is tried here.
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -81,7 +81,7 @@ const std::vector<std::pair<const char*, QByteArrayList>>& files()
         {"blank line among values", {changed("\n7\n", "\n\n7\n"), changed("\n7\n", "\n\n")}},
         {"blank before the", {changed("scale: 1\n", "scale: 1\n method: Sum\n")}},
         {"first value of a slot", {changed("scale: 1\n1\n", "scale: 1\nmissing\n")}},
-        {"tab behind the colon of a key",
+        {"tab after the colon of a key",
          {changed("slot_name: Flow", "slot_name:\tFlow"), changed("unit:month", "unit:\tmonth")}},
         {"one value too many", {changed("\n7\n", "\n7\n7\n")}},
         {"one value missing", {changed("\n7\n", "\n")}},
@@ -187,7 +187,7 @@ void ReliabilityDocTest::rowsInItalicsNameTheirCodes()
             QVERIFY2(isNamed, qPrintable(oddity + QLatin1String(": ") +
                                          findingTexts(report.findings).join(QLatin1Char('\n'))));
         }
-        // None of them is named for nothing.
+        // Every code that is named has been found.
         QVERIFY2(found == QSet<QString>(codes.begin(), codes.end()),
                  qPrintable(oddity + QLatin1String(": ") + found.values().join(QLatin1Char(' '))));
     }

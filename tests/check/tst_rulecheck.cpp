@@ -1,4 +1,4 @@
-// What is found about the rules of a control file, and the plan that they make.
+// The findings about the rules of a control file, and the plan of the slots.
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -69,19 +69,19 @@ void RuleCheckTest::findsInRules_data()
         {QStringLiteral("2: slot-without-rule: no rule fits Lower Lake.Outflow, which is left out"),
          QStringLiteral("3: slot-without-rule: no rule fits Mill.Flow.Daily, which is left out")});
     row("same rule twice", "*.*: Sum\n\n*.*: End\n",
-        {QStringLiteral("control 3: rule-shadowed: \"*.*: End\" never comes to bear, because "
-                        "\"*.*: Sum\" of line 1 holds before it")});
+        {QStringLiteral("control 3: rule-shadowed: \"*.*: End\" is never used, because "
+                        "\"*.*: Sum\" of line 1 applies first")});
     row("wildcard first", "*.Outflow: Sum\nLower Lake.Outflow: End\nMill.*: Max\n",
-        {QStringLiteral("control 2: rule-shadowed: \"Lower Lake.Outflow: End\" never comes to "
-                        "bear, because \"*.Outflow: Sum\" of line 1 holds before it")});
+        {QStringLiteral("control 2: rule-shadowed: \"Lower Lake.Outflow: End\" is never used, "
+                        "because \"*.Outflow: Sum\" of line 1 applies first")});
     row("type first", "Reservoir.Outflow: Sum\nLower Lake.Outflow: End\nMill.*: Max\n",
-        {QStringLiteral("control 2: rule-shadowed: \"Lower Lake.Outflow: End\" never comes to "
-                        "bear, because \"Reservoir.Outflow: Sum\" of line 1 holds before it")});
+        {QStringLiteral("control 2: rule-shadowed: \"Lower Lake.Outflow: End\" is never used, "
+                        "because \"Reservoir.Outflow: Sum\" of line 1 applies first")});
     row("idle type",
         "Upper Lake.Outflow: Sum\nLower Lake.Outflow: End\nReservoir.*: Max\n"
         "Mill.*: Max\n",
-        {QStringLiteral("control 3: rule-idle: \"Reservoir.*: Max\" never comes to bear: rules "
-                        "such as \"Lower Lake.Outflow: End\" of line 2 hold for all its slots")});
+        {QStringLiteral("control 3: rule-idle: \"Reservoir.*: Max\" is never used: rules "
+                        "such as \"Lower Lake.Outflow: End\" of line 2 apply to all its slots")});
     row("letter case", "*.*: Sum\nupper lake.Outflow: End\n",
         {QStringLiteral("control 2: rule-unmatched: \"upper lake.Outflow: End\" fits no slot; the "
                         "nearest is \"Upper Lake.Outflow\"")});

@@ -1,5 +1,5 @@
-// What one defect in the structure of a file comes to: one finding, where the stretch that it moves
-// begins, and nothing about the lines that are only moved.
+// The findings for one defect in the structure of a file: one at the first line that it moves, and
+// none about the other lines that it moves.
 
 #include <QtTest>
 
@@ -23,7 +23,7 @@ const QByteArray kEnds = "END_COLUMN\nEND_SLOT\n";
 const QByteArray kSlot = kPreamble + kHeader + kValues + kEnds; // 20 lines
 const QByteArray kEnd = "END_RUN\n";
 
-// A run with the text between two slots of its own; the text begins on line 40.
+// A run with the text between two slots; the text begins on line 40.
 QByteArray between(const QByteArray& text)
 {
     return kPackage + kRun + kSlot + text + kSlot + kEnd;

@@ -1,4 +1,4 @@
-// What is found about the timesteps of a run. They are the first run of a file with one slot.
+// The findings about the timesteps of a run. They are the first run of a file with one slot.
 
 #include <QtTest>
 
@@ -104,8 +104,9 @@ void TimeCheckTest::findsInTimesteps_data()
         {"month", 3,
          texts({"2000-3-31 24:00", "2000-6-30 24:00", "2000-9-30 24:00", "2000-12-31 24:00"})},
         12,
-        {QStringLiteral("12: no-complete-year: the timesteps hold no complete year; a conversion "
-                        "fails: \"Cannot create a complete year from the input HTS file\"")});
+        {QStringLiteral(
+            "12: no-complete-year: the timesteps contain no complete year; a conversion "
+            "fails: \"Cannot create a complete year from the input HTS file\"")});
     row("days", {"day", 1, days}, 12, {});
     row("weeks", {"week", 1, every(kWeek, "2000-1-7 24:00", "2001-12-30 24:00")}, 12, {});
     row("six hours", {"hour", 6, every(6 * kHour, "2000-1-1 6:00", "2000-12-31 24:00")}, 12, {});
@@ -113,17 +114,17 @@ void TimeCheckTest::findsInTimesteps_data()
     row("unit without a quantity", {"month", 0, twoYears}, 12, {});
     row("month missing in a complete year", {"month", 1, without(twoYears, 5)}, 12,
         {QStringLiteral("14: step-missing: 1 timestep is missing between 2000-5-31 24:00 and "
-                        "2000-7-31 24:00; the year counts as complete all the same"),
+                        "2000-7-31 24:00; the year still counts as complete"),
          QStringLiteral("19: short-year: the year that ends 2000-12-31 24:00 counts as complete "
                         "with 11 of 12 timesteps")});
     row("three days missing", {"day", 1, without(days, 40, 3)}, 12,
         {QStringLiteral("49: step-missing: 3 timesteps are missing between 2000-2-9 24:00 and "
-                        "2000-2-13 24:00; the year counts as complete all the same"),
+                        "2000-2-13 24:00; the year still counts as complete"),
          QStringLiteral("371: short-year: the year that ends 2000-12-31 24:00 counts as complete "
                         "with 363 of 366 timesteps")});
     row("leap day left out", {"day", 1, without(days, 59)}, 12,
         {QStringLiteral("68: step-missing: 1 timestep is missing between 2000-2-28 24:00 and "
-                        "2000-3-1 24:00; the year counts as complete all the same"),
+                        "2000-3-1 24:00; the year still counts as complete"),
          QStringLiteral("373: short-year: the year that ends 2000-12-31 24:00 counts as complete "
                         "with 365 of 366 timesteps")});
     row("hours of a first day missing",
@@ -145,15 +146,16 @@ void TimeCheckTest::findsInTimesteps_data()
         {QStringLiteral("5: unknown-unit: time_step_unit: \"days\" is not known and counts as "
                         "\"day\"")});
     row("irregular", {"day", 1, texts({"2000-1-1 24:00", "2000-1-2 12:00"})}, 12,
-        {QStringLiteral("10: no-complete-year: the timesteps hold no complete year; a conversion "
-                        "fails: \"Cannot create a complete year from the input HTS file\""),
+        {QStringLiteral(
+             "10: no-complete-year: the timesteps contain no complete year; a conversion "
+             "fails: \"Cannot create a complete year from the input HTS file\""),
          QStringLiteral("10: step-irregular: the timestep 2000-1-2 12:00 does not follow "
                         "2000-1-1 24:00 by 1 day")});
     row("no such day", {"month", 1, texts({"2000-1-31 24:00", "2000-2-30 24:00"})}, 12,
-        {QStringLiteral("10: no-complete-year: there is no date-time \"2000-2-30 24:00\"; a "
+        {QStringLiteral("10: no-complete-year: \"2000-2-30 24:00\" is not a date-time; a "
                         "conversion fails: \"Cannot create a complete year from the input HTS "
                         "file\""),
-         QStringLiteral("4: bad-date: end: \"2000-2-30 24:00\" is no date-time")});
+         QStringLiteral("4: bad-date: end: \"2000-2-30 24:00\" is not a date-time")});
 }
 
 void TimeCheckTest::findsInTimesteps()

@@ -2,12 +2,12 @@
 
 #include <QtTest>
 
-#include "tests/app/processrun.h"
+#include "tests/app/annualizerrun.h"
 
 namespace {
 
-// What one recipe makes of the folder "in".
-struct Batch : ProcessRun
+// The results of one recipe for the folder "in".
+struct Batch : AnnualizerRun
 {
     Batch();
 
@@ -20,7 +20,7 @@ Batch::Batch()
     environment.insert(QStringLiteral("HTSANNUALIZER"), QStringLiteral(HTS_ANNUALIZER));
     environment.insert(QStringLiteral("HTSTOOL"), QStringLiteral(HTSTOOL));
     environment.insert(QStringLiteral("BATCH"), QStringLiteral(EXAMPLES_DIR "/batch"));
-    // GNU parallel keeps a folder of its own there.
+    // GNU parallel keeps its own folder there.
     environment.insert(QStringLiteral("HOME"), path(QStringLiteral("home")));
     writeInputs(*this);
     QDir(path(QStringLiteral("."))).mkdir(QStringLiteral("in"));
@@ -59,7 +59,7 @@ QByteArray terminalOf(const QByteArray& section)
 }
 
 // What such a terminal shows when its commands are typed in the folder of the run.
-QByteArray typed(ProcessRun& run, const QByteArray& terminal)
+QByteArray typed(AnnualizerRun& run, const QByteArray& terminal)
 {
     QByteArray shown;
     for (const QByteArray& line : terminal.split('\n')) {
@@ -89,8 +89,8 @@ private Q_SLOTS:
     void badFileIsNamedAndTheOthersAreConverted();
     void emptyFolderIsAnError_data();
     void emptyFolderIsAnError();
-    void resultsNeedAFolderOfTheirOwn_data();
-    void resultsNeedAFolderOfTheirOwn();
+    void resultsNeedASeparateFolder_data();
+    void resultsNeedASeparateFolder();
     void methodsThatAreNotThereAreAnError_data();
     void methodsThatAreNotThereAreAnError();
     void parallelTakesNamesWithBlanks();
@@ -176,12 +176,12 @@ void TestBatch::emptyFolderIsAnError()
     QCOMPARE(batch.exitCode, failure);
 }
 
-void TestBatch::resultsNeedAFolderOfTheirOwn_data()
+void TestBatch::resultsNeedASeparateFolder_data()
 {
     addRecipes();
 }
 
-void TestBatch::resultsNeedAFolderOfTheirOwn()
+void TestBatch::resultsNeedASeparateFolder()
 {
     QFETCH(QString, recipe);
     QFETCH(int, failure);

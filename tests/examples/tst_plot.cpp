@@ -3,7 +3,7 @@
 #include <QImage>
 #include <QtTest>
 
-#include "tests/app/processrun.h"
+#include "tests/app/annualizerrun.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ const QString kGnuplot = QStringLiteral("\"$EXAMPLES/plot/plot-gnuplot\" ");
 const QString kPython = QStringLiteral("/usr/bin/python3 \"$EXAMPLES/plot/plot.py\" ");
 
 // The picture "plot.png" that a recipe makes.
-struct Plot : ProcessRun
+struct Plot : AnnualizerRun
 {
     Plot();
 

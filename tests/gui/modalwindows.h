@@ -14,7 +14,7 @@ class LogCollector;
 class QAbstractButton;
 class QWidget;
 
-// What opens while something is done, looked at and acted in while it is up.
+// Inspects and closes the modal windows that open during an action.
 
 // Calls `trigger` and, once with every modal window that is up before `trigger` returns, `visit`,
 // which returns what makes the window go away. Returns how many windows there were.
@@ -50,7 +50,7 @@ struct Box
     QVector<QsLogging::Level> levelsBefore;
 };
 
-// Notes what a message box says, but for the lines of the log, and clicks OK.
+// Notes the texts of a message box, without the lines of the log, and clicks OK.
 Step readBox(Box* box);
 
 // Clicks the button and then OK in every message box that comes up. A window that is no message box

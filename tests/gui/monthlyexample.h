@@ -3,14 +3,14 @@
 
 #include <QByteArray>
 
-// A small conversion: the text of a source file, of its control file, and of the annual files that
-// two end months make of it.
+// A small conversion: the text of a source file, of its control file, and of the annual files for
+// two end months.
 
 // Two slots of 27 months, January 2000 to March 2002: "Outflow" is 1, 2, 3 ... and "Level" ten
 // times that.
 QByteArray monthlySource();
 
-// Sums up the one and takes the average of the other.
+// The sum of the first and the average of the second.
 QByteArray monthlyControl();
 
 // The calendar years 2000 and 2001.

@@ -67,8 +67,8 @@ QStringList formWidgetsBelow(const QObject& parent)
     return names;
 }
 
-// Drags the data over the widget and drops it there. Returns what the source of the data is told to
-// do; Qt::IgnoreAction when the drop is refused.
+// Drags the data over the widget and drops it there. Returns the drop action that the source of the
+// data gets; Qt::IgnoreAction when the drop is refused.
 Qt::DropAction dropOn(QWidget* widget, const QMimeData& data, Qt::DropAction proposed)
 {
     const QPoint position = widget->rect().center();
@@ -132,8 +132,8 @@ private Q_SLOTS:
     void formHasWidget_data();
     void formHasWidget();
     void formCreatesWidgetsInOrder();
-    void formLayoutHolds_data();
-    void formLayoutHolds();
+    void formLayoutHasItems_data();
+    void formLayoutHasItems();
     void tabMovesFromTopToBottom();
     void translatesTextsInItsContext();
     void listsMonthsAndSelectsDecember();
@@ -141,7 +141,7 @@ private Q_SLOTS:
     void returnPressesFocusedButton_data();
     void returnPressesFocusedButton();
     void returnInAFieldPressesNothing();
-    void letsTheLoggerPassEverything();
+    void setsTheLoggerToTrace();
 
     void selectButtonOpensDialog_data();
     void selectButtonOpensDialog();
@@ -150,7 +150,7 @@ private Q_SLOTS:
     void takesPathOfDroppedFile();
     void leavesOtherDropsToTheToolkit_data();
     void leavesOtherDropsToTheToolkit();
-    void undoesADrop();
+    void dropCanBeUndone();
     void dialogsShareLastFolder_data();
     void dialogsShareLastFolder();
     void dialogTakesExistingFileWithoutQuestion();
@@ -422,7 +422,7 @@ void AnnualizeHtsDlgTest::formCreatesWidgetsInOrder()
     QCOMPARE(formWidgetsBelow(*m_window), expected);
 }
 
-void AnnualizeHtsDlgTest::formLayoutHolds_data()
+void AnnualizeHtsDlgTest::formLayoutHasItems_data()
 {
     QTest::addColumn<QString>("className");
     QTest::addColumn<QString>("parentName");
@@ -447,7 +447,7 @@ void AnnualizeHtsDlgTest::formLayoutHolds_data()
         "_okButton _diagButton _helpButton _cancelButton");
 }
 
-void AnnualizeHtsDlgTest::formLayoutHolds()
+void AnnualizeHtsDlgTest::formLayoutHasItems()
 {
     QFETCH(QString, className);
     QFETCH(QString, parentName);
@@ -457,15 +457,15 @@ void AnnualizeHtsDlgTest::formLayoutHolds()
     QVERIFY(layout != nullptr);
     QCOMPARE(QLatin1String(layout->metaObject()->className()), className);
     QCOMPARE(layout->parent()->objectName(), parentName);
-    QStringList held;
+    QStringList found;
     for (int i = 0; i < layout->count(); ++i) {
         QLayoutItem* item = layout->itemAt(i);
         const QObject* object = item->widget();
         if (object == nullptr)
             object = item->layout();
-        held.append(object == nullptr ? QStringLiteral("spacer") : object->objectName());
+        found.append(object == nullptr ? QStringLiteral("spacer") : object->objectName());
     }
-    QCOMPARE(held, items);
+    QCOMPARE(found, items);
 }
 
 void AnnualizeHtsDlgTest::tabMovesFromTopToBottom()
@@ -601,7 +601,7 @@ void AnnualizeHtsDlgTest::returnInAFieldPressesNothing()
     QCOMPARE(count, 0);
 }
 
-void AnnualizeHtsDlgTest::letsTheLoggerPassEverything()
+void AnnualizeHtsDlgTest::setsTheLoggerToTrace()
 {
     QsLogging::Logger::instance().setLoggingLevel(QsLogging::WarnLevel);
     m_window = std::make_unique<AnnualizeHtsDlg>(m_engine.get(), nullptr);
@@ -748,7 +748,7 @@ void AnnualizeHtsDlgTest::leavesOtherDropsToTheToolkit()
     QCOMPARE(edit->text(), bare.text());
 }
 
-void AnnualizeHtsDlgTest::undoesADrop()
+void AnnualizeHtsDlgTest::dropCanBeUndone()
 {
     QLineEdit* edit = lineEdit("_sourceHtsLineEdit");
     QTest::keyClicks(edit, QStringLiteral("typed"));
@@ -793,7 +793,7 @@ void AnnualizeHtsDlgTest::dialogTakesExistingFileWithoutQuestion()
     QCOMPARE(readFile(name), QByteArray("kept"));
 }
 
-// ---- what keeps a conversion from coming about ----
+// ---- what prevents a conversion ----
 
 void AnnualizeHtsDlgTest::refusesEmptyField_data()
 {
@@ -918,7 +918,7 @@ void AnnualizeHtsDlgTest::refusesResultThatDoesNotOpen()
     QCOMPARE(files(), (QStringList{QStringLiteral("methods.txt"), QStringLiteral("monthly.hts")}));
 }
 
-// The list offers none, so it is brought about by selecting nothing.
+// The list offers none, so nothing is selected.
 void AnnualizeHtsDlgTest::refusesMonthOutOfRange()
 {
     writeInputsAndEnterPaths();
@@ -1057,7 +1057,7 @@ void AnnualizeHtsDlgTest::convertsWithMonth()
     QFETCH(QByteArray, result);
 
     writeInputsAndEnterPaths();
-    // Longer than the new result, which replaces it whole.
+    // Longer than the new result, which replaces all of it.
     writeFile(path(QStringLiteral("annual.hts")), QByteArray(10000, 'x'));
     if (!month.isEmpty())
         QTest::keyClicks(child<QComboBox>("_endMonthComboBox"), month);
@@ -1114,7 +1114,7 @@ void AnnualizeHtsDlgTest::keepsFieldsAndConvertsAgain()
     QVERIFY(m_window->isVisible());
 }
 
-// That it is gone when a box is up is checked wherever a box is.
+// All other tests check that it is not shown while a box is open.
 void AnnualizeHtsDlgTest::showsWaitCursorOnlyDuringConversion()
 {
     writeInputsAndEnterPaths();
@@ -1144,7 +1144,7 @@ void AnnualizeHtsDlgTest::showsLogInDiagnosticsWindow()
     QCOMPARE(tree->columnCount(), 1);
     QCOMPARE(tree->headerItem()->text(0), QStringLiteral("Diagnostic Messages"));
 
-    // Lines of the time when it is hidden are there too, and so are those below Info.
+    // Lines that came while it was hidden are there too, and so are those below Info.
     QLOG_TRACE() << "a trace";
     const LogCollector log;
     QCOMPARE(clickAndReadBoxes(button("_okButton"), log).size(), 1);

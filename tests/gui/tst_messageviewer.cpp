@@ -63,7 +63,7 @@ QPalette darkPalette()
     return palette;
 }
 
-// Gives the application another palette while it lives.
+// Gives the application another palette until it is destroyed.
 class ApplicationPalette
 {
 public:
@@ -149,18 +149,18 @@ private Q_SLOTS:
 
     void windowIsAsBuilt();
     void treeIsAsBuilt();
-    void checkBoxStandsAtTheRight();
+    void checkBoxIsAtTheRight();
     void menusHaveTheirActions_data();
     void menusHaveTheirActions();
-    void slotsStandInOrder();
+    void slotsAreInOrder();
 
     void appendsRows();
     void colorsRowsByLevel_data();
     void colorsRowsByLevel();
     void rowsAreReadable_data();
     void rowsAreReadable();
-    void paintsRowsOnALightGround_data();
-    void paintsRowsOnALightGround();
+    void paintsRowsOnALightBackground_data();
+    void paintsRowsOnALightBackground();
     void dropsRowsOfOtherLength_data();
     void dropsRowsOfOtherLength();
 
@@ -177,8 +177,8 @@ private Q_SLOTS:
     void showsTheLastRowAfterHiddenTimes();
     void resizingKeepsTheLastRow();
     void resizingLeavesOtherRows();
-    void leavesTheViewAlone_data();
-    void leavesTheViewAlone();
+    void leavesTheViewUnchanged_data();
+    void leavesTheViewUnchanged();
     void checkingTheBoxJumpsToTheLastRow_data();
     void checkingTheBoxJumpsToTheLastRow();
     void uncheckingTheBoxKeepsWhatCameBefore();
@@ -243,7 +243,7 @@ void TestMessageViewer::treeIsAsBuilt()
     QCOMPARE(header->sectionSize(0), header->sectionSizeHint(0));
 }
 
-void TestMessageViewer::checkBoxStandsAtTheRight()
+void TestMessageViewer::checkBoxIsAtTheRight()
 {
     Fixture f;
     QCOMPARE(f.checkBox->text(), QStringLiteral("Automatic Scrolling"));
@@ -296,7 +296,7 @@ void TestMessageViewer::menusHaveTheirActions()
     QCOMPARE(action->data(), data);
 }
 
-void TestMessageViewer::slotsStandInOrder()
+void TestMessageViewer::slotsAreInOrder()
 {
     const QMetaObject& meta = MessageViewer::staticMetaObject;
     QByteArrayList signatures;
@@ -375,35 +375,36 @@ void TestMessageViewer::rowsAreReadable()
     const ApplicationPalette later(isDark ? darkPalette() : usual);
     f.show();
 
-    constexpr double kLeast = 4.5;
+    constexpr double kMinContrast = 4.5;
     for (const auto group : {QPalette::Active, QPalette::Inactive}) {
         const auto color = [&](QPalette::ColorRole role) {
             return f.tree->palette().color(group, role);
         };
         for (int row = 0; row < f.tree->topLevelItemCount(); ++row) {
             const QColor text = f.tree->topLevelItem(row)->foreground(0).color();
-            QVERIFY(contrast(text, color(QPalette::Base)) >= kLeast);
-            QVERIFY(contrast(text, color(QPalette::AlternateBase)) >= kLeast);
+            QVERIFY(contrast(text, color(QPalette::Base)) >= kMinContrast);
+            QVERIFY(contrast(text, color(QPalette::AlternateBase)) >= kMinContrast);
             // Some styles keep a row's colour when it is selected.
-            QVERIFY(contrast(text, color(QPalette::Highlight)) >= kLeast);
+            QVERIFY(contrast(text, color(QPalette::Highlight)) >= kMinContrast);
         }
-        QVERIFY(contrast(color(QPalette::HighlightedText), color(QPalette::Highlight)) >= kLeast);
+        QVERIFY(contrast(color(QPalette::HighlightedText), color(QPalette::Highlight)) >=
+                kMinContrast);
         const QPalette header = f.tree->header()->palette();
         QVERIFY(contrast(header.color(group, QPalette::ButtonText),
-                         header.color(group, QPalette::Button)) >= kLeast);
+                         header.color(group, QPalette::Button)) >= kMinContrast);
         const QPalette bar = f.scrollBar->palette();
         QCOMPARE(bar.color(group, QPalette::Window), header.color(group, QPalette::Window));
     }
 }
 
-void TestMessageViewer::paintsRowsOnALightGround_data()
+void TestMessageViewer::paintsRowsOnALightBackground_data()
 {
     QTest::addColumn<bool>("isActive");
     QTest::newRow("active") << true;
     QTest::newRow("inactive") << false;
 }
 
-void TestMessageViewer::paintsRowsOnALightGround()
+void TestMessageViewer::paintsRowsOnALightBackground()
 {
     QFETCH(const bool, isActive);
 
@@ -444,7 +445,7 @@ void TestMessageViewer::paintsRowsOnALightGround()
                 most = qMax(most, contrast(color, ground));
             return most;
         };
-        // The ground is what most pixels have; the darkest ones are the text's.
+        // Most pixels have the colour of the background; the darkest ones are text.
         const QVector<QColor> plainColors = colors(plain);
         QVERIFY(plainColors.count(Qt::white) > plainColors.size() / 2);
         QVERIFY(strongest(plainColors, Qt::white) >= 4.5);
@@ -520,7 +521,7 @@ void TestMessageViewer::sectionsFitAllRows()
         f.show();
     for (int row = 0; row < rowCount; ++row)
         f.add({row == wideRow ? wideText : QStringLiteral("line %1").arg(row)});
-    // A short list follows at once, a long one in the event loop.
+    // A short list is updated at once, a long one in the event loop.
     if (rowCount > 50)
         QApplication::processEvents();
 
@@ -567,7 +568,7 @@ void TestMessageViewer::sectionsFitAllScripts_data()
     add("blanks at the start", "Reservoir", "           Reservoir");
 }
 
-// One row of another script or shape must not be cut off, whatever it is among.
+// One row of another script or shape must not be cut off, in any list.
 void TestMessageViewer::sectionsFitAllScripts()
 {
     QFETCH(const QString, common);
@@ -734,14 +735,14 @@ void TestMessageViewer::resizingLeavesOtherRows()
     QCOMPARE(f.scrollBar->value(), 3);
 }
 
-void TestMessageViewer::leavesTheViewAlone_data()
+void TestMessageViewer::leavesTheViewUnchanged_data()
 {
     QTest::addColumn<int>("rowCount");
     QTest::newRow("short list") << 20;
     QTest::newRow("long list") << 2000;
 }
 
-void TestMessageViewer::leavesTheViewAlone()
+void TestMessageViewer::leavesTheViewUnchanged()
 {
     QFETCH(const int, rowCount);
 
@@ -760,7 +761,7 @@ void TestMessageViewer::leavesTheViewAlone()
 
 void TestMessageViewer::checkingTheBoxJumpsToTheLastRow_data()
 {
-    leavesTheViewAlone_data();
+    leavesTheViewUnchanged_data();
 }
 
 void TestMessageViewer::checkingTheBoxJumpsToTheLastRow()
@@ -1014,7 +1015,7 @@ void TestMessageViewer::remembersTheLastSavedName()
     Fixture f;
     const auto expectStart = [](const QString& path, const Step& then) {
         return [path, then](QWidget& dialog) {
-            // Whatever the comparison says, the dialog must close.
+            // The dialog must close even if the comparison fails.
             const auto closing = qScopeGuard([&] { then(dialog); });
             const auto* fileDialog = qobject_cast<QFileDialog*>(&dialog);
             QVERIFY(fileDialog != nullptr);
@@ -1100,7 +1101,7 @@ void TestMessageViewer::shortcutsWork()
     QVERIFY(!f.viewer.isVisible());
 }
 
-// A viewer that dies with rows waiting leaves nothing behind that would touch it.
+// A viewer that is destroyed while rows are waiting leaves nothing that would still touch it.
 void TestMessageViewer::rowsOutliveTheirWindowState()
 {
     {

@@ -19,7 +19,7 @@ struct Line
     QString text;
 };
 
-// What the watcher emits while an object lives.
+// Collects what the watcher emits until it is destroyed.
 class Recorder : public QObject
 {
 public:
@@ -79,10 +79,10 @@ void TestMessageWatcher::removesTheTimeStamp_data()
     add("stamp and three blanks", "2015-06-30T14:05:09.123   Cannot read file", "Cannot read file");
     add("level name before the stamp", "WARN  2015-06-30T14:05:09.123 Text", "WARN  Text");
     add("one blank before the stamp", "ERROR 2015-06-30T14:05:09.123 Text", "ERROR Text");
-    add("tab and line feed behind", "2015-06-30T14:05:09.123\t\n Text", "Text");
+    add("tab and line feed after", "2015-06-30T14:05:09.123\t\n Text", "Text");
     add("blanks at the end stay", "2015-06-30T14:05:09.123 Text  ", "Text  ");
     add("in the middle", "a 2015-06-30T14:05:09.123 b", "a b");
-    add("nothing behind the blank", "2015-06-30T14:05:09.123 ", "");
+    add("nothing after the blank", "2015-06-30T14:05:09.123 ", "");
     add("first of two", "2015-06-30T14:05:09.123 2016-07-31T15:06:10.456 Text",
         "2016-07-31T15:06:10.456 Text");
     add("first that is whole", "2015-06-30T14:05:09 2016-07-31T15:06:10.456 Text",
@@ -92,7 +92,7 @@ void TestMessageWatcher::removesTheTimeStamp_data()
     add("four digits of milliseconds", "2015-06-30T14:05:09.1234 Text",
         "2015-06-30T14:05:09.1234 Text");
     add("no milliseconds", "2015-06-30T14:05:09 Text", "2015-06-30T14:05:09 Text");
-    add("no white space behind", "2015-06-30T14:05:09.123Text", "2015-06-30T14:05:09.123Text");
+    add("no white space after", "2015-06-30T14:05:09.123Text", "2015-06-30T14:05:09.123Text");
     add("stamp at the end", "Text 2015-06-30T14:05:09.123", "Text 2015-06-30T14:05:09.123");
     add("lower case t", "2015-06-30t14:05:09.123 Text", "2015-06-30t14:05:09.123 Text");
     add("comma for the point", "2015-06-30T14:05:09,123 Text", "2015-06-30T14:05:09,123 Text");
@@ -207,7 +207,7 @@ void TestMessageWatcher::setsTheThreshold()
     QCOMPARE(int(QsLogging::Logger::instance().loggingLevel()), expected);
 }
 
-// The whole way: the logger's own line format, its threshold and the destination's type.
+// From end to end: the logger's line format, its threshold and the destination's type.
 void TestMessageWatcher::servesTheLogger()
 {
     QsLogging::Logger::instance().addDestination(

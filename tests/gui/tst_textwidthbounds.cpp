@@ -35,17 +35,17 @@ class TestTextWidthBounds : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void isTheWidthItself_data();
-    void isTheWidthItself();
+    void isTheExactWidth_data();
+    void isTheExactWidth();
     void leavesOutBlanksAtTheEnd();
     void isInfiniteWithControlCharacters_data();
     void isInfiniteWithControlCharacters();
     void isNeverTooSmall_data();
     void isNeverTooSmall();
-    void goesOnAfterTooManyWords();
+    void continuesAfterTooManyWords();
 };
 
-void TestTextWidthBounds::isTheWidthItself_data()
+void TestTextWidthBounds::isTheExactWidth_data()
 {
     QTest::addColumn<QString>("text");
     const auto add = [](const char* name, const char* text) {
@@ -60,7 +60,7 @@ void TestTextWidthBounds::isTheWidthItself_data()
     add("Greek", "Ταμιευτήρας 17");
     add("Han", "水庫 17.流量");
     add("Arabic", "خزان المياه 17");
-    // A script that a font may lack as a whole: its digits then are those of another font too.
+    // A script that a font may lack completely: its digits are then those of another font too.
     add("signs after words of another font", "\u07d2\u07de\u07cf 1234567890, (%)");
     add("signs before words of another font", "12. \u07d2\u07de\u07cf");
     add("two fonts by turns", "Lake 17 \u07d2\u07de\u07cf 17.Outflow 17 \u07d2\u07de\u07cf17");
@@ -70,7 +70,7 @@ void TestTextWidthBounds::isTheWidthItself_data()
 }
 
 // A bound that is too large would have every row measured.
-void TestTextWidthBounds::isTheWidthItself()
+void TestTextWidthBounds::isTheExactWidth()
 {
     QFETCH(const QString, text);
 
@@ -141,7 +141,7 @@ void TestTextWidthBounds::isNeverTooSmall()
 }
 
 // More different words than are kept.
-void TestTextWidthBounds::goesOnAfterTooManyWords()
+void TestTextWidthBounds::continuesAfterTooManyWords()
 {
     TextWidthBounds bounds(sansFont());
     for (int i = 0; i < 21'000; ++i)

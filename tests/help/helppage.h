@@ -21,7 +21,7 @@ struct PageElement
 class HelpPage
 {
 public:
-    // An `error` that is not empty tells where the page is no XML.
+    // `error` says where the page is not XML; empty if it is.
     explicit HelpPage(const QByteArray& html);
 
     QString error;

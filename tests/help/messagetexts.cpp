@@ -4,8 +4,7 @@
 
 namespace {
 
-// What a backslash and the character stand for; the white space that most of them are is
-// simplified.
+// The meaning of a backslash and the character; white space, which is most of them, is simplified.
 QChar unescaped(QChar c)
 {
     return c == QLatin1Char('n') || c == QLatin1Char('t') ? QLatin1Char(' ') : c;
@@ -20,7 +19,7 @@ int wordCount(const QString& text)
 
 QStringList stringLiterals(const QByteArray& source)
 {
-    // A comment, a character, an #include line, or a string; else what may stand between strings.
+    // A comment, a character, an #include line, or a string; else what may come between strings.
     static const QRegularExpression token(
         QStringLiteral("(?<skip>//[^\\n]*|/\\*.*?\\*/|#include[^\\n]*|'(?:\\\\.|[^'\\\\\\n])+')"
                        "|\"(?<text>(?:\\\\.|[^\"\\\\])*)\"|(?<other>[^\\s])"),

@@ -16,7 +16,7 @@
 #include "hts/htskeys.h"
 #include "hts/htspackage.h"
 #include "hts/numbertext.h"
-#include "tests/app/processrun.h"
+#include "tests/app/annualizerrun.h"
 #include "tests/help/markdown.h"
 
 namespace {
@@ -40,7 +40,7 @@ QByteArray controlDocument()
 }
 
 // A folder with the examples, in which both programs are commands.
-void prepare(ProcessRun& run)
+void prepare(AnnualizerRun& run)
 {
     QVERIFY(QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("bin")));
     QVERIFY(
@@ -54,7 +54,7 @@ void prepare(ProcessRun& run)
 }
 
 // The block with its commands, and what their standard output is after each.
-QByteArray typed(ProcessRun& run, const QByteArray& block)
+QByteArray typed(AnnualizerRun& run, const QByteArray& block)
 {
     QByteArrayList console;
     for (const QByteArray& line : block.split('\n')) {
@@ -202,7 +202,7 @@ void TestFormatDocs::examplesPrintWhatIsShown()
     QFETCH(QByteArrayList, otherStarts);
     QFETCH(int, consoleCount);
 
-    ProcessRun run;
+    AnnualizerRun run;
     prepare(run);
     int consoles = 0;
     for (const QByteArray& block : codeBlocks(document)) {

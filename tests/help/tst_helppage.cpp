@@ -7,7 +7,7 @@
 #include <QRegularExpression>
 
 #include "app/options.h"
-#include "tests/app/processrun.h"
+#include "tests/app/annualizerrun.h"
 #include "tests/help/helppage.h"
 #include "tests/help/messagetexts.h"
 
@@ -43,7 +43,7 @@ QStringList sourceFiles()
     return paths;
 }
 
-// Attributes of the program's own pictures hold the picture itself.
+// Attributes of the program's own pictures contain the picture itself.
 const QString kPictureStart = QStringLiteral("data:image/png;base64,");
 
 // The two numbers of a method's row in the page.
@@ -92,7 +92,7 @@ QStringList firstValues(const QByteArray& annualFile)
 const QString kExampleArguments = QStringLiteral("-i lake.hts -c methods.txt -o annual.hts -y 9");
 
 // The example's files, and the program on the path.
-void writeExample(const HelpPage& page, ProcessRun& run)
+void writeExample(const HelpPage& page, AnnualizerRun& run)
 {
     run.write(QStringLiteral("lake.hts"), page.textOf(QStringLiteral("example-input")).toUtf8());
     run.write(QStringLiteral("methods.txt"),
@@ -112,25 +112,25 @@ private Q_SLOTS:
     void initTestCase();
     void isValidHtml();
     void isMadeFromItsTextAndPictures();
-    void standsBesideTheProgram();
+    void isBesideTheProgram();
     void isSmall();
     void needsNoOtherFileAndNoScript();
     void linksLeadToPlacesInThePage();
     void namesOfPlacesAreUnique();
     void picturesHaveTheirSizeAndAText();
     void headingsSkipNoLevel();
-    void tableHeadersSayWhatTheyHead();
+    void tableHeadersHaveAScope();
     void adaptsToPhonesAndDarkness();
     void namesEveryMethod_data();
     void namesEveryMethod();
     void namesEveryOption();
-    void tellsMessage_data();
-    void tellsMessage();
-    void tellsEveryMessageOfTheSources();
+    void hasMessage_data();
+    void hasMessage();
+    void hasEveryMessageOfTheSources();
     void exampleGivesTheResultShown();
     void methodsGiveTheNumbersShown();
     void shellExampleConvertsAFolder();
-    void shellExampleSaysThatAFolderIsEmpty();
+    void shellExampleReportsAnEmptyFolder();
     void pipeExampleGivesTheResultShown();
     void logOfTheExampleIsTheOneShown();
     void monthGluedToItsOptionIsIgnored_data();
@@ -148,7 +148,7 @@ void TestHelpPage::initTestCase()
 void TestHelpPage::isValidHtml()
 {
     QProcess tidy;
-    tidy.setStandardInputFile(kPage); // a file that is named tidy wants to be able to write, too
+    tidy.setStandardInputFile(kPage); // tidy opens a file that is named for writing, too
     tidy.start(QStringLiteral("tidy"),
                {QStringLiteral("-errors"), QStringLiteral("-quiet"), QStringLiteral("-utf8"),
                 QStringLiteral("--doctype"), QStringLiteral("html5")});
@@ -168,7 +168,7 @@ void TestHelpPage::isMadeFromItsTextAndPictures()
     QCOMPARE(check.exitCode(), 0);
 }
 
-void TestHelpPage::standsBesideTheProgram()
+void TestHelpPage::isBesideTheProgram()
 {
     const QString folder = QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path();
     QVERIFY(content(folder + QLatin1String("/Help/HtsAnnualizerHelp.html")) == content(kPage));
@@ -279,7 +279,7 @@ void TestHelpPage::headingsSkipNoLevel()
     QCOMPARE(topHeadings, 1);
 }
 
-void TestHelpPage::tableHeadersSayWhatTheyHead()
+void TestHelpPage::tableHeadersHaveAScope()
 {
     for (const PageElement& header : m_page.named(QStringLiteral("th"))) {
         const bool isColumn = header.path.contains(QStringLiteral("thead"));
@@ -326,7 +326,7 @@ void TestHelpPage::namesEveryOption()
     }
 }
 
-void TestHelpPage::tellsMessage_data()
+void TestHelpPage::hasMessage_data()
 {
     QTest::addColumn<QString>("text");
     for (const char* text : {
@@ -388,7 +388,7 @@ void TestHelpPage::tellsMessage_data()
         QTest::newRow(text) << QString::fromLatin1(text);
 }
 
-void TestHelpPage::tellsMessage()
+void TestHelpPage::hasMessage()
 {
     QFETCH(QString, text);
     const QStringList codes = m_page.codes();
@@ -404,8 +404,8 @@ void TestHelpPage::tellsMessage()
     QVERIFY2(isInSources, "the program has no such text");
 }
 
-// A message that is new in the sources must be told in the page, or be listed here.
-void TestHelpPage::tellsEveryMessageOfTheSources()
+// A new message in the sources must be in the page, or be listed here.
+void TestHelpPage::hasEveryMessageOfTheSources()
 {
     const QStringList noMessages = {
         QStringLiteral("contains undefined environment variable(s):"),
@@ -441,7 +441,7 @@ void TestHelpPage::tellsEveryMessageOfTheSources()
 
 void TestHelpPage::exampleGivesTheResultShown()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeExample(m_page, run);
     const QString command = QStringLiteral("HtsAnnualizer ") + kExampleArguments;
     QVERIFY(m_page.codes().contains(command));
@@ -456,7 +456,7 @@ void TestHelpPage::methodsGiveTheNumbersShown()
     const QVector<MethodRow> rows = methodRows(m_page);
     QCOMPARE(rows.size(), 12);
     for (const MethodRow& row : rows) {
-        ProcessRun run;
+        AnnualizerRun run;
         run.write(QStringLiteral("a.hts"), m_page.textOf(QStringLiteral("example-input")).toUtf8());
         run.write(QStringLiteral("c.txt"),
                   QStringLiteral("Mill Creek.Flow: %1\n").arg(row.method).toUtf8());
@@ -471,7 +471,7 @@ void TestHelpPage::methodsGiveTheNumbersShown()
 
 void TestHelpPage::shellExampleConvertsAFolder()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("daily"));
     run.write(QStringLiteral("daily/my lake.hts"),
               m_page.textOf(QStringLiteral("example-input")).toUtf8());
@@ -493,9 +493,9 @@ void TestHelpPage::shellExampleConvertsAFolder()
              m_page.textOf(QStringLiteral("example-result")));
 }
 
-void TestHelpPage::shellExampleSaysThatAFolderIsEmpty()
+void TestHelpPage::shellExampleReportsAnEmptyFolder()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("daily"));
     writeExample(m_page, run);
     run.startShell(m_page.textOf(QStringLiteral("shell-example")));
@@ -506,7 +506,7 @@ void TestHelpPage::shellExampleSaysThatAFolderIsEmpty()
 
 void TestHelpPage::pipeExampleGivesTheResultShown()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeExample(m_page, run);
     run.startShell(QStringLiteral("gzip lake.hts"));
     run.startShell(m_page.textOf(QStringLiteral("pipe-example")));
@@ -519,7 +519,7 @@ void TestHelpPage::pipeExampleGivesTheResultShown()
 
 void TestHelpPage::logOfTheExampleIsTheOneShown()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     writeExample(m_page, run);
     run.startShell(QStringLiteral("HtsAnnualizer ") + kExampleArguments);
     const QByteArray shown = m_page.textOf(QStringLiteral("example-log")).toUtf8() + '\n';
@@ -542,7 +542,7 @@ void TestHelpPage::monthGluedToItsOptionIsIgnored()
     QFETCH(QByteArray, lastYear);
     QVERIFY(m_page.codes().contains(arguments));
 
-    ProcessRun run;
+    AnnualizerRun run;
     writeExample(m_page, run);
     run.startShell(QStringLiteral("HtsAnnualizer -i lake.hts -c methods.txt -o annual.hts ") +
                    arguments);

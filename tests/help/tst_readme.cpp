@@ -3,7 +3,7 @@
 
 #include <QtTest>
 
-#include "tests/app/processrun.h"
+#include "tests/app/annualizerrun.h"
 #include "tests/help/markdown.h"
 
 namespace {
@@ -37,7 +37,7 @@ bool hasLines(const QByteArray& text, QByteArray block)
 }
 
 // The folders of the source tree that the commands name, with the programs where a build puts them.
-void makeSourceTree(const ProcessRun& run)
+void makeSourceTree(const AnnualizerRun& run)
 {
     QVERIFY(QDir(run.path(QStringLiteral("."))).mkpath(QStringLiteral("build/release/app")));
     QVERIFY(
@@ -95,7 +95,7 @@ void TestReadme::conversionGivesTheLinesShown()
     QVERIFY(hasLines(example("rivers_daily.hts"), block("object_type: ")));
     QCOMPARE(block("Choptank.Volume.Daily: ") + '\n', example("rivers_daily_methods.txt"));
 
-    ProcessRun run;
+    AnnualizerRun run;
     makeSourceTree(run);
     run.startShell(QString::fromUtf8(block("build/release/app/HtsAnnualizer ")));
     QCOMPARE(run.errors, QByteArray());
@@ -109,7 +109,7 @@ void TestReadme::conversionGivesTheLinesShown()
 
 void TestReadme::failureShowsWhatIsShown()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     makeSourceTree(run);
     QByteArrayList console;
     for (const QByteArray& line : block("$ ").split('\n')) {
@@ -124,7 +124,7 @@ void TestReadme::failureShowsWhatIsShown()
 
 void TestReadme::pipesGiveTheSameResult()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     makeSourceTree(run);
     run.startShell(QString::fromUtf8(block("cat ")));
     QCOMPARE(run.errors, QByteArray());
@@ -136,7 +136,7 @@ void TestReadme::pipesGiveTheSameResult()
 
 void TestReadme::checkShowsWhatIsShown()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     makeSourceTree(run);
     const QString files = QStringLiteral("tests/tool/files/");
     QVERIFY(QDir(run.path(QStringLiteral("."))).mkpath(files));
@@ -154,7 +154,7 @@ void TestReadme::exampleCommandGivesTheComputedResult()
     const QByteArrayList blocks =
         codeBlocks(content(QStringLiteral(SOURCE_DIR "/examples/README.md")));
     QCOMPARE(blocks.size(), 1);
-    ProcessRun run;
+    AnnualizerRun run;
     makeSourceTree(run);
     run.startShell(QString::fromUtf8(blocks.first()));
     QCOMPARE(run.errors, QByteArray());

@@ -6,10 +6,10 @@
 
 #include "hts/htspackage.h"
 
-// The bits of `value`, so that NaNs and zeros compare by what they are.
+// The bits of `value`, so that NaNs are equal to themselves and zeros differ by their sign.
 quint64 bitsOf(double value);
 
-// Where two models differ first, such as `runs[1].trace: "2" "-1"`; empty when they hold the same.
+// The first difference of two models, such as `runs[1].trace: "2" "-1"`; empty when they are equal.
 // Numbers are compared by their bits.
 QString difference(const HtsRun& left, const HtsRun& right);
 QString difference(const HtsSlot& left, const HtsSlot& right);

@@ -5,19 +5,18 @@
 #include <QIODevice>
 #include <QRandomGenerator>
 
-// A sequential device, as a pipe or a socket is one: it hands its data out in pieces and can't
-// seek.
+// A sequential device, like a pipe or a socket: it returns its data in pieces and can't seek.
 class PieceDevice : public QIODevice
 {
 public:
     // Every piece has `size` bytes at most.
     PieceDevice(const QByteArray& data, qint64 size);
 
-    // Pieces of 1 to `size` bytes instead, by chance.
+    // Pieces of random sizes instead, from 1 to `size` bytes.
     void setRandomPieces(quint32 seed);
 
-    // Whether more was asked for after all had been handed out. A pipe whose writer keeps it open
-    // would wait there.
+    // Whether a read came after all data had been returned. A pipe whose writer keeps it open would
+    // wait there.
     bool isOverdrawn() const { return m_isOverdrawn; }
 
     bool isSequential() const override { return true; }

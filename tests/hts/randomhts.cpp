@@ -81,7 +81,7 @@ const QByteArrayList kOddNumbers = {
     "1e99999999999",
 };
 
-// What a line can be made of; the breaker puts it anywhere.
+// Parts of lines, which are inserted anywhere to break a file.
 const QByteArrayList kDictionary = {
     "name:",
     "number_of_runs:",
@@ -221,7 +221,7 @@ QByteArray RandomHts::file(int steps)
             std::shuffle(slotKinds.begin(), slotKinds.end(), m_random);
     }
     if (oneIn(6))
-        addLine("behind the last run");
+        addLine("after the last run");
     if (oneIn(4))
         m_text.chop(m_lineEnd.size());
     return m_text;

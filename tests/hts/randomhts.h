@@ -5,20 +5,20 @@
 #include <QByteArrayList>
 #include <QRandomGenerator>
 
-// Makes HTS files by chance, the same ones for the same seed: several runs, slots of all kinds,
-// missing values, methods, tables, both line ends, lines that no key fits. All of them can be read.
-// Then breaks them.
+// Makes random HTS files, the same ones for the same seed: several runs, slots of all kinds,
+// missing values, methods, tables, both line ends, lines that begin with no key. All of them can be
+// read. Then breaks them.
 class RandomHts
 {
 public:
     explicit RandomHts(quint32 seed);
 
-    // A whole file. `steps` is the most timesteps that a run has.
+    // A whole file. A run has `steps` timesteps at most.
     QByteArray file(int steps);
     // `file` with a few bytes or lines changed, lost, moved or inserted.
     QByteArray broken(const QByteArray& file);
 
-    // The text of a number as it may stand in a value line, or of something close to one.
+    // The text of a number in a value line, or of something close to one.
     QByteArray numberText();
 
 private:
@@ -29,7 +29,8 @@ private:
     QByteArray dateTimeText();
 
     void addLine(const QByteArray& text);
-    // The lines in any order, some of them left out, with lines that no key fits between them.
+    // The lines in any order, some of them left out, with lines that begin with no key between
+    // them.
     void addKeywordLines(QByteArrayList lines);
     void addRun(const QByteArrayList& slotKinds, int steps);
     void addSlot(const QByteArray& kind, int steps);
@@ -43,7 +44,7 @@ private:
     QByteArray m_lineEnd;
 };
 
-// `text` without the "\r"s that no "\n" follows. What a device in text mode makes of such a "\r"
+// `text` without the "\r"s that no "\n" follows. How a device in text mode reads such a "\r"
 // depends on how full its buffer is.
 QByteArray withoutLoneCarriageReturns(const QByteArray& text);
 

@@ -19,8 +19,8 @@ struct DeviceKind
 {
     const char* name;
     std::unique_ptr<QIODevice> (*make)(const QByteArray& text);
-    // The device for the plain reader, on which it sees what it asks for: its look ahead of eight
-    // bytes comes up short on small pieces.
+    // The device for the plain reader. It must return eight bytes at once, since on smaller pieces
+    // that reader's look ahead would see less.
     std::unique_ptr<QIODevice> (*makeReference)(const QByteArray& text);
     QIODevice::OpenMode mode = QIODevice::ReadOnly;
 };
@@ -34,10 +34,10 @@ using PackageReader = std::function<Status(QIODevice& device, HtsPackage& packag
 
 struct ReaderComparison
 {
-    // Where the two differ first: message, model (bit by bit), position and rest of the device,
-    // text mode. Empty when they agree.
+    // The first difference: message, model (bit by bit), position and rest of the device, text
+    // mode. Empty when they agree.
     QString difference;
-    // What the plain reader said.
+    // The outcome of the plain reader.
     QString message;
 };
 

@@ -8,7 +8,7 @@
 // A whole file with one run of three months and one series slot, exactly as the writer writes it.
 extern const QByteArray kSampleFile;
 
-// What the reader makes of kSampleFile.
+// The model that the reader gets from kSampleFile.
 HtsPackage samplePackage();
 
 #endif // TESTS_HTS_SAMPLEFILE_H

@@ -1,5 +1,5 @@
-// Files of a line or two that announce billions of things. A program of its own: the peak of its
-// memory tells whether the reader believed one of them.
+// Files of a line or two that announce billions of things. A separate program: the peak of its
+// memory shows whether the reader believed one of them.
 
 #include <QBuffer>
 #include <QFile>
@@ -9,7 +9,7 @@
 
 namespace {
 
-// Peak of the resident memory so far, in KiB; -1 when the system does not tell.
+// Peak of the resident memory so far, in KiB; -1 when the system does not report it.
 qint64 peakMemory()
 {
     QFile file(QStringLiteral("/proc/self/status"));
@@ -32,7 +32,7 @@ class AnnouncedCountsTest : public QObject
 private Q_SLOTS:
     void failsInLittleMemory_data();
     void failsInLittleMemory();
-    void tableBehindTheEndHasFewRows();
+    void tablePastTheEndHasFewRows();
 };
 
 void AnnouncedCountsTest::failsInLittleMemory_data()
@@ -69,7 +69,7 @@ void AnnouncedCountsTest::failsInLittleMemory()
     QVERIFY(device.atEnd());
 }
 
-void AnnouncedCountsTest::tableBehindTheEndHasFewRows()
+void AnnouncedCountsTest::tablePastTheEndHasFewRows()
 {
     QByteArray text("rows: 2000000000\nEND_SLOT_PREAMBLE\nfirst\nsecond\n");
     QBuffer device(&text);

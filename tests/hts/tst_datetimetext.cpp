@@ -79,8 +79,8 @@ private Q_SLOTS:
     void refusesTexts_data();
     void refusesTexts();
     void writtenTextsReadBack();
-    void knowsTimestepTexts_data();
-    void knowsTimestepTexts();
+    void recognisesTimestepTexts_data();
+    void recognisesTimestepTexts();
     void doesNotDependOnTheLocale();
     void readsAndWritesTheSameUnderEveryLocale();
     void hoursInADaylightSavingGapAreTheSameEverywhere_data();
@@ -256,7 +256,7 @@ void DateTimeTextTest::writtenTextsReadBack()
     }
 }
 
-void DateTimeTextTest::knowsTimestepTexts_data()
+void DateTimeTextTest::recognisesTimestepTexts_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("expected");
@@ -301,7 +301,7 @@ void DateTimeTextTest::knowsTimestepTexts_data()
     QTest::newRow("NUL at the end") << QStringLiteral("2000-1-1 6:00") + QChar(0) << false;
 }
 
-void DateTimeTextTest::knowsTimestepTexts()
+void DateTimeTextTest::recognisesTimestepTexts()
 {
     QFETCH(QString, text);
     QFETCH(bool, expected);
@@ -325,7 +325,7 @@ void DateTimeTextTest::readsAndWritesTheSameUnderEveryLocale()
     QVERIFY(locales.contains(QStringLiteral("fa_IR")));
     const QStringList functions = {QStringLiteral("writesDateTimes"),
                                    QStringLiteral("readsDateTimes"), QStringLiteral("refusesTexts"),
-                                   QStringLiteral("knowsTimestepTexts"),
+                                   QStringLiteral("recognisesTimestepTexts"),
                                    QStringLiteral("takesWhatTheToolkitTakes")};
     for (const QString& locale : locales) {
         const QString failure = failureUnderLocale(locale, functions);

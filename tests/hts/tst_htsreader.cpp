@@ -1,5 +1,5 @@
-// What the reader makes of an HTS file, section by section. Texts hold a '|' where the device must
-// stand after reading; it is taken out before.
+// How the reader reads an HTS file, section by section. Texts have a '|' at the position of the
+// device after reading; it is removed before.
 
 #include <algorithm>
 #include <cmath>
@@ -40,14 +40,14 @@ public:
         open(QIODevice::ReadOnly);
     }
 
-    bool standsAtMark() const { return m_mark >= 0 && pos() == m_mark; }
+    bool isAtMark() const { return m_mark >= 0 && pos() == m_mark; }
 
 private:
     const int m_mark;
 };
 
-// A device whose writer is slow: behind its data it reads as empty `emptyReads` times, and goes on
-// with `rest` then.
+// A device whose writer is slow: after its data it reads as empty `emptyReads` times, and then
+// continues with `rest`.
 class SlowDevice : public QIODevice
 {
 public:
@@ -108,7 +108,7 @@ HtsColumn firstColumn(const QByteArray& text, HtsPackage& package)
 {
     MarkedDevice device(text);
     const Status status = package.read(device);
-    if (!status.ok() || !device.standsAtMark())
+    if (!status.ok() || !device.isAtMark())
         qFatal("not read: %s, at %lld", qPrintable(status.message), device.pos());
     return package.values.at(0).at(0).at(0);
 }
@@ -193,7 +193,7 @@ void HtsReaderTest::endsReading_data()
     newRow("number of runs is no integer", "number_of_runs:1.0\nEND_PACKAGE_PREAMBLE\n|x\n");
     newRow("run without slots", opening(1, 1) + "END_RUN\n|more\n");
     newRow("end of the run without a line end", opening(1, 1) + "END_RUN|");
-    newRow("text behind the end of the run", opening(1, 1) + "END_RUN and more\n|rest");
+    newRow("text after the end of the run", opening(1, 1) + "END_RUN and more\n|rest");
     newRow("empty line before the end of the run ends it", opening(1, 1) + "\n|END_RUN\nrest");
     newRow("empty input", "|", kBadPackagePreamble);
     newRow("blank line in the package preamble", "name:x\n \t\n|number_of_runs:0\n",
@@ -215,7 +215,7 @@ void HtsReaderTest::endsReading_data()
            kBadSlotPreamble);
     newRow("input ends before the end of the run",
            opening(1, 0) + kSeries + "END_COLUMN\nEND_SLOT\n|", kBadSlotPreamble);
-    newRow("letters behind the end of the run are a slot line", opening(1, 1) + "END_RUNS\n\n|",
+    newRow("letters after the end of the run are a slot line", opening(1, 1) + "END_RUNS\n\n|",
            kBadSlotPreamble);
     newRow("units missing", opening(1, 1) + "END_SLOT_PREAMBLE\nunit: cms\nscale: 1\n|1.0\n",
            kBadColumnHeader);
@@ -234,7 +234,7 @@ void HtsReaderTest::endsReading()
     const Status status = package.read(device);
     QCOMPARE(status.message, message);
     QVERIFY(!status.flag);
-    QVERIFY2(device.standsAtMark(), qPrintable(QString::number(device.pos())));
+    QVERIFY2(device.isAtMark(), qPrintable(QString::number(device.pos())));
 }
 
 void HtsReaderTest::keepsWhatWasReadBeforeAFailure()
@@ -267,13 +267,13 @@ void HtsReaderTest::readsPackagePreamble_data()
     newRow("white space around the line", " \tname:x \r\n END_PACKAGE_PREAMBLE \r\n|") << kX << 0;
     newRow("other case is no key", "Name:y\nname:x\nNUMBER_OF_RUNS:3\nEND_PACKAGE_PREAMBLE\n|")
         << kX << 0;
-    newRow("text behind the end line", "name:x\nEND_PACKAGE_PREAMBLE x\n\n|", kBadPackagePreamble)
+    newRow("text after the end line", "name:x\nEND_PACKAGE_PREAMBLE x\n\n|", kBadPackagePreamble)
         << kX << 0;
     newRow("byte order mark at the start of the line is dropped",
            "\xef\xbb\xbfname:x\nEND_PACKAGE_PREAMBLE\n|")
         << kX << 0;
-    newRow("byte order mark behind the key stays", "name:\xef\xbb\xbfx\nnumber_of_runs:\xef\xbb\xbf"
-                                                   "2\nEND_PACKAGE_PREAMBLE\n|")
+    newRow("byte order mark after the key stays", "name:\xef\xbb\xbfx\nnumber_of_runs:\xef\xbb\xbf"
+                                                  "2\nEND_PACKAGE_PREAMBLE\n|")
         << QString(QChar(QChar::ByteOrderMark) + kX) << 0;
     newRow("UTF-8", "name:\xc3\x84\nEND_PACKAGE_PREAMBLE\n|") << QString(QChar(0xc4)) << 0;
     newRow("empty line", "name:x\n\n|number_of_runs:1\n", kBadPackagePreamble) << kX << 0;
@@ -293,7 +293,7 @@ void HtsReaderTest::readsPackagePreamble()
     QTEST(package.name, "name");
     QTEST(package.numberOfRuns, "numberOfRuns");
     QVERIFY(package.runs.isEmpty());
-    QVERIFY2(device.standsAtMark(), qPrintable(QString::number(device.pos())));
+    QVERIFY2(device.isAtMark(), qPrintable(QString::number(device.pos())));
 }
 
 void HtsReaderTest::packagePreambleIsReadOnce()
@@ -303,7 +303,7 @@ void HtsReaderTest::packagePreambleIsReadOnce()
     package.preambleRead = true;
     QVERIFY(package.readPreamble(device).ok());
     QCOMPARE(package.name, QString());
-    QVERIFY(device.standsAtMark());
+    QVERIFY(device.isAtMark());
 }
 
 void HtsReaderTest::readsRunPreamble_data()
@@ -345,7 +345,7 @@ void HtsReaderTest::readsRunPreamble()
     QCOMPARE(run.readPreamble(device).message, message);
     QTEST(run.timesteps.size(), "steps");
     QTEST(run.complete, "complete");
-    QVERIFY2(device.standsAtMark(), qPrintable(QString::number(device.pos())));
+    QVERIFY2(device.isAtMark(), qPrintable(QString::number(device.pos())));
 }
 
 void HtsReaderTest::runPreambleTakesEveryKey()
@@ -359,7 +359,7 @@ void HtsReaderTest::runPreambleTakesEveryKey()
     expected.complete = true;
     expected.trace = 3;
     expected.start = utc(2000, 1, 1, 6);
-    // `end` stays null: the blank behind the colon belongs to the value, which is no date-time.
+    // `end` stays null: the blank after the colon belongs to the value, which is no date-time.
     expected.timeStepUnit = QStringLiteral("hour");
     expected.unitQuantity = 6;
     expected.consecutive = 0;
@@ -367,7 +367,7 @@ void HtsReaderTest::runPreambleTakesEveryKey()
     expected.ruleSet = QStringLiteral(" rules");
     expected.idxSequential = 7;
     QCOMPARE(difference(run, expected), QString());
-    QVERIFY(device.standsAtMark());
+    QVERIFY(device.isAtMark());
 }
 
 void HtsReaderTest::runPreambleOfCompleteRunReadsTimestepsOnly()
@@ -379,7 +379,7 @@ void HtsReaderTest::runPreambleOfCompleteRunReadsTimestepsOnly()
     QVERIFY(run.readPreamble(device).ok());
     QCOMPARE(run.timesteps, QStringList{QStringLiteral("2000-1-1 6:00")});
     QCOMPARE(run.trace, -1);
-    QVERIFY(device.standsAtMark());
+    QVERIFY(device.isAtMark());
 }
 
 void HtsReaderTest::timestepLineMustMatch_data()
@@ -437,7 +437,7 @@ void HtsReaderTest::timestepLineMustMatch()
              matches ? QString() : QString::fromLatin1(kBadRunPreamble));
     QCOMPARE(run.complete, matches);
     QCOMPARE(run.timesteps, matches ? QStringList{line} : QStringList());
-    QVERIFY(device.standsAtMark());
+    QVERIFY(device.isAtMark());
 }
 
 void HtsReaderTest::timestepLineMatchesAsTheRegularExpression()
@@ -489,10 +489,10 @@ void HtsReaderTest::readsSlotPreamble_data()
     newRow("rows without a type make a table",
            "object_type: x\nrows: 2\ncols: 1\nEND_SLOT_PREAMBLE\n 1  2 \n\n|END_SLOT\n")
         << kTable << kX << kTwoRows;
-    newRow("rows behind a type do not",
+    newRow("rows after a type do not",
            "object_type: x\nslot_type: ScalarSlot\nrows: 2\nEND_SLOT_PREAMBLE\n|1\n2\n")
         << QStringLiteral("ScalarSlot") << kX << QStringList();
-    newRow("type behind rows wins",
+    newRow("type after rows wins",
            "object_type: x\nrows: 2\nslot_type: ScalarSlot\nEND_SLOT_PREAMBLE\n|1\n2\n")
         << QStringLiteral("ScalarSlot") << kX << QStringList();
     newRow("table without rows",
@@ -508,12 +508,12 @@ void HtsReaderTest::readsSlotPreamble_data()
         << QString() << kX << QStringList();
     newRow("end of the input", "object_type: x|", kBadSlotPreamble)
         << QString() << kX << QStringList();
-    newRow("rows of a broken preamble are read all the same",
+    newRow("rows of a broken preamble are read, too",
            "object_type: x\nrows: 2\n\n1  2\n\n|END_SLOT_PREAMBLE\n", kBadSlotPreamble)
         << kTable << kX << kTwoRows;
     newRow("input ends in the rows", "object_type: x\nrows: 2\nEND_SLOT_PREAMBLE\n1  2|")
         << kTable << kX << kTwoRows;
-    newRow("rows behind the end of the input are empty",
+    newRow("rows after the end of the input are empty",
            "object_type: x\nrows: 5\nEND_SLOT_PREAMBLE\n1  2\n|")
         << kTable << kX
         << QStringList{QStringLiteral("1  2"), QString(), QString(), QString(), QString()};
@@ -531,7 +531,7 @@ void HtsReaderTest::readsSlotPreamble()
     QTEST(slot.slotType, "slotType");
     QTEST(slot.objectType, "objectType");
     QTEST(slot.tableRows, "tableRows");
-    QVERIFY2(device.standsAtMark(), qPrintable(QString::number(device.pos())));
+    QVERIFY2(device.isAtMark(), qPrintable(QString::number(device.pos())));
 }
 
 void HtsReaderTest::slotPreambleReadBeforeReadsRowsOnly()
@@ -544,7 +544,7 @@ void HtsReaderTest::slotPreambleReadBeforeReadsRowsOnly()
     QVERIFY(slot.readPreamble(device).ok());
     QCOMPARE(slot.tableRows, QStringList{QStringLiteral("slot_name: x")});
     QCOMPARE(slot.slotName, QString());
-    QVERIFY(device.standsAtMark());
+    QVERIFY(device.isAtMark());
 }
 
 void HtsReaderTest::readsColumnHeader_data()
@@ -599,7 +599,7 @@ void HtsReaderTest::readsColumnHeader()
     QTEST(units, "units");
     QTEST(scale, "scale");
     QTEST(method, "method");
-    QVERIFY2(device.standsAtMark(), qPrintable(QString::number(device.pos())));
+    QVERIFY2(device.isAtMark(), qPrintable(QString::number(device.pos())));
 }
 
 void HtsReaderTest::valueLinesAreNumbers()
@@ -636,7 +636,7 @@ void HtsReaderTest::missingEndLinesAreNotDetected()
     MarkedDevice device(opening(1, 2) + kSeries + "1\nEND_COLUMN\nEND_SLOT\nEND_RUN\n|");
     QCOMPARE(cutShort.read(device).message, QString::fromLatin1(kBadSlotPreamble));
     QVERIFY((cutShort.values[0][0][0] == HtsColumn{1.0, 0.0}));
-    QVERIFY(device.standsAtMark());
+    QVERIFY(device.isAtMark());
 }
 
 void HtsReaderTest::scalarSlotsHaveOneValue_data()
@@ -666,7 +666,7 @@ void HtsReaderTest::tableSlotSkipsLinesUpToItsEnd()
                         kSeries + "5\nEND_COLUMN\nEND_SLOT\nEND_RUN\n|");
     HtsPackage package;
     QCOMPARE(package.read(device).message, QString());
-    QVERIFY(device.standsAtMark());
+    QVERIFY(device.isAtMark());
     QCOMPARE(package.numSlots(), 2);
     QCOMPARE(package.slot(0).tableRows, QStringList{QStringLiteral("a b")});
     QCOMPARE(package.slot(0).numColumns(), 2);
@@ -698,10 +698,10 @@ void HtsReaderTest::valuesOfLaterRunsGoByPosition()
     MarkedDevice device(opening(2, 1) + slot("A", "m", "1") + slot("B", "s", "2") +
                         "END_RUN\ntrace:5\ntime_steps:1\nEND_RUN_PREAMBLE\n2001-1-1 6:00\n" +
                         slot("B", "s", "3") + slot("A", "m", "4") + slot("C", "x", "5") +
-                        "END_RUN\n|behind\n");
+                        "END_RUN\n|after\n");
     HtsPackage package;
     QCOMPARE(package.read(device).message, QString());
-    QVERIFY(device.standsAtMark());
+    QVERIFY(device.isAtMark());
     QCOMPARE(package.numSlots(), 2);
     QCOMPARE(package.slot(0).slotName, QStringLiteral("A"));
     QCOMPARE(package.slot(0).units, QStringList{QStringLiteral("m")});
@@ -718,7 +718,7 @@ void HtsReaderTest::slotTypeOfLaterRunDecidesItsRowCount()
                         "units: x\nscale: 1\n3\nEND_COLUMN\nEND_SLOT\nEND_RUN\n|");
     HtsPackage package;
     QCOMPARE(package.read(device).message, QString());
-    QVERIFY(device.standsAtMark());
+    QVERIFY(device.isAtMark());
     QCOMPARE(package.slot(0).slotType, QString());
     QVERIFY((package.values[0][0][0] == HtsColumn{1.0, 2.0}));
     QVERIFY((package.values[1][0][0] == HtsColumn{3.0}));

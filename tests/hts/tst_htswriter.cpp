@@ -87,7 +87,7 @@ HtsPackage readBack(QByteArray text)
     return package;
 }
 
-// The lines of the first slot behind its preamble.
+// The lines of the first slot after its preamble.
 QByteArray writtenColumns(const HtsPackage& package)
 {
     const QByteArray text = written(package);
@@ -123,9 +123,9 @@ private Q_SLOTS:
     void methodLineOnlyWithMethod();
     void otherSlotsHaveOneValue();
     void tableSlotHasNoColumnsAndNoEnd();
-    void writtenTableSwallowsTheSlotThatFollows();
+    void writtenTableLosesTheSlotAfterIt();
     void numberOfRunsIsWrittenAsStored();
-    void leavesPackageAlone();
+    void leavesPackageUnchanged();
     void writesUtf8InAnyLocale();
     void writesManyValues();
     void writesTheLongestNumberAnywhere();
@@ -389,7 +389,7 @@ void HtsWriterTest::tableSlotHasNoColumnsAndNoEnd()
     QCOMPARE(writtenColumns(packageOf(slot, 3, {5.0, 6.0, 7.0})), QByteArray("1 2\n"));
 }
 
-void HtsWriterTest::writtenTableSwallowsTheSlotThatFollows()
+void HtsWriterTest::writtenTableLosesTheSlotAfterIt()
 {
     HtsSlot table = series(QStringLiteral("table"));
     table.slotType = QStringLiteral("TableSlot");
@@ -416,7 +416,7 @@ void HtsWriterTest::numberOfRunsIsWrittenAsStored()
     QCOMPARE(HtsPackage().read(device).message, QStringLiteral("Cannot read run preamble"));
 }
 
-void HtsWriterTest::leavesPackageAlone()
+void HtsWriterTest::leavesPackageUnchanged()
 {
     const HtsPackage package = packageOf(series(QStringLiteral("x")), 2, {1.0, kNaN});
     const HtsPackage copy = package;
@@ -444,7 +444,7 @@ void HtsWriterTest::writesUtf8InAnyLocale()
 
 void HtsWriterTest::writesManyValues()
 {
-    // More than any buffer on the way holds, and texts of very different length.
+    // More than fits any buffer on the way, and texts of very different length.
     HtsColumn values;
     QByteArray expected("units: cms\nscale: 1\n");
     for (int i = 0; i < 20000; ++i) {
@@ -459,7 +459,7 @@ void HtsWriterTest::writesManyValues()
     QVERIFY(writtenColumns(package) == expected);
 }
 
-// Among them where the buffer for the texts of numbers has just not the room for it.
+// Also at a place where the buffer has just no room for the text of a number.
 void HtsWriterTest::writesTheLongestNumberAnywhere()
 {
     const double longest = std::numeric_limits<double>::lowest();
@@ -512,7 +512,7 @@ void HtsWriterTest::writtenRandomFilesReadBack()
     for (quint32 seed = 0; seed < 200; ++seed) {
         const QByteArray text = RandomHts(seed).file(10);
         if (text.contains("rows: "))
-            continue; // a written table swallows what follows
+            continue; // what follows is read as a part of a written table
         HtsPackage package = readBack(text);
         // The file lists its slots in another order in some runs; the model has one order.
         for (int r = 1; r < package.runs.size(); ++r) {

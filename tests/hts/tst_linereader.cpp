@@ -37,8 +37,8 @@ private Q_SLOTS:
     void initTestCase();
     void readsLines_data();
     void readsLines();
-    void leavesTheDeviceBehindTheLastLineRead_data();
-    void leavesTheDeviceBehindTheLastLineRead();
+    void leavesTheDeviceAfterTheLastLineRead_data();
+    void leavesTheDeviceAfterTheLastLineRead();
     void startsAtThePositionOfTheDevice();
     void readsLinesOfAnyLength_data();
     void readsLinesOfAnyLength();
@@ -62,8 +62,8 @@ private Q_SLOTS:
     void closedDeviceIsEmpty();
 
 private:
-    // Rows of the kinds, each in text mode and not. A number stands for a sequential device that
-    // hands out so many bytes at a time.
+    // Rows for the kinds of device, each in text mode and not. A number means a sequential device
+    // that returns so many bytes at a time.
     static void addDeviceRows(std::initializer_list<const char*> kinds = {"buffer", "file", "1",
                                                                           "7"});
     // The device of the current row with `data`.
@@ -133,12 +133,12 @@ void LineReaderTest::readsLines()
     QCOMPARE(bytes(reader.line()), QByteArray());
 }
 
-void LineReaderTest::leavesTheDeviceBehindTheLastLineRead_data()
+void LineReaderTest::leavesTheDeviceAfterTheLastLineRead_data()
 {
     addDeviceRows();
 }
 
-void LineReaderTest::leavesTheDeviceBehindTheLastLineRead()
+void LineReaderTest::leavesTheDeviceAfterTheLastLineRead()
 {
     const QByteArray text("one\r\ntwo\n3\n4\r\nlast, without a line end");
     const int lineEnds[] = {0, 5, 9, 11, 14, text.size(), text.size()};
@@ -225,7 +225,7 @@ void LineReaderTest::readsNumbersAcrossBlocks()
         device->setTextModeEnabled(false);
         QCOMPARE(device->readAll(), text.mid(end));
     }
-    // Numbers behind the end of the input are 0, and a line is a number even without its end.
+    // Numbers after the end of the input are 0, and a line is a number even without its end.
     const auto device = opened("1\n\ntext\nNaN\n12");
     std::vector<double> numbers(7, -1.0);
     LineReader(*device).readNumbers(numbers);
@@ -245,12 +245,12 @@ void LineReaderTest::looksAheadForAWord_data()
     addRow("alone on its line", "END_RUN\nmore", true);
     addRow("Windows line end", "END_RUN\r\nmore", true);
     addRow("at the end of the input", "END_RUN", true);
-    addRow("blank and text behind", "END_RUN text\n", true);
-    addRow("tab and text behind", "END_RUN\ttext\n", true);
+    addRow("blank and text after", "END_RUN text\n", true);
+    addRow("tab and text after", "END_RUN\ttext\n", true);
     addRow("blank before", " END_RUN\n", true);
     addRow("empty line before", "\nEND_RUN\n", true);
     addRow("two blanks before", "  END_RUN\n", false);
-    addRow("letter behind", "END_RUNS\n", false);
+    addRow("letter after", "END_RUNS\n", false);
     addRow("cut short", "END_RU\n", false);
     addRow("cut short at the end of the input", "END_RU", false);
     addRow("other case", "end_run\n", false);
@@ -463,7 +463,7 @@ void LineReaderTest::leavesWhatItDidNotUseInAPipe()
     QVERIFY(device.open(static_cast<QIODevice::OpenMode>(mode)));
     QCOMPARE(textOf(LineReader(device)), QStringLiteral("one"));
     QCOMPARE(LineReader(device).nextByteIs('t'), true);
-    // The bytes that were given back come first and alone, and are enough.
+    // The returned bytes are read first, without any others, and are enough.
     QCOMPARE(textOf(LineReader(device)), QStringLiteral("two"));
     QVERIFY(!device.isOverdrawn());
     device.setTextModeEnabled(false);

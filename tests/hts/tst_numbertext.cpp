@@ -22,7 +22,7 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// A reader reads its first line another way than those that are in its block already.
+// A reader reads its first line in another way than those that are already in its block.
 const QByteArray kLineBefore = "8.5\n";
 
 std::string_view view(const QByteArray& bytes)
@@ -212,10 +212,10 @@ void NumberTextTest::readsNumbers_data()
         QTest::addRow("' %s\\t\\r'", text)
             << QByteArray(QByteArray(" ") + text + "\t\r") << expected;
     }
-    QTest::newRow("behind NUL") << QByteArray("12\0"
-                                              "34",
-                                              5)
-                                << 12.0;
+    QTest::newRow("after NUL") << QByteArray("12\0"
+                                             "34",
+                                             5)
+                               << 12.0;
 }
 
 void NumberTextTest::readsNumbers()
@@ -223,7 +223,7 @@ void NumberTextTest::readsNumbers()
     QFETCH(QByteArray, text);
     QFETCH(double, expected);
     QCOMPARE(bitsOf(lineToNumber(view(text))), bitsOf(expected));
-    // The table tells what the toolkit does.
+    // The table shows what the toolkit does.
     QCOMPARE(bitsOf(QString::fromUtf8(text.trimmed()).toDouble()), bitsOf(expected));
 }
 
@@ -232,7 +232,7 @@ void NumberTextTest::readsNumbersInAnyLocale()
     const QLocale before;
     QLocale::setDefault(QLocale(QLocale::German));
     const double point = lineToNumber("1.5");
-    const double plus = lineToNumber("+1.5"); // goes by the toolkit
+    const double plus = lineToNumber("+1.5"); // read by the toolkit
     const double comma = lineToNumber("1,5");
     const QByteArray text = written(1234.5);
     QLocale::setDefault(before);
@@ -276,7 +276,7 @@ void NumberTextTest::readsNumbersOfTwelveDecimals_data()
           // about 2^53 units of the last decimal, the last one that is exact
           "9007.199254740991", "9007.199254740992", "9007.199254740993", "9007.199254740994",
           "9999.999999999999", "10000.000000000000", "12345.678901234567",
-          // one decimal more or less, no digit before the point or behind it
+          // one decimal more or less, no digit before the point or after it
           "1.23456789012", "1.2345678901234", ".123456789012", "-.123456789012", "123.",
           // what follows ends the number, or doesn't
           "1.234567890123e2", "1.234567890123E2", "1.234567890123.", "1.234567890123 ",
@@ -288,7 +288,7 @@ void NumberTextTest::readsNumbersOfTwelveDecimals()
 {
     QFETCH(QByteArray, text);
     const double expected = QString::fromLatin1(text).trimmed().toDouble();
-    // Bytes behind the line, from none to more than a number has: they are not part of it.
+    // Bytes after the line, from none to more than a number has: they are not part of it.
     for (const char* lineEnd : {"\n", "\r\n", " \n"}) {
         for (int following = 0; following < 32; ++following) {
             QByteArray lines = kLineBefore + text + lineEnd + QByteArray(following, '7');
@@ -391,7 +391,7 @@ void NumberTextTest::writesNumbers_data()
         {-kNaN, "NaN"},
         {kInfinity, "NaN"},
         {-kInfinity, "NaN"},
-        // Exact halves of the last digit go away from zero.
+        // Exact halves of the last digit are rounded away from zero.
         {1.0 / 8192, "0.000122070313"},
         {-1.0 / 8192, "-0.000122070313"},
         {3.0 / 8192, "0.000366210938"},
@@ -426,7 +426,7 @@ void NumberTextTest::writesNumbers()
     QFETCH(double, value);
     QFETCH(QByteArray, expected);
     QCOMPARE(written(value), expected);
-    // The table tells what the toolkit does.
+    // The table shows what the toolkit does.
     QCOMPARE(writtenByStream({value}), QByteArray(expected + '\n'));
 }
 

@@ -65,18 +65,18 @@ PackageReader stepReader(const Steps& steps)
     };
 }
 
-// `text` with a byte order mark or a NUL byte behind every third colon, or behind the blank that
+// `text` with a byte order mark or a NUL byte after every third colon, or after the blank that
 // follows it, by chance.
-QByteArray withOddBytesBehindKeys(const QByteArray& text, quint32 seed)
+QByteArray withOddBytesAfterKeys(const QByteArray& text, quint32 seed)
 {
     QRandomGenerator random(seed);
     QByteArray result;
-    bool isBehindKey = false;
+    bool isAfterKey = false;
     for (int i = 0; i < text.size(); ++i) {
         const char character = text.at(i);
         result += character;
-        isBehindKey = character == ':' || (isBehindKey && character == ' ');
-        const bool isNext = isBehindKey && (i + 1 == text.size() || text.at(i + 1) != ' ');
+        isAfterKey = character == ':' || (isAfterKey && character == ' ');
+        const bool isNext = isAfterKey && (i + 1 == text.size() || text.at(i + 1) != ' ');
         if (isNext && random.bounded(3) == 0) {
             static const QByteArray kOdd[] = {"\xef\xbb\xbf", QByteArray(1, '\0'), "\xef\xbb\xbf ",
                                               "\xef\xbb", "\xef\xbb\xbf\xef\xbb\xbf"};
@@ -100,8 +100,8 @@ private Q_SLOTS:
     void agreesOnBrokenFiles();
     void agreesStepByStep_data();
     void agreesStepByStep();
-    void agreesOnOddBytesBehindKeys_data();
-    void agreesOnOddBytesBehindKeys();
+    void agreesOnOddBytesAfterKeys_data();
+    void agreesOnOddBytesAfterKeys();
     void agreesOnFilesLongerThanABlock_data();
     void agreesOnFilesLongerThanABlock();
     void agreesOnLineEndsAroundTheEndOfARun_data();
@@ -204,19 +204,19 @@ void ReaderAgreementTest::agreesStepByStep()
     QCOMPARE(m_messages.size(), 5);
 }
 
-void ReaderAgreementTest::agreesOnOddBytesBehindKeys_data()
+void ReaderAgreementTest::agreesOnOddBytesAfterKeys_data()
 {
     addDeviceRows();
 }
 
-void ReaderAgreementTest::agreesOnOddBytesBehindKeys()
+void ReaderAgreementTest::agreesOnOddBytesAfterKeys()
 {
     for (quint32 seed = 0; seed < 200; ++seed) {
-        const QByteArray text = withOddBytesBehindKeys(RandomHts(seed).file(6), seed);
+        const QByteArray text = withOddBytesAfterKeys(RandomHts(seed).file(6), seed);
         QString fault = disagreement(text);
         QVERIFY2(fault.isEmpty(), qPrintable(kInput.arg(seed).arg(fault)));
         // Far more of them get to a column header.
-        const QByteArray inOrder = withOddBytesBehindKeys(
+        const QByteArray inOrder = withOddBytesAfterKeys(
             "name:x\nnumber_of_runs:1\nowner:y\nEND_PACKAGE_PREAMBLE\nstart:2000-1-1 6:00\n"
             "trace:1\nslot_set:s\nEND_RUN_PREAMBLE\nobject_type: R\nrows: 1\nslot_type: S\n"
             "END_SLOT_PREAMBLE\nunits: cms\nscale: 2\nmethod: Sum\n1\n",

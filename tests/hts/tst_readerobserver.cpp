@@ -1,4 +1,4 @@
-// What an observer of the reader is shown, and with which line numbers.
+// What is reported to an observer of the reader, and with which line numbers.
 
 #include <QBuffer>
 #include <QtTest>
@@ -13,7 +13,7 @@ QString textOf(std::string_view bytes)
     return QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
 }
 
-// Notes every call as a text: line number, what it is, the line.
+// Notes every call as a text: line number, kind of line, the line.
 class RecordingObserver : public HtsReader::Observer
 {
 public:
@@ -28,7 +28,7 @@ public:
     {
         add("unexpected", expected + QLatin1Char('|') + textOf(line));
     }
-    void look(std::size_t index, qint64 lineNumber, std::string_view line) override
+    void oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line) override
     {
         calls.append(
             QStringLiteral("%1 value %2: %3").arg(lineNumber).arg(index).arg(textOf(line)));
@@ -66,14 +66,14 @@ QStringList observed(const QByteArray& text)
             if (!status.ok())
                 break;
             if (slot.isTable()) {
-                while (reader.readEndLine() != "END_SLOT")
+                while (reader.readLine() != "END_SLOT")
                     observer.calls.append(QStringLiteral("row"));
                 continue;
             }
             std::vector<double> values(static_cast<std::size_t>(slot.valueCount(run)));
             reader.readValues(values);
-            reader.readEndLine();
-            reader.readEndLine();
+            reader.readLine();
+            reader.readLine();
         }
     }
     return observer.calls;

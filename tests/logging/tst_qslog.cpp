@@ -77,7 +77,7 @@ void log(Level level, const Text& text)
     }
 }
 
-// The text behind level name and time stamp.
+// The text after level name and time stamp.
 QString streamedText(const QString& line)
 {
     return line.mid(6 + 23 + 1);
@@ -109,7 +109,7 @@ private Q_SLOTS:
     void writesOneLineAtATime();
 };
 
-// Before anything is changed: the logger of the process is as it starts.
+// Before anything is changed: the initial state of the logger.
 void TestQsLog::initTestCase()
 {
     startsAtInfo();
@@ -174,7 +174,8 @@ void TestQsLog::stampsLocalTime()
     QLOG_INFO() << "text";
     const QString after = locale.toString(QDateTime::currentDateTime(), format);
     const QString stamp = writtenLines.first().text.mid(6, format.size());
-    // As text, which is in the order of time but for the hour in which a clock is set back.
+    // Compared as text, which is in the order of time except in the hour in which a clock is set
+    // back.
     QVERIFY2(before > after || (before <= stamp && stamp <= after), qUtf8Printable(stamp));
 }
 
@@ -263,7 +264,7 @@ void TestQsLog::evaluatesNothingBelowTheThreshold()
     QCOMPARE(evaluations, 1);
 }
 
-// An else behind it belongs to the if before it.
+// An else after it belongs to the if before it.
 void TestQsLog::macroIsOneStatement()
 {
     for (const bool condition : {true, false}) {

@@ -141,7 +141,7 @@ private Q_SLOTS:
     void completionOffersTheToolsOptions();
     void completionOffersValues_data();
     void completionOffersValues();
-    void readmeTellsTheVersions();
+    void readmeHasTheVersions();
 };
 
 void TestManual::programPageListsItsOptions()
@@ -233,7 +233,7 @@ void TestManual::completionOffersValues()
              expected);
 }
 
-void TestManual::readmeTellsTheVersions()
+void TestManual::readmeHasTheVersions()
 {
     const QString package = QStringLiteral(PACKAGE_VERSION);
     QCOMPARE(toolOutput({QStringLiteral("--version")}),

@@ -8,10 +8,10 @@
 
 class QIODevice;
 
-// A conversion in its plainest form, step after step over a whole package in memory, each step
-// logged as it is taken. The tests of the engine compare with it, and the benchmarks measure
-// against it. It shares the single steps with the engine (complete years, rules, aggregation), but
-// nothing of the order in which they are taken and reported, so keep it dull.
+// The simplest form of a conversion: step after step on a whole package in memory, each step logged
+// at once. The tests of the engine compare with it, and the benchmarks measure against it. It
+// shares the single steps with the engine (complete years, rules, aggregation), but not the order
+// in which they are taken and reported, so keep it simple.
 namespace plainconversion {
 
 // Reads `source` with the plain reader, converts and writes the result to `result`, with the log

@@ -87,11 +87,11 @@ void takeSlotLine(const QString& line, HtsSlot& slot)
 
 void readTableRows(QIODevice& device, HtsSlot& slot)
 {
-    int behindTheEnd = 0;
-    for (int row = 0; row < slot.rows && behindTheEnd < kMaxRowsPastTheEnd; ++row) {
+    int pastTheEnd = 0;
+    for (int row = 0; row < slot.rows && pastTheEnd < kMaxRowsPastTheEnd; ++row) {
         const QByteArray line = device.readLine();
         if (line.isEmpty())
-            ++behindTheEnd;
+            ++pastTheEnd;
         slot.tableRows.append(QString::fromUtf8(line.trimmed()));
     }
 }
@@ -224,7 +224,7 @@ Status readColumnHeader(QIODevice& device, QString& units, double& scale, QStrin
     return {};
 }
 
-// The runs are added one by one: a file can announce two billion of them and hold none.
+// The runs are added one by one: a file can announce two billion of them and have none.
 Status read(QIODevice& device, HtsPackage& package, LineBudget* budget)
 {
     Status status = readPackagePreamble(device, package);

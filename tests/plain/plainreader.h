@@ -12,36 +12,37 @@ struct HtsPackage;
 struct HtsRun;
 struct HtsSlot;
 
-// The HTS reader in its plainest form: one QIODevice::readLine and one QString for every line. The
+// The simplest form of the HTS reader: one QIODevice::readLine and one QString for every line. The
 // tests of the reader compare with it, and the benchmarks measure against it. It shares nothing
-// with the reader of hts/ but the model and textToDateTime, so keep it dull: no blocks, no tables.
+// with the reader of hts/ but the model and textToDateTime, so keep it simple: no blocks, no
+// tables.
 //
 //     HtsPackage package;
 //     const Status status = plainreader::read(device, package);
 namespace plainreader {
 
 // How many lines the search for the "END_SLOT" of table slots may still read. A file without that
-// line would keep it busy for ever.
+// line would make the search endless.
 struct LineBudget
 {
     qint64 left;
     bool isExhausted = false;
 };
 
-// The rows of a table that may stand past the end of the input.
+// The number of rows of a table that may be past the end of the input.
 constexpr int kMaxRowsPastTheEnd = 4096;
 
 // Reads a whole file into `package`, which is empty. Without a budget the search for "END_SLOT" has
 // no end; with one, a read that needs more lines fails and sets isExhausted.
 Status read(QIODevice& device, HtsPackage& package, LineBudget* budget = nullptr);
 
-// Reads `device`, which holds `text`. Sets `isEndless` when the rules of the format let the reading
-// go on for ever: a table has no "END_SLOT" after it, and the search for that line deliberately
-// doesn't stop at the end of the input. Such an input must not get to the reader of hts/.
+// Reads `device`, which holds `text`. Sets `isEndless` when by the rules of the format reading
+// never ends: a table has no "END_SLOT" after it, and the search for that line deliberately doesn't
+// stop at the end of the input. The reader of hts/ must not get such an input.
 //
 // This is exact: the search can read no more lines than the text has, unless it is past the end.
 //
-// Nothing else of an input needs to be kept away. Counts that it announces cost no memory: runs,
+// No other input has to be kept away from it. Counts that it announces cost no memory: runs,
 // timesteps and values must be in the file, and a table has few rows past its end.
 Status readUnlessEndless(QIODevice& device, const QByteArray& text, HtsPackage& package,
                          bool& isEndless);

@@ -8,12 +8,12 @@ class PlainReaderTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void saysWhichTextsAreEndless_data();
-    void saysWhichTextsAreEndless();
+    void findsEndlessTexts_data();
+    void findsEndlessTexts();
     void endlessTextEndsWithEndSlotAfterIt();
 };
 
-void PlainReaderTest::saysWhichTextsAreEndless_data()
+void PlainReaderTest::findsEndlessTexts_data()
 {
     QTest::addColumn<QByteArray>("slotLines");
     QTest::addColumn<bool>("isEndless");
@@ -23,13 +23,13 @@ void PlainReaderTest::saysWhichTextsAreEndless_data()
     row("no table", "END_SLOT_PREAMBLE\nunits: m\nscale: 1\nEND_COLUMN\nEND_SLOT\nEND_RUN\n",
         false);
     row("input ends in the preamble of a table", "slot_type: TableSlot\nrows: 1\n", false);
-    row("input ends behind the preamble of a table", "rows: 0\nEND_SLOT_PREAMBLE\n", true);
+    row("input ends after the preamble of a table", "rows: 0\nEND_SLOT_PREAMBLE\n", true);
     row("table without its end", "rows: 1\nEND_SLOT_PREAMBLE\na\nEND_RUN\n", true);
     row("table with its end", "rows: 1\nEND_SLOT_PREAMBLE\na\nEND_SLOT\nEND_RUN\n", false);
     row("end is one of the rows", "rows: 2\nEND_SLOT_PREAMBLE\na\nEND_SLOT\nEND_RUN\n", true);
     row("end has no line end", "rows: 0\nEND_SLOT_PREAMBLE\n\n\n\nEND_SLOT", false);
     row("end has blanks around it", "rows: 0\nEND_SLOT_PREAMBLE\n\t END_SLOT \r\n", false);
-    row("end has more behind it", "rows: 0\nEND_SLOT_PREAMBLE\nEND_SLOT x\nEND_SLOT:\n", true);
+    row("end has more after it", "rows: 0\nEND_SLOT_PREAMBLE\nEND_SLOT x\nEND_SLOT:\n", true);
     row("second table without its end",
         "rows: 0\nEND_SLOT_PREAMBLE\nEND_SLOT\nrows: 0\nEND_SLOT_PREAMBLE\nEND_RUN\n", true);
     row("two tables",
@@ -37,7 +37,7 @@ void PlainReaderTest::saysWhichTextsAreEndless_data()
     row("more rows than lines", "rows: 2000000000\nEND_SLOT_PREAMBLE\nEND_SLOT\n", true);
 }
 
-void PlainReaderTest::saysWhichTextsAreEndless()
+void PlainReaderTest::findsEndlessTexts()
 {
     QFETCH(QByteArray, slotLines);
     QFETCH(bool, isEndless);

@@ -4,9 +4,9 @@
 #include <QByteArray>
 #include <QString>
 
-// While an object lives, a page that this process opens in the browser is not shown but recorded:
-// on Unix by an xdg-open of the object's own, where no browser is set up; on Windows by the program
-// that opens "http", which takes a user who may change that. One object at a time.
+// While an object exists, a page that this process opens in the browser is not shown but recorded:
+// on Unix by a separate xdg-open, where no browser is set up; on Windows by the program that opens
+// "http", for which the user must have the right to change that. One object at a time.
 class HelpRecorder
 {
 public:
@@ -20,7 +20,7 @@ public:
     bool hasOpened() const;
     // The number of the arguments that the browser got, "|", and the first of them.
     QByteArray opened() const;
-    // The browser's command line after the program; for Windows alone.
+    // The browser's command line after the program; only for Windows.
     QByteArray commandLine() const;
 
 private:

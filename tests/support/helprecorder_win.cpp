@@ -35,8 +35,8 @@ HelpRecorder::~HelpRecorder()
 
 bool HelpRecorder::hasOpened() const
 {
-    // The name is there before the renaming browser has closed the file; until then nobody else
-    // may open it.
+    // The name is there before the renaming browser has closed the file; until then no other
+    // process can open it.
     return QFile(QDir(m_folder).filePath(QStringLiteral("opened"))).open(QIODevice::ReadOnly);
 }
 

@@ -10,7 +10,7 @@ QStringList localesWithOwnDigits()
     const QList<QLocale> locales =
         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry);
     for (const QLocale& locale : locales) {
-        // Some languages have several scripts, of which the name alone means one.
+        // Some languages have several scripts; the name without a script means one of them.
         const QString name = locale.name();
         if (QLocale(name).zeroDigit() != QLatin1Char('0') && !names.contains(name))
             names.append(name);

@@ -5,7 +5,7 @@
 #include <QList>
 #include <QString>
 
-// What the systems do in different ways, for expectations that hold on each.
+// What differs between the systems, so that expectations can be right on each.
 
 // The text that became these bytes in a device in text mode: on Unix the same, on Windows with "\n"
 // for "\r\n". Bytes that have another line end anywhere are not made so; they come back after a
@@ -25,7 +25,7 @@ QList<Link> kindsOfLinks();
 // Makes the link `path` to the file `target`, both absolute. False if that can't be done.
 bool makeLink(Link kind, const QString& target, const QString& path);
 
-// Whether environment variables whose names differ in letter case alone are two.
+// Whether environment variables whose names differ only in letter case are two.
 bool environmentHasLetterCase();
 
 // Whether the style of the desktop paints selected rows in the colour of the palette.

@@ -21,13 +21,13 @@ QByteArray asArgument(const QString& text)
     return text.toLocal8Bit();
 }
 
-// In the code pages of Western Europe; all that a system has is known to itself alone.
+// In the code pages of Western Europe; there is no set of letters for all code pages.
 QString lettersOfArguments()
 {
     return QStringLiteral("\u00e9");
 }
 
-// A symbolic link takes a privilege.
+// A symbolic link needs a privilege.
 QList<Link> kindsOfLinks()
 {
     return {Link::Hard};

@@ -6,7 +6,7 @@
 
 namespace {
 
-// "INFO  2015-06-30T14:05:09.123 " stands before every text.
+// The length of "INFO  2015-06-30T14:05:09.123 ", which is before every text.
 constexpr int kPrefixLength = 6 + 23 + 1;
 
 struct Collected

@@ -6,7 +6,7 @@
 
 #include "QsLogLevel.h"
 
-// Collects the log lines of one test. While an object lives, every line that the logger lets
+// Collects the log lines of one test. While an object exists, every line that the logger lets
 // through (all of them, the level is set to Trace) is kept without its level name and time stamp.
 // One object at a time.
 class LogCollector
@@ -17,7 +17,7 @@ public:
     LogCollector(const LogCollector&) = delete;
     LogCollector& operator=(const LogCollector&) = delete;
 
-    // Texts as streamed: QDebug puts a blank behind every item and quotes around a QString.
+    // Texts as streamed: QDebug puts a blank after every item and quotes around a QString.
     QStringList lines() const;
     // Level of each line.
     QVector<QsLogging::Level> levels() const;

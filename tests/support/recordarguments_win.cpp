@@ -1,6 +1,6 @@
 // A browser that writes what it is to open to the file named by the environment variable
 // HTS_RECORD: the number of its arguments, "|" and the first one; and in the next line its command
-// line without the program. The file appears whole.
+// line without the program. The file is complete when it appears.
 
 #include <string>
 

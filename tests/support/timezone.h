@@ -3,7 +3,7 @@
 
 #include <QByteArray>
 
-// The time zone of the process, set for as long as an object lives.
+// Sets the time zone of the process until it is destroyed.
 class TimeZone
 {
 public:

@@ -4,7 +4,7 @@
 #include <QByteArray>
 #include <QString>
 
-// Writes the file, and the folders that it is in when they are missing; fails the test if it can't.
+// Writes the file, and creates missing folders for it; fails the test if that is not possible.
 void writeFile(const QString& path, const QByteArray& content);
 
 // The content of the file; "cannot be opened: " and the path when it can't be read.

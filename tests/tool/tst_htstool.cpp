@@ -47,7 +47,7 @@ private Q_SLOTS:
     void exportReportsText();
     void exportFailsForABrokenFile();
     void fullDiskIsReported();
-    void closedStandardStreamsAreNoFiles();
+    void closedStandardStreamsDoNotBecomeFiles();
     void namesAreUtf8UnderTheCLocale();
 };
 
@@ -56,15 +56,14 @@ void HtstoolTest::showsTexts_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("firstLine");
     for (const char* line : {"-h", "--help"})
-        QTest::newRow(line) << wordsOf(line)
+        QTest::newRow(line) << words(line)
                             << QByteArray("Usage: htstool COMMAND [OPTIONS] FILE...");
     for (const char* line : {"-v", "--version", "check -v", "export --version"})
-        QTest::newRow(line) << wordsOf(line) << QByteArray("htstool " PROJECT_VERSION);
+        QTest::newRow(line) << words(line) << QByteArray("htstool " PROJECT_VERSION);
     for (const char* line : {"check -h", "check --help", "check a.hts --help"})
-        QTest::newRow(line) << wordsOf(line)
-                            << QByteArray("Usage: htstool check [OPTIONS] FILE...");
+        QTest::newRow(line) << words(line) << QByteArray("Usage: htstool check [OPTIONS] FILE...");
     for (const char* line : {"export -h", "export --help"})
-        QTest::newRow(line) << wordsOf(line)
+        QTest::newRow(line) << words(line)
                             << QByteArray("Usage: htstool export [OPTIONS] -o OUT.csv FILE");
 }
 
@@ -85,7 +84,7 @@ void HtstoolTest::wrongUsageIsRefused_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("message");
     const auto row = [](const char* arguments, const char* message) {
-        QTest::newRow(arguments) << wordsOf(arguments) << QByteArray(message);
+        QTest::newRow(arguments) << words(arguments) << QByteArray(message);
     };
     row("", "no command is given");
     row("list a.hts", "\"list\" is not one of the commands check and export");
@@ -129,7 +128,7 @@ void HtstoolTest::exitCodeIsTheWorst_data()
                                "ends\n";
     const QByteArray none = "htstool: none.hts: No such file or directory\n";
     const auto row = [](const char* arguments, int exitCode, const QByteArray& errors) {
-        QTest::newRow(arguments) << wordsOf(arguments) << exitCode << errors;
+        QTest::newRow(arguments) << words(arguments) << exitCode << errors;
     };
     row("check clean.hts", 0, clean);
     row("check note.hts", 0, note);
@@ -184,7 +183,7 @@ void HtstoolTest::countsWhatIsNotShown()
     for (const char* value : {"1", "2", "3", "4", "5", "6", "8", "9", "10", "11", "12"})
         text.replace(QByteArray("\n") + value + '\n', "\n1,5\n");
     run.write(QStringLiteral("a.hts"), text);
-    run.start(wordsOf("check a.hts"));
+    run.start(words("check a.hts"));
     const QByteArrayList lines = run.output.trimmed().split('\n');
     QCOMPARE(lines.size(), 11);
     QCOMPARE(lines.last(), QByteArray("a.hts: warning: 13 more [text-value]"));
@@ -194,9 +193,9 @@ void HtstoolTest::countsWhatIsNotShown()
 void HtstoolTest::readsTheStandardInput()
 {
     ToolRun run;
-    run.start(wordsOf("check -"), codeFile("text-value"));
+    run.start(words("check -"), codeFile("text-value"));
     QCOMPARE(run.output,
-             QByteArray("-:38: warning: \"7,5\" is no number and counts as 0; it may be "
+             QByteArray("-:38: warning: \"7,5\" is not a number and counts as 0; it may be "
                         "a decimal comma [text-value]\n"));
     QCOMPARE(run.exitCode, 1);
 }
@@ -206,14 +205,14 @@ void HtstoolTest::usesColoursOnATerminalOnly()
 {
     ToolRun run;
     run.write(QStringLiteral("a.hts"), codeFile("text-value"));
-    run.startShell(QStringLiteral("TERM=xterm script -qec '$TOOL check a.hts' /dev/null"));
+    run.startShell(QStringLiteral("TERM=xterm script -qec '$PROGRAM check a.hts' /dev/null"));
     QVERIFY(run.output.contains("a.hts:38: \033[35mwarning\033[0m: "));
     run.startShell(
-        QStringLiteral("NO_COLOR=1 TERM=xterm script -qec '$TOOL check a.hts' /dev/null"));
+        QStringLiteral("NO_COLOR=1 TERM=xterm script -qec '$PROGRAM check a.hts' /dev/null"));
     QVERIFY(run.output.contains("a.hts:38: warning: "));
-    run.startShell(QStringLiteral("TERM=dumb script -qec '$TOOL check a.hts' /dev/null"));
+    run.startShell(QStringLiteral("TERM=dumb script -qec '$PROGRAM check a.hts' /dev/null"));
     QVERIFY(run.output.contains("a.hts:38: warning: "));
-    run.start(wordsOf("check a.hts"));
+    run.start(words("check a.hts"));
     QVERIFY(run.output.startsWith("a.hts:38: warning: "));
 }
 
@@ -221,7 +220,7 @@ void HtstoolTest::writesCounts()
 {
     ToolRun run;
     writePond(run);
-    run.start(wordsOf("check pond.hts --counts counts.csv"));
+    run.start(words("check pond.hts --counts counts.csv"));
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(run.read(QStringLiteral("counts.csv")),
              QByteArray("file,run,trace,object,slot,year_end,timesteps,missing\n"
@@ -242,7 +241,7 @@ void HtstoolTest::inputsAreNotOverwritten_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("output");
     const auto row = [](const char* arguments, const char* output) {
-        QTest::newRow(arguments) << wordsOf(arguments) << QByteArray(output);
+        QTest::newRow(arguments) << words(arguments) << QByteArray(output);
     };
     row("check pond.hts --counts pond.hts", "pond.hts");
     row("check pond.hts --counts ./pond.hts", "./pond.hts");
@@ -290,7 +289,7 @@ void HtstoolTest::exportsLongForm()
 {
     ToolRun run;
     run.write(QStringLiteral("a.hts"), kMixedFile);
-    run.start(wordsOf("export a.hts -o a.csv"));
+    run.start(words("export a.hts -o a.csv"));
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.output, QByteArray());
     QCOMPARE(run.exitCode, 0);
@@ -306,7 +305,7 @@ void HtstoolTest::exportsWideForm()
 {
     ToolRun run;
     run.write(QStringLiteral("a.hts"), kMixedFile);
-    run.start(wordsOf("export --wide a.hts -o -"));
+    run.start(words("export --wide a.hts -o -"));
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.output, QByteArray("run,trace,time,\"Lake, upper.Flow [cms]\"\r\n"
@@ -316,11 +315,11 @@ void HtstoolTest::exportsWideForm()
 
     run.write(QStringLiteral("b.hts"),
               QByteArray(kMixedFile).replace("cms\nscale: 1\n-1", "cfs\nscale: 1\n-1"));
-    run.start(wordsOf("export --wide b.hts -o -"));
+    run.start(words("export --wide b.hts -o -"));
     QCOMPARE(run.errors, QByteArray("htstool: b.hts: The runs have different slots; export one of "
                                     "them; the export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
-    run.start(wordsOf("export -w -r2 b.hts -o -"));
+    run.start(words("export -w -r2 b.hts -o -"));
     QCOMPARE(run.output, QByteArray("run,trace,time,\"Lake, upper.Flow [cfs]\"\r\n"
                                     "2,,2001-02-01T00:00:00,-1e-300\r\n"));
     QCOMPARE(run.exitCode, 0);
@@ -329,11 +328,11 @@ void HtstoolTest::exportsWideForm()
 void HtstoolTest::exportsOneRun()
 {
     ToolRun run;
-    run.start(wordsOf("export --run 2 - -o -"), kMixedFile);
+    run.start(words("export --run 2 - -o -"), kMixedFile);
     QCOMPARE(run.output, QByteArray("run,trace,object,slot,units,time,value\r\n"
                                     "2,,\"Lake, upper\",Flow,cms,2001-02-01T00:00:00,-1e-300\r\n"));
     QCOMPARE(run.exitCode, 0);
-    run.start(wordsOf("export --run 3 - -o -"), kMixedFile);
+    run.start(words("export --run 3 - -o -"), kMixedFile);
     QCOMPARE(run.errors,
              QByteArray("htstool: -: The file has 2 runs; the export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
@@ -342,9 +341,9 @@ void HtstoolTest::exportsOneRun()
 void HtstoolTest::exportReportsText()
 {
     ToolRun run;
-    run.start(wordsOf("export - -o -"), codeFile("text-value"));
+    run.start(words("export - -o -"), codeFile("text-value"));
     QVERIFY(run.output.contains("2000-08-01T00:00:00,0\r\n"));
-    QCOMPARE(run.errors, QByteArray("htstool: -: 1 values are no numbers and were exported as 0; "
+    QCOMPARE(run.errors, QByteArray("htstool: -: 1 values are not numbers and were exported as 0; "
                                     "htstool check has their lines\n"));
     QCOMPARE(run.exitCode, 1);
 }
@@ -352,15 +351,15 @@ void HtstoolTest::exportReportsText()
 void HtstoolTest::exportFailsForABrokenFile()
 {
     ToolRun run;
-    run.start(wordsOf("export - -o -"), codeFile("timestep-line"));
+    run.start(words("export - -o -"), codeFile("timestep-line"));
     QCOMPARE(run.errors,
              QByteArray("htstool: -: Cannot read run preamble; the export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
-    run.start(wordsOf("export - -o -"), codeFile("table-without-end"));
+    run.start(words("export - -o -"), codeFile("table-without-end"));
     QCOMPARE(run.errors, QByteArray("htstool: -: A table slot has no \"END_SLOT\" after it; the "
                                     "export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
-    run.start(wordsOf("export none.hts -o none.csv"));
+    run.start(words("export none.hts -o none.csv"));
     QCOMPARE(run.errors, QByteArray("htstool: none.hts: No such file or directory\n"));
     QCOMPARE(run.exitCode, 3);
     QCOMPARE(run.read(QStringLiteral("none.csv")), QByteArray("(no file)"));
@@ -370,27 +369,27 @@ void HtstoolTest::fullDiskIsReported()
 {
     ToolRun run;
     run.write(QStringLiteral("a.hts"), kMixedFile);
-    run.start(wordsOf("export a.hts -o /dev/full"));
+    run.start(words("export a.hts -o /dev/full"));
     QCOMPARE(run.errors, QByteArray("htstool: /dev/full: No space left on device\n"));
     QCOMPARE(run.exitCode, 3);
-    run.start(wordsOf("check a.hts --counts /dev/full"));
+    run.start(words("check a.hts --counts /dev/full"));
     QVERIFY(run.errors.endsWith("htstool: /dev/full: No space left on device\n"));
     QCOMPARE(run.exitCode, 3);
     run.write(QStringLiteral("b.hts"), codeFile("text-value"));
-    run.startShell(QStringLiteral("$TOOL check b.hts > /dev/full"));
+    run.startShell(QStringLiteral("$PROGRAM check b.hts > /dev/full"));
     QCOMPARE(run.exitCode, 3);
 }
 
 // A file that is opened must not take the number of a stream that is closed.
-void HtstoolTest::closedStandardStreamsAreNoFiles()
+void HtstoolTest::closedStandardStreamsDoNotBecomeFiles()
 {
     ToolRun run;
     run.write(QStringLiteral("a.hts"), kMixedFile);
-    run.start(wordsOf("export a.hts -o expected.csv"));
-    run.startShell(QStringLiteral("exec $TOOL export a.hts -o a.csv <&- >&- 2>&-"));
+    run.start(words("export a.hts -o expected.csv"));
+    run.startShell(QStringLiteral("exec $PROGRAM export a.hts -o a.csv <&- >&- 2>&-"));
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.read(QStringLiteral("a.csv")), run.read(QStringLiteral("expected.csv")));
-    run.startShell(QStringLiteral("exec $TOOL check a.hts --counts a.csv <&- >&- 2>&-"));
+    run.startShell(QStringLiteral("exec $PROGRAM check a.hts --counts a.csv <&- >&- 2>&-"));
     QCOMPARE(run.exitCode, 2);
     QCOMPARE(run.read(QStringLiteral("a.csv")),
              QByteArray("file,run,trace,object,slot,year_end,timesteps,missing\r\n"));
@@ -401,7 +400,7 @@ void HtstoolTest::namesAreUtf8UnderTheCLocale()
     ToolRun run;
     const QString name = QString::fromUtf8("\xc3\x84.hts");
     run.write(name, codeFile("text-value"));
-    run.startShell(QStringLiteral("LC_ALL=C $TOOL check *.hts"));
+    run.startShell(QStringLiteral("LC_ALL=C $PROGRAM check *.hts"));
     QVERIFY2(run.output.startsWith("\xc3\x84.hts:38: warning: "), run.errors.constData());
     QCOMPARE(run.exitCode, 1);
 }

@@ -98,7 +98,7 @@ private Q_SLOTS:
     void exampleOfTheHelpPageIsTrue();
     void tableOfCodesIsTrue();
     void keysOfTheJsonDocumentAreTrue();
-    void jsonDocumentIsWhole();
+    void jsonDocumentIsComplete();
 };
 
 void ToolDocTest::hasTheHelpTexts()
@@ -117,7 +117,7 @@ void ToolDocTest::exampleIsTrue()
     for (const char* name : {"pond.hts", "pond_methods.txt"})
         run.write(QString::fromLatin1(name),
                   sourceFile(QStringLiteral("tests/tool/files/") + QLatin1String(name)));
-    run.start(wordsOf("check pond.hts -c pond_methods.txt"));
+    run.start(words("check pond.hts -c pond_methods.txt"));
     QCOMPARE(run.exitCode, 1);
     const QString text = document();
     QVERIFY(text.contains(QStringLiteral("    $ htstool check pond.hts -c pond_methods.txt\n") +
@@ -132,7 +132,7 @@ void ToolDocTest::exampleOfTheHelpPageIsTrue()
     for (const char* name : {"pond.hts", "pond_methods.txt"})
         run.write(QString::fromLatin1(name),
                   sourceFile(QStringLiteral("tests/tool/files/") + QLatin1String(name)));
-    run.start(wordsOf("check pond.hts -c pond_methods.txt -y 12"));
+    run.start(words("check pond.hts -c pond_methods.txt -y 12"));
     const QString page =
         QString::fromUtf8(sourceFile(QStringLiteral("Help/HtsAnnualizerHelp.html")));
     QVERIFY(page.contains(
@@ -169,7 +169,7 @@ void ToolDocTest::keysOfTheJsonDocumentAreTrue()
     Types types;
     for (const char* line : {"check -f json pond.hts none.hts broken.hts -c pond_methods.txt",
                              "check --format json table.hts"}) {
-        run.start(wordsOf(line));
+        run.start(words(line));
         QJsonParseError error;
         const QJsonDocument json = QJsonDocument::fromJson(run.output, &error);
         QCOMPARE(error.error, QJsonParseError::NoError);
@@ -184,17 +184,17 @@ void ToolDocTest::keysOfTheJsonDocumentAreTrue()
     }
 }
 
-void ToolDocTest::jsonDocumentIsWhole()
+void ToolDocTest::jsonDocumentIsComplete()
 {
     ToolRun run;
     run.write(QStringLiteral("a.hts"),
               sourceFile(QStringLiteral("tests/check/files/text-value.hts")));
-    run.start(wordsOf("check -f json a.hts -y 12"));
+    run.start(words("check -f json a.hts -y 12"));
     QCOMPARE(run.exitCode, 1);
     const QByteArray expected = R"({"control":null,"endMonth":12,"exitCode":1,"files":[{
 "conversion":{"message":null,"outcome":"succeeds"},"counts":{"text-value":1},"errors":0,
 "exitCode":1,"file":"a.hts","findings":[{"code":"text-value","file":"a.hts","line":38,
-"severity":"warning","text":"\"7,5\" is no number and counts as 0; it may be a decimal comma"}],
+"severity":"warning","text":"\"7,5\" is not a number and counts as 0; it may be a decimal comma"}],
 "notes":0,"plan":null,"problem":null,"runs":1,"slots":2,"warnings":1}],"format":1})";
     QCOMPARE(QJsonDocument::fromJson(run.output), QJsonDocument::fromJson(expected));
 }

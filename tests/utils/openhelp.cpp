@@ -1,5 +1,5 @@
 // openhelp URL: opens the URL and runs on until its standard input ends. Prints what is not as
-// expected: a result that is no success, and processes that are left to wait for.
+// expected: a result that is not a success, and zombie processes.
 
 #include <cerrno>
 #include <cstdio>

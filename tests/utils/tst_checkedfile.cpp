@@ -39,7 +39,7 @@ private Q_SLOTS:
     void init();
     void cleanup() { m_folder.reset(); }
     void readsAndWritesLikeAnyFile();
-    void writeThatGetsNowhereIsAFailure();
+    void writeOfNoBytesIsAFailure();
 
 private:
     QString path(const char* name) const
@@ -71,7 +71,7 @@ void CheckedFileTest::readsAndWritesLikeAnyFile()
     QCOMPARE(read.problem(), QString());
 }
 
-void CheckedFileTest::writeThatGetsNowhereIsAFailure()
+void CheckedFileTest::writeOfNoBytesIsAFailure()
 {
     StallingFile file(path("file"));
     QVERIFY(file.open(QIODevice::WriteOnly));

@@ -1,4 +1,4 @@
-// Faults that Unix makes at will: files that can't be read, and disks that are full.
+// Faults that Unix makes on demand: files that can't be read, and disks that are full.
 
 #include <QObject>
 #include <QTemporaryDir>
@@ -22,8 +22,8 @@ const QString kReadError = QStringLiteral("Input/output error");
 const QString kFull = QStringLiteral("/dev/full");
 const QString kFullError = QStringLiteral("No space left on device");
 
-// Lets no file of this process grow beyond a number of bytes, while it lives: a disk that fills up
-// at just that place.
+// Until it is destroyed, no file of this process can grow beyond a number of bytes, as on a disk
+// that fills up at that place.
 class FileSizeLimit
 {
 public:
@@ -61,10 +61,10 @@ private Q_SLOTS:
     void takesWhatIsInAPipe();
     void remembersAFailedReadOfAPipe();
     void remembersAFailedRead();
-    void readsNothingBehindAFailedRead();
+    void readsNothingAfterAFailedRead();
     void remembersAFailedWrite();
-    void tellsOfADiskThatFillsUp_data();
-    void tellsOfADiskThatFillsUp();
+    void reportsADiskThatFillsUp_data();
+    void reportsADiskThatFillsUp();
 
 private:
     QString path(const char* name) const
@@ -131,7 +131,7 @@ void CheckedFileFaultsTest::remembersAFailedRead()
     QCOMPARE(file.problem(), kReadError);
 }
 
-void CheckedFileFaultsTest::readsNothingBehindAFailedRead()
+void CheckedFileFaultsTest::readsNothingAfterAFailedRead()
 {
     const char text[] = "can be read";
     const auto address = static_cast<qint64>(reinterpret_cast<quintptr>(text));
@@ -156,7 +156,7 @@ void CheckedFileFaultsTest::remembersAFailedWrite()
     QCOMPARE(file.finish().message, kFullError);
 }
 
-void CheckedFileFaultsTest::tellsOfADiskThatFillsUp_data()
+void CheckedFileFaultsTest::reportsADiskThatFillsUp_data()
 {
     QTest::addColumn<int>("limit");
     QTest::addColumn<QString>("problem");
@@ -166,7 +166,7 @@ void CheckedFileFaultsTest::tellsOfADiskThatFillsUp_data()
     QTest::newRow("just enough") << 100000 << QString();
 }
 
-void CheckedFileFaultsTest::tellsOfADiskThatFillsUp()
+void CheckedFileFaultsTest::reportsADiskThatFillsUp()
 {
     QFETCH(int, limit);
     QFETCH(QString, problem);

@@ -30,8 +30,8 @@ public:
     using consolebuf::sync;
 };
 
-// Puts something else in the place of the process's standard output while it lives. Nothing may be
-// verified meanwhile: a failure would be reported there.
+// Replaces the process's standard output until it is destroyed. Nothing may be verified meanwhile:
+// a failure would be reported there.
 class OutputTo
 {
 public:
@@ -53,7 +53,7 @@ private:
     int m_standard = -1;
 };
 
-// A standard output that keeps what each single write brings.
+// A standard output that keeps the bytes of each single write.
 class Console
 {
 public:
@@ -127,7 +127,7 @@ QList<int> sizesOf(const QByteArrayList& pieces)
 int signalsSeen = 0;
 int pipeToDrain = -1;
 
-// The first signal meets a write that waits for room, the second makes room.
+// The first signal interrupts a write that waits for room, the second makes room.
 void drainAtSecondSignal(int)
 {
     if (++signalsSeen == 2) {
@@ -168,13 +168,13 @@ private Q_SLOTS:
     void overflowAtEndOfFileFlushes();
     void bytesArriveUnchanged();
     void servesTheStandardStreams();
-    void failedFlushTurnsStreamBad_data();
-    void failedFlushTurnsStreamBad();
+    void failedFlushMakesStreamBad_data();
+    void failedFlushMakesStreamBad();
     void failedFlushKeepsContents();
     void fullBufferTakesNothingAfterFailure_data();
     void fullBufferTakesNothingAfterFailure();
-    void otherStreamOnFullBufferTurnsBad();
-    void interruptedWriteGoesOn();
+    void otherStreamOnFullBufferBecomesBad();
+    void interruptedWriteContinues();
 };
 
 void ConsoleBufTest::writesNothingBeforeFlush_data()
@@ -389,12 +389,12 @@ void ConsoleBufTest::servesTheStandardStreams()
     QCOMPARE(console.takePieces(), expected);
 }
 
-void ConsoleBufTest::failedFlushTurnsStreamBad_data()
+void ConsoleBufTest::failedFlushMakesStreamBad_data()
 {
     addSizes();
 }
 
-void ConsoleBufTest::failedFlushTurnsStreamBad()
+void ConsoleBufTest::failedFlushMakesStreamBad()
 {
     QFETCH(int, size);
     const BrokenOutput broken;
@@ -479,7 +479,7 @@ void ConsoleBufTest::fullBufferTakesNothingAfterFailure()
 }
 
 // The standard streams share a buffer, but not their state.
-void ConsoleBufTest::otherStreamOnFullBufferTurnsBad()
+void ConsoleBufTest::otherStreamOnFullBufferBecomesBad()
 {
     const BrokenOutput broken;
     bool isBad = false;
@@ -498,7 +498,7 @@ void ConsoleBufTest::otherStreamOnFullBufferTurnsBad()
     QVERIFY(isOtherBad);
 }
 
-void ConsoleBufTest::interruptedWriteGoesOn()
+void ConsoleBufTest::interruptedWriteContinues()
 {
     int ends[2];
     QCOMPARE(::pipe(ends), 0);

@@ -88,8 +88,8 @@ void EnvVarsTest::replacesReferences_data()
                              << "/home/u/alpha/one.hts";
     QTest::newRow("twice the same") << "$HTS_A$HTS_A"
                                     << "alphaalpha";
-    QTest::newRow("one behind the other") << "${HTS_A}${HTS_1}"
-                                          << "alphaone";
+    QTest::newRow("one after the other") << "${HTS_A}${HTS_1}"
+                                         << "alphaone";
     QTest::newRow("name ends at another character") << "$HTS_A-x.$HTS_1"
                                                     << "alpha-x.one";
     QTest::newRow("name takes what follows in brackets") << "${HTS_A}X"
@@ -159,9 +159,9 @@ void EnvVarsTest::listsUndefinedVariables_data()
     QTest::newRow("beside a defined one") << "$HTS_XYZ/$HTS_A/$HTS_ABC"
                                           << "$HTS_XYZ/alpha/$HTS_ABC"
                                           << "HTS_XYZ, HTS_ABC";
-    QTest::newRow("behind a longer value") << "$HTS_1/$HTS_DIR/$HTS_XYZ"
-                                           << "one//home/u/$HTS_XYZ"
-                                           << "HTS_XYZ";
+    QTest::newRow("after a longer value") << "$HTS_1/$HTS_DIR/$HTS_XYZ"
+                                          << "one//home/u/$HTS_XYZ"
+                                          << "HTS_XYZ";
 }
 
 void EnvVarsTest::listsUndefinedVariables()

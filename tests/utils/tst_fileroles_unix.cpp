@@ -20,8 +20,8 @@ class FileRolesTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void tellsWhetherPathsLeadToOneFile_data();
-    void tellsWhetherPathsLeadToOneFile();
+    void recognisesPathsOfOneFile_data();
+    void recognisesPathsOfOneFile();
     void relativePathsCountFromTheWorkingFolder();
     void characterDevicesAreNotShared();
     void pipeIsShared();
@@ -45,7 +45,7 @@ void FileRolesTest::write(const char* name) const
     QCOMPARE(file.write("x"), 1);
 }
 
-// A symbolic link whose target is the text as it stands.
+// A symbolic link whose target is exactly the text.
 void FileRolesTest::link(const QString& target, const char* name) const
 {
     QCOMPARE(::symlink(QFile::encodeName(target).constData(),
@@ -53,7 +53,7 @@ void FileRolesTest::link(const QString& target, const char* name) const
              0);
 }
 
-// a, b and sub/a are files of their own; new, other and sub/new do not exist.
+// a, b and sub/a are different files; new, other and sub/new do not exist.
 void FileRolesTest::init()
 {
     m_workingFolder = QDir::currentPath();
@@ -82,7 +82,7 @@ void FileRolesTest::cleanup()
     m_folder.reset();
 }
 
-void FileRolesTest::tellsWhetherPathsLeadToOneFile_data()
+void FileRolesTest::recognisesPathsOfOneFile_data()
 {
     QTest::addColumn<QString>("first");
     QTest::addColumn<QString>("second");
@@ -158,7 +158,7 @@ void FileRolesTest::tellsWhetherPathsLeadToOneFile_data()
                                               << "link-to-new" << false;
 }
 
-void FileRolesTest::tellsWhetherPathsLeadToOneFile()
+void FileRolesTest::recognisesPathsOfOneFile()
 {
     QFETCH(QString, first);
     QFETCH(QString, second);

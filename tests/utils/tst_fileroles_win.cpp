@@ -19,8 +19,8 @@ class WindowsFileRolesTest : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void tellsWhetherPathsLeadToOneFile_data();
-    void tellsWhetherPathsLeadToOneFile();
+    void recognisesPathsOfOneFile_data();
+    void recognisesPathsOfOneFile();
     void relativePathsCountFromTheWorkingFolder();
     void devicesAreNotShared();
     void longPathsAreFollowed();
@@ -33,7 +33,7 @@ private:
     QString m_workingFolder;
 };
 
-// a, b and sub/a are files of their own; new, other and sub/new do not exist.
+// a, b and sub/a are different files; new, other and sub/new do not exist.
 void WindowsFileRolesTest::init()
 {
     m_workingFolder = QDir::currentPath();
@@ -50,7 +50,7 @@ void WindowsFileRolesTest::cleanup()
     m_folder.reset();
 }
 
-void WindowsFileRolesTest::tellsWhetherPathsLeadToOneFile_data()
+void WindowsFileRolesTest::recognisesPathsOfOneFile_data()
 {
     QTest::addColumn<QString>("first");
     QTest::addColumn<QString>("second");
@@ -85,7 +85,7 @@ void WindowsFileRolesTest::tellsWhetherPathsLeadToOneFile_data()
     row("missing folder", "none/new", "none/new", false);
 }
 
-void WindowsFileRolesTest::tellsWhetherPathsLeadToOneFile()
+void WindowsFileRolesTest::recognisesPathsOfOneFile()
 {
     QFETCH(QString, first);
     QFETCH(QString, second);

@@ -14,8 +14,8 @@
 
 namespace {
 
-// A shell script that writes its arguments, a line for each, to the file `output`. It appears
-// whole.
+// A shell script that writes its arguments, a line for each, to the file `output`. The file is
+// complete when it appears.
 QByteArray recordingScript(const QString& output)
 {
     const QByteArray path = QFile::encodeName(output);
@@ -23,7 +23,7 @@ QByteArray recordingScript(const QString& output)
            ".part'\n/bin/mv '" + path + ".part' '" + path + "'\n";
 }
 
-// A desktop of its own: the programs in its "bin" folder are the only ones in PATH, and its "data"
+// A separate desktop: the programs in its "bin" folder are the only ones in PATH, and its "data"
 // folder is the only one with desktop entries. Its folder has a blank. Nothing of the desktop that
 // the test runs on is used, its message bus included.
 class Desktop
@@ -97,8 +97,8 @@ public:
 
     pid_t id() const { return static_cast<pid_t>(m_process.processId()); }
 
-    // Expects success in silence: of the opener, and of the browser, which must not have its
-    // console.
+    // Expects success without any output: of the opener, and of the browser, which must not have
+    // its console.
     void finish()
     {
         m_process.closeWriteChannel();
@@ -125,8 +125,8 @@ private Q_SLOTS:
     void fallsBackToXdgOpen_data();
     void fallsBackToXdgOpen();
     void succeedsWithoutAnything();
-    void letsTheBrowserRunOnItsOwn_data();
-    void letsTheBrowserRunOnItsOwn();
+    void browserRunsIndependently_data();
+    void browserRunsIndependently();
     void knowsTheTextsOfTheUnit();
 };
 
@@ -226,7 +226,7 @@ void TestHelpUrl::succeedsWithoutAnything()
     Opener(desktop, QStringLiteral("file:////opt/a.html")).finish();
 }
 
-void TestHelpUrl::letsTheBrowserRunOnItsOwn_data()
+void TestHelpUrl::browserRunsIndependently_data()
 {
     QTest::addColumn<bool>("isXdgOpen");
     QTest::newRow("browser") << false;
@@ -235,7 +235,7 @@ void TestHelpUrl::letsTheBrowserRunOnItsOwn_data()
 
 // The call returns while the browser runs, and the browser outlives the program, Ctrl+C in its
 // console and the end of that.
-void TestHelpUrl::letsTheBrowserRunOnItsOwn()
+void TestHelpUrl::browserRunsIndependently()
 {
     QFETCH(const bool, isXdgOpen);
 

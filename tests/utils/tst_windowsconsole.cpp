@@ -1,4 +1,4 @@
-// How a program gets its console on Windows, with calls that only write down that they are made.
+// How a program gets its console on Windows, with functions that only note their calls.
 
 #include <algorithm>
 #include <iostream>
@@ -81,7 +81,7 @@ private:
     char m_output = 0;
 };
 
-// Puts a buffer under std::cout while it lives, as the command line does.
+// Puts a buffer under std::cout until it is destroyed, as the command line does.
 class CoutBuffer
 {
 public:
@@ -293,7 +293,7 @@ void WindowsConsoleTest::waitsForNoKeyWithoutAKeyboard()
     QCOMPARE(calls.log, QStringList({kAlloc, writeOf(5), writeOf(25), kSetMode}));
 }
 
-// As the texts of what ends the process.
+// As the texts of fatal messages.
 void WindowsConsoleTest::textWithoutABufferWaitsForNoKey()
 {
     FakeCalls calls;

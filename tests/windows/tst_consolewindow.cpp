@@ -1,6 +1,6 @@
-// The console that the program makes for itself, seen from another process: the program is started
-// without one, and this process then joins the console that it has made, reads its screen and
-// presses a key.
+// The console that the program creates, seen from another process: the program is started without
+// one, and this process then joins the console that it has made, reads its screen and presses a
+// key.
 
 #include <array>
 #include <string>
@@ -168,7 +168,7 @@ class ConsoleWindowTest : public QObject
 private Q_SLOTS:
     void showsTextUntilAKeyIsPressed_data();
     void showsTextUntilAKeyIsPressed();
-    void runThatPrintsNothingMakesNone();
+    void runThatPrintsNothingHasNoConsole();
 
 private:
     QTemporaryDir m_folder;
@@ -207,7 +207,7 @@ void ConsoleWindowTest::showsTextUntilAKeyIsPressed()
     QCOMPARE(int(run.exitCode()), exitCode);
 }
 
-void ConsoleWindowTest::runThatPrintsNothingMakesNone()
+void ConsoleWindowTest::runThatPrintsNothingHasNoConsole()
 {
     writeFile(m_folder.filePath(QStringLiteral("a.hts")),
               readFile(QStringLiteral(SOURCE_DIR "/examples/rivers_daily.hts")));

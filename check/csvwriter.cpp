@@ -1,4 +1,4 @@
-#include "check/csvrow.h"
+#include "check/csvwriter.h"
 
 #include <algorithm>
 #include <charconv>

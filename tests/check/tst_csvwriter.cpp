@@ -4,9 +4,9 @@
 #include <QBuffer>
 #include <QtTest>
 
-#include "check/csvrow.h"
+#include "check/csvwriter.h"
 
-class CsvRowTest : public QObject
+class CsvWriterTest : public QObject
 {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ private Q_SLOTS:
     void missingNumbersAreEmpty();
 };
 
-void CsvRowTest::writesRows()
+void CsvWriterTest::writesRows()
 {
     QBuffer device;
     device.open(QIODevice::WriteOnly);
@@ -38,7 +38,7 @@ void CsvRowTest::writesRows()
     QCOMPARE(device.data(), QByteArray("\"Lake, upper\",-12,1.5,2000-02-01T06:05:00,a,b\r\n,\r\n"));
 }
 
-void CsvRowTest::quotesTexts_data()
+void CsvWriterTest::quotesTexts_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QByteArray>("field");
@@ -50,14 +50,14 @@ void CsvRowTest::quotesTexts_data()
     QTest::newRow("UTF-8") << QStringLiteral("\u00c4") << QByteArray("\xc3\x84");
 }
 
-void CsvRowTest::quotesTexts()
+void CsvWriterTest::quotesTexts()
 {
     QFETCH(QString, text);
     QFETCH(QByteArray, field);
     QCOMPARE(csvField(text), field);
 }
 
-void CsvRowTest::numbersReadBack_data()
+void CsvWriterTest::numbersReadBack_data()
 {
     QTest::addColumn<double>("number");
     QTest::newRow("0.1") << 0.1;
@@ -69,7 +69,7 @@ void CsvRowTest::numbersReadBack_data()
     QTest::newRow("zero") << 0.0;
 }
 
-void CsvRowTest::numbersReadBack()
+void CsvWriterTest::numbersReadBack()
 {
     QFETCH(double, number);
     QBuffer device;
@@ -84,7 +84,7 @@ void CsvRowTest::numbersReadBack()
     QVERIFY(!(readBack < number) && !(readBack > number));
 }
 
-void CsvRowTest::missingNumbersAreEmpty()
+void CsvWriterTest::missingNumbersAreEmpty()
 {
     QBuffer device;
     device.open(QIODevice::WriteOnly);
@@ -98,6 +98,6 @@ void CsvRowTest::missingNumbersAreEmpty()
     QCOMPARE(device.data(), QByteArray("1,,,"));
 }
 
-QTEST_APPLESS_MAIN(CsvRowTest)
+QTEST_APPLESS_MAIN(CsvWriterTest)
 
-#include "tst_csvrow.moc"
+#include "tst_csvwriter.moc"

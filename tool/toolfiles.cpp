@@ -1,4 +1,4 @@
-#include "tool/inputfile.h"
+#include "tool/toolfiles.h"
 
 #include <cstdio>
 

@@ -1,5 +1,5 @@
-#ifndef CHECK_CSVROW_H
-#define CHECK_CSVROW_H
+#ifndef CHECK_CSVWRITER_H
+#define CHECK_CSVWRITER_H
 
 #include <string>
 
@@ -12,7 +12,7 @@ class QIODevice;
 
 // Writes comma-separated values by RFC 4180: UTF-8, lines that end with CR LF, fields in double
 // quotes where they need them. Rows go to the device in large blocks, and the rest when the object
-// is destroyed; who opened the device looks at its error afterwards.
+// is destroyed; whoever opened the device checks its error afterwards.
 class CsvWriter
 {
 public:
@@ -27,7 +27,7 @@ public:
     void add(double number);
     // ISO 8601 without a zone; an empty field for an invalid date-time.
     void add(const QDateTime& dateTime);
-    // Fields that csvField() made, with their commas.
+    // One or more fields from csvField(), joined by commas.
     void addFields(const QByteArray& fields);
     void endRow();
 
@@ -40,9 +40,9 @@ private:
     bool m_isRowStarted = false;
 };
 
-// A text as it stands in a row.
+// A text as a field of a row.
 QByteArray csvField(const QString& text);
-// A date-time as it stands in a row.
+// A date-time as a field of a row.
 QByteArray csvField(const QDateTime& dateTime);
 
-#endif // CHECK_CSVROW_H
+#endif // CHECK_CSVWRITER_H

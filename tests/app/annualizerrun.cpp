@@ -1,16 +1,6 @@
-#include "tests/app/processrun.h"
+#include "tests/app/annualizerrun.h"
 
 #include <QDateTime>
-#include <QFile>
-#include <QLocale>
-#include <QProcess>
-
-namespace {
-
-// A run that takes longer is a hang, even on a busy machine and under valgrind.
-constexpr int kTimeoutMs = 240000;
-
-} // namespace
 
 const char kCreated[] = "HtsAnnualizer: Annual HTs file successfully created\n\n";
 
@@ -19,74 +9,7 @@ const char kNoPlatform[] =
     "Reinstalling the application may fix this problem.\n\n"
     "Available platform plugins are: ...\n\n";
 
-ProcessRun::ProcessRun()
-{
-    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-    // Sanitizer options and coverage counts of the tests hold for the program too.
-    for (const char* name : {"PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"}) {
-        if (qEnvironmentVariableIsSet(name))
-            environment.insert(QString::fromLatin1(name), qEnvironmentVariable(name));
-    }
-    environment.insert(QStringLiteral("PROGRAM"), QStringLiteral(HTS_ANNUALIZER));
-}
-
-void ProcessRun::start(const QStringList& arguments, const QByteArray& input)
-{
-    execute(QStringLiteral(HTS_ANNUALIZER), arguments, input);
-}
-
-void ProcessRun::startShell(const QString& command)
-{
-    execute(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), command}, {});
-}
-
-void ProcessRun::execute(const QString& program, const QStringList& arguments,
-                         const QByteArray& input)
-{
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.setWorkingDirectory(m_folder.path());
-    process.start(program, arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    if (!process.waitForFinished(kTimeoutMs)) {
-        process.kill();
-        process.waitForFinished();
-    }
-    exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    output = process.readAllStandardOutput();
-    errors = process.readAllStandardError();
-}
-
-QString ProcessRun::path(const QString& name) const
-{
-    return m_folder.filePath(name);
-}
-
-void ProcessRun::write(const QString& name, const QByteArray& content) const
-{
-    QFile file(path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(file.fileName()));
-}
-
-QByteArray ProcessRun::read(const QString& name) const
-{
-    QFile file(path(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
-}
-
-bool ProcessRun::exists(const QString& name) const
-{
-    return QFileInfo::exists(path(name));
-}
-
-QStringList ProcessRun::files() const
-{
-    return QDir(m_folder.path())
-        .entryList(QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot,
-                   QDir::Name);
-}
+AnnualizerRun::AnnualizerRun() : ProcessRun(QStringLiteral(HTS_ANNUALIZER)) {}
 
 QByteArray monthlyFile()
 {
@@ -122,12 +45,7 @@ QByteArray monthlySums()
            "method: Sum\n78.000000000000\n222.000000000000\nEND_COLUMN\nEND_SLOT\nEND_RUN\n";
 }
 
-QStringList words(const char* line)
-{
-    return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
-}
-
-void writeInputs(const ProcessRun& run)
+void writeInputs(const AnnualizerRun& run)
 {
     run.write(QStringLiteral("a.hts"), monthlyFile());
     run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
