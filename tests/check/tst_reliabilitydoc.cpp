@@ -81,7 +81,7 @@ const std::vector<std::pair<const char*, QByteArrayList>>& files()
         {"blank line among values", {changed("\n7\n", "\n\n7\n"), changed("\n7\n", "\n\n")}},
         {"blank before the", {changed("scale: 1\n", "scale: 1\n method: Sum\n")}},
         {"first value of a slot", {changed("scale: 1\n1\n", "scale: 1\nmissing\n")}},
-        {"tab behind the colon of a key",
+        {"tab after the colon of a key",
          {changed("slot_name: Flow", "slot_name:\tFlow"), changed("unit:month", "unit:\tmonth")}},
         {"one value too many", {changed("\n7\n", "\n7\n7\n")}},
         {"one value missing", {changed("\n7\n", "\n")}},

@@ -87,7 +87,7 @@ void TestReadme::everyBlockIsTested()
         starts.append(block.split(' ').first());
     QCOMPARE(starts.join('|'), QByteArray("scripts/run-example|scripts/test|"
                                           "build/release/app/HtsAnnualizer|object_type:|"
-                                          "Choptank.Volume.Daily:|units:|$|cat|cd|pond.hts:32:"));
+                                          "Choptank.Volume.Daily:|units:|cat|$|cd|pond.hts:32:"));
 }
 
 void TestReadme::conversionGivesTheLinesShown()
