@@ -36,16 +36,15 @@ bool isFileName(const QString& code)
 // Names in the links of the folder's library that are libraries of this project.
 QStringList linkedLibraries(const QString& folder)
 {
-    static const QStringList libraries = {
-        QStringLiteral("hts"), QStringLiteral("utils"), QStringLiteral("logging"),
-        QStringLiteral("annualize"), QStringLiteral("gui"), QStringLiteral("check")};
+    static const QStringList libraries = {QStringLiteral("hts"),     QStringLiteral("utils"),
+                                          QStringLiteral("logging"), QStringLiteral("annualize"),
+                                          QStringLiteral("gui"),     QStringLiteral("check")};
     const QString target =
         folder == QLatin1String("tool") ? QStringLiteral("toolcommands") : folder;
     const QRegularExpression call(
         QStringLiteral("target_link_libraries\\(%1 ([^)]*)\\)").arg(target));
     QStringList found;
-    const QString lists =
-        QString::fromUtf8(sourceFile(folder + QStringLiteral("/CMakeLists.txt")));
+    const QString lists = QString::fromUtf8(sourceFile(folder + QStringLiteral("/CMakeLists.txt")));
     for (auto match = call.globalMatch(lists); match.hasNext();) {
         for (const QString& word : match.next().captured(1).simplified().split(QLatin1Char(' '))) {
             if (libraries.contains(word))

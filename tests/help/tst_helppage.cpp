@@ -270,11 +270,17 @@ void TestHelpPage::messagesHavePlaces_data()
     QTest::addColumn<QString>("around"); // what holds the texts
     QTest::addColumn<QString>("prefix");
     QTest::addColumn<int>("least");
-    QTest::newRow("messages") << "messages-conversion" << "messages-command-line" << "dt"
+    QTest::newRow("messages") << "messages-conversion"
+                              << "messages-command-line"
+                              << "dt"
                               << "message-" << 40;
-    QTest::newRow("faults of the program")
-        << "messages-internal" << "messages-internal" << "li" << "message-" << 7;
-    QTest::newRow("diagnostic lines") << "diagnostic-lines" << "diagnostic-lines" << "th"
+    QTest::newRow("faults of the program") << "messages-internal"
+                                           << "messages-internal"
+                                           << "li"
+                                           << "message-" << 7;
+    QTest::newRow("diagnostic lines") << "diagnostic-lines"
+                                      << "diagnostic-lines"
+                                      << "th"
                                       << "line-" << 17;
 }
 
@@ -330,10 +336,9 @@ void TestHelpPage::wideBlocksScrollByKeyboard()
     QCOMPARE(scrollers, m_page.named(QStringLiteral("table")).size());
     QVERIFY(labels.size() > 20);
     for (const char* selector : {"pre", ".scroll"}) {
-        const QRegularExpression rule(
-            QStringLiteral(R"(^%1 \{[^}]*overflow-x: auto)")
-                .arg(QRegularExpression::escape(QLatin1String(selector))),
-            QRegularExpression::MultilineOption);
+        const QRegularExpression rule(QStringLiteral(R"(^%1 \{[^}]*overflow-x: auto)")
+                                          .arg(QRegularExpression::escape(QLatin1String(selector))),
+                                      QRegularExpression::MultilineOption);
         QVERIFY2(style.contains(rule), selector);
     }
 }
