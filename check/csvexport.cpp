@@ -23,6 +23,7 @@ public:
     void ignoredLine(std::string_view) override {}
     void keywordLine(QLatin1String, std::string_view) override {}
     void unexpectedLine(QLatin1String, std::string_view) override {}
+    void cutLine(std::string_view) override {}
     void oddValueLine(std::size_t, qint64, std::string_view line) override
     {
         count += isNumberLine(line) ? 0 : 1;

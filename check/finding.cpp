@@ -118,6 +118,10 @@ const CodeInfo kCodes[kCodeCount] = {
     {Code::OddCharacter, Severity::Warning, "odd-character",
      "A name or unit contains a tab, a control character or bytes that are not UTF-8.",
      "Remove them; a rule of a control file would have to contain them too."},
+    {Code::NulByte, Severity::Warning, "nul-byte",
+     "A line other than a value contains a NUL byte; the rest of the line is lost.",
+     "Write the text without it; many NUL bytes mean that the file was damaged by a disk or a "
+     "copy."},
     {Code::TextValue, Severity::Warning, "text-value",
      "There is text instead of a number; it counts as 0.",
      "Write a number with a decimal point and nothing else, or `NaN` for a missing value."},

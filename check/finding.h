@@ -53,6 +53,7 @@ enum class Code {
     BadDate,
     BadScale,
     OddCharacter,
+    NulByte,
     TextValue,
     InfiniteValue,
     Sentinel,

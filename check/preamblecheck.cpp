@@ -224,6 +224,16 @@ void PreambleCheck::unexpectedLine(QLatin1String expected, std::string_view line
                               : QStringLiteral("%1 instead of %2").arg(found, wanted);
 }
 
+void PreambleCheck::cutLine(std::string_view text)
+{
+    if (!m_isOnTrack)
+        return;
+    m_findings.add(Code::NulByte, m_reader.lineNumber(), [&]() -> QString {
+        return QStringLiteral("%1 ends at a NUL byte; the rest of the line is lost")
+            .arg(quoted(text));
+    });
+}
+
 void PreambleCheck::oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line)
 {
     if (m_reader.linesPastEnd() > 0)

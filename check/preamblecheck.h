@@ -53,6 +53,7 @@ public:
     void ignoredLine(std::string_view line) override;
     void keywordLine(QLatin1String key, std::string_view value) override;
     void unexpectedLine(QLatin1String expected, std::string_view line) override;
+    void cutLine(std::string_view text) override;
     void oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line) override;
 
 private:

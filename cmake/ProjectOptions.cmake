@@ -2,7 +2,7 @@
 #   project_options   language level, toolkit definitions, sanitizers, coverage
 #   project_warnings  warnings, as errors on demand; own code links it, foreign code does not
 
-# Of what each system does in its own way there is one file for each, such as console_unix.cpp and
+# What differs between systems is in one file for each system, such as console_unix.cpp and
 # console_win.cpp; the build takes NAME_${HTS_SYSTEM}.cpp.
 if(WIN32)
     set(HTS_SYSTEM win)

@@ -64,6 +64,9 @@ public:
         // method line need only begin with the letter m, and an empty line before "END_RUN" ends
         // the run.
         virtual void unexpectedLine(QLatin1String expected, std::string_view line) = 0;
+        // A line with a NUL byte, which ends its text: the bytes from there on are lost. Comes
+        // before the call for what is left of the line, `text`.
+        virtual void cutLine(std::string_view text) = 0;
     };
 
     // The form of a timestep line.

@@ -46,6 +46,16 @@ QStringList sourceFiles()
 // Attributes of the program's own pictures contain the picture itself.
 const QString kPictureStart = QStringLiteral("data:image/png;base64,");
 
+const QString kId = QStringLiteral("id");
+
+// A text as the name of its place: lower case, everything but letters and digits a hyphen.
+QString placeName(const QString& text)
+{
+    static const QRegularExpression others(QStringLiteral("[^a-z0-9]+"));
+    const QStringList words = text.toLower().split(others, Qt::SkipEmptyParts);
+    return words.join(QLatin1Char('-'));
+}
+
 // The two numbers of a method's row in the page.
 struct MethodRow
 {
@@ -116,6 +126,10 @@ private Q_SLOTS:
     void isSmall();
     void needsNoOtherFileAndNoScript();
     void linksLeadToPlacesInThePage();
+    void contentsReachEveryHeading();
+    void messagesHavePlaces_data();
+    void messagesHavePlaces();
+    void wideBlocksScrollByKeyboard();
     void namesOfPlacesAreUnique();
     void picturesHaveTheirSizeAndAText();
     void headingsSkipNoLevel();
@@ -228,6 +242,104 @@ void TestHelpPage::linksLeadToPlacesInThePage()
         const QString label = element.attributes.value(QStringLiteral("aria-labelledby"));
         QVERIFY2(places.contains(link), qPrintable(link));
         QVERIFY2(places.contains(label), qPrintable(label));
+    }
+}
+
+void TestHelpPage::contentsReachEveryHeading()
+{
+    QStringList headings;
+    QStringList contents;
+    for (const PageElement& element : qAsConst(m_page.elements)) {
+        const bool isHeading =
+            element.name == QLatin1String("h2") || element.name == QLatin1String("h3");
+        if (isHeading && !element.path.contains(QStringLiteral("nav")))
+            headings.append(QLatin1Char('#') + element.attributes.value(kId) + QLatin1Char(' ') +
+                            element.text);
+        if (element.name == QLatin1String("a") && element.path.contains(QStringLiteral("nav")))
+            contents.append(element.attributes.value(QStringLiteral("href")) + QLatin1Char(' ') +
+                            element.text);
+    }
+    QVERIFY(headings.size() > 25);
+    QCOMPARE(contents, headings);
+}
+
+void TestHelpPage::messagesHavePlaces_data()
+{
+    QTest::addColumn<QString>("firstHeading"); // place of a section or of a part of one
+    QTest::addColumn<QString>("lastHeading");
+    QTest::addColumn<QString>("around"); // what holds the texts
+    QTest::addColumn<QString>("prefix");
+    QTest::addColumn<int>("least");
+    QTest::newRow("messages") << "messages-conversion"
+                              << "messages-command-line"
+                              << "dt"
+                              << "message-" << 40;
+    QTest::newRow("faults of the program") << "messages-internal"
+                                           << "messages-internal"
+                                           << "li"
+                                           << "message-" << 7;
+    QTest::newRow("diagnostic lines") << "diagnostic-lines"
+                                      << "diagnostic-lines"
+                                      << "th"
+                                      << "line-" << 17;
+}
+
+void TestHelpPage::messagesHavePlaces()
+{
+    QFETCH(QString, firstHeading);
+    QFETCH(QString, lastHeading);
+    QFETCH(QString, around);
+    QFETCH(QString, prefix);
+    QFETCH(int, least);
+
+    QString heading;
+    bool isInside = false;
+    QStringList places;
+    for (const PageElement& element : qAsConst(m_page.elements)) {
+        if (element.name == QLatin1String("h2") || element.name == QLatin1String("h3")) {
+            isInside = (isInside && heading != lastHeading) ||
+                       element.attributes.value(kId) == firstHeading;
+            heading = element.attributes.value(kId);
+        }
+        if (!isInside || element.name != QLatin1String("code") || !element.path.contains(around))
+            continue;
+        const QString expected = prefix + placeName(element.text);
+        const QString place = element.attributes.value(kId);
+        // The title of a box that shows several messages has its place at the first of them.
+        const bool isRepeated = place.isEmpty() && places.contains(expected);
+        QCOMPARE(isRepeated ? expected : place, expected);
+        places.append(expected);
+    }
+    places.removeDuplicates();
+    QVERIFY2(places.size() >= least, qPrintable(QString::number(places.size())));
+}
+
+void TestHelpPage::wideBlocksScrollByKeyboard()
+{
+    const QString style = m_page.named(QStringLiteral("style")).first().text;
+    QStringList labels;
+    int scrollers = 0;
+    for (const PageElement& element : qAsConst(m_page.elements)) {
+        const bool isScroller =
+            element.attributes.value(QStringLiteral("class")) == QLatin1String("scroll");
+        if (element.name == QLatin1String("table"))
+            QCOMPARE(element.path.last(), QStringLiteral("div"));
+        if (element.name != QLatin1String("pre") && !isScroller)
+            continue;
+        const QString label = element.attributes.value(QStringLiteral("aria-label"));
+        QCOMPARE(element.attributes.value(QStringLiteral("tabindex")), QStringLiteral("0"));
+        QCOMPARE(element.attributes.value(QStringLiteral("role")), QStringLiteral("region"));
+        QVERIFY2(!label.isEmpty() && !labels.contains(label), qPrintable(label));
+        labels.append(label);
+        scrollers += isScroller ? 1 : 0;
+    }
+    QCOMPARE(scrollers, m_page.named(QStringLiteral("table")).size());
+    QVERIFY(labels.size() > 20);
+    for (const char* selector : {"pre", ".scroll"}) {
+        const QRegularExpression rule(QStringLiteral(R"(^%1 \{[^}]*overflow-x: auto)")
+                                          .arg(QRegularExpression::escape(QLatin1String(selector))),
+                                      QRegularExpression::MultilineOption);
+        QVERIFY2(style.contains(rule), selector);
     }
 }
 
@@ -391,10 +503,14 @@ void TestHelpPage::hasMessage_data()
 void TestHelpPage::hasMessage()
 {
     QFETCH(QString, text);
-    const QStringList codes = m_page.codes();
+    const QVector<PageElement> codes = m_page.named(QStringLiteral("code"));
     QVERIFY2(std::any_of(codes.begin(), codes.end(),
-                         [&](const QString& code) { return code.contains(text); }),
-             "not in the page");
+                         [&](const PageElement& code) {
+                             return code.text.simplified().contains(text) &&
+                                    code.attributes.value(kId).startsWith(
+                                        QLatin1String("message-"));
+                         }),
+             "not in the page, or without a place that a link can lead to");
 
     bool isInSources = false;
     for (const QString& path : sourceFiles()) {

@@ -1,5 +1,6 @@
-// The commands of README.md and examples/README.md, typed as they are shown in a folder that looks
-// like the source tree after scripts/run-example: they give what the text shows after them.
+// The commands of README.md, examples/README.md, and some of docs/, typed as they are shown in a
+// folder that looks like the source tree after scripts/run-example: they give what the text shows
+// after them.
 
 #include <QtTest>
 
@@ -61,7 +62,10 @@ private Q_SLOTS:
     void failureShowsWhatIsShown();
     void pipesGiveTheSameResult();
     void checkShowsWhatIsShown();
+    void uncheckedFileGivesTheAverageShown();
     void exampleCommandGivesTheComputedResult();
+    void pandasReadsTheExport();
+    void saferCommandsConvert();
 
 private:
     // The only block that begins with `start`; empty when there is none, or more than one.
@@ -87,7 +91,7 @@ void TestReadme::everyBlockIsTested()
         starts.append(block.split(' ').first());
     QCOMPARE(starts.join('|'), QByteArray("scripts/run-example|scripts/test|"
                                           "build/release/app/HtsAnnualizer|object_type:|"
-                                          "Choptank.Volume.Daily:|units:|$|cat|cd|pond.hts:32:"));
+                                          "Choptank.Volume.Daily:|units:|cat|$|(cd|pond.hts:32:"));
 }
 
 void TestReadme::conversionGivesTheLinesShown()
@@ -144,9 +148,25 @@ void TestReadme::checkShowsWhatIsShown()
         const QString path = files + QLatin1String(name);
         run.write(path, content(QStringLiteral(SOURCE_DIR "/") + path));
     }
-    run.startShell(QString::fromUtf8(block("cd ")));
+    run.startShell(QString::fromUtf8(block("(cd ")));
     QCOMPARE(asShown(run.output), block("pond.hts:32: "));
     QCOMPARE(run.exitCode, 1);
+}
+
+void TestReadme::uncheckedFileGivesTheAverageShown()
+{
+    ProcessRun run;
+    run.startShell(QStringLiteral("$PROGRAM -i '" SOURCE_DIR
+                                  "/tests/tool/files/pond.hts' -c '" SOURCE_DIR
+                                  "/tests/tool/files/pond_methods.txt' -o annual.hts"));
+    QCOMPARE(run.output + run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    const QByteArray text = content(QStringLiteral(SOURCE_DIR "/docs/htstool.md"));
+    const int begin = text.indexOf("the average of 2022 is\n") + 23;
+    const QByteArray shown = text.mid(begin, text.indexOf(".\n", begin) - begin);
+    const QByteArrayList lines = run.read(QStringLiteral("annual.hts")).split('\n');
+    // Of the years 2021, 2022 and 2023 that slot has one value each.
+    QCOMPARE(lines.value(lines.indexOf("method: Average") + 2), shown);
 }
 
 void TestReadme::exampleCommandGivesTheComputedResult()
@@ -162,6 +182,47 @@ void TestReadme::exampleCommandGivesTheComputedResult()
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.read(QStringLiteral("build/basins_annual.hts")),
              golden("basins_december.expected"));
+}
+
+void TestReadme::pandasReadsTheExport()
+{
+    QByteArray program;
+    for (const QByteArray& block :
+         codeBlocks(content(QStringLiteral(SOURCE_DIR "/docs/htstool.md")))) {
+        if (block.startsWith("table = pandas."))
+            program = block;
+    }
+    const int lastLine = program.lastIndexOf('\n') + 1;
+    QVERIFY(lastLine > 0);
+    ProcessRun run;
+    writeInputs(run);
+    run.write(QStringLiteral("mean.py"), "import pandas\n" + program.left(lastLine) + "print(" +
+                                             program.mid(lastLine) + ".to_dict())\n");
+    run.startShell(QStringLiteral("'" HTSTOOL "' export -o flows.csv a.hts && "
+                                  "/usr/bin/python3 mean.py"));
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.output, QByteArray("{'Lake A': 12.5}\n"));
+}
+
+// The commands of docs/reliability.md that keep an old result, and conversions, from each other.
+void TestReadme::saferCommandsConvert()
+{
+    const QByteArrayList blocks =
+        codeBlocks(content(QStringLiteral(SOURCE_DIR "/docs/reliability.md")));
+    QCOMPARE(blocks.size(), 2);
+    for (const QByteArray& block : blocks) {
+        ProcessRun run;
+        writeInputs(run);
+        run.environment.insert(QStringLiteral("PATH"),
+                               QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path() +
+                                   QStringLiteral(":/usr/bin:/bin"));
+        run.startShell(QString::fromUtf8(block));
+        QCOMPARE(run.output + run.errors, QByteArray());
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+        QVERIFY(!run.exists(QStringLiteral("b.new")));
+        QVERIFY(run.read(QStringLiteral("b.log")).endsWith(kCreated));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestReadme)

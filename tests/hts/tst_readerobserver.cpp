@@ -28,6 +28,7 @@ public:
     {
         add("unexpected", expected + QLatin1Char('|') + textOf(line));
     }
+    void cutLine(std::string_view text) override { add("cut", textOf(text)); }
     void oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line) override
     {
         calls.append(
@@ -95,12 +96,13 @@ void ReaderObserverTest::isShown_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QStringList>("calls");
 
+    // An "@" in the text is a NUL byte.
     const auto row = [](const char* name, const char* text,
                         std::initializer_list<const char*> calls) {
         QStringList texts;
         for (const char* call : calls)
             texts.append(QString::fromUtf8(call));
-        QTest::newRow(name) << QByteArray(text) << texts;
+        QTest::newRow(name) << QByteArray(text).replace('@', '\0') << texts;
     };
     row("keyword lines and ignored lines", "name:a\n # x \nEND_PACKAGE_PREAMBLE\n",
         {"1 key: name:|a", "2 ignored: # x"});
@@ -136,6 +138,14 @@ void ReaderObserverTest::isShown_data()
     row("text after the end of the run",
         "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\nEND_RUN x\n",
         {"1 key: number_of_runs:|1", "4 unexpected: END_RUN|END_RUN x"});
+    row("NUL bytes",
+        "name:a@b\nnumber_of_runs:1\nEND_PACKAGE_PREAMBLE\ntime_steps:1\nEND_RUN_PREAMBLE\n"
+        "2000-1-1 24:00@\nslot_name: f@@\nEND_SLOT_PREAMBLE\nunits: cms@\nscale: 1@\n"
+        "method: Sum@x\n1\nEND_COLUMN\nEND_SLOT\nEND_RUN\n",
+        {"1 cut: name:a", "1 key: name:|a", "2 key: number_of_runs:|1", "4 key: time_steps:|1",
+         "6 cut: 2000-1-1 24:00", "7 cut: slot_name: f", "7 key: slot_name: |f",
+         "9 cut: units: cms", "9 key: units: |cms", "10 cut: scale: 1", "10 key: scale: |1",
+         "11 cut: method: Sum", "11 key: method: |Sum"});
 }
 
 void ReaderObserverTest::isShown()

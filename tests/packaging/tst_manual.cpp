@@ -241,6 +241,9 @@ void TestManual::readmeHasTheVersions()
     const QString readme = sourceText(QStringLiteral("README.md"));
     QVERIFY(readme.contains(
         QStringLiteral("| the package, and `htstool --version` | %1 |\n").arg(package)));
+    for (const char* file :
+         {"htsannualizer_%1-1_amd64.deb", "htsannualizer-%1-Linux-x86_64.tar.gz"})
+        QVERIFY2(readme.contains(QString::fromLatin1(file).arg(package)), file);
     // Tests of the window and of the command line know these by themselves.
     QVERIFY(readme.contains(QLatin1String("| the window, in its title | 1.1 |\n")));
     QVERIFY(readme.contains(QLatin1String("| the command line, `HtsAnnualizer -v` | 1.0 |\n")));

@@ -229,7 +229,7 @@ cp "$windows_build/app/HtsAnnualizer.exe" "$top/windows/"
 cp "$top/windows/c.txt" "$top/windows/methods.txt"
 mv "$top/windows/data" "$top/windows/daily"
 cp "$top/windows/c.txt" "$top/windows/daily/no good.hts"
-sed -n '/<pre id="batch-example"><code>/,/<\/code>/p' "$source/Help/HtsAnnualizerHelp.html" |
+sed -n '/<pre id="batch-example"/,/<\/code>/p' "$source/Help/HtsAnnualizerHelp.html" |
     sed 's/<[^>]*>//g; s/&lt;/</g; s/&gt;/>/g; s/&amp;/\&/g; s/$/\r/' >"$top/windows/all.bat"
 (cd "$top/windows" && wine cmd /c all.bat) >"$top/windows.out" 2>&1 || true
 run_unix app/HtsAnnualizer -i data/a.hts -o b.hts -c c.txt -y 9

@@ -1,0 +1,122 @@
+// The examples of the man pages, typed as they are in a folder that has the examples where an
+// installation has them.
+
+#include <QtTest>
+
+#include "tests/app/annualizerrun.h"
+
+namespace {
+
+QByteArray content(const QString& name)
+{
+    QFile file(QStringLiteral(SOURCE_DIR "/") + name);
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(file.fileName()));
+    return file.readAll();
+}
+
+// The blocks of unfilled lines below the heading EXAMPLES or EXAMPLE of a man page, as they are
+// shown.
+QStringList examples(const char* page)
+{
+    QString text = QString::fromUtf8(
+        content(QStringLiteral("packaging/linux/man/%1.in").arg(QLatin1String(page))));
+    text = text.section(QStringLiteral("\n.SH EXAMPLE"), 1).section(QStringLiteral("\n.SH "), 0, 0);
+    text.replace(QLatin1String("\\-"), QLatin1String("-"));
+    QStringList blocks;
+    for (const QString& part : text.split(QStringLiteral("\n.nf\n")).mid(1))
+        blocks.append(part.section(QStringLiteral("\n.fi"), 0, 0) + QLatin1Char('\n'));
+    return blocks;
+}
+
+// The commands with the folders of the test in place of those of an installation.
+QString typed(const AnnualizerRun& run, QString commands)
+{
+    commands.replace(QLatin1String("/tmp/"), run.path(QStringLiteral("tmp/")));
+    commands.replace(QLatin1String("@CMAKE_INSTALL_FULL_DOCDIR@"), run.path(QStringLiteral(".")));
+    return QStringLiteral("set -e\n") + commands;
+}
+
+// A folder with the examples, in which both programs are commands.
+void prepare(AnnualizerRun& run)
+{
+    for (const char* folder : {"bin", "tmp"})
+        QVERIFY(QDir(run.path(QStringLiteral("."))).mkdir(QLatin1String(folder)));
+    QVERIFY(
+        QFile::link(QStringLiteral(SOURCE_DIR "/examples"), run.path(QStringLiteral("examples"))));
+    QVERIFY(
+        QFile::link(QStringLiteral(HTS_ANNUALIZER), run.path(QStringLiteral("bin/HtsAnnualizer"))));
+    QVERIFY(QFile::link(QStringLiteral(HTSTOOL), run.path(QStringLiteral("bin/htstool"))));
+    run.environment.insert(QStringLiteral("PATH"),
+                           run.path(QStringLiteral("bin")) + QLatin1Char(':') +
+                               run.environment.value(QStringLiteral("PATH")));
+}
+
+} // namespace
+
+class TestManExamples : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void programConvertsTheExample();
+    void programReadsACompressedFile();
+    void toolChecksAndExportsTheExample();
+    void formatExampleIsReadAsItSays();
+};
+
+void TestManExamples::programConvertsTheExample()
+{
+    AnnualizerRun run;
+    prepare(run);
+    run.startShell(typed(run, examples("HtsAnnualizer.1").value(0)));
+    QCOMPARE(run.output + run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("tmp/annual.hts")),
+             content(QStringLiteral("tests/app/golden/rivers_september.expected")));
+}
+
+void TestManExamples::programReadsACompressedFile()
+{
+    QCOMPARE(examples("HtsAnnualizer.1").size(), 2);
+    AnnualizerRun run;
+    prepare(run);
+    run.startShell(QStringLiteral("gzip -c examples/basins_monthly.hts >big.hts.gz; "
+                                  "cp examples/basins_monthly_methods.txt methods.txt"));
+    run.startShell(typed(run, examples("HtsAnnualizer.1").value(1)));
+    QCOMPARE(run.output + run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.read(QStringLiteral("annual.hts")),
+             content(QStringLiteral("tests/app/golden/basins_december.expected")));
+}
+
+void TestManExamples::toolChecksAndExportsTheExample()
+{
+    QCOMPARE(examples("htstool.1").size(), 1);
+    AnnualizerRun run;
+    prepare(run);
+    run.startShell(typed(run, examples("htstool.1").value(0)));
+    QVERIFY(run.output.contains(": plan: Choptank.Flow: Average, rule of line 4\n"));
+    QCOMPARE(run.exitCode, 0);
+    QVERIFY(run.read(QStringLiteral("tmp/rivers.csv")).startsWith("run,trace,time,"));
+}
+
+void TestManExamples::formatExampleIsReadAsItSays()
+{
+    QCOMPARE(examples("hts.5").size(), 1);
+    AnnualizerRun run;
+    prepare(run);
+    run.write(QStringLiteral("a.hts"), examples("hts.5").value(0).toUtf8());
+    // Three months are no year, and one value is missing; nothing else is wrong.
+    run.startShell(QStringLiteral("htstool check a.hts | grep -o '[[][a-z-]*[]]$'"));
+    QCOMPARE(run.output, QByteArray("[no-complete-year]\n[missing-values]\n"));
+    run.startShell(QStringLiteral("htstool export --wide -o - a.hts"));
+    QCOMPARE(run.output.replace('\r', ""), QByteArray("run,trace,time,Lake A.Outflow [cms]\n"
+                                                      "1,,2000-02-01T00:00:00,12.5\n"
+                                                      "1,,2000-03-01T00:00:00,\n"
+                                                      "1,,2000-04-01T00:00:00,14\n"));
+}
+
+QTEST_GUILESS_MAIN(TestManExamples)
+
+#include "tst_manexamples.moc"
