@@ -226,7 +226,7 @@ void PreambleCheck::unexpectedLine(QLatin1String expected, std::string_view line
 
 void PreambleCheck::cutLine(std::string_view text)
 {
-    if (!m_isOnTrack)
+    if (!m_isInSync)
         return;
     m_findings.add(Code::NulByte, m_reader.lineNumber(), [&]() -> QString {
         return QStringLiteral("%1 ends at a NUL byte; the rest of the line is lost")
