@@ -58,6 +58,8 @@ class TestReadme : public QObject
 
 private Q_SLOTS:
     void everyBlockIsTested();
+    void everyTerminalHasATest_data();
+    void everyTerminalHasATest();
     void conversionGivesTheLinesShown();
     void failureShowsWhatIsShown();
     void pipesGiveTheSameResult();
@@ -92,6 +94,35 @@ void TestReadme::everyBlockIsTested()
     QCOMPARE(starts.join('|'), QByteArray("scripts/run-example|scripts/test|"
                                           "build/release/app/HtsAnnualizer|object_type:|"
                                           "Choptank.Volume.Daily:|units:|cat|$|(cd|pond.hts:32:"));
+}
+
+void TestReadme::everyTerminalHasATest_data()
+{
+    QTest::addColumn<QString>("document");
+    const QString root = QStringLiteral(SOURCE_DIR "/");
+    for (const char* folder : {"", "docs/", "examples/"}) {
+        for (const QString& name :
+             QDir(root + QLatin1String(folder)).entryList({QStringLiteral("*.md")}))
+            QTest::newRow(qPrintable(QLatin1String(folder) + name)) << QLatin1String(folder) + name;
+    }
+}
+
+// A terminal is a block that shows commands and what they print. A new one needs a test that types
+// it; this one only counts.
+void TestReadme::everyTerminalHasATest()
+{
+    const QMap<QString, int> tested = {
+        {QStringLiteral("README.md"), 1},            // here
+        {QStringLiteral("docs/hts-format.md"), 4},   // tst_formatdocs
+        {QStringLiteral("docs/control-file.md"), 5}, // tst_formatdocs
+        {QStringLiteral("docs/htstool.md"), 1},      // tst_tooldoc
+        {QStringLiteral("docs/batch.md"), 3},        // tst_batch, and scripts/test-slurm
+    };
+    QFETCH(QString, document);
+    int terminals = 0;
+    for (const QByteArray& block : codeBlocks(content(QStringLiteral(SOURCE_DIR "/") + document)))
+        terminals += block.startsWith("$ ") || block.contains("\n$ ") ? 1 : 0;
+    QCOMPARE(terminals, tested.value(document));
 }
 
 void TestReadme::conversionGivesTheLinesShown()
