@@ -17,15 +17,32 @@ const formulas = {
     MinNaN: (values) => `min(${values})`,
 };
 
+// The first line; names are without commas.
+function columnsOf(path) {
+    const file = fs.openSync(path);
+    let text = "";
+    while (!text.includes("\n")) {
+        const block = Buffer.alloc(65536);
+        text += block.toString("utf8", 0, fs.readSync(file, block));
+    }
+    fs.closeSync(file);
+    return text.split(/\r?\n/, 1)[0].split(",");
+}
+
 async function main() {
-    const connection = await (await DuckDBInstance.create()).connect();
-    const table = `read_csv('${tablePath}')`;
-    const description = await connection.runAndReadAll(`DESCRIBE FROM ${table}`);
-    const slots = description.getRows().map(([name]) => name).slice(3); // after run, trace and time
+    const columns = columnsOf(tablePath);
+    const slots = columns.slice(3); // after run, trace and time
+    // Types that are not looked for make this four times as fast.
+    const types = columns.map((name) =>
+        `'${name}': '${name === "time" ? "TIMESTAMP" : slots.includes(name) ? "DOUBLE" : "INTEGER"}'`);
+    const table = `read_csv('${tablePath}', header = true, auto_detect = false,
+        columns = {${types.join(", ")}})`;
     const annual = slots.map((column) => {
         const slot = column.split(" [")[0];
         return `${formulas[methodOf.get(slot)](`"${column}"`)} AS "${slot}"`;
     });
+
+    const connection = await (await DuckDBInstance.create()).connect();
     // The time is the instant that ends the day.
     await connection.run(`
         COPY (

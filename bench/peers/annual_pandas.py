@@ -12,9 +12,11 @@ end_month = int(end_month)
 with open(control_path) as control:
     method_of = dict(line.rstrip("\n").split(": ") for line in control)
 
-table = pd.read_csv(table_path, parse_dates=["time"], infer_datetime_format=True)
+names = pd.read_csv(table_path, nrows=0).columns
+# The processor's cache holds a piece, which makes this faster than reading all at once.
+table = pd.concat(pd.read_csv(table_path, usecols=names[2:], dtype=dict.fromkeys(names[3:], "float64"),
+                              parse_dates=["time"], infer_datetime_format=True, chunksize=2000))
 day = table.pop("time") - pd.Timedelta(days=1)  # the time is the instant that ends the day
-table = table.drop(columns=["run", "trace"])
 table.columns = [name.split(" [")[0] for name in table.columns]
 year = (day.dt.year + (day.dt.month > end_month)).rename("year")
 
