@@ -10,27 +10,25 @@ const endMonth = Number(month);
 const rules = fs.readFileSync(controlPath, "utf8").trimEnd().split("\n");
 const methodOf = new Map(rules.map((rule) => rule.split(": ")));
 
-const formulas = {
-    SumNaN: (values) => values.sum(),
-    // One missing value, and there is none.
-    Average: (values) => pl.when(values.nullCount().eq(0)).then(values.mean()).otherwise(pl.lit(null)),
-    MaxNaN: (values) => values.max(),
-    MinNaN: (values) => values.min(),
-};
-
 const table = pl.readCSV(tablePath, { tryParseDates: true });
+table.columns = table.columns.map((column) => column.split(" [")[0]);
 const slots = table.columns.slice(3); // after run, trace and time
-const annualOf = (column) => {
-    const slot = column.split(" [")[0];
-    return formulas[methodOf.get(slot)](pl.col(column)).alias(slot);
-};
+
+// One expression for all columns of a method: each expression that is made here takes 2 ms.
+const of = (method) => pl.col(slots.filter((slot) => methodOf.get(slot) === method));
 
 // The time is the instant that ends the day.
 const day = pl.col("time").cast(pl.Date).cast(pl.Int32).minus(1).cast(pl.Date);
 const year = day.date.year().add(day.date.month().gt(endMonth).cast(pl.Int32));
 const annual = table
     .groupBy(year.alias("year"))
-    .agg(pl.col("time").count().alias("days"), ...slots.map(annualOf));
+    .agg(
+        pl.col("time").count().alias("days"),
+        of("SumNaN").sum(),
+        // One missing value, and there is none.
+        pl.when(of("Average").nullCount().eq(0)).then(of("Average").mean()).otherwise(pl.lit(null)),
+        of("MaxNaN").max(),
+        of("MinNaN").min());
 
 const millisecondsOfDay = 24 * 3600 * 1000;
 const daysOf = (year) => (Date.UTC(year, endMonth) - Date.UTC(year - 1, endMonth)) / millisecondsOfDay;
@@ -40,6 +38,6 @@ const complete = annual.getColumn("year").toArray()
 annual
     .filter(pl.Series(complete))
     .drop("days")
-    .unpivot("year", slots.map((column) => column.split(" [")[0]), { variableName: "slot" })
+    .unpivot("year", slots, { variableName: "slot" })
     .select("slot", "year", "value")
     .writeCSV(resultPath);

@@ -12,6 +12,7 @@ reading of its input and the writing of its result. Inputs are kept in BUILD_FOL
 
 import argparse
 import csv
+import multiprocessing
 import os
 import resource
 import shutil
@@ -263,7 +264,12 @@ def main():
     try:
         small = Data(bench, SMALL)
         large = small if bench.tiny else Data(bench, LARGE)
-        compare_results(bench, chosen, large)
+        # In a process of its own, so that its memory is not part of what is measured later.
+        comparison = multiprocessing.Process(target=compare_results, args=(bench, chosen, large))
+        comparison.start()
+        comparison.join()
+        if comparison.exitcode != 0:
+            sys.exit(1)
         show(bench, chosen, large, small)
     finally:
         shutil.rmtree(bench.results)
