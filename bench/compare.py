@@ -69,10 +69,8 @@ class Bench:
         self.environment.pop("QT_QPA_PLATFORM", None)
         self.offscreen = {**self.environment, "QT_QPA_PLATFORM": "offscreen"}
 
-    def input(self, name):
-        """Paths of the input of that shape and of its control file, made when they are missing."""
-        shape = SHAPES[name]
-        arguments = shape.tiny if self.tiny else shape.arguments
+    def generated(self, arguments):
+        """Path of what htsgenerate makes of these arguments, made when it is missing."""
         stem = arguments.replace(" ", "_").replace("=", "")
         path = self.data / f"{stem}.hts"
         if not path.exists():
@@ -81,7 +79,13 @@ class Bench:
                 subprocess.run([self.build / "tests" / "generate" / "htsgenerate", *arguments.split()],
                                stdout=file, check=True)
             partial.rename(path)
-        control = self.data / f"{stem}_{shape.rules}.txt"
+        return path
+
+    def input(self, name):
+        """Paths of the input of that shape and of its control file, made when they are missing."""
+        shape = SHAPES[name]
+        path = self.generated(shape.tiny if self.tiny else shape.arguments)
+        control = self.data / f"{path.stem}_{shape.rules}.txt"
         if shape.rules == "all":
             control.write_text("*.*: Average\n")
         else:
@@ -113,7 +117,7 @@ class Bench:
                 path, "-c", control, "--counts", self.results / "counts.csv"]
 
     def time(self, command):
-        """Seconds and peak bytes of one run."""
+        """Seconds and resource usage of one run."""
         start = time.perf_counter()
         process = subprocess.Popen(command, env=self.environment, stdout=subprocess.DEVNULL)
         _, status, usage = os.wait4(process.pid, 0)
@@ -121,7 +125,7 @@ class Bench:
         process.returncode = os.waitstatus_to_exitcode(status)
         if process.returncode != 0:
             sys.exit(f"compare.py: {' '.join(map(str, command))} ended with {process.returncode}")
-        return seconds, usage.ru_maxrss * 1024
+        return seconds, usage
 
     def compare(self, *commands):
         """Median seconds and peak bytes of each command. The commands take turns; a round before
@@ -130,10 +134,10 @@ class Bench:
         peaks = [0 for _ in commands]
         for run in range(self.runs + 1):
             for index, command in enumerate(commands):
-                taken, used = self.time(command)
+                taken, usage = self.time(command)
                 if run > 0 or self.runs == 0:
                     seconds[index].append(taken)
-                peaks[index] = max(peaks[index], used)
+                peaks[index] = max(peaks[index], usage.ru_maxrss * 1024)
         return [statistics.median(taken) for taken in seconds], peaks
 
     def memory_limit(self, name):
