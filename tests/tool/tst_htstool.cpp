@@ -46,6 +46,7 @@ private Q_SLOTS:
     void exportsOneRun();
     void exportReportsText();
     void exportFailsForABrokenFile();
+    void failedReadIsReported();
     void fullDiskIsReported();
     void closedStandardStreamsAreNoFiles();
     void namesAreUtf8UnderTheCLocale();
@@ -364,6 +365,27 @@ void HtstoolTest::exportFailsForABrokenFile()
     QCOMPARE(run.errors, QByteArray("htstool: none.hts: No such file or directory\n"));
     QCOMPARE(run.exitCode, 3);
     QCOMPARE(run.read(QStringLiteral("none.csv")), QByteArray("(no file)"));
+}
+
+// The memory at address 0, which no process has, cannot be read.
+void HtstoolTest::failedReadIsReported()
+{
+    const QByteArray failure = "htstool: /proc/self/mem: Input/output error\n";
+    ToolRun run;
+    run.start(wordsOf("check /proc/self/mem"));
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, failure);
+    QCOMPARE(run.exitCode, 3);
+    run.start(wordsOf("export /proc/self/mem -o -"));
+    QCOMPARE(run.errors, failure);
+    QCOMPARE(run.exitCode, 3);
+    run.write(QStringLiteral("a.hts"), codeFile("slot-without-rule"));
+    run.start(wordsOf("check a.hts -c /proc/self/mem"));
+    QCOMPARE(run.output.split('\n').first(),
+             QByteArray("/proc/self/mem:1: error: the control file cannot be read: Input/output "
+                        "error; a conversion fails: \"No series slots with valid methods found in "
+                        "input HTS file\" [control-unreadable]"));
+    QCOMPARE(run.exitCode, 2);
 }
 
 void HtstoolTest::fullDiskIsReported()

@@ -99,6 +99,7 @@ private Q_SLOTS:
     void tableOfCodesIsTrue();
     void keysOfTheJsonDocumentAreTrue();
     void jsonDocumentIsWhole();
+    void jsonPlanIsWhole();
 };
 
 void ToolDocTest::hasTheHelpTexts()
@@ -197,6 +198,33 @@ void ToolDocTest::jsonDocumentIsWhole()
 "severity":"warning","text":"\"7,5\" is no number and counts as 0; it may be a decimal comma"}],
 "notes":0,"plan":null,"problem":null,"runs":1,"slots":2,"warnings":1}],"format":1})";
     QCOMPARE(QJsonDocument::fromJson(run.output), QJsonDocument::fromJson(expected));
+}
+
+void ToolDocTest::jsonPlanIsWhole()
+{
+    ToolRun run;
+    for (const char* name : {"pond.hts", "pond_methods.txt"})
+        run.write(QString::fromLatin1(name),
+                  sourceFile(QStringLiteral("tests/tool/files/") + QLatin1String(name)));
+    run.start(wordsOf("check -f json pond.hts -c pond_methods.txt -y 6"));
+    const QByteArray expected = R"({
+"slots":[
+{"slot":"Mill Pond.Outflow","series":true,"converted":true,"method":"Average","ruleLine":1},
+{"slot":"Mill Pond.Storage","series":true,"converted":false,"method":null,"ruleLine":null},
+{"slot":"Mill Pond.Inflow","series":true,"converted":true,"method":"AverageNaN","ruleLine":3}],
+"years":{"count":2,"first":"2022-6-30 24:00","last":"2023-6-30 24:00","leftOutAtStart":6,
+"leftOutAtEnd":6}})";
+    const QJsonObject document = QJsonDocument::fromJson(run.output).object();
+    QCOMPARE(document.value(QLatin1String("control")).toString(),
+             QStringLiteral("pond_methods.txt"));
+    QCOMPARE(document.value(QLatin1String("endMonth")).toInt(), 6);
+    QCOMPARE(QJsonDocument(document.value(QLatin1String("files"))
+                               .toArray()
+                               .first()
+                               .toObject()
+                               .value(QLatin1String("plan"))
+                               .toObject()),
+             QJsonDocument::fromJson(expected));
 }
 
 QTEST_GUILESS_MAIN(ToolDocTest)
