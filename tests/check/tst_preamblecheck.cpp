@@ -171,6 +171,33 @@ void PreambleCheckTest::findsInPreambles_data()
          QStringLiteral("5: no-runs: the file announces 0 runs; a conversion fails: \"Cannot "
                         "create a complete year from the input HTS file\""),
          QStringLiteral("6: more-runs: a run that is not announced follows; it is not converted")});
+    row("no number of timesteps", "time_steps:12", "time_steps:12\ntimesteps:twelve\ntimesteps:12",
+        {QStringLiteral("11: bad-integer: timesteps: \"twelve\" is no integer and counts as 0"),
+         QStringLiteral("12: repeated-key: \"timesteps:\" is there twice; \"12\" counts, and not "
+                        "\"twelve\" of line 11")});
+    row("no number of timesteps, in the first spelling", "time_steps:12",
+        "time_steps:1.2e1\ntimesteps:12",
+        {QStringLiteral("10: bad-integer: time_steps: \"1.2e1\" is no integer and counts as 0")});
+    row("no other integers of a run", "unit_quantity:1\n",
+        "unit_quantity:1\ntrace:a\nconsecutive:b\nidx_sequential:\n",
+        {QStringLiteral("10: bad-integer: trace: \"a\" is no integer and counts as 0"),
+         QStringLiteral("11: bad-integer: consecutive: \"b\" is no integer and counts as 0"),
+         QStringLiteral("12: bad-integer: idx_sequential: \"\" is no integer and counts as 0")});
+    row("no integers of a table", "slot_type: SeriesSlot",
+        "slot_type: SeriesSlot\nrows: a\ncols: b",
+        {QStringLiteral("27: bad-integer: rows: \"a\" is no integer and counts as 0"),
+         QStringLiteral("28: bad-integer: cols: \"b\" is no integer and counts as 0")});
+    row("no end", "end:2000-12-31 24:00", "end:2000-12-31",
+        {QStringLiteral("7: bad-date: end: \"2000-12-31\" is no date-time")});
+    row("odd characters in all names of a slot",
+        "object_type: Reservoir\nobject_name: Lake\nslot_type: SeriesSlot\nslot_name: Flow",
+        "object_type: a\tb\nobject_name: c\td\nslot_name: e\tf",
+        {QStringLiteral("24: odd-character: object_type: \"a\\tb\" holds a tab, a control "
+                        "character or bytes that are not UTF-8"),
+         QStringLiteral("25: odd-character: object_name: \"c\\td\" holds a tab, a control "
+                        "character or bytes that are not UTF-8"),
+         QStringLiteral("26: odd-character: slot_name: \"e\\tf\" holds a tab, a control "
+                        "character or bytes that are not UTF-8")});
     row("no date", "create_date:2000-1-1 24:00", "create_date:today",
         {QStringLiteral("3: bad-date: create_date: \"today\" is no date-time")});
     row("scale of 0", "scale: 1", "scale: 0",
