@@ -75,6 +75,13 @@ void addTypes(const QJsonValue& value, const QString& path, Types& types)
         addTypes(element, path + QStringLiteral("[]"), types);
 }
 
+// The plan of the first file.
+QJsonDocument planOf(const QJsonObject& document)
+{
+    const QJsonObject file = document.value(QLatin1String("files")).toArray().first().toObject();
+    return QJsonDocument(file.value(QLatin1String("plan")).toObject());
+}
+
 Types documentedTypes()
 {
     Types types;
@@ -218,13 +225,16 @@ void ToolDocTest::jsonPlanIsWhole()
     QCOMPARE(document.value(QLatin1String("control")).toString(),
              QStringLiteral("pond_methods.txt"));
     QCOMPARE(document.value(QLatin1String("endMonth")).toInt(), 6);
-    QCOMPARE(QJsonDocument(document.value(QLatin1String("files"))
-                               .toArray()
-                               .first()
-                               .toObject()
-                               .value(QLatin1String("plan"))
-                               .toObject()),
-             QJsonDocument::fromJson(expected));
+    QCOMPARE(planOf(document), QJsonDocument::fromJson(expected));
+
+    run.write(QStringLiteral("a.hts"),
+              sourceFile(QStringLiteral("tests/check/files/no-complete-year.hts")));
+    run.start(wordsOf("check -f json a.hts -c pond_methods.txt"));
+    QCOMPARE(
+        planOf(QJsonDocument::fromJson(run.output).object()).object().value(QLatin1String("years")),
+        QJsonValue(QJsonDocument::fromJson(R"({"count":0,"first":null,"last":null,
+"leftOutAtStart":0,"leftOutAtEnd":0})")
+                       .object()));
 }
 
 QTEST_GUILESS_MAIN(ToolDocTest)
