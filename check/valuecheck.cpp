@@ -150,10 +150,11 @@ void ValueCheck::reportSentinels(const std::vector<double>& values, qint64 first
         const auto count = std::count(value, values.end(), *value);
         if (count < 2)
             continue;
+        constexpr int kDigits = 7; // all that a sentinel has
         m_findings.add(Code::Sentinel, firstLine + (value - values.begin()), [&]() -> QString {
             return QStringLiteral("%1 occurs %2 times among the values of %3 and counts as a "
                                   "number; does it mark missing values?")
-                .arg(QString::number(*value), QString::number(count), m_slotName);
+                .arg(QString::number(*value, 'g', kDigits), QString::number(count), m_slotName);
         });
         return;
     }

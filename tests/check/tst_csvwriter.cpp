@@ -17,6 +17,7 @@ private Q_SLOTS:
     void numbersReadBack_data();
     void numbersReadBack();
     void missingNumbersAreEmpty();
+    void writesLargeTables();
 };
 
 void CsvWriterTest::writesRows()
@@ -96,6 +97,25 @@ void CsvWriterTest::missingNumbersAreEmpty()
         writer.add(-std::numeric_limits<double>::infinity());
     }
     QCOMPARE(device.data(), QByteArray("1,,,"));
+}
+
+// More than is held back before it is written, which is 64 KiB.
+void CsvWriterTest::writesLargeTables()
+{
+    QBuffer device;
+    device.open(QIODevice::WriteOnly);
+    QByteArray expected;
+    {
+        CsvWriter writer(device);
+        for (qint64 i = 0; i < 20000; ++i) {
+            writer.add(i);
+            writer.add(std::numeric_limits<qint64>::min());
+            writer.endRow();
+            expected += QByteArray::number(i) + ",-9223372036854775808\r\n";
+            QVERIFY(expected.size() - device.data().size() < 64 * 1024);
+        }
+    }
+    QCOMPARE(device.data(), expected);
 }
 
 QTEST_APPLESS_MAIN(CsvWriterTest)

@@ -27,6 +27,9 @@ private Q_SLOTS:
     void hasAHintAtTheMeaning();
     void quotesOnOneLine_data();
     void quotesOnOneLine();
+    void nearestWordOfAList();
+    void knowsNumbers_data();
+    void knowsNumbers();
 };
 
 void NearWordsTest::editDistance_data()
@@ -53,6 +56,10 @@ void NearWordsTest::editDistance_data()
                                  << "sitting" << 3 << 3;
     QTest::newRow("past the limit") << "kitten"
                                     << "sitting" << 2 << 3;
+    QTest::newRow("as long as the limit allows") << "a"
+                                                 << "abc" << 2 << 2;
+    QTest::newRow("nothing in common") << "abcd"
+                                       << "wxyz" << 4 << 4;
     QTest::newRow("too long") << "a"
                               << "abcdef" << 2 << 3;
 }
@@ -113,6 +120,18 @@ void NearWordsTest::nearestKeyOfALine_data()
                                 << "";
     QTest::newRow("longer word") << "object_names_and_types: 3"
                                  << "";
+    QTest::newRow("digit after the key") << "object_name2 Lake"
+                                         << "";
+    QTest::newRow("underscore after the key") << "object_name_ Lake"
+                                              << "";
+    QTest::newRow("two letters") << "sl"
+                                 << "slot_type: ";
+    QTest::newRow("colon of the value") << "slot_name Flow: daily"
+                                        << "slot_name: ";
+    QTest::newRow("blanks around") << "  slot_name Flow  "
+                                   << "slot_name: ";
+    QTest::newRow("after 200 blanks")
+        << QString(200, QLatin1Char(' ')) + QLatin1String("slot_na") << "";
 }
 
 void NearWordsTest::nearestKeyOfALine()
@@ -162,8 +181,27 @@ void NearWordsTest::hasAHintAtTheMeaning_data()
                               << "something after a number";
     QTest::newRow("12.5*") << "12.5*"
                            << "something after a number";
+    QTest::newRow("-.5e3 kg") << "-.5e3 kg"
+                              << "something after a number";
+    QTest::newRow("+5.e-2, 1") << "+5.e-2, 1"
+                               << "more than one number";
+    QTest::newRow("-.5d-2") << "-.5d-2"
+                            << "an exponent that begins with D instead of E";
+    QTest::newRow("1.234.567,8") << "1.234.567,8"
+                                 << "a decimal comma";
+    QTest::newRow("1,5e-3") << "1,5e-3"
+                            << "a decimal comma";
+    QTest::newRow("1'234.5") << "1'234.5"
+                             << "a thousands separator";
+    QTest::newRow("no-break space") << QStringLiteral("1\u00a0234") << "a thousands separator";
     QTest::newRow("abc") << "abc"
                          << "";
+    QTest::newRow("letter before a number") << "v1.5"
+                                            << "";
+    // Longer than what hints are for.
+    QTest::newRow("100 bytes") << QStringLiteral("1,") + QString(98, QLatin1Char('5'))
+                               << "a decimal comma";
+    QTest::newRow("101 bytes") << QStringLiteral("1,") + QString(99, QLatin1Char('5')) << "";
 }
 
 void NearWordsTest::hasAHintAtTheMeaning()
@@ -182,6 +220,16 @@ void NearWordsTest::quotesOnOneLine_data()
     QTest::newRow("tab") << QByteArray("a\tb") << "\"a\\tb\"";
     QTest::newRow("escape") << QByteArray("a\x1b[31m") << "\"a\\u001b[31m\"";
     QTest::newRow("UTF-8") << QByteArray("\xc3\x84") << QStringLiteral("\"\u00c4\"");
+    QTest::newRow("60 characters")
+        << QByteArray(60, 'x')
+        << QLatin1Char('"') + QString(60, QLatin1Char('x')) + QLatin1Char('"');
+    QTest::newRow("character beyond 16 bits")
+        << QByteArray("\xf0\x9f\x92\xa7") << QStringLiteral("\"\U0001f4a7\"");
+    QTest::newRow("not UTF-8") << QByteArray("a\xff") << QStringLiteral("\"a\ufffd\"");
+    QTest::newRow("no character") << QByteArray("a\xef\xbf\xbf") << "\"a\\uffff\"";
+    QTest::newRow("more than is looked at, stripped")
+        << QByteArray(390, ' ') + QByteArray(20, 'x')
+        << QLatin1Char('"') + QString(10, QLatin1Char('x')) + QLatin1Char('"');
     QTest::newRow("long") << QByteArray(100, 'x')
                           << QLatin1Char('"') + QString(60, QLatin1Char('x')) +
                                  QLatin1String("...\"");
@@ -193,6 +241,35 @@ void NearWordsTest::quotesOnOneLine()
     QFETCH(QString, text);
     QCOMPARE(quoted(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size()))),
              text);
+}
+
+void NearWordsTest::nearestWordOfAList()
+{
+    const std::vector<QLatin1String> words = {QLatin1String("Series"), QLatin1String("Table")};
+    QCOMPARE(nearestWord(QStringLiteral("tabel"), words), QLatin1String());
+    QCOMPARE(nearestWord(QStringLiteral("T able"), words), QLatin1String("Table"));
+    QCOMPARE(nearestWord(QStringLiteral("SERIE"), words), QLatin1String("Series"));
+    QCOMPARE(nearestWord(QString(), words), QLatin1String());
+    QVERIFY(isNearly(QStringLiteral("sEries "), words.front()));
+    QVERIFY(!isNearly(QStringLiteral("Serial"), words.front()));
+}
+
+void NearWordsTest::knowsNumbers_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<bool>("isNumber");
+    for (const char* line : {"1", "-1.5", "+2", ".5", "5.", "1e5", " 3 ", "nan", "inf", "-inf", "0",
+                             "1e999", "-1e999", "1e-999", "-1e-400"})
+        QTest::newRow(line) << line << true;
+    for (const char* line : {"", " ", "x", "1x", "1,5", "1e-999x", "0x10", "--1", "1 2"})
+        QTest::newRow(line) << line << false;
+}
+
+void NearWordsTest::knowsNumbers()
+{
+    QFETCH(QString, line);
+    QFETCH(bool, isNumber);
+    QCOMPARE(isNumberLine(bytesOfText(line)), isNumber);
 }
 
 QTEST_APPLESS_MAIN(NearWordsTest)

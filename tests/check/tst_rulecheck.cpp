@@ -36,6 +36,8 @@ class RuleCheckTest : public QObject
 private Q_SLOTS:
     void findsInRules_data();
     void findsInRules();
+    void objectWithADot_data();
+    void objectWithADot();
     void plansEachSlot();
     void nearestNameIsFoundAmongManySlots();
 
@@ -96,6 +98,22 @@ void RuleCheckTest::findsInRules_data()
     row("scalar alone", "Mill.Area: Max\n*.*: Sum\n",
         {QStringLiteral("control 1: rule-on-other-slot: \"Mill.Area: Max\" fits only table or "
                         "scalar slots, which are left out")});
+    row("scalar by a rule after one for all", "*.*: Sum\nMill.Area: Max\n",
+        {QStringLiteral("control 2: rule-shadowed: \"Mill.Area: Max\" never comes to bear, because "
+                        "\"*.*: Sum\" of line 1 holds before it")});
+    row("no slot's rule twice", "*.*: Sum\nSea.Level: End\nSea.Level: Max\n",
+        {QStringLiteral("control 2: rule-unmatched: \"Sea.Level: End\" fits no slot"),
+         QStringLiteral("control 3: rule-unmatched: \"Sea.Level: Max\" fits no slot")});
+    row("wildcard slot that fits nothing", "*.*: Sum\nMil.*: End\n",
+        {QStringLiteral("control 2: rule-unmatched: \"Mil.*: End\" fits no slot; the nearest is "
+                        "\"Mill.*\"")});
+    row("near by four letters", "*.*: Sum\nUpper Lake.Outfl: End\nUpper Lake.Out: End\n",
+        {QStringLiteral("control 2: rule-unmatched: \"Upper Lake.Outfl: End\" fits no slot; the "
+                        "nearest is \"Upper Lake.Outflow\""),
+         QStringLiteral("control 3: rule-unmatched: \"Upper Lake.Out: End\" fits no slot; the "
+                        "nearest is \"Upper Lake.Outflow\"")});
+    row("near by five letters", "*.*: Sum\nUpper Lake.Ou: End\n",
+        {QStringLiteral("control 2: rule-unmatched: \"Upper Lake.Ou: End\" fits no slot")});
     row("Salinity", "Mill.*: salinity\n*.*: Sum\n",
         {QStringLiteral("3: salinity: Mill.Flow.Daily has the method Salinity, which is not "
                         "supported, and is left out")});
@@ -124,6 +142,32 @@ void RuleCheckTest::findsInRules()
         check.addSlot(kSlots.at(s), s + 1);
     check.finish();
     QCOMPARE(findingTexts(found), findings);
+}
+
+void RuleCheckTest::objectWithADot_data()
+{
+    QTest::addColumn<QByteArray>("rules");
+    QTest::addColumn<QString>("ending");
+    QTest::newRow("by type") << QByteArray("Gauge.*: Sum\n") << "as a rule does";
+    QTest::newRow("by *") << QByteArray("*.Flow: Sum\n") << "as a rule does";
+    QTest::newRow("no rule") << QByteArray("") << "and no rule does";
+}
+
+void RuleCheckTest::objectWithADot()
+{
+    QFETCH(QByteArray, rules);
+    QFETCH(QString, ending);
+    Findings found;
+    RuleCheck check(found);
+    check.read(write(rules));
+    check.addSlot(slotOf("Gauge", "St. Mill", "Flow"), 7);
+    check.addSlot(slotOf("Gauge", "St. Mill", "Area", "ScalarSlot"), 8);
+    check.finish();
+    QCOMPARE(
+        findingTexts(found),
+        QStringList{QStringLiteral("7: dotted-object: the object of St. Mill.Flow has a dot in "
+                                   "its name: only its type or * can reach it, ") +
+                    ending});
 }
 
 void RuleCheckTest::plansEachSlot()

@@ -81,6 +81,9 @@ private Q_SLOTS:
     void findsInTimesteps();
     void stepsBetween_data();
     void stepsBetween();
+    void stepsOfYear_data();
+    void stepsOfYear();
+    void plansCompleteYears();
 };
 
 void TimeCheckTest::findsInTimesteps_data()
@@ -151,6 +154,59 @@ void TimeCheckTest::findsInTimesteps_data()
              "fails: \"Cannot create a complete year from the input HTS file\""),
          QStringLiteral("10: step-irregular: the timestep 2000-1-2 12:00 does not follow "
                         "2000-1-1 24:00 by 1 day")});
+    const QString noYear = QStringLiteral("; a conversion fails: \"Cannot create a complete year "
+                                          "from the input HTS file\"");
+    row("no start", {"month", 1, twoYears, ""}, 12,
+        {QStringLiteral("3: bad-date: start: \"\" is no date-time"),
+         QStringLiteral("3: no-complete-year: the run has no valid \"start:\"") + noYear});
+    QTest::newRow("no timesteps")
+        << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:2000-1-31 24:00\n"
+                      "time_step_unit:month\ntime_steps:0\nEND_RUN_PREAMBLE\nEND_RUN\n")
+        << 12
+        << QStringList{QStringLiteral("6: no-complete-year: the run has no timesteps") + noYear};
+    row("no unit", {"", 1, days}, 12,
+        {QStringLiteral("5: unknown-unit: no \"time_step_unit:\"; the timesteps count as days")});
+    row("no word for a unit", {"fortnight", 1, days}, 12,
+        {QStringLiteral("5: unknown-unit: time_step_unit: \"fortnight\" is not known and counts as "
+                        "\"day\"")});
+    row("timestep twice", {"month", 1, twoYears.mid(0, 6) + twoYears.mid(5)}, 12,
+        {QStringLiteral("15: step-repeated: the timestep 2000-6-30 24:00 is there twice")});
+    row("timesteps changed over",
+        {"month", 1,
+         twoYears.mid(0, 5) + QStringList{twoYears.at(6), twoYears.at(5)} + twoYears.mid(7)},
+        12,
+        {QStringLiteral("15: step-backwards: the timestep 2000-6-30 24:00 is earlier than the one "
+                        "before it, 2000-7-31 24:00")});
+    row("month missing before the first complete year",
+        {"month", 1, without(months("2000-3-31 24:00", 30), 2)}, 12,
+        {QStringLiteral("11: step-missing: 1 timestep is missing between 2000-4-30 24:00 and "
+                        "2000-6-30 24:00")});
+    row("month missing in a water year", {"month", 1, without(months("1999-10-31 24:00", 24), 3)},
+        9,
+        {QStringLiteral("12: step-missing: 1 timestep is missing between 1999-12-31 24:00 and "
+                        "2000-2-29 24:00; the year counts as complete all the same"),
+         QStringLiteral("19: short-year: the year that ends 2000-9-30 24:00 counts as complete "
+                        "with 11 of 12 timesteps")});
+    row("week missing", {"week", 1, without(every(kWeek, "2000-1-7 24:00", "2001-12-30 24:00"), 9)},
+        12,
+        {QStringLiteral("18: step-missing: 1 timestep is missing between 2000-3-3 24:00 and "
+                        "2000-3-17 24:00; the year counts as complete all the same"),
+         QStringLiteral("59: short-year: the year that ends 2000-12-29 24:00 counts as complete "
+                        "with 51 of 52 timesteps")});
+    row("start in an earlier water year",
+        {"month", 1, months("2000-7-31 24:00", 15), "1998-7-31 24:00"}, 9,
+        {QStringLiteral("3: early-start: start: lies in an earlier year than the first timestep, "
+                        "2000-7-31 24:00, so that the first year counts as complete with 3 of 12 "
+                        "timesteps")});
+    row("start in an earlier water year, which is left out",
+        {"month", 1, months("2000-7-31 24:00", 15), "1999-7-31 24:00"}, 9,
+        {QStringLiteral("3: start-differs: start: 1999-7-31 24:00 is not the first timestep, "
+                        "2000-7-31 24:00")});
+    row("irregular, of a quantity of 0", {"day", 0, texts({"2000-1-1 24:00", "2000-1-2 12:00"})},
+        12,
+        {QStringLiteral("10: no-complete-year: the timesteps hold no complete year") + noYear,
+         QStringLiteral("10: step-irregular: the timestep 2000-1-2 12:00 does not follow "
+                        "2000-1-1 24:00 by 1 day")});
     row("no such day", {"month", 1, texts({"2000-1-31 24:00", "2000-2-30 24:00"})}, 12,
         {QStringLiteral("10: no-complete-year: \"2000-2-30 24:00\" is not a date-time; a "
                         "conversion fails: \"Cannot create a complete year from the input HTS "
@@ -211,6 +267,60 @@ void TimeCheckTest::stepsBetween()
     QFETCH(qint64, steps);
     QCOMPARE(StepUnit(unit, quantity).stepsBetween(textToDateTime(from), textToDateTime(to)),
              steps);
+}
+
+void TimeCheckTest::stepsOfYear_data()
+{
+    QTest::addColumn<QString>("unit");
+    QTest::addColumn<int>("quantity");
+    QTest::addColumn<QString>("step");
+    QTest::addColumn<qint64>("steps");
+    const auto row = [](const char* unit, int quantity, const char* step, qint64 steps) {
+        QTest::addRow("%d %s, %s", quantity, unit, step)
+            << QString::fromLatin1(unit) << quantity << QString::fromLatin1(step) << steps;
+    };
+    row("month", 1, "2000-12-31 24:00", 12);
+    row("month", 0, "2000-12-31 24:00", 12);
+    row("month", 3, "2000-12-31 24:00", 4);
+    row("month", 5, "2000-12-31 24:00", 2);
+    row("month", 12, "2000-12-31 24:00", 1);
+    row("month", 24, "2000-12-31 24:00", 1);
+    row("year", 1, "2000-12-31 24:00", 0);
+    row("fortnight", 1, "2000-12-31 24:00", 0);
+    row("day", 1, "2000-12-31 24:00", 366);
+    row("day", 1, "2000-1-1 0:01", 366);
+    row("day", 2, "2000-12-31 24:00", 183);
+    row("day", -1, "2000-12-31 24:00", 366);
+    // In a leap year there may be 52 or 53 weeks.
+    row("week", 1, "2000-1-1 24:00", 53);
+    row("week", 1, "2000-1-2 24:00", 53);
+    row("week", 1, "2000-1-3 24:00", 52);
+    row("hour", 6, "2000-1-1 6:00", 1464);
+    row("minute", 30, "2000-1-1 0:30", 17568);
+}
+
+void TimeCheckTest::stepsOfYear()
+{
+    QFETCH(QString, unit);
+    QFETCH(int, quantity);
+    QFETCH(QString, step);
+    QFETCH(qint64, steps);
+    QCOMPARE(StepUnit(unit, quantity)
+                 .stepsOfYear(textToDateTime(QStringLiteral("1999-12-31 24:00")),
+                              textToDateTime(QStringLiteral("2000-12-31 24:00")),
+                              textToDateTime(step)),
+             steps);
+}
+
+void TimeCheckTest::plansCompleteYears()
+{
+    const YearPlan plan =
+        checkedText(fileOf({"month", 1, months("2000-3-31 24:00", 42)}), {}, 12).years;
+    QCOMPARE(plan.count, 2);
+    QCOMPARE(plan.first, QStringLiteral("2001-12-31 24:00"));
+    QCOMPARE(plan.last, QStringLiteral("2002-12-31 24:00"));
+    QCOMPARE(plan.leftOutAtStart, qint64(10));
+    QCOMPARE(plan.leftOutAtEnd, qint64(8));
 }
 
 QTEST_APPLESS_MAIN(TimeCheckTest)

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void exitCodeIsTheWorst();
     void examplesHaveNothingWorseThanNotes();
     void countsWhatIsNotShown();
+    void showsAPlanWithoutYears();
     void readsTheStandardInput();
     void usesColoursOnATerminalOnly();
     void writesCounts();
@@ -46,6 +47,7 @@ private Q_SLOTS:
     void exportsOneRun();
     void exportReportsText();
     void exportFailsForABrokenFile();
+    void failedReadIsReported();
     void fullDiskIsReported();
     void closedStandardStreamsDoNotBecomeFiles();
     void namesAreUtf8UnderTheCLocale();
@@ -97,6 +99,8 @@ void HtstoolTest::wrongUsageIsRefused_data()
     row("check a.hts --control=", "the path of the control file is empty");
     row("check a.hts --counts=", "the path for the counts is empty");
     row("check a.hts --format=xml", "the format \"xml\" is not text or json");
+    row("export --all a.hts", "Unknown option 'all'.");
+    row("export a.hts -o b.csv --run", "Missing value after '--run'.");
     row("export a.hts", "export needs a file to write, with -o");
     row("export -o b.csv", "export needs one file");
     row("export -o b.csv a.hts b.hts", "export needs one file");
@@ -190,6 +194,24 @@ void HtstoolTest::countsWhatIsNotShown()
     QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 23 warnings, 0 notes\n"));
 }
 
+void HtstoolTest::showsAPlanWithoutYears()
+{
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"), codeFile("slot-without-rule"));
+    run.write(QStringLiteral("c.txt"), "\nLake.Outflow: sum\nLake.Inflow: Salinity\n");
+    run.start(words("check a.hts -c c.txt -y 6"));
+    QCOMPARE(run.output,
+             QByteArray("a.hts:24: error: the timesteps hold no complete year; a conversion fails: "
+                        "\"Cannot create a complete year from the input HTS file\" "
+                        "[no-complete-year]\n"
+                        "a.hts:46: note: Lake.Inflow has the method Salinity, which is not "
+                        "supported, and is left out [salinity]\n"
+                        "a.hts: plan: no years\n"
+                        "a.hts: plan: Lake.Outflow: Sum, rule of line 2\n"
+                        "a.hts: plan: Lake.Inflow: left out, Salinity, rule of line 3\n"));
+    QCOMPARE(run.exitCode, 2);
+}
+
 void HtstoolTest::readsTheStandardInput()
 {
     ToolRun run;
@@ -207,6 +229,11 @@ void HtstoolTest::usesColoursOnATerminalOnly()
     run.write(QStringLiteral("a.hts"), codeFile("text-value"));
     run.startShell(QStringLiteral("TERM=xterm script -qec '$PROGRAM check a.hts' /dev/null"));
     QVERIFY(run.output.contains("a.hts:38: \033[35mwarning\033[0m: "));
+    run.write(QStringLiteral("b.hts"), codeFile("missing-values"));
+    run.write(QStringLiteral("c.hts"), codeFile("slot-preamble"));
+    run.startShell(QStringLiteral("TERM=xterm script -qec '$PROGRAM check b.hts c.hts' /dev/null"));
+    QVERIFY(run.output.contains("b.hts:32: \033[36mnote\033[0m: "));
+    QVERIFY(run.output.contains("c.hts:66: \033[31merror\033[0m: "));
     run.startShell(
         QStringLiteral("NO_COLOR=1 TERM=xterm script -qec '$PROGRAM check a.hts' /dev/null"));
     QVERIFY(run.output.contains("a.hts:38: warning: "));
@@ -332,6 +359,10 @@ void HtstoolTest::exportsOneRun()
     QCOMPARE(run.output, QByteArray("run,trace,object,slot,units,time,value\r\n"
                                     "2,,\"Lake, upper\",Flow,cms,2001-02-01T00:00:00,-1e-300\r\n"));
     QCOMPARE(run.exitCode, 0);
+    // A comment in the file is not counted as text among values.
+    run.start(words("export --run 2 - -o -"), "# by hand\n" + kMixedFile);
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 0);
     run.start(words("export --run 3 - -o -"), kMixedFile);
     QCOMPARE(run.errors,
              QByteArray("htstool: -: The file has 2 runs; the export is not complete\n"));
@@ -355,6 +386,11 @@ void HtstoolTest::exportFailsForABrokenFile()
     QCOMPARE(run.errors,
              QByteArray("htstool: -: Cannot read run preamble; the export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
+    run.start(words("export - -o -"), codeFile("slot-preamble"));
+    QVERIFY(run.output.endsWith("1,,Lake,Inflow,cms,2001-01-01T00:00:00,12\r\n"));
+    QCOMPARE(run.errors,
+             QByteArray("htstool: -: Cannot read slot preamble; the export is not complete\n"));
+    QCOMPARE(run.exitCode, 2);
     run.start(words("export - -o -"), codeFile("table-without-end"));
     QCOMPARE(run.errors, QByteArray("htstool: -: A table slot has no \"END_SLOT\" after it; the "
                                     "export is not complete\n"));
@@ -363,6 +399,30 @@ void HtstoolTest::exportFailsForABrokenFile()
     QCOMPARE(run.errors, QByteArray("htstool: none.hts: No such file or directory\n"));
     QCOMPARE(run.exitCode, 3);
     QCOMPARE(run.read(QStringLiteral("none.csv")), QByteArray("(no file)"));
+    run.start(words("export - -o none/a.csv"), kMixedFile);
+    QCOMPARE(run.errors, QByteArray("htstool: none/a.csv: No such file or directory\n"));
+    QCOMPARE(run.exitCode, 3);
+}
+
+// The memory at address 0, which no process has, cannot be read.
+void HtstoolTest::failedReadIsReported()
+{
+    const QByteArray failure = "htstool: /proc/self/mem: Input/output error\n";
+    ToolRun run;
+    run.start(words("check /proc/self/mem"));
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, failure);
+    QCOMPARE(run.exitCode, 3);
+    run.start(words("export /proc/self/mem -o -"));
+    QCOMPARE(run.errors, failure);
+    QCOMPARE(run.exitCode, 3);
+    run.write(QStringLiteral("a.hts"), codeFile("slot-without-rule"));
+    run.start(words("check a.hts -c /proc/self/mem"));
+    QCOMPARE(run.output.split('\n').first(),
+             QByteArray("/proc/self/mem:1: error: the control file cannot be read: Input/output "
+                        "error; a conversion fails: \"No series slots with valid methods found in "
+                        "input HTS file\" [control-unreadable]"));
+    QCOMPARE(run.exitCode, 2);
 }
 
 void HtstoolTest::fullDiskIsReported()

@@ -75,6 +75,13 @@ void addTypes(const QJsonValue& value, const QString& path, Types& types)
         addTypes(element, path + QStringLiteral("[]"), types);
 }
 
+// The plan of the first file.
+QJsonDocument planOf(const QJsonObject& document)
+{
+    const QJsonObject file = document.value(QLatin1String("files")).toArray().first().toObject();
+    return QJsonDocument(file.value(QLatin1String("plan")).toObject());
+}
+
 Types documentedTypes()
 {
     Types types;
@@ -99,6 +106,7 @@ private Q_SLOTS:
     void tableOfCodesIsTrue();
     void keysOfTheJsonDocumentAreTrue();
     void jsonDocumentIsComplete();
+    void jsonPlanIsWhole();
 };
 
 void ToolDocTest::hasTheHelpTexts()
@@ -198,6 +206,36 @@ void ToolDocTest::jsonDocumentIsComplete()
 "severity":"warning","text":"\"7,5\" is not a number and counts as 0; it may be a decimal comma"}],
 "notes":0,"plan":null,"problem":null,"runs":1,"slots":2,"warnings":1}],"format":1})";
     QCOMPARE(QJsonDocument::fromJson(run.output), QJsonDocument::fromJson(expected));
+}
+
+void ToolDocTest::jsonPlanIsWhole()
+{
+    ToolRun run;
+    for (const char* name : {"pond.hts", "pond_methods.txt"})
+        run.write(QString::fromLatin1(name),
+                  sourceFile(QStringLiteral("tests/tool/files/") + QLatin1String(name)));
+    run.start(words("check -f json pond.hts -c pond_methods.txt -y 6"));
+    const QByteArray expected = R"({
+"slots":[
+{"slot":"Mill Pond.Outflow","series":true,"converted":true,"method":"Average","ruleLine":1},
+{"slot":"Mill Pond.Storage","series":true,"converted":false,"method":null,"ruleLine":null},
+{"slot":"Mill Pond.Inflow","series":true,"converted":true,"method":"AverageNaN","ruleLine":3}],
+"years":{"count":2,"first":"2022-6-30 24:00","last":"2023-6-30 24:00","leftOutAtStart":6,
+"leftOutAtEnd":6}})";
+    const QJsonObject document = QJsonDocument::fromJson(run.output).object();
+    QCOMPARE(document.value(QLatin1String("control")).toString(),
+             QStringLiteral("pond_methods.txt"));
+    QCOMPARE(document.value(QLatin1String("endMonth")).toInt(), 6);
+    QCOMPARE(planOf(document), QJsonDocument::fromJson(expected));
+
+    run.write(QStringLiteral("a.hts"),
+              sourceFile(QStringLiteral("tests/check/files/no-complete-year.hts")));
+    run.start(words("check -f json a.hts -c pond_methods.txt"));
+    QCOMPARE(
+        planOf(QJsonDocument::fromJson(run.output).object()).object().value(QLatin1String("years")),
+        QJsonValue(QJsonDocument::fromJson(R"({"count":0,"first":null,"last":null,
+"leftOutAtStart":0,"leftOutAtEnd":0})")
+                       .object()));
 }
 
 QTEST_GUILESS_MAIN(ToolDocTest)

@@ -1,0 +1,183 @@
+// What is found about the second and later runs of a file.
+
+#include <QtTest>
+
+#include "check/findings.h"
+#include "tests/check/checkedtext.h"
+
+namespace {
+
+const QString kSizesDiffer =
+    QStringLiteral("; a conversion fails: \"Sizes of input value and value map vectors are "
+                   "mismatched\"");
+const QString kNoYear =
+    QStringLiteral("; a conversion fails: \"Cannot create a complete year from the input HTS "
+                   "file\"");
+
+// 18 lines.
+const QByteArray kRun = "start:2000-1-31 24:00\nend:2000-12-31 24:00\ntime_step_unit:month\n"
+                        "unit_quantity:1\ntime_steps:12\nEND_RUN_PREAMBLE\n"
+                        "2000-1-31 24:00\n2000-2-29 24:00\n2000-3-31 24:00\n2000-4-30 24:00\n"
+                        "2000-5-31 24:00\n2000-6-30 24:00\n2000-7-31 24:00\n2000-8-31 24:00\n"
+                        "2000-9-30 24:00\n2000-10-31 24:00\n2000-11-30 24:00\n2000-12-31 24:00\n";
+
+// 20 lines.
+QByteArray series(const QByteArray& name)
+{
+    return "object_type: Reservoir\nobject_name: Lake\nslot_name: " + name +
+           "\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n"
+           "END_COLUMN\nEND_SLOT\n";
+}
+
+// 10 lines.
+QByteArray scalar(const QByteArray& name)
+{
+    return "object_type: Reservoir\nobject_name: Lake\nslot_type: ScalarSlot\nslot_name: " + name +
+           "\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n1\nEND_COLUMN\nEND_SLOT\n";
+}
+
+// Each element is a run with its slots. The second run of a first one with one series begins on
+// line 42, its slots on line 60.
+QByteArray fileOf(const QByteArrayList& runs)
+{
+    QByteArray text =
+        "number_of_runs:" + QByteArray::number(runs.size()) + "\nEND_PACKAGE_PREAMBLE\n";
+    for (const QByteArray& run : runs)
+        text += run + "END_RUN\n";
+    return text;
+}
+
+// A second run like the first, but for one text.
+QByteArray withSecond(const char* before, const char* after)
+{
+    const QByteArray run = kRun + series("Flow");
+    if (!run.contains(before))
+        qFatal("\"%s\" is not there", before);
+    return fileOf({run, QByteArray(run).replace(before, after)});
+}
+
+} // namespace
+
+class RunCheckTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void findsInLaterRuns_data();
+    void findsInLaterRuns();
+    void firstFailureCounts();
+};
+
+void RunCheckTest::findsInLaterRuns_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QStringList>("findings");
+    const auto row = [](const char* name, const QByteArray& text, const QStringList& findings) {
+        QTest::newRow(name) << text << findings;
+    };
+    const QByteArray flow = series("Flow");
+    const QByteArray run = kRun + flow;
+
+    row("same runs", fileOf({run, run, run}), {});
+    row("another end", withSecond("end:2000-12-31", "end:2001-1-31"),
+        {QStringLiteral("43: run-timing: run 2 has another \"end:\" than the first") +
+         kSizesDiffer});
+    row("fewer timesteps",
+        fileOf({run, QByteArray(run)
+                         .replace("time_steps:12", "time_steps:11")
+                         .replace("2000-11-30 24:00\n", "")
+                         .replace("\n12\n", "\n")}),
+        {QStringLiteral("47: run-timing: run 2 has another number of timesteps than the first") +
+         kSizesDiffer});
+    row("no start", withSecond("start:2000-1-31 24:00\n", ""),
+        {QStringLiteral("46: run-timing: run 2 has another \"start:\" than the first") + kNoYear});
+    row("no start and another end",
+        withSecond("start:2000-1-31 24:00\nend:2000-12-31", "end:2001-1-31"),
+        {QStringLiteral("42: run-timing: run 2 has another \"start:\" than the first") + kNoYear});
+    row("no end", withSecond("end:2000-12-31 24:00\n", ""),
+        {QStringLiteral("46: run-timing: run 2 has another \"end:\" than the first") +
+         kSizesDiffer});
+    row("nothing to convert",
+        fileOf({kRun + scalar("Area"),
+                QByteArray(kRun).replace("start:2000", "start:2001") + scalar("Area")}),
+        {QStringLiteral("60: nothing-to-convert: the first run has no series slot; a conversion "
+                        "fails: \"No series slots with valid methods found in input HTS file\"")});
+    row("another unit", withSecond("month", "day"),
+        {QStringLiteral("44: run-steps: run 2 has steps of 1 \"day\" where the first run has steps "
+                        "of 1 \"month\"; the years of the first run are used")});
+    row("no unit", withSecond("time_step_unit:month\n", ""),
+        {QStringLiteral("46: run-steps: run 2 has steps of 1 \"\" where the first run has steps "
+                        "of 1 \"month\"; the years of the first run are used")});
+    row("another quantity", withSecond("unit_quantity:1", "unit_quantity:3"),
+        {QStringLiteral("44: run-steps: run 2 has steps of 3 \"month\" where the first run has "
+                        "steps of 1 \"month\"; the years of the first run are used")});
+    row("another object type", withSecond("Reservoir", "Pond"),
+        {QStringLiteral("60: run-slots: run 2 has Lake.Flow with the object type \"Pond\" instead "
+                        "of \"Reservoir\"")});
+    row("another object", withSecond("object_name: Lake", "object_name: Pond"),
+        {QStringLiteral("60: run-slots: run 2 has Pond.Flow in the place of the first run's "
+                        "Lake.Flow, on which its values land")});
+    row("slots changed over, with other units",
+        fileOf({run + series("Level"), kRun + series("Level").replace("cms", "m") +
+                                           QByteArray(flow).replace("cms", "cfs")}),
+        {QStringLiteral("80: run-slots: run 2 has Lake.Level in the place of the first run's "
+                        "Lake.Flow, on which its values land")});
+    row("slots changed over in two runs",
+        fileOf(
+            {run + series("Level"), kRun + series("Level") + flow, kRun + series("Level") + flow}),
+        {QStringLiteral("80: run-slots: run 2 has Lake.Level in the place of the first run's "
+                        "Lake.Flow, on which its values land"),
+         QStringLiteral("139: run-slots: run 3 has Lake.Level in the place of the first run's "
+                        "Lake.Flow, on which its values land")});
+    row("other units", withSecond("cms", "cfs"),
+        {QStringLiteral("60: run-units: run 2 has Lake.Flow in \"cfs\", scale 1, and the first run "
+                        "in \"cms\", scale 1")});
+    row("smaller scale", withSecond("scale: 1\n", "scale: 0.5\n"),
+        {QStringLiteral("60: run-units: run 2 has Lake.Flow in \"cms\", scale 0.5, and the first "
+                        "run in \"cms\", scale 1")});
+    row("larger scale", withSecond("scale: 1\n", "scale: 1000\n"),
+        {QStringLiteral("60: run-units: run 2 has Lake.Flow in \"cms\", scale 1000, and the first "
+                        "run in \"cms\", scale 1")});
+    row("two slots more", fileOf({run, run + series("Level") + series("Area")}),
+        {QStringLiteral("80: run-slot-count: run 2 has more slots than the 1 of the first run; "
+                        "they are left out")});
+    row("slots more in two runs", fileOf({run, run + series("Level"), run + series("Level")}),
+        {QStringLiteral("80: run-slot-count: run 2 has more slots than the 1 of the first run; "
+                        "they are left out"),
+         QStringLiteral("139: run-slot-count: run 3 has more slots than the 1 of the first run; "
+                        "they are left out")});
+    row("two slots fewer", fileOf({run + series("Level") + series("Area"), run}),
+        {QStringLiteral("120: run-values: run 2 ends without the slot Lake.Level") + kSizesDiffer});
+    row("fewer slots, not converted", fileOf({run + scalar("Area"), run}), {});
+    row("scalar for a series", fileOf({run, kRun + scalar("Flow")}),
+        {QStringLiteral("60: run-values: run 2 has a slot of another kind in the place of "
+                        "Lake.Flow") +
+         kSizesDiffer});
+    row("series for a scalar", fileOf({run + scalar("Area"), run + series("Area")}), {});
+    row("another start, and a slot fewer",
+        fileOf({run + series("Level"), QByteArray(run).replace("start:2000", "start:1999")}),
+        {QStringLiteral("62: run-timing: run 2 has another \"start:\" than the first") +
+         kSizesDiffer});
+}
+
+void RunCheckTest::findsInLaterRuns()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QStringList, findings);
+    QCOMPARE(findingTexts(checkedText(text).findings), findings);
+}
+
+void RunCheckTest::firstFailureCounts()
+{
+    const QByteArray run = kRun + series("Flow");
+    const QByteArray withoutStart = QByteArray(run).replace("start:2000-1-31 24:00\n", "");
+    const QByteArray withoutSlot = kRun;
+    QCOMPARE(checkedText(fileOf({run, withoutStart, withoutSlot})).conversionMessage,
+             QStringLiteral("Cannot create a complete year from the input HTS file"));
+    QCOMPARE(checkedText(fileOf({run, withoutSlot, withoutStart})).conversionMessage,
+             QStringLiteral("Sizes of input value and value map vectors are mismatched"));
+}
+
+QTEST_APPLESS_MAIN(RunCheckTest)
+
+#include "tst_runcheck.moc"
