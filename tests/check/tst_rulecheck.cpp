@@ -71,8 +71,8 @@ void RuleCheckTest::findsInRules_data()
         {QStringLiteral("2: slot-without-rule: no rule fits Lower Lake.Outflow, which is left out"),
          QStringLiteral("3: slot-without-rule: no rule fits Mill.Flow.Daily, which is left out")});
     row("same rule twice", "*.*: Sum\n\n*.*: End\n",
-        {QStringLiteral("control 3: rule-shadowed: \"*.*: End\" is never used, because "
-                        "\"*.*: Sum\" of line 1 applies first")});
+        {QStringLiteral("control 3: rule-shadowed: \"*.*: End\" is never used, because \"*.*: "
+                        "Sum\" of line 1 applies first")});
     row("wildcard first", "*.Outflow: Sum\nLower Lake.Outflow: End\nMill.*: Max\n",
         {QStringLiteral("control 2: rule-shadowed: \"Lower Lake.Outflow: End\" is never used, "
                         "because \"*.Outflow: Sum\" of line 1 applies first")});
@@ -80,10 +80,9 @@ void RuleCheckTest::findsInRules_data()
         {QStringLiteral("control 2: rule-shadowed: \"Lower Lake.Outflow: End\" is never used, "
                         "because \"Reservoir.Outflow: Sum\" of line 1 applies first")});
     row("idle type",
-        "Upper Lake.Outflow: Sum\nLower Lake.Outflow: End\nReservoir.*: Max\n"
-        "Mill.*: Max\n",
-        {QStringLiteral("control 3: rule-idle: \"Reservoir.*: Max\" is never used: rules "
-                        "such as \"Lower Lake.Outflow: End\" of line 2 apply to all its slots")});
+        "Upper Lake.Outflow: Sum\nLower Lake.Outflow: End\nReservoir.*: Max\nMill.*: Max\n",
+        {QStringLiteral("control 3: rule-idle: \"Reservoir.*: Max\" is never used: rules such as "
+                        "\"Lower Lake.Outflow: End\" of line 2 apply to all its slots")});
     row("letter case", "*.*: Sum\nupper lake.Outflow: End\n",
         {QStringLiteral("control 2: rule-unmatched: \"upper lake.Outflow: End\" fits no slot; the "
                         "nearest is \"Upper Lake.Outflow\"")});
@@ -99,14 +98,14 @@ void RuleCheckTest::findsInRules_data()
         {QStringLiteral("control 1: rule-on-other-slot: \"Mill.Area: Max\" fits only table or "
                         "scalar slots, which are left out")});
     row("scalar by a rule after one for all", "*.*: Sum\nMill.Area: Max\n",
-        {QStringLiteral("control 2: rule-shadowed: \"Mill.Area: Max\" never comes to bear, because "
-                        "\"*.*: Sum\" of line 1 holds before it")});
+        {QStringLiteral("control 2: rule-shadowed: \"Mill.Area: Max\" is never used, because "
+                        "\"*.*: Sum\" of line 1 applies first")});
     row("no slot's rule twice", "*.*: Sum\nSea.Level: End\nSea.Level: Max\n",
         {QStringLiteral("control 2: rule-unmatched: \"Sea.Level: End\" fits no slot"),
          QStringLiteral("control 3: rule-unmatched: \"Sea.Level: Max\" fits no slot")});
     row("wildcard slot that fits nothing", "*.*: Sum\nMil.*: End\n",
-        {QStringLiteral("control 2: rule-unmatched: \"Mil.*: End\" fits no slot; the nearest is "
-                        "\"Mill.*\"")});
+        {QStringLiteral(
+            "control 2: rule-unmatched: \"Mil.*: End\" fits no slot; the nearest is \"Mill.*\"")});
     row("near by four letters", "*.*: Sum\nUpper Lake.Outfl: End\nUpper Lake.Out: End\n",
         {QStringLiteral("control 2: rule-unmatched: \"Upper Lake.Outfl: End\" fits no slot; the "
                         "nearest is \"Upper Lake.Outflow\""),
@@ -119,16 +118,12 @@ void RuleCheckTest::findsInRules_data()
                         "supported, and is left out")});
     row("bad line", "*.*: Sum\n\n*.Outflow: Median\n",
         {QStringLiteral("control 3: control-line: Method Control File Error: Unknown method "
-                        "specified in line \"*.Outflow: Median\": all rules are lost; a "
-                        "conversion fails: \"No series slots with valid methods found in input "
-                        "HTS file\"")});
+                        "specified in line \"*.Outflow: Median\": all rules are lost; a conversion "
+                        "fails: \"No series slots with valid methods found in input HTS file\"")});
     row("empty", "",
-        {QStringLiteral("1: slot-without-rule: no rule fits Upper Lake.Outflow, which "
-                        "is left out"),
-         QStringLiteral("2: slot-without-rule: no rule fits Lower Lake.Outflow, which "
-                        "is left out"),
-         QStringLiteral("3: slot-without-rule: no rule fits Mill.Flow.Daily, which is "
-                        "left out")});
+        {QStringLiteral("1: slot-without-rule: no rule fits Upper Lake.Outflow, which is left out"),
+         QStringLiteral("2: slot-without-rule: no rule fits Lower Lake.Outflow, which is left out"),
+         QStringLiteral("3: slot-without-rule: no rule fits Mill.Flow.Daily, which is left out")});
 }
 
 void RuleCheckTest::findsInRules()
@@ -163,11 +158,10 @@ void RuleCheckTest::objectWithADot()
     check.addSlot(slotOf("Gauge", "St. Mill", "Flow"), 7);
     check.addSlot(slotOf("Gauge", "St. Mill", "Area", "ScalarSlot"), 8);
     check.finish();
-    QCOMPARE(
-        findingTexts(found),
-        QStringList{QStringLiteral("7: dotted-object: the object of St. Mill.Flow has a dot in "
-                                   "its name: only its type or * can reach it, ") +
-                    ending});
+    QCOMPARE(findingTexts(found),
+             QStringList{QStringLiteral("7: dotted-object: the object of St. Mill.Flow has a dot "
+                                        "in its name: only its type or * can reach it, ") +
+                         ending});
 }
 
 void RuleCheckTest::plansEachSlot()

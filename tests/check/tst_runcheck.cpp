@@ -116,19 +116,19 @@ void RunCheckTest::findsInLaterRuns_data()
                         "of \"Reservoir\"")});
     row("another object", withSecond("object_name: Lake", "object_name: Pond"),
         {QStringLiteral("60: run-slots: run 2 has Pond.Flow in the place of the first run's "
-                        "Lake.Flow, on which its values land")});
+                        "Lake.Flow, which gets its values")});
     row("slots changed over, with other units",
         fileOf({run + series("Level"), kRun + series("Level").replace("cms", "m") +
                                            QByteArray(flow).replace("cms", "cfs")}),
         {QStringLiteral("80: run-slots: run 2 has Lake.Level in the place of the first run's "
-                        "Lake.Flow, on which its values land")});
+                        "Lake.Flow, which gets its values")});
     row("slots changed over in two runs",
         fileOf(
             {run + series("Level"), kRun + series("Level") + flow, kRun + series("Level") + flow}),
         {QStringLiteral("80: run-slots: run 2 has Lake.Level in the place of the first run's "
-                        "Lake.Flow, on which its values land"),
+                        "Lake.Flow, which gets its values"),
          QStringLiteral("139: run-slots: run 3 has Lake.Level in the place of the first run's "
-                        "Lake.Flow, on which its values land")});
+                        "Lake.Flow, which gets its values")});
     row("other units", withSecond("cms", "cfs"),
         {QStringLiteral("60: run-units: run 2 has Lake.Flow in \"cfs\", scale 1, and the first run "
                         "in \"cms\", scale 1")});

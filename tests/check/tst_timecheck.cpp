@@ -43,14 +43,14 @@ QByteArray fileOf(const Timing& timing)
     const QString start =
         timing.start == nullptr ? timing.steps.first() : QString::fromLatin1(timing.start);
     const QString text =
-        QStringLiteral("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:%1\nend:%2\n"
-                       "time_step_unit:%3\nunit_quantity:%4\ntime_steps:%5\nEND_RUN_PREAMBLE\n")
+        QStringLiteral("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:%1\nend:%2\ntime_step_unit:%"
+                       "3\nunit_quantity:%4\ntime_steps:%5\nEND_RUN_PREAMBLE\n")
             .arg(start, timing.steps.last(), QLatin1String(timing.unit))
             .arg(timing.quantity)
             .arg(timing.steps.size()) +
         timing.steps.join(QLatin1Char('\n')) +
-        QStringLiteral("\nobject_type: R\nobject_name: L\nslot_name: F\nEND_SLOT_PREAMBLE\n"
-                       "units: cms\nscale: 1\n");
+        QStringLiteral("\nobject_type: R\nobject_name: L\nslot_name: F\nEND_SLOT_PREAMBLE\nunits: "
+                       "cms\nscale: 1\n");
     return text.toUtf8() + QByteArray("1\n").repeated(timing.steps.size()) +
            "END_COLUMN\nEND_SLOT\nEND_RUN\n";
 }
@@ -108,8 +108,8 @@ void TimeCheckTest::findsInTimesteps_data()
          texts({"2000-3-31 24:00", "2000-6-30 24:00", "2000-9-30 24:00", "2000-12-31 24:00"})},
         12,
         {QStringLiteral(
-            "12: no-complete-year: the timesteps contain no complete year; a conversion "
-            "fails: \"Cannot create a complete year from the input HTS file\"")});
+            "12: no-complete-year: the timesteps contain no complete year; a conversion fails: "
+            "\"Cannot create a complete year from the input HTS file\"")});
     row("days", {"day", 1, days}, 12, {});
     row("weeks", {"week", 1, every(kWeek, "2000-1-7 24:00", "2001-12-30 24:00")}, 12, {});
     row("six hours", {"hour", 6, every(6 * kHour, "2000-1-1 6:00", "2000-12-31 24:00")}, 12, {});
@@ -136,9 +136,9 @@ void TimeCheckTest::findsInTimesteps_data()
                         "with 8761 of 8784 timesteps")});
     row("start in an earlier year", {"month", 1, months("2000-7-31 24:00", 18), "1999-7-31 24:00"},
         12,
-        {QStringLiteral("3: early-start: start: lies in an earlier year than the first timestep, "
-                        "2000-7-31 24:00, so that the first year counts as complete with 6 of 12 "
-                        "timesteps")});
+        {QStringLiteral(
+            "3: early-start: start: lies in an earlier year than the first timestep, 2000-7-31 "
+            "24:00, so that the first year counts as complete with 6 of 12 timesteps")});
     row("start of another day in the same year", {"month", 1, twoYears, "2000-1-1 0:00"}, 12,
         {QStringLiteral("3: start-differs: start: 1999-12-31 24:00 is not the first timestep, "
                         "2000-1-31 24:00")});
@@ -146,31 +146,31 @@ void TimeCheckTest::findsInTimesteps_data()
         {QStringLiteral("5: unknown-unit: time_step_unit: \"Month\" is not known and counts as "
                         "\"day\"; is \"month\" meant?")});
     row("unit in the plural", {"days", 1, days}, 12,
-        {QStringLiteral("5: unknown-unit: time_step_unit: \"days\" is not known and counts as "
-                        "\"day\"")});
+        {QStringLiteral(
+            "5: unknown-unit: time_step_unit: \"days\" is not known and counts as \"day\"")});
     row("irregular", {"day", 1, texts({"2000-1-1 24:00", "2000-1-2 12:00"})}, 12,
         {QStringLiteral(
-             "10: no-complete-year: the timesteps contain no complete year; a conversion "
-             "fails: \"Cannot create a complete year from the input HTS file\""),
-         QStringLiteral("10: step-irregular: the timestep 2000-1-2 12:00 does not follow "
-                        "2000-1-1 24:00 by 1 day")});
-    const QString noYear = QStringLiteral("; a conversion fails: \"Cannot create a complete year "
-                                          "from the input HTS file\"");
+             "10: no-complete-year: the timesteps contain no complete year; a conversion fails: "
+             "\"Cannot create a complete year from the input HTS file\""),
+         QStringLiteral("10: step-irregular: the timestep 2000-1-2 12:00 does not follow 2000-1-1 "
+                        "24:00 by 1 day")});
+    const QString noYear = QStringLiteral(
+        "; a conversion fails: \"Cannot create a complete year from the input HTS file\"");
     row("no start", {"month", 1, twoYears, ""}, 12,
-        {QStringLiteral("3: bad-date: start: \"\" is no date-time"),
+        {QStringLiteral("3: bad-date: start: \"\" is not a date-time"),
          QStringLiteral("3: no-complete-year: the run has no valid \"start:\"") + noYear});
     QTest::newRow("no timesteps")
-        << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:2000-1-31 24:00\n"
-                      "time_step_unit:month\ntime_steps:0\nEND_RUN_PREAMBLE\nEND_RUN\n")
+        << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:2000-1-31 "
+                      "24:00\ntime_step_unit:month\ntime_steps:0\nEND_RUN_PREAMBLE\nEND_RUN\n")
         << 12
         << QStringList{QStringLiteral("6: no-complete-year: the run has no timesteps") + noYear};
     row("no unit", {"", 1, days}, 12,
         {QStringLiteral("5: unknown-unit: no \"time_step_unit:\"; the timesteps count as days")});
     row("no word for a unit", {"fortnight", 1, days}, 12,
-        {QStringLiteral("5: unknown-unit: time_step_unit: \"fortnight\" is not known and counts as "
-                        "\"day\"")});
+        {QStringLiteral(
+            "5: unknown-unit: time_step_unit: \"fortnight\" is not known and counts as \"day\"")});
     row("timestep twice", {"month", 1, twoYears.mid(0, 6) + twoYears.mid(5)}, 12,
-        {QStringLiteral("15: step-repeated: the timestep 2000-6-30 24:00 is there twice")});
+        {QStringLiteral("15: step-repeated: the timestep 2000-6-30 24:00 occurs twice")});
     row("timesteps changed over",
         {"month", 1,
          twoYears.mid(0, 5) + QStringList{twoYears.at(6), twoYears.at(5)} + twoYears.mid(7)},
@@ -184,33 +184,33 @@ void TimeCheckTest::findsInTimesteps_data()
     row("month missing in a water year", {"month", 1, without(months("1999-10-31 24:00", 24), 3)},
         9,
         {QStringLiteral("12: step-missing: 1 timestep is missing between 1999-12-31 24:00 and "
-                        "2000-2-29 24:00; the year counts as complete all the same"),
+                        "2000-2-29 24:00; the year still counts as complete"),
          QStringLiteral("19: short-year: the year that ends 2000-9-30 24:00 counts as complete "
                         "with 11 of 12 timesteps")});
     row("week missing", {"week", 1, without(every(kWeek, "2000-1-7 24:00", "2001-12-30 24:00"), 9)},
         12,
         {QStringLiteral("18: step-missing: 1 timestep is missing between 2000-3-3 24:00 and "
-                        "2000-3-17 24:00; the year counts as complete all the same"),
+                        "2000-3-17 24:00; the year still counts as complete"),
          QStringLiteral("59: short-year: the year that ends 2000-12-29 24:00 counts as complete "
                         "with 51 of 52 timesteps")});
     row("start in an earlier water year",
         {"month", 1, months("2000-7-31 24:00", 15), "1998-7-31 24:00"}, 9,
-        {QStringLiteral("3: early-start: start: lies in an earlier year than the first timestep, "
-                        "2000-7-31 24:00, so that the first year counts as complete with 3 of 12 "
-                        "timesteps")});
+        {QStringLiteral(
+            "3: early-start: start: lies in an earlier year than the first timestep, 2000-7-31 "
+            "24:00, so that the first year counts as complete with 3 of 12 timesteps")});
     row("start in an earlier water year, which is left out",
         {"month", 1, months("2000-7-31 24:00", 15), "1999-7-31 24:00"}, 9,
         {QStringLiteral("3: start-differs: start: 1999-7-31 24:00 is not the first timestep, "
                         "2000-7-31 24:00")});
     row("irregular, of a quantity of 0", {"day", 0, texts({"2000-1-1 24:00", "2000-1-2 12:00"})},
         12,
-        {QStringLiteral("10: no-complete-year: the timesteps hold no complete year") + noYear,
-         QStringLiteral("10: step-irregular: the timestep 2000-1-2 12:00 does not follow "
-                        "2000-1-1 24:00 by 1 day")});
+        {QStringLiteral("10: no-complete-year: the timesteps contain no complete year") + noYear,
+         QStringLiteral("10: step-irregular: the timestep 2000-1-2 12:00 does not follow 2000-1-1 "
+                        "24:00 by 1 day")});
     row("no such day", {"month", 1, texts({"2000-1-31 24:00", "2000-2-30 24:00"})}, 12,
-        {QStringLiteral("10: no-complete-year: \"2000-2-30 24:00\" is not a date-time; a "
-                        "conversion fails: \"Cannot create a complete year from the input HTS "
-                        "file\""),
+        {QStringLiteral(
+             "10: no-complete-year: \"2000-2-30 24:00\" is not a date-time; a conversion fails: "
+             "\"Cannot create a complete year from the input HTS file\""),
          QStringLiteral("4: bad-date: end: \"2000-2-30 24:00\" is not a date-time")});
 }
 

@@ -16,7 +16,7 @@ constexpr double kMaxFloat = double(std::numeric_limits<float>::max());
 
 QString sentinel(int line, const char* number, int count)
 {
-    return QStringLiteral("%1: sentinel: %2 is there %3 times among the values of Lake.Flow and "
+    return QStringLiteral("%1: sentinel: %2 occurs %3 times among the values of Lake.Flow and "
                           "counts as a number; does it mark missing values?")
         .arg(line)
         .arg(QLatin1String(number))
@@ -89,44 +89,44 @@ void ValueCheckTest::findsInLines_data()
                         const QStringList& findings) { QTest::newRow(name) << lines << findings; };
     row("NaN", {"NaN", "nan", "NAN", "nAn"}, {});
     row("nearly NaN", {"NaM"},
-        {QStringLiteral("10: text-value: \"NaM\" is no number and counts as 0")});
+        {QStringLiteral("10: text-value: \"NaM\" is not a number and counts as 0")});
     row("longer than NaN", {"NaNN"},
-        {QStringLiteral("10: text-value: \"NaNN\" is no number and counts as 0")});
+        {QStringLiteral("10: text-value: \"NaNN\" is not a number and counts as 0")});
     row("begins like NaN", {"NbN", "MaN"},
-        {QStringLiteral("10: text-value: \"NbN\" is no number and counts as 0"),
-         QStringLiteral("11: text-value: \"MaN\" is no number and counts as 0")});
+        {QStringLiteral("10: text-value: \"NbN\" is not a number and counts as 0"),
+         QStringLiteral("11: text-value: \"MaN\" is not a number and counts as 0")});
     row("infinite", {"inf", "-1e999"},
         {QStringLiteral("10: infinite-value: \"inf\" is infinite and counts as missing"),
          QStringLiteral("11: infinite-value: \"-1e999\" is infinite and counts as missing")});
     row("too small for a double", {"1e-999", "-1e-400"}, {});
     row("end line", {"1", "END_COLUMN", "END_SLOT"},
-        {QStringLiteral("11: too-few-values: \"END_COLUMN\" stands where value 2 of 3 of Lake.Flow "
-                        "is expected")});
+        {QStringLiteral(
+            "11: too-few-values: \"END_COLUMN\" instead of value 2 of 3 of Lake.Flow")});
     row("key of the next slot", {"object_type: Reach", "x"},
-        {QStringLiteral("10: too-few-values: \"object_type: Reach\" stands where value 1 of 2 of "
-                        "Lake.Flow is expected")});
+        {QStringLiteral(
+            "10: too-few-values: \"object_type: Reach\" instead of value 1 of 2 of Lake.Flow")});
     row("next run", {"END_RUN_PREAMBLE"},
-        {QStringLiteral("10: too-few-values: \"END_RUN_PREAMBLE\" stands where value 1 of 1 of "
-                        "Lake.Flow is expected")});
+        {QStringLiteral(
+            "10: too-few-values: \"END_RUN_PREAMBLE\" instead of value 1 of 1 of Lake.Flow")});
     row("next package", {"END_PACKAGE_PREAMBLE"},
-        {QStringLiteral("10: too-few-values: \"END_PACKAGE_PREAMBLE\" stands where value 1 of 1 of "
-                        "Lake.Flow is expected")});
+        {QStringLiteral(
+            "10: too-few-values: \"END_PACKAGE_PREAMBLE\" instead of value 1 of 1 of Lake.Flow")});
     row("method line", {"method: Sum", "1"},
-        {QStringLiteral("10: method-line: \"method: Sum\" is read as a value: nothing may stand "
-                        "before it")});
+        {QStringLiteral(
+            "10: method-line: \"method: Sum\" is read as a value: nothing may come before it")});
     row("method line after empty lines", {"", "", "method: Sum"},
         {QStringLiteral("10: blank-value: an empty line among the values of Lake.Flow counts as 0"),
          QStringLiteral("11: blank-value: an empty line among the values of Lake.Flow counts as 0"),
-         QStringLiteral("12: method-line: \"method: Sum\" is read as a value: nothing may stand "
-                        "before it")});
+         QStringLiteral(
+             "12: method-line: \"method: Sum\" is read as a value: nothing may come before it")});
     row("method line after a value", {"1", "method: Sum"},
-        {QStringLiteral("11: too-few-values: \"method: Sum\" stands where value 2 of 2 of "
-                        "Lake.Flow is expected")});
+        {QStringLiteral(
+            "11: too-few-values: \"method: Sum\" instead of value 2 of 2 of Lake.Flow")});
     row("two method lines", {"method: Sum", "method: Max"},
-        {QStringLiteral("10: method-line: \"method: Sum\" is read as a value: nothing may stand "
-                        "before it"),
-         QStringLiteral("11: method-line: \"method: Max\" is read as a value: nothing may stand "
-                        "before it")});
+        {QStringLiteral(
+             "10: method-line: \"method: Sum\" is read as a value: nothing may come before it"),
+         QStringLiteral(
+             "11: method-line: \"method: Max\" is read as a value: nothing may come before it")});
 }
 
 void ValueCheckTest::findsInLines()
@@ -138,8 +138,8 @@ void ValueCheckTest::findsInLines()
     check.begin(QStringLiteral("Lake.Flow"), static_cast<std::size_t>(lines.size()));
     for (int i = 0; i < lines.size(); ++i) {
         const QByteArray& line = lines.at(i);
-        check.look(static_cast<std::size_t>(i), 10 + i,
-                   {line.constData(), static_cast<std::size_t>(line.size())});
+        check.checkOddLine(static_cast<std::size_t>(i), 10 + i,
+                           {line.constData(), static_cast<std::size_t>(line.size())});
     }
     QCOMPARE(findingTexts(found), findings);
 }

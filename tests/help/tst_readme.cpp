@@ -186,7 +186,7 @@ void TestReadme::checkShowsWhatIsShown()
 
 void TestReadme::uncheckedFileGivesTheAverageShown()
 {
-    ProcessRun run;
+    AnnualizerRun run;
     run.startShell(QStringLiteral("$PROGRAM -i '" SOURCE_DIR
                                   "/tests/tool/files/pond.hts' -c '" SOURCE_DIR
                                   "/tests/tool/files/pond_methods.txt' -o annual.hts"));
@@ -225,7 +225,7 @@ void TestReadme::pandasReadsTheExport()
     }
     const int lastLine = program.lastIndexOf('\n') + 1;
     QVERIFY(lastLine > 0);
-    ProcessRun run;
+    AnnualizerRun run;
     writeInputs(run);
     run.write(QStringLiteral("mean.py"), "import pandas\n" + program.left(lastLine) + "print(" +
                                              program.mid(lastLine) + ".to_dict())\n");
@@ -242,7 +242,7 @@ void TestReadme::saferCommandsConvert()
         codeBlocks(content(QStringLiteral(SOURCE_DIR "/docs/reliability.md")));
     QCOMPARE(blocks.size(), 2);
     for (const QByteArray& block : blocks) {
-        ProcessRun run;
+        AnnualizerRun run;
         writeInputs(run);
         run.environment.insert(QStringLiteral("PATH"),
                                QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path() +

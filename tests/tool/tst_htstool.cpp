@@ -128,8 +128,8 @@ void HtstoolTest::exitCodeIsTheWorst_data()
     const QByteArray warning = "warning.hts: 0 errors, 1 warning, 0 notes\n";
     const QByteArray error = "error.hts: 1 error, 0 warnings, 0 notes; a conversion fails: "
                              "\"Cannot read slot preamble\"\n";
-    const QByteArray endless = "endless.hts: 1 error, 0 warnings, 0 notes; a conversion never "
-                               "ends\n";
+    const QByteArray endless =
+        "endless.hts: 1 error, 0 warnings, 0 notes; a conversion never ends\n";
     const QByteArray none = "htstool: none.hts: No such file or directory\n";
     const auto row = [](const char* arguments, int exitCode, const QByteArray& errors) {
         QTest::newRow(arguments) << words(arguments) << exitCode << errors;
@@ -145,8 +145,8 @@ void HtstoolTest::exitCodeIsTheWorst_data()
     row("check none.hts error.hts clean.hts", 3, none + error + clean);
     row("check . clean.hts", 3, "htstool: .: file to open is a directory\n" + clean);
     row("check clean.hts -c none.txt", 2,
-        "clean.hts: 1 error, 0 warnings, 0 notes; a conversion fails: \"No series slots with "
-        "valid methods found in input HTS file\"\n");
+        "clean.hts: 1 error, 0 warnings, 0 notes; a conversion fails: \"No series slots with valid "
+        "methods found in input HTS file\"\n");
     row("check -y 6 clean.hts", 2,
         "clean.hts: 1 error, 0 warnings, 0 notes; a conversion fails: \"Cannot create a complete "
         "year from the input HTS file\"\n");
@@ -200,15 +200,14 @@ void HtstoolTest::showsAPlanWithoutYears()
     run.write(QStringLiteral("a.hts"), codeFile("slot-without-rule"));
     run.write(QStringLiteral("c.txt"), "\nLake.Outflow: sum\nLake.Inflow: Salinity\n");
     run.start(words("check a.hts -c c.txt -y 6"));
-    QCOMPARE(run.output,
-             QByteArray("a.hts:24: error: the timesteps hold no complete year; a conversion fails: "
-                        "\"Cannot create a complete year from the input HTS file\" "
-                        "[no-complete-year]\n"
-                        "a.hts:46: note: Lake.Inflow has the method Salinity, which is not "
-                        "supported, and is left out [salinity]\n"
-                        "a.hts: plan: no years\n"
-                        "a.hts: plan: Lake.Outflow: Sum, rule of line 2\n"
-                        "a.hts: plan: Lake.Inflow: left out, Salinity, rule of line 3\n"));
+    QCOMPARE(
+        run.output,
+        QByteArray(
+            "a.hts:24: error: the timesteps contain no complete year; a conversion fails: \"Cannot "
+            "create a complete year from the input HTS file\" [no-complete-year]\na.hts:46: note: "
+            "Lake.Inflow has the method Salinity, which is not supported, and is left out "
+            "[salinity]\na.hts: plan: no years\na.hts: plan: Lake.Outflow: Sum, rule of line "
+            "2\na.hts: plan: Lake.Inflow: left out, Salinity, rule of line 3\n"));
     QCOMPARE(run.exitCode, 2);
 }
 
@@ -216,9 +215,8 @@ void HtstoolTest::readsTheStandardInput()
 {
     ToolRun run;
     run.start(words("check -"), codeFile("text-value"));
-    QCOMPARE(run.output,
-             QByteArray("-:38: warning: \"7,5\" is not a number and counts as 0; it may be "
-                        "a decimal comma [text-value]\n"));
+    QCOMPARE(run.output, QByteArray("-:38: warning: \"7,5\" is not a number and counts as 0; it "
+                                    "may be a decimal comma [text-value]\n"));
     QCOMPARE(run.exitCode, 1);
 }
 
@@ -250,16 +248,16 @@ void HtstoolTest::writesCounts()
     run.start(words("check pond.hts --counts counts.csv"));
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(run.read(QStringLiteral("counts.csv")),
-             QByteArray("file,run,trace,object,slot,year_end,timesteps,missing\n"
-                        "pond.hts,1,,Mill Pond,Outflow,2022-01-01T00:00:00,12,0\n"
-                        "pond.hts,1,,Mill Pond,Outflow,2023-01-01T00:00:00,11,0\n"
-                        "pond.hts,1,,Mill Pond,Outflow,2024-01-01T00:00:00,12,0\n"
-                        "pond.hts,1,,Mill Pond,Storage,2022-01-01T00:00:00,12,0\n"
-                        "pond.hts,1,,Mill Pond,Storage,2023-01-01T00:00:00,11,0\n"
-                        "pond.hts,1,,Mill Pond,Storage,2024-01-01T00:00:00,12,0\n"
-                        "pond.hts,1,,Mill Pond,Inflow,2022-01-01T00:00:00,12,1\n"
-                        "pond.hts,1,,Mill Pond,Inflow,2023-01-01T00:00:00,11,1\n"
-                        "pond.hts,1,,Mill Pond,Inflow,2024-01-01T00:00:00,12,1\n")
+             QByteArray("file,run,trace,object,slot,year_end,timesteps,missing\npond.hts,1,,Mill "
+                        "Pond,Outflow,2022-01-01T00:00:00,12,0\npond.hts,1,,Mill "
+                        "Pond,Outflow,2023-01-01T00:00:00,11,0\npond.hts,1,,Mill "
+                        "Pond,Outflow,2024-01-01T00:00:00,12,0\npond.hts,1,,Mill "
+                        "Pond,Storage,2022-01-01T00:00:00,12,0\npond.hts,1,,Mill "
+                        "Pond,Storage,2023-01-01T00:00:00,11,0\npond.hts,1,,Mill "
+                        "Pond,Storage,2024-01-01T00:00:00,12,0\npond.hts,1,,Mill "
+                        "Pond,Inflow,2022-01-01T00:00:00,12,1\npond.hts,1,,Mill "
+                        "Pond,Inflow,2023-01-01T00:00:00,11,1\npond.hts,1,,Mill "
+                        "Pond,Inflow,2024-01-01T00:00:00,12,1\n")
                  .replace("\n", "\r\n"));
 }
 
@@ -298,17 +296,15 @@ namespace {
 
 // Two runs of a series, a scalar and a table.
 const QByteArray kMixedFile =
-    "number_of_runs:2\nEND_PACKAGE_PREAMBLE\n"
-    "trace:7\ntime_steps:2\nEND_RUN_PREAMBLE\n2000-1-31 24:00\n2000-2-29 6:00\n"
-    "object_type: R\nobject_name: Lake, upper\nslot_name: Flow\nEND_SLOT_PREAMBLE\n"
-    "units: cms\nscale: 1\n0.1\nNaN\nEND_COLUMN\nEND_SLOT\n"
-    "object_type: R\nobject_name: Lake\nslot_type: ScalarSlot\nslot_name: Area\n"
-    "END_SLOT_PREAMBLE\nunits: km2\nscale: 1\n12.25\nEND_COLUMN\nEND_SLOT\n"
-    "object_type: R\nobject_name: Lake\nslot_type: TableSlot\nslot_name: T\nrows: 1\n"
-    "END_SLOT_PREAMBLE\n1 2\nEND_SLOT\nEND_RUN\n"
-    "time_steps:1\nEND_RUN_PREAMBLE\n2001-1-31 24:00\n"
-    "object_type: R\nobject_name: Lake, upper\nslot_name: Flow\nEND_SLOT_PREAMBLE\n"
-    "units: cms\nscale: 1\n-1e-300\nEND_COLUMN\nEND_SLOT\nEND_RUN\n";
+    "number_of_runs:2\nEND_PACKAGE_PREAMBLE\ntrace:7\ntime_steps:2\nEND_RUN_PREAMBLE\n2000-1-31 "
+    "24:00\n2000-2-29 6:00\nobject_type: R\nobject_name: Lake, upper\nslot_name: "
+    "Flow\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n0.1\nNaN\nEND_COLUMN\nEND_SLOT\nobject_type: "
+    "R\nobject_name: Lake\nslot_type: ScalarSlot\nslot_name: Area\nEND_SLOT_PREAMBLE\nunits: "
+    "km2\nscale: 1\n12.25\nEND_COLUMN\nEND_SLOT\nobject_type: R\nobject_name: Lake\nslot_type: "
+    "TableSlot\nslot_name: T\nrows: 1\nEND_SLOT_PREAMBLE\n1 "
+    "2\nEND_SLOT\nEND_RUN\ntime_steps:1\nEND_RUN_PREAMBLE\n2001-1-31 24:00\nobject_type: "
+    "R\nobject_name: Lake, upper\nslot_name: Flow\nEND_SLOT_PREAMBLE\nunits: cms\nscale: "
+    "1\n-1e-300\nEND_COLUMN\nEND_SLOT\nEND_RUN\n";
 
 } // namespace
 
@@ -321,11 +317,10 @@ void HtstoolTest::exportsLongForm()
     QCOMPARE(run.output, QByteArray());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.read(QStringLiteral("a.csv")),
-             QByteArray("run,trace,object,slot,units,time,value\r\n"
-                        "1,7,\"Lake, upper\",Flow,cms,2000-02-01T00:00:00,0.1\r\n"
-                        "1,7,\"Lake, upper\",Flow,cms,2000-02-29T06:00:00,\r\n"
-                        "1,7,Lake,Area,km2,,12.25\r\n"
-                        "2,,\"Lake, upper\",Flow,cms,2001-02-01T00:00:00,-1e-300\r\n"));
+             QByteArray("run,trace,object,slot,units,time,value\r\n1,7,\"Lake, "
+                        "upper\",Flow,cms,2000-02-01T00:00:00,0.1\r\n1,7,\"Lake, "
+                        "upper\",Flow,cms,2000-02-29T06:00:00,\r\n1,7,Lake,Area,km2,,12.25\r\n2,,"
+                        "\"Lake, upper\",Flow,cms,2001-02-01T00:00:00,-1e-300\r\n"));
 }
 
 void HtstoolTest::exportsWideForm()
@@ -335,10 +330,9 @@ void HtstoolTest::exportsWideForm()
     run.start(words("export --wide a.hts -o -"));
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.exitCode, 0);
-    QCOMPARE(run.output, QByteArray("run,trace,time,\"Lake, upper.Flow [cms]\"\r\n"
-                                    "1,7,2000-02-01T00:00:00,0.1\r\n"
-                                    "1,7,2000-02-29T06:00:00,\r\n"
-                                    "2,,2001-02-01T00:00:00,-1e-300\r\n"));
+    QCOMPARE(run.output, QByteArray("run,trace,time,\"Lake, upper.Flow "
+                                    "[cms]\"\r\n1,7,2000-02-01T00:00:00,0.1\r\n1,7,2000-02-29T06:"
+                                    "00:00,\r\n2,,2001-02-01T00:00:00,-1e-300\r\n"));
 
     run.write(QStringLiteral("b.hts"),
               QByteArray(kMixedFile).replace("cms\nscale: 1\n-1", "cfs\nscale: 1\n-1"));
@@ -347,8 +341,10 @@ void HtstoolTest::exportsWideForm()
                                     "them; the export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
     run.start(words("export -w -r2 b.hts -o -"));
-    QCOMPARE(run.output, QByteArray("run,trace,time,\"Lake, upper.Flow [cfs]\"\r\n"
-                                    "2,,2001-02-01T00:00:00,-1e-300\r\n"));
+    QCOMPARE(
+        run.output,
+        QByteArray(
+            "run,trace,time,\"Lake, upper.Flow [cfs]\"\r\n2,,2001-02-01T00:00:00,-1e-300\r\n"));
     QCOMPARE(run.exitCode, 0);
 }
 
@@ -356,8 +352,8 @@ void HtstoolTest::exportsOneRun()
 {
     ToolRun run;
     run.start(words("export --run 2 - -o -"), kMixedFile);
-    QCOMPARE(run.output, QByteArray("run,trace,object,slot,units,time,value\r\n"
-                                    "2,,\"Lake, upper\",Flow,cms,2001-02-01T00:00:00,-1e-300\r\n"));
+    QCOMPARE(run.output, QByteArray("run,trace,object,slot,units,time,value\r\n2,,\"Lake, "
+                                    "upper\",Flow,cms,2001-02-01T00:00:00,-1e-300\r\n"));
     QCOMPARE(run.exitCode, 0);
     // A comment in the file is not counted as text among values.
     run.start(words("export --run 2 - -o -"), "# by hand\n" + kMixedFile);
@@ -392,8 +388,10 @@ void HtstoolTest::exportFailsForABrokenFile()
              QByteArray("htstool: -: Cannot read slot preamble; the export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
     run.start(words("export - -o -"), codeFile("table-without-end"));
-    QCOMPARE(run.errors, QByteArray("htstool: -: A table slot has no \"END_SLOT\" after it; the "
-                                    "export is not complete\n"));
+    QCOMPARE(
+        run.errors,
+        QByteArray(
+            "htstool: -: A table slot has no \"END_SLOT\" after it; the export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
     run.start(words("export none.hts -o none.csv"));
     QCOMPARE(run.errors, QByteArray("htstool: none.hts: No such file or directory\n"));
