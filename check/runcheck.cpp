@@ -8,6 +8,16 @@
 #include "check/quotedtext.h"
 #include "hts/shareifequal.h"
 
+namespace {
+
+// A run without "unit_quantity:" has steps of one unit.
+int stepQuantity(const HtsRun& run)
+{
+    return std::max(run.unitQuantity, 1);
+}
+
+} // namespace
+
 void RunCheck::setFirstRun(const HtsRun& run)
 {
     m_start = run.start;
@@ -15,7 +25,7 @@ void RunCheck::setFirstRun(const HtsRun& run)
     m_timeStepCount = run.timeStepCount;
     m_timesteps = run.timesteps;
     m_unit = run.timeStepUnit;
-    m_unitQuantity = run.unitQuantity;
+    m_unitQuantity = stepQuantity(run);
 }
 
 void RunCheck::addFirstSlot(const HtsSlot& slot, bool isConverted)
@@ -90,7 +100,8 @@ void RunCheck::checkSteps(const HtsRun& run, const RunLines& lines)
 
 void RunCheck::checkUnit(const HtsRun& run, const RunLines& lines)
 {
-    if (run.timeStepUnit == m_unit && run.unitQuantity == m_unitQuantity)
+    const int quantity = stepQuantity(run);
+    if (run.timeStepUnit == m_unit && quantity == m_unitQuantity)
         return;
     m_findings.add(
         Code::RunSteps, lines.unit > 0 ? lines.unit : lines.endOfPreamble, [&]() -> QString {
@@ -98,7 +109,7 @@ void RunCheck::checkUnit(const HtsRun& run, const RunLines& lines)
                        "run %1 has steps of %2 %3 where the first run has steps of %4 %5; the "
                        "years of the first run are used")
                 .arg(m_runNumber)
-                .arg(run.unitQuantity)
+                .arg(quantity)
                 .arg(quoted(run.timeStepUnit))
                 .arg(m_unitQuantity)
                 .arg(quoted(m_unit));

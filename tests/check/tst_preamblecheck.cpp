@@ -7,11 +7,11 @@
 
 namespace {
 
-const QByteArray kPackage =
-    "name:Test\nowner:\ncreate_date:2000-1-1 24:00\nnumber_of_runs:1\nEND_PACKAGE_PREAMBLE\n"; // lines
-                                                                                               // 1
-                                                                                               // to
-                                                                                               // 5
+const QByteArray kPackage = "name:Test\nowner:\ncreate_date:2000-1-1 "
+                            "24:00\nnumber_of_runs:1\nEND_PACKAGE_PREAMBLE\n"; // lines
+                                                                               // 1
+                                                                               // to
+                                                                               // 5
 const QByteArray kRun =
     "start:2000-1-31 24:00\nend:2000-12-31 "
     "24:00\ntime_step_unit:month\nunit_quantity:1\ntime_steps:12\nEND_RUN_PREAMBLE\n"; // 6 to 11

@@ -111,6 +111,7 @@ void RunCheckTest::findsInLaterRuns_data()
     row("another quantity", withSecond("unit_quantity:1", "unit_quantity:3"),
         {QStringLiteral("44: run-steps: run 2 has steps of 3 \"month\" where the first run has "
                         "steps of 1 \"month\"; the years of the first run are used")});
+    row("no quantity, which is one unit", withSecond("unit_quantity:1\n", ""), {});
     row("another object type", withSecond("Reservoir", "Pond"),
         {QStringLiteral("60: run-slots: run 2 has Lake.Flow with the object type \"Pond\" instead "
                         "of \"Reservoir\"")});
