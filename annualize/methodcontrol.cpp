@@ -85,34 +85,29 @@ Status MethodControl::readRule(std::string_view line)
         grow();
     const int namesSize = m_names.size();
     Rule rule;
-    rule.object = append(toText(parsed.object));
+    rule.object = append(parsed.object);
     // Most rules have the slot of the one before them.
     const QString& slotName = m_slotName.of(parsed.slot);
     const bool isSameSlot = !m_rules.empty() && text(m_rules.back().slot) == slotName;
-    rule.slot = isSameSlot ? m_rules.back().slot : append(slotName);
+    rule.slot = isSameSlot ? m_rules.back().slot : append(parsed.slot);
     rule.method = parsed.method;
     const quint32 hash = hashOf(text(rule.object), qHash(slotName));
-    Bucket& bucket = bucketOf(hash, text(rule.object), text(rule.slot));
+    Bucket& bucket = bucketOf(hash, text(rule.object), slotName);
     if (bucket.rule != Bucket::kFree) {
         m_names.truncate(namesSize);
         return {};
     }
-    m_hasRuleForAnySlot = m_hasRuleForAnySlot || text(rule.slot) == kAny;
+    m_hasRuleForAnySlot = m_hasRuleForAnySlot || QStringView(slotName) == kAny;
     bucket = {hash, static_cast<int>(m_rules.size())};
     m_rules.push_back(rule);
     return {};
 }
 
-MethodControl::Name MethodControl::append(const QString& name)
+MethodControl::Name MethodControl::append(std::string_view name)
 {
     const int position = m_names.size();
-    m_names += name;
-    return {position, name.size()};
-}
-
-QStringView MethodControl::text(const Name& name) const
-{
-    return QStringView(m_names).mid(name.position, name.size);
+    appendText(m_names, name);
+    return {position, m_names.size() - position};
 }
 
 // The bucket of the rule for that object and slot; if there is none, the free bucket where it
@@ -142,11 +137,15 @@ void MethodControl::grow()
     constexpr std::size_t kFirstSize = 16;
     std::vector<Bucket> buckets(std::max(kFirstSize, 4 * m_buckets.size()));
     m_buckets.swap(buckets);
+    const std::size_t mask = m_buckets.size() - 1;
     for (const Bucket& bucket : buckets) {
         if (bucket.rule == Bucket::kFree)
             continue;
-        const Rule& rule = m_rules[static_cast<std::size_t>(bucket.rule)];
-        bucketOf(bucket.hash, text(rule.object), text(rule.slot)) = bucket;
+        // No two rules are for the same object and slot, so any free bucket will do.
+        std::size_t i = bucket.hash & mask;
+        while (m_buckets[i].rule != Bucket::kFree)
+            i = (i + 1) & mask;
+        m_buckets[i] = bucket;
     }
 }
 

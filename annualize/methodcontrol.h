@@ -63,8 +63,11 @@ private:
     };
 
     Status readRule(std::string_view line);
-    Name append(const QString& name);
-    QStringView text(const Name& name) const;
+    Name append(std::string_view name);
+    QStringView text(const Name& name) const
+    {
+        return {m_names.constData() + name.position, name.size};
+    }
     // Index of the rule for that object and slot, whose hash is given; kNoRule when there is none.
     int find(QStringView object, QStringView slot, quint32 slotHash) const;
     Bucket& bucketOf(quint32 hash, QStringView object, QStringView slot);

@@ -15,9 +15,10 @@ bool isSpace(char c)
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-bool isAscii(char c)
+bool isAscii(std::string_view bytes)
 {
-    return static_cast<unsigned char>(c) < 0x80;
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 bool hasByteOrderMark(std::string_view bytes)
@@ -48,11 +49,19 @@ QString toText(std::string_view bytes)
 {
     Q_ASSERT(bytes.size() <= kMaxBytes && bytes.find('\0') == std::string_view::npos);
     // Most texts are a few letters of ASCII, which take half the time when they need no decoding.
-    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return isAscii(c); }))
+    if (isAscii(bytes))
         return QString::fromLatin1(bytes.data(), static_cast<int>(bytes.size()));
     const QString text = QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
     // The toolkit drops the mark at the start of any text, but here it is in the middle of a line.
     return hasByteOrderMark(bytes) ? QChar(QChar::ByteOrderMark) + text : text;
+}
+
+void appendText(QString& text, std::string_view bytes)
+{
+    if (isAscii(bytes))
+        text += QLatin1String(bytes.data(), static_cast<int>(bytes.size()));
+    else
+        text += toText(bytes);
 }
 
 const QString& RepeatedText::of(std::string_view bytes)
