@@ -43,7 +43,7 @@ def literal_changes(kind, text):
 
 
 def changes_of(code):
-    """All (start, end, what stands there instead, kind) in a text of C++."""
+    """All (start, end, replacement, kind) in a text of C++."""
     tokens = [match for match in TOKEN.finditer(code) if match.lastgroup != "blank"]
     texts = [token.group() for token in tokens] + [""]
     closing, opened = {}, []

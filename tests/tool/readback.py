@@ -3,7 +3,7 @@
 
 usage: readback.py HTSTOOL FILE.hts...
 
-The files are read by a reader of its own, in a few lines, so that nothing of the program stands on
+The files are read by a reader of its own, in a few lines, so that no code of the program is on
 both sides of the comparison.
 """
 

@@ -234,9 +234,9 @@ sed -n '/<pre id="batch-example"/,/<\/code>/p' "$source/Help/HtsAnnualizerHelp.h
 (cd "$top/windows" && wine cmd /c all.bat) >"$top/windows.out" 2>&1 || true
 run_unix app/HtsAnnualizer -i data/a.hts -o b.hts -c c.txt -y 9
 check "result" same_result b.hts annual/a.hts
-check "success is told" grep -q '^daily\\a.hts: done' "$top/windows.out"
-check "failure is told" grep -q '^daily\\no good.hts: FAILED' "$top/windows.out"
-check "its reason is told" grep -q 'Cannot read package preamble' "$top/windows.out"
+check "success is reported" grep -q '^daily\\a.hts: done' "$top/windows.out"
+check "failure is reported" grep -q '^daily\\no good.hts: FAILED' "$top/windows.out"
+check "its reason is reported" grep -q 'Cannot read package preamble' "$top/windows.out"
 
 # ---- the tool ----
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Shows that the Help button opens the page in a real browser: the program stands in a folder with a
+# Shows that the Help button opens the page in a real browser: the program is in a folder with a
 # blank in its name, and the desktop's browser is Chromium without a window, which prints what it
 # has loaded. Not part of the tests of the build: a browser is large and starts slowly.
 #
