@@ -4,18 +4,7 @@
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
-
-namespace {
-
-QByteArray content(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(path));
-    return file.readAll();
-}
-
-} // namespace
+#include "tests/support/wholefile.h"
 
 class TestExamples : public QObject
 {
@@ -33,7 +22,7 @@ void TestExamples::conversionGivesTheComputedResult_data()
     QTest::addColumn<QString>("endMonth");
     QTest::addColumn<QByteArray>("lineEnd");
 
-    const QString cases = QString::fromUtf8(content(QStringLiteral(GOLDEN_DIR "/cases.tsv")));
+    const QString cases = QString::fromUtf8(sourceFile(QStringLiteral(GOLDEN_DIR "/cases.tsv")));
     for (const QString& line : cases.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         const QStringList fields = line.split(QLatin1Char('\t'));
         QCOMPARE(fields.size(), 4);
@@ -55,8 +44,8 @@ void TestExamples::conversionGivesTheComputedResult()
 
     const QString root = QStringLiteral(SOURCE_DIR "/");
     AnnualizerRun run;
-    run.write(QStringLiteral("a.hts"), content(root + input).replace("\n", lineEnd));
-    run.write(QStringLiteral("c.txt"), content(root + control).replace("\n", lineEnd));
+    run.write(QStringLiteral("a.hts"), sourceFile(root + input).replace("\n", lineEnd));
+    run.write(QStringLiteral("c.txt"), sourceFile(root + control).replace("\n", lineEnd));
     run.start({QStringLiteral("-i"), QStringLiteral("a.hts"), QStringLiteral("-o"),
                QStringLiteral("b.hts"), QStringLiteral("-c"), QStringLiteral("c.txt"),
                QStringLiteral("-y"), endMonth});
@@ -64,7 +53,7 @@ void TestExamples::conversionGivesTheComputedResult()
     QCOMPARE(run.exitCode, 0);
     const QString name = QString::fromUtf8(QTest::currentDataTag()).section(QLatin1Char(','), 0, 0);
     QCOMPARE(run.read(QStringLiteral("b.hts")),
-             content(QStringLiteral(GOLDEN_DIR "/") + name + QStringLiteral(".expected")));
+             sourceFile(QStringLiteral(GOLDEN_DIR "/") + name + QStringLiteral(".expected")));
 }
 
 QTEST_GUILESS_MAIN(TestExamples)

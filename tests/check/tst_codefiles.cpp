@@ -7,15 +7,13 @@
 #include <QtTest>
 
 #include "tests/check/checkedtext.h"
+#include "tests/support/wholefile.h"
 
 namespace {
 
 QByteArray contentOf(const QString& name)
 {
-    QFile file(QStringLiteral(FILES_DIR "/") + name);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(file.fileName()));
-    return file.readAll();
+    return sourceFile(QStringLiteral(FILES_DIR "/") + name);
 }
 
 QStringList expectedLines()

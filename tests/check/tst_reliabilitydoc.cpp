@@ -7,6 +7,7 @@
 
 #include "check/findings.h"
 #include "tests/check/checkedtext.h"
+#include "tests/support/wholefile.h"
 
 namespace {
 
@@ -136,11 +137,9 @@ const std::vector<std::pair<const char*, QByteArrayList>>& files()
 // Oddity and codes of each row in italics.
 std::vector<std::pair<QString, QStringList>> rowsInItalics()
 {
-    QFile file(QStringLiteral(SOURCE_DIR "/docs/reliability.md"));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(file.fileName()));
+    const QByteArray document = sourceFile(QStringLiteral("docs/reliability.md"));
     std::vector<std::pair<QString, QStringList>> rows;
-    for (const QString& line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))) {
+    for (const QString& line : QString::fromUtf8(document).split(QLatin1Char('\n'))) {
         if (!line.startsWith(QStringLiteral("| *")))
             continue;
         const QString oddity = line.section(QStringLiteral("* | "), 0, 0).mid(3);

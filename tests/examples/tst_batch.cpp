@@ -3,6 +3,7 @@
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
+#include "tests/support/wholefile.h"
 
 namespace {
 
@@ -44,10 +45,7 @@ const QString kMake =
 // printed.
 QByteArray terminalOf(const QByteArray& section)
 {
-    QFile document(QStringLiteral(DOCUMENT));
-    if (!document.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", DOCUMENT);
-    const QByteArray text = document.readAll();
+    const QByteArray text = sourceFile(QStringLiteral(DOCUMENT));
     const int from = text.indexOf("\n    $ ", text.indexOf("\n## " + section + '\n'));
     QByteArray terminal;
     for (const QByteArray& line : text.mid(from + 1).split('\n')) {

@@ -8,14 +8,9 @@
 #include <QtTest>
 
 #include "tests/help/markdown.h"
+#include "tests/support/wholefile.h"
 
 namespace {
-
-QByteArray sourceFile(const QString& name)
-{
-    QFile file(QStringLiteral(SOURCE_DIR "/") + name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 // The texts in backquotes.
 QStringList codes(const QByteArray& markdown)

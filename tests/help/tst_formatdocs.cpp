@@ -18,16 +18,9 @@
 #include "hts/numbertext.h"
 #include "tests/app/annualizerrun.h"
 #include "tests/help/markdown.h"
+#include "tests/support/wholefile.h"
 
 namespace {
-
-QByteArray sourceFile(const QString& name)
-{
-    QFile file(QStringLiteral(SOURCE_DIR "/") + name);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(file.fileName()));
-    return file.readAll();
-}
 
 QByteArray formatDocument()
 {

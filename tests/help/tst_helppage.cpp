@@ -10,6 +10,7 @@
 #include "tests/app/annualizerrun.h"
 #include "tests/help/helppage.h"
 #include "tests/help/messagetexts.h"
+#include "tests/support/wholefile.h"
 
 namespace {
 
@@ -17,14 +18,6 @@ const QString kPage = QStringLiteral(SOURCE_DIR "/Help/HtsAnnualizerHelp.html");
 
 // A page that opens at once, on a phone too.
 constexpr int kLargestPage = 400 * 1000;
-
-QByteArray content(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(path));
-    return file.readAll();
-}
 
 // Paths of the program's own sources. Those of the usage text are left out: -h shows it.
 QStringList sourceFiles()
@@ -151,7 +144,7 @@ private Q_SLOTS:
     void monthGluedToItsOptionIsIgnored();
 
 private:
-    HelpPage m_page{content(kPage)};
+    HelpPage m_page{sourceFile(kPage)};
 };
 
 void TestHelpPage::initTestCase()
@@ -185,12 +178,13 @@ void TestHelpPage::isMadeFromItsTextAndPictures()
 void TestHelpPage::isBesideTheProgram()
 {
     const QString folder = QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path();
-    QVERIFY(content(folder + QLatin1String("/Help/HtsAnnualizerHelp.html")) == content(kPage));
+    QVERIFY(sourceFile(folder + QLatin1String("/Help/HtsAnnualizerHelp.html")) ==
+            sourceFile(kPage));
 }
 
 void TestHelpPage::isSmall()
 {
-    QVERIFY(content(kPage).size() < kLargestPage);
+    QVERIFY(sourceFile(kPage).size() < kLargestPage);
 }
 
 void TestHelpPage::needsNoOtherFileAndNoScript()
@@ -514,7 +508,7 @@ void TestHelpPage::hasMessage()
 
     bool isInSources = false;
     for (const QString& path : sourceFiles()) {
-        for (const QString& literal : stringLiterals(content(path)))
+        for (const QString& literal : stringLiterals(sourceFile(path)))
             isInSources = isInSources || literal.contains(text);
     }
     QVERIFY2(isInSources, "the program has no such text");
@@ -539,7 +533,7 @@ void TestHelpPage::hasEveryMessageOfTheSources()
     int count = 0;
     QStringList missing;
     for (const QString& path : sourceFiles()) {
-        for (QString text : messageTexts(content(path))) {
+        for (QString text : messageTexts(sourceFile(path))) {
             ++count;
             text.remove(QLatin1Char('&')); // marks the key of a menu entry
             if (!noMessages.contains(text) && !page.contains(text))

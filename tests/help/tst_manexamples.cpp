@@ -4,23 +4,16 @@
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
+#include "tests/support/wholefile.h"
 
 namespace {
-
-QByteArray content(const QString& name)
-{
-    QFile file(QStringLiteral(SOURCE_DIR "/") + name);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(file.fileName()));
-    return file.readAll();
-}
 
 // The blocks of unfilled lines below the heading EXAMPLES or EXAMPLE of a man page, as they are
 // shown.
 QStringList examples(const char* page)
 {
     QString text = QString::fromUtf8(
-        content(QStringLiteral("packaging/linux/man/%1.in").arg(QLatin1String(page))));
+        sourceFile(QStringLiteral("packaging/linux/man/%1.in").arg(QLatin1String(page))));
     text = text.section(QStringLiteral("\n.SH EXAMPLE"), 1).section(QStringLiteral("\n.SH "), 0, 0);
     text.replace(QLatin1String("\\-"), QLatin1String("-"));
     QStringList blocks;
@@ -73,7 +66,7 @@ void TestManExamples::programConvertsTheExample()
     QCOMPARE(run.output + run.errors, QByteArray());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.read(QStringLiteral("tmp/annual.hts")),
-             content(QStringLiteral("tests/app/golden/rivers_september.expected")));
+             sourceFile(QStringLiteral("tests/app/golden/rivers_september.expected")));
 }
 
 void TestManExamples::programReadsACompressedFile()
@@ -87,7 +80,7 @@ void TestManExamples::programReadsACompressedFile()
     QCOMPARE(run.output + run.errors, QByteArray());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.read(QStringLiteral("annual.hts")),
-             content(QStringLiteral("tests/app/golden/basins_december.expected")));
+             sourceFile(QStringLiteral("tests/app/golden/basins_december.expected")));
 }
 
 void TestManExamples::toolChecksAndExportsTheExample()

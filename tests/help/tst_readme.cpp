@@ -6,26 +6,19 @@
 
 #include "tests/app/annualizerrun.h"
 #include "tests/help/markdown.h"
+#include "tests/support/wholefile.h"
 
 namespace {
 
-QByteArray content(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(path));
-    return file.readAll();
-}
-
 QByteArray example(const char* name)
 {
-    return content(QStringLiteral(SOURCE_DIR "/examples/") + QLatin1String(name));
+    return sourceFile(QStringLiteral("examples/") + QLatin1String(name));
 }
 
 // Results that were computed without the program.
 QByteArray golden(const char* name)
 {
-    return content(QStringLiteral(SOURCE_DIR "/tests/app/golden/") + QLatin1String(name));
+    return sourceFile(QStringLiteral("tests/app/golden/") + QLatin1String(name));
 }
 
 // Whether the lines of `block`, which may end with "...", follow one another in `text`.
@@ -73,7 +66,7 @@ private:
     // The only block that begins with `start`; empty when there is none, or more than one.
     QByteArray block(const QByteArray& start) const;
 
-    QByteArrayList m_blocks = codeBlocks(content(QStringLiteral(SOURCE_DIR "/README.md")));
+    QByteArrayList m_blocks = codeBlocks(sourceFile(QStringLiteral("README.md")));
 };
 
 QByteArray TestReadme::block(const QByteArray& start) const
@@ -120,7 +113,7 @@ void TestReadme::everyTerminalHasATest()
     };
     QFETCH(QString, document);
     int terminals = 0;
-    for (const QByteArray& block : codeBlocks(content(QStringLiteral(SOURCE_DIR "/") + document)))
+    for (const QByteArray& block : codeBlocks(sourceFile(document)))
         terminals += block.startsWith("$ ") || block.contains("\n$ ") ? 1 : 0;
     QCOMPARE(terminals, tested.value(document));
 }
@@ -177,7 +170,7 @@ void TestReadme::checkShowsWhatIsShown()
     QVERIFY(QDir(run.path(QStringLiteral("."))).mkpath(files));
     for (const char* name : {"pond.hts", "pond_methods.txt"}) {
         const QString path = files + QLatin1String(name);
-        run.write(path, content(QStringLiteral(SOURCE_DIR "/") + path));
+        run.write(path, sourceFile(path));
     }
     run.startShell(QString::fromUtf8(block("(cd ")));
     QCOMPARE(asShown(run.output), block("pond.hts:32: "));
@@ -192,7 +185,7 @@ void TestReadme::uncheckedFileGivesTheAverageShown()
                                   "/tests/tool/files/pond_methods.txt' -o annual.hts"));
     QCOMPARE(run.output + run.errors, QByteArray());
     QCOMPARE(run.exitCode, 0);
-    const QByteArray text = content(QStringLiteral(SOURCE_DIR "/docs/htstool.md"));
+    const QByteArray text = sourceFile(QStringLiteral("docs/htstool.md"));
     const int begin = text.indexOf("the average of 2022 is\n") + 23;
     const QByteArray shown = text.mid(begin, text.indexOf(".\n", begin) - begin);
     const QByteArrayList lines = run.read(QStringLiteral("annual.hts")).split('\n');
@@ -202,8 +195,7 @@ void TestReadme::uncheckedFileGivesTheAverageShown()
 
 void TestReadme::exampleCommandGivesTheComputedResult()
 {
-    const QByteArrayList blocks =
-        codeBlocks(content(QStringLiteral(SOURCE_DIR "/examples/README.md")));
+    const QByteArrayList blocks = codeBlocks(sourceFile(QStringLiteral("examples/README.md")));
     QCOMPARE(blocks.size(), 1);
     AnnualizerRun run;
     makeSourceTree(run);
@@ -218,8 +210,7 @@ void TestReadme::exampleCommandGivesTheComputedResult()
 void TestReadme::pandasReadsTheExport()
 {
     QByteArray program;
-    for (const QByteArray& block :
-         codeBlocks(content(QStringLiteral(SOURCE_DIR "/docs/htstool.md")))) {
+    for (const QByteArray& block : codeBlocks(sourceFile(QStringLiteral("docs/htstool.md")))) {
         if (block.startsWith("table = pandas."))
             program = block;
     }
@@ -238,8 +229,7 @@ void TestReadme::pandasReadsTheExport()
 // The commands of docs/reliability.md that keep an old result, and conversions, from each other.
 void TestReadme::saferCommandsConvert()
 {
-    const QByteArrayList blocks =
-        codeBlocks(content(QStringLiteral(SOURCE_DIR "/docs/reliability.md")));
+    const QByteArrayList blocks = codeBlocks(sourceFile(QStringLiteral("docs/reliability.md")));
     QCOMPARE(blocks.size(), 2);
     for (const QByteArray& block : blocks) {
         AnnualizerRun run;

@@ -8,6 +8,7 @@
 #include <QRegularExpression>
 
 #include "app/options.h"
+#include "tests/support/wholefile.h"
 #include "tool/tool.h"
 #include "tool/toolio.h"
 
@@ -15,10 +16,7 @@ namespace {
 
 QString sourceText(const QString& name)
 {
-    QFile file(QStringLiteral(SOURCE_DIR "/") + name);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(name));
-    return QString::fromUtf8(file.readAll());
+    return QString::fromUtf8(sourceFile(name));
 }
 
 QString manPage(const QString& name)

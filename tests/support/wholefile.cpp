@@ -20,3 +20,11 @@ QByteArray readFile(const QString& path)
         return "cannot be opened: " + QFile::encodeName(path);
     return file.readAll();
 }
+
+QByteArray sourceFile(const QString& path)
+{
+    QFile file(QDir(QStringLiteral(SOURCE_DIR)).filePath(path));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(file.fileName()));
+    return file.readAll();
+}

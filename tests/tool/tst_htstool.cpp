@@ -2,6 +2,7 @@
 
 #include <QtTest>
 
+#include "tests/support/wholefile.h"
 #include "tests/tool/toolrun.h"
 
 namespace {

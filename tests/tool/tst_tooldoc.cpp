@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include "check/finding.h"
+#include "tests/support/wholefile.h"
 #include "tests/tool/toolrun.h"
 
 namespace {
