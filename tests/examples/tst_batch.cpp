@@ -93,7 +93,9 @@ private Q_SLOTS:
     void methodsThatAreNotThereAreAnError();
     void parallelTakesNamesWithBlanks();
     void parallelListsItsJobs();
-    void makeRefusesNamesWithBlanks();
+    void makeRefusesNames_data();
+    void makeRefusesNames();
+    void makeTakesNamesThatMeanSomethingToAShell();
     void makeConvertsOnlyWhatChanged();
     void makeConvertsAllAfterAnotherMonth();
     void failedFileLosesItsOldResult();
@@ -236,17 +238,36 @@ void TestBatch::parallelListsItsJobs()
     QCOMPARE(exitCodes, (QMap<QByteArray, QByteArray>{{"1", "0"}, {"2", "1"}}));
 }
 
-void TestBatch::makeRefusesNamesWithBlanks()
+void TestBatch::makeRefusesNames_data()
 {
+    QTest::addColumn<QString>("name");
+    for (const char* name : {"my lake.hts", "a:b.hts", "a;b.hts", "100%.hts", "a*.hts", "a?.hts",
+                             "a#1.hts", "a|b.hts", "a$b.hts", "it's.hts", "a[1].hts", "a\\b.hts"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void TestBatch::makeRefusesNames()
+{
+    QFETCH(QString, name);
     Batch batch;
     batch.addInput(QStringLiteral("a.hts"));
-    batch.addInput(QStringLiteral("my lake.hts"));
+    batch.addInput(name);
     batch.startShell(kMake);
-    QVERIFY2(batch.errors.contains("make cannot handle these names, rename the files: "
-                                   "in/my lake.hts."),
+    QVERIFY2(batch.errors.contains("make cannot handle these names, rename the files: in/" +
+                                   name.toUtf8() + '.'),
              batch.errors);
     QCOMPARE(batch.exitCode, 2);
     QVERIFY(!batch.exists(QStringLiteral("out/a.hts")));
+}
+
+void TestBatch::makeTakesNamesThatMeanSomethingToAShell()
+{
+    Batch batch;
+    const QString name = QStringLiteral("a&b(1)`touch made`\"<>~!.hts").remove(QLatin1Char(' '));
+    batch.addInput(name);
+    batch.startShell(kMake);
+    QCOMPARE(batch.exitCode, 0);
+    QVERIFY(batch.exists(QStringLiteral("out/") + name));
 }
 
 void TestBatch::makeConvertsOnlyWhatChanged()
