@@ -111,8 +111,12 @@ Status FileCheck::readRun(int runIndex)
     startRun(run, runIndex);
     while (status.ok() && !m_report.neverEnds && !m_reader.takeEndOfRun())
         status = readSlot(run, runIndex);
-    if (status.ok() && !m_report.neverEnds && runIndex > 0)
+    if (!status.ok() || m_report.neverEnds)
+        return status;
+    if (runIndex > 0)
         m_runs.finishRun(m_reader.lineNumber());
+    else if (m_rules)
+        m_rules->finish(); // only now: the slots after an error in the first run are not known
     return status;
 }
 
@@ -227,10 +231,8 @@ bool FileCheck::hasBadControlFile() const
 
 void FileCheck::finish(const Status& readStatus, const HtsPackage& package)
 {
-    if (m_rules) {
-        m_rules->finish();
+    if (m_rules)
         m_report.slotPlan = m_rules->plan();
-    }
     const bool isWhole = readStatus.ok() && !m_report.neverEnds;
     if (isWhole && m_report.runCount == 0) {
         m_firstYears = yearsOf(HtsRun(), m_options.endMonth);

@@ -43,7 +43,7 @@ public:
 
     // Finds the rule for a slot, whose preamble begins on `line` of the HTS file.
     const PlannedSlot& addSlot(const HtsSlot& slot, qint64 line);
-    // Reports the rules that apply to no slot.
+    // Reports the rules that apply to no slot. To be called after the last slot of the first run.
     void finish();
 
     const std::vector<PlannedSlot>& plan() const { return m_plan; }

@@ -124,7 +124,10 @@ ToolOptions parseCheck(const QStringList& arguments)
     if (parser.isSet(control) && options.controlPath.isEmpty())
         return invalid(QStringLiteral("the path of the control file is empty"));
     if (parser.isSet(month)) {
-        options.endMonth = parser.value(month).toInt();
+        // -1 means December, as it does for a conversion.
+        constexpr int kDecember = 12;
+        options.endMonth =
+            parser.value(month) == QLatin1String("-1") ? kDecember : parser.value(month).toInt();
         if (!isMonth(options.endMonth))
             return invalid(
                 QStringLiteral("the month \"%1\" is not one of 1 to 12").arg(parser.value(month)));

@@ -31,6 +31,8 @@ class HtstoolTest : public QObject
 private Q_SLOTS:
     void showsTexts_data();
     void showsTexts();
+    void endMonthOfMinusOneIsDecember();
+    void rulesAreNotJudgedWhenTheFirstRunCannotBeRead();
     void wrongUsageIsRefused_data();
     void wrongUsageIsRefused();
     void exitCodeIsTheWorst_data();
@@ -80,6 +82,29 @@ void HtstoolTest::showsTexts()
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.output.split('\n').first(), firstLine);
     QVERIFY(run.output.endsWith('\n'));
+}
+
+void HtstoolTest::endMonthOfMinusOneIsDecember()
+{
+    ToolRun run;
+    writePond(run);
+    run.start(words("check pond.hts -c pond_methods.txt -y 12"));
+    const QByteArray december = run.output;
+    QVERIFY(december.contains("plan: 3 years, from 2021-12-31 24:00"));
+    run.start(words("check pond.hts -c pond_methods.txt -y -1"));
+    QCOMPARE(run.output, december);
+}
+
+// Which slots follow the error is not known.
+void HtstoolTest::rulesAreNotJudgedWhenTheFirstRunCannotBeRead()
+{
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"), codeFile("column-header"));
+    run.write(QStringLiteral("c.txt"), "Sea.Level: End\n");
+    run.start(words("check a.hts -c c.txt"));
+    QCOMPARE(run.exitCode, 2);
+    QVERIFY(run.output.contains(" [column-header]\n"));
+    QVERIFY(!run.output.contains("c.txt"));
 }
 
 void HtstoolTest::wrongUsageIsRefused_data()
