@@ -7,6 +7,7 @@
 #include "tool/toolio.h"
 #include "utils/checkedfile.h"
 #include "utils/fileroles.h"
+#include "utils/processsetup.h"
 
 namespace {
 
@@ -23,6 +24,8 @@ bool openInput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io
 {
     constexpr auto kMode = QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered;
     file.setFileName(path);
+    if (path == kStandardStream)
+        UtilsNS::useBinaryMode(stdin);
     const bool isOpen = path == kStandardStream ? file.open(stdin, kMode) : file.open(kMode);
     if (!isOpen)
         reportProblem(path, file.errorString(), io);
@@ -39,6 +42,8 @@ bool openOutput(const QString& path, const QStringList& inputs, UtilsNS::Checked
         }
     }
     file.setFileName(path);
+    if (path == kStandardStream)
+        UtilsNS::useBinaryMode(stdout);
     const bool isOpen = path == kStandardStream ? file.open(stdout, QIODevice::WriteOnly)
                                                 : file.open(QIODevice::WriteOnly);
     if (!isOpen)

@@ -1,9 +1,11 @@
 #ifndef UTILS_PROCESSSETUP_H
 #define UTILS_PROCESSSETUP_H
 
+#include <cstdio>
+
 namespace UtilsNS {
 
-// What both programs set up before and after they create the application object.
+// What both programs set up for the whole process.
 
 // To be called first. If the process was started without one of the standard streams, the stream is
 // connected to /dev/null: otherwise a file that is opened later would get its descriptor, and what
@@ -13,6 +15,10 @@ void openStandardStreams();
 // To be called after the application object is created. Under a C or POSIX locale, which the jobs
 // of a scheduler have, texts and file names are UTF-8. Does nothing on Windows.
 void chooseTextEncoding();
+
+// Lets the bytes of a standard stream pass unchanged. On Windows the C runtime would otherwise
+// write each line feed as two characters, and end the input at a Ctrl+Z.
+void useBinaryMode(std::FILE* stream);
 
 } // namespace UtilsNS
 

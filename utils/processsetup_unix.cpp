@@ -29,4 +29,6 @@ void chooseTextEncoding()
         QTextCodec::setCodecForLocale(codec);
 }
 
+void useBinaryMode(std::FILE* /*stream*/) {}
+
 } // namespace UtilsNS

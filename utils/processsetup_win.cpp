@@ -1,9 +1,17 @@
 #include "utils/processsetup.h"
 
+#include <fcntl.h>
+#include <io.h>
+
 namespace UtilsNS {
 
 void openStandardStreams() {}
 
 void chooseTextEncoding() {}
+
+void useBinaryMode(std::FILE* stream)
+{
+    _setmode(_fileno(stream), _O_BINARY);
+}
 
 } // namespace UtilsNS
