@@ -231,12 +231,24 @@ mv "$top/windows/data" "$top/windows/daily"
 cp "$top/windows/c.txt" "$top/windows/daily/no good.hts"
 sed -n '/<pre id="batch-example"/,/<\/code>/p' "$source/Help/HtsAnnualizerHelp.html" |
     sed 's/<[^>]*>//g; s/&lt;/</g; s/&gt;/>/g; s/&amp;/\&/g; s/$/\r/' >"$top/windows/all.bat"
-(cd "$top/windows" && wine cmd /c all.bat) >"$top/windows.out" 2>&1 || true
+windows_code=0
+(cd "$top/windows" && wine cmd /c all.bat) >"$top/windows.out" 2>&1 || windows_code=$?
+check "exit code" test "$windows_code" -eq 1
 run_unix app/HtsAnnualizer -i data/a.hts -o b.hts -c c.txt -y 9
 check "result" same_result b.hts annual/a.hts
 check "success is reported" grep -q '^daily\\a.hts: done' "$top/windows.out"
 check "failure is reported" grep -q '^daily\\no good.hts: FAILED' "$top/windows.out"
 check "its reason is reported" grep -q 'Cannot read package preamble' "$top/windows.out"
+rm "$top/windows/daily/no good.hts"
+windows_code=0
+(cd "$top/windows" && wine cmd /c all.bat) >"$top/windows.out" 2>&1 || windows_code=$?
+check "exit code without a failure" test "$windows_code" -eq 0
+rm -r "$top/windows/daily"
+mkdir "$top/windows/daily"
+windows_code=0
+(cd "$top/windows" && wine cmd /c all.bat) >"$top/windows.out" 2>&1 || windows_code=$?
+check "exit code of an empty folder" test "$windows_code" -eq 1
+check "text for an empty folder" grep -q '^no HTS files in daily' "$top/windows.out"
 
 # ---- the tool ----
 
@@ -252,6 +264,12 @@ if [ -e "$windows_build/tool/htstool.exe" ]; then
         check "output" same_console
         check "errors" cmp "$top/windows.err" "$top/unix.err"
     done
+    # Rows of comma-separated values end in "\r\n" on both systems.
+    begin "htstool export to the standard output"
+    run_unix tool/htstool export a.hts -o -
+    run_windows_directly tool/htstool export a.hts -o -
+    check "exit code" same_code 0
+    check "bytes" cmp "$top/windows.out" "$top/unix.out"
 fi
 
 printf '%d checks, %d failed\n' "$checks" "$faults"
