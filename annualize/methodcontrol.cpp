@@ -34,6 +34,7 @@ Status lineFailure(const char* reason, std::string_view line)
 // that every slot can be named.
 Status parseMethodRule(std::string_view line, MethodRule& rule)
 {
+    Q_ASSERT(!line.empty() && line.size() == stripped(line).size());
     const std::size_t colon = line.rfind(':');
     if (colon == std::string_view::npos)
         return lineFailure("Colon not found", line);

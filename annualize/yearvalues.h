@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <limits>
 
+#include <QtGlobal>
+
 // What the aggregation methods need to know of the values of one year, in time order. A value is
 // usable when it is finite; an infinity counts as missing, like NaN.
 struct YearValues
@@ -15,6 +17,7 @@ struct YearValues
     // Adds the values of [first, last), of which there is one or more.
     void add(const double* first, const double* last)
     {
+        Q_ASSERT(first != last);
         YearValues year = *this; // a local copy stays in registers
         year.count += last - first;
         year.end = *(last - 1);

@@ -12,7 +12,7 @@ void logMessageHandler(QtMsgType, const QMessageLogContext&, const QString& mess
 
 LogStreamAttachment::LogStreamAttachment(QFile& file)
 {
-    Q_ASSERT(file.isOpen() && file.isWritable());
+    Q_ASSERT(logStream.device() == nullptr && file.isOpen() && file.isWritable());
     logStream.setDevice(&file);
     m_previousHandler = qInstallMessageHandler(logMessageHandler);
 }

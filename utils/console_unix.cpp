@@ -2,6 +2,8 @@
 
 #include <cerrno>
 
+#include <QtGlobal>
+
 #include <unistd.h>
 
 namespace UtilsNS {
@@ -29,7 +31,7 @@ public:
     }
 
     bool isCreated() const override { return false; }
-    void waitForKey() override {}
+    void waitForKey() override { Q_ASSERT(isCreated()); }
 };
 
 } // namespace

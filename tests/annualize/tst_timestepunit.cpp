@@ -18,6 +18,7 @@ class TimestepUnitTest : public QObject
 private Q_SLOTS:
     void findsEveryUnitByItsWord_data();
     void findsEveryUnitByItsWord();
+    void tableHoldsNoOtherUnits();
     void unknownUnitCountsAsDay_data();
     void unknownUnitCountsAsDay();
     void onlyTheYearNeedsNoConversion_data();
@@ -50,6 +51,15 @@ void TimestepUnitTest::findsEveryUnitByItsWord()
     QVERIFY(unit != nullptr);
     QCOMPARE(QString(unit->word), word);
     QCOMPARE(QString(timestepUnitOrDay(word).word), word);
+}
+
+void TimestepUnitTest::tableHoldsNoOtherUnits()
+{
+    QStringList words;
+    for (const TimestepUnit& unit : timestepUnits())
+        words.append(unit.word);
+    words.sort();
+    QCOMPARE(words.join(QLatin1Char(' ')), QStringLiteral("day hour minute month week year"));
 }
 
 void TimestepUnitTest::unknownUnitCountsAsDay_data()
