@@ -8,13 +8,13 @@ namespace {
 // How one field of a model is read and written, by the field's type.
 
 template<typename Model, QString Model::*field>
-void readText(Model& model, const QString& value)
+void readTextField(Model& model, const QString& value)
 {
     model.*field = value;
 }
 
 template<typename Model, QString Model::*field>
-void writeText(const Model& model, LineWriter& lines)
+void writeTextField(const Model& model, LineWriter& lines)
 {
     lines << model.*field;
 }
@@ -82,7 +82,8 @@ void readRows(HtsSlot& slot, const QString& value)
 template<typename Model, QString Model::*field>
 constexpr HtsKey<Model> text(const char* key, bool (*isWritten)(const Model&) = always<Model>)
 {
-    return {QLatin1String(key), readText<Model, field>, isWritten, writeText<Model, field>};
+    return {QLatin1String(key), readTextField<Model, field>, isWritten,
+            writeTextField<Model, field>};
 }
 
 template<typename Model, int Model::*field>

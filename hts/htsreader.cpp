@@ -15,7 +15,7 @@ const QLatin1String kBadSlotPreamble("Cannot read slot preamble");
 const QLatin1String kBadColumnHeader("Cannot read HTS file: Missing units or scale");
 
 // Reads a line and returns its text, which is valid until the next call.
-std::string_view readText(LineReader& lines, HtsReader::Observer* observer)
+std::string_view readTextLine(LineReader& lines, HtsReader::Observer* observer)
 {
     const std::string_view line = lines.line();
     const std::string_view text = textBytes(line);
@@ -32,7 +32,7 @@ bool readKeywordLines(LineReader& lines, HtsReader::Observer* observer,
                       std::array<RepeatedText, count>& texts, Model& model)
 {
     for (;;) {
-        const std::string_view line = readText(lines, observer);
+        const std::string_view line = readTextLine(lines, observer);
         if (line.empty()) {
             if (observer != nullptr)
                 observer->unexpectedLine(endLine, line);
@@ -89,7 +89,7 @@ Status HtsReader::readRun(HtsRun& run)
     if (!run.complete)
         return failure(HtsRun::kBadPreamble);
     for (int step = 0; step < run.timeStepCount; ++step) {
-        const std::string_view line = readText(m_lines, m_observer);
+        const std::string_view line = readTextLine(m_lines, m_observer);
         const QString timestep = toText(line);
         run.complete = isTimestepText(timestep);
         if (!run.complete) {
@@ -142,10 +142,10 @@ Status HtsReader::readSlotPreamble(HtsSlot& slot, TableRows tableRows)
 
 Status HtsReader::readColumnHeader(QString& units, double& scale, QString& method)
 {
-    std::string_view line = readText(m_lines, m_observer);
+    std::string_view line = readTextLine(m_lines, m_observer);
     const bool hasUnits = takeHeaderKey(line, kUnitsKey);
     const QString unitsText = hasUnits ? m_unitsText.of(line) : QString();
-    line = readText(m_lines, m_observer); // read even if the first line is wrong
+    line = readTextLine(m_lines, m_observer); // read even if the first line is wrong
     if (!takeHeaderKey(line, kScaleKey) || !hasUnits)
         return failure(kBadColumnHeader);
     units = unitsText;
@@ -153,7 +153,7 @@ Status HtsReader::readColumnHeader(QString& units, double& scale, QString& metho
     // Any line that begins with this letter is taken for the method line, even a value line. The
     // key is not checked: as many characters as it has are removed from the line.
     if (m_lines.nextByteIs('m')) {
-        line = readText(m_lines, m_observer);
+        line = readTextLine(m_lines, m_observer);
         method = toText(line).mid(kMethodKey.size());
         takeHeaderKey(line, kMethodKey);
     }
