@@ -4,6 +4,10 @@
 #include <QLocale>
 #include <QMutexLocker>
 
+#include <algorithm>
+#include <array>
+#include <type_traits>
+
 namespace QsLogging {
 
 namespace {
@@ -16,18 +20,24 @@ QLatin1String paddedName(Level level)
 }
 
 // The local time of a second since the epoch as yyyy-MM-ddThh:mm:ss and a point. Computed once a
-// second: each conversion to local time asks the operating system.
-const QString& secondText(qint64 second)
+// second in each thread: each conversion to local time asks the operating system.
+QLatin1String secondText(qint64 second)
 {
     thread_local qint64 lastSecond = -1;
-    thread_local QString text;
+    thread_local std::array<char, 20> text;
+    // With mingw-w64 a thread frees its variables before it runs their destructors.
+    static_assert(std::is_trivially_destructible_v<decltype(text)>);
     if (second != lastSecond) {
-        lastSecond = second;
         // QDateTime::toString would write the digits of the host's locale.
-        text = QLocale::c().toString(QDateTime::fromMSecsSinceEpoch(second * 1000),
-                                     QStringLiteral("yyyy-MM-ddThh:mm:ss."));
+        const QByteArray latin1 = QLocale::c()
+                                      .toString(QDateTime::fromMSecsSinceEpoch(second * 1000),
+                                                QStringLiteral("yyyy-MM-ddThh:mm:ss."))
+                                      .toLatin1();
+        Q_ASSERT(static_cast<size_t>(latin1.size()) == text.size());
+        std::copy(latin1.cbegin(), latin1.cend(), text.begin());
+        lastSecond = second;
     }
-    return text;
+    return QLatin1String(text.data(), static_cast<int>(text.size()));
 }
 
 QString formattedLine(Level level, const QString& text)
