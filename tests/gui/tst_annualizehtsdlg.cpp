@@ -1265,7 +1265,7 @@ void AnnualizeHtsDlgTest::compareOpenedHelp(const std::function<void()>& trigger
     const QString logged = AnnualizeHtsDlg::helpPageUrl(folder);
     QCOMPARE(log.lines(), QStringList(QStringLiteral("Opening help file %1 ").arg(logged)));
     QCOMPARE(log.levels(), QVector<QsLogging::Level>{QsLogging::InfoLevel});
-    QTRY_VERIFY(recorder.hasOpened());
+    QTRY_VERIFY_WITH_TIMEOUT(recorder.hasOpened(), 60000);
     QCOMPARE(recorder.opened(), "1|file:///" + folder.toUtf8() + "/Help/HtsAnnualizerHelp.html");
     QVERIFY(QApplication::activeModalWidget() == nullptr);
 }

@@ -38,7 +38,7 @@ void TestWindowsHelpUrl::startsTheBrowserWithTheUrl()
     const Status status = UtilsNS::openHelpUrl(url);
     QCOMPARE(status.message, QString());
     QVERIFY(!status.flag);
-    QTRY_VERIFY(recorder.hasOpened());
+    QTRY_VERIFY_WITH_TIMEOUT(recorder.hasOpened(), 60000);
     QCOMPARE(recorder.opened(), arguments);
     QCOMPARE(recorder.commandLine(), url.toUtf8());
 }
