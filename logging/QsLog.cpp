@@ -25,7 +25,7 @@ QLatin1String secondText(qint64 second)
 {
     thread_local qint64 lastSecond = -1;
     thread_local std::array<char, 20> text;
-    // With mingw-w64 a thread frees its variables before it runs their destructors.
+    // With mingw-w64 a thread frees its variables before their destructors run.
     static_assert(std::is_trivially_destructible_v<decltype(text)>);
     if (second != lastSecond) {
         // QDateTime::toString would write the digits of the host's locale.
