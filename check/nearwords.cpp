@@ -17,26 +17,27 @@ QString plain(const QString& text)
     return result;
 }
 
-QString withoutColon(const QString& key)
+QString withoutColon(const QString& text)
 {
-    return key.left(key.indexOf(QLatin1Char(':')));
+    return text.left(text.indexOf(QLatin1Char(':')));
 }
 
-// Compares the text before the first colon of the line; without a colon the whole line.
-bool isNearlyKey(const QString& line, const QString& key)
+bool isNearly(const QString& word, const QString& known)
 {
-    const QString word = withoutColon(key);
-    const bool isKey = word.size() < key.size();
-    const int colon = line.indexOf(QLatin1Char(':'));
-    const QString given = isKey && colon >= 0 ? line.left(colon) : line;
-    if (editDistance(plain(given), word.toLower(), 1) <= 1)
-        return true;
-    // Cut off, or with another character in the place of the colon.
+    return editDistance(plain(word), known.toLower(), 1) <= 1;
+}
+
+// Whether the word is only a beginning of the key, or has another character in the place of the
+// colon.
+bool isCutKey(const QString& word, const QString& key)
+{
     constexpr int kMinLetters = 2;
-    if (given.size() >= kMinLetters && word.startsWith(given))
+    const QString name = withoutColon(key);
+    if (word.size() >= kMinLetters && name.startsWith(word))
         return true;
-    return isKey && given.size() > word.size() && given.startsWith(word) &&
-           !given.at(word.size()).isLetterOrNumber() && given.at(word.size()) != QLatin1Char('_');
+    const bool isEndLine = name.size() == key.size();
+    return !isEndLine && word.size() > name.size() && word.startsWith(name) &&
+           !word.at(name.size()).isLetterOrNumber() && word.at(name.size()) != QLatin1Char('_');
 }
 
 } // namespace
@@ -45,30 +46,31 @@ int editDistance(const QString& a, const QString& b, int limit)
 {
     if (std::abs(a.size() - b.size()) > limit)
         return limit + 1;
-    // One row of the usual table: distances between the first i characters of `a` and each
-    // beginning of `b`.
+    // Three rows of the usual table: distances between the first i characters of `a` and each
+    // beginning of `b`, and those of the two rows before.
     std::vector<int> row(static_cast<std::size_t>(b.size()) + 1);
     for (std::size_t j = 0; j < row.size(); ++j)
         row[j] = static_cast<int>(j);
+    std::vector<int> before = row;
+    std::vector<int> twoBefore = row;
     for (int i = 1; i <= a.size(); ++i) {
-        int diagonal = row[0];
+        twoBefore.swap(before);
+        before.swap(row);
         row[0] = i;
         for (std::size_t j = 1; j < row.size(); ++j) {
-            const bool isSame = a.at(i - 1) == b.at(static_cast<int>(j) - 1);
-            const int replaced = diagonal + (isSame ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+            const QChar fromA = a.at(i - 1);
+            const QChar fromB = b.at(static_cast<int>(j) - 1);
+            row[j] =
+                std::min({before[j - 1] + (fromA == fromB ? 0 : 1), before[j] + 1, row[j - 1] + 1});
+            const bool isSwapped =
+                i > 1 && j > 1 && fromA == b.at(static_cast<int>(j) - 2) && fromB == a.at(i - 2);
+            if (isSwapped)
+                row[j] = std::min(row[j], twoBefore[j - 2] + 1);
         }
         if (*std::min_element(row.begin(), row.end()) > limit)
             return limit + 1;
     }
     return std::min(row.back(), limit + 1);
-}
-
-bool isNearly(const QString& word, QLatin1String known)
-{
-    const QString plainKnown = QString(known).toLower();
-    return editDistance(plain(word), plainKnown, 1) <= 1;
 }
 
 QLatin1String nearestWord(const QString& word, const std::vector<QLatin1String>& words)
@@ -84,8 +86,17 @@ QLatin1String nearestKey(std::string_view line, const std::vector<QLatin1String>
 {
     constexpr std::size_t kMaxBytes = 200; // longer than any key
     const QString text = toText(textBytes(stripped(line.substr(0, kMaxBytes))));
+    const QString name = withoutColon(text);
+    // End lines have no colon.
+    const auto wordFor = [&](QLatin1String key) {
+        return key.contains(QLatin1Char(':')) ? name : text;
+    };
     for (const QLatin1String key : keys) {
-        if (isNearlyKey(text, key))
+        if (isNearly(wordFor(key), withoutColon(key)))
+            return key;
+    }
+    for (const QLatin1String key : keys) {
+        if (isCutKey(wordFor(key), key))
             return key;
     }
     return {};

@@ -9,19 +9,18 @@
 
 // Words and lines that are nearly, but not exactly, those of the format.
 
-// Number of characters to insert, remove or replace to turn one text into the other; `limit` + 1 if
-// it is more than `limit`.
+// Number of characters to insert, remove or replace, and of neighbours to swap, to turn one text
+// into the other; `limit` + 1 if it is more than `limit`.
 int editDistance(const QString& a, const QString& b, int limit);
 
-// Whether `word` differs from `known` only in letter case, white space, or one character.
-bool isNearly(const QString& word, QLatin1String known);
-
-// The first of `words` that `word` is nearly, see isNearly(); empty if there is none.
+// The first of `words` from which `word` differs only in letter case, in white space, and by an
+// edit distance of at most 1; empty if there is none.
 QLatin1String nearestWord(const QString& word, const std::vector<QLatin1String>& words);
 
 // The first of `keys` (keys with their colon and blank, or end lines) with which `line` nearly
-// begins: with another letter case, blanks or tabs missing or added, one character wrong, missing
-// or added, or cut off. Empty if there is none.
+// begins: with another letter case, blanks or tabs missing or added, and at an edit distance of at
+// most 1. If there is none, the first that is cut off, or has another character than the colon.
+// Empty if there is none, either.
 QLatin1String nearestKey(std::string_view line, const std::vector<QLatin1String>& keys);
 
 #endif // CHECK_NEARWORDS_H

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void editDistance();
     void nearestKeyOfALine_data();
     void nearestKeyOfALine();
+    void prefersATypoToACutKey();
     void hasAHintAtTheMeaning_data();
     void hasAHintAtTheMeaning();
     void quotesOnOneLine_data();
@@ -51,7 +52,13 @@ void NearWordsTest::editDistance_data()
     QTest::newRow("taken out") << "flow"
                                << "fow" << 3 << 1;
     QTest::newRow("swapped") << "flow"
-                             << "folw" << 3 << 2;
+                             << "folw" << 3 << 1;
+    QTest::newRow("swapped at the start and at the end") << "flow"
+                                                         << "lfwo" << 3 << 2;
+    QTest::newRow("swapped, with a letter between") << "abc"
+                                                    << "cba" << 3 << 2;
+    QTest::newRow("swapped, past the limit") << "abcdef"
+                                             << "badcfe" << 2 << 3;
     QTest::newRow("other words") << "kitten"
                                  << "sitting" << 3 << 3;
     QTest::newRow("past the limit") << "kitten"
@@ -102,14 +109,16 @@ void NearWordsTest::nearestKeyOfALine_data()
                          << "slot_name: ";
     QTest::newRow("end line in lower case") << "end_slot_preamble"
                                             << "END_SLOT_PREAMBLE";
-    QTest::newRow("end line, typo") << "END_SLOT_PREAMBEL"
-                                    << "";
+    QTest::newRow("end line, letters swapped") << "END_SLOT_PREAMBEL"
+                                               << "END_SLOT_PREAMBLE";
     QTest::newRow("end line, one letter") << "END_SLOT_PREAMBL"
                                           << "END_SLOT_PREAMBLE";
     QTest::newRow("end line, cut") << "END_SLO"
                                    << "END_SLOT_PREAMBLE";
     QTest::newRow("end of the run") << "END RUN"
                                     << "END_RUN";
+    QTest::newRow("letters swapped") << "obejct_name: Lake"
+                                     << "object_name: ";
     QTest::newRow("two typos") << "objekt_nane: Lake"
                                << "";
     QTest::newRow("comment") << "# object_name: Lake"
@@ -139,6 +148,13 @@ void NearWordsTest::nearestKeyOfALine()
     QFETCH(QString, line);
     QFETCH(QString, key);
     QCOMPARE(QString(nearestKey(bytesOfText(line), knownLinesOf(Section::Slot))), key);
+}
+
+// time_step_unit, which "time_step" is the beginning of, comes first.
+void NearWordsTest::prefersATypoToACutKey()
+{
+    QCOMPARE(QString(nearestKey("time_step:12", knownLinesOf(Section::Run))),
+             QStringLiteral("time_steps:"));
 }
 
 void NearWordsTest::hasAHintAtTheMeaning_data()
@@ -246,12 +262,13 @@ void NearWordsTest::quotesOnOneLine()
 void NearWordsTest::nearestWordOfAList()
 {
     const std::vector<QLatin1String> words = {QLatin1String("Series"), QLatin1String("Table")};
-    QCOMPARE(nearestWord(QStringLiteral("tabel"), words), QLatin1String());
+    QCOMPARE(nearestWord(QStringLiteral("tabel"), words), QLatin1String("Table"));
+    QCOMPARE(nearestWord(QStringLiteral("tebal"), words), QLatin1String());
     QCOMPARE(nearestWord(QStringLiteral("T able"), words), QLatin1String("Table"));
     QCOMPARE(nearestWord(QStringLiteral("SERIE"), words), QLatin1String("Series"));
     QCOMPARE(nearestWord(QString(), words), QLatin1String());
-    QVERIFY(isNearly(QStringLiteral("sEries "), words.front()));
-    QVERIFY(!isNearly(QStringLiteral("Serial"), words.front()));
+    QCOMPARE(nearestWord(QStringLiteral("sEries "), words), QLatin1String("Series"));
+    QCOMPARE(nearestWord(QStringLiteral("Serial"), words), QLatin1String());
 }
 
 void NearWordsTest::knowsNumbers_data()

@@ -88,8 +88,11 @@ void StructureTest::defectHasItsFindings_data()
         between(kPreamble.left(kPreamble.lastIndexOf("END")) + kHeader + kValues + kEnds),
         "43: misplaced-line");
     row("END_SLOT_PREAMBLE misspelt",
-        between(QByteArray(kPreamble).replace("BLE", "BEL") + kHeader + kValues + kEnds),
+        between(QByteArray(kPreamble).replace("BLE", "BULL") + kHeader + kValues + kEnds),
         "43: ignored-line;44: misplaced-line");
+    row("END_SLOT_PREAMBLE with letters swapped",
+        between(QByteArray(kPreamble).replace("BLE", "BEL") + kHeader + kValues + kEnds),
+        "43: near-key");
     row("END_SLOT_PREAMBLE in lower case",
         between(QByteArray(kPreamble).replace("END_SLOT", "end_slot") + kHeader + kValues + kEnds),
         "43: near-key");
