@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include <QFile>
-
 #include "annualize/annualization.h"
 #include "annualize/methodcontrol.h"
 #include "annualize/slotplan.h"
@@ -12,6 +10,7 @@
 #include "check/quotedtext.h"
 #include "hts/linereader.h"
 #include "hts/linetext.h"
+#include "utils/checkedfile.h"
 
 namespace {
 
@@ -36,15 +35,15 @@ QString reasonOf(const QString& message)
 
 void RuleCheck::read(const QString& path)
 {
-    QFile file(path);
+    UtilsNS::CheckedFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        reportUnreadable(file);
+        reportUnreadable(file.errorString());
         return;
     }
     m_hasRules = readRules(file);
-    if (m_hasRules && file.error() != QFileDevice::NoError) {
+    if (m_hasRules && !file.problem().isEmpty()) {
         m_hasRules = false;
-        reportUnreadable(file);
+        reportUnreadable(file.problem());
     }
     if (!m_hasRules) {
         m_rules.clear();
@@ -53,7 +52,7 @@ void RuleCheck::read(const QString& path)
 }
 
 // Reports a line that is not a rule, and returns false at the first.
-bool RuleCheck::readRules(QFile& file)
+bool RuleCheck::readRules(UtilsNS::CheckedFile& file)
 {
     LineReader reader(file);
     while (!reader.atEnd()) {
@@ -62,6 +61,9 @@ bool RuleCheck::readRules(QFile& file)
             continue;
         MethodRule parsed;
         const Status status = parseMethodRule(line, parsed);
+        // What a failed read left of a line is none.
+        if (!status.ok() && !file.problem().isEmpty())
+            break;
         if (!status.ok()) {
             m_findings.addToControl(Code::ControlLine, reader.lineNumber(), [&]() -> QString {
                 return QStringLiteral("%1 %2: all rules are lost")
@@ -80,10 +82,10 @@ bool RuleCheck::readRules(QFile& file)
     return true;
 }
 
-void RuleCheck::reportUnreadable(const QFile& file)
+void RuleCheck::reportUnreadable(const QString& reason)
 {
     m_findings.addToControl(Code::ControlUnreadable, 1, [&]() -> QString {
-        return QStringLiteral("the control file cannot be read: %1").arg(file.errorString()) +
+        return QStringLiteral("the control file cannot be read: %1").arg(reason) +
                conversionFails(Annualization::kNoSlots);
     });
 }

@@ -12,7 +12,9 @@
 #include "hts/htsslot.h"
 
 class Findings;
-class QFile;
+namespace UtilsNS {
+class CheckedFile;
+}
 
 // What a conversion does with one slot.
 struct PlannedSlot
@@ -55,8 +57,8 @@ private:
         QString slot;
         const AggMethod* method = nullptr;
         qint64 line = 0;
-        int sameAs =
-            -1; // index of the first rule for the same object and slot; -1 if it is this one
+        // Index of the first rule for the same object and slot; -1 if it is this one.
+        int sameAs = -1;
         bool matchesSlot = false; // of any type
         bool matchesSeries = false;
         bool isUsed = false;
@@ -66,8 +68,8 @@ private:
 
     int ruleFor(const QString& object, const QString& slot) const;
     std::vector<int> rulesFor(const HtsSlot& slot) const;
-    bool readRules(QFile& file);
-    void reportUnreadable(const QFile& file);
+    bool readRules(UtilsNS::CheckedFile& file);
+    void reportUnreadable(const QString& reason);
     void addRule(const Rule& rule);
     void noteOthers(const std::vector<int>& matching, int used, const HtsSlot& slot);
     void reportSlot(const PlannedSlot& planned, const HtsSlot& slot, qint64 line);

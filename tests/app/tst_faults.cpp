@@ -14,11 +14,11 @@
 #include "tests/app/annualizerrun.h"
 #include "tests/app/faultsdevice.h"
 #include "tests/app/faultsinput.h"
+#include "tests/support/faults.h"
 
 namespace {
 
 constexpr int kManySlots = 200;
-constexpr int kAlways = 1000000;
 const char kOldResult[] = "an old result";
 const char kNoMethods[] = "No series slots with valid methods found in input HTS file";
 const char kReadProblem[] = "Problem reading the input hts file: Input/output error";
@@ -51,34 +51,6 @@ QString withPermissionsThatCount()
     if (::geteuid() != 0)
         return {};
     return QStringLiteral("setpriv --bounding-set -dac_override,-dac_read_search ");
-}
-
-// A fault of tests/app/faultsshim.cpp.
-struct Fault
-{
-    const char* file;
-    const char* call;
-    int at = 0;
-    int count = kAlways;
-    int error = EIO;
-    int signal = 0;
-};
-
-void preload(AnnualizerRun& run, const Fault& fault)
-{
-    const auto set = [&run](const char* name, const QString& value) {
-        run.environment.insert(QString::fromLatin1(name), value);
-    };
-    set("LD_PRELOAD", QStringLiteral(FAULTS_SHIM));
-    set("FAULTS_FILE", QString::fromLatin1(fault.file));
-    set("FAULTS_CALL", QString::fromLatin1(fault.call));
-    set("FAULTS_AT", QString::number(fault.at));
-    set("FAULTS_COUNT", QString::number(fault.count));
-    set("FAULTS_ERROR", QString::number(fault.error));
-    set("FAULTS_SIGNAL", QString::number(fault.signal));
-    // The address sanitizer must come before any other library, and would report that it does not.
-    set("ASAN_OPTIONS", run.environment.value(QStringLiteral("ASAN_OPTIONS")) +
-                            QStringLiteral(":verify_asan_link_order=0"));
 }
 
 // Counts of a coverage build, written when the program ends, are kept out of the run's limits.
@@ -125,6 +97,7 @@ private Q_SLOTS:
     void inputErrorAtAnyByteOfADevice();
     void controlFileThatCannotBeRead_data();
     void controlFileThatCannotBeRead();
+    void controlFileThatCannotBeReadBehindABadLine();
     void resultThatCannotBeWritten_data();
     void resultThatCannotBeWritten();
     void resultOnADiskThatIsFullForAWhile_data();
@@ -425,6 +398,19 @@ void TestFaults::controlFileThatCannotBeRead()
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(withoutTime(bytes(run, "b.log")), logWithError(kNoMethods));
     QCOMPARE(bytes(run, "b.hts"), QByteArray());
+}
+
+// That the file cannot be read counts before what is wrong in it, and the log does not say that the
+// assignment starts.
+void TestFaults::controlFileThatCannotBeReadBehindABadLine()
+{
+    AnnualizerRun run;
+    writeManySlots(run);
+    run.write(QStringLiteral("c.txt"), "bad line\n" + QByteArray(200000, '\n'));
+    preload(run, {"c.txt", "read", 190000});
+    run.start(words("-i a.hts -o b.hts -c c.txt"));
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(withoutTime(bytes(run, "b.log")), logWithError(kNoMethods));
 }
 
 void TestFaults::resultThatCannotBeWritten_data()

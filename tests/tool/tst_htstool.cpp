@@ -2,6 +2,7 @@
 
 #include <QtTest>
 
+#include "tests/support/faults.h"
 #include "tests/support/wholefile.h"
 #include "tests/tool/toolrun.h"
 
@@ -51,6 +52,7 @@ private Q_SLOTS:
     void exportReportsText();
     void exportFailsForABrokenFile();
     void failedReadIsReported();
+    void controlFileThatCannotBeReadToItsEndIsReported();
     void fullDiskIsReported();
     void closedStandardStreamsDoNotBecomeFiles();
     void namesAreUtf8UnderTheCLocale();
@@ -447,6 +449,23 @@ void HtstoolTest::failedReadIsReported()
                         "error; a conversion fails: \"No series slots with valid methods found in "
                         "input HTS file\" [control-unreadable]"));
     QCOMPARE(run.exitCode, 2);
+}
+
+// Not what the read left of a line.
+void HtstoolTest::controlFileThatCannotBeReadToItsEndIsReported()
+{
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"), codeFile("slot-without-rule"));
+    run.write(QStringLiteral("c.txt"), "*.*: Sum\nLake.Outflow: Sum\n");
+    for (const int at : {9, 13}) {
+        preload(run, {"c.txt", "read", at});
+        run.start(words("check a.hts -c c.txt"));
+        QCOMPARE(run.output.split('\n').first(),
+                 QByteArray("c.txt:1: error: the control file cannot be read: Input/output error; "
+                            "a conversion fails: \"No series slots with valid methods found in "
+                            "input HTS file\" [control-unreadable]"));
+        QCOMPARE(run.exitCode, 2);
+    }
 }
 
 void HtstoolTest::fullDiskIsReported()
