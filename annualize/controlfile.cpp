@@ -1,21 +1,18 @@
 #include "annualize/controlfile.h"
 
-#include <QBuffer>
-#include <QFile>
+#include <QIODevice>
 
 #include "QsLog.h"
 #include "annualize/slotplan.h"
+#include "utils/checkedfile.h"
 
 namespace {
 
-// Reads an open file to its end. A failed read must not count as the end of the rules. It only
-// shows at the next read, which readAll() does not make.
-Status readAllBytes(QFile& file, QByteArray& bytes)
+void readToEnd(QIODevice& device)
 {
     constexpr qint64 kPieceSize = qint64(64) * 1024;
-    for (QByteArray piece = file.read(kPieceSize); !piece.isEmpty(); piece = file.read(kPieceSize))
-        bytes += piece;
-    return file.error() == QFileDevice::NoError ? Status() : failure(file.errorString());
+    while (!device.read(kPieceSize).isEmpty()) {
+    }
 }
 
 } // namespace
@@ -23,21 +20,18 @@ Status readAllBytes(QFile& file, QByteArray& bytes)
 ControlFile readControlFile(const QString& path)
 {
     ControlFile control;
-    QFile file(path);
+    UtilsNS::CheckedFile file(path);
     // Not in text mode, in which reading drops every "\r", even one inside a line.
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         control.status = failure(file.errorString());
         return control;
     }
-    QByteArray bytes;
-    control.status = readAllBytes(file, bytes);
-    control.isRead = control.status.ok();
+    control.status = control.rules.read(file);
+    readToEnd(file); // behind a bad line
+    control.isRead = file.problem().isEmpty();
+    // A failed read must not count as the end of the rules.
     if (!control.isRead)
-        return control;
-
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::ReadOnly);
-    control.status = control.rules.read(buffer);
+        control.status = failure(file.problem());
     if (!control.status.ok())
         control.rules = MethodControl();
     return control;

@@ -1,10 +1,11 @@
 #include "annualize/methodcontrol.h"
 
 #include <algorithm>
-#include <utility>
+#include <functional>
 
-#include <QHashFunctions>
 #include <QIODevice>
+#include <QStringView>
+#include <QVarLengthArray>
 
 #include "annualize/aggmethods.h"
 #include "hts/linereader.h"
@@ -12,15 +13,58 @@
 
 namespace {
 
-constexpr QStringView kAny = u"*"; // every object or every slot
-
-quint32 hashOf(QStringView object, quint32 slotHash)
+// Removes the first name, with its line end, from the bytes of names, and returns it.
+std::string_view takeName(std::string_view& names)
 {
-    // The toolkit's hashes of names that differ only at the end differ only in their low bits.
-    constexpr quint32 kSpread = 0x9e3779b1;
-    const quint32 hash = qHash(object, slotHash) * kSpread;
-    return hash ^ hash >> 15;
+    const std::string_view name = names.substr(0, names.find('\n') + 1);
+    names.remove_prefix(name.size());
+    return name;
 }
+
+bool startsWith(std::string_view bytes, std::string_view start)
+{
+    return bytes.substr(0, start.size()) == start;
+}
+
+void appendName(QByteArray& rules, std::string_view name)
+{
+    if (isAscii(name))
+        rules.append(name.data(), static_cast<int>(name.size()));
+    else
+        rules += toText(name).toUtf8();
+    rules += '\n';
+}
+
+// A name of a slot as names stand among the rules.
+class SlotName
+{
+public:
+    explicit SlotName(QStringView name)
+    {
+        Q_ASSERT(!name.contains(QLatin1Char('\n')));
+        // Most names are ASCII, which takes no conversion and no memory.
+        m_bytes.resize(static_cast<int>(name.size()));
+        ushort bits = 0;
+        std::transform(name.begin(), name.end(), m_bytes.begin(), [&bits](QChar c) {
+            bits |= c.unicode();
+            return static_cast<char>(c.unicode());
+        });
+        if (bits >= 0x80) {
+            const QByteArray utf8 = name.toUtf8();
+            m_bytes.clear();
+            m_bytes.append(utf8.constData(), utf8.size());
+        }
+        m_bytes.append('\n');
+    }
+
+    std::string_view bytes() const
+    {
+        return {m_bytes.constData(), static_cast<std::size_t>(m_bytes.size())};
+    }
+
+private:
+    QVarLengthArray<char, 100> m_bytes;
+};
 
 Status lineFailure(const char* reason, std::string_view line)
 {
@@ -61,6 +105,11 @@ Status parseMethodRule(std::string_view line, MethodRule& rule)
     return {};
 }
 
+MethodControl::Name::Name(std::string_view nameBytes)
+    : bytes(nameBytes), hash(std::hash<std::string_view>()(nameBytes))
+{
+}
+
 Status MethodControl::read(QIODevice& device)
 {
     Q_ASSERT(device.isReadable());
@@ -69,105 +118,93 @@ Status MethodControl::read(QIODevice& device)
         const std::string_view line = stripped(textBytes(reader.line()));
         if (line.empty())
             continue;
-        Status status = readRule(line);
+        Status status = append(line);
         if (!status.ok())
             return status;
     }
+    index();
     return {};
 }
 
-Status MethodControl::readRule(std::string_view line)
+Status MethodControl::append(std::string_view line)
 {
-    MethodRule parsed;
-    Status status = parseMethodRule(line, parsed);
+    MethodRule rule;
+    Status status = parseMethodRule(line, rule);
     if (!status.ok())
         return status;
-    if (2 * (m_rules.size() + 1) > m_buckets.size())
-        grow();
-    const int namesSize = m_names.size();
-    Rule rule;
-    rule.object = append(parsed.object);
-    // Most rules have the slot of the one before them.
-    const QString& slotName = m_slotName.of(parsed.slot);
-    const bool isSameSlot = !m_rules.empty() && text(m_rules.back().slot) == slotName;
-    rule.slot = isSameSlot ? m_rules.back().slot : append(parsed.slot);
-    rule.method = parsed.method;
-    const quint32 hash = hashOf(text(rule.object), qHash(slotName));
-    Bucket& bucket = bucketOf(hash, text(rule.object), slotName);
-    if (bucket.rule != Bucket::kFree) {
-        m_names.truncate(namesSize);
-        return {};
-    }
-    m_hasRuleForAnySlot = m_hasRuleForAnySlot || QStringView(slotName) == kAny;
-    bucket = {hash, static_cast<int>(m_rules.size())};
-    m_rules.push_back(rule);
+    const std::ptrdiff_t method = rule.method - aggMethods().data();
+    Q_ASSERT(method >= 0 && method <= std::numeric_limits<char>::max());
+    m_rules += static_cast<char>(method);
+    appendName(m_rules, rule.object);
+    appendName(m_rules, rule.slot);
+    ++m_ruleCount;
+    m_hasRuleForAnySlot = m_hasRuleForAnySlot || rule.slot == "*";
     return {};
 }
 
-MethodControl::Name MethodControl::append(std::string_view name)
+void MethodControl::index()
 {
-    const int position = m_names.size();
-    appendText(m_names, name);
-    return {position, m_names.size() - position};
-}
-
-// The bucket of the rule for that object and slot; if there is none, the free bucket where it
-// belongs. Some bucket is always free.
-const MethodControl::Bucket& MethodControl::bucketOf(quint32 hash, QStringView object,
-                                                     QStringView slot) const
-{
-    Q_ASSERT(m_rules.size() < m_buckets.size());
-    const std::size_t mask = m_buckets.size() - 1;
-    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
-        const Bucket& bucket = m_buckets[i];
-        if (bucket.rule == Bucket::kFree)
-            return bucket;
-        const Rule& rule = m_rules[static_cast<std::size_t>(bucket.rule)];
-        if (bucket.hash == hash && text(rule.object) == object && text(rule.slot) == slot)
-            return bucket;
+    // Half of the buckets stays free at least, or else look-ups in vain would take long.
+    std::size_t size = 1;
+    while (size < 2 * m_ruleCount)
+        size *= 2;
+    m_buckets.assign(size, kFree);
+    for (int position = 0; position < m_rules.size();) {
+        std::string_view rest = namesAt(position);
+        const Name object(takeName(rest));
+        const Name slot(takeName(rest));
+        int& bucket = m_buckets[bucketOf(object, slot)];
+        if (bucket == kFree)
+            bucket = position;
+        position = m_rules.size() - static_cast<int>(rest.size());
     }
 }
 
-MethodControl::Bucket& MethodControl::bucketOf(quint32 hash, QStringView object, QStringView slot)
+// m_rules from the names of the rule at that position on.
+std::string_view MethodControl::namesAt(int position) const
 {
-    return const_cast<Bucket&>(std::as_const(*this).bucketOf(hash, object, slot));
+    const int start = position + 1; // behind the method
+    return {m_rules.constData() + start, static_cast<std::size_t>(m_rules.size() - start)};
 }
 
-void MethodControl::grow()
+// The index of the bucket of the first rule for that object and slot; if there is none, of the free
+// bucket where it belongs.
+std::size_t MethodControl::bucketOf(const Name& object, const Name& slot) const
 {
-    constexpr std::size_t kFirstSize = 16;
-    std::vector<Bucket> buckets(std::max(kFirstSize, 4 * m_buckets.size()));
-    m_buckets.swap(buckets);
+    Q_ASSERT(m_ruleCount < m_buckets.size());
     const std::size_t mask = m_buckets.size() - 1;
-    for (const Bucket& bucket : buckets) {
-        if (bucket.rule == Bucket::kFree)
-            continue;
-        // No two rules are for the same object and slot, so any free bucket will do.
-        std::size_t i = bucket.hash & mask;
-        while (m_buckets[i].rule != Bucket::kFree)
-            i = (i + 1) & mask;
-        m_buckets[i] = bucket;
+    std::size_t i = (31 * object.hash + slot.hash) & mask;
+    for (; m_buckets[i] != kFree; i = (i + 1) & mask) {
+        const std::string_view names = namesAt(m_buckets[i]);
+        if (startsWith(names, object.bytes) &&
+            startsWith(names.substr(object.bytes.size()), slot.bytes))
+            break;
     }
+    return i;
 }
 
-int MethodControl::find(QStringView object, QStringView slot, quint32 slotHash) const
+int MethodControl::find(const Name& object, const Name& slot) const
 {
-    const Bucket& bucket = bucketOf(hashOf(object, slotHash), object, slot);
-    return bucket.rule == Bucket::kFree ? kNoRule : bucket.rule;
+    const int position = m_buckets[bucketOf(object, slot)];
+    return position == kFree ? kNoRule : position;
 }
 
 QString MethodControl::methodFor(const HtsSlot& slot) const
 {
-    if (m_rules.empty())
+    if (m_buckets.empty())
         return {};
-    int first = kNoRule;
-    for (const QStringView slotName : {QStringView(slot.slotName), kAny}) {
-        if (slotName == kAny && !m_hasRuleForAnySlot)
-            continue;
-        const quint32 slotHash = qHash(slotName);
-        for (const QStringView object :
-             {QStringView(slot.objectName), QStringView(slot.objectType), kAny})
-            first = std::min(first, find(object, slotName, slotHash));
-    }
-    return first == kNoRule ? QString() : m_rules[static_cast<std::size_t>(first)].method->word;
+    const SlotName objectName(slot.objectName);
+    const SlotName objectType(slot.objectType);
+    const SlotName slotName(slot.slotName);
+    const Name any("*\n"); // every object or every slot
+    const auto firstFor = [&, object = Name(objectName.bytes()),
+                           type = Name(objectType.bytes())](const Name& name) {
+        return std::min({find(object, name), find(type, name), find(any, name)});
+    };
+    int first = firstFor(Name(slotName.bytes()));
+    if (m_hasRuleForAnySlot)
+        first = std::min(first, firstFor(any));
+    if (first == kNoRule)
+        return {};
+    return aggMethods()[static_cast<std::size_t>(m_rules[first])].word;
 }

@@ -5,11 +5,10 @@
 #include <string_view>
 #include <vector>
 
+#include <QByteArray>
 #include <QString>
-#include <QStringView>
 
 #include "hts/htsslot.h"
-#include "hts/linetext.h"
 #include "hts/status.h"
 
 class QIODevice;
@@ -34,57 +33,42 @@ class MethodControl
 {
 public:
     // Reads a whole control file, open for reading. Blank lines are skipped; reading fails at any
-    // other line that is not a rule, with a message that quotes it.
+    // other line that is not a rule, with a message that quotes it. There are then no rules.
     Status read(QIODevice& device);
 
     // The method word that the rules give to the slot, in canonical case (see aggmethods.h), or an
-    // empty text when no rule matches.
+    // empty text when no rule matches. The slot's names hold no line end.
     QString methodFor(const HtsSlot& slot) const;
 
 private:
-    // A part of m_names.
-    struct Name
-    {
-        int position = 0;
-        int size = 0;
-    };
-    struct Rule
-    {
-        Name object;
-        Name slot;
-        const AggMethod* method = nullptr;
-    };
-    // An entry of the hash table.
-    struct Bucket
-    {
-        static constexpr int kFree = -1;
-        quint32 hash = 0;
-        int rule = kFree; // index in m_rules
-    };
-
-    Status readRule(std::string_view line);
-    Name append(std::string_view name);
-    QStringView text(const Name& name) const
-    {
-        return {m_names.constData() + name.position, name.size};
-    }
-    // Index of the rule for that object and slot, whose hash is given; kNoRule when there is none.
-    int find(QStringView object, QStringView slot, quint32 slotHash) const;
-    Bucket& bucketOf(quint32 hash, QStringView object, QStringView slot);
-    const Bucket& bucketOf(quint32 hash, QStringView object, QStringView slot) const;
-    void grow();
-
+    // Positions in m_rules.
+    static constexpr int kFree = -1; // of a bucket that has none
     static constexpr int kNoRule = std::numeric_limits<int>::max();
 
-    // In the order of the file. Of several rules for the same object and slot only the first is
-    // kept: a later one never applies.
-    std::vector<Rule> m_rules;
-    // A hash table over the rules. Those of the toolkit and the standard library allocate memory
-    // for each rule, which costs a cache miss at each look-up, and a file has many slots.
-    std::vector<Bucket> m_buckets; // the size is a power of two, or 0
-    QString m_names;
+    // The bytes of a name as they stand in m_rules, which outlive it, and their hash.
+    struct Name
+    {
+        explicit Name(std::string_view nameBytes);
+        std::string_view bytes;
+        std::size_t hash;
+    };
+
+    Status append(std::string_view line);
+    void index(); // fills m_buckets
+    // The position of the first rule for that object and slot; kNoRule when there is none.
+    int find(const Name& object, const Name& slot) const;
+    std::size_t bucketOf(const Name& object, const Name& slot) const;
+    std::string_view namesAt(int position) const;
+
+    // The rules in the order of the file: the method as a byte, its index in the table; then the
+    // names of object and slot, in UTF-8 and each with a line end, which no name holds.
+    QByteArray m_rules;
+    std::size_t m_ruleCount = 0;
+    // A hash table of the first rules for each object and slot. Those of the toolkit and the
+    // standard library allocate memory for each rule, which costs a cache miss at each look-up,
+    // and a file has many slots.
+    std::vector<int> m_buckets;       // the size is a power of two
     bool m_hasRuleForAnySlot = false; // whether a rule is for the slot "*"
-    RepeatedText m_slotName;          // of the rule read last
 };
 
 #endif // ANNUALIZE_METHODCONTROL_H

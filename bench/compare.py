@@ -26,11 +26,12 @@ MIB = 1024 * 1024
 
 @dataclass
 class Shape:
-    """An input: arguments of htsgenerate, and the rules of its control file ("all" for one rule)."""
+    """An input: arguments of htsgenerate, and for how many slots its control file has rules of their
+    own; 0 for one rule for all."""
 
     arguments: str
     tiny: str
-    rules: str = "all"
+    rules: int = 0
 
     def number(self, name, tiny):
         words = dict(word.split("=") for word in (self.tiny if tiny else self.arguments).split())
@@ -47,7 +48,9 @@ SHAPES = {
     "days, 1.2 GB": Shape("slots=4000 steps=18262 unit=day", "slots=4 steps=800 unit=day"),
     "one rule": Shape("slots=20000 steps=120 unit=month", "slots=20 steps=24 unit=month"),
     "a rule for each slot": Shape("slots=20000 steps=120 unit=month",
-                                  "slots=20 steps=24 unit=month", rules="each"),
+                                  "slots=20 steps=24 unit=month", rules=20000),
+    "a million rules": Shape("slots=5 steps=120 unit=month", "slots=5 steps=24 unit=month",
+                             rules=1000000),
     "10 KB": Shape("slots=5 steps=120 unit=month", "slots=5 steps=24 unit=month"),
 }
 
@@ -85,12 +88,12 @@ class Bench:
         """Paths of the input of that shape and of its control file, made when they are missing."""
         shape = SHAPES[name]
         path = self.generated(shape.tiny if self.tiny else shape.arguments)
-        control = self.data / f"{path.stem}_{shape.rules}.txt"
-        if shape.rules == "all":
+        rules = min(shape.rules, 20) if self.tiny else shape.rules
+        control = self.data / f"{path.stem}_{rules}.txt"
+        if rules == 0:
             control.write_text("*.*: Average\n")
         else:
-            control.write_text("".join(f"Object{slot}.Flow: Average\n"
-                                       for slot in range(shape.number("slots", self.tiny))))
+            control.write_text("".join(f"Object{slot}.Flow: Average\n" for slot in range(rules)))
         return path, control
 
     def program(self, name):
@@ -201,6 +204,13 @@ def method_assignment(bench):
                 f"{(each - one) / each:.1%}", "< 5%", f"{each:.3f} s, with one rule {one:.3f} s")]
 
 
+def many_rules(bench):
+    (seconds,), (peak,) = bench.compare(bench.program("a million rules"))
+    limit = bench.memory_limit("a million rules")
+    return [Row("a million rules: peak memory / limit", f"{peak / limit:.2f}", "<= 1",
+                f"{peak / MIB:.0f} MiB of {limit / MIB:.0f} MiB, {seconds:.2f} s")]
+
+
 def log_lines(bench):
     (logged, silent), _ = bench.compare(bench.variant("own", "on", "one rule"),
                                         bench.variant("own", "off", "one rule"))
@@ -266,6 +276,7 @@ def main():
         "check, many runs": lambda: checking(bench, "many runs"),
         "growth": lambda: growth(bench),
         "method assignment": lambda: method_assignment(bench),
+        "many rules": lambda: many_rules(bench),
         "log lines": lambda: log_lines(bench),
         "writing": lambda: writing(bench),
         "start-up": lambda: start_up(bench),

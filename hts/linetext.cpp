@@ -15,12 +15,6 @@ bool isSpace(char c)
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-bool isAscii(std::string_view bytes)
-{
-    return std::all_of(bytes.begin(), bytes.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
 bool hasByteOrderMark(std::string_view bytes)
 {
     return bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark;
@@ -56,12 +50,10 @@ QString toText(std::string_view bytes)
     return hasByteOrderMark(bytes) ? QChar(QChar::ByteOrderMark) + text : text;
 }
 
-void appendText(QString& text, std::string_view bytes)
+bool isAscii(std::string_view bytes)
 {
-    if (isAscii(bytes))
-        text += QLatin1String(bytes.data(), static_cast<int>(bytes.size()));
-    else
-        text += toText(bytes);
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 const QString& RepeatedText::of(std::string_view bytes)
