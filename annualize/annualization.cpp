@@ -115,15 +115,15 @@ Status Annualization::readSlot(HtsReader& reader, const HtsRun& run, int runInde
 
 void Annualization::planSlot(const HtsSlot& slot)
 {
-    const SlotPlan plan(slot, m_control.rules.methodFor(slot));
-    m_plans.append(plan);
+    m_plans.append(SlotPlan(slot, m_control.rules.methodFor(slot)));
+    const SlotPlan& plan = m_plans.constLast();
     if (!plan.isAnnualized())
         return;
     ++m_annualizedCount;
     HtsSlot annualSlot = plan.annualSlot(slot);
     if (!m_annual.slots.isEmpty())
         annualSlot.shareTexts(m_annual.slots.constLast());
-    m_annual.slots.append(annualSlot);
+    m_annual.slots.append(std::move(annualSlot));
 }
 
 void Annualization::annualizeSlot(int runIndex, int slotIndex)
