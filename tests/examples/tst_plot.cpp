@@ -1,6 +1,8 @@
 // The recipes of examples/plot: what they draw of the examples and of a small file.
 
+#include <QDate>
 #include <QImage>
+#include <QRegularExpression>
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
@@ -47,6 +49,30 @@ QImage Plot::picture() const
     return QImage(path(QStringLiteral("plot.png"))).convertToFormat(QImage::Format_RGB32);
 }
 
+// Three years of weeks that end on Saturdays.
+QByteArray weeklyFile()
+{
+    const int count = 157;
+    const QDate first(2000, 10, 7);
+    const auto end = [&](int week) {
+        const QDate day = first.addDays(7 * week);
+        return QStringLiteral("%1-%2-%3 24:00").arg(day.year()).arg(day.month()).arg(day.day());
+    };
+    QString text = QStringLiteral("name:w\nowner:w\ndescription:w\ncreate_date:2015-3-31 24:00\n"
+                                  "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:%1\nend:%2\n"
+                                  "time_step_unit:week\nunit_quantity:1\ntime_steps:%3\n"
+                                  "consecutive:1\nidx_sequential:1\nEND_RUN_PREAMBLE\n")
+                       .arg(end(0), end(count - 1))
+                       .arg(count);
+    for (int week = 0; week < count; ++week)
+        text += end(week) + QLatin1Char('\n');
+    text += QStringLiteral("object_type: Reservoir\nobject_name: Lake A\nslot_type: SeriesSlot\n"
+                           "slot_name: Outflow\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n") +
+            QStringLiteral("1.5\n").repeated(count) +
+            QStringLiteral("END_COLUMN\nEND_SLOT\nEND_RUN\n");
+    return text.toUtf8();
+}
+
 // Number of pixels of exactly this colour.
 int count(const QImage& picture, QRgb colour)
 {
@@ -75,6 +101,8 @@ class TestPlot : public QObject
 private Q_SLOTS:
     void exampleIsDrawn_data();
     void exampleIsDrawn();
+    void yearsOfTheCountsAreThoseOfTheResult_data();
+    void yearsOfTheCountsAreThoseOfTheResult();
     void pictureIsTheSameEachTime_data();
     void pictureIsTheSameEachTime();
     void fileWithoutMissingValuesHasNoBars_data();
@@ -143,6 +171,41 @@ void TestPlot::exampleIsDrawn()
     QVERIFY(count(picture, kAnnual) > 1000);
     QVERIFY(count(picture, kFirstBar) > 100);
     QCOMPARE(count(picture, kSecondBar) > 0, hasSecondBar);
+}
+
+void TestPlot::yearsOfTheCountsAreThoseOfTheResult_data()
+{
+    QTest::addColumn<QString>("recipe");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<QString>("endMonth");
+    const auto rows = [](const char* name, const QString& recipe) {
+        QTest::addRow("%s, months", name) << recipe << monthlyFile() << QStringLiteral("9");
+        QTest::addRow("%s, December", name) << recipe << monthlyFile() << QStringLiteral("12");
+        // A year of weeks seldom ends with a month.
+        QTest::addRow("%s, weeks", name) << recipe << weeklyFile() << QStringLiteral("9");
+    };
+    rows("gnuplot", kGnuplot);
+    rows("python", kPython);
+}
+
+void TestPlot::yearsOfTheCountsAreThoseOfTheResult()
+{
+    QFETCH(QString, recipe);
+    QFETCH(QByteArray, input);
+    QFETCH(QString, endMonth);
+    Plot plot;
+    writeInputs(plot);
+    plot.write(QStringLiteral("a.hts"), input);
+    plot.convert(endMonth);
+    QCOMPARE(plot.exitCode, 0);
+    plot.startShell(QStringLiteral("printf '#!/bin/sh\necho \"$*\" >>calls\nexec \"%s\" \"$@\"\n' "
+                                   "\"$HTSTOOL\" >tool; chmod +x tool; HTSTOOL=./tool ") +
+                    recipe + kArguments);
+    QCOMPARE(plot.exitCode, 0);
+    const QString calls = QString::fromUtf8(plot.read(QStringLiteral("calls")));
+    const QRegularExpression month(QStringLiteral("^check .*-y 0*(\\d+) "),
+                                   QRegularExpression::MultilineOption);
+    QCOMPARE(month.match(calls).captured(1), endMonth);
 }
 
 void TestPlot::pictureIsTheSameEachTime_data()
