@@ -82,7 +82,9 @@ start_x_server() {
     unset QT_SCALE_FACTOR QT_FONT_DPI QT_STYLE_OVERRIDE QT_QPA_PLATFORMTHEME
     export DBUS_SESSION_BUS_ADDRESS=disabled: # else the display would get a bus that stays
 
-    start_process xvfb Xvfb -displayfd 3 -screen 0 "$1" -dpi 96 -nolisten tcp 3>"$folder/display"
+    # A server that resets after its last client refuses the next one meanwhile.
+    start_process xvfb Xvfb -noreset -displayfd 3 -screen 0 "$1" -dpi 96 -nolisten tcp \
+        3>"$folder/display"
     until_true "the X server" test -s "$folder/display"
     DISPLAY=:$(<"$folder/display")
     export DISPLAY
