@@ -2,12 +2,11 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <exception>
-#include <new>
 
 #include <QtGlobal>
 
 #include "utils/console.h"
+#include "utils/processsetup.h"
 
 namespace {
 
@@ -19,22 +18,12 @@ void showFatalOnly(QtMsgType type, const QMessageLogContext&, const QString& mes
         showFatal(message);
 }
 
-// Memory may run out where std::bad_alloc can't be caught: while the application object is created,
-// or in a destructor that runs because memory has run out already.
-[[noreturn]] void endWithoutMemory()
+void showNoMemory()
 {
-    try {
-        if (std::current_exception() != nullptr)
-            throw;
-    } catch (const std::bad_alloc&) {
-        constexpr char kText[] = "HtsAnnualizer Error: Not enough memory\n\n";
-        UtilsNS::Console& console = UtilsNS::processConsole();
-        if (console.open())
-            console.write(kText, std::strlen(kText));
-        std::_Exit(EXIT_FAILURE);
-    } catch (...) {
-    }
-    std::abort();
+    constexpr char kText[] = "HtsAnnualizer Error: Not enough memory\n\n";
+    UtilsNS::Console& console = UtilsNS::processConsole();
+    if (console.open())
+        console.write(kText, std::strlen(kText));
 }
 
 } // namespace
@@ -42,6 +31,6 @@ void showFatalOnly(QtMsgType type, const QMessageLogContext&, const QString& mes
 void prepareCommandLineMode()
 {
     qInstallMessageHandler(showFatalOnly);
-    std::set_terminate(endWithoutMemory);
+    UtilsNS::endWhenMemoryRunsOut(showNoMemory, EXIT_FAILURE);
     choosePlatformPlugin();
 }

@@ -1,6 +1,7 @@
 #include "tool/checkcommand.h"
 
 #include <algorithm>
+#include <new>
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -68,14 +69,20 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
     options.endMonth = m_options.endMonth;
     options.counts = counts;
     options.fileName = path;
-    const CheckReport found = checkFile(file, options);
-    if (file.problem().isEmpty()) {
-        report(found, names);
-        return;
+    QString problem;
+    try {
+        const CheckReport found = checkFile(file, options);
+        problem = file.problem();
+        if (problem.isEmpty())
+            report(found, names);
+    } catch (const std::bad_alloc&) {
+        problem = QStringLiteral("not enough memory");
     }
     // The findings are about only a part of the file, so they are dropped.
-    reportProblem(path, file.problem(), m_io);
-    reportUnusable(names, file.problem());
+    if (!problem.isEmpty()) {
+        reportProblem(path, problem, m_io);
+        reportUnusable(names, problem);
+    }
 }
 
 void CheckCommand::report(const CheckReport& report, const ReportNames& names)

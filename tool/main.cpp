@@ -26,11 +26,17 @@ bool isColourWanted()
 #endif
 }
 
+void showNoMemory()
+{
+    std::fputs("htstool: not enough memory\n", stderr);
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
     UtilsNS::openStandardStreams();
+    UtilsNS::endWhenMemoryRunsOut(showNoMemory, ExitCode::kUnusable);
     const QCoreApplication application(argc, argv);
     UtilsNS::chooseTextEncoding();
     QFile output;

@@ -20,6 +20,11 @@ void chooseTextEncoding();
 // write each line feed as two characters, and end the input at a Ctrl+Z.
 void useBinaryMode(std::FILE* stream);
 
+// From now on the process calls `report` and ends with `exitCode` when memory runs out where
+// std::bad_alloc is not caught, or can't be: while the application object is created, or in a
+// destructor that runs because memory has run out already. `report` takes no memory.
+void endWhenMemoryRunsOut(void (*report)(), int exitCode);
+
 } // namespace UtilsNS
 
 #endif // UTILS_PROCESSSETUP_H

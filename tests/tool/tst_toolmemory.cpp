@@ -1,0 +1,53 @@
+// htstool with less memory than it needs: it says so, with the exit code of a file that cannot be
+// read, and what it found in other files is not lost.
+
+#include <QtTest>
+
+#include "tests/support/wholefile.h"
+#include "tests/tool/toolrun.h"
+
+class ToolMemoryTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void fileWithoutEnd_data();
+    void fileWithoutEnd();
+};
+
+void ToolMemoryTest::fileWithoutEnd_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QByteArray>("output");
+    QTest::addColumn<QByteArray>("errors");
+
+    QTest::newRow("check")
+        << "check a.hts /dev/zero b.hts"
+        << QByteArray("a.hts:68: warning: \"the end\" follows the last run and is not read "
+                      "[text-after-last-run]\n")
+        << QByteArray("a.hts: 0 errors, 1 warning, 0 notes\n"
+                      "htstool: /dev/zero: not enough memory\n"
+                      "b.hts: 0 errors, 0 warnings, 0 notes\n");
+    QTest::newRow("control file") << "check b.hts -c /dev/zero" << QByteArray()
+                                  << QByteArray("htstool: b.hts: not enough memory\n");
+    QTest::newRow("export") << "export /dev/zero -o -" << QByteArray()
+                            << QByteArray("htstool: not enough memory\n");
+}
+
+void ToolMemoryTest::fileWithoutEnd()
+{
+    QFETCH(QString, arguments);
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"),
+              sourceFile(QStringLiteral("tests/check/files/text-after-last-run.hts")));
+    run.write(QStringLiteral("b.hts"),
+              sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts")));
+    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v 600000; exec \"$PROGRAM\" ") + arguments);
+    QTEST(run.output, "output");
+    QTEST(run.errors, "errors");
+    QCOMPARE(run.exitCode, 3);
+}
+
+QTEST_GUILESS_MAIN(ToolMemoryTest)
+
+#include "tst_toolmemory.moc"

@@ -1,0 +1,36 @@
+#include "utils/processsetup.h"
+
+#include <cstdlib>
+#include <exception>
+#include <new>
+
+namespace {
+
+void (*reportNoMemory)() = nullptr;
+int noMemoryExitCode = EXIT_FAILURE;
+
+[[noreturn]] void end()
+{
+    try {
+        if (std::current_exception() != nullptr)
+            throw;
+    } catch (const std::bad_alloc&) {
+        reportNoMemory();
+        std::_Exit(noMemoryExitCode);
+    } catch (...) {
+    }
+    std::abort();
+}
+
+} // namespace
+
+namespace UtilsNS {
+
+void endWhenMemoryRunsOut(void (*report)(), int exitCode)
+{
+    reportNoMemory = report;
+    noMemoryExitCode = exitCode;
+    std::set_terminate(end);
+}
+
+} // namespace UtilsNS
