@@ -29,7 +29,7 @@ bool isNearly(const QString& word, const QString& known)
 
 // Whether the word is only a beginning of the key, or has another character in the place of the
 // colon.
-bool isCutKey(const QString& word, const QString& key)
+bool isCutOrWithoutColon(const QString& word, const QString& key)
 {
     constexpr int kMinLetters = 2;
     const QString name = withoutColon(key);
@@ -96,7 +96,7 @@ QLatin1String nearestKey(std::string_view line, const std::vector<QLatin1String>
             return key;
     }
     for (const QLatin1String key : keys) {
-        if (isCutKey(wordFor(key), key))
+        if (isCutOrWithoutColon(wordFor(key), key))
             return key;
     }
     return {};

@@ -20,7 +20,7 @@ QLatin1String nearestWord(const QString& word, const std::vector<QLatin1String>&
 // The first of `keys` (keys with their colon and blank, or end lines) with which `line` nearly
 // begins: with another letter case, blanks or tabs missing or added, and at an edit distance of at
 // most 1. If there is none, the first that is cut off, or has another character than the colon.
-// Empty if there is none, either.
+// Empty if there is none of these either.
 QLatin1String nearestKey(std::string_view line, const std::vector<QLatin1String>& keys);
 
 #endif // CHECK_NEARWORDS_H

@@ -61,7 +61,7 @@ bool RuleCheck::readRules(UtilsNS::CheckedFile& file)
             continue;
         MethodRule parsed;
         const Status status = parseMethodRule(line, parsed);
-        // What a failed read left of a line is none.
+        // The read may have cut this line off.
         if (!status.ok() && !file.problem().isEmpty())
             break;
         if (!status.ok()) {

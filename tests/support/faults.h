@@ -19,7 +19,7 @@ struct Fault
     int signal = 0;
 };
 
-// Makes the runs that follow have the fault.
+// The fault happens in all later runs.
 void preload(ProcessRun& run, const Fault& fault);
 
 #endif // TESTS_SUPPORT_FAULTS_H

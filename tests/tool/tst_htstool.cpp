@@ -451,13 +451,14 @@ void HtstoolTest::failedReadIsReported()
     QCOMPARE(run.exitCode, 2);
 }
 
-// Not what the read left of a line.
+// What the failed read left of a line is not reported.
 void HtstoolTest::controlFileThatCannotBeReadToItsEndIsReported()
 {
     ToolRun run;
     run.write(QStringLiteral("a.hts"), codeFile("slot-without-rule"));
-    run.write(QStringLiteral("c.txt"), "*.*: Sum\nLake.Outflow: Sum\n");
-    for (const int at : {9, 13}) {
+    run.write(QStringLiteral("c.txt"), "*.*: Sum\nLake.Outflow: SumNaN\n");
+    const int ends[] = {9, 13, 26}; // of a rule, in a word, and before "NaN"
+    for (const int at : ends) {
         preload(run, {"c.txt", "read", at});
         run.start(words("check a.hts -c c.txt"));
         QCOMPARE(run.output.split('\n').first(),
