@@ -1,35 +1,21 @@
 #include "annualize/controlfile.h"
 
-#include <QIODevice>
-
 #include "QsLog.h"
 #include "annualize/slotplan.h"
 #include "utils/checkedfile.h"
-
-namespace {
-
-void readToEnd(QIODevice& device)
-{
-    constexpr qint64 kPieceSize = qint64(64) * 1024;
-    while (!device.read(kPieceSize).isEmpty()) {
-    }
-}
-
-} // namespace
 
 ControlFile readControlFile(const QString& path)
 {
     ControlFile control;
     UtilsNS::CheckedFile file(path);
-    // Not in text mode, in which reading drops every "\r", even one inside a line.
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         control.status = failure(file.errorString());
         return control;
     }
     control.status = control.rules.read(file);
-    readToEnd(file); // behind a bad line
     control.isRead = file.problem().isEmpty();
-    // A failed read must not count as the end of the rules.
+    // A failed read must not count as the end of the rules, nor what it left of a line as a bad
+    // one.
     if (!control.isRead)
         control.status = failure(file.problem());
     if (!control.status.ok())

@@ -14,14 +14,14 @@ struct ControlFile
     // Why there are no rules: the error text of a file that can't be opened or read, or the message
     // for a bad line.
     Status status;
-    // Whether the whole file could be read, even if some line is not a rule. Only then is the start
-    // of the assignment logged.
+    // Whether the file could be opened, and no read failed, even if some line is not a rule. Only
+    // then is the start of the assignment logged.
     bool isRead = false;
     // Without any rule unless `status` is a success.
     MethodControl rules;
 };
 
-// Opens the file at `path` and reads it to its end, once.
+// Opens the file at `path` and reads it once, to its end or the first line that is not a rule.
 ControlFile readControlFile(const QString& path);
 
 // The log lines of an assignment: the first, the line for a slot and its method word (empty for

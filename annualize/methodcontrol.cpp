@@ -1,6 +1,7 @@
 #include "annualize/methodcontrol.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
 
 #include <QIODevice>
@@ -35,13 +36,13 @@ void appendName(QByteArray& rules, std::string_view name)
     rules += '\n';
 }
 
-// A name of a slot as names stand among the rules.
-class SlotName
+// A name of a slot as the rules have names. As no rule is for an empty name, that stands for a name
+// with a line end, which no file has.
+class NameBytes
 {
 public:
-    explicit SlotName(QStringView name)
+    explicit NameBytes(QStringView name)
     {
-        Q_ASSERT(!name.contains(QLatin1Char('\n')));
         // Most names are ASCII, which takes no conversion and no memory.
         m_bytes.resize(static_cast<int>(name.size()));
         ushort bits = 0;
@@ -54,6 +55,8 @@ public:
             m_bytes.clear();
             m_bytes.append(utf8.constData(), utf8.size());
         }
+        if (bytes().find('\n') != std::string_view::npos)
+            m_bytes.clear();
         m_bytes.append('\n');
     }
 
@@ -105,14 +108,14 @@ Status parseMethodRule(std::string_view line, MethodRule& rule)
     return {};
 }
 
-MethodControl::Name::Name(std::string_view nameBytes)
+MethodControl::HashedName::HashedName(std::string_view nameBytes)
     : bytes(nameBytes), hash(std::hash<std::string_view>()(nameBytes))
 {
 }
 
 Status MethodControl::read(QIODevice& device)
 {
-    Q_ASSERT(device.isReadable());
+    Q_ASSERT(device.isReadable() && m_rules.isEmpty());
     LineReader reader(device);
     while (!reader.atEnd()) {
         const std::string_view line = stripped(textBytes(reader.line()));
@@ -122,7 +125,7 @@ Status MethodControl::read(QIODevice& device)
         if (!status.ok())
             return status;
     }
-    index();
+    fillBuckets();
     return {};
 }
 
@@ -138,73 +141,75 @@ Status MethodControl::append(std::string_view line)
     appendName(m_rules, rule.object);
     appendName(m_rules, rule.slot);
     ++m_ruleCount;
+    m_hasRuleForAnyObject = m_hasRuleForAnyObject || rule.object == "*";
     m_hasRuleForAnySlot = m_hasRuleForAnySlot || rule.slot == "*";
     return {};
 }
 
-void MethodControl::index()
+void MethodControl::fillBuckets()
 {
-    // Half of the buckets stays free at least, or else look-ups in vain would take long.
-    std::size_t size = 1;
-    while (size < 2 * m_ruleCount)
-        size *= 2;
-    m_buckets.assign(size, kFree);
-    for (int position = 0; position < m_rules.size();) {
+    // Half of the buckets stays free, so that looking for what is not there is short.
+    m_buckets.assign(2 * m_ruleCount + 1, kNoRule);
+    for (Position position = 0; position < m_rules.size();) {
         std::string_view rest = namesAt(position);
-        const Name object(takeName(rest));
-        const Name slot(takeName(rest));
-        int& bucket = m_buckets[bucketOf(object, slot)];
-        if (bucket == kFree)
+        const HashedName object(takeName(rest));
+        const HashedName slot(takeName(rest));
+        Position& bucket = m_buckets[bucketOf(object, slot)];
+        if (bucket == kNoRule)
             bucket = position;
         position = m_rules.size() - static_cast<int>(rest.size());
     }
 }
 
 // m_rules from the names of the rule at that position on.
-std::string_view MethodControl::namesAt(int position) const
+std::string_view MethodControl::namesAt(Position position) const
 {
-    const int start = position + 1; // behind the method
+    const int start = position + 1; // after the method
     return {m_rules.constData() + start, static_cast<std::size_t>(m_rules.size() - start)};
 }
 
 // The index of the bucket of the first rule for that object and slot; if there is none, of the free
 // bucket where it belongs.
-std::size_t MethodControl::bucketOf(const Name& object, const Name& slot) const
+std::size_t MethodControl::bucketOf(const HashedName& object, const HashedName& slot) const
 {
     Q_ASSERT(m_ruleCount < m_buckets.size());
-    const std::size_t mask = m_buckets.size() - 1;
-    std::size_t i = (31 * object.hash + slot.hash) & mask;
-    for (; m_buckets[i] != kFree; i = (i + 1) & mask) {
+    // Equal names of object and slot must not cancel each other out.
+    constexpr quint64 kOddNumber = 0x9e3779b97f4a7c15;
+    const quint64 hash = object.hash + kOddNumber * slot.hash;
+    // From all 32-bit numbers to all buckets.
+    std::size_t i = (hash >> 32) * m_buckets.size() >> 32;
+    while (m_buckets[i] != kNoRule) {
         const std::string_view names = namesAt(m_buckets[i]);
         if (startsWith(names, object.bytes) &&
             startsWith(names.substr(object.bytes.size()), slot.bytes))
             break;
+        if (++i == m_buckets.size())
+            i = 0;
     }
     return i;
 }
 
-int MethodControl::find(const Name& object, const Name& slot) const
+MethodControl::Position MethodControl::find(const HashedName& object, const HashedName& slot) const
 {
-    const int position = m_buckets[bucketOf(object, slot)];
-    return position == kFree ? kNoRule : position;
+    return m_buckets[bucketOf(object, slot)];
 }
 
 QString MethodControl::methodFor(const HtsSlot& slot) const
 {
     if (m_buckets.empty())
         return {};
-    const SlotName objectName(slot.objectName);
-    const SlotName objectType(slot.objectType);
-    const SlotName slotName(slot.slotName);
-    const Name any("*\n"); // every object or every slot
-    const auto firstFor = [&, object = Name(objectName.bytes()),
-                           type = Name(objectType.bytes())](const Name& name) {
-        return std::min({find(object, name), find(type, name), find(any, name)});
+    const NameBytes objectName(slot.objectName);
+    const NameBytes objectType(slot.objectType);
+    const NameBytes slotName(slot.slotName);
+    const HashedName any("*\n"); // every object or every slot
+    const auto firstFor = [&, object = HashedName(objectName.bytes()),
+                           type = HashedName(objectType.bytes())](const HashedName& name) {
+        const Position first = std::min(find(object, name), find(type, name));
+        return m_hasRuleForAnyObject ? std::min(first, find(any, name)) : first;
     };
-    int first = firstFor(Name(slotName.bytes()));
+    Position first = firstFor(HashedName(slotName.bytes()));
     if (m_hasRuleForAnySlot)
         first = std::min(first, firstFor(any));
-    if (first == kNoRule)
-        return {};
-    return aggMethods()[static_cast<std::size_t>(m_rules[first])].word;
+    return first == kNoRule ? QString()
+                            : aggMethods()[static_cast<std::size_t>(m_rules[first])].word;
 }

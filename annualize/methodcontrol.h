@@ -32,43 +32,46 @@ Status parseMethodRule(std::string_view line, MethodRule& rule);
 class MethodControl
 {
 public:
-    // Reads a whole control file, open for reading. Blank lines are skipped; reading fails at any
-    // other line that is not a rule, with a message that quotes it. There are then no rules.
+    // Reads a whole control file, open for reading. Blank lines are skipped; reading ends at any
+    // other line that is not a rule, and fails with a message that quotes it: there are then no
+    // rules. To be called once. Throws std::bad_alloc for 2 GiB of names.
     Status read(QIODevice& device);
 
     // The method word that the rules give to the slot, in canonical case (see aggmethods.h), or an
-    // empty text when no rule matches. The slot's names hold no line end.
+    // empty text when no rule matches.
     QString methodFor(const HtsSlot& slot) const;
 
 private:
-    // Positions in m_rules.
-    static constexpr int kFree = -1; // of a bucket that has none
-    static constexpr int kNoRule = std::numeric_limits<int>::max();
+    // A position in m_rules; kNoRule if there is no rule.
+    using Position = int;
+    static constexpr Position kNoRule = std::numeric_limits<Position>::max();
 
-    // The bytes of a name as they stand in m_rules, which outlive it, and their hash.
-    struct Name
+    // The bytes of a name, as m_rules has them, and their hash.
+    struct HashedName
     {
-        explicit Name(std::string_view nameBytes);
+        explicit HashedName(std::string_view nameBytes);
         std::string_view bytes;
         std::size_t hash;
     };
 
     Status append(std::string_view line);
-    void index(); // fills m_buckets
-    // The position of the first rule for that object and slot; kNoRule when there is none.
-    int find(const Name& object, const Name& slot) const;
-    std::size_t bucketOf(const Name& object, const Name& slot) const;
-    std::string_view namesAt(int position) const;
+    void fillBuckets();
+    // The first rule for that object and slot.
+    Position find(const HashedName& object, const HashedName& slot) const;
+    std::size_t bucketOf(const HashedName& object, const HashedName& slot) const;
+    std::string_view namesAt(Position position) const;
 
     // The rules in the order of the file: the method as a byte, its index in the table; then the
     // names of object and slot, in UTF-8 and each with a line end, which no name holds.
     QByteArray m_rules;
     std::size_t m_ruleCount = 0;
-    // A hash table of the first rules for each object and slot. Those of the toolkit and the
-    // standard library allocate memory for each rule, which costs a cache miss at each look-up,
-    // and a file has many slots.
-    std::vector<int> m_buckets;       // the size is a power of two
-    bool m_hasRuleForAnySlot = false; // whether a rule is for the slot "*"
+    // A hash table of the first rules for each object and slot; empty until all have been read.
+    // Those of the toolkit and the standard library allocate memory for each rule, which costs a
+    // cache miss at each look-up, and a file has many slots.
+    std::vector<Position> m_buckets;
+    // Whether a rule is for "*".
+    bool m_hasRuleForAnyObject = false;
+    bool m_hasRuleForAnySlot = false;
 };
 
 #endif // ANNUALIZE_METHODCONTROL_H

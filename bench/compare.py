@@ -50,7 +50,7 @@ SHAPES = {
     "a rule for each slot": Shape("slots=20000 steps=120 unit=month",
                                   "slots=20 steps=24 unit=month", rules=20000),
     "a million rules": Shape("slots=5 steps=120 unit=month", "slots=5 steps=24 unit=month",
-                             rules=1000000),
+                             rules=1050000),
     "10 KB": Shape("slots=5 steps=120 unit=month", "slots=5 steps=24 unit=month"),
 }
 
@@ -90,11 +90,14 @@ class Bench:
         path = self.generated(shape.tiny if self.tiny else shape.arguments)
         rules = min(shape.rules, 20) if self.tiny else shape.rules
         control = self.data / f"{path.stem}_{rules}.txt"
-        with open(control, "w", encoding="ascii") as file:
-            if rules == 0:
-                file.write("*.*: Average\n")
-            # In pieces; see whole_process.
-            file.writelines(f"Object{slot}.Flow: Average\n" for slot in range(rules))
+        if not control.exists():
+            partial = control.with_suffix(".partial")
+            with open(partial, "w", encoding="ascii") as file:
+                if rules == 0:
+                    file.write("*.*: Average\n")
+                # In pieces; see whole_process.
+                file.writelines(f"Object{slot}.Flow: Average\n" for slot in range(rules))
+            partial.rename(control)
         return path, control
 
     def program(self, name):

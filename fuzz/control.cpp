@@ -154,7 +154,7 @@ void checkMethods(const Rules& rules, const QVector<HtsSlot>& slots, const QStri
     }
 }
 
-// The rules as read from a device in binary mode, which the engine never uses.
+// The rules as read from another device than a file.
 void checkBinary(const QByteArray& input, const Rules& rules, const QVector<HtsSlot>& slots)
 {
     QBuffer device;

@@ -20,7 +20,7 @@ std::string_view textBytes(std::string_view line);
 
 // The text of bytes from textBytes(), or of the rest of them from any character on.
 QString toText(std::string_view bytes);
-// Whether they are all ASCII, and so the UTF-8 of toText(bytes).
+// Whether all bytes are ASCII; they are then the UTF-8 of toText(bytes).
 bool isAscii(std::string_view bytes);
 
 // Converts bytes that are mostly the same as in the call before, such as names and units of slots.

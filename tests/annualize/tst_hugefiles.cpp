@@ -15,6 +15,7 @@ namespace {
 
 constexpr qint64 kLength = 100'000'000; // of a line, in bytes
 constexpr qint64 kSlots = 1'000'000;
+constexpr qint64 kRules = 500'000;
 
 // The pieces of a file that gives `annualFile` with the sum 78.
 
@@ -102,6 +103,7 @@ class HugeFilesTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void manyRules();
     void manySlots_data();
     void manySlots() { convertRow(kSlots * kMaxBytesPerSlot); }
     void longLines_data();
@@ -114,6 +116,12 @@ private:
     // triples it.
     static constexpr qint64 kMaxBytesPerSlot = 2000;
     static constexpr qint64 kMaxBytesPerByte = 20;
+    // The address sanitizer keeps freed memory for a while.
+#ifdef __SANITIZE_ADDRESS__
+    static constexpr qint64 kMaxBytesPerByteOfRules = 10;
+#else
+    static constexpr qint64 kMaxBytesPerByteOfRules = 2;
+#endif
 
     static void convertRow(qint64 maxMemory);
 };
@@ -131,6 +139,28 @@ void HugeFilesTest::convertRow(qint64 maxMemory)
     QVERIFY(outcome.isAsExpected);
     const qint64 peak = peakMemory();
     QVERIFY2(peak > 0 && peak < maxMemory, QByteArray::number(peak));
+}
+
+// Before all others, which take more memory. The rules take about as much as their file.
+void HugeFilesTest::manyRules()
+{
+    const QTemporaryDir folder;
+    QVERIFY(folder.isValid());
+    QFile control(folder.filePath(QStringLiteral("methods.txt")));
+    QVERIFY(control.open(QIODevice::WriteOnly));
+    for (qint64 i = 0; i < kRules; ++i)
+        control.write("Lake" + QByteArray::number(i) + ".Flow: Average\n");
+    control.write("Lake.Flow: Sum\n");
+    control.close();
+
+    const qint64 before = peakMemory();
+    const Outcome outcome = convert({{"name:x" + monthlyFile("12") + kFileEnd}}, control.fileName(),
+                                    {{"name:x" + annualFile("78")}});
+    QCOMPARE(outcome.message, QString());
+    QVERIFY(outcome.isAsExpected);
+    const qint64 taken = peakMemory() - before;
+    QVERIFY2(before > 0 && taken < control.size() * kMaxBytesPerByteOfRules,
+             QByteArray::number(taken));
 }
 
 // Before the long lines, which take more memory.

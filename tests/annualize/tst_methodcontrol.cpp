@@ -55,6 +55,7 @@ private Q_SLOTS:
     void assignsMethods();
     void acceptsEveryWordInAnyCase_data();
     void acceptsEveryWordInAnyCase();
+    void nameWithALineEndFitsNoRule();
     void refusesBadLines_data();
     void refusesBadLines();
     void badLineLeavesListAndRestUnchanged();
@@ -227,6 +228,28 @@ void MethodControlTest::acceptsEveryWordInAnyCase()
             assign("*.*: " + text.toUtf8(), makeSlots({QStringLiteral("A.Flow")}), methods);
         QCOMPARE(status.message, QString());
         QCOMPARE(methods, QStringList{word});
+    }
+}
+
+// A file has no such name, but a caller may: here one that is like the end of a rule and the next
+// rule as MethodControl keeps them, in tables of many sizes.
+void MethodControlTest::nameWithALineEndFitsNoRule()
+{
+    for (int count = 2; count < 40; ++count) {
+        QByteArray rules;
+        QVector<HtsSlot> slots;
+        for (int i = 0; i < count; ++i) {
+            const QString object = QStringLiteral("A%1").arg(i);
+            rules += object.toUtf8() + ".Flow: Max\n";
+            HtsSlot slot;
+            slot.objectName = object;
+            slot.slotName =
+                QStringLiteral("Flow\n\x04").append(QStringLiteral("A%1\nFlow").arg(i + 1));
+            slots.append(slot);
+        }
+        QStringList methods;
+        QCOMPARE(assign(rules, slots, methods).message, QString());
+        QCOMPARE(methods.join(QString()), QString());
     }
 }
 

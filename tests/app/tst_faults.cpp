@@ -97,7 +97,6 @@ private Q_SLOTS:
     void inputErrorAtAnyByteOfADevice();
     void controlFileThatCannotBeRead_data();
     void controlFileThatCannotBeRead();
-    void controlFileThatCannotBeReadBehindABadLine();
     void resultThatCannotBeWritten_data();
     void resultThatCannotBeWritten();
     void resultOnADiskThatIsFullForAWhile_data();
@@ -398,19 +397,6 @@ void TestFaults::controlFileThatCannotBeRead()
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(withoutTime(bytes(run, "b.log")), logWithError(kNoMethods));
     QCOMPARE(bytes(run, "b.hts"), QByteArray());
-}
-
-// That the file cannot be read counts before what is wrong in it, and the log does not say that the
-// assignment starts.
-void TestFaults::controlFileThatCannotBeReadBehindABadLine()
-{
-    AnnualizerRun run;
-    writeManySlots(run);
-    run.write(QStringLiteral("c.txt"), "bad line\n" + QByteArray(200000, '\n'));
-    preload(run, {"c.txt", "read", 190000});
-    run.start(words("-i a.hts -o b.hts -c c.txt"));
-    QCOMPARE(run.exitCode, 1);
-    QCOMPARE(withoutTime(bytes(run, "b.log")), logWithError(kNoMethods));
 }
 
 void TestFaults::resultThatCannotBeWritten_data()

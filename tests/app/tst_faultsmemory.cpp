@@ -27,6 +27,7 @@ private Q_SLOTS:
     void initTestCase();
     void limitsAroundTheLowestThatSuffices();
     void inputWithoutEnd();
+    void controlFileWithoutEnd();
 
 private:
     enum class Outcome {
@@ -146,6 +147,24 @@ void TestFaultsMemory::inputWithoutEnd()
     QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
              logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n")
                  .replace("a.hts", "/dev/zero"));
+    QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
+}
+
+void TestFaultsMemory::controlFileWithoutEnd()
+{
+    const int limit = lowestSufficientLimit();
+    QVERIFY2(limit > 0, m_details);
+    AnnualizerRun run;
+    writeInputs(run);
+    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1; "
+                                  "exec \"$PROGRAM\" -i a.hts -o b.hts -c /dev/zero")
+                       .arg(limit + 16 * 1024));
+    QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
+             logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n")
+                 .replace("c.txt", "/dev/zero"));
     QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
 }
 
