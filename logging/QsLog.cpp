@@ -29,12 +29,11 @@ QLatin1String secondText(qint64 second)
     static_assert(std::is_trivially_destructible_v<decltype(text)>);
     if (second != lastSecond) {
         // QDateTime::toString would write the digits of the host's locale.
-        const QByteArray latin1 = QLocale::c()
-                                      .toString(QDateTime::fromMSecsSinceEpoch(second * 1000),
-                                                QStringLiteral("yyyy-MM-ddThh:mm:ss."))
-                                      .toLatin1();
-        Q_ASSERT(static_cast<size_t>(latin1.size()) == text.size());
-        std::copy(latin1.cbegin(), latin1.cend(), text.begin());
+        const QString stamp = QLocale::c().toString(QDateTime::fromMSecsSinceEpoch(second * 1000),
+                                                    QStringLiteral("yyyy-MM-ddThh:mm:ss."));
+        Q_ASSERT(static_cast<std::size_t>(stamp.size()) == text.size());
+        std::transform(text.begin(), text.end(), stamp.begin(), text.begin(),
+                       [](char /*old*/, QChar c) { return c.toLatin1(); });
         lastSecond = second;
     }
     return QLatin1String(text.data(), static_cast<int>(text.size()));
