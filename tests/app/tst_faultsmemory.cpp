@@ -26,8 +26,8 @@ class TestFaultsMemory : public QObject
 private Q_SLOTS:
     void initTestCase();
     void limitsAroundTheLowestThatSuffices();
-    void inputWithoutEnd();
-    void controlFileWithoutEnd();
+    void fileWithoutEnd_data();
+    void fileWithoutEnd();
 
 private:
     enum class Outcome {
@@ -131,40 +131,32 @@ void TestFaultsMemory::limitsAroundTheLowestThatSuffices()
     QVERIFY(failures > 0);
 }
 
-// A device that returns bytes for ever, without a line end, fills any memory.
-void TestFaultsMemory::inputWithoutEnd()
+void TestFaultsMemory::fileWithoutEnd_data()
 {
-    const int limit = lowestSufficientLimit();
-    QVERIFY2(limit > 0, m_details);
-    AnnualizerRun run;
-    writeInputs(run);
-    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1; "
-                                  "exec \"$PROGRAM\" -i /dev/zero -o b.hts -c c.txt")
-                       .arg(limit + 16 * 1024));
-    QCOMPARE(run.output, QByteArray());
-    QCOMPARE(run.errors, QByteArray());
-    QCOMPARE(run.exitCode, 1);
-    QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
-             logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n")
-                 .replace("a.hts", "/dev/zero"));
-    QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
+    QTest::addColumn<QByteArray>("file");
+    QTest::newRow("input") << QByteArray("a.hts");
+    QTest::newRow("control file") << QByteArray("c.txt");
 }
 
-void TestFaultsMemory::controlFileWithoutEnd()
+// A device that returns bytes for ever, without a line end, fills any memory.
+void TestFaultsMemory::fileWithoutEnd()
 {
+    QFETCH(QByteArray, file);
     const int limit = lowestSufficientLimit();
     QVERIFY2(limit > 0, m_details);
     AnnualizerRun run;
     writeInputs(run);
-    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1; "
-                                  "exec \"$PROGRAM\" -i a.hts -o b.hts -c /dev/zero")
-                       .arg(limit + 16 * 1024));
+    QByteArray arguments = "-i a.hts -o b.hts -c c.txt";
+    arguments.replace(file, "/dev/zero");
+    run.startShell(
+        QStringLiteral("ulimit -c 0; ulimit -v %1; exec \"$PROGRAM\" ").arg(limit + 16 * 1024) +
+        QString::fromLatin1(arguments));
     QCOMPARE(run.output, QByteArray());
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.exitCode, 1);
-    QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
-             logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n")
-                 .replace("c.txt", "/dev/zero"));
+    QCOMPARE(
+        withoutTime(run.read(QStringLiteral("b.log"))),
+        logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n").replace(file, "/dev/zero"));
     QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
 }
 
