@@ -17,6 +17,7 @@
 #include "hts/htspackage.h"
 #include "hts/numbertext.h"
 #include "tests/app/annualizerrun.h"
+#include "tests/help/examplefolder.h"
 #include "tests/help/markdown.h"
 #include "tests/support/wholefile.h"
 
@@ -30,20 +31,6 @@ QByteArray formatDocument()
 QByteArray controlDocument()
 {
     return sourceFile(QStringLiteral("docs/control-file.md"));
-}
-
-// A folder with the examples, in which both programs are commands.
-void prepare(AnnualizerRun& run)
-{
-    QVERIFY(QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("bin")));
-    QVERIFY(
-        QFile::link(QStringLiteral(SOURCE_DIR "/examples"), run.path(QStringLiteral("examples"))));
-    QVERIFY(
-        QFile::link(QStringLiteral(HTS_ANNUALIZER), run.path(QStringLiteral("bin/HtsAnnualizer"))));
-    QVERIFY(QFile::link(QStringLiteral(HTSTOOL), run.path(QStringLiteral("bin/htstool"))));
-    run.environment.insert(QStringLiteral("PATH"),
-                           run.path(QStringLiteral("bin")) + QLatin1Char(':') +
-                               run.environment.value(QStringLiteral("PATH")));
 }
 
 // The block with its commands, and what their standard output is after each.
@@ -196,7 +183,7 @@ void TestFormatDocs::examplesPrintWhatIsShown()
     QFETCH(int, consoleCount);
 
     AnnualizerRun run;
-    prepare(run);
+    makeExampleFolder(run);
     int consoles = 0;
     for (const QByteArray& block : codeBlocks(document)) {
         if (block.startsWith("$ ")) {

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
+#include "tests/help/examplefolder.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -30,21 +31,6 @@ QString typed(const AnnualizerRun& run, QString commands)
     return QStringLiteral("set -e\n") + commands;
 }
 
-// A folder with the examples, in which both programs are commands.
-void prepare(AnnualizerRun& run)
-{
-    for (const char* folder : {"bin", "tmp"})
-        QVERIFY(QDir(run.path(QStringLiteral("."))).mkdir(QLatin1String(folder)));
-    QVERIFY(
-        QFile::link(QStringLiteral(SOURCE_DIR "/examples"), run.path(QStringLiteral("examples"))));
-    QVERIFY(
-        QFile::link(QStringLiteral(HTS_ANNUALIZER), run.path(QStringLiteral("bin/HtsAnnualizer"))));
-    QVERIFY(QFile::link(QStringLiteral(HTSTOOL), run.path(QStringLiteral("bin/htstool"))));
-    run.environment.insert(QStringLiteral("PATH"),
-                           run.path(QStringLiteral("bin")) + QLatin1Char(':') +
-                               run.environment.value(QStringLiteral("PATH")));
-}
-
 } // namespace
 
 class TestManExamples : public QObject
@@ -61,7 +47,7 @@ private Q_SLOTS:
 void TestManExamples::programConvertsTheExample()
 {
     AnnualizerRun run;
-    prepare(run);
+    makeExampleFolder(run);
     run.startShell(typed(run, examples("HtsAnnualizer.1").value(0)));
     QCOMPARE(run.output + run.errors, QByteArray());
     QCOMPARE(run.exitCode, 0);
@@ -73,7 +59,7 @@ void TestManExamples::programReadsACompressedFile()
 {
     QCOMPARE(examples("HtsAnnualizer.1").size(), 2);
     AnnualizerRun run;
-    prepare(run);
+    makeExampleFolder(run);
     run.startShell(QStringLiteral("gzip -c examples/basins_monthly.hts >big.hts.gz; "
                                   "cp examples/basins_monthly_methods.txt methods.txt"));
     run.startShell(typed(run, examples("HtsAnnualizer.1").value(1)));
@@ -87,7 +73,7 @@ void TestManExamples::toolChecksAndExportsTheExample()
 {
     QCOMPARE(examples("htstool.1").size(), 1);
     AnnualizerRun run;
-    prepare(run);
+    makeExampleFolder(run);
     run.startShell(typed(run, examples("htstool.1").value(0)));
     QVERIFY(run.output.contains(": plan: Choptank.Flow: Average, rule of line 4\n"));
     QCOMPARE(run.exitCode, 0);
@@ -98,7 +84,7 @@ void TestManExamples::formatExampleIsReadAsItSays()
 {
     QCOMPARE(examples("hts.5").size(), 1);
     AnnualizerRun run;
-    prepare(run);
+    makeExampleFolder(run);
     run.write(QStringLiteral("a.hts"), examples("hts.5").value(0).toUtf8());
     // Three months are no year, and one value is missing; nothing else is wrong.
     run.startShell(QStringLiteral("htstool check a.hts | grep -o '[[][a-z-]*[]]$'"));
