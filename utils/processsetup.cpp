@@ -12,8 +12,8 @@ int noMemoryExitCode = EXIT_FAILURE;
 [[noreturn]] void end()
 {
     try {
-        if (std::current_exception() != nullptr)
-            throw;
+        if (const std::exception_ptr exception = std::current_exception())
+            std::rethrow_exception(exception);
     } catch (const std::bad_alloc&) {
         reportNoMemory();
         std::_Exit(noMemoryExitCode);

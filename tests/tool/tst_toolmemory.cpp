@@ -42,7 +42,7 @@ void ToolMemoryTest::fileWithoutEnd()
               sourceFile(QStringLiteral("tests/check/files/text-after-last-run.hts")));
     run.write(QStringLiteral("b.hts"),
               sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts")));
-    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v 600000; exec \"$PROGRAM\" ") + arguments);
+    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v 300000; exec \"$PROGRAM\" ") + arguments);
     QTEST(run.output, "output");
     QTEST(run.errors, "errors");
     QCOMPARE(run.exitCode, 3);
