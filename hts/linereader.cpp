@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 
 #include <QIODevice>
 
@@ -59,7 +60,9 @@ LineReader::LineReader(QIODevice& device)
 
 LineReader::~LineReader()
 {
-    returnUnused();
+    // Returning bytes to a pipe takes memory, which may be what has run out.
+    if (std::uncaught_exceptions() == 0)
+        returnUnused();
     if (m_isTextMode)
         m_device.setTextModeEnabled(true);
 }

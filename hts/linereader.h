@@ -15,8 +15,8 @@ class QIODevice;
 //     const QString line = toText(textBytes(reader.line()));   // see linetext.h
 //
 // The reader reads ahead. When it is destroyed, it returns the bytes that were not used: the
-// device's position is then where line-by-line reading would have left it. Nothing else may use the
-// device while the reader exists.
+// device's position is then where line-by-line reading would have left it; not after an exception.
+// Nothing else may use the device while the reader exists.
 //
 // Sequential devices and short reads are supported. From a pipe the reader takes the bytes that are
 // available, and waits only for the rest of an incomplete line. But a QFile on a pipe waits for a

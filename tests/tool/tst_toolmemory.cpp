@@ -42,10 +42,14 @@ void ToolMemoryTest::fileWithoutEnd()
               sourceFile(QStringLiteral("tests/check/files/text-after-last-run.hts")));
     run.write(QStringLiteral("b.hts"),
               sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts")));
-    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v 300000; exec \"$PROGRAM\" ") + arguments);
-    QTEST(run.output, "output");
-    QTEST(run.errors, "errors");
-    QCOMPARE(run.exitCode, 3);
+    // Different calls are the first to have too little memory.
+    for (const int limit : {300000, 350000, 400000, 500000}) {
+        run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1; exec \"$PROGRAM\" ").arg(limit) +
+                       arguments);
+        QTEST(run.output, "output");
+        QTEST(run.errors, "errors");
+        QCOMPARE(run.exitCode, 3);
+    }
 }
 
 QTEST_GUILESS_MAIN(ToolMemoryTest)
