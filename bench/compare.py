@@ -196,6 +196,12 @@ def growth(bench):
     ]
 
 
+def growth_of_check(bench):
+    _, peaks = bench.compare(bench.check("days"), bench.check("days, 1.2 GB"))
+    return [Row("growth: peak memory of htstool check, 1.2 GB / 60 MB", f"{peaks[1] / peaks[0]:.2f}",
+                "<= 1.3", f"{peaks[1] / MIB:.0f} MiB and {peaks[0] / MIB:.0f} MiB")]
+
+
 def checking(bench, shape):
     (check, program), (peak, _) = bench.compare(bench.check(shape), bench.program(shape))
     return [Row(f"{shape}: htstool check with counts / program", f"{check / program:.2f}", "<= 2",
@@ -243,10 +249,14 @@ def writing(bench):
 def start_up(bench):
     bare = [bench.build / "bench" / "bareapplication"]
     version = [bench.build / "app" / "HtsAnnualizer", "-v"]
-    (shown, small, nothing), _ = bench.compare(version, bench.program("10 KB"), bare)
+    tool_version = [bench.build / "tool" / "htstool", "--version"]
+    (shown, tool_shown, small, nothing), _ = bench.compare(version, tool_version,
+                                                           bench.program("10 KB"), bare)
     return [
         Row("start-up: -v / bare application", f"{shown / nothing:.2f}", "<= 1.3",
             f"{shown * 1000:.0f} ms"),
+        Row("start-up: htstool --version / HtsAnnualizer -v", f"{tool_shown / shown:.2f}", "<= 1",
+            f"{tool_shown * 1000:.0f} ms"),
         Row("start-up: 10 KB conversion / bare application", f"{small / nothing:.2f}", "<= 1.3",
             f"{small * 1000:.0f} ms"),
     ]
@@ -279,6 +289,7 @@ def main():
         "check, many slots": lambda: checking(bench, "many slots"),
         "check, many runs": lambda: checking(bench, "many runs"),
         "growth": lambda: growth(bench),
+        "growth, check": lambda: growth_of_check(bench),
         "method assignment": lambda: method_assignment(bench),
         "many rules": lambda: many_rules(bench),
         "log lines": lambda: log_lines(bench),

@@ -16,6 +16,7 @@ namespace {
 constexpr qint64 kLength = 100'000'000; // of a line, in bytes
 constexpr qint64 kSlots = 1'000'000;
 constexpr qint64 kRules = 500'000;
+constexpr qint64 kRows = 5'000'000; // of a table
 
 // The pieces of a file that gives `annualFile` with the sum 78.
 
@@ -103,6 +104,7 @@ class HugeFilesTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void manyTableRows();
     void manyRules();
     void manySlots_data();
     void manySlots() { convertRow(kSlots * kMaxBytesPerSlot); }
@@ -141,7 +143,29 @@ void HugeFilesTest::convertRow(qint64 maxMemory)
     QVERIFY2(peak > 0 && peak < maxMemory, QByteArray::number(peak));
 }
 
-// Before all others, which take more memory. The rules take about as much as their file.
+// Before all others, which take more memory. Rows are not kept.
+void HugeFilesTest::manyTableRows()
+{
+    const QTemporaryDir folder;
+    QVERIFY(folder.isValid());
+    const QString controlPath = folder.filePath(QStringLiteral("methods.txt"));
+    writeFile(controlPath, "Lake.Flow: Sum\n");
+    const QByteArray table = "object_type: T\nobject_name: T\nslot_type: TableSlot\nslot_name: T\n"
+                             "rows: " +
+                             QByteArray::number(kRows) + "\ncols: 2\nEND_SLOT_PREAMBLE\n";
+    const qint64 before = peakMemory();
+    const Outcome outcome =
+        convert({{"name:x" + kPackageEnd + runStart(12) + table},
+                 {"1 2\n", kRows},
+                 {"END_SLOT\n" + kSlotPreamble + kElevenValues + "12" + kFileEnd}},
+                controlPath, {{"name:x" + annualFile("78")}});
+    QCOMPARE(outcome.message, QString());
+    QVERIFY(outcome.isAsExpected);
+    const qint64 taken = peakMemory() - before;
+    QVERIFY2(before > 0 && taken < kRows, QByteArray::number(taken));
+}
+
+// The rules take about as much as their file.
 void HugeFilesTest::manyRules()
 {
     const QTemporaryDir folder;

@@ -49,6 +49,18 @@ run_programs() {
     grep -q '0 errors, 0 warnings' "$top/check" || fail "$folder: another check: $(<"$top/check")"
 }
 
+# check_program FILE SUBSYSTEM VERSION: how the system starts the program, its icon, and what it says
+# of itself.
+check_program() {
+    local subsystem text
+    subsystem=$(x86_64-w64-mingw32-objdump -p "$1" | grep '^Subsystem')
+    [[ $subsystem == *"($2)" ]] || fail "$1: another subsystem: $subsystem"
+    wrestool --list --type=group_icon "$1" | grep -q . || fail "$1: no icon"
+    text=$(wrestool --extract --raw --type=version "$1" | strings --encoding=l --bytes=1 |
+        grep -A1 -x -e FileVersion -e ProductVersion | tr '\n' ' ')
+    [ "$text" = "FileVersion $3 -- ProductVersion $3 " ] || fail "$1: another version: $text"
+}
+
 shopt -s nullglob
 zips=("$packages"/*-win64.zip)
 setups=("$packages"/*-win64-setup.exe)
@@ -61,6 +73,10 @@ mkdir "$top/My Conv"
 unpacked=("$top/My Conv"/*)
 [ "${#unpacked[@]}" -eq 1 ] || fail "the zip holds more than a folder"
 [ "$(list "${unpacked[0]}")" = "$files" ] || fail "the zip holds $(list "${unpacked[0]}")"
+version=${zips[0]%-win64.zip}
+version=${version##*-}
+check_program "${unpacked[0]}/HtsAnnualizer.exe" "Windows GUI" "$version"
+check_program "${unpacked[0]}/htstool.exe" "Windows CUI" "$version"
 run_programs "${unpacked[0]}"
 
 # ---- installer ----
