@@ -304,11 +304,8 @@ private:
     std::unique_ptr<UtilsNS::consolebuf> m_console;
 };
 
-} // namespace
-
-int runCommandLine(int argumentCount, const char* const* arguments, AnnualizeHts& engine)
+int runRequest(int argumentCount, const char* const* arguments, AnnualizeHts& engine)
 {
-    const ConsoleStreams consoleStreams;
     const Options options = parseOptions(argumentCount, arguments);
     switch (options.request) {
     case Options::Request::Usage:
@@ -324,4 +321,14 @@ int runCommandLine(int argumentCount, const char* const* arguments, AnnualizeHts
         break;
     }
     return runConversion(options, engine);
+}
+
+} // namespace
+
+int runCommandLine(int argumentCount, const char* const* arguments, AnnualizeHts& engine)
+{
+    const ConsoleStreams consoleStreams;
+    const int exitCode = runRequest(argumentCount, arguments, engine);
+    // A usage or a version that nobody can read must not look like one that was shown.
+    return std::cout.good() ? exitCode : kError;
 }

@@ -640,7 +640,7 @@ void TestFaults::consoleWithoutReader_data()
     };
     row("usage", "", "-h", "141\n");
     row("error", "", "-i none.hts", "141\n");
-    row("usage, signal ignored", "trap '' PIPE;", "-h", "0\n");
+    row("usage, signal ignored", "trap '' PIPE;", "-h", "1\n");
     row("error, signal ignored", "trap '' PIPE;", "-i none.hts", "1\n");
 }
 

@@ -20,6 +20,8 @@ private Q_SLOTS:
     void closedStandardStreamsDoNotBecomeFiles();
     void fullDiskForTheResultIsAnError();
     void fullDiskForTheLogIsAnError();
+    void fullDiskForTheConsoleIsAnError_data();
+    void fullDiskForTheConsoleIsAnError();
 };
 
 void TestFiles::inputFromAPipe_data()
@@ -227,6 +229,22 @@ void TestFiles::fullDiskForTheLogIsAnError()
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+}
+
+void TestFiles::fullDiskForTheConsoleIsAnError_data()
+{
+    QTest::addColumn<QString>("arguments");
+    for (const char* arguments : {"-h", "-v", "-x", "-i none.hts"})
+        QTest::newRow(arguments) << QString::fromLatin1(arguments);
+}
+
+void TestFiles::fullDiskForTheConsoleIsAnError()
+{
+    QFETCH(QString, arguments);
+    AnnualizerRun run;
+    run.startShell(QStringLiteral("\"$PROGRAM\" %1 > /dev/full").arg(arguments));
+    QCOMPARE(run.errors, QByteArray());
+    QCOMPARE(run.exitCode, 1);
 }
 
 QTEST_GUILESS_MAIN(TestFiles)
