@@ -19,7 +19,8 @@ void choosePlatformPlugin();
 // Shows the text of a fatal message, and a line end.
 void showFatal(const QString& message);
 
-// The text of an argument of the process, which is UTF-8; on Windows it is in the ANSI code page.
+// The text of an argument of the process, which is UTF-8, else see UtilsNS::argumentText(); on
+// Windows it is in the ANSI code page.
 QString argumentText(const char* argument);
 
 #endif // APP_PLATFORM_H

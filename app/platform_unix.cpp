@@ -1,9 +1,11 @@
 #include <cstdio>
 
 #include <QByteArray>
+#include <QTextCodec>
 #include <QtGlobal>
 
 #include "app/platform.h"
+#include "utils/processsetup.h"
 
 void choosePlatformPlugin()
 {
@@ -20,5 +22,6 @@ void showFatal(const QString& message)
 
 QString argumentText(const char* argument)
 {
-    return QString::fromUtf8(argument);
+    static const QTextCodec* const utf8 = QTextCodec::codecForName("UTF-8");
+    return UtilsNS::argumentText(argument, *utf8);
 }

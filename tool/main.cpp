@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QTextCodec>
 
 #include "tool/tool.h"
 #include "tool/toolio.h"
@@ -26,6 +27,21 @@ bool isColourWanted()
 #endif
 }
 
+// Windows has them as UTF-16.
+QStringList processArguments(int argc, const char* const* argv)
+{
+#ifdef Q_OS_UNIX
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(UtilsNS::argumentText(argv[i], *QTextCodec::codecForLocale()));
+    return arguments;
+#else
+    static_cast<void>(argc);
+    static_cast<void>(argv);
+    return QCoreApplication::arguments();
+#endif
+}
+
 void showNoMemory()
 {
     std::fputs("htstool: not enough memory\n", stderr);
@@ -44,7 +60,7 @@ int main(int argc, char* argv[])
     if (!output.open(stdout, QIODevice::WriteOnly) ||
         !errors.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered))
         return ExitCode::kUnusable;
-    const int exitCode = runTool(QCoreApplication::arguments(), {output, errors, isColourWanted()});
+    const int exitCode = runTool(processArguments(argc, argv), {output, errors, isColourWanted()});
     // An incomplete report must not look like a good one.
     return output.flush() ? exitCode : ExitCode::kUnusable;
 }

@@ -4,6 +4,14 @@
 
 namespace UtilsNS {
 
+bool CheckedFile::open(OpenMode mode)
+{
+    if (canBeFileName(fileName()))
+        return QFile::open(mode);
+    setErrorString(QStringLiteral("The name is not text in the encoding of file names"));
+    return false;
+}
+
 Status CheckedFile::finish()
 {
     Q_ASSERT(isOpen());

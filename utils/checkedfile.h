@@ -8,6 +8,11 @@
 
 namespace UtilsNS {
 
+// Whether the system can have a file with this path. On Unix it can't if the text does not come
+// back unchanged from the bytes that it becomes in the encoding of the locale: files with other
+// names would become the same one.
+bool canBeFileName(const QString& path);
+
 // A file that remembers its first failed read or write. A QFile forgets an error at the next call,
 // and then continues to read after the gap. And when a disk that fills up stores only a part of
 // what is written, a QFile reports success, and a text stream silently drops the rest.
@@ -21,6 +26,10 @@ class CheckedFile : public QFile
 {
 public:
     using QFile::QFile;
+
+    using QFile::open;
+    // Fails also for a path that can't be the name of a file.
+    bool open(OpenMode mode) override;
 
     // The error text of the first read or write that failed; empty if none has failed. After a
     // failure every read fails.

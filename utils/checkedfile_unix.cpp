@@ -7,6 +7,11 @@
 
 namespace UtilsNS {
 
+bool canBeFileName(const QString& path)
+{
+    return QFile::decodeName(QFile::encodeName(path)) == path;
+}
+
 // Not by QFile, which waits until `maxSize` bytes have come through the pipe: maybe more than are
 // needed.
 qint64 CheckedFile::readFromPipe(char* data, qint64 maxSize)

@@ -4,6 +4,9 @@
 #include <exception>
 #include <new>
 
+#include <QByteArray>
+#include <QTextCodec>
+
 namespace {
 
 void (*reportNoMemory)() = nullptr;
@@ -25,6 +28,22 @@ int noMemoryExitCode = EXIT_FAILURE;
 } // namespace
 
 namespace UtilsNS {
+
+QString argumentText(const char* argument, const QTextCodec& codec)
+{
+    const QByteArray bytes(argument);
+    QString text = codec.toUnicode(bytes);
+    if (codec.fromUnicode(text) == bytes)
+        return text;
+    constexpr int kSurrogates = 0xdc00;
+    constexpr int kFirstOutsideAscii = 0x80;
+    text.clear();
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        text += QChar(byte < kFirstOutsideAscii ? byte : kSurrogates + byte);
+    }
+    return text;
+}
 
 void endWhenMemoryRunsOut(void (*report)(), int exitCode)
 {

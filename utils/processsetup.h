@@ -3,6 +3,10 @@
 
 #include <cstdio>
 
+#include <QString>
+
+class QTextCodec;
+
 namespace UtilsNS {
 
 // What both programs set up for the whole process.
@@ -15,6 +19,12 @@ void openStandardStreams();
 // To be called after the application object is created. Under a C or POSIX locale, which the jobs
 // of a scheduler have, texts and file names are UTF-8. Does nothing on Windows.
 void chooseTextEncoding();
+
+// The text of an argument of the process, which is in the encoding of `codec`. Each byte that is
+// not ASCII becomes a lone surrogate if the text would not give the same bytes again: other
+// arguments would have the same text, and a file with that name would be another one. See
+// canBeFileName().
+QString argumentText(const char* argument, const QTextCodec& codec);
 
 // Lets the bytes of a standard stream pass unchanged. On Windows the C runtime would otherwise
 // write each line feed as two characters, and end the input at a Ctrl+Z.

@@ -20,6 +20,8 @@ private Q_SLOTS:
     void closedStandardStreamsDoNotBecomeFiles();
     void fullDiskForTheResultIsAnError();
     void fullDiskForTheLogIsAnError();
+    void namesThatAreNotTextAreRefused_data();
+    void namesThatAreNotTextAreRefused();
     void fullDiskForTheConsoleIsAnError_data();
     void fullDiskForTheConsoleIsAnError();
 };
@@ -229,6 +231,50 @@ void TestFiles::fullDiskForTheLogIsAnError()
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.exitCode, 1);
     QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+}
+
+void TestFiles::namesThatAreNotTextAreRefused_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QByteArray>("console");
+    const QByteArray reason = "\nThe name is not text in the encoding of file names\n\n";
+    const auto row = [](const char* name, const char* arguments, const QByteArray& console) {
+        QTest::newRow(name) << QString::fromLatin1(arguments) << console;
+    };
+    row("input", "-i $e -o b.hts -c c.txt",
+        "HtsAnnualizer Error: Input hts file could not be opened for reading:" + reason);
+    row("output", "-i a.hts -o $e -c c.txt",
+        "HtsAnnualizer Error: Output hts file could not be opened for writing:" + reason);
+    row("log", "-i a.hts -o b.hts -c c.txt -l $e",
+        "HtsAnnualizer Error: Problem opening log file named ?c.hts: " + reason);
+    row("control file", "-i a.hts -o b.hts -c $e", {}); // the log has the engine's message
+}
+
+// Two such names would become one file.
+void TestFiles::namesThatAreNotTextAreRefused()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QByteArray, console);
+    // A letter in Latin-1, and a byte order mark.
+    for (const char* name : {"\\351c.hts", "\\357\\273\\277c.hts"}) {
+        AnnualizerRun run;
+        writeInputs(run);
+        // What the names might become.
+        const QStringList others = {QString::fromUtf8("\xef\xbf\xbd"
+                                                      "c.hts"),
+                                    QStringLiteral("?c.hts"), QStringLiteral("c.hts")};
+        for (const QString& other : others)
+            run.write(other, "*.*: Sum\n");
+        run.startShell(QStringLiteral("e=$(printf '%1'); \"$PROGRAM\" %2; code=$?; "
+                                      "rm -f b.hts b.log; exit $code")
+                           .arg(QString::fromLatin1(name), arguments));
+        QCOMPARE(run.output.replace("???", "?"), console);
+        QCOMPARE(run.errors, QByteArray());
+        QCOMPARE(run.exitCode, 1);
+        for (const QString& other : others)
+            QCOMPARE(run.read(other), QByteArray("*.*: Sum\n"));
+        QCOMPARE(run.files().size(), others.size() + 2);
+    }
 }
 
 void TestFiles::fullDiskForTheConsoleIsAnError_data()

@@ -56,6 +56,7 @@ private Q_SLOTS:
     void fullDiskIsReported();
     void closedStandardStreamsDoNotBecomeFiles();
     void namesAreUtf8UnderTheCLocale();
+    void namesThatAreNotTextAreRefused();
 };
 
 void HtstoolTest::showsTexts_data()
@@ -509,6 +510,25 @@ void HtstoolTest::namesAreUtf8UnderTheCLocale()
     run.startShell(QStringLiteral("LC_ALL=C $PROGRAM check *.hts"));
     QVERIFY2(run.output.startsWith("\xc3\x84.hts:38: warning: "), run.errors.constData());
     QCOMPARE(run.exitCode, 1);
+}
+
+// Two such names would become one file.
+void HtstoolTest::namesThatAreNotTextAreRefused()
+{
+    const QByteArray reason = "The name is not text in the encoding of file names";
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"), codeFile("slot-without-rule"));
+    for (const char* command :
+         {"check $e", "export $e -o b.csv", "export a.hts -o $e", "check a.hts --counts $e"}) {
+        run.startShell(
+            QStringLiteral("e=$(printf '\\351'); $PROGRAM %1").arg(QLatin1String(command)));
+        QCOMPARE(run.errors, "htstool: ?: " + reason + '\n');
+        QCOMPARE(run.exitCode, 3);
+        QCOMPARE(run.files(), QStringList{QStringLiteral("a.hts")});
+    }
+    run.startShell(QStringLiteral("e=$(printf '\\351'); $PROGRAM check a.hts -c $e"));
+    QVERIFY(run.output.startsWith("?:1: error: the control file cannot be read: " + reason + ';'));
+    QCOMPARE(run.exitCode, 2);
 }
 
 QTEST_GUILESS_MAIN(HtstoolTest)

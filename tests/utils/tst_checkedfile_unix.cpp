@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QTemporaryDir>
+#include <QTextCodec>
 #include <QTextStream>
 #include <QtTest>
 
@@ -65,6 +66,8 @@ private Q_SLOTS:
     void remembersAFailedWrite();
     void reportsADiskThatFillsUp_data();
     void reportsADiskThatFillsUp();
+    void opensOnlyWhatCanBeAFileName_data();
+    void opensOnlyWhatCanBeAFileName();
 
 private:
     QString path(const char* name) const
@@ -181,6 +184,43 @@ void CheckedFileFaultsTest::reportsADiskThatFillsUp()
         QCOMPARE(file.finish().message, problem);
     }
     QCOMPARE(file.size(), qint64(limit));
+}
+
+void CheckedFileFaultsTest::opensOnlyWhatCanBeAFileName_data()
+{
+    QTest::addColumn<QByteArray>("encoding");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("bytes"); // of the name on the disk; none if there can be no file
+    const QString a = QString::fromUtf8("\xc3\xa4");
+    const QString day = QString::fromUtf8("\xe6\x97\xa5");
+    const QString replaced(QChar(0xfffd));
+    const QString surrogate(QChar(0xdce9));
+    QTest::newRow("UTF-8") << QByteArray("UTF-8") << a + day + replaced
+                           << QByteArray("\xc3\xa4\xe6\x97\xa5\xef\xbf\xbd");
+    QTest::newRow("UTF-8, no text") << QByteArray("UTF-8") << surrogate << QByteArray();
+    QTest::newRow("Latin-1") << QByteArray("ISO-8859-1") << a << QByteArray("\xe4");
+    QTest::newRow("Latin-1, not in it") << QByteArray("ISO-8859-1") << day << QByteArray();
+}
+
+void CheckedFileFaultsTest::opensOnlyWhatCanBeAFileName()
+{
+    QFETCH(QByteArray, encoding);
+    QFETCH(QString, name);
+    QFETCH(QByteArray, bytes);
+    QTextCodec* const before = QTextCodec::codecForLocale();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName(encoding));
+    const auto restore = qScopeGuard([before] { QTextCodec::setCodecForLocale(before); });
+
+    CheckedFile file(m_folder->filePath(name));
+    QCOMPARE(file.open(QIODevice::WriteOnly), !bytes.isEmpty());
+    QCOMPARE(file.errorString(),
+             bytes.isEmpty() ? QStringLiteral("The name is not text in the encoding of file names")
+                             : QStringLiteral("Unknown error"));
+    file.close();
+    const QByteArray created = m_folder->path().toLatin1() + '/' + bytes;
+    QCOMPARE(::access(created.constData(), F_OK), 0);
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::System).size(),
+             bytes.isEmpty() ? 0 : 1);
 }
 
 QTEST_GUILESS_MAIN(CheckedFileFaultsTest)
