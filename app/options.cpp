@@ -11,6 +11,12 @@ namespace {
 
 using Request = Options::Request;
 
+template<Request request>
+void setRequest(Options& options, const char* /*value*/)
+{
+    options.request = request;
+}
+
 template<QString Options::*path>
 void setPath(Options& options, const char* value)
 {
@@ -27,41 +33,39 @@ void setEndMonth(Options& options, const char* value)
 }
 
 // Null if no option has the letter.
-const Option* findOption(char letter)
+const Option* findOption(OptionTable table, char letter)
 {
-    const auto option = std::find_if(kOptions.begin(), kOptions.end(),
-                                     [letter](const Option& o) { return o.letter == letter; });
-    return option == kOptions.end() ? nullptr : option;
+    const auto* option = std::find_if(table.begin(), table.end(),
+                                      [letter](const Option& o) { return o.letter == letter; });
+    return option == table.end() ? nullptr : option;
 }
 
 // The only value that may begin with a dash. It means that no month is given.
 bool isNoMonth(const Option* pending, const char* argument)
 {
-    return pending != nullptr && pending->setValue == setEndMonth &&
-           std::strcmp(argument, "-1") == 0;
+    return pending != nullptr && pending->apply == setEndMonth && std::strcmp(argument, "-1") == 0;
 }
 
 } // namespace
 
-const std::array<Option, 7> kOptions = {{
-    {'i', Request::Conversion, "file", setPath<&Options::inputPath>,
-     "This specifies the input hts file (required)."},
-    {'o', Request::Conversion, "file", setPath<&Options::outputPath>,
+const OptionTable kOptions = {
+    {'i', "file", setPath<&Options::inputPath>, "This specifies the input hts file (required)."},
+    {'o', "file", setPath<&Options::outputPath>,
      "This specifies the output annual hts file (required)."},
-    {'c', Request::Conversion, "file", setPath<&Options::controlPath>,
+    {'c', "file", setPath<&Options::controlPath>,
      "This specifies the method control file (required)."},
-    {'l', Request::Conversion, "file", setPath<&Options::logPath>,
+    {'l', "file", setPath<&Options::logPath>,
      "This specifies the log file for messages.\n"
      "    (will default to the output hts file name plus a .log file extension)"},
-    {'y', Request::Conversion, "number", setEndMonth,
+    {'y', "number", setEndMonth,
      "This integer number specifies the month that \n"
      "    you want the year to end with (1 to 12).\n"
      "    (will default to 12 for December)"},
-    {'h', Request::Usage, nullptr, nullptr, "This will print help information."},
-    {'v', Request::Version, nullptr, nullptr, "This will print the version number."},
-}};
+    {'h', nullptr, setRequest<Request::Usage>, "This will print help information."},
+    {'v', nullptr, setRequest<Request::Version>, "This will print the version number."},
+};
 
-Options parseOptions(int argumentCount, const char* const* arguments)
+Options parseOptions(int argumentCount, const char* const* arguments, OptionTable table)
 {
     Options options;
     const Option* pending = nullptr; // the option whose value comes next
@@ -69,12 +73,14 @@ Options parseOptions(int argumentCount, const char* const* arguments)
         const char* argument = arguments[i];
         Q_ASSERT(argument != nullptr);
         if (argument[0] == '-' && !isNoMonth(pending, argument)) {
-            const Option* option = findOption(argument[1]);
-            options.request = option != nullptr ? option->request : Request::Invalid;
-            pending = option;
+            const Option* option = findOption(table, argument[1]);
+            if (option == nullptr)
+                options.request = Request::Invalid;
+            else if (option->isFlag())
+                option->apply(options, nullptr);
+            pending = option == nullptr || option->isFlag() ? nullptr : option;
         } else if (pending != nullptr) {
-            Q_ASSERT(pending->setValue != nullptr); // the other options have ended the loop
-            pending->setValue(options, argument);
+            pending->apply(options, argument);
             pending = nullptr;
         } else {
             options.request = Request::Invalid;

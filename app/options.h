@@ -1,7 +1,7 @@
 #ifndef APP_OPTIONS_H
 #define APP_OPTIONS_H
 
-#include <array>
+#include <initializer_list>
 
 #include <QString>
 
@@ -26,18 +26,22 @@ struct Option
 {
     // The option is a dash and this letter.
     char letter;
-    // What the option asks for; Conversion for one that takes a value.
-    Options::Request request;
-    // What the usage text calls the value; null for an option without one.
+    // What the usage text calls the value, which is the next argument; null for a flag, an option
+    // without a value.
     const char* valueName;
-    // Stores the value, an argument of the process, in `options`; null for an option without one.
-    void (*setValue)(Options& options, const char* value);
+    // Sets in `options` what the option asks for. `value` is an argument of the process, null for a
+    // flag.
+    void (*apply)(Options& options, const char* value);
     // What the usage text says about the option, without a line end at the end. Not empty.
     const char* usage;
+
+    bool isFlag() const { return valueName == nullptr; }
 };
 
+using OptionTable = std::initializer_list<Option>;
+
 // All options, in the order of the usage text.
-extern const std::array<Option, 7> kOptions;
+extern const OptionTable kOptions;
 
 // Reads the arguments after the program's name, which is the first; none is null. Reading stops at
 // the first argument that asks for something other than a conversion, or that is neither an option
@@ -45,6 +49,6 @@ extern const std::array<Option, 7> kOptions;
 // the rest of it is ignored; but exactly "-1" after the option for the month is the value of that.
 // An option without its value, because another option or nothing follows, is ignored. When a value
 // is given twice, the later one counts.
-Options parseOptions(int argumentCount, const char* const* arguments);
+Options parseOptions(int argumentCount, const char* const* arguments, OptionTable table = kOptions);
 
 #endif // APP_OPTIONS_H

@@ -59,7 +59,7 @@ void printSynopsis()
     std::cout << "HtsAnnualizer";
     for (const Option& option : kOptions) {
         std::cout << " <-" << option.letter;
-        if (option.valueName != nullptr)
+        if (!option.isFlag())
             std::cout << ' ' << option.valueName;
         std::cout << '>';
     }

@@ -32,7 +32,7 @@ struct HtsRun
     // First and last timestep, in UTC (see datetimetext.h); null when absent or not a date-time.
     QDateTime start;
     QDateTime end;
-    // "month", "week", "year"; the engine treats any other word like a day.
+    // A word such as "month"; the engine treats one that it does not know like a day.
     QString timeStepUnit;
     int unitQuantity = 0;
     // Number of timestep lines, and of values in each column of a series slot.

@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "annualize/aggmethods.h"
 #include "annualize/annualizehts.h"
 #include "tests/support/logcollector.h"
 
@@ -212,9 +213,8 @@ void MethodControlTest::assignsMethods()
 void MethodControlTest::acceptsEveryWordInAnyCase_data()
 {
     QTest::addColumn<QString>("word");
-    for (const char* word : {"Sum", "SumNaN", "Average", "AverageNaN", "Max", "MaxNaN", "Min",
-                             "MinNaN", "End", "EndNaN", "Begin", "BeginNaN", "Salinity"})
-        QTest::newRow(word) << QString::fromLatin1(word);
+    for (const AggMethod& method : aggMethods())
+        QTest::newRow(qPrintable(method.word)) << method.word;
 }
 
 void MethodControlTest::acceptsEveryWordInAnyCase()
@@ -466,8 +466,7 @@ void MethodControlTest::agreesWithNaiveFirstMatch()
     const auto ruleCount = random() % 40;
     for (std::size_t i = 0; i < ruleCount; ++i) {
         const Rule rule{pick({"A", "B", "C", "T", "U", "*"}), pick({"x", "y", "x.y", "*"}),
-                        pick({"Sum", "SumNaN", "Average", "AverageNaN", "Max", "MaxNaN", "Min",
-                              "MinNaN", "End", "EndNaN", "Begin", "BeginNaN", "Salinity"})};
+                        aggMethods()[random() % aggMethods().size()].word};
         rules.append(rule);
         const QString word = random() % 2 == 0 ? rule.method.toUpper() : rule.method.toLower();
         contents += (rule.object + QLatin1Char('.') + rule.slot + QLatin1Char(':') + word).toUtf8();

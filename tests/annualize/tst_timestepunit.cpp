@@ -31,12 +31,11 @@ private Q_SLOTS:
     void lastWeekEndsLessThanAWeekBeforeTheYear();
 };
 
-// The words of the file format, in one list that is not made from the table.
 static void addUnitRows()
 {
     QTest::addColumn<QString>("word");
-    for (const char* word : {"year", "month", "week", "day", "hour", "minute"})
-        QTest::newRow(word) << QString::fromLatin1(word);
+    for (const TimestepUnit& unit : timestepUnits())
+        QTest::newRow(unit.word.data()) << QString(unit.word);
 }
 
 void TimestepUnitTest::findsEveryUnitByItsWord_data()
@@ -53,6 +52,7 @@ void TimestepUnitTest::findsEveryUnitByItsWord()
     QCOMPARE(QString(timestepUnitOrDay(word).word), word);
 }
 
+// The only literal list of all units.
 void TimestepUnitTest::tableHoldsNoOtherUnits()
 {
     QStringList words;

@@ -11,6 +11,7 @@
 
 #include "annualize/aggmethods.h"
 #include "annualize/methodcontrol.h"
+#include "annualize/timestepunit.h"
 #include "check/finding.h"
 #include "hts/datetimetext.h"
 #include "hts/htskeys.h"
@@ -147,6 +148,7 @@ private Q_SLOTS:
     void examplesPrintWhatIsShown();
     void linesOfTheExampleAreRight();
     void keysAreThoseOfTheProgram();
+    void unitsAreThoseOfTheProgram();
     void dateTimesAreRight();
     void valuesAreReadAsShown();
     void integersAreReadAsShown();
@@ -234,6 +236,20 @@ void TestFormatDocs::keysAreThoseOfTheProgram()
              expectedKeys(kPackageKeys));
     QCOMPARE(documentedKeys("Keys of a run:"), expectedKeys(kRunKeys));
     QCOMPARE(documentedKeys("Keys of a slot:"), expectedKeys(kSlotKeys));
+}
+
+void TestFormatDocs::unitsAreThoseOfTheProgram()
+{
+    QStringList expected;
+    for (const TimestepUnit& unit : timestepUnits())
+        expected.prepend(unit.word);
+    QStringList documented;
+    for (const QByteArray& line : formatDocument().split('\n')) {
+        if (line.startsWith("| `time_step_unit:` |"))
+            documented = codes(line).mid(1);
+    }
+    QCOMPARE(documented, expected);
+    QCOMPARE(codes(findCode("unknown-unit")->meaning).mid(1), expected);
 }
 
 void TestFormatDocs::dateTimesAreRight()

@@ -6,6 +6,8 @@
 #include <QImage>
 #include <QRegularExpression>
 
+#include "annualize/aggmethods.h"
+#include "annualize/timestepunit.h"
 #include "app/options.h"
 #include "tests/app/annualizerrun.h"
 #include "tests/help/helppage.h"
@@ -74,6 +76,46 @@ QVector<MethodRow> methodRows(const HelpPage& page)
     return rows;
 }
 
+// The texts of the codes that head rows of the table with the caption.
+QStringList rowCodes(const HelpPage& page, const QString& caption)
+{
+    QStringList codes;
+    QString lastCaption;
+    for (const PageElement& element : page.elements) {
+        if (element.name == QLatin1String("caption"))
+            lastCaption = element.text;
+        else if (lastCaption == caption && element.name == QLatin1String("code") &&
+                 element.path.contains(QStringLiteral("tbody")) &&
+                 element.path.contains(QStringLiteral("th")))
+            codes.append(element.text);
+    }
+    return codes;
+}
+
+QStringList supportedMethods()
+{
+    QStringList words;
+    for (const AggMethod& method : aggMethods()) {
+        if (method.isSupported())
+            words.append(method.word);
+    }
+    return words;
+}
+
+QStringList sorted(QStringList words)
+{
+    words.sort();
+    return words;
+}
+
+// Whether years are complete under the same conditions with both units.
+bool isSameRule(const TimestepUnit& unit, const TimestepUnit& other)
+{
+    const QDateTime start(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC);
+    return unit.completesYear == other.completesYear &&
+           unit.latestEndOfFirst(start) == other.latestEndOfFirst(start);
+}
+
 // The values of the first slot of an annual file, with four digits at most.
 QStringList firstValues(const QByteArray& annualFile)
 {
@@ -128,8 +170,8 @@ private Q_SLOTS:
     void headingsSkipNoLevel();
     void tableHeadersHaveAScope();
     void adaptsToPhonesAndDarkness();
-    void namesEveryMethod_data();
     void namesEveryMethod();
+    void hasARowForEveryRuleOfUnits();
     void namesEveryOption();
     void hasMessage_data();
     void hasMessage();
@@ -409,18 +451,26 @@ void TestHelpPage::adaptsToPhonesAndDarkness()
     QVERIFY(style.contains(QLatin1String("@media (prefers-color-scheme: dark)")));
 }
 
-void TestHelpPage::namesEveryMethod_data()
-{
-    QTest::addColumn<QString>("method");
-    for (const char* method : {"Sum", "SumNaN", "Average", "AverageNaN", "Max", "MaxNaN", "Min",
-                               "MinNaN", "End", "EndNaN", "Begin", "BeginNaN", "Salinity"})
-        QTest::newRow(method) << QString::fromLatin1(method);
-}
-
 void TestHelpPage::namesEveryMethod()
 {
-    QFETCH(QString, method);
-    QVERIFY(m_page.codes().contains(method));
+    const QStringList codes = m_page.codes();
+    for (const AggMethod& method : aggMethods())
+        QVERIFY2(codes.contains(method.word), qPrintable(method.word));
+    QCOMPARE(
+        sorted(rowCodes(m_page, QStringLiteral("What a missing value does, method by method"))),
+        sorted(supportedMethods()));
+}
+
+void TestHelpPage::hasARowForEveryRuleOfUnits()
+{
+    QStringList expected = {QStringLiteral("day"), QStringLiteral("hour")}; // "any other, such as"
+    for (const TimestepUnit& unit : timestepUnits()) {
+        if (!isSameRule(unit, timestepUnitOrDay(QString())))
+            expected.append(unit.word);
+    }
+    QCOMPARE(sorted(rowCodes(m_page,
+                             QStringLiteral("When the first and the last year count as complete"))),
+             sorted(expected));
 }
 
 void TestHelpPage::namesEveryOption()
@@ -563,9 +613,9 @@ void TestHelpPage::exampleGivesTheResultShown()
 
 void TestHelpPage::methodsGiveTheNumbersShown()
 {
-    const QVector<MethodRow> rows = methodRows(m_page);
-    QCOMPARE(rows.size(), 12);
-    for (const MethodRow& row : rows) {
+    QStringList methods;
+    for (const MethodRow& row : methodRows(m_page)) {
+        methods.append(row.method);
         AnnualizerRun run;
         run.write(QStringLiteral("a.hts"), m_page.textOf(QStringLiteral("example-input")).toUtf8());
         run.write(QStringLiteral("c.txt"),
@@ -577,6 +627,7 @@ void TestHelpPage::methodsGiveTheNumbersShown()
         QVERIFY(run.read(QStringLiteral("b.hts")).contains("\nmethod: " + row.method.toUtf8()));
         QCOMPARE(firstValues(run.read(QStringLiteral("b.hts"))), row.values);
     }
+    QCOMPARE(methods, supportedMethods());
 }
 
 void TestHelpPage::shellExampleConvertsAFolder()

@@ -7,6 +7,7 @@
 #include <QProcess>
 #include <QRegularExpression>
 
+#include "annualize/aggmethods.h"
 #include "app/options.h"
 #include "tests/support/wholefile.h"
 #include "tool/tool.h"
@@ -132,6 +133,7 @@ class TestManual : public QObject
 
 private Q_SLOTS:
     void programPageListsItsOptions();
+    void programPageNamesItsMethods();
     void toolPageListsItsOptions_data();
     void toolPageListsItsOptions();
     void completionOffersTheProgramsOptions();
@@ -147,11 +149,23 @@ void TestManual::programPageListsItsOptions()
     QStringList expected;
     for (const Option& option : kOptions) {
         QString tag = QLatin1Char('-') + QString(QLatin1Char(option.letter));
-        if (option.valueName != nullptr)
+        if (!option.isFlag())
             tag += QLatin1Char(' ') + QLatin1String(option.valueName);
         expected.append(tag);
     }
     QCOMPARE(tags(manPage(QStringLiteral("HtsAnnualizer.1")), QStringLiteral("OPTIONS")), expected);
+}
+
+void TestManual::programPageNamesItsMethods()
+{
+    const QString page = manPage(QStringLiteral("HtsAnnualizer.1"));
+    for (const AggMethod& method : aggMethods()) {
+        QString word = method.word;
+        word.replace(QLatin1String("NaN"), QLatin1String("Nan")); // as the usage text has it
+        const QRegularExpression name(QStringLiteral("^\\.BR? %1( ,)?$").arg(word),
+                                      QRegularExpression::MultilineOption);
+        QVERIFY2(page.contains(name) == method.isSupported(), qPrintable(word));
+    }
 }
 
 void TestManual::toolPageListsItsOptions_data()
