@@ -97,6 +97,7 @@ private Q_SLOTS:
     void outputStaysTruncatedWhenALaterStepFails();
     void toolkitVariablesPrintNothing();
     void needsNoDisplay();
+    void toolkitThatCannotStartReportsWhy_data();
     void toolkitThatCannotStartReportsWhy();
     void conversionWritesResultAndLogAndNothingElse();
     void endMonth_data();
@@ -264,13 +265,24 @@ void TestCommandLine::needsNoDisplay()
     QCOMPARE(run.exitCode, 0);
 }
 
+void TestCommandLine::toolkitThatCannotStartReportsWhy_data()
+{
+    QTest::addColumn<QString>("platform");
+    for (const char* platform : {"no-such-platform", "xcb", "wayland"}) // the last two: no display
+        QTest::newRow(platform) << QString::fromLatin1(platform);
+}
+
 void TestCommandLine::toolkitThatCannotStartReportsWhy()
 {
+    QFETCH(QString, platform);
     AnnualizerRun run;
-    run.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("no-such-platform"));
-    run.start({QStringLiteral("-v")});
+    writeInputs(run);
+    const QStringList filesBefore = run.files();
+    run.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
+    run.start(words("-i a.hts -o b.hts -c c.txt"));
     QCOMPARE(run.exitCode, -1);
     QCOMPARE(run.output, QByteArray());
+    QCOMPARE(run.files(), filesBefore);
     // The toolkit's text and its line end, and nothing of the warnings before it.
     QCOMPARE(withoutPluginList(run.errors), QByteArray(kNoPlatform));
 }
