@@ -253,6 +253,8 @@ void HtstoolTest::readsTheStandardInput()
 void HtstoolTest::usesColoursOnATerminalOnly()
 {
     ToolRun run;
+    run.startShell(QStringLiteral("script -qec true /dev/null"));
+    QVERIFY2(run.exitCode == 0, "needs script(1) and a pseudo-terminal (a devpts at /dev/pts)");
     run.write(QStringLiteral("a.hts"), codeFile("text-value"));
     run.startShell(QStringLiteral("TERM=xterm script -qec '$PROGRAM check a.hts' /dev/null"));
     QVERIFY(run.output.contains("a.hts:38: \033[35mwarning\033[0m: "));

@@ -218,6 +218,7 @@ begin "fatal text of the toolkit"
 # a terminal, where there is a console, the toolkit would show a box first.
 printf '@set QT_QPA_PLATFORM=nosuch\r\n@"%s" -v\r\n' \
     "$(windows_path "$windows_build/app/HtsAnnualizer.exe")" >"$top/run.bat"
+check "no pseudo-terminal (a devpts at /dev/pts)" script -qec true /dev/null
 timeout 60 script -qec "wine cmd /c '$(windows_path "$top/run.bat")'" /dev/null \
     >"$top/windows.out" </dev/null || true
 check "console" grep -q 'no Qt platform plugin' "$top/windows.out"
