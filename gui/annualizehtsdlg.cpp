@@ -15,6 +15,7 @@
 #include "gui/filedrop.h"
 #include "gui/messageviewer.h"
 #include "gui/messagewatcher.h"
+#include "gui/pathpaste.h"
 #include "gui/warningbox.h"
 #include "ui_annualizehtsdlg.h"
 #include "utils/checkedfile.h"
@@ -102,7 +103,7 @@ AnnualizeHtsDlg::AnnualizeHtsDlg(AnnualizeHts* engine, QWidget* parent)
     setApplicationIcon();
     fillMonthList();
     connectButtons();
-    acceptDroppedFiles();
+    takeDroppedAndPastedPaths();
     createDiagnosticsWindow();
     UtilsNS::setVerboseLogging(true);
 }
@@ -130,16 +131,22 @@ void AnnualizeHtsDlg::connectButtons()
     onClick(m_form->_cancelButton, &AnnualizeHtsDlg::cancelButtonHandler);
     onClick(m_form->_helpButton, &AnnualizeHtsDlg::helpButtonHandler);
     onClick(m_form->_diagButton, &AnnualizeHtsDlg::diagButtonHandler);
-
-    auto* helpShortcut = new QShortcut(QKeySequence(Qt::Key_F1), this);
-    connect(helpShortcut, &QShortcut::activated, m_form->_helpButton, &QPushButton::click);
+    addHelpKey(this);
 }
 
-void AnnualizeHtsDlg::acceptDroppedFiles()
+void AnnualizeHtsDlg::addHelpKey(QWidget* window)
+{
+    auto* shortcut = new QShortcut(QKeySequence(Qt::Key_F1), window);
+    connect(shortcut, &QShortcut::activated, m_form->_helpButton, &QPushButton::click);
+}
+
+void AnnualizeHtsDlg::takeDroppedAndPastedPaths()
 {
     for (QLineEdit* lineEdit : {m_form->_sourceHtsLineEdit, m_form->_methodControlLineEdit,
-                                m_form->_annualResultHtsLineEdit})
+                                m_form->_annualResultHtsLineEdit}) {
         new UtilsNS::FileDrop(lineEdit);
+        new UtilsNS::PathPaste(lineEdit);
+    }
 }
 
 void AnnualizeHtsDlg::createDiagnosticsWindow()
@@ -149,6 +156,7 @@ void AnnualizeHtsDlg::createDiagnosticsWindow()
     m_diagnostics = std::make_unique<UtilsNS::MessageViewer>(headerLabels, nullptr);
     m_diagnostics->setWindowTitle(QStringLiteral("HTS Annualizer Diagnostics"));
     m_diagnostics->connectWatcher();
+    addHelpKey(m_diagnostics.get());
 }
 
 void AnnualizeHtsDlg::sourceSelectHandler(bool)

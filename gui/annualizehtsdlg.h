@@ -56,7 +56,8 @@ private:
 
     void fillMonthList();
     void connectButtons();
-    void acceptDroppedFiles();
+    void addHelpKey(QWidget* window);
+    void takeDroppedAndPastedPaths();
     void createDiagnosticsWindow();
     void selectFile(const FileDialogTexts& texts, QLineEdit* lineEdit);
     Failure readPaths(Paths& paths) const;

@@ -167,7 +167,10 @@ void MessageViewer::createEditMenu()
     m_clearAction = newAction(m_editMenu, tr("Clear"), QString(), QVariant());
     connect(m_copyAllAction, &QAction::triggered, this, &MessageViewer::copyHandler);
     connect(m_copySelectedAction, &QAction::triggered, this, &MessageViewer::copyHandler);
-    connect(m_clearAction, &QAction::triggered, m_tree, &QTreeWidget::clear);
+    connect(m_clearAction, &QAction::triggered, this, [this] {
+        m_tree->clear();
+        showNewRows(); // narrows the columns: no horizontal scroll bar is left
+    });
 }
 
 void MessageViewer::connectWatcher()

@@ -3,6 +3,8 @@
 
 #include <QtTest>
 
+#include <QAccessible>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFileDialog>
@@ -131,6 +133,8 @@ private Q_SLOTS:
     void everyWindowHasTheIcon();
     void formHasWidget_data();
     void formHasWidget();
+    void widgetsTellAssistiveSoftwareWhatTheyAre_data();
+    void widgetsTellAssistiveSoftwareWhatTheyAre();
     void formCreatesWidgetsInOrder();
     void formLayoutHasItems_data();
     void formLayoutHasItems();
@@ -151,6 +155,9 @@ private Q_SLOTS:
     void leavesOtherDropsToTheToolkit_data();
     void leavesOtherDropsToTheToolkit();
     void dropCanBeUndone();
+    void takesPastedPathAsPath_data();
+    void takesPastedPathAsPath();
+    void leavesTextThatIsNotPasted();
     void dialogsShareLastFolder_data();
     void dialogsShareLastFolder();
     void dialogTakesExistingFileWithoutQuestion();
@@ -326,6 +333,34 @@ void AnnualizeHtsDlgTest::everyWindowHasTheIcon()
         }
     }
     QCOMPARE(QGuiApplication::desktopFileName(), QStringLiteral("htsannualizer"));
+}
+
+void AnnualizeHtsDlgTest::widgetsTellAssistiveSoftwareWhatTheyAre_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("label"); // the group box around it
+    const auto row = [](const char* widget, const char* name, const char* label) {
+        QTest::newRow(widget) << QString::fromLatin1(name) << QString::fromLatin1(label);
+    };
+    row("_sourceHtsLineEdit", "Source HTS File", "_sourceHtsFrame");
+    row("_sourceHtsButton", "Select Source HTS File...", "_sourceHtsFrame");
+    row("_methodControlLineEdit", "Method Control File", "_methodControlFrame");
+    row("_methodControlButton", "Select Method Control File...", "_methodControlFrame");
+    row("_annualResultHtsLineEdit", "Result Annual Hts File", "_annualResultHtsFrame");
+    row("_annualResultHtsButton", "Select Result Annual Hts File...", "_annualResultHtsFrame");
+}
+
+void AnnualizeHtsDlgTest::widgetsTellAssistiveSoftwareWhatTheyAre()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, label);
+    auto* widget = child<QWidget>(QTest::currentDataTag());
+    QCOMPARE(widget->accessibleName(), name);
+    const QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(widget);
+    QCOMPARE(accessible->text(QAccessible::Name), name);
+    const auto relations = accessible->relations(QAccessible::Label);
+    QCOMPARE(relations.size(), 1);
+    QCOMPARE(relations.first().first->object()->objectName(), label);
 }
 
 void AnnualizeHtsDlgTest::formHasWidget_data()
@@ -758,6 +793,67 @@ void AnnualizeHtsDlgTest::dropCanBeUndone()
     QCOMPARE(edit->text(), QStringLiteral("/a.hts"));
     edit->undo();
     QCOMPARE(edit->text(), QStringLiteral("typed"));
+}
+
+void AnnualizeHtsDlgTest::takesPastedPathAsPath_data()
+{
+    QTest::addColumn<QString>("pasted");
+    QTest::addColumn<QString>("text");
+    const auto row = [](const char* pasted, const char* text) {
+        QTest::newRow(pasted) << QString::fromLatin1(pasted) << QString::fromLatin1(text);
+    };
+    row("\"C:\\my data\\a.hts\"", "C:\\my data\\a.hts");
+    row("'/my data/a.hts'\n", "/my data/a.hts");
+    row("file:///my%20data/a.hts", "/my data/a.hts");
+    row("\"file:///a.hts\"", "/a.hts");
+    row("FILE:///100%/a#1?.hts", "/100%/a#1?.hts");
+    // Not a path in quotes or a URL.
+    for (const char* text :
+         {"/my data/a.hts", " a.hts", "\"", "\"\"", "\"a.hts", "\"a\"b\"", "a\"b\"", "\"a.hts'",
+          "\"a.hts\"\n\"b.hts\"", "file:a.hts", "file://", "http://a.org/b.hts", "$FOLDER/a.hts"})
+        row(text, text);
+}
+
+void AnnualizeHtsDlgTest::takesPastedPathAsPath()
+{
+    QFETCH(QString, pasted);
+    QFETCH(QString, text);
+    QGuiApplication::clipboard()->setText(pasted);
+    for (const char* field :
+         {"_sourceHtsLineEdit", "_methodControlLineEdit", "_annualResultHtsLineEdit"}) {
+        QLineEdit* edit = lineEdit(field);
+        const std::function<void()> ways[] = {
+            [edit] { QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier); },
+            [edit] { edit->paste(); }};
+        for (const auto& paste : ways) {
+            edit->clear();
+            QTest::keyClicks(edit, QStringLiteral("abcd"));
+            edit->setSelection(1, 2);
+            paste();
+            QCOMPARE(edit->text(), QLatin1Char('a') + text + QLatin1Char('d'));
+            QCOMPARE(edit->cursorPosition(), text.size() + 1);
+            edit->undo();
+            QCOMPARE(edit->text(), QStringLiteral("abcd"));
+        }
+    }
+}
+
+// Also when it is what could be pasted.
+void AnnualizeHtsDlgTest::leavesTextThatIsNotPasted()
+{
+    const QString text = QStringLiteral("\"file:///a.hts\"");
+    QGuiApplication::clipboard()->setText(text);
+    QLineEdit* edit = lineEdit("_sourceHtsLineEdit");
+    edit->setText(text);
+    QCOMPARE(edit->text(), text);
+    edit->clear();
+    QTest::keyClicks(edit, text);
+    QCOMPARE(edit->text(), text);
+    edit->clear();
+    QMimeData data;
+    data.setText(text);
+    dropOn(edit, data, Qt::CopyAction);
+    QCOMPARE(edit->text(), text);
 }
 
 void AnnualizeHtsDlgTest::dialogsShareLastFolder_data()
@@ -1281,13 +1377,19 @@ void AnnualizeHtsDlgTest::f1OpensHelp_data()
     QTest::newRow("field") << "_sourceHtsLineEdit";
     QTest::newRow("button") << "_okButton";
     QTest::newRow("list") << "_endMonthComboBox";
+    QTest::newRow("diagnostics") << QString();
 }
 
 void AnnualizeHtsDlgTest::f1OpensHelp()
 {
     QFETCH(QString, focused);
 
-    auto* widget = m_window->findChild<QWidget*>(focused);
+    if (focused.isEmpty()) {
+        QTest::mouseClick(button("_diagButton"), Qt::LeftButton);
+        QVERIFY(QTest::qWaitForWindowActive(viewer()));
+    }
+    auto* widget = focused.isEmpty() ? viewer()->findChild<QTreeWidget*>()
+                                     : m_window->findChild<QWidget*>(focused);
     widget->setFocus();
     compareOpenedHelp([widget] { QTest::keyClick(widget, Qt::Key_F1); });
 }
