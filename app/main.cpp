@@ -39,7 +39,7 @@ int runMainWindow(AnnualizeHts& engine)
 
 int main(int argc, char* argv[])
 {
-    UtilsNS::openStandardStreams();
+    UtilsNS::openStandardStreams(UtilsNS::MissingStream::IsEmpty);
     // Any argument selects the command-line mode. The toolkit gets none of them: it would remove
     // options such as -style or -platform, and might end the process because of one.
     const bool hasWindow = argc == 1;

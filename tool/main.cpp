@@ -3,11 +3,13 @@
 #include <cstdio>
 
 #include <QCoreApplication>
-#include <QFile>
+#include <QString>
 #include <QTextCodec>
 
 #include "tool/tool.h"
+#include "tool/toolfiles.h"
 #include "tool/toolio.h"
+#include "utils/checkedfile.h"
 #include "utils/processsetup.h"
 
 #ifdef Q_OS_UNIX
@@ -51,16 +53,18 @@ void showNoMemory()
 
 int main(int argc, char* argv[])
 {
-    UtilsNS::openStandardStreams();
+    UtilsNS::openStandardStreams(UtilsNS::MissingStream::Fails);
     UtilsNS::endWhenMemoryRunsOut(showNoMemory, ExitCode::kUnusable);
     const QCoreApplication application(argc, argv);
     UtilsNS::chooseTextEncoding();
-    QFile output;
-    QFile errors;
+    UtilsNS::CheckedFile output;
+    UtilsNS::CheckedFile errors;
     if (!output.open(stdout, QIODevice::WriteOnly) ||
         !errors.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered))
         return ExitCode::kUnusable;
-    const int exitCode = runTool(processArguments(argc, argv), {output, errors, isColourWanted()});
+    const ToolIo io{output, errors, isColourWanted()};
+    const int exitCode = runTool(processArguments(argc, argv), io);
     // An incomplete report must not look like a good one.
-    return output.flush() ? exitCode : ExitCode::kUnusable;
+    const bool isWhole = finishOutput(QStringLiteral("standard output"), output, io);
+    return isWhole && errors.finish().ok() ? exitCode : ExitCode::kUnusable;
 }

@@ -32,7 +32,8 @@ const QString kCheckHelp = QStringLiteral(
     "  -h, --help              Show this text.\n"
     "\n"
     "Exit code: 0 for nothing worse than notes, 1 for warnings, 2 for an error (a conversion\n"
-    "fails or never ends), 3 for wrong usage or a file that cannot be opened.\n");
+    "fails or never ends), 3 for wrong usage, or a file or report that\n"
+    "cannot be opened, read or written.\n");
 
 const QString kExportHelp = QStringLiteral(
     "Usage: htstool export [OPTIONS] -o OUT.csv FILE\n"

@@ -14,7 +14,11 @@ namespace UtilsNS {
 // To be called first. If the process was started without one of the standard streams, the stream is
 // connected to /dev/null: otherwise a file that is opened later would get its descriptor, and what
 // is printed. Does nothing on Windows, where files have no such descriptors.
-void openStandardStreams();
+enum class MissingStream {
+    IsEmpty, // reads nothing and drops what is written
+    Fails,   // but the standard error drops what is written
+};
+void openStandardStreams(MissingStream missing);
 
 // To be called after the application object is created. Under a C or POSIX locale, which the jobs
 // of a scheduler have, texts and file names are UTF-8. Does nothing on Windows.

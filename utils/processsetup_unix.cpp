@@ -9,14 +9,16 @@
 
 namespace UtilsNS {
 
-void openStandardStreams()
+void openStandardStreams(MissingStream missing)
 {
-    // A file gets the lowest free descriptor.
-    int descriptor = 0;
-    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
-        descriptor = ::open("/dev/null", O_RDWR);
-    if (descriptor > STDERR_FILENO)
-        ::close(descriptor);
+    // With the wrong direction every read or write fails. Messages are always dropped.
+    const bool fails = missing == MissingStream::Fails;
+    const int modes[] = {fails ? O_WRONLY : O_RDWR, fails ? O_RDONLY : O_RDWR, O_RDWR};
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+        // A file gets the lowest free descriptor, here that of the stream.
+        if (::fcntl(stream, F_GETFD) == -1)
+            ::open("/dev/null", modes[stream]);
+    }
 }
 
 void chooseTextEncoding()

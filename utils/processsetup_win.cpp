@@ -5,7 +5,7 @@
 
 namespace UtilsNS {
 
-void openStandardStreams() {}
+void openStandardStreams(MissingStream /*missing*/) {}
 
 void chooseTextEncoding() {}
 

@@ -54,6 +54,8 @@ private Q_SLOTS:
     void failedReadIsReported();
     void controlFileThatCannotBeReadToItsEndIsReported();
     void fullDiskIsReported();
+    void lostOutputIsReported_data();
+    void lostOutputIsReported();
     void closedStandardStreamsDoNotBecomeFiles();
     void namesAreUtf8UnderTheCLocale();
     void namesThatAreNotTextAreRefused();
@@ -484,8 +486,44 @@ void HtstoolTest::fullDiskIsReported()
     run.start(words("check a.hts --counts /dev/full"));
     QVERIFY(run.errors.endsWith("htstool: /dev/full: No space left on device\n"));
     QCOMPARE(run.exitCode, 3);
-    run.write(QStringLiteral("b.hts"), codeFile("text-value"));
-    run.startShell(QStringLiteral("$PROGRAM check b.hts > /dev/full"));
+}
+
+void HtstoolTest::lostOutputIsReported_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QByteArray>("lastLine");
+    const auto row = [](const char* command, const char* lastLine) {
+        QTest::newRow(command) << QString::fromLatin1(command) << QByteArray(lastLine);
+    };
+    const char* full = "htstool: standard output: No space left on device\n";
+    const char* closed = "htstool: standard output: Bad file descriptor\n";
+    row("check a.hts > /dev/full", full);
+    row("check -f json a.hts > /dev/full", full);
+    // Longer than the buffers of streams.
+    row("check -f json $(yes a.hts | head -99) > /dev/full", full);
+    row("check -c rules.txt long.hts > /dev/full", full);
+    row("check a.hts >&-", closed);
+    row("check --help > /dev/full", full);
+    row("--version >&-", closed);
+    row("export a.hts -o - > /dev/full", "htstool: -: No space left on device\n");
+    row("export a.hts -o - >&-", "htstool: -: Bad file descriptor\n");
+    row("check a.hts --counts - >&-", closed);
+    row("check - <&-", "htstool: -: Bad file descriptor\n");
+    row("check a.hts 2> /dev/full", "");
+}
+
+void HtstoolTest::lostOutputIsReported()
+{
+    QFETCH(QString, command);
+    QFETCH(QByteArray, lastLine);
+    ToolRun run;
+    const QByteArray text = codeFile("text-value");
+    run.write(QStringLiteral("a.hts"), text);
+    run.write(QStringLiteral("long.hts"),
+              QByteArray(text).replace("object_name: ", "object_name: " + QByteArray(40000, 'x')));
+    run.write(QStringLiteral("rules.txt"), "*.*: Sum\n");
+    run.startShell(QStringLiteral("exec $PROGRAM ") + command);
+    QVERIFY2(run.errors.endsWith(lastLine), run.errors.constData());
     QCOMPARE(run.exitCode, 3);
 }
 
@@ -499,7 +537,7 @@ void HtstoolTest::closedStandardStreamsDoNotBecomeFiles()
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.read(QStringLiteral("a.csv")), run.read(QStringLiteral("expected.csv")));
     run.startShell(QStringLiteral("exec $PROGRAM check a.hts --counts a.csv <&- >&- 2>&-"));
-    QCOMPARE(run.exitCode, 2);
+    QCOMPARE(run.exitCode, 3);
     QCOMPARE(run.read(QStringLiteral("a.csv")),
              QByteArray("file,run,trace,object,slot,year_end,timesteps,missing\r\n"));
 }
