@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -124,8 +125,11 @@ int runCheck(const ToolOptions& options, const ToolIo& io)
     if (options.countsPath.isEmpty())
         return command.run(nullptr);
 
+    QStringList inputs = options.files;
+    if (!options.controlPath.isEmpty()) // for which "-" is a file
+        inputs.append(QDir::current().absoluteFilePath(options.controlPath));
     UtilsNS::CheckedFile file;
-    if (!openOutput(options.countsPath, options.files + QStringList{options.controlPath}, file, io))
+    if (!openOutput(options.countsPath, inputs, file, io))
         return ExitCode::kUnusable;
     int exitCode = 0;
     {

@@ -13,6 +13,16 @@ namespace {
 
 const QLatin1String kStandardStream("-");
 
+bool isSameFile(const QString& output, const QString& input)
+{
+    if (input.isEmpty() || (output == kStandardStream && input == kStandardStream))
+        return false;
+    if (output == kStandardStream)
+        return UtilsNS::isSameFile(input, stdout);
+    return input == kStandardStream ? UtilsNS::isSameFile(output, stdin)
+                                    : UtilsNS::isSameFile(output, input);
+}
+
 } // namespace
 
 void reportProblem(const QString& path, const QString& text, const ToolIo& io)
@@ -36,7 +46,7 @@ bool openOutput(const QString& path, const QStringList& inputs, UtilsNS::Checked
                 const ToolIo& io)
 {
     for (const QString& input : inputs) {
-        if (path != kStandardStream && !input.isEmpty() && UtilsNS::isSameFile(path, input)) {
+        if (isSameFile(path, input)) {
             reportProblem(path, QStringLiteral("this is an input: it is not overwritten"), io);
             return false;
         }

@@ -1,6 +1,8 @@
 #ifndef UTILS_FILEROLES_H
 #define UTILS_FILEROLES_H
 
+#include <cstdio>
+
 #include <QString>
 #include <QVector>
 
@@ -20,6 +22,9 @@ struct FileRole
 // Character devices such as /dev/null and nul never count as the same file: nothing is lost when
 // two roles share them.
 bool isSameFile(const QString& path, const QString& otherPath);
+
+// Whether `path` leads to the regular file that a standard stream is connected to.
+bool isSameFile(const QString& path, std::FILE* stream);
 
 // Fails when `file`, which is about to be truncated, is the same file as one of `others`. The
 // message names both: "The output hts file is the input hts file /data/a.hts". Roles with an empty

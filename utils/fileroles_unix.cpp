@@ -52,4 +52,13 @@ bool isSameFile(const QString& path, const QString& otherPath)
            !S_ISCHR(info.st_mode);
 }
 
+bool isSameFile(const QString& path, std::FILE* stream)
+{
+    struct stat info;
+    struct stat ofStream;
+    return statPath(path, info) && ::fstat(::fileno(stream), &ofStream) == 0 &&
+           S_ISREG(info.st_mode) && info.st_dev == ofStream.st_dev &&
+           info.st_ino == ofStream.st_ino;
+}
+
 } // namespace UtilsNS

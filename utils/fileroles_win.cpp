@@ -7,6 +7,8 @@
 
 #include <windows.h>
 
+#include <io.h>
+
 namespace UtilsNS {
 
 namespace {
@@ -93,6 +95,14 @@ bool isSameFile(const QString& path, const QString& otherPath)
     if (file == nullptr)
         return isSameNewFile(full, otherFull);
     return isSameIdentity(file.get(), otherFile.get());
+}
+
+bool isSameFile(const QString& path, std::FILE* stream)
+{
+    const UniqueHandle file = openForQuery(fullPath(path));
+    const auto ofStream = reinterpret_cast<HANDLE>(::_get_osfhandle(::_fileno(stream)));
+    return file != nullptr && ofStream != INVALID_HANDLE_VALUE &&
+           isSameIdentity(file.get(), ofStream);
 }
 
 } // namespace UtilsNS
