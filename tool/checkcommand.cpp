@@ -12,6 +12,7 @@
 #include "check/filecheck.h"
 #include "check/yearcounts.h"
 #include "tool/jsonreport.h"
+#include "tool/outputfile.h"
 #include "tool/textreport.h"
 #include "tool/toolfiles.h"
 #include "tool/toolio.h"
@@ -128,14 +129,14 @@ int runCheck(const ToolOptions& options, const ToolIo& io)
     QStringList inputs = options.files;
     if (!options.controlPath.isEmpty()) // for which "-" is a file
         inputs.append(QDir::current().absoluteFilePath(options.controlPath));
-    UtilsNS::CheckedFile file;
-    if (!openOutput(options.countsPath, inputs, file, io))
+    OutputFile file(io);
+    if (!file.open(options.countsPath, inputs))
         return ExitCode::kUnusable;
     int exitCode = 0;
     {
-        CsvWriter counts(file);
+        CsvWriter counts(file.device());
         YearCounts::writeHeader(counts);
         exitCode = command.run(&counts);
     }
-    return finishOutput(options.countsPath, file, io) ? exitCode : ExitCode::kUnusable;
+    return file.finish() ? exitCode : ExitCode::kUnusable;
 }

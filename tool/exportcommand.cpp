@@ -1,20 +1,37 @@
 #include "tool/exportcommand.h"
 
 #include "check/csvexport.h"
+#include "tool/outputfile.h"
 #include "tool/toolfiles.h"
 #include "tool/toolio.h"
 #include "tool/tooloptions.h"
 #include "utils/checkedfile.h"
 
-namespace {
-
-int report(const ExportOutcome& outcome, const QString& path, const ToolIo& io)
+int runExport(const ToolOptions& options, const ToolIo& io)
 {
+    const QString& path = options.files.first();
+    UtilsNS::CheckedFile input;
+    OutputFile output(io);
+    if (!openInput(path, input, io) || !output.open(options.outputPath, {path}))
+        return ExitCode::kUnusable;
+    ExportOptions exportOptions;
+    exportOptions.isWide = options.isWide;
+    exportOptions.run = options.run;
+    const ExportOutcome outcome = exportCsv(input, output.device(), exportOptions);
+    if (!output.isWritten())
+        return ExitCode::kUnusable;
+    if (!input.problem().isEmpty()) {
+        reportProblem(path, input.problem(), io);
+        return ExitCode::kUnusable;
+    }
     if (!outcome.status.ok()) {
-        reportProblem(path, outcome.status.message + QLatin1String("; the export is not complete"),
-                      io);
+        const QLatin1String rest(output.isDroppable() ? "; nothing is exported"
+                                                      : "; the export is not complete");
+        reportProblem(path, outcome.status.message + rest, io);
         return ExitCode::kErrors;
     }
+    if (!output.finish())
+        return ExitCode::kUnusable;
     if (outcome.textValues == 0)
         return ExitCode::kNoWorseThanNotes;
     reportProblem(path,
@@ -23,26 +40,4 @@ int report(const ExportOutcome& outcome, const QString& path, const ToolIo& io)
                       .arg(outcome.textValues),
                   io);
     return ExitCode::kWarnings;
-}
-
-} // namespace
-
-int runExport(const ToolOptions& options, const ToolIo& io)
-{
-    const QString& path = options.files.first();
-    UtilsNS::CheckedFile input;
-    UtilsNS::CheckedFile output;
-    if (!openInput(path, input, io) || !openOutput(options.outputPath, {path}, output, io))
-        return ExitCode::kUnusable;
-    ExportOptions exportOptions;
-    exportOptions.isWide = options.isWide;
-    exportOptions.run = options.run;
-    const ExportOutcome outcome = exportCsv(input, output, exportOptions);
-    if (!finishOutput(options.outputPath, output, io))
-        return ExitCode::kUnusable;
-    if (!input.problem().isEmpty()) {
-        reportProblem(path, input.problem(), io);
-        return ExitCode::kUnusable;
-    }
-    return report(outcome, path, io);
 }

@@ -1,22 +1,20 @@
 #ifndef TOOL_TOOLFILES_H
 #define TOOL_TOOLFILES_H
 
+#include <QLatin1String>
 #include <QString>
-#include <QStringList>
 
 namespace UtilsNS {
 class CheckedFile;
 }
 struct ToolIo;
 
+// The path that stands for the standard input or output.
+inline const QLatin1String kStandardStream("-");
+
 // Opens `path`, or the standard input for "-", for reading in the same way as a conversion. Reports
 // a failure to io.errors and returns false.
 bool openInput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io);
-
-// Opens `path`, or the standard output for "-", for writing; fails if it is one of `inputs`.
-// Reports a failure to io.errors and returns false.
-bool openOutput(const QString& path, const QStringList& inputs, UtilsNS::CheckedFile& file,
-                const ToolIo& io);
 
 // Flushes and closes a file that was written. Reports a failure to io.errors and returns false.
 bool finishOutput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io);

@@ -51,6 +51,9 @@ private Q_SLOTS:
     void exportsOneRun();
     void exportReportsText();
     void exportFailsForABrokenFile();
+    void failedExportLeavesTheFileAsItWas_data();
+    void failedExportLeavesTheFileAsItWas();
+    void exportReplacesWhatThePathLeadsTo();
     void failedReadIsReported();
     void controlFileThatCannotBeReadToItsEndIsReported();
     void fullDiskIsReported();
@@ -439,6 +442,68 @@ void HtstoolTest::exportFailsForABrokenFile()
     run.start(words("export - -o none/a.csv"), kMixedFile);
     QCOMPARE(run.errors, QByteArray("htstool: none/a.csv: No such file or directory\n"));
     QCOMPARE(run.exitCode, 3);
+}
+
+void HtstoolTest::failedExportLeavesTheFileAsItWas_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QByteArray>("errors");
+    QTest::addColumn<int>("exitCode");
+    const auto row = [](const char* command, const char* errors, int exitCode) {
+        QTest::newRow(command) << QString::fromLatin1(command) << QByteArray(errors) << exitCode;
+    };
+    row("$PROGRAM export empty.hts -o k.csv",
+        "htstool: empty.hts: Cannot read package preamble; nothing is exported\n", 2);
+    row("$PROGRAM export cut.hts -o link.csv",
+        "htstool: cut.hts: Cannot read slot preamble; nothing is exported\n", 2);
+    row("$PROGRAM export -w -r 2 cut.hts -o k.csv",
+        "htstool: cut.hts: The file has 1 runs; nothing is exported\n", 2);
+    row("$PROGRAM export /proc/self/mem -o k.csv", "htstool: /proc/self/mem: Input/output error\n",
+        3);
+    row("limit; $PROGRAM export pond.hts -o k.csv", "htstool: k.csv: File too large\n", 3);
+    row("limit; $PROGRAM check pond.hts --counts k.csv > /dev/null",
+        "pond.hts: 0 errors, 4 warnings, 2 notes\nhtstool: k.csv: File too large\n", 3);
+}
+
+void HtstoolTest::failedExportLeavesTheFileAsItWas()
+{
+    QFETCH(QString, command);
+    ToolRun run;
+    writePond(run);
+    run.write(QStringLiteral("empty.hts"), QByteArray());
+    run.write(QStringLiteral("cut.hts"), run.read(QStringLiteral("pond.hts")).chopped(100));
+    run.write(QStringLiteral("k.csv"), "old\n");
+    QVERIFY(QFile::link(QStringLiteral("k.csv"), run.path(QStringLiteral("link.csv"))));
+    const QStringList files = run.files();
+    // Blocks of 512 bytes.
+    run.startShell(QStringLiteral("limit() { trap '' XFSZ; ulimit -f 1; }; ") + command);
+    QTEST(run.errors, "errors");
+    QTEST(run.exitCode, "exitCode");
+    QCOMPARE(run.read(QStringLiteral("k.csv")), QByteArray("old\n"));
+    QCOMPARE(run.files(), files);
+}
+
+void HtstoolTest::exportReplacesWhatThePathLeadsTo()
+{
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"), kMixedFile);
+    run.start(words("export a.hts -o expected.csv"));
+    const QByteArray expected = run.read(QStringLiteral("expected.csv"));
+    run.write(QStringLiteral("k.csv"), "old\n");
+    run.startShell(QStringLiteral("chmod 640 k.csv; ln -s k.csv link; ln -s link link.csv; "
+                                  "$PROGRAM export a.hts -o link.csv; stat -c %a k.csv"));
+    QCOMPARE(run.output, QByteArray("640\n"));
+    QCOMPARE(run.read(QStringLiteral("k.csv")), expected);
+    QCOMPARE(QFile::symLinkTarget(run.path(QStringLiteral("link.csv"))),
+             run.path(QStringLiteral("link")));
+    QCOMPARE(QFile::symLinkTarget(run.path(QStringLiteral("link"))),
+             run.path(QStringLiteral("k.csv")));
+    // A file that is open elsewhere, and a pipe.
+    run.startShell(QStringLiteral("{ echo before; $PROGRAM export a.hts -o /dev/fd/1; } >> b.csv; "
+                                  "mkfifo p; cat p & $PROGRAM export a.hts -o p; wait"));
+    QCOMPARE(run.read(QStringLiteral("b.csv")), expected);
+    QCOMPARE(run.output, expected);
+    QCOMPARE(run.exitCode, 0);
 }
 
 namespace {
