@@ -9,6 +9,7 @@
 #include "annualize/slotplan.h"
 #include "check/csvwriter.h"
 #include "check/knownlines.h"
+#include "check/quotedtext.h"
 #include "hts/datetimetext.h"
 #include "hts/htskeys.h"
 #include "hts/htspackage.h"
@@ -139,13 +140,18 @@ private:
     std::vector<HtsColumn> m_columns;
 };
 
-std::vector<QByteArray> timesOf(const HtsRun& run)
+// Adds a field for each timestep. Fails for one like 2001-2-30, which the reader accepts.
+Status addTimes(const HtsRun& run, std::vector<QByteArray>& times)
 {
-    std::vector<QByteArray> times;
     times.reserve(static_cast<std::size_t>(run.timesteps.size()));
-    for (const QString& timestep : run.timesteps)
-        times.push_back(csvField(textToDateTime(timestep)));
-    return times;
+    for (const QString& timestep : run.timesteps) {
+        const QDateTime time = textToDateTime(timestep);
+        if (!time.isValid())
+            return failure(
+                QStringLiteral("The timestep %1 is not a date-time").arg(quoted(timestep)));
+        times.push_back(csvField(time));
+    }
+    return {};
 }
 
 QByteArray runFieldsOf(const HtsRun& run, int runNumber)
@@ -192,10 +198,11 @@ Status readRun(HtsReader& reader, int runNumber, Table* table)
     Status status = reader.readRun(run);
     if (!status.ok())
         return status;
-    const std::vector<QByteArray> times =
-        table == nullptr ? std::vector<QByteArray>() : timesOf(run);
-    if (table != nullptr)
+    std::vector<QByteArray> times;
+    if (table != nullptr) {
+        status = addTimes(run, times);
         table->beginRun(runFieldsOf(run, runNumber), times);
+    }
     HtsColumn values;
     while (status.ok() && !reader.takeEndOfRun())
         status = readSlot(reader, run, table, values);

@@ -18,8 +18,8 @@ struct ExportOptions
 
 struct ExportOutcome
 {
-    // The reader's failure, or why the runs do not fit one table, or that there is no such run.
-    // What was read before it has been written.
+    // The reader's failure, a timestep that is not a date-time, or why the runs do not fit one
+    // table, or that there is no such run. What was read before it has been written.
     Status status;
     // Number of value lines that are not numbers; they count as 0 and were exported as 0.
     qint64 textValues = 0;

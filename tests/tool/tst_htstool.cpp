@@ -435,6 +435,11 @@ void HtstoolTest::exportFailsForABrokenFile()
         QByteArray(
             "htstool: -: A table slot has no \"END_SLOT\" after it; the export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
+    run.start(words("export - -o -"), QByteArray(kMixedFile).replace("2000-2-29", "2001-2-30"));
+    QCOMPARE(run.errors,
+             QByteArray("htstool: -: The timestep \"2001-2-30 6:00\" is not a date-time; "
+                        "the export is not complete\n"));
+    QCOMPARE(run.exitCode, 2);
     run.start(words("export none.hts -o none.csv"));
     QCOMPARE(run.errors, QByteArray("htstool: none.hts: No such file or directory\n"));
     QCOMPARE(run.exitCode, 3);
