@@ -99,6 +99,17 @@ bool setFormat(const QString& word, ToolOptions& options)
     return isJson || word == QLatin1String("text");
 }
 
+// The argument that has a month attached to -y, which a conversion would ignore; empty if none has.
+QString attachedMonth(const QStringList& arguments)
+{
+    const QStringList options = arguments.mid(0, arguments.indexOf(QStringLiteral("--")));
+    for (const QString& argument : options) {
+        if (argument.startsWith(QLatin1String("-y")) && argument != QLatin1String("-y"))
+            return argument;
+    }
+    return {};
+}
+
 ToolOptions parseCheck(const QStringList& arguments)
 {
     Command command;
@@ -124,6 +135,11 @@ ToolOptions parseCheck(const QStringList& arguments)
     options.controlPath = parser.value(control);
     if (parser.isSet(control) && options.controlPath.isEmpty())
         return invalid(QStringLiteral("the path of the control file is empty"));
+    if (const QString argument = attachedMonth(arguments); !argument.isEmpty())
+        return invalid(
+            QStringLiteral("\"%1\": HtsAnnualizer ignores a month that is attached to its option; "
+                           "write it as the next argument")
+                .arg(argument));
     if (parser.isSet(month)) {
         // -1 means December, as it does for a conversion.
         constexpr int kDecember = 12;

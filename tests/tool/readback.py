@@ -18,6 +18,10 @@ from pathlib import Path
 import pandas
 
 
+# The name that follows in the file becomes a line that is ignored.
+NA_NAME = "object_name: NA\n#"
+
+
 def instant(text):
     """2000-1-31 24:00 is midnight of the next day."""
     date, time = text.split(" ")
@@ -78,7 +82,8 @@ def same(a, b):
 
 def export(tool, path, table, *options):
     subprocess.run([tool, "export", path, "-o", table, *options], check=True)
-    return pandas.read_csv(table, parse_dates=["time"], float_precision="round_trip")
+    return pandas.read_csv(table, parse_dates=["time"], float_precision="round_trip",
+                           keep_default_na=False, na_values=[""])
 
 
 def check_long(tool, path, folder, rows):
@@ -105,11 +110,15 @@ def main():
     tool, *files = sys.argv[1:]
     assert files
     for file in map(Path, files):
-        rows = values_of(file)
-        assert rows
         with tempfile.TemporaryDirectory() as folder:
-            check_long(tool, file, Path(folder), rows)
-            check_wide(tool, file, Path(folder), rows)
+            # With a name that readers of tables take for a missing value.
+            copy = Path(folder) / file.name
+            copy.write_text(file.read_text(encoding="utf-8").replace("object_name: ", NA_NAME, 1),
+                            encoding="utf-8")
+            rows = values_of(copy)
+            assert rows[0][2] == "NA"
+            check_long(tool, copy, Path(folder), rows)
+            check_wide(tool, copy, Path(folder), rows)
         print(f"{file.name}: {len(rows)} values found")
 
 

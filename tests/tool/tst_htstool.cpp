@@ -99,6 +99,8 @@ void HtstoolTest::endMonthOfMinusOneIsDecember()
     run.start(words("check pond.hts -c pond_methods.txt -y 12"));
     const QByteArray december = run.output;
     QVERIFY(december.contains("plan: 3 years, from 2021-12-31 24:00"));
+    run.start(words("check -c pond_methods.txt --end-month=12 -- pond.hts -y9"));
+    QCOMPARE(run.output, december);
     run.start(words("check pond.hts -c pond_methods.txt -y -1"));
     QCOMPARE(run.output, december);
 }
@@ -119,14 +121,19 @@ void HtstoolTest::wrongUsageIsRefused_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QByteArray>("message");
-    const auto row = [](const char* arguments, const char* message) {
-        QTest::newRow(arguments) << words(arguments) << QByteArray(message);
+    const auto row = [](const QByteArray& arguments, const QByteArray& message) {
+        QTest::newRow(arguments.constData()) << words(arguments.constData()) << message;
     };
     row("", "no command is given");
     row("list a.hts", "\"list\" is not one of the commands check and export");
     row("check", "check needs a file");
     row("check --all a.hts", "Unknown option 'all'.");
     row("check a.hts -y", "Missing value after '-y'.");
+    for (const QByteArray option : {"-y9", "-y=9", "-y-1"})
+        row("check a.hts " + option,
+            '"' + option +
+                "\": HtsAnnualizer ignores a month that is attached to its option; write it as the "
+                "next argument");
     row("check a.hts -y 0", "the month \"0\" is not one of 1 to 12");
     row("check a.hts -y 13", "the month \"13\" is not one of 1 to 12");
     row("check a.hts --end-month=May", "the month \"May\" is not one of 1 to 12");
@@ -208,8 +215,9 @@ void HtstoolTest::examplesHaveNothingWorseThanNotes()
     ToolRun run;
     for (const char* name : {"basins_monthly", "rivers_daily"}) {
         const QString stem = examples + QLatin1String(name);
-        run.start({QStringLiteral("check"), QStringLiteral("-y9"), stem + QStringLiteral(".hts"),
-                   QStringLiteral("-c"), stem + QStringLiteral("_methods.txt")});
+        run.start({QStringLiteral("check"), QStringLiteral("-y"), QStringLiteral("9"),
+                   stem + QStringLiteral(".hts"), QStringLiteral("-c"),
+                   stem + QStringLiteral("_methods.txt")});
         QVERIFY2(run.exitCode == 0, run.output.constData());
     }
 }
