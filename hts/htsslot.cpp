@@ -1,9 +1,21 @@
 #include "hts/htsslot.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "hts/htsrun.h"
 #include "hts/shareifequal.h"
+
+namespace {
+
+// By bytes: -0 is another number than 0, and a NaN the same as itself.
+bool isSameNumber(double a, double b)
+{
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+} // namespace
 
 bool HtsSlot::isSeries() const
 {
@@ -39,6 +51,8 @@ void HtsSlot::shareTexts(const HtsSlot& neighbour)
     shareIfEqual(slotType, neighbour.slotType);
     shareIfEqual(slotName, neighbour.slotName);
     shareIfEqual(units, neighbour.units);
-    shareIfEqual(scales, neighbour.scales);
+    if (std::equal(scales.begin(), scales.end(), neighbour.scales.begin(), neighbour.scales.end(),
+                   isSameNumber))
+        scales = neighbour.scales;
     shareIfEqual(methods, neighbour.methods);
 }

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstddef>
 #include <limits>
 
@@ -314,6 +315,19 @@ void HtsPackageTest::equalTextsOfNeighboursShareTheirMemory()
     HtsSlot third = makeSlot("Inflow");
     third.shareTexts(first);
     QVERIFY(third.slotName.isSharedWith(first.slotName));
+
+    HtsSlot negative;
+    negative.scales = QList<double>{-0.0};
+    HtsSlot positive;
+    positive.scales = QList<double>{0.0};
+    positive.shareTexts(negative);
+    QVERIFY(!std::signbit(positive.scales.first()));
+    negative.shareTexts(positive);
+    QVERIFY(std::signbit(negative.scales.first()));
+    HtsSlot other = negative;
+    other.scales.detach();
+    other.shareTexts(negative);
+    QVERIFY(other.scales.isSharedWith(negative.scales));
 }
 
 void HtsPackageTest::statusIsSuccessWithoutMessage()
