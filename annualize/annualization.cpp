@@ -120,6 +120,7 @@ void Annualization::planSlot(const HtsSlot& slot)
     if (!plan.isAnnualized())
         return;
     ++m_annualizedCount;
+    m_annualizedEnd = m_plans.size();
     HtsSlot annualSlot = plan.annualSlot(slot);
     if (!m_annual.slots.isEmpty())
         annualSlot.shareTexts(m_annual.slots.constLast());
@@ -145,7 +146,7 @@ void Annualization::annualizeSlot(int runIndex, int slotIndex)
 void Annualization::finishRun(int runIndex, int slotCount)
 {
     m_values.clear();
-    for (int s = slotCount; s < m_plans.size() && isAnnualizing(); ++s) {
+    for (int s = slotCount; s < m_annualizedEnd && isAnnualizing(); ++s) {
         if (isAnnualized(s))
             annualizeSlot(runIndex, s);
     }
@@ -176,7 +177,9 @@ Status Annualization::report() const
     QLOG_INFO() << "Starting to annualize slot data";
     const bool hasFailed = m_failure.run >= 0;
     const int wholeRuns = hasFailed ? m_failure.run : m_runCount;
-    for (int r = 0; r < wholeRuns; ++r)
+    // Not even looked for if nobody listens: it is the product of two numbers of the file.
+    const bool isLogged = QsLogging::Logger::instance().loggingLevel() <= QsLogging::InfoLevel;
+    for (int r = 0; isLogged && r < wholeRuns; ++r)
         logSkippedSlots(m_plans.size());
     if (!hasFailed)
         return {};

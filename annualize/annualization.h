@@ -86,6 +86,7 @@ private:
     ControlFile m_control;
     QVector<SlotPlan> m_plans; // one for each slot of the first run
     int m_annualizedCount = 0; // plans of slots that get a place in the result
+    int m_annualizedEnd = 0;   // index after the last of them
     int m_runCount = 0;
     bool m_isRead = false; // the whole input was read without a failure
     Failure m_failure;

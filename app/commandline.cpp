@@ -5,7 +5,7 @@
 
 #include <QDateTime>
 
-#include "QsLogLevel.h"
+#include "QsLog.h"
 #include "annualize/annualizehts.h"
 #include "annualize/convertfiles.h"
 #include "app/logstream.h"
@@ -238,6 +238,9 @@ Status Conversion::convert()
         return failure(QStringLiteral("HtsAnnualizer Error: Invalid end month for year specified "
                                       "with -y option: %1")
                            .arg(m_endMonth));
+    // The engine's lines, one for each slot and run, are not even made if nobody listens.
+    if (!UtilsNS::messageWatcher.hasReceiver())
+        QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
     const Status status = convertFiles(m_engine, m_inputFile, m_outputFile);
     if (status.ok())
         return {};

@@ -40,12 +40,8 @@ void RunCheck::addFirstSlot(const HtsSlot& slot, bool isConverted)
         shareIfEqual(first.units, m_slots.back().units);
     }
     m_slots.push_back(first);
-}
-
-bool RunCheck::hasSlotToConvert() const
-{
-    return std::any_of(m_slots.begin(), m_slots.end(),
-                       [](const FirstSlot& slot) { return slot.isConverted; });
+    if (isConverted)
+        m_convertedEnd = m_slots.size();
 }
 
 void RunCheck::fail(Code code, qint64 line, const Status& status, const QString& text)
@@ -67,7 +63,7 @@ bool RunCheck::beginRun(int runIndex, const HtsRun& run, const RunLines& lines)
         checkSteps(run, lines);
         return true;
     }
-    if (!hasSlotToConvert())
+    if (m_convertedEnd == 0)
         return false;
     const Status years = yearsOf(run, m_endMonth).years.status;
     const QString what = run.start != m_start ? QStringLiteral("another \"start:\"")
@@ -190,7 +186,7 @@ void RunCheck::finishRun(qint64 line)
 {
     if (!m_hasFirstTiming)
         return;
-    for (std::size_t index = m_nextSlot; index < m_slots.size(); ++index) {
+    for (std::size_t index = m_nextSlot; index < m_convertedEnd; ++index) {
         if (!m_slots[index].isConverted)
             continue;
         fail(Code::RunValues, line, failure(AggValues::kSizesDiffer),

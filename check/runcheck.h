@@ -49,7 +49,6 @@ private:
         bool isConverted = false;
     };
 
-    bool hasSlotToConvert() const;
     void fail(Code code, qint64 line, const Status& status, const QString& text);
     void checkSteps(const HtsRun& run, const RunLines& lines);
     void checkUnit(const HtsRun& run, const RunLines& lines);
@@ -68,6 +67,7 @@ private:
     QString m_unit;
     int m_unitQuantity = 0;
     std::vector<FirstSlot> m_slots;
+    std::size_t m_convertedEnd = 0; // index after the last that is converted
 
     // The current run.
     int m_runNumber = 0; // counted from 1
