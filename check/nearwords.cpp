@@ -44,20 +44,26 @@ bool isCutOrWithoutColon(const QString& word, const QString& key)
 
 int editDistance(const QString& a, const QString& b, int limit)
 {
-    if (std::abs(a.size() - b.size()) > limit)
-        return limit + 1;
+    const int over = limit + 1;
+    const int size = b.size();
+    if (std::abs(a.size() - size) > limit)
+        return over;
     // Three rows of the usual table: distances between the first i characters of `a` and each
-    // beginning of `b`, and those of the two rows before.
-    std::vector<int> row(static_cast<std::size_t>(b.size()) + 1);
-    for (std::size_t j = 0; j < row.size(); ++j)
-        row[j] = static_cast<int>(j);
+    // beginning of `b`, and those of the two rows before. Only the cells that are at most `limit`
+    // beside the diagonal can be within the limit; the next one on either side counts as over it.
+    std::vector<int> row(static_cast<std::size_t>(size) + 1, over);
+    for (int j = 0; j <= std::min(size, limit); ++j)
+        row[static_cast<std::size_t>(j)] = j;
     std::vector<int> before = row;
     std::vector<int> twoBefore = row;
     for (int i = 1; i <= a.size(); ++i) {
         twoBefore.swap(before);
         before.swap(row);
-        row[0] = i;
-        for (std::size_t j = 1; j < row.size(); ++j) {
+        const auto first = static_cast<std::size_t>(std::max(i - limit, 1));
+        const auto last = static_cast<std::size_t>(std::min(i + limit, size));
+        row[first - 1] = i <= limit ? i : over;
+        int least = row[first - 1];
+        for (std::size_t j = first; j <= last; ++j) {
             const QChar fromA = a.at(i - 1);
             const QChar fromB = b.at(static_cast<int>(j) - 1);
             row[j] =
@@ -66,11 +72,14 @@ int editDistance(const QString& a, const QString& b, int limit)
                 i > 1 && j > 1 && fromA == b.at(static_cast<int>(j) - 2) && fromB == a.at(i - 2);
             if (isSwapped)
                 row[j] = std::min(row[j], twoBefore[j - 2] + 1);
+            least = std::min(least, row[j]);
         }
-        if (*std::min_element(row.begin(), row.end()) > limit)
-            return limit + 1;
+        if (last < row.size() - 1)
+            row[last + 1] = over;
+        if (least > limit)
+            return over;
     }
-    return std::min(row.back(), limit + 1);
+    return std::min(row.back(), over);
 }
 
 QLatin1String nearestWord(const QString& word, const std::vector<QLatin1String>& words)

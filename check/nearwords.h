@@ -10,7 +10,8 @@
 // Words and lines that are nearly, but not exactly, those of the format.
 
 // Number of characters to insert, remove or replace, and of neighbours to swap, to turn one text
-// into the other; `limit` + 1 if it is more than `limit`.
+// into the other; `limit` + 1 if it is more than `limit`. Takes time for the length of the texts,
+// times the limit.
 int editDistance(const QString& a, const QString& b, int limit);
 
 // The first of `words` from which `word` differs only in letter case, in white space, and by an

@@ -41,6 +41,7 @@ private Q_SLOTS:
     void examplesHaveNothingWorseThanNotes();
     void countsWhatIsNotShown();
     void showsAPlanWithoutYears();
+    void nearestOfLongNamesTakesNoTime();
     void readsTheStandardInput();
     void usesColoursOnATerminalOnly();
     void writesCounts();
@@ -250,6 +251,21 @@ void HtstoolTest::showsAPlanWithoutYears()
             "Lake.Inflow has the method Salinity, which is not supported, and is left out "
             "[salinity]\na.hts: plan: no years\na.hts: plan: Lake.Outflow: Sum, rule of line "
             "2\na.hts: plan: Lake.Inflow: left out, Salinity, rule of line 3\n"));
+    QCOMPARE(run.exitCode, 2);
+}
+
+void HtstoolTest::nearestOfLongNamesTakesNoTime()
+{
+    const QByteArray name(40000, 'x');
+    ToolRun run;
+    run.write(QStringLiteral("a.hts"),
+              codeFile("text-value").replace("object_name: ", "object_name: " + name));
+    QByteArray rules;
+    for (int i = 0; i < 10; ++i)
+        rules += name + "Lake.Outflo" + char('a' + i) + ": Sum\n";
+    run.write(QStringLiteral("c.txt"), rules);
+    run.startShell(QStringLiteral("ulimit -c 0; ulimit -t 5; exec $PROGRAM check a.hts -c c.txt"));
+    QCOMPARE(run.output.count("[rule-unmatched]"), 10);
     QCOMPARE(run.exitCode, 2);
 }
 
