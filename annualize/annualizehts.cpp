@@ -77,8 +77,8 @@ Status AnnualizeHts::convert() const
         status = annualization.annualPackage().write(*m_result);
     if (status.ok()) {
         QLOG_INFO() << QStringLiteral("Successfully wrote %1 out of %2 slots")
-                           .arg(annualization.annualPackage().numSlots())
-                           .arg(annualization.inputSlotCount());
+                           .arg(QString::number(annualization.annualPackage().numSlots()),
+                                QString::number(annualization.inputSlotCount()));
     }
     return status;
 }

@@ -92,8 +92,7 @@ bool FileCheck::isMissingRun(int runIndex, const HtsPackage& package)
         return false;
     m_report.findings.add(Code::FewerRuns, m_reader.lineNumber(), [&]() -> QString {
         return QStringLiteral("the file ends after %1 of %2 runs")
-                   .arg(runIndex)
-                   .arg(package.numberOfRuns) +
+                   .arg(QString::number(runIndex), QString::number(package.numberOfRuns)) +
                conversionFails(HtsRun::kBadPreamble);
     });
     return true;
@@ -174,7 +173,7 @@ Status FileCheck::readSlot(const HtsRun& run, int runIndex)
     const qint64 line = m_preamble.firstLine();
     m_column.clear();
     if (slot.isTable()) {
-        const QString name = fullSlotName(slot.objectName, slot.slotName);
+        const QString name = shownSlot(slot.objectName, slot.slotName);
         m_report.neverEnds = !m_slotEnds.readTable(slot, name);
     } else {
         readValues(run, slot);
@@ -201,7 +200,7 @@ Status FileCheck::readColumnHeader(HtsSlot& slot)
 
 void FileCheck::readValues(const HtsRun& run, const HtsSlot& slot)
 {
-    const QString name = fullSlotName(slot.objectName, slot.slotName);
+    const QString name = shownSlot(slot.objectName, slot.slotName);
     m_column.resize(static_cast<std::size_t>(slot.valueCount(run)));
     const qint64 firstLine = m_reader.lineNumber() + 1;
     m_values.begin(name, m_column.size());

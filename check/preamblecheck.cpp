@@ -179,8 +179,7 @@ void PreambleCheck::noteKey(QLatin1String key, std::string_view value)
     if (seen != end && seen->value != value && m_isInSync) {
         m_findings.add(Code::RepeatedKey, m_reader.lineNumber(), [&]() -> QString {
             return QStringLiteral("\"%1\" occurs twice; %2 counts, not %3 of line %4")
-                .arg(keyName(key), quoted(value), quoted(seen->value))
-                .arg(seen->line);
+                .arg(keyName(key), quoted(value), quoted(seen->value), QString::number(seen->line));
         });
     }
     if (m_seenCount == m_seen.size())

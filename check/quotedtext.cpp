@@ -1,27 +1,45 @@
 #include "check/quotedtext.h"
 
+#include <algorithm>
+
+#include "annualize/slotplan.h"
 #include "hts/linetext.h"
 
 namespace {
 
-QString shown(QChar character)
+bool isShownAsItIs(QChar character)
 {
-    if (character == QLatin1Char('\t'))
-        return QStringLiteral("\\t");
-    if (character.isPrint() || character.isSurrogate())
-        return character;
-    return QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
+    return character.isPrint() || character.isSurrogate();
 }
 
 } // namespace
 
+QString shown(const QString& text)
+{
+    if (std::all_of(text.begin(), text.end(), isShownAsItIs))
+        return text;
+    QString result;
+    for (const QChar character : text) {
+        if (isShownAsItIs(character))
+            result += character;
+        else if (character == QLatin1Char('\t'))
+            result += QLatin1String("\\t");
+        else
+            result += QStringLiteral("\\u%1").arg(character.unicode(), 4, 16, QLatin1Char('0'));
+    }
+    return result;
+}
+
+QString shownSlot(const QString& objectName, const QString& slotName)
+{
+    return shown(fullSlotName(objectName, slotName));
+}
+
 QString quoted(const QString& text)
 {
     constexpr int kMaxLength = 60;
-    QString result(QLatin1Char('"'));
-    for (const QChar character : text.left(kMaxLength))
-        result += shown(character);
-    return result + (text.size() > kMaxLength ? QLatin1String("...\"") : QLatin1String("\""));
+    return QLatin1Char('"') + shown(text.left(kMaxLength)) +
+           (text.size() > kMaxLength ? QLatin1String("...\"") : QLatin1String("\""));
 }
 
 QString quoted(std::string_view bytes)

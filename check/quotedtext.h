@@ -5,8 +5,13 @@
 
 #include <QString>
 
-// A text of a file as reports show it: in double quotes, on one line, and cut after 60 characters.
-// Characters that are invisible or would break the line are shown as \t or \u0007.
+// How reports show texts that come from files, names of files and arguments. Characters that are
+// invisible, would break the line or change a terminal are shown as \t or \u0007.
+QString shown(const QString& text);
+// The name "Object.Slot" of a slot.
+QString shownSlot(const QString& objectName, const QString& slotName);
+
+// The same in double quotes, and cut after 60 characters.
 QString quoted(const QString& text);
 QString quoted(std::string_view bytes);
 

@@ -168,19 +168,20 @@ void RuleCheck::reportSlot(const PlannedSlot& planned, const HtsSlot& slot, qint
         m_findings.add(Code::DottedObject, line, [&]() -> QString {
             return QStringLiteral("the object of %1 has a dot in its name: only its type or * can "
                                   "reach it, %2")
-                .arg(planned.name, planned.method == nullptr ? QStringLiteral("and no rule does")
-                                                             : QStringLiteral("as a rule does"));
+                .arg(shown(planned.name), planned.method == nullptr
+                                              ? QStringLiteral("and no rule does")
+                                              : QStringLiteral("as a rule does"));
         });
         return;
     }
     if (planned.method == nullptr) {
         m_findings.add(Code::SlotWithoutRule, line, [&]() -> QString {
-            return QStringLiteral("no rule fits %1, which is left out").arg(planned.name);
+            return QStringLiteral("no rule fits %1, which is left out").arg(shown(planned.name));
         });
     } else if (!planned.method->isSupported()) {
         m_findings.add(Code::Salinity, line, [&]() -> QString {
             return QStringLiteral("%1 has the method %2, which is not supported, and is left out")
-                .arg(planned.name, planned.method->word);
+                .arg(shown(planned.name), planned.method->word);
         });
     }
 }
@@ -213,16 +214,14 @@ void RuleCheck::reportRule(const Rule& rule)
         m_findings.addToControl(Code::RuleShadowed, rule.line, [&]() -> QString {
             const Rule& earlier = m_rules[static_cast<std::size_t>(shadowing)];
             return QStringLiteral("%1 is never used, because %2 of line %3 applies first")
-                .arg(textOf(rule), textOf(earlier))
-                .arg(earlier.line);
+                .arg(textOf(rule), textOf(earlier), QString::number(earlier.line));
         });
     } else if (!rule.isUsed) {
         m_findings.addToControl(Code::RuleIdle, rule.line, [&]() -> QString {
             const Rule& earlier = m_rules[static_cast<std::size_t>(rule.replacedBy)];
             return QStringLiteral("%1 is never used: rules such as %2 of line %3 apply to all "
                                   "its slots")
-                .arg(textOf(rule), textOf(earlier))
-                .arg(earlier.line);
+                .arg(textOf(rule), textOf(earlier), QString::number(earlier.line));
         });
     } else if (!rule.matchesSeries) {
         m_findings.addToControl(Code::RuleOnOtherSlot, rule.line, [&]() -> QString {

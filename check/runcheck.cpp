@@ -73,7 +73,7 @@ bool RunCheck::beginRun(int runIndex, const HtsRun& run, const RunLines& lines)
                         : run.end != m_end && lines.end > 0     ? lines.end
                                                                 : lines.endOfPreamble;
     fail(Code::RunTiming, line, years.ok() ? failure(AggValues::kSizesDiffer) : years,
-         QStringLiteral("run %1 has %2 than the first").arg(m_runNumber).arg(what));
+         QStringLiteral("run %1 has %2 than the first").arg(QString::number(m_runNumber), what));
     return false;
 }
 
@@ -89,8 +89,7 @@ void RunCheck::checkSteps(const HtsRun& run, const RunLines& lines)
     m_findings.add(Code::RunSteps, lines.endOfPreamble + 1 + index, [&]() -> QString {
         return QStringLiteral("run %1 has the timestep %2 where the first run has %3; the years of "
                               "the first run are used")
-            .arg(m_runNumber)
-            .arg(*differing.first, *differing.second);
+            .arg(QString::number(m_runNumber), *differing.first, *differing.second);
     });
 }
 
@@ -104,11 +103,8 @@ void RunCheck::checkUnit(const HtsRun& run, const RunLines& lines)
             return QStringLiteral(
                        "run %1 has steps of %2 %3 where the first run has steps of %4 %5; the "
                        "years of the first run are used")
-                .arg(m_runNumber)
-                .arg(quantity)
-                .arg(quoted(run.timeStepUnit))
-                .arg(m_unitQuantity)
-                .arg(quoted(m_unit));
+                .arg(QString::number(m_runNumber), QString::number(quantity),
+                     quoted(run.timeStepUnit), QString::number(m_unitQuantity), quoted(m_unit));
         });
 }
 
@@ -125,8 +121,7 @@ void RunCheck::addSlot(const HtsSlot& slot, std::size_t valueCount, qint64 line)
         m_findings.add(Code::RunSlotCount, line, [&]() -> QString {
             return QStringLiteral("run %1 has more slots than the %2 of the first run; they are "
                                   "left out")
-                .arg(m_runNumber)
-                .arg(m_slots.size());
+                .arg(QString::number(m_runNumber), QString::number(m_slots.size()));
         });
     }
 }
@@ -140,16 +135,15 @@ void RunCheck::compareName(const FirstSlot& first, const HtsSlot& slot, qint64 l
         return;
     m_isOrderReported = true;
     m_findings.add(Code::RunSlots, line, [&]() -> QString {
-        const QString given = fullSlotName(slot.objectName, slot.slotName);
-        const QString wanted = fullSlotName(first.objectName, first.slotName);
+        const QString given = shownSlot(slot.objectName, slot.slotName);
+        const QString wanted = shownSlot(first.objectName, first.slotName);
         if (given == wanted)
             return QStringLiteral("run %1 has %2 with the object type %3 instead of %4")
-                .arg(m_runNumber)
-                .arg(given, quoted(slot.objectType), quoted(first.objectType));
+                .arg(QString::number(m_runNumber), given, quoted(slot.objectType),
+                     quoted(first.objectType));
         return QStringLiteral("run %1 has %2 in the place of the first run's %3, which gets "
                               "its values")
-            .arg(m_runNumber)
-            .arg(given, wanted);
+            .arg(QString::number(m_runNumber), given, wanted);
     });
 }
 
@@ -162,11 +156,9 @@ void RunCheck::compareHeader(const FirstSlot& first, const HtsSlot& slot, qint64
         return;
     m_findings.add(Code::RunUnits, line, [&]() -> QString {
         return QStringLiteral("run %1 has %2 in %3, scale %4, and the first run in %5, scale %6")
-            .arg(m_runNumber)
-            .arg(fullSlotName(slot.objectName, slot.slotName), quoted(units))
-            .arg(scale)
-            .arg(quoted(first.units))
-            .arg(first.scale);
+            .arg(QString::number(m_runNumber), shownSlot(slot.objectName, slot.slotName),
+                 quoted(units), QString::number(scale), quoted(first.units),
+                 QString::number(first.scale));
     });
 }
 
@@ -178,8 +170,7 @@ void RunCheck::compareValueCount(const FirstSlot& first, std::size_t valueCount,
         return;
     fail(Code::RunValues, line, failure(AggValues::kSizesDiffer),
          QStringLiteral("run %1 has a slot of another kind in the place of %2")
-             .arg(m_runNumber)
-             .arg(fullSlotName(first.objectName, first.slotName)));
+             .arg(QString::number(m_runNumber), shownSlot(first.objectName, first.slotName)));
 }
 
 void RunCheck::finishRun(qint64 line)
@@ -191,8 +182,8 @@ void RunCheck::finishRun(qint64 line)
             continue;
         fail(Code::RunValues, line, failure(AggValues::kSizesDiffer),
              QStringLiteral("run %1 ends without the slot %2")
-                 .arg(m_runNumber)
-                 .arg(fullSlotName(m_slots[index].objectName, m_slots[index].slotName)));
+                 .arg(QString::number(m_runNumber),
+                      shownSlot(m_slots[index].objectName, m_slots[index].slotName)));
         return;
     }
 }

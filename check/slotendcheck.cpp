@@ -100,10 +100,7 @@ bool SlotEndCheck::readRows(const HtsSlot& slot, const QString& slotName)
         isReported = true;
         m_findings.add(Code::TableRows, m_reader.lineNumber(), [&]() -> QString {
             return QStringLiteral("%1 instead of row %2 of %3 of the table %4")
-                .arg(quoted(line))
-                .arg(row + 1)
-                .arg(slot.rows)
-                .arg(slotName);
+                .arg(quoted(line), QString::number(row + 1), QString::number(slot.rows), slotName);
         });
         m_preamble.loseSync();
     }

@@ -156,9 +156,8 @@ void TimeCheck::checkStep(std::size_t index)
     else
         m_findings.add(Code::StepIrregular, lineOfStep(index), [&]() -> QString {
             return QStringLiteral("the timestep %1 does not follow %2 by %3 %4")
-                .arg(text(index), text(index - 1))
-                .arg(std::max(m_run.unitQuantity, 1))
-                .arg(m_run.timeStepUnit);
+                .arg(text(index), text(index - 1), QString::number(std::max(m_run.unitQuantity, 1)),
+                     shown(m_run.timeStepUnit));
         });
 }
 
@@ -215,17 +214,13 @@ void TimeCheck::checkYear(std::size_t first, std::size_t last)
         m_findings.add(Code::EarlyStart, m_lines.start, [&]() -> QString {
             return QStringLiteral("start: lies in an earlier year than the first timestep, %1, so "
                                   "that the first year counts as complete with %2 of %3 timesteps")
-                .arg(text(first))
-                .arg(count)
-                .arg(expected);
+                .arg(text(first), QString::number(count), QString::number(expected));
         });
         return;
     }
     m_findings.add(Code::ShortYear, lineOfStep(last - 1), [&]() -> QString {
         return QStringLiteral("the year that ends %1 counts as complete with %2 of %3 timesteps")
-            .arg(text(last - 1))
-            .arg(count)
-            .arg(expected);
+            .arg(text(last - 1), QString::number(count), QString::number(expected));
     });
 }
 

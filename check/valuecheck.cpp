@@ -85,10 +85,8 @@ void ValueCheck::checkOddLine(std::size_t index, qint64 lineNumber, std::string_
         ++m_foreignLines;
         m_findings.add(Code::TooFewValues, lineNumber, [&]() -> QString {
             return QStringLiteral("%1 instead of value %2 of %3 of %4")
-                .arg(quoted(line))
-                .arg(index + 1)
-                .arg(m_count)
-                .arg(m_slotName);
+                .arg(quoted(line), QString::number(index + 1), QString::number(m_count),
+                     m_slotName);
         });
         return;
     }
@@ -135,9 +133,8 @@ void ValueCheck::reportMissing(const std::vector<double>& values, qint64 firstLi
     m_findings.add(Code::MissingValues, firstLine, [&]() -> QString {
         const double percent = 100.0 * static_cast<double>(missing) / static_cast<double>(m_count);
         return QStringLiteral("%1 of %2 values of %3 are missing (%4 %)")
-            .arg(missing)
-            .arg(m_count)
-            .arg(m_slotName, QString::number(percent, 'f', 1));
+            .arg(QString::number(missing), QString::number(m_count), m_slotName,
+                 QString::number(percent, 'f', 1));
     });
 }
 

@@ -146,7 +146,8 @@ QString methodFor(const HtsSlot& slot, const QVector<Rule>& rules)
 void checkMethods(const Rules& rules, const QVector<HtsSlot>& slots, const QStringList& methods)
 {
     fuzz::require(methods.size() == slots.size(),
-                  QStringLiteral("%1 methods for %2 slots").arg(methods.size()).arg(slots.size()));
+                  QStringLiteral("%1 methods for %2 slots")
+                      .arg(QString::number(methods.size()), QString::number(slots.size())));
     for (int i = 0; i < slots.size(); ++i) {
         const QString name = slots.at(i).objectName + QLatin1Char('.') + slots.at(i).slotName;
         fuzz::requireEqual(QStringLiteral("method of ") + name, methods.at(i),

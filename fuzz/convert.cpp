@@ -151,10 +151,8 @@ void checkYears(const HtsPackage& annual)
         fuzz::requireEqual(QStringLiteral("unit"), run.timeStepUnit, QStringLiteral("year"));
         fuzz::require(run.timeStepCount == years && run.timesteps.size() == years,
                       QStringLiteral("run %1 has %2 years and %3 timesteps instead of %4")
-                          .arg(r)
-                          .arg(run.timeStepCount)
-                          .arg(run.timesteps.size())
-                          .arg(years));
+                          .arg(QString::number(r), QString::number(run.timeStepCount),
+                               QString::number(run.timesteps.size()), QString::number(years)));
         for (const auto& columns : annual.values.at(static_cast<std::size_t>(r))) {
             fuzz::require(columns.size() == 1 &&
                               columns.front().size() == static_cast<std::size_t>(years),

@@ -61,11 +61,9 @@ QString countedText(qint64 minutes)
     for (; days >= daysIn(month, year); ++month)
         days -= daysIn(month, year);
     return QStringLiteral("%1-%2-%3 %4:%5")
-        .arg(year, 4, 10, QLatin1Char('0'))
-        .arg(month)
-        .arg(days + 1)
-        .arg(minuteOfDay / 60)
-        .arg(minuteOfDay % 60, 2, 10, QLatin1Char('0'));
+        .arg(QString::number(year).rightJustified(4, QLatin1Char('0')), QString::number(month),
+             QString::number(days + 1), QString::number(minuteOfDay / 60),
+             QString::number(minuteOfDay % 60).rightJustified(2, QLatin1Char('0')));
 }
 
 void checkText(const QString& text)

@@ -99,7 +99,8 @@ AnnualizeHtsDlg::AnnualizeHtsDlg(AnnualizeHts* engine, QWidget* parent)
 {
     Q_ASSERT(engine != nullptr);
     m_form->setupUi(this);
-    setWindowTitle(QStringLiteral("HTS Annualizer (v%1.%2)").arg(kMajorVersion).arg(kMinorVersion));
+    setWindowTitle(QStringLiteral("HTS Annualizer (v%1.%2)")
+                       .arg(QString::number(kMajorVersion), QString::number(kMinorVersion)));
     setApplicationIcon();
     fillMonthList();
     connectButtons();

@@ -1,6 +1,7 @@
 #include "tool/textreport.h"
 
 #include "check/filecheck.h"
+#include "check/quotedtext.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ const char* colourOf(Severity severity)
     return "\033[31m"; // red
 }
 
-QString shown(Severity severity, bool hasColour)
+QString severityText(Severity severity, bool hasColour)
 {
     const QLatin1String name(severityName(severity));
     if (!hasColour)
@@ -28,17 +29,16 @@ QString shown(Severity severity, bool hasColour)
 QString findingLine(const Finding& finding, const ReportNames& names, bool hasColour)
 {
     const bool isControl = finding.file == Finding::File::Control;
-    return QStringLiteral("%1:%2: %3: ")
-               .arg(isControl ? names.control : names.file)
-               .arg(finding.line)
-               .arg(shown(finding.severity(), hasColour)) +
-           finding.text + QStringLiteral(" [%1]\n").arg(QLatin1String(infoOf(finding.code).name));
+    return QStringLiteral("%1:%2: %3: %4 [%5]\n")
+        .arg(shown(isControl ? names.control : names.file), QString::number(finding.line),
+             severityText(finding.severity(), hasColour), finding.text,
+             QLatin1String(infoOf(finding.code).name));
 }
 
 QString restLine(const CodeInfo& info, qint64 rest, const ReportNames& names, bool hasColour)
 {
     return QStringLiteral("%1: %2: %3 more [%4]\n")
-        .arg(names.file, shown(info.severity, hasColour), QString::number(rest),
+        .arg(shown(names.file), severityText(info.severity, hasColour), QString::number(rest),
              QLatin1String(info.name));
 }
 
@@ -50,12 +50,11 @@ QString timestepCount(qint64 count)
 QString yearsLine(const YearPlan& years, const ReportNames& names)
 {
     if (years.count == 0)
-        return QStringLiteral("%1: plan: no years\n").arg(names.file);
+        return QStringLiteral("%1: plan: no years\n").arg(shown(names.file));
     return QStringLiteral("%1: plan: %2 %3, from %4 to %5; left out: %6 at the start, %7 at the "
                           "end\n")
-        .arg(names.file)
-        .arg(years.count)
-        .arg(years.count == 1 ? QStringLiteral("year") : QStringLiteral("years"), years.first,
+        .arg(shown(names.file), QString::number(years.count),
+             years.count == 1 ? QStringLiteral("year") : QStringLiteral("years"), years.first,
              years.last, timestepCount(years.leftOutAtStart), timestepCount(years.leftOutAtEnd));
 }
 
@@ -65,15 +64,16 @@ QString planOf(const PlannedSlot& slot)
         return QStringLiteral("left out, not a series");
     if (slot.method == nullptr)
         return QStringLiteral("left out, no rule");
-    const QString rule =
-        QStringLiteral("%1, rule of line %2").arg(slot.method->word).arg(slot.ruleLine);
+    const QString rule = QStringLiteral("%1, rule of line %2")
+                             .arg(slot.method->word, QString::number(slot.ruleLine));
     return slot.isConverted() ? rule : QStringLiteral("left out, ") + rule;
 }
 
 QString counted(qint64 count, Severity severity)
 {
-    return QStringLiteral("%1 %2%3").arg(count).arg(QLatin1String(severityName(severity)),
-                                                    count == 1 ? QString() : QStringLiteral("s"));
+    return QStringLiteral("%1 %2%3").arg(QString::number(count),
+                                         QLatin1String(severityName(severity)),
+                                         count == 1 ? QString() : QStringLiteral("s"));
 }
 
 } // namespace
@@ -92,15 +92,15 @@ QString textReport(const CheckReport& report, const ReportNames& names, bool has
         return text;
     text += yearsLine(report.years, names);
     for (const PlannedSlot& slot : report.slotPlan)
-        text += QStringLiteral("%1: plan: ").arg(names.file) + slot.name + QLatin1String(": ") +
-                planOf(slot) + QLatin1Char('\n');
+        text += QStringLiteral("%1: plan: %2: %3\n")
+                    .arg(shown(names.file), shown(slot.name), planOf(slot));
     return text;
 }
 
 QString textSummary(const CheckReport& report, const ReportNames& names)
 {
     const Findings& findings = report.findings;
-    QString text = names.file + QLatin1String(": ");
+    QString text = shown(names.file) + QLatin1String(": ");
     text += counted(findings.count(Severity::Error), Severity::Error) + QLatin1String(", ") +
             counted(findings.count(Severity::Warning), Severity::Warning) + QLatin1String(", ") +
             counted(findings.count(Severity::Note), Severity::Note);

@@ -3,6 +3,7 @@
 #include <QIODevice>
 
 #include "QsLog.h"
+#include "check/quotedtext.h"
 #include "tool/checkcommand.h"
 #include "tool/exportcommand.h"
 #include "tool/toolio.h"
@@ -18,7 +19,8 @@ int showText(const QString& text, const ToolIo& io)
 
 int showWrongUsage(const QString& text, const ToolIo& io)
 {
-    io.errors.write(QStringLiteral("htstool: %1\nTry \"htstool --help\".\n").arg(text).toUtf8());
+    io.errors.write(
+        QStringLiteral("htstool: %1\nTry \"htstool --help\".\n").arg(shown(text)).toUtf8());
     return ExitCode::kUnusable;
 }
 

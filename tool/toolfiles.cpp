@@ -2,13 +2,14 @@
 
 #include <cstdio>
 
+#include "check/quotedtext.h"
 #include "tool/toolio.h"
 #include "utils/checkedfile.h"
 #include "utils/processsetup.h"
 
 void reportProblem(const QString& path, const QString& text, const ToolIo& io)
 {
-    io.errors.write(QStringLiteral("htstool: %1: %2\n").arg(path, text).toUtf8());
+    io.errors.write(QStringLiteral("htstool: %1: %2\n").arg(shown(path), shown(text)).toUtf8());
 }
 
 bool openInput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io)

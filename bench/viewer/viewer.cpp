@@ -32,8 +32,7 @@ QStringList makeLines(const QString& objectType)
     lines.reserve(lineCount);
     for (int i = 0; i < lineCount; ++i) {
         lines.append(QStringLiteral("INFO  Slot %1 %2.Outflow is aggregated with Average ")
-                         .arg(objectType)
-                         .arg(i));
+                         .arg(objectType, QString::number(i)));
     }
     return lines;
 }

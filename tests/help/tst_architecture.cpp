@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include <QDirIterator>
 #include <QFile>
 #include <QRegularExpression>
 #include <QtTest>
@@ -61,6 +62,7 @@ private Q_SLOTS:
     void foldersUseWhatTheyLink();
     void stepsAreInTheirFiles();
     void valueIsThatOfTheExample();
+    void textsAreFilledAtOnce();
 
 private:
     QByteArray m_document = sourceFile(QStringLiteral("docs/architecture.md"));
@@ -122,6 +124,29 @@ void TestArchitecture::valueIsThatOfTheExample()
     const QByteArrayList annual =
         sourceFile(QStringLiteral("tests/app/golden/rivers_september.expected")).split('\n');
     QCOMPARE(annual.value(annual.indexOf("method: Average") + 1), result);
+}
+
+// A chain of arg() takes a "%2" in the text that it has filled in for a place.
+void TestArchitecture::textsAreFilledAtOnce()
+{
+    static const QRegularExpression chain(
+        QStringLiteral(R"re(\.arg(\((?:[^()"]|"(?:[^"\\]|\\.)*"|(?1))*\))\s*\.arg\()re"));
+    QVERIFY(chain.match(QStringLiteral("x.arg(f(\")\"), g())\n    .arg(y)")).hasMatch());
+    QStringList chains;
+    int files = 0;
+    for (const char* folder :
+         {"app", "tool", "gui", "check", "annualize", "utils", "hts", "logging", "fuzz", "bench"}) {
+        const QString path = QStringLiteral(SOURCE_DIR "/%1").arg(QLatin1String(folder));
+        QDirIterator sources(path, {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files,
+                             QDirIterator::Subdirectories);
+        for (; sources.hasNext(); ++files) {
+            const QString text = QString::fromUtf8(readFile(sources.next()));
+            if (const auto match = chain.match(text); match.hasMatch())
+                chains.append(sources.filePath() + QLatin1String(": ") + match.captured());
+        }
+    }
+    QVERIFY(files > 100);
+    QCOMPARE(chains, QStringList());
 }
 
 QTEST_APPLESS_MAIN(TestArchitecture)

@@ -2,6 +2,7 @@
 
 #include <QtTest>
 
+#include "check/finding.h"
 #include "tests/support/faults.h"
 #include "tests/support/wholefile.h"
 #include "tests/tool/toolrun.h"
@@ -41,6 +42,8 @@ private Q_SLOTS:
     void examplesHaveNothingWorseThanNotes();
     void countsWhatIsNotShown();
     void showsAPlanWithoutYears();
+    void foreignTextsDoNotChangeTheReport();
+    void foreignTextsDoNotReachTheTerminal();
     void nearestOfLongNamesTakesNoTime();
     void readsTheStandardInput();
     void usesColoursOnATerminalOnly();
@@ -252,6 +255,55 @@ void HtstoolTest::showsAPlanWithoutYears()
             "[salinity]\na.hts: plan: no years\na.hts: plan: Lake.Outflow: Sum, rule of line "
             "2\na.hts: plan: Lake.Inflow: left out, Salinity, rule of line 3\n"));
     QCOMPARE(run.exitCode, 2);
+}
+
+namespace {
+
+// The reports on the smallest files of all codes, with `mark` in the names of files, objects and
+// slots, in units and in some values.
+QByteArray reportsWith(const QByteArray& mark)
+{
+    const auto marked = [&](QByteArray text) {
+        for (const char* part : {"Lake", "Outflow", "Inflow", "cms", "7,5"})
+            text.replace(part, part + mark);
+        return text;
+    };
+    ToolRun run;
+    QByteArray reports;
+    const QString folder = QStringLiteral(SOURCE_DIR "/tests/check/files/");
+    const QString file = QStringLiteral("a%1.hts").arg(QString::fromUtf8(mark));
+    const QString control = QStringLiteral("c%1.txt").arg(QString::fromUtf8(mark));
+    for (const CodeInfo& info : kCodes) {
+        QFile rules(folder + QStringLiteral("%1.txt").arg(QLatin1String(info.name)));
+        run.write(file, marked(codeFile(info.name)));
+        run.write(control,
+                  marked(rules.open(QIODevice::ReadOnly) ? rules.readAll() : "Lake.*: Average\n"));
+        run.start({QStringLiteral("check"), file, QStringLiteral("-c"), control});
+        reports += run.output + run.errors;
+    }
+    run.start({QStringLiteral("check"), QStringLiteral("none") + file});
+    reports += run.errors;
+    run.start({QStringLiteral("list") + file});
+    return reports + run.errors;
+}
+
+} // namespace
+
+void HtstoolTest::foreignTextsDoNotChangeTheReport()
+{
+    const QByteArray places = "%1%2%3%4%5%6%7%8%9%L1";
+    const QByteArray reports = reportsWith(places);
+    QVERIFY(reports.count(places) > 200);
+    QCOMPARE(reports, reportsWith(QByteArray(places).replace('%', '@')).replace('@', '%'));
+}
+
+void HtstoolTest::foreignTextsDoNotReachTheTerminal()
+{
+    const QByteArray reports = reportsWith("\033[31m\r\x07\xc2\x9b\xe2\x80\xae");
+    QVERIFY(reports.count("\\u001b[31m\\u000d\\u0007\\u009b\\u202e") > 200);
+    for (const QChar character : QString::fromUtf8(reports))
+        QVERIFY2(character == QLatin1Char('\n') || character.isPrint(),
+                 QByteArray::number(character.unicode(), 16));
 }
 
 void HtstoolTest::nearestOfLongNamesTakesNoTime()
