@@ -131,7 +131,8 @@ void PreambleCheck::ignoredLine(std::string_view line)
         });
         return;
     }
-    m_nearKeys.push_back(key);
+    if (std::find(m_nearKeys.begin(), m_nearKeys.end(), key) == m_nearKeys.end())
+        m_nearKeys.push_back(key);
     m_findings.add(Code::NearKey, number, [&]() -> QString {
         return QStringLiteral("%1 is ignored; it is nearly \"%2\"").arg(quoted(line), key);
     });
@@ -173,21 +174,27 @@ void PreambleCheck::keywordLine(QLatin1String key, std::string_view value)
 
 void PreambleCheck::noteKey(QLatin1String key, std::string_view value)
 {
+    const qint64 number = m_reader.lineNumber();
     const auto end = m_seen.begin() + static_cast<std::ptrdiff_t>(m_seenCount);
-    const auto seen =
+    auto seen =
         std::find_if(m_seen.begin(), end, [&](const SeenKey& other) { return other.key == key; });
-    if (seen != end && seen->value != value && m_isInSync) {
-        m_findings.add(Code::RepeatedKey, m_reader.lineNumber(), [&]() -> QString {
-            return QStringLiteral("\"%1\" occurs twice; %2 counts, not %3 of line %4")
-                .arg(keyName(key), quoted(value), quoted(seen->value), QString::number(seen->line));
+    if (seen == end) {
+        if (m_seenCount == m_seen.size())
+            m_seen.emplace_back();
+        seen = m_seen.begin() + static_cast<std::ptrdiff_t>(m_seenCount++);
+        seen->key = key;
+        seen->count = 0;
+    } else if (seen->value != value && m_isInSync) {
+        m_findings.add(Code::RepeatedKey, number, [&]() -> QString {
+            return QStringLiteral("\"%1\" occurs %2; %3 counts, not %4 of line %5")
+                .arg(keyName(key),
+                     seen->count == 1 ? QStringLiteral("twice") : QStringLiteral("once more"),
+                     quoted(value), quoted(seen->value), QString::number(seen->line));
         });
     }
-    if (m_seenCount == m_seen.size())
-        m_seen.emplace_back();
-    SeenKey& entry = m_seen[m_seenCount++];
-    entry.key = key;
-    entry.value.assign(value);
-    entry.line = m_reader.lineNumber();
+    seen->value.assign(value);
+    seen->line = number;
+    ++seen->count;
 }
 
 void PreambleCheck::unexpectedLine(QLatin1String expected, std::string_view line)

@@ -57,11 +57,13 @@ public:
     void oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line) override;
 
 private:
+    // A key and where it occurred last.
     struct SeenKey
     {
         QLatin1String key;
         std::string value;
         qint64 line;
+        qint64 count;
     };
 
     void noteKey(QLatin1String key, std::string_view value);

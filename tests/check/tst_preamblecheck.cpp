@@ -103,8 +103,8 @@ void PreambleCheckTest::findsInPreambles_data()
     row("key three times", "slot_type: SeriesSlot", "object_name: Pond\nobject_name: Mill",
         {QStringLiteral("26: repeated-key: \"object_name:\" occurs twice; \"Pond\" counts, not "
                         "\"Lake\" of line 25"),
-         QStringLiteral("27: repeated-key: \"object_name:\" occurs twice; \"Mill\" counts, not "
-                        "\"Lake\" of line 25")});
+         QStringLiteral("27: repeated-key: \"object_name:\" occurs once more; \"Mill\" counts, not "
+                        "\"Pond\" of line 26")});
     row("key once more without a value", "slot_type: SeriesSlot", "object_name: ",
         {QStringLiteral("26: repeated-key: \"object_name:\" occurs twice; \"\" counts, not "
                         "\"Lake\" of line 25")});

@@ -13,6 +13,8 @@ class ToolMemoryTest : public QObject
 private Q_SLOTS:
     void fileWithoutEnd_data();
     void fileWithoutEnd();
+    void manyLines_data();
+    void manyLines();
 };
 
 void ToolMemoryTest::fileWithoutEnd_data()
@@ -50,6 +52,32 @@ void ToolMemoryTest::fileWithoutEnd()
         QTEST(run.errors, "errors");
         QCOMPARE(run.exitCode, 3);
     }
+}
+
+void ToolMemoryTest::manyLines_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QByteArray>("lastLine");
+
+    QTest::newRow("repeated key") << "yes 'name:a\nname:b' | head -3000000"
+                                  << QByteArray("-: warning: 2999990 more [repeated-key]\n");
+    QTest::newRow("lines that are nearly a key")
+        << "yes 'Name: a' | head -3000000" << QByteArray("-: warning: 2999990 more [near-key]\n");
+}
+
+// More findings of a file take no more memory.
+void ToolMemoryTest::manyLines()
+{
+    QFETCH(QString, before);
+    ToolRun run;
+    run.write(QStringLiteral("b.hts"),
+              sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts")));
+    run.startShell(QStringLiteral("{ %1; cat b.hts; } | { ulimit -c 0; ulimit -v 100000; "
+                                  "exec \"$PROGRAM\" check -; }")
+                       .arg(before));
+    QVERIFY2(!run.output.isEmpty(), run.errors.constData());
+    QTEST(run.output.mid(run.output.lastIndexOf("-: ")), "lastLine");
+    QCOMPARE(run.exitCode, 1);
 }
 
 QTEST_GUILESS_MAIN(ToolMemoryTest)
