@@ -36,6 +36,7 @@ QString reasonOf(const QString& message)
 void RuleCheck::read(const QString& path)
 {
     UtilsNS::CheckedFile file(path);
+    file.limitLines();
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         reportUnreadable(file.errorString());
         return;

@@ -40,7 +40,7 @@ public:
 private:
     void check(const QString& path, CsvWriter* counts);
     void report(const CheckReport& report, const ReportNames& names);
-    void reportUnusable(const ReportNames& names, const QString& problem);
+    void reportUnusable(const ReportNames& names, const QString& problem, int exitCode);
     void writeDocument();
 
     const ToolOptions& m_options;
@@ -63,7 +63,7 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
     const ReportNames names{path, m_options.controlPath};
     UtilsNS::CheckedFile file;
     if (!openInput(path, file, m_io)) {
-        reportUnusable(names, file.errorString());
+        reportUnusable(names, file.errorString(), ExitCode::kUnusable);
         return;
     }
     CheckOptions options;
@@ -72,9 +72,11 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
     options.counts = counts;
     options.fileName = path;
     QString problem;
+    int exitCode = ExitCode::kUnusable;
     try {
         const CheckReport found = checkFile(file, options);
         problem = file.problem();
+        exitCode = exitCodeOf(file);
         if (problem.isEmpty())
             report(found, names);
     } catch (const std::bad_alloc&) {
@@ -83,7 +85,7 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
     // The findings are about only a part of the file, so they are dropped.
     if (!problem.isEmpty()) {
         reportProblem(path, problem, m_io);
-        reportUnusable(names, problem);
+        reportUnusable(names, problem, exitCode);
     }
 }
 
@@ -98,11 +100,11 @@ void CheckCommand::report(const CheckReport& report, const ReportNames& names)
     m_io.errors.write(textSummary(report, names).toUtf8());
 }
 
-void CheckCommand::reportUnusable(const ReportNames& names, const QString& problem)
+void CheckCommand::reportUnusable(const ReportNames& names, const QString& problem, int exitCode)
 {
-    m_exitCode = ExitCode::kUnusable;
+    m_exitCode = std::max(m_exitCode, exitCode);
     if (m_options.format == ToolOptions::Format::Json)
-        m_files.append(jsonUnreadable(names, problem));
+        m_files.append(jsonUnreadable(names, problem, exitCode));
 }
 
 void CheckCommand::writeDocument()

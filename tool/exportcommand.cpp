@@ -22,7 +22,7 @@ int runExport(const ToolOptions& options, const ToolIo& io)
         return ExitCode::kUnusable;
     if (!input.problem().isEmpty()) {
         reportProblem(path, input.problem(), io);
-        return ExitCode::kUnusable;
+        return exitCodeOf(input);
     }
     if (!outcome.status.ok()) {
         const QLatin1String rest(output.isDroppable() ? "; nothing is exported"

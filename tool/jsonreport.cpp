@@ -99,9 +99,7 @@ QJsonObject jsonReport(const CheckReport& report, const ReportNames& names, int 
     };
 }
 
-QJsonObject jsonUnreadable(const ReportNames& names, const QString& problem)
+QJsonObject jsonUnreadable(const ReportNames& names, const QString& problem, int exitCode)
 {
-    return {{key("file"), names.file},
-            {key("problem"), problem},
-            {key("exitCode"), ExitCode::kUnusable}};
+    return {{key("file"), names.file}, {key("problem"), problem}, {key("exitCode"), exitCode}};
 }

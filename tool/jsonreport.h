@@ -11,6 +11,6 @@ struct ReportNames;
 QJsonObject jsonReport(const CheckReport& report, const ReportNames& names, int exitCode);
 
 // The same for a file that could not be opened or read.
-QJsonObject jsonUnreadable(const ReportNames& names, const QString& problem);
+QJsonObject jsonUnreadable(const ReportNames& names, const QString& problem, int exitCode);
 
 #endif // TOOL_JSONREPORT_H

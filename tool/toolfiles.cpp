@@ -16,12 +16,18 @@ bool openInput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io
 {
     constexpr auto kMode = QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered;
     file.setFileName(path);
+    file.limitLines();
     if (path == kStandardStream)
         UtilsNS::useBinaryMode(stdin);
     const bool isOpen = path == kStandardStream ? file.open(stdin, kMode) : file.open(kMode);
     if (!isOpen)
         reportProblem(path, file.errorString(), io);
     return isOpen;
+}
+
+int exitCodeOf(const UtilsNS::CheckedFile& file)
+{
+    return file.hasLongLine() ? ExitCode::kErrors : ExitCode::kUnusable;
 }
 
 bool finishOutput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io)

@@ -12,12 +12,15 @@ struct ToolIo;
 // The path that stands for the standard input or output.
 inline const QLatin1String kStandardStream("-");
 
-// Opens `path`, or the standard input for "-", for reading in the same way as a conversion. Reports
-// a failure to io.errors and returns false.
+// Opens `path`, or the standard input for "-", for reading in the same way as a conversion, but for
+// a limit of the lines. Reports a failure to io.errors and returns false.
 bool openInput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io);
 
 // Flushes and closes a file that was written. Reports a failure to io.errors and returns false.
 bool finishOutput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io);
+
+// The exit code for a file with a problem().
+int exitCodeOf(const UtilsNS::CheckedFile& file);
 
 // Writes "htstool: PATH: TEXT" to io.errors.
 void reportProblem(const QString& path, const QString& text, const ToolIo& io);

@@ -1,6 +1,7 @@
 #include "utils/checkedfile.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace UtilsNS {
 
@@ -25,7 +26,23 @@ qint64 CheckedFile::readData(char* data, qint64 maxSize)
 {
     if (!m_problem.isEmpty())
         return -1;
-    return isSequential() ? readFromPipe(data, maxSize) : readFromFile(data, maxSize);
+    const qint64 count = isSequential() ? readFromPipe(data, maxSize) : readFromFile(data, maxSize);
+    return noteLines(data, count) ? count : -1;
+}
+
+// Returns false after a line that is too long.
+bool CheckedFile::noteLines(const char* data, qint64 size)
+{
+    if (!m_hasLimit || size <= 0)
+        return true;
+    const std::string_view bytes(data, static_cast<std::size_t>(size));
+    const std::size_t first = std::min(bytes.find('\n'), bytes.size());
+    m_hasLongLine = m_lineSize + static_cast<qint64>(first) > kMaxLineSize;
+    if (m_hasLongLine)
+        m_problem = QStringLiteral("a line is longer than 64 MiB");
+    const bool hasEnd = first < bytes.size();
+    m_lineSize = hasEnd ? size - 1 - static_cast<qint64>(bytes.rfind('\n')) : m_lineSize + size;
+    return !m_hasLongLine;
 }
 
 // A read that fails after some bytes looks like a short one; only the next one shows the failure.

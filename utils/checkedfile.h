@@ -34,6 +34,12 @@ public:
     // The error text of the first read or write that failed; empty if none has failed. After a
     // failure every read fails.
     QString problem() const { return m_problem; }
+    // From now on a read fails when a line has more than kMaxLineSize bytes. Whoever reads a file
+    // without line ends as lines would use up all memory.
+    void limitLines() { m_hasLimit = true; }
+    static constexpr qint64 kMaxLineSize = qint64(64) * 1024 * 1024;
+    // Whether problem() is such a line.
+    bool hasLongLine() const { return m_hasLongLine; }
     // Flushes and closes the file, which is open. Fails with problem() if there is one: the file
     // was then not completely written or read.
     Status finish();
@@ -49,10 +55,14 @@ private:
     qint64 readFromFile(char* data, qint64 maxSize);
     qint64 readFromPipe(char* data, qint64 maxSize);
     bool flushAll();
+    bool noteLines(const char* data, qint64 size);
     void noteError();
     void noteFailure();
 
     QString m_problem;
+    bool m_hasLimit = false;
+    qint64 m_lineSize = 0; // of the last line, as far as it was read
+    bool m_hasLongLine = false;
 };
 
 } // namespace UtilsNS

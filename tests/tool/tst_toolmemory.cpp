@@ -13,6 +13,8 @@ class ToolMemoryTest : public QObject
 private Q_SLOTS:
     void fileWithoutEnd_data();
     void fileWithoutEnd();
+    void lineWithoutEnd_data();
+    void lineWithoutEnd();
     void manyLines_data();
     void manyLines();
 };
@@ -45,13 +47,55 @@ void ToolMemoryTest::fileWithoutEnd()
     run.write(QStringLiteral("b.hts"),
               sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts")));
     // Different calls are the first to have too little memory.
-    for (const int limit : {300000, 350000, 400000, 500000}) {
+    for (const int limit : {100000, 120000, 150000, 200000}) {
         run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1; exec \"$PROGRAM\" ").arg(limit) +
                        arguments);
         QTEST(run.output, "output");
         QTEST(run.errors, "errors");
         QCOMPARE(run.exitCode, 3);
     }
+}
+
+void ToolMemoryTest::lineWithoutEnd_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QByteArray>("output"); // the first line
+    QTest::addColumn<QByteArray>("errors");
+
+    const auto row = [](const char* name, const char* command, const QByteArray& output,
+                        const QByteArray& errors) {
+        QTest::newRow(name) << QString::fromLatin1(command) << output << errors;
+    };
+    const QByteArray text = "a line is longer than 64 MiB\n";
+    row("check", "$PROGRAM check /dev/zero b.hts", "",
+        "htstool: /dev/zero: " + text + "b.hts: 0 errors, 0 warnings, 0 notes\n");
+    row("after other lines", "{ cat b.hts; tr '\\000' x < /dev/zero; } | $PROGRAM check -", "",
+        "htstool: -: " + text);
+    row("JSON", "$PROGRAM check -f json /dev/zero > a; e=$?; tr -d '\\n' < a; exit $e",
+        "{    \"control\": null,    \"endMonth\": 12,    \"exitCode\": 2,    \"files\": [        {"
+        "            \"exitCode\": 2,            \"file\": \"/dev/zero\",            \"problem\": "
+        "\"a line is longer than 64 MiB\"        }    ],    \"format\": 1}",
+        "htstool: /dev/zero: " + text);
+    row("control file", "$PROGRAM check b.hts -c /dev/zero",
+        "/dev/zero:1: error: the control file cannot be read: a line is longer than 64 MiB; a "
+        "conversion fails: \"No series slots with valid methods found in input HTS file\" "
+        "[control-unreadable]",
+        "b.hts: 1 error, 0 warnings, 0 notes; a conversion fails: \"No series slots with valid "
+        "methods found in input HTS file\"\n");
+    row("export", "$PROGRAM export /dev/zero -o b.csv", "", "htstool: /dev/zero: " + text);
+}
+
+void ToolMemoryTest::lineWithoutEnd()
+{
+    QFETCH(QString, command);
+    ToolRun run;
+    run.write(QStringLiteral("b.hts"),
+              sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts")));
+    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v 400000; ") + command);
+    QTEST(run.output.split('\n').first(), "output");
+    QTEST(run.errors, "errors");
+    QCOMPARE(run.exitCode, 2);
+    QVERIFY(!run.exists(QStringLiteral("b.csv")));
 }
 
 void ToolMemoryTest::manyLines_data()
