@@ -67,7 +67,7 @@ const CodeInfo kCodes[kCodeCount] = {
     {Code::MisplacedLine, Severity::Warning, "misplaced-line",
      "A line does not belong in the preamble, and is ignored: the line before it, mostly an end "
      "line, is missing or in another place.",
-     "Look at the lines before it."},
+     "Look at the lines before it; indent no `END_RUN`."},
     {Code::IgnoredLine, Severity::Note, "ignored-line",
      "A line of a preamble begins with no key, and is ignored.", "Nothing, if it is a comment."},
     {Code::RepeatedKey, Severity::Warning, "repeated-key",
@@ -185,6 +185,10 @@ const CodeInfo kCodes[kCodeCount] = {
     {Code::ControlLine, Severity::Error, "control-line",
      "A line of the control file is not a rule; all rules are lost.",
      "Write the line as `Object.Slot: method`; there are no comments."},
+    {Code::RuleEncoding, Severity::Warning, "rule-encoding",
+     "A rule contains bytes that are not UTF-8; each counts as U+FFFD, and so fits any other such "
+     "byte.",
+     "Save the control file as UTF-8, and the HTS file too."},
     {Code::NothingToConvert, Severity::Error, "nothing-to-convert", "No series slot has a method.",
      "Write a rule for the slots that are to be converted."},
     {Code::RuleUnmatched, Severity::Warning, "rule-unmatched", "A rule fits no slot.",

@@ -76,6 +76,7 @@ enum class Code {
     RunUnits,
     ControlUnreadable,
     ControlLine,
+    RuleEncoding,
     NothingToConvert,
     RuleUnmatched,
     RuleShadowed,

@@ -114,8 +114,17 @@ void PreambleCheck::ignoredLine(std::string_view line)
     if (isStray || !m_isInSync || noteKeyWithoutValue(line))
         return;
     const qint64 number = m_reader.lineNumber();
-    if (belongsElsewhere(line, m_section) ||
-        (m_section == Section::Slot && line == bytesOf(kEndRun))) {
+    const bool isEndOfRun = m_section == Section::Slot && line == bytesOf(kEndRun);
+    // After a slot, it would have ended the run but for what the reader strips from the line.
+    if (isEndOfRun && number == m_firstLine) {
+        m_findings.add(Code::MisplacedLine, number, []() -> QString {
+            return QStringLiteral("\"END_RUN\" does not end the run: no more than one blank may "
+                                  "come before it");
+        });
+        loseSync();
+        return;
+    }
+    if (belongsElsewhere(line, m_section) || isEndOfRun) {
         m_findings.add(Code::MisplacedLine, number, [&]() -> QString {
             return QStringLiteral("%1 does not belong in a preamble and is ignored; is %2 "
                                   "missing before it?")
@@ -228,6 +237,10 @@ void PreambleCheck::unexpectedLine(QLatin1String expected, std::string_view line
     const QString found = line.empty() ? QStringLiteral("an empty line") : quoted(line);
     m_failureText = isPastEnd ? QStringLiteral("the file ends where %1 is expected").arg(wanted)
                               : QStringLiteral("%1 instead of %2").arg(found, wanted);
+    // Stripping has removed the blank that is a part of the key.
+    if (m_failureCode == Code::ColumnHeader && line == stripped(bytesOf(expected)))
+        m_failureText = expected == kUnitsKey ? QStringLiteral("the units are empty")
+                                              : QStringLiteral("the scale is empty");
 }
 
 void PreambleCheck::cutLine(std::string_view text)

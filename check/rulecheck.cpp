@@ -31,6 +31,15 @@ QString reasonOf(const QString& message)
     return message.section(QLatin1Char('\n'), 0, 0).trimmed();
 }
 
+bool isUtf8(std::string_view bytes)
+{
+    return isAscii(bytes) ||
+           toText(bytes).toUtf8() ==
+               QByteArray::fromRawData(bytes.data(), static_cast<int>(bytes.size()));
+}
+
+const QLatin1String kNotUtf8(" contains bytes that are not UTF-8, ");
+
 } // namespace
 
 void RuleCheck::read(const QString& path)
@@ -78,6 +87,7 @@ bool RuleCheck::readRules(UtilsNS::CheckedFile& file)
         rule.slot = toText(parsed.slot);
         rule.method = parsed.method;
         rule.line = reader.lineNumber();
+        rule.isUtf8 = isUtf8(line);
         addRule(rule);
     }
     return true;
@@ -202,13 +212,13 @@ void RuleCheck::reportRule(const Rule& rule)
 {
     const Rule& first = rule.sameAs < 0 ? rule : m_rules[static_cast<std::size_t>(rule.sameAs)];
     if (!first.matchesSlot) {
-        m_findings.addToControl(Code::RuleUnmatched, rule.line, [&]() -> QString {
-            const QString nearest = nearestName(rule);
-            return textOf(rule) + QLatin1String(" fits no slot") +
-                   (nearest.isEmpty() ? QString()
-                                      : QStringLiteral("; the nearest is ") + quoted(nearest));
-        });
+        reportUnmatched(rule);
         return;
+    }
+    if (!rule.isUtf8) {
+        m_findings.addToControl(Code::RuleEncoding, rule.line, [&]() -> QString {
+            return textOf(rule) + kNotUtf8 + QLatin1String("which fit any others in their place");
+        });
     }
     const int shadowing = rule.sameAs >= 0 ? rule.sameAs : rule.shadowedBy;
     if ((rule.sameAs >= 0 || !rule.isUsed) && shadowing >= 0) {
@@ -230,6 +240,18 @@ void RuleCheck::reportRule(const Rule& rule)
                                                 "out");
         });
     }
+}
+
+void RuleCheck::reportUnmatched(const Rule& rule)
+{
+    const Code code = rule.isUtf8 ? Code::RuleUnmatched : Code::RuleEncoding;
+    m_findings.addToControl(code, rule.line, [&]() -> QString {
+        const QString nearest = nearestName(rule);
+        return textOf(rule) + (rule.isUtf8 ? QString() : kNotUtf8 + QLatin1String("and")) +
+               QLatin1String(" fits no slot") +
+               (nearest.isEmpty() ? QString()
+                                  : QStringLiteral("; the nearest is ") + quoted(nearest));
+    });
 }
 
 // The slot or type name of the file that is nearest to the names of the rule; empty if none is

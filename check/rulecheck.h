@@ -57,6 +57,7 @@ private:
         QString slot;
         const AggMethod* method = nullptr;
         qint64 line = 0;
+        bool isUtf8 = true; // otherwise the names have U+FFFD for some bytes
         // Index of the first rule for the same object and slot; -1 if it is this one.
         int sameAs = -1;
         bool matchesSlot = false; // of any type
@@ -74,6 +75,7 @@ private:
     void noteOthers(const std::vector<int>& matching, int used, const HtsSlot& slot);
     void reportSlot(const PlannedSlot& planned, const HtsSlot& slot, qint64 line);
     void reportRule(const Rule& rule);
+    void reportUnmatched(const Rule& rule);
     QString textOf(const Rule& rule) const;
     QString nearestName(const Rule& rule) const;
 

@@ -127,6 +127,12 @@ void PreambleCheckTest::findsInPreambles_data()
     row("no units", "units: cms\n", "",
         {QStringLiteral("29: column-header: \"scale: 1\" instead of \"units: \"; a conversion "
                         "fails: \"Cannot read HTS file: Missing units or scale\"")});
+    row("units without text", "units: cms", "units: ",
+        {QStringLiteral("29: column-header: the units are empty; a conversion fails: \"Cannot read "
+                        "HTS file: Missing units or scale\"")});
+    row("scale without text", "scale: 1", "scale:",
+        {QStringLiteral("30: column-header: the scale is empty; a conversion fails: \"Cannot read "
+                        "HTS file: Missing units or scale\"")});
     row("no scale", "scale: 1\n", "",
         {QStringLiteral("30: column-header: \"1\" instead of \"scale: \"; a conversion fails: "
                         "\"Cannot read HTS file: Missing units or scale\"")});
@@ -161,6 +167,12 @@ void PreambleCheckTest::findsInPreambles_data()
     row("no names", "object_type: Reservoir\nobject_name: Lake\n", "",
         {QStringLiteral("26: no-object-type: the slot has no \"object_type:\""),
          QStringLiteral("26: no-object-name: the slot has no \"object_name:\"")});
+    row("blank before the end of the run", "END_RUN\n", " END_RUN\n", {});
+    row("blanks before the end of the run", "END_RUN\n", "  END_RUN\n",
+        {QStringLiteral("45: misplaced-line: \"END_RUN\" does not end the run: no more than one "
+                        "blank may come before it"),
+         QStringLiteral("45: slot-preamble: the file ends where a slot or \"END_RUN\" is expected; "
+                        "a conversion fails: \"Cannot read slot preamble\"")});
     row("text after the end of the run", "END_RUN\n", "END_RUN 1\n",
         {QStringLiteral("45: end-run: text after \"END_RUN\": \"END_RUN 1\"")});
     row("empty line before the end of the run", "END_RUN\n", "\nEND_RUN\n",

@@ -39,6 +39,7 @@ private Q_SLOTS:
     void objectWithADot_data();
     void objectWithADot();
     void plansEachSlot();
+    void rulesInAnotherEncoding();
     void nearestNameIsFoundAmongManySlots();
 
 private:
@@ -183,6 +184,28 @@ void RuleCheckTest::plansEachSlot()
                                 QStringLiteral("Lower Lake.Outflow|1|0||0"),
                                 QStringLiteral("Mill.Flow.Daily|1|0|Salinity|3"),
                                 QStringLiteral("Mill.Area|0|0|Salinity|3")}));
+}
+
+// Two rules in Latin-1 are one, which fits a slot in any such encoding.
+void RuleCheckTest::rulesInAnotherEncoding()
+{
+    Findings findings;
+    RuleCheck check(findings);
+    check.read(write("B\xf6r.Flow: Sum\nB\xe4r.Flow: End\nB\xc3\xb6r.Flow: Max\n"));
+    HtsSlot slot = slotOf("Reach", "", "Flow");
+    slot.objectName = QStringLiteral("B\ufffdr");
+    check.addSlot(slot, 1);
+    slot.objectName = QStringLiteral("B\u00f6r");
+    check.addSlot(slot, 2);
+    check.finish();
+    const QString encoding = QStringLiteral("\"B\ufffdr.Flow: %1\" contains bytes that are not "
+                                            "UTF-8, which fit any others in their place");
+    QCOMPARE(findingTexts(findings),
+             (QStringList{
+                 QStringLiteral("control 1: rule-encoding: ") + encoding.arg(QStringLiteral("Sum")),
+                 QStringLiteral("control 2: rule-encoding: ") + encoding.arg(QStringLiteral("End")),
+                 QStringLiteral("control 2: rule-shadowed: \"B\ufffdr.Flow: End\" is never used, "
+                                "because \"B\ufffdr.Flow: Sum\" of line 1 applies first")}));
 }
 
 void RuleCheckTest::nearestNameIsFoundAmongManySlots()
