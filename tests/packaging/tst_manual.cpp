@@ -142,6 +142,7 @@ private Q_SLOTS:
     void completionOffersValues_data();
     void completionOffersValues();
     void readmeHasTheVersions();
+    void copyrightHasTheLicencesOfTheData();
 };
 
 void TestManual::programPageListsItsOptions()
@@ -259,6 +260,19 @@ void TestManual::readmeHasTheVersions()
     // Tests of the window and of the command line know these by themselves.
     QVERIFY(readme.contains(QLatin1String("| the window, in its title | 1.1 |\n")));
     QVERIFY(readme.contains(QLatin1String("| the command line, `HtsAnnualizer -v` | 1.0 |\n")));
+}
+
+// README of the examples ends the source of a number with its licence.
+void TestManual::copyrightHasTheLicencesOfTheData()
+{
+    const QString copyright = sourceText(QStringLiteral("packaging/debian/copyright.in"));
+    for (const char* licence : {"Open Government Licence - Canada", "CC BY"}) {
+        QVERIFY2(sourceText(QStringLiteral("examples/README.md")).contains(QLatin1String(licence)),
+                 licence);
+        const QString name =
+            QString(QLatin1String(licence)).replace(QLatin1String("CC "), QLatin1String("CC-"));
+        QVERIFY2(copyright.contains(name), licence);
+    }
 }
 
 QTEST_GUILESS_MAIN(TestManual)
