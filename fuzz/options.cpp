@@ -1,0 +1,168 @@
+// Any arguments of both programs. What HtsAnnualizer takes them for is what a plain reading of its
+// rules gives. What htstool takes them for, written again in full, it takes for the same.
+//
+// Input: one argument on a line.
+
+#include <algorithm>
+#include <limits>
+
+#include <QList>
+#include <QStringList>
+#include <QVector>
+
+#include "app/options.h"
+#include "fuzz/fuzzsupport.h"
+#include "fuzz/fuzztarget.h"
+#include "tool/tooloptions.h"
+
+namespace {
+
+QString described(const Options& options)
+{
+    return QStringList{QString::number(static_cast<int>(options.request)),
+                       options.inputPath,
+                       options.outputPath,
+                       options.controlPath,
+                       options.logPath,
+                       QString::number(options.endMonth)}
+        .join(QLatin1Char('|'));
+}
+
+// The number at the start of a text: 0 if there is none, the nearest one that an int holds.
+int numberAtStart(const QByteArray& text)
+{
+    int i = 0;
+    while (i < text.size() && (text.at(i) == ' ' || (text.at(i) >= '\t' && text.at(i) <= '\r')))
+        ++i;
+    const bool isNegative = i < text.size() && text.at(i) == '-';
+    if (i < text.size() && (text.at(i) == '-' || text.at(i) == '+'))
+        ++i;
+    qint64 number = 0;
+    for (; i < text.size() && text.at(i) >= '0' && text.at(i) <= '9'; ++i)
+        number = std::min(10 * number + (text.at(i) - '0'), qint64(1) << 40);
+    return static_cast<int>(std::clamp<qint64>(isNegative ? -number : number,
+                                               std::numeric_limits<int>::min(),
+                                               std::numeric_limits<int>::max()));
+}
+
+void setValue(Options& options, char letter, const QByteArray& value)
+{
+    const QString text = QString::fromUtf8(value);
+    switch (letter) {
+    case 'i':
+        options.inputPath = text;
+        break;
+    case 'o':
+        options.outputPath = text;
+        break;
+    case 'c':
+        options.controlPath = text;
+        break;
+    case 'l':
+        options.logPath = text;
+        break;
+    default:
+        options.endMonth = numberAtStart(value);
+    }
+}
+
+Options readPlainly(const QList<QByteArray>& arguments)
+{
+    Options options;
+    char pending = 0;
+    for (const QByteArray& argument : arguments) {
+        const bool isOption = argument.startsWith('-') && !(pending == 'y' && argument == "-1");
+        if (!isOption && pending != 0) {
+            setValue(options, pending, argument);
+            pending = 0;
+            continue;
+        }
+        pending = isOption ? argument.mid(1, 1).append('\0').at(0) : '\0';
+        if (pending != 0 && QByteArray("iocly").contains(pending))
+            continue;
+        options.request = pending == 'h'   ? Options::Request::Usage
+                          : pending == 'v' ? Options::Request::Version
+                                           : Options::Request::Invalid;
+        break;
+    }
+    return options;
+}
+
+void checkProgram(const QList<QByteArray>& arguments)
+{
+    QVector<const char*> pointers{"HtsAnnualizer"};
+    for (const QByteArray& argument : arguments)
+        pointers.append(argument.constData());
+    fuzz::requireEqual(QStringLiteral("options"),
+                       described(parseOptions(pointers.size(), pointers.constData())),
+                       described(readPlainly(arguments)));
+}
+
+// Arguments that ask for what the options say. Long names, and "--" before the files, leave nothing
+// to the letters that a value begins with.
+QStringList argumentsFor(const ToolOptions& options)
+{
+    const bool isCheck = options.request == ToolOptions::Request::Check;
+    QStringList arguments{QStringLiteral("htstool")};
+    const auto add = [&arguments](const char* option, const QString& value) {
+        if (!value.isEmpty())
+            arguments += {QLatin1String(option), value};
+    };
+    if (isCheck) {
+        arguments.append(QStringLiteral("check"));
+        add("--control", options.controlPath);
+        add("--end-month", QString::number(options.endMonth));
+        add("--format", options.format == ToolOptions::Format::Json ? QStringLiteral("json")
+                                                                    : QStringLiteral("text"));
+        add("--counts", options.countsPath);
+    } else {
+        arguments.append(QStringLiteral("export"));
+        add("--output", options.outputPath);
+        add("--run", options.run == 0 ? QString() : QString::number(options.run));
+        if (options.isWide)
+            arguments.append(QStringLiteral("--wide"));
+    }
+    return arguments + QStringList{QStringLiteral("--")} + options.files;
+}
+
+bool asksForAFile(const ToolOptions& options)
+{
+    return options.request == ToolOptions::Request::Check ||
+           options.request == ToolOptions::Request::Export;
+}
+
+void checkTool(const QList<QByteArray>& arguments)
+{
+    QStringList texts{QStringLiteral("htstool")};
+    for (const QByteArray& argument : arguments)
+        texts.append(QString::fromUtf8(argument));
+    const ToolOptions options = parseToolOptions(texts);
+    if (!asksForAFile(options)) {
+        fuzz::require(!options.text.isEmpty(), QStringLiteral("nothing to show"));
+        return;
+    }
+    const bool isCheck = options.request == ToolOptions::Request::Check;
+    fuzz::require(isCheck ? !options.files.isEmpty() : options.files.size() == 1,
+                  QStringLiteral("%1 files").arg(options.files.size()));
+    fuzz::require(options.endMonth >= 1 && options.endMonth <= 12 && options.run >= 0,
+                  QStringLiteral("month %1, run %2").arg(options.endMonth).arg(options.run));
+    fuzz::require(isCheck || !options.outputPath.isEmpty(), QStringLiteral("no output"));
+
+    const QStringList whole = argumentsFor(options);
+    const ToolOptions again = parseToolOptions(whole);
+    fuzz::require(again.request == options.request,
+                  QStringLiteral("refused: ") + whole.join(QLatin1Char('|')));
+    fuzz::requireEqual(QStringLiteral("options of htstool"),
+                       argumentsFor(again).join(QLatin1Char('|')), whole.join(QLatin1Char('|')));
+}
+
+} // namespace
+
+void checkInput(const QByteArray& input)
+{
+    QByteArray text = input;
+    text.replace('\0', ""); // no argument has one
+    const QList<QByteArray> arguments = text.split('\n');
+    checkProgram(arguments);
+    checkTool(arguments);
+}
