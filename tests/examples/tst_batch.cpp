@@ -38,6 +38,8 @@ QByteArray Batch::result(const QString& name) const
 }
 
 const QString kParallel = QStringLiteral("\"$BATCH/convert-parallel\" in c.txt out");
+const QString kResume =
+    QString(kParallel).replace(QStringLiteral(" in "), QStringLiteral(" --resume in "));
 const QString kMake =
     QStringLiteral("make -f \"$BATCH/Makefile\" -j2 INPUTS=in METHODS=c.txt RESULTS=out");
 
@@ -91,15 +93,28 @@ private Q_SLOTS:
     void resultsNeedASeparateFolder();
     void methodsThatAreNotThereAreAnError_data();
     void methodsThatAreNotThereAreAnError();
-    void parallelTakesNamesWithBlanks();
+    void parallelTakesAnyName_data();
+    void parallelTakesAnyName();
+    void argumentsAreRefusedBeforeResultsAreRemoved_data();
+    void argumentsAreRefusedBeforeResultsAreRemoved();
+    void oneFileIsRefused_data();
+    void oneFileIsRefused();
     void parallelListsItsJobs();
     void makeRefusesNames_data();
     void makeRefusesNames();
+    void makeRefusesItsVariables_data();
+    void makeRefusesItsVariables();
     void makeTakesNamesThatMeanSomethingToAShell();
-    void makeConvertsOnlyWhatChanged();
-    void makeConvertsAllAfterAnotherMonth();
+    void onlyWhatChangedIsConverted_data();
+    void onlyWhatChangedIsConverted();
+    void allIsConvertedAfterOtherParameters_data();
+    void allIsConvertedAfterOtherParameters();
     void failedFileLosesItsOldResult();
+    void runThatEndsEarlyLeavesNoOldResult();
     void summaryNamesAResultThatIsTooOld();
+    void summaryGivesTheReason_data();
+    void summaryGivesTheReason();
+    void summaryCountsWarnings();
     void documentShowsWhatParallelPrints();
     void documentShowsWhatMakePrints();
 };
@@ -209,16 +224,141 @@ void TestBatch::methodsThatAreNotThereAreAnError()
     QVERIFY(!batch.exists(QStringLiteral("out/a.hts")));
 }
 
-void TestBatch::parallelTakesNamesWithBlanks()
+void TestBatch::parallelTakesAnyName_data()
 {
+    QTest::addColumn<QString>("methods");
+    QTest::addColumn<QString>("results");
+    QTest::addColumn<QString>("recipes"); // the folder of the recipes
+    const auto row = [](const char* name, const char* methods, const char* results,
+                        const char* recipes) {
+        QTest::newRow(name) << QString::fromLatin1(methods) << QString::fromLatin1(results)
+                            << QString::fromLatin1(recipes);
+    };
+    row("blanks", "the methods.txt", "annual new", "my tools");
+    row("quotes", "it's.txt", "a \"new\" folder", "my 'tools'");
+    row("for a shell", "m;touch X;`touch X`.txt", "a & b | c > d", "$(touch X)");
+    row("for GNU parallel", "m{}{.}{= system('touch X') =}.txt", "+{}/::: %1", "{} tools");
+}
+
+void TestBatch::parallelTakesAnyName()
+{
+    QFETCH(QString, methods);
+    QFETCH(QString, results);
+    QFETCH(QString, recipes);
     Batch batch;
-    for (const char* name : {"my lake.hts", " it's 50%; (a & b)\n.hts"})
+    const QStringList names{QStringLiteral("my lake.hts"), QStringLiteral("-x.hts"),
+                            QStringLiteral(" it's 50%; {}(a & b)%1.hts")};
+    for (const QString& name : names)
+        batch.addInput(name);
+    batch.environment.insert(QStringLiteral("METHODS"), methods);
+    batch.environment.insert(QStringLiteral("RESULTS"), results);
+    batch.environment.insert(QStringLiteral("RECIPES"), recipes);
+    // Of "annual new" a shell makes two names, and GNU parallel another folder of "{}".
+    batch.startShell(
+        QStringLiteral("mkdir '{}' '{}/annual'; echo kept >'{}/annual/-x.hts'; mv in '{}'; "
+                       "cp -r \"$BATCH/.\" \"$RECIPES\"; mv c.txt \"{}/$METHODS\"; cd '{}'; "
+                       "\"../$RECIPES/convert-parallel\" in \"$METHODS\" \"$RESULTS\"; echo $?"));
+    QCOMPARE(batch.errors, QByteArray());
+    QVERIFY2(batch.output.endsWith("3 of 3 files converted, 0 failed\n0\n"), batch.output);
+    for (const QString& name : names)
+        QCOMPARE(batch.read(QStringLiteral("{}/%1/%2").arg(results, name)), monthlySums());
+    QCOMPARE(batch.read(QStringLiteral("{}/annual/-x.hts")), QByteArray("kept\n"));
+    QVERIFY(!batch.exists(QStringLiteral("{}/X")));
+}
+
+void TestBatch::argumentsAreRefusedBeforeResultsAreRemoved_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QByteArray>("reason");
+    const auto row = [](const char* name, const char* command, const char* reason) {
+        QTest::newRow(name) << QString::fromLatin1(command) << QByteArray(reason) + '\n';
+    };
+    // "parallel" and "sbatch" are those of the folder "bin", first on the PATH.
+    row("control file, parallel", "parallel in none.txt out", "cannot read none.txt");
+    row("control file, slurm", "slurm in none.txt out", "cannot read none.txt");
+    row("control file is a folder", "parallel in in out", "cannot read in");
+    row("control file with a variable", "parallel in 'm$(touch X).txt' out",
+        "m$(touch X).txt: the program replaces $NAME in a path by an environment variable");
+    row("month", "parallel in c.txt out 13", "END_MONTH is 1 to 12, not \"13\"");
+    row("month is empty of digits", "slurm in c.txt out '1;x'",
+        "END_MONTH is 1 to 12, not \"1;x\"");
+    row("folder like an option", "parallel -in c.txt out",
+        "\"-\" begins an option, for a name write ./-in/.");
+    row("no folder", "parallel '' c.txt out", "a name is empty");
+    row("tab", "parallel 'a\tb' c.txt out",
+        "control character in a name (a tab, a line break): a?b/.");
+    row("line break in a file's name", "parallel odd c.txt out",
+        "control characters in names (a tab, a line break), rename the files: odd/a?b.hts");
+    row("results over the control file", "parallel in out/a.log out",
+        "out/a.log would be overwritten");
+    row("no GNU parallel", "parallel in c.txt out",
+        "GNU parallel is missing (Debian: the package parallel)");
+    row("no htstool", "parallel in c.txt out", "none: not found");
+    row("no file for a task", "slurm in c.txt out",
+        "FILES_PER_TASK is a number from 1 on, not \"0\"");
+    row("no job taken", "slurm in c.txt out", "sbatch: error: no partition");
+}
+
+void TestBatch::argumentsAreRefusedBeforeResultsAreRemoved()
+{
+    QFETCH(QString, command);
+    QFETCH(QByteArray, reason);
+    Batch batch;
+    batch.addInput(QStringLiteral("a.hts"));
+    for (const char* file : {"out/a.hts", "out/a.log", "out/summary.txt"}) {
+        QDir(batch.path(QStringLiteral("."))).mkdir(QStringLiteral("out"));
+        batch.write(QString::fromLatin1(file), "old\n");
+    }
+    batch.startShell(QStringLiteral("mkdir bin odd; touch \"$(printf 'odd/a\\nb.hts')\"\n"
+                                    "printf '#!/bin/sh\\necho sbatch: error: no partition >&2; "
+                                    "exit 1\\n' >bin/sbatch; chmod +x bin/sbatch"));
+    const QByteArray row = QTest::currentDataTag();
+    if (row == "no GNU parallel")
+        batch.startShell(QStringLiteral("cp bin/sbatch bin/parallel"));
+    else if (row == "no htstool")
+        batch.environment.insert(QStringLiteral("HTSTOOL"), QStringLiteral("none"));
+    else if (row == "no file for a task")
+        batch.environment.insert(QStringLiteral("FILES_PER_TASK"), QStringLiteral("0"));
+    batch.startShell(QStringLiteral("PATH=$PWD/bin:$PATH; \"$BATCH\"/convert-") + command);
+    QCOMPARE(batch.errors, reason);
+    QCOMPARE(batch.output, QByteArray());
+    QCOMPARE(batch.exitCode, 1);
+    for (const char* file : {"a.hts", "a.log", "summary.txt"})
+        QCOMPARE(batch.result(QString::fromLatin1(file)), QByteArray("old\n"));
+}
+
+void TestBatch::oneFileIsRefused_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QByteArray>("errors");
+    QTest::addColumn<QByteArray>("check"); // what it holds
+    const QByteArray none = "(no file)";
+    QTest::newRow("like an option")
+        << QStringLiteral("-x.hts c.txt out")
+        << QByteArray("\"-\" begins an option, for a name write ./-x.hts\n") << none;
+    QTest::newRow("tab") << QStringLiteral("\"in/a\tb.hts\" c.txt out")
+                         << QByteArray("control character in a name (a tab, a line break): "
+                                       "in/a?b.hts\n")
+                         << none;
+    // The program would convert another file than the check reads.
+    QTest::newRow("variable") << QStringLiteral("'in/$HOME.hts' c.txt out") << QByteArray()
+                              << QByteArray("in/$HOME.hts: error: the program replaces $NAME in a "
+                                            "path by an environment variable\n");
+}
+
+void TestBatch::oneFileIsRefused()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QByteArray, errors);
+    QFETCH(QByteArray, check);
+    Batch batch;
+    for (const char* name : {"-x.hts", "a\tb.hts", "$HOME.hts"})
         batch.addInput(QString::fromLatin1(name));
-    batch.startShell(kParallel);
-    QCOMPARE(batch.output, QByteArray("2 of 2 files converted, 0 failed\n"));
-    QCOMPARE(batch.exitCode, 0);
-    QCOMPARE(batch.result(QStringLiteral("my lake.hts")), monthlySums());
-    QCOMPARE(batch.result(QStringLiteral(" it's 50%; (a & b)\n.hts")), monthlySums());
+    batch.startShell(QStringLiteral("\"$BATCH/convert-one\" ") + arguments);
+    QCOMPARE(batch.errors, errors);
+    QCOMPARE(batch.exitCode, 1);
+    QCOMPARE(batch.result(QStringLiteral("$HOME.check")), check);
+    QVERIFY(!batch.exists(QStringLiteral("out/$HOME.hts")));
 }
 
 void TestBatch::parallelListsItsJobs()
@@ -260,6 +400,35 @@ void TestBatch::makeRefusesNames()
     QVERIFY(!batch.exists(QStringLiteral("out/a.hts")));
 }
 
+void TestBatch::makeRefusesItsVariables_data()
+{
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<QByteArray>("reason");
+    const auto row = [](const char* variable, const char* reason) {
+        QTest::newRow(variable) << QString::fromLatin1(variable) << QByteArray(reason);
+    };
+    row("RESULTS=annual new", "make cannot handle this name: RESULTS=annual new.");
+    row("INPUTS=`touch X`", "make cannot handle this name: INPUTS=`touch X`.");
+    row("METHODS=m$(shell touch X).txt",
+        "make cannot handle this name: METHODS=m$(shell touch X).txt.");
+    row("INPUTS=-in", "\"-\" begins an option, for a name write ./-in/.\n");
+    row("END_MONTH=13", "END_MONTH is 1 to 12, not \"13\"\n");
+}
+
+void TestBatch::makeRefusesItsVariables()
+{
+    QFETCH(QString, variable);
+    QFETCH(QByteArray, reason);
+    Batch batch;
+    batch.addInput(QStringLiteral("a.hts"));
+    batch.environment.insert(QStringLiteral("VARIABLE"), variable);
+    batch.startShell(kMake + QStringLiteral(" \"$VARIABLE\""));
+    QVERIFY2(batch.errors.contains(reason), batch.errors);
+    QCOMPARE(batch.exitCode, 2);
+    QVERIFY(!batch.exists(QStringLiteral("X")));
+    QVERIFY(!batch.exists(QStringLiteral("out")));
+}
+
 void TestBatch::makeTakesNamesThatMeanSomethingToAShell()
 {
     Batch batch;
@@ -270,41 +439,73 @@ void TestBatch::makeTakesNamesThatMeanSomethingToAShell()
     QVERIFY(batch.exists(QStringLiteral("out/") + name));
 }
 
-void TestBatch::makeConvertsOnlyWhatChanged()
+void TestBatch::onlyWhatChangedIsConverted_data()
 {
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("again");
+    QTest::newRow("make") << kMake << kMake;
+    QTest::newRow("parallel") << kParallel << kResume;
+    QTest::newRow("make, parallel") << kMake << kResume;
+    QTest::newRow("parallel, make") << kParallel << kMake;
+}
+
+void TestBatch::onlyWhatChangedIsConverted()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, again);
     Batch batch;
     batch.addInput(QStringLiteral("a.hts"));
     batch.addInput(QStringLiteral("b.hts"));
-    batch.startShell(kMake);
+    batch.startShell(first);
     QCOMPARE(batch.exitCode, 0);
 
     const QByteArray kept = "not converted again\n";
     for (const QString& name : {QStringLiteral("out/a.hts"), QStringLiteral("out/b.hts")})
         batch.write(name, kept);
-    batch.startShell(kMake);
+    batch.startShell(again);
+    QCOMPARE(batch.output, QByteArray("2 of 2 files converted, 0 failed\n"));
     QCOMPARE(batch.exitCode, 0);
     QCOMPARE(batch.result(QStringLiteral("a.hts")), kept);
     QCOMPARE(batch.result(QStringLiteral("b.hts")), kept);
 
-    batch.startShell(QStringLiteral("touch -d 2001-01-01 out/a.hts; ") + kMake);
+    batch.startShell(QStringLiteral("touch -d 2001-01-01 out/a.hts; ") + again);
     QCOMPARE(batch.exitCode, 0);
     QCOMPARE(batch.result(QStringLiteral("a.hts")), monthlySums());
     QCOMPARE(batch.result(QStringLiteral("b.hts")), kept);
 
-    batch.startShell(QStringLiteral("touch -d 2001-01-01 in/b.hts out/b.hts; ") + kMake);
+    batch.startShell(QStringLiteral("touch -d 2001-01-01 in/b.hts out/b.hts; ") + again);
     QCOMPARE(batch.exitCode, 0);
     QCOMPARE(batch.result(QStringLiteral("b.hts")), monthlySums()); // older than the methods
 }
 
-void TestBatch::makeConvertsAllAfterAnotherMonth()
+void TestBatch::allIsConvertedAfterOtherParameters_data()
 {
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("again");
+    QTest::addColumn<QByteArray>("line"); // of the results then
+    const QByteArray year = "end:2001-6-30 24:00";
+    const QByteArray method = "method: Max";
+    const QString resume =
+        QString(kResume).replace(QStringLiteral("c.txt"), QStringLiteral("d.txt"));
+    QTest::newRow("make, month") << kMake << kMake + QStringLiteral(" END_MONTH=6") << year;
+    QTest::newRow("parallel, month") << kParallel << kResume + QStringLiteral(" 06") << year;
+    QTest::newRow("make, methods") << kMake << kMake + QStringLiteral(" METHODS=d.txt") << method;
+    QTest::newRow("parallel, methods") << kParallel << resume << method;
+}
+
+void TestBatch::allIsConvertedAfterOtherParameters()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, again);
+    QFETCH(QByteArray, line);
     Batch batch;
     batch.addInput(QStringLiteral("a.hts"));
-    batch.startShell(kMake);
+    batch.write(QStringLiteral("d.txt"), "*.*: Max\n"); // older than the results
+    batch.startShell(first);
     QCOMPARE(batch.result(QStringLiteral("a.hts")), monthlySums());
-    batch.startShell(kMake + QStringLiteral(" END_MONTH=6"));
+    batch.startShell(again);
     QCOMPARE(batch.exitCode, 0);
-    QVERIFY(batch.result(QStringLiteral("a.hts")).contains("\nend:2001-6-30 24:00\n"));
+    QVERIFY(batch.result(QStringLiteral("a.hts")).contains('\n' + line + '\n'));
 }
 
 void TestBatch::failedFileLosesItsOldResult()
@@ -320,6 +521,25 @@ void TestBatch::failedFileLosesItsOldResult()
     QVERIFY(!batch.exists(QStringLiteral("out/a.log")));
 }
 
+void TestBatch::runThatEndsEarlyLeavesNoOldResult()
+{
+    Batch batch;
+    batch.addInput(QStringLiteral("a.hts"));
+    batch.addInput(QStringLiteral("b.hts"));
+    batch.startShell(kParallel);
+    QCOMPARE(batch.exitCode, 0);
+    batch.addInput(QStringLiteral("a.hts"), kBadFile);
+    batch.startShell(QStringLiteral("PARALLEL='--jobs 1 --halt now,fail=1' ") + kParallel +
+                     QStringLiteral(" 6 2>parallel.txt"));
+    const QByteArray first = QByteArray("FAILED in/a.hts\n       ") +
+                             QByteArray(kBadFileError).replace("bad.hts", "a.hts");
+    QCOMPARE(batch.output, first + "FAILED in/b.hts\n       not run\n"
+                                   "0 of 2 files converted, 2 failed\n");
+    QCOMPARE(batch.exitCode, 1);
+    batch.startShell(kResume + QStringLiteral(" 6"));
+    QCOMPARE(batch.output, first + "1 of 2 files converted, 1 failed\n");
+}
+
 void TestBatch::summaryNamesAResultThatIsTooOld()
 {
     Batch batch;
@@ -333,6 +553,55 @@ void TestBatch::summaryNamesAResultThatIsTooOld()
              QByteArray("FAILED in/b.hts\n       its result is older than it or than c.txt\n"
                         "1 of 2 files converted, 1 failed\n"));
     QCOMPARE(batch.exitCode, 1);
+}
+
+void TestBatch::summaryGivesTheReason_data()
+{
+    QTest::addColumn<QByteArray>("check");
+    QTest::addColumn<QByteArray>("log");
+    QTest::addColumn<QByteArray>("reason");
+    const QByteArray report = "in/a.hts: 0 errors, 1 warning, 0 notes\n"
+                              "in/a.hts:9: warning: \"x: error: y\" is text [text-value]\n"
+                              "in/a.hts: plan: Lake A.Outflow: Sum, rule of line 1\n";
+    const QByteArray success = kCreated;
+    QTest::newRow("empty last line")
+        << report + "b.log: No space left on device\n\n"
+        << QByteArray() << QByteArray("b.log: No space left on device");
+    QTest::newRow("log") << report << QByteArray("Error:\nNo series\n\n")
+                         << QByteArray("No series");
+    QTest::newRow("after the log") << report + "mv: cannot move\n"
+                                   << success << QByteArray("mv: cannot move");
+    QTest::newRow("bytes that are no text")
+        << QByteArray("a\xff: error: b\xff\n") << QByteArray() << QByteArray("a\xff: error: b\xff");
+    QTest::newRow("nothing") << QByteArray() << QByteArray()
+                             << QByteArray("no reason in out/a.check (is the disk full?)");
+}
+
+void TestBatch::summaryGivesTheReason()
+{
+    QFETCH(QByteArray, check);
+    QFETCH(QByteArray, log);
+    QFETCH(QByteArray, reason);
+    Batch batch;
+    batch.startShell(QStringLiteral("mkdir out; ln -s none in/a.hts; ln -s none in/b.hts"));
+    batch.write(QStringLiteral("out/a.check"), check);
+    batch.write(QStringLiteral("out/a.log"), log);
+    batch.startShell(QStringLiteral("\"$BATCH/summary\" in c.txt out"));
+    QCOMPARE(batch.output, "FAILED in/a.hts\n       " + reason +
+                               "\nFAILED in/b.hts\n       not run\n"
+                               "0 of 2 files converted, 2 failed\n");
+    QCOMPARE(batch.exitCode, 1);
+}
+
+void TestBatch::summaryCountsWarnings()
+{
+    Batch batch;
+    batch.addInput(QStringLiteral("a.hts"));
+    batch.addInput(QStringLiteral("b.hts"), monthlyFile().replace(".000000000000\n", ",0\n"));
+    batch.startShell(kParallel);
+    QCOMPARE(batch.output, QByteArray("WARNED in/b.hts\n       24 warnings: out/b.check\n"
+                                      "2 of 2 files converted, 0 failed, 1 with warnings\n"));
+    QCOMPARE(batch.exitCode, 0);
 }
 
 void TestBatch::documentShowsWhatParallelPrints()
