@@ -574,8 +574,9 @@ void TestBatch::summaryGivesTheReason_data()
     QTest::newRow("bytes that are no text")
         << QByteArray("a\xff: error: b\xff\n") << QByteArray() << QByteArray("a\xff: error: b\xff");
     QTest::newRow("nothing") << QByteArray() << QByteArray()
-                             << QByteArray("no reason in out/a.check: was it interrupted, or is the "
-                                        "disk full?");
+                             << QByteArray(
+                                    "no reason in out/a.check: was it interrupted, or is the "
+                                    "disk full?");
 }
 
 void TestBatch::summaryGivesTheReason()

@@ -115,6 +115,13 @@ private Q_SLOTS:
     void runThatIsNotThereIsAnError();
     void resultOfAnotherInputIsAnError_data();
     void resultOfAnotherInputIsAnError();
+    void oddSlotsAreDrawn_data();
+    void oddSlotsAreDrawn();
+    void twinsAreRefused_data();
+    void twinsAreRefused();
+    void wrongUseIsAnError_data();
+    void wrongUseIsAnError();
+    void gnuplotWritesTheFormatOfTheName();
 };
 
 namespace {
@@ -315,6 +322,115 @@ void TestPlot::resultOfAnotherInputIsAnError()
     QCOMPARE(plot.errors, QByteArray("Lake A.Outflow is not in the input\n"));
     QCOMPARE(plot.exitCode, 1);
     QVERIFY(!plot.exists(QStringLiteral("plot.png")));
+}
+
+void TestPlot::oddSlotsAreDrawn_data()
+{
+    QTest::addColumn<QString>("recipe");
+    QTest::addColumn<QByteArray>("object");
+    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<bool>("hasValues");
+    QByteArray none = monthlyFile();
+    for (int month = 1; month <= 24; ++month)
+        none.replace('\n' + QByteArray::number(month) + ".000000000000", "\nNaN");
+    QByteArray some = monthlyFile();
+    for (int month = 1; month <= 24; month += 2)
+        some.replace('\n' + QByteArray::number(month) + ".000000000000", "\nNaN");
+    const auto rows = [&](const char* name, const QString& recipe) {
+        QTest::addRow("%s, every second month", name) << recipe << QByteArray("A") << some << true;
+        QTest::addRow("%s, no values", name) << recipe << QByteArray("A") << none << false;
+        QTest::addRow("%s, for CSV", name) << recipe << QByteArray("a, \"b\" [c]") << some << true;
+        QTest::addRow("%s, for a formula", name) << recipe << QByteArray("$\\b$ {") << some << true;
+        QTest::addRow("%s, underscore", name) << recipe << QByteArray("_a") << some << true;
+    };
+    rows("gnuplot", kGnuplot);
+    rows("python", kPython);
+}
+
+void TestPlot::oddSlotsAreDrawn()
+{
+    QFETCH(QString, recipe);
+    QFETCH(QByteArray, object);
+    QFETCH(QByteArray, input);
+    QFETCH(bool, hasValues);
+    Plot plot;
+    plot.write(QStringLiteral("a.hts"), input.replace("Lake A", object));
+    plot.write(QStringLiteral("c.txt"), "*.*: MaxNaN\n");
+    plot.convert(QStringLiteral("12"));
+    plot.startShell(QStringLiteral("mv a.hts ./-a.hts; ") + recipe +
+                    QStringLiteral("-a.hts annual.hts plot.png"));
+    QCOMPARE(plot.errors, QByteArray());
+    QCOMPARE(plot.exitCode, 0);
+    QCOMPARE(count(firstPanel(plot.picture()), kInput) > 10, hasValues);
+    QCOMPARE(count(firstPanel(plot.picture()), kAnnual) > 100, hasValues);
+    QVERIFY(count(plot.picture(), kFirstBar) > 100);
+}
+
+void TestPlot::twinsAreRefused_data()
+{
+    addRecipes();
+}
+
+void TestPlot::twinsAreRefused()
+{
+    QFETCH(QString, recipe);
+    Plot plot;
+    writeInputs(plot);
+    QByteArray twins = monthlyFile();
+    const int slot = twins.indexOf("object_type");
+    const QByteArray copy = twins.mid(slot, twins.indexOf("END_RUN\n") - slot);
+    plot.write(QStringLiteral("a.hts"), twins.insert(slot, copy));
+    plot.convert(QStringLiteral("12"));
+    plot.startShell(recipe + kArguments);
+    QCOMPARE(plot.errors, QByteArray("two slots of the input are named Lake A.Outflow\n"));
+    QCOMPARE(plot.exitCode, 1);
+    QVERIFY(!plot.exists(QStringLiteral("plot.png")));
+}
+
+void TestPlot::wrongUseIsAnError_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QByteArray>("reason");
+    const QString python = QStringLiteral("/usr/bin/python3 -S \"$EXAMPLES/plot/plot.py\" ");
+    QTest::newRow("python, run") << kPython + kArguments + QStringLiteral(" abc")
+                                 << QByteArray("RUN counts from 1: abc\n");
+    QTest::newRow("python, format")
+        << kPython + QStringLiteral("a.hts annual.hts plot.xyz")
+        << QByteArray("plot.xyz: Format 'xyz' is not supported (supported formats: ");
+    QTest::newRow("python, packages")
+        << python + kArguments
+        << QByteArray("No module named 'matplotlib'; it comes with the packages python3-pandas and "
+                      "python3-matplotlib\n");
+    QTest::newRow("gnuplot, format") << kGnuplot + QStringLiteral("a.hts annual.hts plot.xyz")
+                                     << QByteArray("plot.xyz: PICTURE ends with .png, .svg or "
+                                                   ".pdf\n");
+}
+
+void TestPlot::wrongUseIsAnError()
+{
+    QFETCH(QString, command);
+    QFETCH(QByteArray, reason);
+    Plot plot;
+    writeInputs(plot);
+    plot.convert(QStringLiteral("12"));
+    plot.startShell(command);
+    QVERIFY2(plot.errors.startsWith(reason), plot.errors);
+    QCOMPARE(plot.errors.count('\n'), 1);
+    QCOMPARE(plot.exitCode, 1);
+}
+
+void TestPlot::gnuplotWritesTheFormatOfTheName()
+{
+    Plot plot;
+    writeInputs(plot);
+    plot.write(QStringLiteral("a.hts"), weeklyFile());
+    plot.convert(QStringLiteral("9"));
+    plot.startShell(kGnuplot + QStringLiteral("a.hts annual.hts plot.svg"));
+    QCOMPARE(plot.errors, QByteArray());
+    const QByteArray picture = plot.read(QStringLiteral("plot.svg"));
+    QVERIFY(picture.startsWith("<?xml"));
+    for (const char* year : {">2001<", ">2002<", ">2003<"})
+        QCOMPARE(picture.count(year), 2); // one label in each panel
 }
 
 QTEST_GUILESS_MAIN(TestPlot)
