@@ -19,13 +19,30 @@ die() {
     exit 1
 }
 
-# quietly WHAT COMMAND...: announces the step; shows the command's output only when it fails.
+# Passes on the counters of ninja's lines, "[12/345] Building ...", each over the one before.
+show_counter() {
+    local line shown=
+    while IFS= read -r line; do
+        if [[ $line =~ ^(\[[0-9]+/[0-9]+\])\  ]]; then
+            shown=${BASH_REMATCH[1]}
+            printf '\r%s' "$shown"
+        fi
+    done
+    [ -z "$shown" ] || printf '\r%*s\r' "${#shown}" ''
+}
+
+# quietly WHAT COMMAND...: announces the step, and shows on a terminal how far a build is; shows the
+# command's output only when it fails.
 quietly() {
     local what=$1 output status=0
     shift
     say "$what"
     output=$(mktemp)
-    "$@" >"$output" 2>&1 </dev/null || status=$?
+    if [ -t 1 ]; then
+        "$@" 2>&1 </dev/null | tee "$output" | show_counter || status=${PIPESTATUS[0]}
+    else
+        "$@" >"$output" 2>&1 </dev/null || status=$?
+    fi
     if [ "$status" -ne 0 ]; then
         cat "$output" >&2
         rm -f "$output"
