@@ -3,9 +3,11 @@
 
 #include <algorithm>
 
+#include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QRegularExpression>
+#include <QSet>
 #include <QtTest>
 
 #include "tests/help/markdown.h"
@@ -51,6 +53,24 @@ QStringList linkedLibraries(const QString& folder)
     return found;
 }
 
+// Folders of this project whose headers the folder includes; the logging library's have none.
+QStringList includedFolders(const QString& folder)
+{
+    static const QRegularExpression include(QStringLiteral("\n#include \"(\\w+)/"));
+    QSet<QString> found;
+    const QDir sources(QStringLiteral(SOURCE_DIR "/") + folder);
+    for (const QString& name :
+         sources.entryList({QStringLiteral("*.cpp"), QStringLiteral("*.h")})) {
+        const QByteArray text = sourceFile(folder + QLatin1Char('/') + name);
+        for (auto match = include.globalMatch(QString::fromUtf8(text)); match.hasNext();)
+            found.insert(match.next().captured(1));
+    }
+    found.remove(folder);
+    QStringList names = found.values();
+    names.sort();
+    return names;
+}
+
 } // namespace
 
 class TestArchitecture : public QObject
@@ -59,7 +79,7 @@ class TestArchitecture : public QObject
 
 private Q_SLOTS:
     void filesAreThere();
-    void foldersUseWhatTheyLink();
+    void foldersUseWhatTheyLinkAndInclude();
     void stepsAreInTheirFiles();
     void valueIsThatOfTheExample();
     void textsAreFilledAtOnce();
@@ -80,14 +100,17 @@ void TestArchitecture::filesAreThere()
     QVERIFY(count > 30);
 }
 
-void TestArchitecture::foldersUseWhatTheyLink()
+void TestArchitecture::foldersUseWhatTheyLinkAndInclude()
 {
     const auto rows = tableRows(m_document, "| folder | what it holds | uses |");
     QCOMPARE(rows.size(), 8);
     for (const QByteArrayList& row : rows) {
         QStringList used = codes(row.value(2));
         used.sort();
-        QCOMPARE(used, linkedLibraries(codes(row.value(0)).value(0).remove(QLatin1Char('/'))));
+        const QString folder = codes(row.value(0)).value(0).remove(QLatin1Char('/'));
+        QCOMPARE(used, linkedLibraries(folder));
+        used.removeAll(QStringLiteral("logging"));
+        QCOMPARE(includedFolders(folder), used);
     }
 }
 
