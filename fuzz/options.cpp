@@ -11,6 +11,7 @@
 #include <QVector>
 
 #include "app/options.h"
+#include "app/platform.h"
 #include "fuzz/fuzzsupport.h"
 #include "fuzz/fuzztarget.h"
 #include "tool/tooloptions.h"
@@ -47,7 +48,7 @@ int numberAtStart(const QByteArray& text)
 
 void setValue(Options& options, char letter, const QByteArray& value)
 {
-    const QString text = QString::fromUtf8(value);
+    const QString text = argumentText(value.constData());
     switch (letter) {
     case 'i':
         options.inputPath = text;
