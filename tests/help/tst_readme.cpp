@@ -60,6 +60,7 @@ private Q_SLOTS:
     void uncheckedFileGivesTheAverageShown();
     void exampleCommandGivesTheComputedResult();
     void pandasReadsTheExport();
+    void resultIsDrawn();
     void saferCommandsConvert();
 
 private:
@@ -84,9 +85,10 @@ void TestReadme::everyBlockIsTested()
     QByteArrayList starts;
     for (const QByteArray& block : m_blocks)
         starts.append(block.split(' ').first());
-    QCOMPARE(starts.join('|'), QByteArray("scripts/run-example|scripts/test|"
-                                          "build/release/app/HtsAnnualizer|object_type:|"
-                                          "Choptank.Volume.Daily:|units:|cat|$|(cd|pond.hts:32:"));
+    QCOMPARE(starts.join('|'),
+             QByteArray("git|scripts/test|"
+                        "build/release/app/HtsAnnualizer|object_type:|"
+                        "Choptank.Volume.Daily:|units:|cat|$|(cd|pond.hts:32:|export"));
 }
 
 void TestReadme::everyTerminalHasATest_data()
@@ -227,6 +229,24 @@ void TestReadme::pandasReadsTheExport()
 }
 
 // The commands of docs/reliability.md that keep an old result, and conversions, from each other.
+void TestReadme::resultIsDrawn()
+{
+    AnnualizerRun run;
+    makeSourceTree(run);
+    // Debian's Python has the packages.
+    run.environment.insert(QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin"));
+    run.environment.insert(QStringLiteral("HOME"), run.path(QStringLiteral("home")));
+    run.startShell(QString::fromUtf8(block("build/release/app/HtsAnnualizer ")));
+    const QString draw = QString::fromUtf8(block("export "));
+    for (const QString& command :
+         {draw, QString(draw).replace(QLatin1String("plot.py"), QLatin1String("plot-gnuplot"))}) {
+        run.startShell(QStringLiteral("rm -f build/plot.png\n") + command);
+        QCOMPARE(run.errors, QByteArray());
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(run.read(QStringLiteral("build/plot.png")).startsWith("\x89PNG"));
+    }
+}
+
 void TestReadme::saferCommandsConvert()
 {
     const QByteArrayList blocks = codeBlocks(sourceFile(QStringLiteral("docs/reliability.md")));
