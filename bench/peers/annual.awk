@@ -6,13 +6,14 @@ function days_of(year,    leap_year) {
     return leap_year % 4 == 0 && (leap_year % 100 != 0 || leap_year % 400 == 0) ? 366 : 365
 }
 
-# Sets year[1 .. steps], and days[YEAR], the number of its timesteps.
-function read_timesteps(    i, date) {
+# Sets year_at[1 .. years], and days[YEAR], the number of its timesteps.
+function read_timesteps(    i, date, year) {
     for (i = 1; i <= steps; ++i) {
         getline
         split($0, date, "-")
-        year[i] = date[1] + (date[2] > end_month)
-        ++days[year[i]]
+        year = date[1] + (date[2] > end_month)
+        if (++days[year] == 1)
+            year_at[++years] = year
     }
 }
 
@@ -26,29 +27,34 @@ function print_year(slot, method, year, value, count) {
     printf value == "" ? "%s,%d,%s\n" : "%s,%d,%.17g\n", slot, year, value
 }
 
-function annualize(slot, method,    i, now, value, count) {
-    now = year[1]
-    for (i = 1; i <= steps; ++i) {
-        getline
-        if (year[i] != now) {
-            print_year(slot, method, now, value, count)
-            now = year[i]
-            value = count = 0
-        }
-        if ($0 == "NaN")
-            continue
-        ++count
+# A loop for each year and kind of method: no line has to be asked for its year or its method.
+function annualize(slot, method,    i, left, line, value, count) {
+    for (i = 1; i <= years; ++i) {
+        value = count = 0
+        left = days[year_at[i]]
         if (method == "MaxNaN") {
-            if (count == 1 || $0 + 0 > value)
-                value = $0 + 0
+            for (; left > 0; --left) {
+                getline line
+                if (line != "NaN" && (++count == 1 || line + 0 > value))
+                    value = line + 0
+            }
         } else if (method == "MinNaN") {
-            if (count == 1 || $0 + 0 < value)
-                value = $0 + 0
+            for (; left > 0; --left) {
+                getline line
+                if (line != "NaN" && (++count == 1 || line + 0 < value))
+                    value = line + 0
+            }
         } else {
-            value += $0
+            for (; left > 0; --left) {
+                getline line
+                if (line != "NaN") {
+                    ++count
+                    value += line
+                }
+            }
         }
+        print_year(slot, method, year_at[i], value, count)
     }
-    print_year(slot, method, now, value, count)
 }
 
 BEGIN { FS = "\n"; print "slot,year,value" } # fields are not needed

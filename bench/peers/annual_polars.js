@@ -1,5 +1,5 @@
 // Annual values of a wide table of daily series, with polars.
-// usage: node annual_polars.js INPUT.csv CONTROL.txt END_MONTH RESULT.csv
+// usage: node annual_polars.js INPUT.parquet CONTROL.txt END_MONTH RESULT.csv
 "use strict";
 const fs = require("fs");
 const pl = require("nodejs-polars");
@@ -10,7 +10,7 @@ const endMonth = Number(month);
 const rules = fs.readFileSync(controlPath, "utf8").trimEnd().split("\n");
 const methodOf = new Map(rules.map((rule) => rule.split(": ")));
 
-const table = pl.readCSV(tablePath, { tryParseDates: true });
+const table = pl.readParquet(tablePath);
 table.columns = table.columns.map((column) => column.split(" [")[0]);
 const slots = table.columns.slice(3); // after run, trace and time
 

@@ -38,7 +38,7 @@ PYTHON = "/usr/bin/python3" # Debian's, which has the packages
 
 class Data:
     """An input in the forms that the tools read, and its control file. Made when they are missing;
-    the table and the NetCDF file are not timed."""
+    the table, the Parquet and the NetCDF file are not timed."""
 
     def __init__(self, bench, arguments):
         self.hts = bench.generated(arguments)
@@ -47,14 +47,16 @@ class Data:
         self.control.write_text("".join(f"Object{slot}.Flow: {METHODS[slot % len(METHODS)]}\n"
                                         for slot in range(slots)))
         self.csv = self._made(".csv", lambda path: export_command(bench, self, path))
+        self.parquet = self._made(".parquet", lambda path: ["node", folder / "wide_to_parquet.js",
+                                                            self.csv, path], bench.environment)
         self.netcdf = self._made(".nc", lambda path: [PYTHON, folder / "wide_to_netcdf.py", self.csv,
                                                       path])
 
-    def _made(self, suffix, command):
+    def _made(self, suffix, command, environment=None):
         path = self.hts.with_suffix(suffix)
         if not path.exists() or path.stat().st_mtime < self.hts.stat().st_mtime:
             partial = path.with_suffix(".partial")
-            subprocess.run(command(partial), check=True)
+            subprocess.run(command(partial), check=True, env=environment)
             partial.rename(path)
         return path
 
@@ -122,10 +124,10 @@ def tools(bench):
         Tool("HtsAnnualizer", [bench.build / "tool" / "htstool", "--version"], "hts", program,
              annual_file_rows),
         Tool("mawk", ["mawk", "-W", "version"], "hts", mawk, table_rows),
-        Tool("polars", ["node", "-e", node_version("nodejs-polars")], "csv",
-             recipe("node", "annual_polars.js", reads="csv"), table_rows),
-        Tool("DuckDB", ["node", "-e", node_version("@duckdb/node-api")], "csv",
-             recipe("node", "annual_duckdb.js", reads="csv"), table_rows),
+        Tool("polars", ["node", "-e", node_version("nodejs-polars")], "parquet",
+             recipe("node", "annual_polars.js", reads="parquet"), table_rows),
+        Tool("DuckDB", ["node", "-e", node_version("@duckdb/node-api")], "parquet",
+             recipe("node", "annual_duckdb.js", reads="parquet"), table_rows),
         Tool("data.table", ["Rscript", "-e", "cat(format(packageVersion('data.table')))"], "csv",
              recipe("Rscript", "--vanilla", "annual_datatable.R", reads="csv"), table_rows),
         Tool("pandas", [PYTHON, "-c", "import pandas; print(pandas.__version__)"], "csv",
@@ -234,7 +236,7 @@ def show(bench, chosen, large, small):
     # A child's peak counts from that of the process that started it, which is this one.
     least = resource.getrusage(resource.RUSAGE_SELF).ru_maxrss * 1024
     for name, file, its, its_small in zip(names, files, measured[::2], measured[1::2]):
-        kind = {".hts": "HTS", ".csv": "CSV", ".nc": "NetCDF"}[file.suffix]
+        kind = {".hts": "HTS", ".csv": "CSV", ".parquet": "Parquet", ".nc": "NetCDF"}[file.suffix]
         median = statistics.median(its.seconds)
         print(f"| {name} | {kind}, {file.stat().st_size / 1e6:.0f} MB | {median:.3f} s | "
               f"{median / statistics.median(ours):.1f} | {min(its.seconds) / min(ours):.1f} | "
