@@ -146,7 +146,8 @@ void checkTool(const QList<QByteArray>& arguments)
     fuzz::require(isCheck ? !options.files.isEmpty() : options.files.size() == 1,
                   QStringLiteral("%1 files").arg(options.files.size()));
     fuzz::require(options.endMonth >= 1 && options.endMonth <= 12 && options.run >= 0,
-                  QStringLiteral("month %1, run %2").arg(options.endMonth).arg(options.run));
+                  QStringLiteral("month %1, run %2")
+                      .arg(QString::number(options.endMonth), QString::number(options.run)));
     fuzz::require(isCheck || !options.outputPath.isEmpty(), QStringLiteral("no output"));
 
     const QStringList whole = argumentsFor(options);
