@@ -84,7 +84,8 @@ bool OutputFile::open(const QString& path, const QStringList& inputs)
         }
     }
     const QFileInfo file(path);
-    if (path == kStandardStream || !isReplaceable(file))
+    // A name that is no text is refused there.
+    if (path == kStandardStream || !UtilsNS::canBeFileName(path) || !isReplaceable(file))
         return openDirectly();
     m_saved = std::make_unique<SavedFile>(replacedPath(file));
     if (m_saved->open(QIODevice::WriteOnly))
