@@ -60,7 +60,7 @@ const AggMethod* findIf(Predicate predicate)
 double AggMethod::resultFor(const YearValues& year) const
 {
     Q_ASSERT(isSupported() && year.count > 0);
-    const bool isNan = year.hasMissing && missingValues == MissingValues::MakeNaN;
+    const bool isNan = year.missing > 0 && missingValues == MissingValues::MakeNaN;
     return isNan ? resultNan() : formula(year);
 }
 

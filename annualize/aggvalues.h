@@ -38,6 +38,9 @@ public:
     bool aggregate(const std::vector<double>& values, const std::vector<std::int32_t>& valueMap,
                    std::int32_t newValueCount, QString& errorMessage);
 
+    // What is known of each year, in time order.
+    const std::vector<YearValues>& years() const { return m_years; }
+
     // The result of `method`, which is supported, for each year, in time order.
     std::vector<double> results(const AggMethod& method) const;
 

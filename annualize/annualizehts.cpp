@@ -5,8 +5,8 @@
 #include <new>
 
 #include "QsLog.h"
-#include "annualize/annualization.h"
 #include "annualize/controlfile.h"
+#include "annualize/conversion.h"
 #include "annualize/months.h"
 
 namespace {
@@ -69,16 +69,16 @@ Status AnnualizeHts::annualize()
 
 Status AnnualizeHts::convert() const
 {
-    Annualization annualization(m_controlFile, m_endMonth);
-    Status status = annualization.read(*m_source);
+    Conversion conversion([this] { return readControlFile(m_controlFile); }, m_endMonth);
+    Status status = readConversion(*m_source, conversion);
     if (status.ok())
-        status = annualization.report();
+        status = conversion.report();
     if (status.ok())
-        status = annualization.annualPackage().write(*m_result);
+        status = conversion.annualPackage().write(*m_result);
     if (status.ok()) {
         QLOG_INFO() << QStringLiteral("Successfully wrote %1 out of %2 slots")
-                           .arg(QString::number(annualization.annualPackage().numSlots()),
-                                QString::number(annualization.inputSlotCount()));
+                           .arg(QString::number(conversion.annualPackage().numSlots()),
+                                QString::number(conversion.plans().size()));
     }
     return status;
 }
@@ -86,7 +86,8 @@ Status AnnualizeHts::convert() const
 Status AnnualizeHts::calculateAnnualTimesteps(const HtsRun& inputRun, ValueMap& valueMap,
                                               HtsRun& annualRun) const
 {
-    const CompleteYears years = findCompleteYears(inputRun, m_endMonth, valueMap);
+    const CompleteYears years = findCompleteYears(inputRun, m_endMonth);
+    valueMap.insert(valueMap.end(), years.valueMap.begin(), years.valueMap.end());
     logCompleteYears(years, m_endMonth);
     if (years.status.ok())
         setAnnualTiming(inputRun, years, annualRun);

@@ -14,23 +14,16 @@ const QLatin1String kNoCompleteYear("Cannot create a complete year from the inpu
 
 const QLatin1String kYearUnit("year");
 
-// Midnight before the first day that follows the end month, in the calendar year of `runStart`.
-QDateTime firstYearStart(const QDateTime& runStart, int endMonth)
-{
-    const int month = endMonth == 12 ? 1 : endMonth + 1;
-    return QDateTime(QDate(runStart.date().year(), month, 1), QTime(0, 0), Qt::UTC);
-}
-
-// Walks through the timesteps of `run`: appends the number of its year to `valueMap` for each, and
-// the last timestep of each complete year to `years`. Returns the number of complete years, 0 or
+// Walks through the timesteps of `run`: appends the number of its year to the value map for each,
+// and the last timestep of each complete year. Returns the number of complete years, 0 or
 // less when there is none. A date-time that is not valid ends the walk without a complete year: a
 // comparison would take it for some valid instant.
-std::int32_t walkYears(const HtsRun& run, int endMonth, ValueMap& valueMap, CompleteYears& years)
+std::int32_t walkYears(const HtsRun& run, int endMonth, CompleteYears& years)
 {
     const TimestepUnit& unit = timestepUnitOrDay(run.timeStepUnit);
     Q_ASSERT(!unit.isYear());
     // End of the current year, and start of the next.
-    QDateTime yearEnd = firstYearStart(run.start, endMonth);
+    QDateTime yearEnd = yearEndIn(run.start.date().year(), endMonth);
     std::int32_t year = 0; // number of the current year, 0 before the first complete one
     QDateTime timestep;
     bool isValid = run.start.isValid() && yearEnd.isValid();
@@ -47,7 +40,7 @@ std::int32_t walkYears(const HtsRun& run, int endMonth, ValueMap& valueMap, Comp
             yearEnd = yearEnd.addYears(1);
             ++year;
         }
-        valueMap.push_back(year);
+        years.valueMap.push_back(year);
     }
 
     const bool hasLast = isValid && timestep.isValid(); // a run may have no timesteps
@@ -65,7 +58,13 @@ QLatin1String monthName(int month)
 
 } // namespace
 
-CompleteYears findCompleteYears(const HtsRun& run, int endMonth, ValueMap& valueMap)
+QDateTime yearEndIn(int year, int endMonth)
+{
+    const int month = endMonth == 12 ? 1 : endMonth + 1;
+    return QDateTime(QDate(year, month, 1), QTime(0, 0), Qt::UTC);
+}
+
+CompleteYears findCompleteYears(const HtsRun& run, int endMonth)
 {
     CompleteYears years;
     if (timestepUnitOrDay(run.timeStepUnit).isYear()) {
@@ -78,8 +77,8 @@ CompleteYears findCompleteYears(const HtsRun& run, int endMonth, ValueMap& value
     }
     years.isSearched = true;
     years.hasTimesteps = run.timeStepCount > 0;
-    valueMap.reserve(valueMap.size() + static_cast<std::size_t>(run.timesteps.size()));
-    if (walkYears(run, endMonth, valueMap, years) < 1)
+    years.valueMap.reserve(static_cast<std::size_t>(run.timesteps.size()));
+    if (walkYears(run, endMonth, years) < 1)
         years.status = failure(kNoCompleteYear);
     return years;
 }

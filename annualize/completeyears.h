@@ -18,8 +18,13 @@ struct CompleteYears
 {
     // Why there are none; a success means one or more.
     Status status;
-    // The last timestep of each complete year, with the run's text.
+    // The last timestep of each complete year, with the run's text. After a failure there may be
+    // some that do not count.
     QStringList timesteps;
+    // One number for each timestep; fewer after a failure.
+    ValueMap valueMap;
+
+    int count() const { return status.ok() ? timesteps.size() : 0; }
 
     // How far the search got, for the log.
     bool isSearched = false; // false if it failed before the first timestep
@@ -28,11 +33,12 @@ struct CompleteYears
 };
 
 // Finds the complete years of `run` that end with the month `endMonth`, 1 to 12. Other numbers are
-// tolerated: 0 counts as December, and no year is complete for the rest. Appends a number
-// for each timestep of the run to `valueMap`, which may be partly filled after a failure. Fails for
-// a run that is annual already, for one with fewer timesteps than it announces, and when no year is
-// complete.
-CompleteYears findCompleteYears(const HtsRun& run, int endMonth, ValueMap& valueMap);
+// tolerated: 0 counts as December, and no year is complete for the rest. Fails for a run that is
+// annual already, for one with fewer timesteps than it announces, and when no year is complete.
+CompleteYears findCompleteYears(const HtsRun& run, int endMonth);
+
+// The end of the last month of a year, in the calendar year `year`, or for December at its start.
+QDateTime yearEndIn(int year, int endMonth);
 
 // Logs the search, whether it failed or not.
 void logCompleteYears(const CompleteYears& years, int endMonth);

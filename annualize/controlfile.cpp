@@ -1,18 +1,20 @@
 #include "annualize/controlfile.h"
 
 #include "QsLog.h"
-#include "annualize/slotplan.h"
+#include "hts/htsslot.h"
 #include "utils/checkedfile.h"
 
-ControlFile readControlFile(const QString& path)
+ControlFile readControlFile(const QString& path, MethodControl::Observer* observer)
 {
     ControlFile control;
     UtilsNS::CheckedFile file(path);
+    if (observer != nullptr)
+        file.limitLines();
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         control.status = failure(file.errorString());
         return control;
     }
-    control.status = control.rules.read(file);
+    control.status = control.rules.read(file, observer);
     control.isRead = file.problem().isEmpty();
     // A failed read must not count as the end of the rules, nor what it left of a line as a bad
     // one.

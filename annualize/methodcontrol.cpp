@@ -69,43 +69,56 @@ private:
     QVarLengthArray<char, 100> m_bytes;
 };
 
-Status lineFailure(const char* reason, std::string_view line)
+Status failureOf(RuleFault fault, std::string_view line)
 {
-    return failure(QLatin1String("Method Control File Error: ") + QLatin1String(reason) +
-                   QLatin1String(" in line \n\"") + toText(line) + QLatin1Char('"'));
+    return failure(ruleFaultText(fault) + QLatin1String(" \n\"") + toText(line) + QLatin1Char('"'));
 }
 
 } // namespace
 
+QString ruleFaultText(RuleFault fault)
+{
+    static const char* const kReasons[] = {"",
+                                           "Colon not found",
+                                           "Method is blank",
+                                           "Unknown method specified",
+                                           "Dot separator not found",
+                                           "Slot name is blank",
+                                           "Object name is blank"};
+    Q_ASSERT(fault != RuleFault::None);
+    return QLatin1String("Method Control File Error: ") +
+           QLatin1String(kReasons[static_cast<std::size_t>(fault)]) + QLatin1String(" in line");
+}
+
 // Names are stripped of the same white space as the lines of an HTS file, and of nothing else, so
 // that every slot can be named.
-Status parseMethodRule(std::string_view line, MethodRule& rule)
+RuleFault parseMethodRule(std::string_view line, MethodRule& rule)
 {
     Q_ASSERT(!line.empty() && line.size() == stripped(line).size());
     const std::size_t colon = line.rfind(':');
     if (colon == std::string_view::npos)
-        return lineFailure("Colon not found", line);
+        return RuleFault::NoColon;
 
     const std::string_view word = stripped(line.substr(colon + 1));
     if (word.empty())
-        return lineFailure("Method is blank", line);
+        return RuleFault::NoMethod;
     const AggMethod* method = findMethodIgnoringCase(word);
     if (method == nullptr)
-        return lineFailure("Unknown method specified", line);
+        return RuleFault::UnknownMethod;
 
     // No method word has a dot, so the first dot is before the colon.
     const std::size_t dot = line.find('.');
     if (dot == std::string_view::npos)
-        return lineFailure("Dot separator not found", line);
+        return RuleFault::NoDot;
     const std::string_view slot = stripped(line.substr(dot + 1, colon - dot - 1));
     if (slot.empty())
-        return lineFailure("Slot name is blank", line);
+        return RuleFault::NoSlot;
     const std::string_view object = stripped(line.substr(0, dot));
     if (object.empty())
-        return lineFailure("Object name is blank", line);
+        return RuleFault::NoObject;
 
     rule = {object, slot, method};
-    return {};
+    return RuleFault::None;
 }
 
 MethodControl::HashedName::HashedName(std::string_view nameBytes)
@@ -113,7 +126,7 @@ MethodControl::HashedName::HashedName(std::string_view nameBytes)
 {
 }
 
-Status MethodControl::read(QIODevice& device)
+Status MethodControl::read(QIODevice& device, Observer* observer)
 {
     Q_ASSERT(device.isReadable() && m_rules.isEmpty());
     LineReader reader(device);
@@ -121,20 +134,24 @@ Status MethodControl::read(QIODevice& device)
         const std::string_view line = stripped(textBytes(reader.line()));
         if (line.empty())
             continue;
-        Status status = append(line);
-        if (!status.ok())
-            return status;
+        MethodRule rule;
+        const RuleFault fault = parseMethodRule(line, rule);
+        if (fault != RuleFault::None) {
+            if (observer != nullptr)
+                observer->badLine(reader.lineNumber(), line, fault);
+            return failureOf(fault, line);
+        }
+        const RuleId id = append(rule);
+        if (observer != nullptr)
+            observer->ruleRead(id, reader.lineNumber(), line);
     }
     fillBuckets();
     return {};
 }
 
-Status MethodControl::append(std::string_view line)
+RuleId MethodControl::append(const MethodRule& rule)
 {
-    MethodRule rule;
-    Status status = parseMethodRule(line, rule);
-    if (!status.ok())
-        return status;
+    const RuleId id = m_rules.size();
     const std::ptrdiff_t method = rule.method - aggMethods().data();
     Q_ASSERT(method >= 0 && method <= std::numeric_limits<char>::max());
     m_rules += static_cast<char>(method);
@@ -143,28 +160,28 @@ Status MethodControl::append(std::string_view line)
     ++m_ruleCount;
     m_hasRuleForAnyObject = m_hasRuleForAnyObject || rule.object == "*";
     m_hasRuleForAnySlot = m_hasRuleForAnySlot || rule.slot == "*";
-    return {};
+    return id;
 }
 
 void MethodControl::fillBuckets()
 {
     // Half of the buckets stays free, so that looking for what is not there is short.
     m_buckets.assign(2 * m_ruleCount + 1, kNoRule);
-    for (Position position = 0; position < m_rules.size();) {
-        std::string_view rest = namesAt(position);
+    for (RuleId rule = 0; rule < m_rules.size();) {
+        std::string_view rest = namesAt(rule);
         const HashedName object(takeName(rest));
         const HashedName slot(takeName(rest));
-        Position& bucket = m_buckets[bucketOf(object, slot)];
+        RuleId& bucket = m_buckets[bucketOf(object, slot)];
         if (bucket == kNoRule)
-            bucket = position;
-        position = m_rules.size() - static_cast<int>(rest.size());
+            bucket = rule;
+        rule = m_rules.size() - static_cast<int>(rest.size());
     }
 }
 
-// m_rules from the names of the rule at that position on.
-std::string_view MethodControl::namesAt(Position position) const
+// m_rules from the names of that rule on.
+std::string_view MethodControl::namesAt(RuleId rule) const
 {
-    const int start = position + 1; // after the method
+    const int start = rule + 1; // after the method
     return {m_rules.constData() + start, static_cast<std::size_t>(m_rules.size() - start)};
 }
 
@@ -189,27 +206,75 @@ std::size_t MethodControl::bucketOf(const HashedName& object, const HashedName& 
     return i;
 }
 
-MethodControl::Position MethodControl::find(const HashedName& object, const HashedName& slot) const
+RuleId MethodControl::find(const HashedName& object, const HashedName& slot) const
 {
     return m_buckets[bucketOf(object, slot)];
 }
 
-QString MethodControl::methodFor(const HtsSlot& slot) const
+// The one place where it is decided which rules match a slot: calls `take` with the first for each
+// combination of names, or kNoRule, in no order.
+template<typename Take>
+void MethodControl::forEachMatch(const HtsSlot& slot, Take take) const
 {
     if (m_buckets.empty())
-        return {};
+        return;
     const NameBytes objectName(slot.objectName);
     const NameBytes objectType(slot.objectType);
     const NameBytes slotName(slot.slotName);
     const HashedName any("*\n"); // every object or every slot
-    const auto firstFor = [&, object = HashedName(objectName.bytes()),
-                           type = HashedName(objectType.bytes())](const HashedName& name) {
-        const Position first = std::min(find(object, name), find(type, name));
-        return m_hasRuleForAnyObject ? std::min(first, find(any, name)) : first;
+    const auto takeFor = [&, object = HashedName(objectName.bytes()),
+                          type = HashedName(objectType.bytes())](const HashedName& name) {
+        take(find(object, name));
+        take(find(type, name));
+        if (m_hasRuleForAnyObject)
+            take(find(any, name));
     };
-    Position first = firstFor(HashedName(slotName.bytes()));
+    takeFor(HashedName(slotName.bytes()));
     if (m_hasRuleForAnySlot)
-        first = std::min(first, firstFor(any));
-    return first == kNoRule ? QString()
-                            : aggMethods()[static_cast<std::size_t>(m_rules[first])].word;
+        takeFor(any);
+}
+
+RuleId MethodControl::ruleFor(const HtsSlot& slot) const
+{
+    RuleId first = kNoRule;
+    forEachMatch(slot, [&first](RuleId rule) { first = std::min(first, rule); });
+    return first;
+}
+
+std::vector<RuleId> MethodControl::matchingRules(const HtsSlot& slot) const
+{
+    std::vector<RuleId> rules;
+    forEachMatch(slot, [&rules](RuleId rule) { rules.push_back(rule); });
+    std::sort(rules.begin(), rules.end());
+    rules.erase(std::unique(rules.begin(), rules.end()), rules.end());
+    if (!rules.empty() && rules.back() == kNoRule)
+        rules.pop_back();
+    return rules;
+}
+
+QString MethodControl::methodFor(const HtsSlot& slot) const
+{
+    const RuleId rule = ruleFor(slot);
+    return rule == kNoRule ? QString() : ruleAt(rule).method->word;
+}
+
+MethodRule MethodControl::ruleAt(RuleId rule) const
+{
+    Q_ASSERT(rule >= 0 && rule < m_rules.size());
+    std::string_view names = namesAt(rule);
+    const std::string_view object = takeName(names);
+    const std::string_view slot = takeName(names);
+    const auto withoutLineEnd = [](std::string_view name) {
+        return name.substr(0, name.size() - 1);
+    };
+    return {withoutLineEnd(object), withoutLineEnd(slot),
+            &aggMethods()[static_cast<std::size_t>(m_rules[rule])]};
+}
+
+RuleId MethodControl::firstLike(RuleId rule) const
+{
+    std::string_view names = namesAt(rule);
+    const HashedName object(takeName(names));
+    const HashedName slot(takeName(names));
+    return find(object, slot);
 }

@@ -22,9 +22,20 @@ struct MethodRule
     const AggMethod* method = nullptr;
 };
 
-// Reads a rule from a line of a control file, which is stripped and not empty. Fails with a message
-// that quotes the line; the rule is then unchanged.
-Status parseMethodRule(std::string_view line, MethodRule& rule);
+// Why a line of a control file is not a rule, in the order in which it is looked at.
+enum class RuleFault { None, NoColon, NoMethod, UnknownMethod, NoDot, NoSlot, NoObject };
+
+// Reads a rule from a line of a control file, which is stripped and not empty. The rule is
+// unchanged if the line is none.
+RuleFault parseMethodRule(std::string_view line, MethodRule& rule);
+
+// What is wrong with a line, as the message of a conversion begins: "Method Control File Error:
+// Colon not found in line".
+QString ruleFaultText(RuleFault fault);
+
+// A rule of a MethodControl. Rules are in the order of the file: an earlier one is less.
+using RuleId = int;
+constexpr RuleId kNoRule = std::numeric_limits<RuleId>::max();
 
 // The rules of a method control file: which aggregation method each slot gets. A rule is a line
 // "Object.Slot: method". Object or slot may be "*" for all; the object may be an object type, for
@@ -32,20 +43,34 @@ Status parseMethodRule(std::string_view line, MethodRule& rule);
 class MethodControl
 {
 public:
+    // Sees the lines of a control file while it is read, with their numbers, counted from 1.
+    class Observer
+    {
+    public:
+        virtual ~Observer() = default;
+        virtual void ruleRead(RuleId rule, qint64 lineNumber, std::string_view line) = 0;
+        virtual void badLine(qint64 lineNumber, std::string_view line, RuleFault fault) = 0;
+    };
+
     // Reads a whole control file, open for reading. Blank lines are skipped; reading ends at any
     // other line that is not a rule, and fails with a message that quotes it: there are then no
     // rules. To be called once. Throws std::bad_alloc for 2 GiB of names.
-    Status read(QIODevice& device);
+    Status read(QIODevice& device, Observer* observer = nullptr);
 
-    // The method word that the rules give to the slot, in canonical case (see aggmethods.h), or an
-    // empty text when no rule matches.
+    // The rule that applies to the slot: the first that matches it, or kNoRule.
+    RuleId ruleFor(const HtsSlot& slot) const;
+    // Its method word, in canonical case (see aggmethods.h); empty without a rule.
     QString methodFor(const HtsSlot& slot) const;
 
-private:
-    // A position in m_rules; kNoRule if there is no rule.
-    using Position = int;
-    static constexpr Position kNoRule = std::numeric_limits<Position>::max();
+    // The rule; its names are valid as long as the object.
+    MethodRule ruleAt(RuleId rule) const;
+    // The first rule for the same object and slot.
+    RuleId firstLike(RuleId rule) const;
+    // Of the rules that match the slot, the first for each combination of a name, a type and "*",
+    // in the order of the file.
+    std::vector<RuleId> matchingRules(const HtsSlot& slot) const;
 
+private:
     // The bytes of a name, as m_rules has them, and their hash.
     struct HashedName
     {
@@ -54,21 +79,24 @@ private:
         std::size_t hash;
     };
 
-    Status append(std::string_view line);
+    RuleId append(const MethodRule& rule);
+    template<typename Take>
+    void forEachMatch(const HtsSlot& slot, Take take) const;
     void fillBuckets();
     // The first rule for that object and slot.
-    Position find(const HashedName& object, const HashedName& slot) const;
+    RuleId find(const HashedName& object, const HashedName& slot) const;
     std::size_t bucketOf(const HashedName& object, const HashedName& slot) const;
-    std::string_view namesAt(Position position) const;
+    std::string_view namesAt(RuleId rule) const;
 
-    // The rules in the order of the file: the method as a byte, its index in the table; then the
-    // names of object and slot, in UTF-8 and each with a line end, which no name holds.
+    // The rules in the order of the file; the position of one is its RuleId: the method as a byte,
+    // its index in the table; then the names of object and slot, in UTF-8 and each with a line end,
+    // which no name holds.
     QByteArray m_rules;
     std::size_t m_ruleCount = 0;
     // A hash table of the first rules for each object and slot; empty until all have been read.
     // Those of the toolkit and the standard library allocate memory for each rule, which costs a
     // cache miss at each look-up, and a file has many slots.
-    std::vector<Position> m_buckets;
+    std::vector<RuleId> m_buckets;
     // Whether a rule is for "*".
     bool m_hasRuleForAnyObject = false;
     bool m_hasRuleForAnySlot = false;

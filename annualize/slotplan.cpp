@@ -16,6 +16,15 @@ SlotPlan::SlotPlan(const HtsSlot& slot, const QString& word)
 {
 }
 
+SlotPlan::SlotPlan(const HtsSlot& slot, const MethodControl& rules) : SlotPlan(slot, QString())
+{
+    rule = rules.ruleFor(slot);
+    if (rule == kNoRule)
+        return;
+    method = rules.ruleAt(rule).method;
+    methodWord = method->word;
+}
+
 bool SlotPlan::isAnnualized() const
 {
     const bool isUnsupported = method != nullptr && !method->isSupported();
@@ -43,15 +52,12 @@ HtsSlot SlotPlan::annualSlot(const HtsSlot& slot) const
     return annual;
 }
 
-Status SlotPlan::annualize(const HtsColumn& values, const ValueMap& valueMap, int yearCount,
-                           AggValues& aggValues, HtsColumn& annualValues) const
+Status SlotPlan::aggregate(const HtsColumn& values, const ValueMap& valueMap, int yearCount,
+                           AggValues& aggValues) const
 {
     Q_ASSERT(isAnnualized());
     QString message;
     if (!aggValues.aggregate(values, valueMap, yearCount, message))
         return failure(message);
-    if (method == nullptr)
-        return failure(kUnknownMethod);
-    annualValues = aggValues.results(*method);
-    return {};
+    return method == nullptr ? failure(kUnknownMethod) : Status();
 }

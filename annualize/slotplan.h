@@ -1,25 +1,21 @@
 #ifndef ANNUALIZE_SLOTPLAN_H
 #define ANNUALIZE_SLOTPLAN_H
 
-#include <QLatin1Char>
 #include <QString>
 
 #include "annualize/aggmethods.h"
 #include "annualize/aggvalues.h"
 #include "annualize/completeyears.h"
+#include "annualize/methodcontrol.h"
 #include "hts/htspackage.h"
 #include "hts/status.h"
-
-// A slot's name as users write it: "Object.Slot".
-inline QString fullSlotName(const QString& objectName, const QString& slotName)
-{
-    return objectName + QLatin1Char('.') + slotName;
-}
 
 // What happens to one slot of the input, decided when it is read in the first run: whether it gets
 // a place in the result, and by which method. Keeps only what later runs and the log need.
 struct SlotPlan
 {
+    // The slot gets its method from the first rule that matches it.
+    SlotPlan(const HtsSlot& slot, const MethodControl& rules);
     // `methodWord` is empty for a slot without a method.
     SlotPlan(const HtsSlot& slot, const QString& methodWord);
     SlotPlan() = default; // for containers
@@ -35,17 +31,17 @@ struct SlotPlan
     // that say so if the values are totals.
     HtsSlot annualSlot(const HtsSlot& slot) const;
 
-    // Sets `annualValues` to the results of the method for `values`. Only for a slot that
-    // isAnnualized(). `valueMap` and `yearCount` are what AggValues::aggregate takes; `aggValues`
-    // is a buffer. Fails when values and map differ in length, and with "Unknown method specified"
-    // for a word that is not a method.
-    Status annualize(const HtsColumn& values, const ValueMap& valueMap, int yearCount,
-                     AggValues& aggValues, HtsColumn& annualValues) const;
+    // Aggregates the values of the slot in one run, as AggValues::aggregate does. Only for a slot
+    // that isAnnualized(). Fails when values and map differ in length, and with "Unknown method
+    // specified" for a word that is not a method.
+    Status aggregate(const HtsColumn& values, const ValueMap& valueMap, int yearCount,
+                     AggValues& aggValues) const;
 
     QString objectName;
     QString slotName;
     QString methodWord;
     const AggMethod* method = nullptr; // null also for a word that is not a method
+    RuleId rule = kNoRule;             // that gives the method
     bool isSeries = false;
 };
 

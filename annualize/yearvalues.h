@@ -24,7 +24,7 @@ struct YearValues
         for (; first != last; ++first) {
             const double value = *first;
             if (!std::isfinite(value)) {
-                year.hasMissing = true;
+                ++year.missing;
                 continue;
             }
             year.sum += value;
@@ -39,11 +39,11 @@ struct YearValues
     double min() const { return m_usableMin > m_usableMax ? begin : m_usableMin; }
     double max() const { return m_usableMin > m_usableMax ? begin : m_usableMax; }
 
-    double sum = 0.0;       // of the usable values
-    std::int64_t count = 0; // of all values, missing or not
-    bool hasMissing = false;
-    double begin;     // the first value, missing or not
-    double end = 0.0; // the last value, missing or not
+    double sum = 0.0;         // of the usable values
+    std::int64_t count = 0;   // of all values, missing or not
+    std::int64_t missing = 0; // of the values that are not usable
+    double begin;             // the first value, missing or not
+    double end = 0.0;         // the last value, missing or not
 
 private:
     double m_usableMin = std::numeric_limits<double>::infinity();

@@ -6,11 +6,11 @@
 #include <QString>
 #include <QtGlobal>
 
-#include "check/findings.h"
-#include "check/rulecheck.h"
+#include "check/findinglist.h"
 
 class CsvWriter;
 class QIODevice;
+struct AggMethod;
 
 // How a file is checked.
 struct CheckOptions
@@ -39,10 +39,21 @@ struct YearPlan
     qint64 leftOutAtEnd = 0;
 };
 
+// What a conversion would do with one slot.
+struct PlannedSlot
+{
+    QString objectName;
+    QString slotName;
+    bool isSeries = false;
+    bool isConverted = false;
+    const AggMethod* method = nullptr; // null without a rule
+    qint64 ruleLine = 0;               // of the control file; 0 without a rule
+};
+
 // What was found in a file.
 struct CheckReport
 {
-    Findings findings;
+    FindingList findings;
     // The message with which a conversion fails; empty if it succeeds or never ends.
     QString conversionMessage;
     // Whether a conversion never ends, because it searches for the missing end of a table.
@@ -55,9 +66,9 @@ struct CheckReport
     qint64 slotCount = 0; // of the first run
 };
 
-// Reads an HTS file to its end, once, with the same reader as a conversion, and reports what is
-// wrong with it or may not be intended. Memory grows with the slots of one run, the timesteps of
-// two and the rules, not with the values.
+// Reads an HTS file to its end, once, in one walk with a conversion that judges it, and reports
+// what is wrong with it or may not be intended. Memory grows with the slots of one run, the
+// timesteps of two and the rules, not with the values.
 //
 //     QFile file(path);                        // open for reading, unbuffered
 //     CheckOptions options;

@@ -1,5 +1,7 @@
 #include "check/finding.h"
 
+#include "check/topic.h"
+
 const char* severityName(Severity severity)
 {
     switch (severity) {
@@ -13,201 +15,22 @@ const char* severityName(Severity severity)
     return "error";
 }
 
-const CodeInfo kCodes[kCodeCount] = {
-    {Code::PackagePreamble, Severity::Error, "package-preamble",
-     "The file ends, or has an empty line, before `END_PACKAGE_PREAMBLE`.",
-     "Remove the empty line, or get the whole file."},
-    {Code::RunPreamble, Severity::Error, "run-preamble",
-     "The file ends, or has an empty line, before `END_RUN_PREAMBLE`.",
-     "Remove the empty line, or get the whole file."},
-    {Code::TimestepLine, Severity::Error, "timestep-line",
-     "A line among the timesteps is not a date-time `yyyy-M-d h:mm`.",
-     "Compare the number of timestep lines with `time_steps:`; write the date-time as the format "
-     "has it."},
-    {Code::SlotPreamble, Severity::Error, "slot-preamble",
-     "The file ends, or has an empty line, before `END_SLOT_PREAMBLE` or `END_RUN`.",
-     "Look for a missing or additional line in the slots before it; remove an empty line."},
-    {Code::ColumnHeader, Severity::Error, "column-header",
-     "The lines `units: ` and `scale: ` do not follow the slot preamble.",
-     "Write both, in this order, each with a blank after the colon and a value."},
-    {Code::TableWithoutEnd, Severity::Error, "table-without-end",
-     "A table slot has no line `END_SLOT` after it: a conversion searches for it without end.",
-     "Add the line after the rows of the table."},
-    {Code::NoRuns, Severity::Error, "no-runs", "`number_of_runs:` is missing, or announces none.",
-     "Write the number of runs."},
-    {Code::FewerRuns, Severity::Error, "fewer-runs",
-     "The file has fewer runs than `number_of_runs:` announces.",
-     "Get the whole file, or correct the number."},
-    {Code::MoreRuns, Severity::Warning, "more-runs",
-     "The file has more runs than `number_of_runs:` announces; they are not converted.",
-     "Correct the number."},
-    {Code::TextAfterLastRun, Severity::Warning, "text-after-last-run",
-     "Text follows the last run; it is not read.", "Check whether it belongs to a run or a slot."},
-    {Code::NoObjectType, Severity::Warning, "no-object-type", "A slot has no object type.",
-     "Write the line `object_type: ` with a value."},
-    {Code::NoObjectName, Severity::Warning, "no-object-name", "A slot has no object name.",
-     "Write the line `object_name: ` with a value."},
-    {Code::NoSlotName, Severity::Warning, "no-slot-name", "A slot has no slot name.",
-     "Write the line `slot_name: ` with a value."},
-    {Code::UnknownUnit, Severity::Warning, "unknown-unit",
-     "`time_step_unit:` is missing or not a known word (`minute`, `hour`, `day`, `week`, `month`, "
-     "`year`, in lower case); it counts as a day.",
-     "Write the word as the format has it."},
-    {Code::NearSlotType, Severity::Warning, "near-slot-type",
-     "`slot_type: ` is nearly a known word; the slot is taken for one of a single value and left "
-     "out.",
-     "Write `SeriesSlot`, `TableSlot` or `ScalarSlot`."},
-    {Code::UnknownSlotType, Severity::Note, "unknown-slot-type",
-     "`slot_type: ` is not a known word; the slot is taken for one of a single value.",
-     "Nothing, if that is so."},
-    {Code::NearKey, Severity::Warning, "near-key",
-     "A line of a preamble is nearly a key or an end line, and is ignored.",
-     "Write the key as the format has it: letter case, no blank before the colon, a blank after it "
-     "in slot preambles."},
-    {Code::MisplacedLine, Severity::Warning, "misplaced-line",
-     "A line does not belong in the preamble, and is ignored: the line before it, mostly an end "
-     "line, is missing or in another place.",
-     "Look at the lines before it; indent no `END_RUN`."},
-    {Code::IgnoredLine, Severity::Note, "ignored-line",
-     "A line of a preamble begins with no key, and is ignored.", "Nothing, if it is a comment."},
-    {Code::RepeatedKey, Severity::Warning, "repeated-key",
-     "A preamble has a key twice, with different values; the last one counts.",
-     "Remove one of them."},
-    {Code::EndColumn, Severity::Warning, "end-column",
-     "There is another line instead of `END_COLUMN`; it is dropped.",
-     "Check whether the line is missing, in another place or misspelt; the next slot may have lost "
-     "a line."},
-    {Code::EndSlot, Severity::Warning, "end-slot",
-     "There is another line instead of `END_SLOT`; it is dropped.",
-     "Check whether the line is missing, in another place or misspelt; the next slot may have lost "
-     "a line."},
-    {Code::EndRun, Severity::Note, "end-run",
-     "`END_RUN` has an empty line before it, or text after it.", "Remove the line or the text."},
-    {Code::TooFewValues, Severity::Warning, "too-few-values",
-     "A slot has fewer values than its run has timesteps: end lines are read as values of 0, and "
-     "the next slot loses lines.",
-     "Find the missing value; every later one belongs to the timestep after it."},
-    {Code::TooManyValues, Severity::Warning, "too-many-values",
-     "A slot has more values than its run has timesteps; the last ones are left out.",
-     "Find the additional value; every later one belongs to the timestep before it."},
-    {Code::BlankValue, Severity::Warning, "blank-value",
-     "There is an empty line among the values; it counts as 0.",
-     "Write `NaN` for a missing value, or remove the line."},
-    {Code::MethodLine, Severity::Warning, "method-line",
-     "The method line does not follow the scale line directly, from its first byte on; it is read "
-     "as a value.",
-     "Remove the blank or the line before it."},
-    {Code::MethodKey, Severity::Note, "method-key",
-     "A line that begins with the letter m but not with `method: ` is taken for the method line.",
-     "Write the key as the format has it."},
-    {Code::TableRows, Severity::Warning, "table-rows",
-     "A table has fewer rows than `rows: ` announces: `END_SLOT` is read as a row, and what "
-     "follows is lost up to the next one.",
-     "Correct the number of rows."},
-    {Code::TableOverrun, Severity::Warning, "table-overrun",
-     "Lines of another slot or run are between a table's rows and the next `END_SLOT`; they are "
-     "lost.",
-     "Add the table's own `END_SLOT`."},
-    {Code::BadInteger, Severity::Warning, "bad-integer",
-     "A value that should be an integer is not one, and counts as 0.", "Write digits only."},
-    {Code::BadDate, Severity::Warning, "bad-date", "A value that should be a date-time is not one.",
-     "Write it as `yyyy-M-d h:mm`."},
-    {Code::BadScale, Severity::Warning, "bad-scale",
-     "The scale is not a number, and counts as 0; or it is 0 or not finite.",
-     "Write a number, with a decimal point."},
-    {Code::OddCharacter, Severity::Warning, "odd-character",
-     "A name or unit contains a tab, a control character or bytes that are not UTF-8.",
-     "Remove them; a rule of a control file would have to contain them too."},
-    {Code::NulByte, Severity::Warning, "nul-byte",
-     "A line other than a value contains a NUL byte; the rest of the line is lost.",
-     "Write the text without it; many NUL bytes mean that the file was damaged by a disk or a "
-     "copy."},
-    {Code::TextValue, Severity::Warning, "text-value",
-     "There is text instead of a number; it counts as 0.",
-     "Write a number with a decimal point and nothing else, or `NaN` for a missing value."},
-    {Code::InfiniteValue, Severity::Note, "infinite-value",
-     "A value is infinite, and counts as missing.", "Write `NaN`, or the number that is meant."},
-    {Code::Sentinel, Severity::Note, "sentinel",
-     "A number that often marks a missing value occurs repeatedly; it counts as a number.",
-     "Write `NaN` if it marks missing values."},
-    {Code::MissingValues, Severity::Note, "missing-values", "Values of a slot are missing.",
-     "Choose its method accordingly; `--counts` has the numbers for each year."},
-    {Code::AlreadyAnnual, Severity::Error, "already-annual",
-     "The unit of the timesteps is the year.", "There is nothing to convert."},
-    {Code::NoCompleteYear, Severity::Error, "no-complete-year",
-     "The timesteps contain no complete year.",
-     "Look at the end month, at `start:`, and at the first and the last timestep."},
-    {Code::StepMissing, Severity::Warning, "step-missing",
-     "Timesteps are missing between two others. Their year still counts as complete.",
-     "Add the timesteps, with `NaN` for their values."},
-    {Code::StepRepeated, Severity::Warning, "step-repeated", "A timestep occurs twice.",
-     "Remove one of them, with its values."},
-    {Code::StepBackwards, Severity::Warning, "step-backwards",
-     "A timestep is earlier than the one before it.",
-     "Put the timesteps in order, with their values."},
-    {Code::StepIrregular, Severity::Warning, "step-irregular",
-     "A timestep does not follow the one before it by the unit and `unit_quantity:`.",
-     "Correct the timestep or the unit."},
-    {Code::StartDiffers, Severity::Warning, "start-differs", "`start:` is not the first timestep.",
-     "Correct it: the years are counted from there."},
-    {Code::EarlyStart, Severity::Warning, "early-start",
-     "`start:` lies in an earlier year than the first timestep, so that a partial first year "
-     "counts as complete.",
-     "Write the first timestep as `start:`."},
-    {Code::EndDiffers, Severity::Warning, "end-differs", "`end:` is not the last timestep.",
-     "Check whether timesteps are missing; correct it."},
-    {Code::ShortYear, Severity::Warning, "short-year",
-     "A year counts as complete with fewer timesteps than it should have.",
-     "Add the timesteps, or do not use the year of the result."},
-    {Code::RunTiming, Severity::Error, "run-timing",
-     "A run has another `start:`, `end:` or number of timesteps than the first; such a file cannot "
-     "be converted.",
-     "Put the run in another file."},
-    {Code::RunSteps, Severity::Warning, "run-steps",
-     "A run has other timesteps than the first between the same ends; the years of the first are "
-     "used for it.",
-     "Put the run in another file."},
-    {Code::RunSlots, Severity::Warning, "run-slots",
-     "A run has another slot than the first run in the same place; the first run's slot gets its "
-     "values.",
-     "Put the slots of all runs in the same order."},
-    {Code::RunSlotCount, Severity::Warning, "run-slot-count",
-     "A run has more slots than the first; they are left out.", "Put the same slots in all runs."},
-    {Code::RunValues, Severity::Error, "run-values",
-     "A run has no slot, or one of another kind, in the place of a slot that is converted.",
-     "Put the same slots in all runs."},
-    {Code::RunUnits, Severity::Warning, "run-units",
-     "A slot has other units or another scale than in the first run, whose header is used for all "
-     "runs.",
-     "Convert the values to one unit."},
-    {Code::ControlUnreadable, Severity::Error, "control-unreadable",
-     "The method control file cannot be read.", "Correct the path or the permissions."},
-    {Code::ControlLine, Severity::Error, "control-line",
-     "A line of the control file is not a rule; all rules are lost.",
-     "Write the line as `Object.Slot: method`; there are no comments."},
-    {Code::RuleEncoding, Severity::Warning, "rule-encoding",
-     "A rule contains bytes that are not UTF-8; each counts as U+FFFD, and so fits any other such "
-     "byte.",
-     "Save the control file as UTF-8, and the HTS file too."},
-    {Code::NothingToConvert, Severity::Error, "nothing-to-convert", "No series slot has a method.",
-     "Write a rule for the slots that are to be converted."},
-    {Code::RuleUnmatched, Severity::Warning, "rule-unmatched", "A rule fits no slot.",
-     "Write the names as the file has them, letter case included."},
-    {Code::RuleShadowed, Severity::Warning, "rule-shadowed",
-     "A rule is never used, because an earlier one that is not more specific applies to all its "
-     "slots.",
-     "Put the specific rule first."},
-    {Code::RuleIdle, Severity::Note, "rule-idle",
-     "A rule is never used, because more specific ones apply to all its slots.",
-     "Nothing, if that is meant."},
-    {Code::RuleOnOtherSlot, Severity::Note, "rule-on-other-slot",
-     "A rule fits only slots that are not series; they are left out.", "Remove the rule."},
-    {Code::SlotWithoutRule, Severity::Note, "slot-without-rule",
-     "No rule fits a series slot; it is left out.", "Write a rule, if the slot is wanted."},
-    {Code::Salinity, Severity::Note, "salinity",
-     "A slot has the method `Salinity`, which is not supported; it is left out.",
-     "Choose another method, if the slot is wanted."},
-    {Code::DottedObject, Severity::Note, "dotted-object",
-     "The name of an object has a dot, so that a rule can reach it by its object type or `*` only.",
-     "Use the object type, or name the object without a dot."},
-};
+const std::vector<const Topic*>& findingTopics()
+{
+    static const std::vector<const Topic*> kTopics = {
+        &readingTopic(), &packageTopic(),  &preambleTopic(), &slotTopic(),    &valueTopic(),
+        &tableTopic(),   &timestepTopic(), &runTopic(),      &controlTopic(), &ruleTopic(),
+    };
+    return kTopics;
+}
+
+const FindingKind* findFindingKind(const QString& code)
+{
+    for (const Topic* topic : findingTopics()) {
+        for (const FindingKind* kind : topic->kinds) {
+            if (code == QLatin1String(kind->code))
+                return kind;
+        }
+    }
+    return nullptr;
+}

@@ -1,12 +1,8 @@
 #ifndef CHECK_FINDING_H
 #define CHECK_FINDING_H
 
-#include <cstddef>
-
 #include <QString>
 #include <QtGlobal>
-
-// What a check can find, and how bad it is.
 
 enum class Severity {
     Note,    // worth knowing
@@ -17,95 +13,19 @@ enum class Severity {
 // The word for a severity in reports: "note", "warning", "error".
 const char* severityName(Severity severity);
 
-// The kinds of findings, in the order of kCodes.
-enum class Code {
-    PackagePreamble,
-    RunPreamble,
-    TimestepLine,
-    SlotPreamble,
-    ColumnHeader,
-    TableWithoutEnd,
-    NoRuns,
-    FewerRuns,
-    MoreRuns,
-    TextAfterLastRun,
-    NoObjectType,
-    NoObjectName,
-    NoSlotName,
-    UnknownUnit,
-    NearSlotType,
-    UnknownSlotType,
-    NearKey,
-    MisplacedLine,
-    IgnoredLine,
-    RepeatedKey,
-    EndColumn,
-    EndSlot,
-    EndRun,
-    TooFewValues,
-    TooManyValues,
-    BlankValue,
-    MethodLine,
-    MethodKey,
-    TableRows,
-    TableOverrun,
-    BadInteger,
-    BadDate,
-    BadScale,
-    OddCharacter,
-    NulByte,
-    TextValue,
-    InfiniteValue,
-    Sentinel,
-    MissingValues,
-    AlreadyAnnual,
-    NoCompleteYear,
-    StepMissing,
-    StepRepeated,
-    StepBackwards,
-    StepIrregular,
-    StartDiffers,
-    EarlyStart,
-    EndDiffers,
-    ShortYear,
-    RunTiming,
-    RunSteps,
-    RunSlots,
-    RunSlotCount,
-    RunValues,
-    RunUnits,
-    ControlUnreadable,
-    ControlLine,
-    RuleEncoding,
-    NothingToConvert,
-    RuleUnmatched,
-    RuleShadowed,
-    RuleIdle,
-    RuleOnOtherSlot,
-    SlotWithoutRule,
-    Salinity,
-    DottedObject,
-};
-
-// One kind of finding. docs/htstool.md has the same table, and a test compares them.
-struct CodeInfo
+// What a check can find. Each kind is a constant in the file of its topic, beside the function that
+// finds it; the texts for people stand there, and nowhere else.
+struct FindingKind
 {
-    Code code;
     Severity severity;
     // Used in reports and by scripts, so its meaning never changes.
-    const char* name;
+    const char* code;
     const char* meaning;
     const char* advice;
 };
 
-constexpr std::size_t kCodeCount = static_cast<std::size_t>(Code::DottedObject) + 1;
-
-extern const CodeInfo kCodes[kCodeCount];
-
-inline const CodeInfo& infoOf(Code code)
-{
-    return kCodes[static_cast<std::size_t>(code)];
-}
+// The kind with that code, or null.
+const FindingKind* findFindingKind(const QString& code);
 
 // One thing that was found.
 struct Finding
@@ -113,12 +33,13 @@ struct Finding
     // The file to which `line` belongs.
     enum class File { Hts, Control };
 
-    Code code;
+    const FindingKind* kind;
     File file;
     qint64 line; // counted from 1
     QString text;
 
-    Severity severity() const { return infoOf(code).severity; }
+    Severity severity() const { return kind->severity; }
+    const char* code() const { return kind->code; }
 };
 
 #endif // CHECK_FINDING_H

@@ -7,12 +7,15 @@
 #include <QLatin1String>
 #include <QString>
 
+#include "hts/htsreader.h"
+
 // The lines that an HTS file has, by section.
 
-enum class Section { Package, Run, Slot };
-
 // Keys and end lines of a preamble. For a slot also "END_RUN", which may come in its place.
-const std::vector<QLatin1String>& knownLinesOf(Section section);
+const std::vector<QLatin1String>& knownLinesOf(HtsReader::Section section);
+
+// Whether a known line is an end line; otherwise it is a key.
+bool isEndLine(QLatin1String known);
 
 // The key without the blank after its colon, for reports.
 QString keyName(QLatin1String key);
@@ -24,9 +27,6 @@ bool isSlotLine(std::string_view line);
 // Whether `line` belongs to a place other than the preamble of `section`: it is a number, a
 // timestep, or begins with a key or is an end line of another section. The line is not one of
 // `section`.
-bool belongsElsewhere(std::string_view line, Section section);
-
-// Whether the line is a number (see lineToNumber) and nothing else.
-bool isNumberLine(std::string_view line);
+bool belongsElsewhere(std::string_view line, HtsReader::Section section);
 
 #endif // CHECK_KNOWNLINES_H

@@ -1,10 +1,9 @@
 #include "check/yearcounts.h"
 
-#include <algorithm>
-#include <cmath>
-
-#include "check/csvwriter.h"
+#include "annualize/conversion.h"
+#include "exchange/csvwriter.h"
 #include "hts/datetimetext.h"
+#include "hts/htswalk.h"
 
 void YearCounts::writeHeader(CsvWriter& writer)
 {
@@ -19,40 +18,37 @@ YearCounts::YearCounts(CsvWriter& writer, const QString& file)
 {
 }
 
-void YearCounts::beginRun(int runIndex, const HtsRun& run, const RunYears& years)
+void YearCounts::beginRun(const HtsWalk& walk, const Conversion& conversion)
 {
-    m_run = m_file + ',' + QByteArray::number(runIndex + 1) + ',';
-    if (run.trace != -1)
-        m_run += QByteArray::number(run.trace);
+    m_run = m_file + ',' + QByteArray::number(walk.runIndex() + 1) + ',';
+    if (walk.run().trace != -1)
+        m_run += QByteArray::number(walk.run().trace);
     m_yearEnds.clear();
-    for (const QString& timestep : years.years.timesteps)
+    for (const QString& timestep : conversion.runYears().timesteps)
         m_yearEnds.push_back(csvField(textToDateTime(timestep)));
-    m_years = &years;
 }
 
-void YearCounts::addSlot(const HtsSlot& slot, const std::vector<double>& values)
+void YearCounts::addSlot(HtsWalk& walk, const Conversion& conversion)
 {
-    Q_ASSERT(m_years != nullptr);
-    if (!slot.isSeries())
+    const HtsSlot& slot = walk.slot();
+    const CompleteYears& years = conversion.runYears();
+    if (!slot.isSeries() || !years.status.ok())
         return;
-    const int yearCount = m_years->yearCount();
-    m_counts.assign(static_cast<std::size_t>(yearCount), Year());
-    const std::size_t count = std::min(values.size(), m_years->valueMap.size());
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::int32_t number = m_years->valueMap[i];
-        if (number < 1 || number > yearCount)
-            continue;
-        Year& year = m_counts[static_cast<std::size_t>(number) - 1];
-        ++year.timesteps;
-        year.missing += std::isfinite(values[i]) ? 0 : 1;
+    const std::vector<YearValues>* counts = conversion.outcome().years;
+    if (counts == nullptr || !conversion.outcome().status.ok()) {
+        // The slot is not converted.
+        QString message;
+        m_aggValues.aggregate(walk.values(), years.valueMap, years.count(), message);
+        counts = &m_aggValues.years();
     }
+    Q_ASSERT(counts->size() == m_yearEnds.size());
     const QByteArray fields =
         m_run + ',' + csvField(slot.objectName) + ',' + csvField(slot.slotName);
-    for (std::size_t i = 0; i < m_counts.size(); ++i) {
+    for (std::size_t i = 0; i < counts->size(); ++i) {
         m_writer.addFields(fields);
         m_writer.addFields(m_yearEnds[i]);
-        m_writer.add(m_counts[i].timesteps);
-        m_writer.add(m_counts[i].missing);
+        m_writer.add(qint64((*counts)[i].count));
+        m_writer.add(qint64((*counts)[i].missing));
         m_writer.endRow();
     }
 }

@@ -6,14 +6,14 @@
 #include <QByteArray>
 #include <QString>
 
-#include "check/timecheck.h"
-#include "hts/htsrun.h"
-#include "hts/htsslot.h"
+#include "annualize/aggvalues.h"
 
+class Conversion;
 class CsvWriter;
+class HtsWalk;
 
-// Counts the timesteps and the missing values of every complete year of every series slot, and
-// writes a row for each: file, run, trace, object, slot, year end, timesteps, missing.
+// Writes the number of timesteps and of missing values of every complete year of every series slot,
+// a row for each: file, run, trace, object, slot, year end, timesteps, missing.
 class YearCounts
 {
 public:
@@ -23,25 +23,17 @@ public:
     // Writes the row of column names; to be called once for all files.
     static void writeHeader(CsvWriter& writer);
 
-    // To be called before the slots of a run; `runIndex` is counted from 0. The years must stay
-    // valid until the next run.
-    void beginRun(int runIndex, const HtsRun& run, const RunYears& years);
-    void addSlot(const HtsSlot& slot, const std::vector<double>& values);
+    // To be called with each run and each slot that the walk has read and the conversion has taken.
+    void beginRun(const HtsWalk& walk, const Conversion& conversion);
+    void addSlot(HtsWalk& walk, const Conversion& conversion);
 
 private:
-    struct Year
-    {
-        qint64 timesteps = 0;
-        qint64 missing = 0;
-    };
-
     CsvWriter& m_writer;
     // CSV fields: the file; file, run and trace; the end of each year.
     const QByteArray m_file;
     QByteArray m_run;
     std::vector<QByteArray> m_yearEnds;
-    const RunYears* m_years = nullptr;
-    std::vector<Year> m_counts; // a buffer
+    AggValues m_aggValues; // a buffer
 };
 
 #endif // CHECK_YEARCOUNTS_H

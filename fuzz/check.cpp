@@ -8,8 +8,8 @@
 
 #include "QsLog.h"
 #include "annualize/annualizehts.h"
-#include "check/csvexport.h"
-#include "check/csvwriter.h"
+#include "exchange/csvexport.h"
+#include "exchange/csvwriter.h"
 #include "check/filecheck.h"
 #include "fuzz/fuzzsupport.h"
 #include "fuzz/fuzztarget.h"

@@ -80,64 +80,78 @@ void readRows(HtsSlot& slot, const QString& value)
 }
 
 template<typename Model, QString Model::*field>
-constexpr HtsKey<Model> text(const char* key, bool (*isWritten)(const Model&) = always<Model>)
+constexpr HtsKey<Model> text(QLatin1String key, bool (*isWritten)(const Model&) = always<Model>,
+                             ValueKind kind = ValueKind::Text)
 {
-    return {QLatin1String(key), readTextField<Model, field>, isWritten,
-            writeTextField<Model, field>};
+    return {{key, kind}, readTextField<Model, field>, isWritten, writeTextField<Model, field>};
+}
+
+template<QString HtsSlot::*field>
+constexpr HtsKey<HtsSlot> name(QLatin1String key)
+{
+    return text<HtsSlot, field>(key, always<HtsSlot>, ValueKind::Name);
 }
 
 template<typename Model, int Model::*field>
-constexpr HtsKey<Model> integer(const char* key, bool (*isWritten)(const Model&) = always<Model>)
+constexpr HtsKey<Model> integer(QLatin1String key, bool (*isWritten)(const Model&) = always<Model>)
 {
-    return {QLatin1String(key), readInteger<Model, field>, isWritten, writeInteger<Model, field>};
+    return {{key, ValueKind::Integer},
+            readInteger<Model, field>,
+            isWritten,
+            writeInteger<Model, field>};
 }
 
 template<typename Model, QDateTime Model::*field>
-constexpr HtsKey<Model> dateTime(const char* key)
+constexpr HtsKey<Model> dateTime(QLatin1String key)
 {
-    return {QLatin1String(key), readDateTime<Model, field>, always<Model>,
+    return {{key, ValueKind::DateTime},
+            readDateTime<Model, field>,
+            always<Model>,
             writeDateTime<Model, field>};
 }
 
 } // namespace
 
 const std::array<HtsKey<HtsPackage>, 5> kPackageKeys = {{
-    text<HtsPackage, &HtsPackage::name>("name:"),
-    text<HtsPackage, &HtsPackage::owner>("owner:"),
-    text<HtsPackage, &HtsPackage::description>("description:"),
-    dateTime<HtsPackage, &HtsPackage::createDate>("create_date:"),
-    integer<HtsPackage, &HtsPackage::numberOfRuns>("number_of_runs:"),
+    text<HtsPackage, &HtsPackage::name>(QLatin1String("name:")),
+    text<HtsPackage, &HtsPackage::owner>(QLatin1String("owner:")),
+    text<HtsPackage, &HtsPackage::description>(QLatin1String("description:")),
+    dateTime<HtsPackage, &HtsPackage::createDate>(QLatin1String("create_date:")),
+    integer<HtsPackage, &HtsPackage::numberOfRuns>(QLatin1String("number_of_runs:")),
 }};
 
 const std::array<HtsKey<HtsRun>, 11> kRunKeys = {{
-    integer<HtsRun, &HtsRun::trace>("trace:", hasTrace),
-    dateTime<HtsRun, &HtsRun::start>("start:"),
-    dateTime<HtsRun, &HtsRun::end>("end:"),
-    text<HtsRun, &HtsRun::timeStepUnit>("time_step_unit:"),
-    integer<HtsRun, &HtsRun::unitQuantity>("unit_quantity:"),
-    integer<HtsRun, &HtsRun::timeStepCount>("time_steps:"),
-    integer<HtsRun, &HtsRun::timeStepCount>("timesteps:", never), // accepted second spelling
-    integer<HtsRun, &HtsRun::consecutive>("consecutive:"),
-    text<HtsRun, &HtsRun::slotSet>("slot_set:", unlessEmpty<HtsRun, &HtsRun::slotSet>),
-    text<HtsRun, &HtsRun::ruleSet>("rule_set:", unlessEmpty<HtsRun, &HtsRun::ruleSet>),
-    integer<HtsRun, &HtsRun::idxSequential>("idx_sequential:"),
+    integer<HtsRun, &HtsRun::trace>(QLatin1String("trace:"), hasTrace),
+    dateTime<HtsRun, &HtsRun::start>(kStartKey),
+    dateTime<HtsRun, &HtsRun::end>(kEndKey),
+    text<HtsRun, &HtsRun::timeStepUnit>(kUnitKey),
+    integer<HtsRun, &HtsRun::unitQuantity>(QLatin1String("unit_quantity:")),
+    integer<HtsRun, &HtsRun::timeStepCount>(QLatin1String("time_steps:")),
+    integer<HtsRun, &HtsRun::timeStepCount>(QLatin1String("timesteps:"),
+                                            never), // accepted second spelling
+    integer<HtsRun, &HtsRun::consecutive>(QLatin1String("consecutive:")),
+    text<HtsRun, &HtsRun::slotSet>(QLatin1String("slot_set:"),
+                                   unlessEmpty<HtsRun, &HtsRun::slotSet>),
+    text<HtsRun, &HtsRun::ruleSet>(QLatin1String("rule_set:"),
+                                   unlessEmpty<HtsRun, &HtsRun::ruleSet>),
+    integer<HtsRun, &HtsRun::idxSequential>(QLatin1String("idx_sequential:")),
 }};
 
 const std::array<HtsKey<HtsSlot>, 6> kSlotKeys = {{
-    text<HtsSlot, &HtsSlot::objectType>("object_type: "),
-    text<HtsSlot, &HtsSlot::objectName>("object_name: "),
-    text<HtsSlot, &HtsSlot::slotType>("slot_type: ", unlessEmpty<HtsSlot, &HtsSlot::slotType>),
-    text<HtsSlot, &HtsSlot::slotName>("slot_name: "),
-    {QLatin1String("rows: "), readRows, isTableSlot, writeInteger<HtsSlot, &HtsSlot::rows>},
-    integer<HtsSlot, &HtsSlot::cols>("cols: ", isTableSlot),
+    name<&HtsSlot::objectType>(kObjectTypeKey),
+    name<&HtsSlot::objectName>(kObjectNameKey),
+    text<HtsSlot, &HtsSlot::slotType>(kSlotTypeKey, unlessEmpty<HtsSlot, &HtsSlot::slotType>),
+    name<&HtsSlot::slotName>(kSlotNameKey),
+    {{QLatin1String("rows: "), ValueKind::Integer},
+     readRows,
+     isTableSlot,
+     writeInteger<HtsSlot, &HtsSlot::rows>},
+    integer<HtsSlot, &HtsSlot::cols>(QLatin1String("cols: "), isTableSlot),
 }};
 
 const QLatin1String kEndPackagePreamble("END_PACKAGE_PREAMBLE");
 const QLatin1String kEndRunPreamble("END_RUN_PREAMBLE");
 const QLatin1String kEndSlotPreamble("END_SLOT_PREAMBLE");
-const QLatin1String kUnitsKey("units: ");
-const QLatin1String kScaleKey("scale: ");
-const QLatin1String kMethodKey("method: ");
 const QLatin1String kEndColumn("END_COLUMN");
 const QLatin1String kEndSlot("END_SLOT");
 const QLatin1String kEndRun("END_RUN");

@@ -14,13 +14,27 @@ struct HtsPackage;
 struct HtsRun;
 struct HtsSlot;
 
-// One keyword line of a preamble: its key, how its value gets into the model, and how it is
-// written. Reader and writer use the same tables, in the same order.
-template<typename Model>
-struct HtsKey
+// What the value of a keyword line is read as.
+enum class ValueKind {
+    Text,
+    Name, // a text that rules of a control file or readers of the result refer to
+    Integer,
+    DateTime,
+    Real,
+};
+
+// A keyword line: its start, with the colon and, in slots, the blank after it.
+struct HtsKeyword
 {
-    // The start of the line, with the colon and, in slot preambles, the blank after it.
     QLatin1String key;
+    ValueKind kind;
+};
+
+// One keyword line of a preamble: how its value gets into the model, and how it is written. Reader
+// and writer use the same tables, in the same order.
+template<typename Model>
+struct HtsKey : HtsKeyword
+{
     void (*read)(Model& model, const QString& value);
     // Whether the writer writes the line for this model.
     bool (*isWritten)(const Model& model);
@@ -31,12 +45,23 @@ extern const std::array<HtsKey<HtsPackage>, 5> kPackageKeys;
 extern const std::array<HtsKey<HtsRun>, 11> kRunKeys;
 extern const std::array<HtsKey<HtsSlot>, 6> kSlotKeys;
 
+// Of the tables, those that are referred to elsewhere.
+inline constexpr QLatin1String kStartKey{"start:"};
+inline constexpr QLatin1String kEndKey{"end:"};
+inline constexpr QLatin1String kUnitKey{"time_step_unit:"};
+inline constexpr QLatin1String kObjectTypeKey{"object_type: "};
+inline constexpr QLatin1String kObjectNameKey{"object_name: "};
+inline constexpr QLatin1String kSlotTypeKey{"slot_type: "};
+inline constexpr QLatin1String kSlotNameKey{"slot_name: "};
+
+// The keyword lines of a column header.
+inline constexpr HtsKeyword kUnitsLine{QLatin1String("units: "), ValueKind::Name};
+inline constexpr HtsKeyword kScaleLine{QLatin1String("scale: "), ValueKind::Real};
+inline constexpr HtsKeyword kMethodLine{QLatin1String("method: "), ValueKind::Text};
+
 extern const QLatin1String kEndPackagePreamble;
 extern const QLatin1String kEndRunPreamble;
 extern const QLatin1String kEndSlotPreamble;
-extern const QLatin1String kUnitsKey;
-extern const QLatin1String kScaleKey;
-extern const QLatin1String kMethodKey;
 extern const QLatin1String kEndColumn;
 extern const QLatin1String kEndSlot;
 extern const QLatin1String kEndRun;

@@ -11,7 +11,7 @@
 #include "hts/htsslot.h"
 #include "hts/status.h"
 
-class HtsReader;
+class HtsWalk;
 class QIODevice;
 class QTextStream;
 
@@ -38,7 +38,7 @@ struct HtsPackage
     // read package preamble", "Cannot read run preamble", "Cannot read slot preamble", "Cannot read
     // HTS file: Missing units or scale". For a table slot without its line "END_SLOT" the call
     // never returns. To use a file section by section, without the whole of it in memory, see
-    // HtsReader.
+    // HtsWalk.
     Status read(QIODevice& device);
 
     // The steps of read(). Each leaves the device after the last line that it used. readPreamble()
@@ -84,7 +84,8 @@ struct HtsPackage
     HtsValues values;
 
 private:
-    Status readSlot(HtsReader& reader, int runIndex);
+    void append(HtsWalk& walk);
+    void appendSlot(HtsWalk& walk);
 };
 
 #endif // HTS_HTSPACKAGE_H

@@ -14,87 +14,69 @@ const QLatin1String kBadPackagePreamble("Cannot read package preamble");
 const QLatin1String kBadSlotPreamble("Cannot read slot preamble");
 const QLatin1String kBadColumnHeader("Cannot read HTS file: Missing units or scale");
 
+} // namespace
+
+HtsReader::HtsReader(QIODevice& device) : m_lines(device) {}
+
 // Reads a line and returns its text, which is valid until the next call.
-std::string_view readTextLine(LineReader& lines, HtsReader::Observer* observer)
+std::string_view HtsReader::readTextLine()
 {
-    const std::string_view line = lines.line();
+    const std::string_view line = m_lines.line();
     const std::string_view text = textBytes(line);
-    if (observer != nullptr && line.find('\0') != std::string_view::npos)
-        observer->cutLine(text);
+    if (line.find('\0') != std::string_view::npos)
+        notify(&Observer::cutLine, text);
     return text;
 }
 
 // Reads keyword lines until `endLine`. Returns false when an empty line, or the end of the input,
 // comes first. `texts` has one element for each key.
 template<typename Model, std::size_t count>
-bool readKeywordLines(LineReader& lines, HtsReader::Observer* observer,
-                      const std::array<HtsKey<Model>, count>& keys, QLatin1String endLine,
-                      std::array<RepeatedText, count>& texts, Model& model)
+bool HtsReader::readKeywordLines(const std::array<HtsKey<Model>, count>& keys,
+                                 QLatin1String endLine, std::array<RepeatedText, count>& texts,
+                                 Model& model)
 {
     for (;;) {
-        const std::string_view line = readTextLine(lines, observer);
+        const std::string_view line = readTextLine();
         if (line.empty()) {
-            if (observer != nullptr)
-                observer->unexpectedLine(endLine, line);
+            notify(&Observer::unexpectedLine, endLine, line);
             return false;
         }
         if (line == bytesOf(endLine))
             return true;
         std::string_view value = line;
         const HtsKey<Model>* key = takeAnyKey(keys, value);
-        if (key != nullptr)
-            key->read(model, texts[static_cast<std::size_t>(key - keys.data())].of(value));
-        if (observer == nullptr)
+        if (key == nullptr) {
+            notify(&Observer::ignoredLine, line);
             continue;
-        if (key != nullptr)
-            observer->keywordLine(key->key, value);
-        else
-            observer->ignoredLine(line);
+        }
+        key->read(model, texts[static_cast<std::size_t>(key - keys.data())].of(value));
+        notify(&Observer::keywordLine, *key, value);
     }
 }
-
-// Reads the rows of a table. One line can announce two billion of them. Past the end of the input
-// only a few are read: a table that is cut off cannot be converted anyway.
-void readTableRows(LineReader& lines, HtsSlot& slot, HtsReader::TableRows tableRows)
-{
-    constexpr int kMaxRowsPastTheEnd = 4096;
-    int rowsPastTheEnd = 0;
-    for (int row = 0; row < slot.rows && rowsPastTheEnd < kMaxRowsPastTheEnd; ++row) {
-        if (lines.atEnd())
-            ++rowsPastTheEnd;
-        const std::string_view line = lines.line();
-        if (tableRows == HtsReader::TableRows::Keep)
-            slot.tableRows.append(toText(textBytes(line)));
-    }
-}
-
-} // namespace
-
-HtsReader::HtsReader(QIODevice& device) : m_lines(device) {}
 
 Status HtsReader::readPackagePreamble(HtsPackage& package)
 {
+    notify(&Observer::sectionBegins, Section::PackagePreamble);
     std::array<RepeatedText, kPackageKeys.size()> texts;
     if (!package.preambleRead)
-        package.preambleRead = readKeywordLines(m_lines, m_observer, kPackageKeys,
-                                                kEndPackagePreamble, texts, package);
+        package.preambleRead = readKeywordLines(kPackageKeys, kEndPackagePreamble, texts, package);
     return package.preambleRead ? Status() : failure(kBadPackagePreamble);
 }
 
 Status HtsReader::readRun(HtsRun& run)
 {
+    notify(&Observer::sectionBegins, Section::Run);
     std::array<RepeatedText, kRunKeys.size()> texts;
     if (!run.complete)
-        run.complete = readKeywordLines(m_lines, m_observer, kRunKeys, kEndRunPreamble, texts, run);
+        run.complete = readKeywordLines(kRunKeys, kEndRunPreamble, texts, run);
     if (!run.complete)
         return failure(HtsRun::kBadPreamble);
     for (int step = 0; step < run.timeStepCount; ++step) {
-        const std::string_view line = readTextLine(m_lines, m_observer);
+        const std::string_view line = readTextLine();
         const QString timestep = toText(line);
         run.complete = isTimestepText(timestep);
         if (!run.complete) {
-            if (m_observer != nullptr)
-                m_observer->unexpectedLine(kTimestepFormat, line);
+            notify(&Observer::unexpectedLine, kTimestepFormat, line);
             return failure(HtsRun::kBadPreamble);
         }
         run.timesteps.append(timestep);
@@ -107,8 +89,8 @@ bool HtsReader::takeEndOfRun()
     if (!m_lines.nextIs(bytesOf(kEndRun)))
         return false;
     const std::string_view line = m_lines.line();
-    if (m_observer != nullptr && line != bytesOf(kEndRun))
-        m_observer->unexpectedLine(kEndRun, line);
+    if (line != bytesOf(kEndRun))
+        notify(&Observer::unexpectedLine, kEndRun, line);
     return true;
 }
 
@@ -131,51 +113,67 @@ Status HtsReader::readSlot(HtsSlot& slot, TableRows tableRows)
 
 Status HtsReader::readSlotPreamble(HtsSlot& slot, TableRows tableRows)
 {
+    notify(&Observer::sectionBegins, Section::Slot);
     if (!slot.preambleRead)
-        slot.preambleRead =
-            readKeywordLines(m_lines, m_observer, kSlotKeys, kEndSlotPreamble, m_slotTexts, slot);
-    // Also the rows of a table whose preamble is cut off.
-    if (slot.isTable() && tableRows != TableRows::Leave)
-        readTableRows(m_lines, slot, tableRows);
+        slot.preambleRead = readKeywordLines(kSlotKeys, kEndSlotPreamble, m_slotTexts, slot);
+    if (slot.preambleRead)
+        notify(&Observer::slotPreambleRead, slot);
+    // Also those of a table whose preamble is cut off.
+    if (slot.isTable())
+        readTableRows(slot, tableRows);
     return slot.preambleRead ? Status() : failure(kBadSlotPreamble);
+}
+
+// One line can announce two billion rows. Past the end of the input only a few are read: a table
+// that is cut off cannot be converted anyway.
+void HtsReader::readTableRows(HtsSlot& slot, TableRows tableRows)
+{
+    constexpr int kMaxRowsPastTheEnd = 4096;
+    int rowsPastTheEnd = 0;
+    for (int row = 0; row < slot.rows && rowsPastTheEnd < kMaxRowsPastTheEnd; ++row) {
+        if (m_lines.atEnd())
+            ++rowsPastTheEnd;
+        const std::string_view line = m_lines.line();
+        notify(&Observer::tableRow, slot, row, line);
+        if (tableRows == TableRows::Keep)
+            slot.tableRows.append(toText(textBytes(line)));
+    }
 }
 
 Status HtsReader::readColumnHeader(QString& units, double& scale, QString& method)
 {
-    std::string_view line = readTextLine(m_lines, m_observer);
-    const bool hasUnits = takeHeaderKey(line, kUnitsKey);
+    std::string_view line = readTextLine();
+    const bool hasUnits = takeHeaderKey(line, kUnitsLine);
     const QString unitsText = hasUnits ? m_unitsText.of(line) : QString();
-    line = readTextLine(m_lines, m_observer); // read even if the first line is wrong
-    if (!takeHeaderKey(line, kScaleKey) || !hasUnits)
+    line = readTextLine(); // read even if the first line is wrong
+    if (!takeHeaderKey(line, kScaleLine) || !hasUnits)
         return failure(kBadColumnHeader);
     units = unitsText;
     scale = toText(line).toDouble();
     // Any line that begins with this letter is taken for the method line, even a value line. The
     // key is not checked: as many characters as it has are removed from the line.
     if (m_lines.nextByteIs('m')) {
-        line = readTextLine(m_lines, m_observer);
-        method = toText(line).mid(kMethodKey.size());
-        takeHeaderKey(line, kMethodKey);
+        line = readTextLine();
+        method = toText(line).mid(kMethodLine.key.size());
+        takeHeaderKey(line, kMethodLine);
     }
     return {};
 }
 
 // Removes the key from a line of a column header, and reports the line to the observer.
-bool HtsReader::takeHeaderKey(std::string_view& line, QLatin1String key)
+bool HtsReader::takeHeaderKey(std::string_view& line, const HtsKeyword& keyword)
 {
-    const bool hasKey = takeKey(line, key);
-    if (m_observer == nullptr)
-        return hasKey;
+    const bool hasKey = takeKey(line, keyword.key);
     if (hasKey)
-        m_observer->keywordLine(key, line);
+        notify(&Observer::keywordLine, keyword, line);
     else
-        m_observer->unexpectedLine(key, line);
+        notify(&Observer::unexpectedLine, keyword.key, line);
     return hasKey;
 }
 
 void HtsReader::readValues(std::vector<double>& values)
 {
-    m_lines.readNumbers(values, m_observer);
+    m_lines.readNumbers(values, m_observers.empty() ? nullptr : this);
 }
 
 void HtsReader::skipValues(int count)
@@ -183,13 +181,27 @@ void HtsReader::skipValues(int count)
     m_lines.skipLines(count);
 }
 
+void HtsReader::readEndLines()
+{
+    for (const QLatin1String expected : {kEndColumn, kEndSlot}) {
+        const std::string_view line = m_lines.line();
+        notify(&Observer::endLine, expected, line);
+    }
+}
+
+bool HtsReader::skipTable(const HtsSlot& table, MissingTableEnd missingEnd)
+{
+    for (;;) {
+        if (missingEnd == MissingTableEnd::StopAtEndOfInput && m_lines.atEnd())
+            return false;
+        const std::string_view line = textBytes(m_lines.line());
+        if (line == bytesOf(kEndSlot))
+            return true;
+        notify(&Observer::lineAfterTable, table, line);
+    }
+}
+
 std::string_view HtsReader::readLine()
 {
     return m_lines.line();
-}
-
-void HtsReader::skipTable()
-{
-    while (textBytes(m_lines.line()) != bytesOf(kEndSlot)) {
-    }
 }

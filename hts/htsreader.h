@@ -13,67 +13,66 @@
 #include "hts/status.h"
 
 class QIODevice;
+struct HtsKeyword;
+template<typename Model>
+struct HtsKey;
 struct HtsPackage;
 struct HtsRun;
 struct HtsSlot;
 
-// Reads an HTS file section by section, in one pass; the caller's loop follows the order of the
-// file and decides what is kept. docs/hts-format.md describes the sections.
-//
-//     HtsReader reader(device);
-//     Status status = reader.readPackagePreamble(package);
-//     for (int r = 0; status.ok() && r < package.numberOfRuns; ++r) {
-//         HtsRun run;
-//         status = reader.readRun(run);                   // preamble and timesteps
-//         while (status.ok() && !reader.takeEndOfRun()) {
-//             HtsSlot slot;
-//             status = reader.readSlot(slot, HtsReader::TableRows::Skip);
-//             if (status.ok() && slot.isTable()) {
-//                 reader.skipTable();
-//             } else if (status.ok()) {
-//                 values.resize(slot.valueCount(run));    // a buffer for all slots
-//                 reader.readValues(values);
-//                 reader.readLine();                      // "END_COLUMN"
-//                 reader.readLine();                      // "END_SLOT"
-//             }
-//         }
-//     }
+// Reads the sections of an HTS file, one at a time and each once; docs/hts-format.md describes
+// them. HtsWalk calls it in the order of a file.
 //
 // The device is open for reading, in text mode or not, and may be sequential; nothing else may use
 // it while the reader exists. Once the reader is destroyed, the device's position is after the last
 // line used. On a pipe the reader does not wait for anything after the "END_RUN" line that
 // takeEndOfRun() read. Not safe to use from two threads at once.
-class HtsReader
+class HtsReader : private LineReader::OddLineObserver
 {
 public:
     explicit HtsReader(QIODevice& device);
 
-    // Sees the lines of preambles and column headers, and what the format tolerates silently, for
-    // programs that report it. It is not called for value lines that are plain numbers and for
-    // timestep lines, which it therefore does not slow down. Lines come without white space at both
-    // ends; during a call, lineNumber() is the number of the line.
+    // A section that is read by one function.
+    enum class Section { PackagePreamble, Run, Slot };
+
+    // Sees the lines of a file and what the format tolerates silently, for programs that report it.
+    // It is not called for value lines that are plain numbers and for timestep lines, which it
+    // therefore does not slow down. Lines come without white space at both ends; during a call,
+    // lineNumber() is the number of the line.
     class Observer : public LineReader::OddLineObserver
     {
     public:
+        // Before the first line of a section is read; lineNumber() is the one before it.
+        virtual void sectionBegins(Section) {}
         // A line of a preamble that begins with none of its keys.
-        virtual void ignoredLine(std::string_view line) = 0;
+        virtual void ignoredLine(std::string_view) {}
         // A keyword line of a preamble or a column header; the value is the rest of the line.
-        virtual void keywordLine(QLatin1String key, std::string_view value) = 0;
+        virtual void keywordLine(const HtsKeyword&, std::string_view) {}
+        // The preamble of a slot was read, its end line included.
+        virtual void slotPreambleRead(const HtsSlot&) {}
         // A line in the place of `expected`: of an end line, a key of a column header, or
         // kTimestepFormat. Reading then fails, unless `expected` is "method: " or "END_RUN": a
         // method line need only begin with the letter m, and an empty line before "END_RUN" ends
         // the run.
-        virtual void unexpectedLine(QLatin1String expected, std::string_view line) = 0;
+        virtual void unexpectedLine(QLatin1String, std::string_view) {}
         // A line with a NUL byte, which ends its text: the bytes from there on are lost. Comes
-        // before the call for what is left of the line, `text`.
-        virtual void cutLine(std::string_view text) = 0;
+        // before the call for what is left of the line.
+        virtual void cutLine(std::string_view) {}
+        // A line in the place of "END_COLUMN", and the next in the place of "END_SLOT"; neither is
+        // checked.
+        virtual void endLine(QLatin1String, std::string_view) {}
+        // A row of a table, counted from 0; then the lines after the rows, before "END_SLOT".
+        virtual void tableRow(const HtsSlot&, int, std::string_view) {}
+        virtual void lineAfterTable(const HtsSlot&, std::string_view) {}
+        void oddValueLine(std::size_t, qint64, std::string_view) override {}
     };
 
     // The form of a timestep line.
     static inline const QLatin1String kTimestepFormat{"yyyy-M-d h:mm"};
 
-    // The observer is not owned and outlives the reader; null for none.
-    void setObserver(Observer* observer) { m_observer = observer; }
+    // The observer is not owned and outlives the reader. Observers are called in the order in which
+    // they were added.
+    void addObserver(Observer& observer) { m_observers.push_back(&observer); }
 
     // Reads the package preamble. Fails with "Cannot read package preamble".
     Status readPackagePreamble(HtsPackage& package);
@@ -85,9 +84,8 @@ public:
     // Whether the next line is "END_RUN"; if so, reads it.
     bool takeEndOfRun();
 
-    // What happens to the rows of a table: they are stored in the slot, read and dropped, or left
-    // for the caller to read.
-    enum class TableRows { Keep, Skip, Leave };
+    // Whether the rows of a table are stored in the slot, or dropped.
+    enum class TableRows { Keep, Skip };
 
     // Reads the slot preamble and all else of the slot up to its values: the rows of a table; for
     // other slots the column header, as one entry each of units, scales and methods. Past the end
@@ -107,13 +105,20 @@ public:
     // Reads `count` value lines, none if it is negative, and drops them.
     void skipValues(int count);
 
-    // Reads one line without checking it, such as "END_COLUMN" or the row of a table, and returns
-    // it without white space at both ends. The view is valid until the next call.
-    std::string_view readLine();
+    // Reads the lines "END_COLUMN" and "END_SLOT", without checking them.
+    void readEndLines();
 
-    // Reads lines until one is "END_SLOT". Deliberately without a test for the end of the input: a
-    // table must end with that line, and without it the call never returns.
-    void skipTable();
+    // What happens where the input ends in the search for the end of a table.
+    enum class MissingTableEnd { SearchForever, StopAtEndOfInput };
+
+    // Reads the lines after the rows of `table`, to the first that is "END_SLOT". A table must end
+    // with that line; deliberately, there is no other end: without it the call returns never, or
+    // false, as `missingEnd` says.
+    bool skipTable(const HtsSlot& table, MissingTableEnd missingEnd);
+
+    // Reads one line, of any kind, and returns it without white space at both ends. The view is
+    // valid until the next call.
+    std::string_view readLine();
 
     // Number of the line that was read last, counted from 1; 0 before the first.
     qint64 lineNumber() const { return m_lines.lineNumber(); }
@@ -123,12 +128,27 @@ public:
     bool atEnd() { return m_lines.atEnd(); }
 
 private:
-    bool takeHeaderKey(std::string_view& line, QLatin1String key);
+    template<typename... Parameters, typename... Arguments>
+    void notify(void (Observer::*function)(Parameters...), const Arguments&... arguments)
+    {
+        for (Observer* observer : m_observers)
+            (observer->*function)(arguments...);
+    }
+    void oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line) override
+    {
+        notify(&Observer::oddValueLine, index, lineNumber, line);
+    }
+    std::string_view readTextLine();
+    template<typename Model, std::size_t count>
+    bool readKeywordLines(const std::array<HtsKey<Model>, count>& keys, QLatin1String endLine,
+                          std::array<RepeatedText, count>& texts, Model& model);
+    bool takeHeaderKey(std::string_view& line, const HtsKeyword& keyword);
+    void readTableRows(HtsSlot& slot, TableRows tableRows);
 
     LineReader m_lines;
     std::array<RepeatedText, 6> m_slotTexts; // one for each keyword of a slot
     RepeatedText m_unitsText;
-    Observer* m_observer = nullptr;
+    std::vector<Observer*> m_observers;
 };
 
 #endif // HTS_HTSREADER_H

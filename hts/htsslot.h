@@ -1,6 +1,7 @@
 #ifndef HTS_HTSSLOT_H
 #define HTS_HTSSLOT_H
 
+#include <QLatin1Char>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -10,6 +11,12 @@
 class QIODevice;
 class QTextStream;
 struct HtsRun;
+
+// A slot's name as users write it: "Object.Slot".
+inline QString fullSlotName(const QString& objectName, const QString& slotName)
+{
+    return objectName + QLatin1Char('.') + slotName;
+}
 
 // One slot of a package: its object, name and type, and the headers of its columns. A value type;
 // the values are in HtsPackage::values.

@@ -49,11 +49,11 @@ const HtsColumn& columnValues(const HtsValues& values, int run, int slot, int co
 void writeColumn(const HtsSlot& slot, int column, const HtsColumn& values, int rows,
                  LineWriter& lines, ScaleText& scaleText)
 {
-    lines << kUnitsKey << slot.units.value(column) << '\n';
-    lines << kScaleKey << scaleText.of(slot.scales.value(column)) << '\n';
+    lines << kUnitsLine.key << slot.units.value(column) << '\n';
+    lines << kScaleLine.key << scaleText.of(slot.scales.value(column)) << '\n';
     const QString method = slot.methods.value(column);
     if (!method.isEmpty())
-        lines << kMethodKey << method << '\n';
+        lines << kMethodLine.key << method << '\n';
     const auto available = static_cast<int>(values.size());
     for (int row = 0; row < rows; ++row) {
         const double missing = std::numeric_limits<double>::quiet_NaN();

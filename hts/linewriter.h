@@ -12,7 +12,7 @@ class QIODevice;
 // Writes text to a device as UTF-8, in large blocks. Independent of the locale.
 //
 //     LineWriter lines(device);
-//     lines << kUnitsKey << slot.units.value(0) << '\n';
+//     lines << kUnitsLine.key << slot.units.value(0) << '\n';
 //
 // The device is open for writing and outlives the object. Failed writes are ignored: whoever opened
 // the device checks its error afterwards.

@@ -262,6 +262,18 @@ double lineToNumber(std::string_view line)
     return toText(textBytes(text)).toDouble();
 }
 
+bool isNumberLine(std::string_view line)
+{
+    bool isNumber = false;
+    const double value = toText(textBytes(stripped(line))).toDouble(&isNumber);
+    if (isNumber || value != 0.0) // out of range is infinite, and not "a number"
+        return true;
+    // Too small for a double: 0 is what it is meant to be.
+    double ignored = 0.0;
+    const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), ignored);
+    return error == std::errc::result_out_of_range && end == line.data() + line.size();
+}
+
 char* writeNumber(char* out, double value)
 {
     if (!std::isfinite(value)) {

@@ -10,6 +10,9 @@
 // text that is not a number.
 double lineToNumber(std::string_view line);
 
+// Whether a line, after stripping, is a number and nothing else, if only too large or too small.
+bool isNumberLine(std::string_view line);
+
 // Reads a plain decimal number from the start of [first, last) and sets `value`. Returns where the
 // number ends, or `first`, with `value` unchanged, when it is not certain that the toolkit would
 // read the same number (a sign "+", a name such as "inf", out of range).

@@ -8,9 +8,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "check/csvwriter.h"
 #include "check/filecheck.h"
 #include "check/yearcounts.h"
+#include "exchange/csvwriter.h"
 #include "tool/jsonreport.h"
 #include "tool/outputfile.h"
 #include "tool/textreport.h"
@@ -21,7 +21,7 @@
 
 namespace {
 
-int exitCodeOf(const Findings& findings)
+int exitCodeOf(const FindingList& findings)
 {
     if (findings.count(Severity::Error) > 0)
         return ExitCode::kErrors;

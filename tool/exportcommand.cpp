@@ -1,6 +1,6 @@
 #include "tool/exportcommand.h"
 
-#include "check/csvexport.h"
+#include "exchange/csvexport.h"
 #include "tool/outputfile.h"
 #include "tool/toolfiles.h"
 #include "tool/toolio.h"

@@ -3,7 +3,10 @@
 #include <QJsonArray>
 #include <QJsonValue>
 
+#include "annualize/aggmethods.h"
 #include "check/filecheck.h"
+#include "check/topic.h"
+#include "hts/htsslot.h"
 #include "tool/textreport.h"
 #include "tool/toolio.h"
 
@@ -28,19 +31,21 @@ QJsonArray findingsOf(const CheckReport& report, const ReportNames& names)
             {key("file"), isControl ? names.control : names.file},
             {key("line"), finding.line},
             {key("severity"), key(severityName(finding.severity()))},
-            {key("code"), key(infoOf(finding.code).name)},
+            {key("code"), key(finding.code())},
             {key("text"), finding.text},
         });
     }
     return array;
 }
 
-QJsonObject countsOf(const Findings& findings)
+QJsonObject countsOf(const FindingList& findings)
 {
     QJsonObject counts;
-    for (const CodeInfo& info : kCodes) {
-        if (findings.count(info.code) > 0)
-            counts.insert(key(info.name), findings.count(info.code));
+    for (const Topic* topic : findingTopics()) {
+        for (const FindingKind* kind : topic->kinds) {
+            if (findings.count(*kind) > 0)
+                counts.insert(key(kind->code), findings.count(*kind));
+        }
     }
     return counts;
 }
@@ -68,9 +73,9 @@ QJsonObject planOf(const CheckReport& report)
     for (const PlannedSlot& slot : report.slotPlan) {
         const bool hasRule = slot.method != nullptr;
         planned.append(QJsonObject{
-            {key("slot"), slot.name},
+            {key("slot"), fullSlotName(slot.objectName, slot.slotName)},
             {key("series"), slot.isSeries},
-            {key("converted"), slot.isConverted()},
+            {key("converted"), slot.isConverted},
             {key("method"), hasRule ? QJsonValue(slot.method->word) : QJsonValue::Null},
             {key("ruleLine"), hasRule ? QJsonValue(slot.ruleLine) : QJsonValue::Null},
         });
@@ -82,7 +87,7 @@ QJsonObject planOf(const CheckReport& report)
 
 QJsonObject jsonReport(const CheckReport& report, const ReportNames& names, int exitCode)
 {
-    const Findings& findings = report.findings;
+    const FindingList& findings = report.findings;
     return {
         {key("file"), names.file},
         {key("problem"), QJsonValue::Null},

@@ -1,7 +1,9 @@
 #include "tool/textreport.h"
 
+#include "annualize/aggmethods.h"
 #include "check/filecheck.h"
-#include "check/quotedtext.h"
+#include "check/topic.h"
+#include "hts/htsslot.h"
 
 namespace {
 
@@ -18,7 +20,7 @@ const char* colourOf(Severity severity)
     return "\033[31m"; // red
 }
 
-QString severityText(Severity severity, bool hasColour)
+QString nameOf(Severity severity, bool hasColour)
 {
     const QLatin1String name(severityName(severity));
     if (!hasColour)
@@ -29,51 +31,45 @@ QString severityText(Severity severity, bool hasColour)
 QString findingLine(const Finding& finding, const ReportNames& names, bool hasColour)
 {
     const bool isControl = finding.file == Finding::File::Control;
-    return QStringLiteral("%1:%2: %3: %4 [%5]\n")
-        .arg(shown(isControl ? names.control : names.file), QString::number(finding.line),
-             severityText(finding.severity(), hasColour), finding.text,
-             QLatin1String(infoOf(finding.code).name));
+    return worded("%1:%2: ", isControl ? names.control : names.file, finding.line) +
+           nameOf(finding.severity(), hasColour) +
+           worded(": %1 [%2]\n", finding.text, finding.code());
 }
 
-QString restLine(const CodeInfo& info, qint64 rest, const ReportNames& names, bool hasColour)
+QString restLine(const FindingKind& kind, qint64 rest, const ReportNames& names, bool hasColour)
 {
-    return QStringLiteral("%1: %2: %3 more [%4]\n")
-        .arg(shown(names.file), severityText(info.severity, hasColour), QString::number(rest),
-             QLatin1String(info.name));
+    return worded("%1: ", names.file) + nameOf(kind.severity, hasColour) +
+           worded(": %1 more [%2]\n", rest, kind.code);
 }
 
-QString timestepCount(qint64 count)
+QString timesteps(qint64 count)
 {
-    return count == 1 ? QStringLiteral("1 timestep") : QStringLiteral("%1 timesteps").arg(count);
+    return worded(count == 1 ? "%1 timestep" : "%1 timesteps", count);
 }
 
-QString yearsLine(const YearPlan& years, const ReportNames& names)
+QString yearsText(const YearPlan& years)
 {
     if (years.count == 0)
-        return QStringLiteral("%1: plan: no years\n").arg(shown(names.file));
-    return QStringLiteral("%1: plan: %2 %3, from %4 to %5; left out: %6 at the start, %7 at the "
-                          "end\n")
-        .arg(shown(names.file), QString::number(years.count),
-             years.count == 1 ? QStringLiteral("year") : QStringLiteral("years"), years.first,
-             years.last, timestepCount(years.leftOutAtStart), timestepCount(years.leftOutAtEnd));
+        return QStringLiteral("no years");
+    return worded("%1 %2, from %3 to %4; left out: %5 at the start, %6 at the end", years.count,
+                  years.count == 1 ? "year" : "years", years.first, years.last,
+                  timesteps(years.leftOutAtStart), timesteps(years.leftOutAtEnd));
 }
 
-QString planOf(const PlannedSlot& slot)
+QString slotText(const PlannedSlot& slot)
 {
+    const QString name = fullSlotName(slot.objectName, slot.slotName);
     if (!slot.isSeries)
-        return QStringLiteral("left out, not a series");
+        return worded("%1: left out, not a series", name);
     if (slot.method == nullptr)
-        return QStringLiteral("left out, no rule");
-    const QString rule = QStringLiteral("%1, rule of line %2")
-                             .arg(slot.method->word, QString::number(slot.ruleLine));
-    return slot.isConverted() ? rule : QStringLiteral("left out, ") + rule;
+        return worded("%1: left out, no rule", name);
+    return worded("%1: %2%3, rule of line %4", name, slot.isConverted ? "" : "left out, ",
+                  slot.method->word, slot.ruleLine);
 }
 
 QString counted(qint64 count, Severity severity)
 {
-    return QStringLiteral("%1 %2%3").arg(QString::number(count),
-                                         QLatin1String(severityName(severity)),
-                                         count == 1 ? QString() : QStringLiteral("s"));
+    return worded("%1 %2%3", count, severityName(severity), count == 1 ? "" : "s");
 }
 
 } // namespace
@@ -83,30 +79,31 @@ QString textReport(const CheckReport& report, const ReportNames& names, bool has
     QString text;
     for (const Finding& finding : report.findings.sorted())
         text += findingLine(finding, names, hasColour);
-    for (const CodeInfo& info : kCodes) {
-        const qint64 rest = report.findings.count(info.code) - Findings::kMaxKeptPerCode;
-        if (rest > 0)
-            text += restLine(info, rest, names, hasColour);
+    for (const Topic* topic : findingTopics()) {
+        for (const FindingKind* kind : topic->kinds) {
+            const qint64 rest = report.findings.count(*kind) - FindingList::kMaxKeptPerKind;
+            if (rest > 0)
+                text += restLine(*kind, rest, names, hasColour);
+        }
     }
     if (names.control.isEmpty())
         return text;
-    text += yearsLine(report.years, names);
+    text += worded("%1: plan: %2\n", names.file, yearsText(report.years));
     for (const PlannedSlot& slot : report.slotPlan)
-        text += QStringLiteral("%1: plan: %2: %3\n")
-                    .arg(shown(names.file), shown(slot.name), planOf(slot));
+        text += worded("%1: plan: %2\n", names.file, slotText(slot));
     return text;
 }
 
 QString textSummary(const CheckReport& report, const ReportNames& names)
 {
-    const Findings& findings = report.findings;
-    QString text = shown(names.file) + QLatin1String(": ");
-    text += counted(findings.count(Severity::Error), Severity::Error) + QLatin1String(", ") +
-            counted(findings.count(Severity::Warning), Severity::Warning) + QLatin1String(", ") +
-            counted(findings.count(Severity::Note), Severity::Note);
+    const FindingList& findings = report.findings;
+    QString text = worded("%1: %2, %3, %4", names.file,
+                          counted(findings.count(Severity::Error), Severity::Error),
+                          counted(findings.count(Severity::Warning), Severity::Warning),
+                          counted(findings.count(Severity::Note), Severity::Note));
     if (report.neverEnds)
-        text += QStringLiteral("; a conversion never ends");
+        text += QLatin1String("; a conversion never ends");
     else if (!report.conversionMessage.isEmpty())
-        text += QStringLiteral("; a conversion fails: \"%1\"").arg(report.conversionMessage);
+        text += conversionFails(report.conversionMessage);
     return text + QLatin1Char('\n');
 }

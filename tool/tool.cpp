@@ -3,8 +3,9 @@
 #include <QIODevice>
 
 #include "QsLog.h"
-#include "check/quotedtext.h"
+#include "hts/quotedtext.h"
 #include "tool/checkcommand.h"
+#include "tool/explaincommand.h"
 #include "tool/exportcommand.h"
 #include "tool/toolio.h"
 #include "tool/tooloptions.h"
@@ -38,6 +39,8 @@ int runTool(const QStringList& arguments, const ToolIo& io)
         return showWrongUsage(options.text, io);
     case ToolOptions::Request::Check:
         return runCheck(options, io);
+    case ToolOptions::Request::Explain:
+        return runExplain(options, io);
     case ToolOptions::Request::Export:
         break;
     }

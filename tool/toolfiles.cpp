@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "check/quotedtext.h"
+#include "hts/quotedtext.h"
 #include "tool/toolio.h"
 #include "utils/checkedfile.h"
 #include "utils/processsetup.h"

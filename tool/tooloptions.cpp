@@ -4,6 +4,7 @@
 #include <QCommandLineParser>
 
 #include "annualize/months.h"
+#include "check/finding.h"
 
 namespace {
 
@@ -12,8 +13,9 @@ const QString kHelp =
                    "Says what is in an HTS file.\n"
                    "\n"
                    "Commands:\n"
-                   "  check   report what is wrong with a file, or may not be what is meant\n"
-                   "  export  write the values of a file as comma-separated values\n"
+                   "  check    report what is wrong with a file, or may not be what is meant\n"
+                   "  explain  say what the code of a finding means, and what to do\n"
+                   "  export   write the values of a file as comma-separated values\n"
                    "\n"
                    "Options:\n"
                    "  -h, --help     Show this text; after a command, its options.\n"
@@ -34,6 +36,18 @@ const QString kCheckHelp = QStringLiteral(
     "Exit code: 0 for nothing worse than notes, 1 for warnings, 2 for an error (a conversion\n"
     "fails or never ends), 3 for wrong usage, or a file or report that\n"
     "cannot be opened, read or written.\n");
+
+const QString kExplainHelp = QStringLiteral(
+    "Usage: htstool explain CODE...\n"
+    "       htstool explain --all\n"
+    "Says what the codes of findings mean, and what to do.\n"
+    "\n"
+    "Options:\n"
+    "  -a, --all            Explain all codes, by topic.\n"
+    "  -f, --format FORMAT  text, or markdown for a table; text if not given.\n"
+    "  -h, --help           Show this text.\n"
+    "\n"
+    "Exit code: 0 for success, 3 for wrong usage or output that cannot be written.\n");
 
 const QString kExportHelp = QStringLiteral(
     "Usage: htstool export [OPTIONS] -o OUT.csv FILE\n"
@@ -90,13 +104,14 @@ QCommandLineOption option(const char* names, const char* value = nullptr)
                               QString::fromLatin1(value));
 }
 
-// Returns false for a word that is not a format.
-bool setFormat(const QString& word, ToolOptions& options)
+// Returns false for a word that is not a format of the command.
+bool setFormat(const QString& word, ToolOptions::Format otherFormat, const char* otherWord,
+               ToolOptions& options)
 {
-    const bool isJson = word == QLatin1String("json");
-    if (isJson)
-        options.format = ToolOptions::Format::Json;
-    return isJson || word == QLatin1String("text");
+    const bool isOther = word == QLatin1String(otherWord);
+    if (isOther)
+        options.format = otherFormat;
+    return isOther || word == QLatin1String("text");
 }
 
 // The argument that has a month attached to -y, which a conversion would ignore; empty if none has.
@@ -149,7 +164,8 @@ ToolOptions parseCheck(const QStringList& arguments)
             return invalid(
                 QStringLiteral("the month \"%1\" is not one of 1 to 12").arg(parser.value(month)));
     }
-    if (parser.isSet(format) && !setFormat(parser.value(format), options))
+    if (parser.isSet(format) &&
+        !setFormat(parser.value(format), ToolOptions::Format::Json, "json", options))
         return invalid(
             QStringLiteral("the format \"%1\" is not text or json").arg(parser.value(format)));
     options.countsPath = parser.value(counts);
@@ -192,6 +208,48 @@ ToolOptions parseExport(const QStringList& arguments)
     return options;
 }
 
+ToolOptions parseExplain(const QStringList& arguments)
+{
+    Command command;
+    QCommandLineParser& parser = command.parser;
+    const QCommandLineOption all = option("a all");
+    const QCommandLineOption format = option("f format", "FORMAT");
+    parser.addOptions({all, format});
+    const bool isValid = parser.parse(arguments);
+    if (parser.isSet(command.help))
+        return showing(kExplainHelp);
+    if (parser.isSet(command.version))
+        return showing(kVersion);
+    if (!isValid)
+        return invalid(parser.errorText());
+
+    ToolOptions options;
+    options.request = ToolOptions::Request::Explain;
+    options.codes = parser.positionalArguments();
+    options.isForAll = parser.isSet(all);
+    if (options.isForAll != options.codes.isEmpty())
+        return invalid(QStringLiteral("explain needs either codes or --all"));
+    for (const QString& code : qAsConst(options.codes)) {
+        if (findFindingKind(code) == nullptr)
+            return invalid(
+                QStringLiteral("\"%1\" is not a code; htstool explain --all lists them").arg(code));
+    }
+    if (parser.isSet(format) &&
+        !setFormat(parser.value(format), ToolOptions::Format::Markdown, "markdown", options))
+        return invalid(
+            QStringLiteral("the format \"%1\" is not text or markdown").arg(parser.value(format)));
+    return options;
+}
+
+struct ToolCommand
+{
+    const char* name;
+    ToolOptions (*parse)(const QStringList& arguments);
+};
+
+const ToolCommand kCommands[] = {
+    {"check", parseCheck}, {"explain", parseExplain}, {"export", parseExport}};
+
 } // namespace
 
 ToolOptions parseToolOptions(const QStringList& arguments)
@@ -201,12 +259,14 @@ ToolOptions parseToolOptions(const QStringList& arguments)
         return showing(kHelp);
     if (command == QLatin1String("-v") || command == QLatin1String("--version"))
         return showing(kVersion);
-    if (command != QLatin1String("check") && command != QLatin1String("export"))
-        return invalid(command.isEmpty()
-                           ? QStringLiteral("no command is given")
-                           : QStringLiteral("\"%1\" is not one of the commands check and export")
-                                 .arg(command));
     // The parser ignores the first argument, which should be the program's name: here the command.
-    const QStringList rest = arguments.mid(1);
-    return command == QLatin1String("check") ? parseCheck(rest) : parseExport(rest);
+    for (const ToolCommand& known : kCommands) {
+        if (command == QLatin1String(known.name))
+            return known.parse(arguments.mid(1));
+    }
+    return invalid(
+        command.isEmpty()
+            ? QStringLiteral("no command is given")
+            : QStringLiteral("\"%1\" is not one of the commands check, explain and export")
+                  .arg(command));
 }

@@ -12,8 +12,9 @@ struct ToolOptions
         Invalid, // what is wrong with the arguments, in `text`
         Check,
         Export,
+        Explain,
     };
-    enum class Format { Text, Json };
+    enum class Format { Text, Json, Markdown };
 
     Request request = Request::Invalid;
     QString text;
@@ -31,6 +32,10 @@ struct ToolOptions
     QString outputPath; // "-" is the standard output
     bool isWide = false;
     int run = 0; // counted from 1; 0 for all
+
+    // For an explanation.
+    QStringList codes;
+    bool isForAll = false;
 };
 
 // Parses the arguments; the first is the program's name.

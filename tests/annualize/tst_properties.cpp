@@ -17,8 +17,8 @@
 
 #include "QsLog.h"
 #include "annualize/aggvalues.h"
-#include "annualize/annualization.h"
 #include "annualize/annualizehts.h"
+#include "annualize/conversion.h"
 #include "hts/datetimetext.h"
 #include "tests/annualize/randomcase.h"
 #include "tests/hts/packagecompare.h"
@@ -334,11 +334,11 @@ QString PropertiesTest::convert(const RandomCase& conversion, const QByteArray& 
     QBuffer source;
     source.setData(file);
     source.open(QIODevice::ReadOnly);
-    Annualization annualization(controlPath(), conversion.endMonth);
-    Status status = annualization.read(source);
+    Conversion engine([this] { return readControlFile(controlPath()); }, conversion.endMonth);
+    Status status = readConversion(source, engine);
     if (status.ok())
-        status = annualization.report();
-    output = annualization.annualPackage();
+        status = engine.report();
+    output = engine.annualPackage();
     return status.message;
 }
 

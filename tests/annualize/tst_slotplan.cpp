@@ -126,32 +126,27 @@ void SlotPlanTest::wordThatIsNotAMethodEndsTheConversion_data()
 void SlotPlanTest::wordThatIsNotAMethodEndsTheConversion()
 {
     QFETCH(QString, word);
-    AggValues buffer;
-    HtsColumn result;
+    AggValues aggregated;
     const Status status =
-        SlotPlan(seriesSlot(), word).annualize({1.0, 2.0, 3.0}, {1, 1, 2}, 2, buffer, result);
+        SlotPlan(seriesSlot(), word).aggregate({1.0, 2.0, 3.0}, {1, 1, 2}, 2, aggregated);
     QCOMPARE(status.message, QStringLiteral("Unknown method specified"));
-    QVERIFY(result.empty());
 }
 
 void SlotPlanTest::slotWithoutValuesEndsTheRun()
 {
-    AggValues buffer;
-    HtsColumn result;
+    AggValues aggregated;
     const Status status =
-        SlotPlan(seriesSlot(), QStringLiteral("Sum")).annualize({}, {1, 1, 2}, 2, buffer, result);
+        SlotPlan(seriesSlot(), QStringLiteral("Sum")).aggregate({}, {1, 1, 2}, 2, aggregated);
     QCOMPARE(status.message,
              QStringLiteral("Sizes of input value and value map vectors are mismatched"));
 }
 
 void SlotPlanTest::annualizesByTheMethod()
 {
-    AggValues buffer;
-    HtsColumn result{17.0};
-    const Status status = SlotPlan(seriesSlot(), QStringLiteral("Max"))
-                              .annualize({1.0, 2.0, 3.0}, {1, 1, 2}, 2, buffer, result);
-    QCOMPARE(status.message, QString());
-    QCOMPARE(result, (HtsColumn{2.0, 3.0}));
+    AggValues aggregated;
+    const SlotPlan plan(seriesSlot(), QStringLiteral("Max"));
+    QCOMPARE(plan.aggregate({1.0, 2.0, 3.0}, {1, 1, 2}, 2, aggregated).message, QString());
+    QCOMPARE(aggregated.results(*plan.method), (HtsColumn{2.0, 3.0}));
 }
 
 QTEST_GUILESS_MAIN(SlotPlanTest)

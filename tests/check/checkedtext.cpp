@@ -47,14 +47,14 @@ CheckReport checkedFile(const QString& path, const QString& controlPath, int end
     return checkFile(file, optionsOf(controlPath, endMonth));
 }
 
-QStringList findingTexts(const Findings& findings)
+QStringList findingTexts(const FindingList& findings)
 {
     QStringList texts;
     for (const Finding& finding : findings.sorted()) {
         const bool isControl = finding.file == Finding::File::Control;
         texts.append(QLatin1String(isControl ? "control " : "") + QString::number(finding.line) +
-                     QLatin1String(": ") + QLatin1String(infoOf(finding.code).name) +
-                     QLatin1String(": ") + finding.text);
+                     QLatin1String(": ") + QLatin1String(finding.code()) + QLatin1String(": ") +
+                     finding.text);
     }
     return texts;
 }

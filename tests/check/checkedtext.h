@@ -15,7 +15,7 @@ CheckReport checkedText(const QByteArray& text, const QString& controlPath = {},
 CheckReport checkedFile(const QString& path, const QString& controlPath = {}, int endMonth = 12);
 
 // The findings as "12: code: text", of the control file as "control 3: code: text".
-QStringList findingTexts(const Findings& findings);
+QStringList findingTexts(const FindingList& findings);
 
 // The outcome of a conversion of a text.
 struct ConvertedText

@@ -66,7 +66,7 @@ Inputs inputsOf(quint32 seed)
     return inputs;
 }
 
-bool hasErrorWith(const Findings& findings, const QString& message)
+bool hasErrorWith(const FindingList& findings, const QString& message)
 {
     for (const Finding& finding : findings.sorted()) {
         if (finding.severity() == Severity::Error && finding.text.contains(message))

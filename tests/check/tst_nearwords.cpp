@@ -3,7 +3,8 @@
 #include "check/knownlines.h"
 #include "check/nearwords.h"
 #include "check/numberhint.h"
-#include "check/quotedtext.h"
+#include "hts/numbertext.h"
+#include "hts/quotedtext.h"
 
 namespace {
 
@@ -147,13 +148,13 @@ void NearWordsTest::nearestKeyOfALine()
 {
     QFETCH(QString, line);
     QFETCH(QString, key);
-    QCOMPARE(QString(nearestKey(bytesOfText(line), knownLinesOf(Section::Slot))), key);
+    QCOMPARE(QString(nearestKey(bytesOfText(line), knownLinesOf(HtsReader::Section::Slot))), key);
 }
 
 // time_step_unit, which "time_step" is the beginning of, comes first.
 void NearWordsTest::prefersATypoToACutKey()
 {
-    QCOMPARE(QString(nearestKey("time_step:12", knownLinesOf(Section::Run))),
+    QCOMPARE(QString(nearestKey("time_step:12", knownLinesOf(HtsReader::Section::Run))),
              QStringLiteral("time_steps:"));
 }
 

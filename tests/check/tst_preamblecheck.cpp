@@ -2,7 +2,6 @@
 
 #include <QtTest>
 
-#include "check/findings.h"
 #include "tests/check/checkedtext.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include "check/findings.h"
+#include "check/findinglist.h"
 #include "tests/check/checkedtext.h"
 #include "tests/support/wholefile.h"
 
@@ -181,7 +181,7 @@ void ReliabilityDocTest::rowsInItalicsNameTheirCodes()
             const CheckReport report = checkedText(text);
             bool isNamed = false;
             for (const Finding& finding : report.findings.sorted()) {
-                const QString code = QString::fromUtf8(infoOf(finding.code).name);
+                const QString code = QString::fromUtf8(finding.code());
                 isNamed = isNamed || codes.contains(code);
                 if (codes.contains(code))
                     found.insert(code);

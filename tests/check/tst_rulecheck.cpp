@@ -4,28 +4,51 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include "check/findings.h"
-#include "check/rulecheck.h"
+#include "annualize/aggmethods.h"
 #include "tests/check/checkedtext.h"
 
 namespace {
 
-HtsSlot slotOf(const char* type, const char* object, const char* name, const char* kind = "")
+struct Slot
 {
-    HtsSlot slot;
-    slot.objectType = QString::fromLatin1(type);
-    slot.objectName = QString::fromLatin1(object);
-    slot.slotName = QString::fromLatin1(name);
-    slot.slotType = QString::fromLatin1(kind);
-    return slot;
-}
-
-const QVector<HtsSlot> kSlots = {
-    slotOf("Reservoir", "Upper Lake", "Outflow"),
-    slotOf("Reservoir", "Lower Lake", "Outflow"),
-    slotOf("Gauge", "Mill", "Flow.Daily"),
-    slotOf("Gauge", "Mill", "Area", "ScalarSlot"),
+    QByteArray objectType;
+    QByteArray objectName;
+    QByteArray slotName;
+    QByteArray slotType = {};
 };
+
+const QString kNothing =
+    QStringLiteral("end: nothing-to-convert: no series slot has a method; a conversion fails: \"No "
+                   "series slots with valid methods found in input HTS file\"");
+
+const QVector<Slot> kSlots = {
+    {"Reservoir", "Upper Lake", "Outflow"},
+    {"Reservoir", "Lower Lake", "Outflow"},
+    {"Gauge", "Mill", "Flow.Daily"},
+    {"Gauge", "Mill", "Area", "ScalarSlot"},
+};
+
+// A file with one year and these slots. Appends the line of each slot to `lines`.
+QByteArray fileOf(const QVector<Slot>& slotList, QVector<qint64>& lines)
+{
+    QByteArray text = "number_of_runs:1\nEND_PACKAGE_PREAMBLE\n"
+                      "start:2000-1-31 24:00\nend:2000-12-31 24:00\ntime_step_unit:month\n"
+                      "time_steps:12\nEND_RUN_PREAMBLE\n"
+                      "2000-1-31 24:00\n2000-2-29 24:00\n2000-3-31 24:00\n2000-4-30 24:00\n"
+                      "2000-5-31 24:00\n2000-6-30 24:00\n2000-7-31 24:00\n2000-8-31 24:00\n"
+                      "2000-9-30 24:00\n2000-10-31 24:00\n2000-11-30 24:00\n2000-12-31 24:00\n";
+    for (const Slot& slot : slotList) {
+        lines.append(text.count('\n') + 1);
+        text += "object_type: " + slot.objectType + "\nobject_name: " + slot.objectName +
+                "\nslot_name: " + slot.slotName + '\n';
+        if (!slot.slotType.isEmpty())
+            text += "slot_type: " + slot.slotType + '\n';
+        text += "END_SLOT_PREAMBLE\nunits: cms\nscale: 1\n" +
+                QByteArray("1\n").repeated(slot.slotType.isEmpty() ? 12 : 1) +
+                "END_COLUMN\nEND_SLOT\n";
+    }
+    return text + "END_RUN\n";
+}
 
 } // namespace
 
@@ -43,18 +66,37 @@ private Q_SLOTS:
     void nearestNameIsFoundAmongManySlots();
 
 private:
-    QString write(const QByteArray& rules) const;
+    CheckReport check(const QByteArray& rules, const QByteArray& file) const;
+    QStringList findings(const QByteArray& rules, const QVector<Slot>& slotList) const;
 
     QTemporaryDir m_folder;
 };
 
-QString RuleCheckTest::write(const QByteArray& rules) const
+CheckReport RuleCheckTest::check(const QByteArray& rules, const QByteArray& file) const
 {
     const QString path = m_folder.filePath(QStringLiteral("c.txt"));
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(rules) != rules.size())
+    QFile control(path);
+    if (!control.open(QIODevice::WriteOnly) || control.write(rules) != rules.size())
         qFatal("cannot write %s", qPrintable(path));
-    return path;
+    control.close();
+    return checkedText(file, path);
+}
+
+// With the number of the slot, counted from 1, instead of its line, and "end" for the last line.
+QStringList RuleCheckTest::findings(const QByteArray& rules, const QVector<Slot>& slotList) const
+{
+    QVector<qint64> lines;
+    const QByteArray file = fileOf(slotList, lines);
+    QStringList texts = findingTexts(check(rules, file).findings);
+    for (QString& text : texts) {
+        const QString line = text.section(QLatin1Char(':'), 0, 0);
+        const int slot = lines.indexOf(line.toLongLong());
+        if (slot >= 0)
+            text.replace(0, line.size(), QString::number(slot + 1));
+        else if (line.toLongLong() == file.count('\n'))
+            text.replace(0, line.size(), QStringLiteral("end"));
+    }
+    return texts;
 }
 
 void RuleCheckTest::findsInRules_data()
@@ -124,20 +166,15 @@ void RuleCheckTest::findsInRules_data()
     row("empty", "",
         {QStringLiteral("1: slot-without-rule: no rule fits Upper Lake.Outflow, which is left out"),
          QStringLiteral("2: slot-without-rule: no rule fits Lower Lake.Outflow, which is left out"),
-         QStringLiteral("3: slot-without-rule: no rule fits Mill.Flow.Daily, which is left out")});
+         QStringLiteral("3: slot-without-rule: no rule fits Mill.Flow.Daily, which is left out"),
+         kNothing});
 }
 
 void RuleCheckTest::findsInRules()
 {
     QFETCH(QByteArray, rules);
     QFETCH(QStringList, findings);
-    Findings found;
-    RuleCheck check(found);
-    check.read(write(rules));
-    for (int s = 0; s < kSlots.size(); ++s)
-        check.addSlot(kSlots.at(s), s + 1);
-    check.finish();
-    QCOMPARE(findingTexts(found), findings);
+    QCOMPARE(this->findings(rules, kSlots), findings);
 }
 
 void RuleCheckTest::objectWithADot_data()
@@ -153,33 +190,29 @@ void RuleCheckTest::objectWithADot()
 {
     QFETCH(QByteArray, rules);
     QFETCH(QString, ending);
-    Findings found;
-    RuleCheck check(found);
-    check.read(write(rules));
-    check.addSlot(slotOf("Gauge", "St. Mill", "Flow"), 7);
-    check.addSlot(slotOf("Gauge", "St. Mill", "Area", "ScalarSlot"), 8);
-    check.finish();
-    QCOMPARE(findingTexts(found),
-             QStringList{QStringLiteral("7: dotted-object: the object of St. Mill.Flow has a dot "
-                                        "in its name: only its type or * can reach it, ") +
-                         ending});
+    QStringList expected{
+        QStringLiteral("1: dotted-object: the object of St. Mill.Flow has a dot in "
+                       "its name: only its type or * can reach it, ") +
+        ending};
+    if (rules.isEmpty())
+        expected.append(kNothing);
+    QCOMPARE(findings(rules,
+                      {{"Gauge", "St. Mill", "Flow"}, {"Gauge", "St. Mill", "Area", "ScalarSlot"}}),
+             expected);
 }
 
 void RuleCheckTest::plansEachSlot()
 {
-    Findings findings;
-    RuleCheck check(findings);
-    check.read(write("\nUpper Lake.*: sumnan\nMill.*: Salinity\n"));
+    QVector<qint64> lines;
     QStringList plan;
-    for (const HtsSlot& slot : kSlots) {
-        const PlannedSlot& planned = check.addSlot(slot, 1);
-        plan.append(QStringLiteral("%1|%2|%3|%4|%5")
-                        .arg(planned.name)
-                        .arg(planned.isSeries)
-                        .arg(planned.isConverted())
-                        .arg(planned.method == nullptr ? QString() : planned.method->word)
-                        .arg(planned.ruleLine));
-    }
+    for (const PlannedSlot& planned :
+         check("\nUpper Lake.*: sumnan\nMill.*: Salinity\n", fileOf(kSlots, lines)).slotPlan)
+        plan.append(QStringLiteral("%1.%2|%3|%4|%5|%6")
+                        .arg(planned.objectName, planned.slotName,
+                             QString::number(planned.isSeries),
+                             QString::number(planned.isConverted),
+                             planned.method == nullptr ? QString() : planned.method->word,
+                             QString::number(planned.ruleLine)));
     QCOMPARE(plan, (QStringList{QStringLiteral("Upper Lake.Outflow|1|1|SumNaN|2"),
                                 QStringLiteral("Lower Lake.Outflow|1|0||0"),
                                 QStringLiteral("Mill.Flow.Daily|1|0|Salinity|3"),
@@ -189,18 +222,12 @@ void RuleCheckTest::plansEachSlot()
 // Two rules in Latin-1 are one, which fits a slot in any such encoding.
 void RuleCheckTest::rulesInAnotherEncoding()
 {
-    Findings findings;
-    RuleCheck check(findings);
-    check.read(write("B\xf6r.Flow: Sum\nB\xe4r.Flow: End\nB\xc3\xb6r.Flow: Max\n"));
-    HtsSlot slot = slotOf("Reach", "", "Flow");
-    slot.objectName = QStringLiteral("B\ufffdr");
-    check.addSlot(slot, 1);
-    slot.objectName = QStringLiteral("B\u00f6r");
-    check.addSlot(slot, 2);
-    check.finish();
+    const QStringList found =
+        findings("B\xf6r.Flow: Sum\nB\xe4r.Flow: End\nB\xc3\xb6r.Flow: Max\n",
+                 {{"Reach", "B\xfcr", "Flow"}, {"Reach", "B\xc3\xb6r", "Flow"}});
     const QString encoding = QStringLiteral("\"B\ufffdr.Flow: %1\" contains bytes that are not "
                                             "UTF-8, which fit any others in their place");
-    QCOMPARE(findingTexts(findings),
+    QCOMPARE(found.mid(1), // after the name that is not UTF-8
              (QStringList{
                  QStringLiteral("control 1: rule-encoding: ") + encoding.arg(QStringLiteral("Sum")),
                  QStringLiteral("control 2: rule-encoding: ") + encoding.arg(QStringLiteral("End")),
@@ -210,13 +237,10 @@ void RuleCheckTest::rulesInAnotherEncoding()
 
 void RuleCheckTest::nearestNameIsFoundAmongManySlots()
 {
-    Findings findings;
-    RuleCheck check(findings);
-    check.read(write("Object77.Flaw: Sum\n*.*: End\n"));
+    QVector<Slot> slotList;
     for (int s = 0; s < 500; ++s)
-        check.addSlot(slotOf("Reach", qPrintable(QStringLiteral("Object%1").arg(s)), "Flow"), 1);
-    check.finish();
-    QCOMPARE(findingTexts(findings),
+        slotList.append({"Reach", "Object" + QByteArray::number(s), "Flow"});
+    QCOMPARE(findings("Object77.Flaw: Sum\n*.*: End\n", slotList),
              QStringList{QStringLiteral("control 1: rule-unmatched: \"Object77.Flaw: Sum\" fits no "
                                         "slot; the nearest is \"Object77.Flow\"")});
 }

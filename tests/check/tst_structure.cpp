@@ -3,7 +3,6 @@
 
 #include <QtTest>
 
-#include "check/findings.h"
 #include "tests/check/checkedtext.h"
 
 namespace {
@@ -146,8 +145,8 @@ void StructureTest::keepsTenOfACodeAndCountsTheRest()
     QByteArray slots;
     for (int i = 0; i < 3; ++i)
         slots += kPreamble + kHeader + QByteArray("x\n").repeated(12) + kEnds;
-    const Findings findings = checkedText(between(slots)).findings;
-    QCOMPARE(findings.count(Code::TextValue), qint64(36));
+    const FindingList findings = checkedText(between(slots)).findings;
+    QCOMPARE(findings.count(*findFindingKind(QStringLiteral("text-value"))), qint64(36));
     QCOMPARE(findings.sorted().size(), std::size_t(10));
     QCOMPARE(findings.count(Severity::Warning), qint64(36));
     QCOMPARE(findings.count(Severity::Error), qint64(0));

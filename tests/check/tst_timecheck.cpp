@@ -2,8 +2,7 @@
 
 #include <QtTest>
 
-#include "check/findings.h"
-#include "check/stepunit.h"
+#include "check/steplength.h"
 #include "hts/datetimetext.h"
 #include "tests/check/checkedtext.h"
 
@@ -265,7 +264,7 @@ void TimeCheckTest::stepsBetween()
     QFETCH(QString, from);
     QFETCH(QString, to);
     QFETCH(qint64, steps);
-    QCOMPARE(StepUnit(unit, quantity).stepsBetween(textToDateTime(from), textToDateTime(to)),
+    QCOMPARE(StepLength(unit, quantity).stepsBetween(textToDateTime(from), textToDateTime(to)),
              steps);
 }
 
@@ -305,7 +304,7 @@ void TimeCheckTest::stepsOfYear()
     QFETCH(int, quantity);
     QFETCH(QString, step);
     QFETCH(qint64, steps);
-    QCOMPARE(StepUnit(unit, quantity)
+    QCOMPARE(StepLength(unit, quantity)
                  .stepsOfYear(textToDateTime(QStringLiteral("1999-12-31 24:00")),
                               textToDateTime(QStringLiteral("2000-12-31 24:00")),
                               textToDateTime(step)),

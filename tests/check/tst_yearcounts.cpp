@@ -3,9 +3,9 @@
 #include <QBuffer>
 #include <QtTest>
 
-#include "check/csvwriter.h"
 #include "check/filecheck.h"
 #include "check/yearcounts.h"
+#include "exchange/csvwriter.h"
 
 namespace {
 

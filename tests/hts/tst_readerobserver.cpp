@@ -3,8 +3,8 @@
 #include <QBuffer>
 #include <QtTest>
 
-#include "hts/htspackage.h"
-#include "hts/htsreader.h"
+#include "hts/htskeys.h"
+#include "hts/htswalk.h"
 
 namespace {
 
@@ -20,9 +20,22 @@ public:
     explicit RecordingObserver(const HtsReader& reader) : m_reader(reader) {}
 
     void ignoredLine(std::string_view line) override { add("ignored", textOf(line)); }
-    void keywordLine(QLatin1String key, std::string_view value) override
+    void keywordLine(const HtsKeyword& keyword, std::string_view value) override
     {
-        add("key", key + QLatin1Char('|') + textOf(value));
+        add("key", keyword.key + QLatin1Char('|') + textOf(value));
+    }
+    void slotPreambleRead(const HtsSlot& slot) override { add("slot", slot.slotName); }
+    void endLine(QLatin1String expected, std::string_view line) override
+    {
+        add("end", expected + QLatin1Char('|') + textOf(line));
+    }
+    void tableRow(const HtsSlot&, int row, std::string_view line) override
+    {
+        add("row", QString::number(row) + QLatin1Char('|') + textOf(line));
+    }
+    void lineAfterTable(const HtsSlot&, std::string_view line) override
+    {
+        add("after table", textOf(line));
     }
     void unexpectedLine(QLatin1String expected, std::string_view line) override
     {
@@ -47,7 +60,7 @@ private:
     const HtsReader& m_reader;
 };
 
-// Reads a whole file; the rows of tables are read as end lines.
+// Reads a whole file, its values included.
 QStringList observed(const QByteArray& text)
 {
     QBuffer device;
@@ -55,27 +68,12 @@ QStringList observed(const QByteArray& text)
     device.open(QIODevice::ReadOnly);
     HtsReader reader(device);
     RecordingObserver observer(reader);
-    reader.setObserver(&observer);
+    reader.addObserver(observer);
     HtsPackage package;
-    Status status = reader.readPackagePreamble(package);
-    for (int r = 0; status.ok() && r < package.numberOfRuns; ++r) {
-        HtsRun run;
-        status = reader.readRun(run);
-        while (status.ok() && !reader.takeEndOfRun()) {
-            HtsSlot slot;
-            status = reader.readSlot(slot, HtsReader::TableRows::Leave);
-            if (!status.ok())
-                break;
-            if (slot.isTable()) {
-                while (reader.readLine() != "END_SLOT")
-                    observer.calls.append(QStringLiteral("row"));
-                continue;
-            }
-            std::vector<double> values(static_cast<std::size_t>(slot.valueCount(run)));
-            reader.readValues(values);
-            reader.readLine();
-            reader.readLine();
-        }
+    HtsWalk walk(reader, package);
+    while (walk.next()) {
+        if (walk.place() == HtsWalk::Place::Slot)
+            walk.values();
     }
     return observer.calls;
 }
@@ -116,22 +114,24 @@ void ReaderObserverTest::isShown_data()
         "number_of_runs:1\nEND_PACKAGE_PREAMBLE\ntime_steps:2\nEND_RUN_PREAMBLE\n"
         "2000-1-1 24:00\n2000-1-2 24:00\nslot_name: f\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1,5\n"
         "mean: x\n1.5\n1,5\nEND_COLUMN\nEND_SLOT\nEND_RUN\n",
-        {"1 key: number_of_runs:|1", "3 key: time_steps:|2", "7 key: slot_name: |f",
+        {"1 key: number_of_runs:|1", "3 key: time_steps:|2", "7 key: slot_name: |f", "8 slot: f",
          "9 key: units: |cms", "10 key: scale: |1,5", "11 unexpected: method: |mean: x",
-         "13 value 1: 1,5"});
+         "13 value 1: 1,5", "14 end: END_COLUMN|END_COLUMN", "15 end: END_SLOT|END_SLOT"});
     row("method line",
         "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n"
         "END_SLOT_PREAMBLE\nunits: cms\nscale: 1\nmethod: Sum\nEND_COLUMN\nEND_SLOT\nEND_RUN\n",
-        {"1 key: number_of_runs:|1", "5 key: units: |cms", "6 key: scale: |1",
-         "7 key: method: |Sum"});
+        {"1 key: number_of_runs:|1", "4 slot: ", "5 key: units: |cms", "6 key: scale: |1",
+         "7 key: method: |Sum", "8 end: END_COLUMN|END_COLUMN", "9 end: END_SLOT|END_SLOT"});
     row("column header that ends the reading",
         "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n"
         "END_SLOT_PREAMBLE\nscale: 1\n7\n",
-        {"1 key: number_of_runs:|1", "5 unexpected: units: |scale: 1", "6 unexpected: scale: |7"});
-    row("rows of a table are left",
+        {"1 key: number_of_runs:|1", "4 slot: ", "5 unexpected: units: |scale: 1",
+         "6 unexpected: scale: |7"});
+    row("rows of a table, and lines after them",
         "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n"
-        "rows: 2\nEND_SLOT_PREAMBLE\n1 2\nEND_SLOT\nEND_RUN\n",
-        {"1 key: number_of_runs:|1", "4 key: rows: |2", "row"});
+        "rows: 2\nEND_SLOT_PREAMBLE\n1 2\n3 4\nx\nEND_SLOT\nEND_RUN\n",
+        {"1 key: number_of_runs:|1", "4 key: rows: |2", "5 slot: ", "6 row: 0|1 2", "7 row: 1|3 4",
+         "8 after table: x"});
     row("empty line before the end of the run",
         "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n\nEND_RUN\n",
         {"1 key: number_of_runs:|1", "4 unexpected: END_RUN|"});
@@ -143,9 +143,10 @@ void ReaderObserverTest::isShown_data()
         "2000-1-1 24:00@\nslot_name: f@@\nEND_SLOT_PREAMBLE\nunits: cms@\nscale: 1@\n"
         "method: Sum@x\n1\nEND_COLUMN\nEND_SLOT\nEND_RUN\n",
         {"1 cut: name:a", "1 key: name:|a", "2 key: number_of_runs:|1", "4 key: time_steps:|1",
-         "6 cut: 2000-1-1 24:00", "7 cut: slot_name: f", "7 key: slot_name: |f",
+         "6 cut: 2000-1-1 24:00", "7 cut: slot_name: f", "7 key: slot_name: |f", "8 slot: f",
          "9 cut: units: cms", "9 key: units: |cms", "10 cut: scale: 1", "10 key: scale: |1",
-         "11 cut: method: Sum", "11 key: method: |Sum"});
+         "11 cut: method: Sum", "11 key: method: |Sum", "13 end: END_COLUMN|END_COLUMN",
+         "14 end: END_SLOT|END_SLOT"});
 }
 
 void ReaderObserverTest::isShown()

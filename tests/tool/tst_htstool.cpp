@@ -2,7 +2,7 @@
 
 #include <QtTest>
 
-#include "check/finding.h"
+#include "check/topic.h"
 #include "tests/support/faults.h"
 #include "tests/support/wholefile.h"
 #include "tests/tool/toolrun.h"
@@ -22,6 +22,14 @@ void writePond(const ToolRun& run)
 QByteArray codeFile(const char* code)
 {
     return sourceFile(QStringLiteral("tests/check/files/%1.hts").arg(QLatin1String(code)));
+}
+
+std::vector<const FindingKind*> allKinds()
+{
+    std::vector<const FindingKind*> kinds;
+    for (const Topic* topic : findingTopics())
+        kinds.insert(kinds.end(), topic->kinds.begin(), topic->kinds.end());
+    return kinds;
 }
 
 } // namespace
@@ -45,6 +53,7 @@ private Q_SLOTS:
     void foreignTextsDoNotChangeTheReport();
     void foreignTextsDoNotReachTheTerminal();
     void nearestOfLongNamesTakesNoTime();
+    void explainsEveryCode();
     void readsTheStandardInput();
     void usesColoursOnATerminalOnly();
     void writesCounts();
@@ -129,7 +138,13 @@ void HtstoolTest::wrongUsageIsRefused_data()
         QTest::newRow(arguments.constData()) << words(arguments.constData()) << message;
     };
     row("", "no command is given");
-    row("list a.hts", "\"list\" is not one of the commands check and export");
+    row("explain", "explain needs either codes or --all");
+    row("explain -a text-value", "explain needs either codes or --all");
+    row("explain text-value nothing",
+        "\"nothing\" is not a code; htstool explain --all lists them");
+    row("explain -a -f json", "the format \"json\" is not text or markdown");
+    row("explain -a -x", "Unknown option 'x'.");
+    row("list a.hts", "\"list\" is not one of the commands check, explain and export");
     row("check", "check needs a file");
     row("check --all a.hts", "Unknown option 'all'.");
     row("check a.hts -y", "Missing value after '-y'.");
@@ -273,9 +288,9 @@ QByteArray reportsWith(const QByteArray& mark)
     const QString folder = QStringLiteral(SOURCE_DIR "/tests/check/files/");
     const QString file = QStringLiteral("a%1.hts").arg(QString::fromUtf8(mark));
     const QString control = QStringLiteral("c%1.txt").arg(QString::fromUtf8(mark));
-    for (const CodeInfo& info : kCodes) {
-        QFile rules(folder + QStringLiteral("%1.txt").arg(QLatin1String(info.name)));
-        run.write(file, marked(codeFile(info.name)));
+    for (const FindingKind* kind : allKinds()) {
+        QFile rules(folder + QStringLiteral("%1.txt").arg(QLatin1String(kind->code)));
+        run.write(file, marked(codeFile(kind->code)));
         run.write(control,
                   marked(rules.open(QIODevice::ReadOnly) ? rules.readAll() : "Lake.*: Average\n"));
         run.start({QStringLiteral("check"), file, QStringLiteral("-c"), control});
@@ -319,6 +334,27 @@ void HtstoolTest::nearestOfLongNamesTakesNoTime()
     run.startShell(QStringLiteral("ulimit -c 0; ulimit -t 5; exec $PROGRAM check a.hts -c c.txt"));
     QCOMPARE(run.output.count("[rule-unmatched]"), 10);
     QCOMPARE(run.exitCode, 2);
+}
+
+void HtstoolTest::explainsEveryCode()
+{
+    ToolRun run;
+    run.start(words("explain step-missing"));
+    const QByteArray text = run.output;
+    QCOMPARE(text, QByteArray("step-missing: warning (Timesteps and years)\n"
+                              "  Timesteps are missing between two others. Their year still counts "
+                              "as complete.\n"
+                              "  What to do: Add the timesteps, with `NaN` for their values.\n"));
+    run.start(words("explain --all"));
+    QVERIFY(run.output.contains(text));
+    const QByteArray all = '\n' + run.output;
+    for (const FindingKind* kind : allKinds())
+        QCOMPARE(all.count('\n' + QByteArray(kind->code) + ": "), 1);
+    QCOMPARE(run.exitCode, 0);
+    run.start(words("explain step-missing -f markdown"));
+    QVERIFY(run.output.endsWith("|\n| `step-missing` | warning | Timesteps are missing between two "
+                                "others. Their year still counts as complete. | Add the timesteps, "
+                                "with `NaN` for their values. |\n"));
 }
 
 void HtstoolTest::readsTheStandardInput()

@@ -17,6 +17,7 @@ private Q_SLOTS:
     void lineWithoutEnd();
     void manyLines_data();
     void manyLines();
+    void manyRules();
 };
 
 void ToolMemoryTest::fileWithoutEnd_data()
@@ -122,6 +123,30 @@ void ToolMemoryTest::manyLines()
     QVERIFY2(!run.output.isEmpty(), run.errors.constData());
     QTEST(run.output.mid(run.output.lastIndexOf("-: ")), "lastLine");
     QCOMPARE(run.exitCode, 1);
+}
+
+// Each rule has a name of its own, and every tenth has a slot.
+void ToolMemoryTest::manyRules()
+{
+    ToolRun run;
+    const QByteArray file = sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts"));
+    const int first = file.indexOf("object_type: ");
+    const int end = file.indexOf("END_SLOT\n") + 9;
+    const QByteArray slot = file.mid(first, end - first);
+    QByteArray slotList;
+    QByteArray rules;
+    for (int i = 0; i < 1000000; ++i) {
+        const QByteArray name = "Flow" + QByteArray::number(i);
+        rules += "Lake." + name + ": Sum\n";
+        if (i % 10 == 0)
+            slotList += QByteArray(slot).replace("Outflow", name);
+    }
+    run.write(QStringLiteral("a.hts"), file.left(first) + slotList + "END_RUN\n");
+    run.write(QStringLiteral("c.txt"), rules);
+    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v 200000; "
+                                  "exec \"$PROGRAM\" check a.hts -c c.txt | tail -1"));
+    QCOMPARE(run.output, QByteArray("a.hts: plan: Lake.Flow999990: Sum, rule of line 999991\n"));
+    QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 900000 warnings, 0 notes\n"));
 }
 
 QTEST_GUILESS_MAIN(ToolMemoryTest)

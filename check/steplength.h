@@ -1,16 +1,16 @@
-#ifndef CHECK_STEPUNIT_H
-#define CHECK_STEPUNIT_H
+#ifndef CHECK_STEPLENGTH_H
+#define CHECK_STEPLENGTH_H
 
 #include <QDateTime>
 #include <QString>
 #include <QtGlobal>
 
 // The time between two timesteps of a run: a number of months, or of minutes, or unknown.
-class StepUnit
+class StepLength
 {
 public:
     // `word` and `quantity` are those of the run; a quantity below 1 counts as 1.
-    StepUnit(const QString& word, int quantity);
+    StepLength(const QString& word, int quantity);
 
     bool isKnown() const { return m_months > 0 || m_minutes > 0; }
     // Whether the time is a number of months of the calendar.
@@ -31,4 +31,4 @@ private:
     qint64 m_minutes = 0;
 };
 
-#endif // CHECK_STEPUNIT_H
+#endif // CHECK_STEPLENGTH_H

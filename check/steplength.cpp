@@ -1,4 +1,4 @@
-#include "check/stepunit.h"
+#include "check/steplength.h"
 
 #include <algorithm>
 
@@ -26,7 +26,7 @@ bool isLastOfMonth(const QDate& date)
 
 } // namespace
 
-StepUnit::StepUnit(const QString& word, int quantity)
+StepLength::StepLength(const QString& word, int quantity)
 {
     const TimestepUnit* unit = findTimestepUnit(word);
     if (unit == nullptr || unit->isYear())
@@ -35,7 +35,7 @@ StepUnit::StepUnit(const QString& word, int quantity)
     m_minutes = unit->minutes * std::max(quantity, 1);
 }
 
-qint64 StepUnit::stepsBetween(const QDateTime& previous, const QDateTime& next) const
+qint64 StepLength::stepsBetween(const QDateTime& previous, const QDateTime& next) const
 {
     if (!isKnown())
         return 1;
@@ -51,8 +51,8 @@ qint64 StepUnit::stepsBetween(const QDateTime& previous, const QDateTime& next) 
     return isStep ? months / m_months : 0;
 }
 
-qint64 StepUnit::stepsOfYear(const QDateTime& yearStart, const QDateTime& yearEnd,
-                             const QDateTime& step) const
+qint64 StepLength::stepsOfYear(const QDateTime& yearStart, const QDateTime& yearEnd,
+                               const QDateTime& step) const
 {
     if (!isKnown())
         return 0;

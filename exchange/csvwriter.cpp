@@ -1,4 +1,4 @@
-#include "check/csvwriter.h"
+#include "exchange/csvwriter.h"
 
 #include <algorithm>
 #include <charconv>

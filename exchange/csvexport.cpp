@@ -1,4 +1,4 @@
-#include "check/csvexport.h"
+#include "exchange/csvexport.h"
 
 #include <string_view>
 #include <vector>
@@ -6,25 +6,17 @@
 #include <QByteArray>
 #include <QStringList>
 
-#include "annualize/slotplan.h"
-#include "check/csvwriter.h"
-#include "check/knownlines.h"
-#include "check/quotedtext.h"
+#include "exchange/csvwriter.h"
 #include "hts/datetimetext.h"
-#include "hts/htskeys.h"
-#include "hts/htspackage.h"
-#include "hts/htsreader.h"
-#include "hts/linetext.h"
+#include "hts/htswalk.h"
+#include "hts/numbertext.h"
+#include "hts/quotedtext.h"
 
 namespace {
 
 class TextValueCounter : public HtsReader::Observer
 {
 public:
-    void ignoredLine(std::string_view) override {}
-    void keywordLine(QLatin1String, std::string_view) override {}
-    void unexpectedLine(QLatin1String, std::string_view) override {}
-    void cutLine(std::string_view) override {}
     void oddValueLine(std::size_t, qint64, std::string_view line) override
     {
         count += isNumberLine(line) ? 0 : 1;
@@ -140,9 +132,11 @@ private:
     std::vector<HtsColumn> m_columns;
 };
 
-// Adds a field for each timestep. Fails for one like 2001-2-30, which the reader accepts.
-Status addTimes(const HtsRun& run, std::vector<QByteArray>& times)
+// Sets `times` to a field for each timestep. Fails for one like 2001-2-30, which the reader
+// accepts.
+Status readTimes(const HtsRun& run, std::vector<QByteArray>& times)
 {
+    times.clear();
     times.reserve(static_cast<std::size_t>(run.timesteps.size()));
     for (const QString& timestep : run.timesteps) {
         const QDateTime time = textToDateTime(timestep);
@@ -160,70 +154,40 @@ QByteArray runFieldsOf(const HtsRun& run, int runNumber)
            (run.trace == -1 ? QByteArray() : QByteArray::number(run.trace));
 }
 
-// Unlike a conversion, an export stops at the end of the input.
-Status skipTable(HtsReader& reader)
+// Adds the section at which the walk is.
+Status addSection(HtsWalk& walk, Table& table, std::vector<QByteArray>& times)
 {
-    while (!reader.atEnd()) {
-        if (textBytes(reader.readLine()) == bytesOf(kEndSlot))
-            return {};
-    }
-    return failure(QStringLiteral("A table slot has no \"END_SLOT\" after it"));
-}
-
-Status readSlot(HtsReader& reader, const HtsRun& run, Table* table, HtsColumn& values)
-{
-    HtsSlot slot;
-    Status status = reader.readSlot(slot, HtsReader::TableRows::Skip);
-    if (!status.ok())
+    if (walk.place() == HtsWalk::Place::Run) {
+        Status status = readTimes(walk.run(), times);
+        table.beginRun(runFieldsOf(walk.run(), walk.runIndex() + 1), times);
         return status;
-    if (slot.isTable())
-        return skipTable(reader);
-    const int count = slot.valueCount(run);
-    if (table == nullptr) {
-        reader.skipValues(count);
-    } else {
-        values.resize(static_cast<std::size_t>(count));
-        reader.readValues(values);
-        table->addSlot(slot, values);
     }
-    reader.readLine(); // "END_COLUMN"
-    reader.readLine(); // "END_SLOT"
-    return status;
+    if (walk.place() == HtsWalk::Place::Slot && !walk.slot().isTable())
+        table.addSlot(walk.slot(), walk.values());
+    return walk.place() == HtsWalk::Place::EndOfRun ? table.endRun() : Status();
 }
 
-// `table` is null for a run that is left out.
-Status readRun(HtsReader& reader, int runNumber, Table* table)
-{
-    HtsRun run;
-    Status status = reader.readRun(run);
-    if (!status.ok())
-        return status;
-    std::vector<QByteArray> times;
-    if (table != nullptr) {
-        status = addTimes(run, times);
-        table->beginRun(runFieldsOf(run, runNumber), times);
-    }
-    HtsColumn values;
-    while (status.ok() && !reader.takeEndOfRun())
-        status = readSlot(reader, run, table, values);
-    if (status.ok() && table != nullptr)
-        status = table->endRun();
-    return status;
-}
-
-Status readFile(HtsReader& reader, Table& table, int wantedRun)
+// `wantedRun` is 0 for all. What follows the wanted run is not read.
+Status addRuns(HtsReader& reader, Table& table, int wantedRun)
 {
     HtsPackage package;
-    Status status = reader.readPackagePreamble(package);
-    if (status.ok() && wantedRun > package.numberOfRuns)
-        return failure(QStringLiteral("The file has %1 runs").arg(package.numberOfRuns));
-    // What follows the wanted run is not needed.
-    const int last = wantedRun == 0 ? package.numberOfRuns : wantedRun;
-    for (int number = 1; status.ok() && number <= last; ++number) {
-        const bool isWanted = wantedRun == 0 || wantedRun == number;
-        status = readRun(reader, number, isWanted ? &table : nullptr);
+    // Unlike a conversion, an export stops at the end of the input.
+    HtsWalk walk(reader, package,
+                 {HtsReader::TableRows::Skip, HtsReader::MissingTableEnd::StopAtEndOfInput});
+    std::vector<QByteArray> times;
+    Status status;
+    bool isDone = false;
+    while (status.ok() && !isDone && walk.next()) {
+        if (wantedRun > package.numberOfRuns)
+            return failure(QStringLiteral("The file has %1 runs").arg(package.numberOfRuns));
+        const bool isWanted = wantedRun == 0 || wantedRun == walk.runIndex() + 1;
+        if (isWanted)
+            status = addSection(walk, table, times);
+        isDone = isWanted && wantedRun != 0 && walk.place() == HtsWalk::Place::EndOfRun;
     }
-    return status;
+    if (walk.isTableWithoutEnd())
+        return failure(QStringLiteral("A table slot has no \"END_SLOT\" after it"));
+    return status.ok() ? walk.status() : status;
 }
 
 } // namespace
@@ -232,15 +196,15 @@ ExportOutcome exportCsv(QIODevice& source, QIODevice& target, const ExportOption
 {
     HtsReader reader(source);
     TextValueCounter textValues;
-    reader.setObserver(&textValues);
+    reader.addObserver(textValues);
     CsvWriter writer(target);
     ExportOutcome outcome;
     if (options.isWide) {
         WideTable table(writer);
-        outcome.status = readFile(reader, table, options.run);
+        outcome.status = addRuns(reader, table, options.run);
     } else {
         LongTable table(writer);
-        outcome.status = readFile(reader, table, options.run);
+        outcome.status = addRuns(reader, table, options.run);
     }
     outcome.textValues = textValues.count;
     return outcome;

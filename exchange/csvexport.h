@@ -1,5 +1,5 @@
-#ifndef CHECK_CSVEXPORT_H
-#define CHECK_CSVEXPORT_H
+#ifndef EXCHANGE_CSVEXPORT_H
+#define EXCHANGE_CSVEXPORT_H
 
 #include <QtGlobal>
 
@@ -37,4 +37,4 @@ struct ExportOutcome
 // those of the first exported run.
 ExportOutcome exportCsv(QIODevice& source, QIODevice& target, const ExportOptions& options);
 
-#endif // CHECK_CSVEXPORT_H
+#endif // EXCHANGE_CSVEXPORT_H

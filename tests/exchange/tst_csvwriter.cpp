@@ -4,7 +4,7 @@
 #include <QBuffer>
 #include <QtTest>
 
-#include "check/csvwriter.h"
+#include "exchange/csvwriter.h"
 
 class CsvWriterTest : public QObject
 {

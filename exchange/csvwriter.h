@@ -1,5 +1,5 @@
-#ifndef CHECK_CSVWRITER_H
-#define CHECK_CSVWRITER_H
+#ifndef EXCHANGE_CSVWRITER_H
+#define EXCHANGE_CSVWRITER_H
 
 #include <string>
 
@@ -45,4 +45,4 @@ QByteArray csvField(const QString& text);
 // A date-time as a field of a row.
 QByteArray csvField(const QDateTime& dateTime);
 
-#endif // CHECK_CSVWRITER_H
+#endif // EXCHANGE_CSVWRITER_H

@@ -1,0 +1,46 @@
+#ifndef CHECK_CHECKCONTEXT_H
+#define CHECK_CHECKCONTEXT_H
+
+#include <algorithm>
+#include <vector>
+
+#include "annualize/conversion.h"
+#include "check/control.h"
+#include "check/findinglist.h"
+#include "check/preamblelines.h"
+#include "check/recovery.h"
+#include "hts/htsreader.h"
+#include "hts/htswalk.h"
+
+// What the checks of all topics look at, and where they put what they find.
+struct CheckContext
+{
+    HtsReader& reader;
+    const HtsPackage& package; // its preamble
+    HtsWalk& walk;
+    // Judges the file like a conversion of it, and has taken the section at hand.
+    const Conversion& conversion;
+    const int endMonth;
+    FindingList& findings;
+    Recovery& recovery;
+    // The keyword lines of the preamble that was read last.
+    PreambleLines& lines;
+    // The rules of the control file; null without one.
+    const std::vector<RuleLine>* ruleLines;
+
+    // The line that was read last, or the last of the file.
+    qint64 lastLine() const
+    {
+        return std::max<qint64>(reader.lineNumber() - reader.linesPastEnd(), 1);
+    }
+    // The line with the run's key; if there is none, the last line of its preamble.
+    qint64 lineOfRunKey(QLatin1String key) const
+    {
+        const qint64 line = lines.lineOf(key);
+        return line > 0 ? line : lines.endLine();
+    }
+    // The line of a timestep of the run at hand; the index is counted from 0.
+    qint64 lineOfStep(qint64 index) const { return lines.endLine() + 1 + index; }
+};
+
+#endif // CHECK_CHECKCONTEXT_H

@@ -1,0 +1,88 @@
+#ifndef CHECK_FINDINGLIST_H
+#define CHECK_FINDINGLIST_H
+
+#include <map>
+#include <type_traits>
+#include <vector>
+
+#include <QLatin1String>
+#include <QString>
+#include <QtGlobal>
+
+#include "check/finding.h"
+
+// An argument of a text. Names and values of a file may be anything: they are shown on one line,
+// and never control a terminal.
+QString wordOf(const QString& text);
+QString wordOf(QLatin1String text);
+QString wordOf(const char* text); // ASCII
+template<typename Integer, typename = std::enable_if_t<std::is_integral_v<Integer>>>
+QString wordOf(Integer number)
+{
+    return QString::number(number);
+}
+
+// `pattern` with %1, %2, ... replaced by the arguments, all at once, so that an argument may
+// contain such a mark.
+template<typename... Arguments>
+QString worded(const char* pattern, const Arguments&... arguments)
+{
+    const QString text = QString::fromLatin1(pattern);
+    if constexpr (sizeof...(arguments) == 0)
+        return text;
+    else
+        return text.arg(wordOf(arguments)...);
+}
+
+// The end of a text that says how a conversion of the file fails: "; a conversion fails: "Cannot
+// read run preamble"".
+QString conversionFails(const QString& message);
+
+// Collects what is found in one file. The first ten of each kind are kept, the others only counted,
+// so that a file with a million defects takes no more memory than one with ten.
+class FindingList
+{
+public:
+    static constexpr qint64 kMaxKeptPerKind = 10;
+
+    // Adds a finding with the text that `makeText()` returns, which is called only if the finding
+    // is kept; or with the text worded(pattern, arguments...).
+    template<typename Text, typename... Arguments>
+    void add(const FindingKind& kind, qint64 line, const Text& text, const Arguments&... arguments)
+    {
+        addTo(Finding::File::Hts, kind, line, text, arguments...);
+    }
+    // The same, for a line of the control file.
+    template<typename Text, typename... Arguments>
+    void addToControl(const FindingKind& kind, qint64 line, const Text& text,
+                      const Arguments&... arguments)
+    {
+        addTo(Finding::File::Control, kind, line, text, arguments...);
+    }
+
+    // How many findings of a kind there are, kept or not.
+    qint64 count(const FindingKind& kind) const;
+    qint64 count(Severity severity) const;
+    // The findings that are kept: those of the HTS file, then those of the control file, each in
+    // the order of lines.
+    std::vector<Finding> sorted() const;
+
+private:
+    template<typename Text, typename... Arguments>
+    void addTo(Finding::File file, const FindingKind& kind, qint64 line, const Text& text,
+               const Arguments&... arguments)
+    {
+        if (!countOne(kind))
+            return;
+        if constexpr (std::is_invocable_v<Text>)
+            m_kept.push_back({&kind, file, line, text()});
+        else
+            m_kept.push_back({&kind, file, line, worded(text, arguments...)});
+    }
+    bool countOne(const FindingKind& kind);
+
+    std::map<const FindingKind*, qint64> m_counts;
+    std::vector<Finding> m_kept;
+};
+
+#endif // CHECK_FINDINGLIST_H

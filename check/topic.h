@@ -1,0 +1,72 @@
+#ifndef CHECK_TOPIC_H
+#define CHECK_TOPIC_H
+
+#include <memory>
+#include <vector>
+
+#include "check/checkcontext.h"
+#include "check/finding.h"
+#include "hts/htsreader.h"
+
+// The check of one topic. It sees each line, as the reader reports it, and each section after the
+// conversion has taken it. All functions do nothing unless they are overridden.
+class TopicCheck : public HtsReader::Observer
+{
+public:
+    explicit TopicCheck(CheckContext& context) : m_context(context) {}
+
+    // A slot whose values have not been read yet; not for tables.
+    virtual void beforeValues() {}
+    // The run, the slot or the end of a run at which the walk is.
+    virtual void runRead() {}
+    virtual void slotRead() {}
+    virtual void runEnded() {}
+    // After the walk, however it ended.
+    virtual void finish() {}
+
+protected:
+    void add(const FindingKind& kind, qint64 line, const char* pattern) const
+    {
+        m_context.findings.add(kind, line, pattern);
+    }
+    template<typename Text, typename... Arguments>
+    void add(const FindingKind& kind, qint64 line, const Text& text,
+             const Arguments&... arguments) const
+    {
+        m_context.findings.add(kind, line, text, arguments...);
+    }
+
+    CheckContext& m_context;
+};
+
+// One topic: a file of check/, which has the kinds of its findings and the functions that find
+// them.
+struct Topic
+{
+    const char* title;
+    // In the order in which people read them.
+    std::vector<const FindingKind*> kinds;
+    std::unique_ptr<TopicCheck> (*makeCheck)(CheckContext& context);
+};
+
+template<typename Check>
+std::unique_ptr<TopicCheck> makeCheck(CheckContext& context)
+{
+    return std::make_unique<Check>(context);
+}
+
+const Topic& readingTopic();
+const Topic& packageTopic();
+const Topic& preambleTopic();
+const Topic& slotTopic();
+const Topic& valueTopic();
+const Topic& tableTopic();
+const Topic& timestepTopic();
+const Topic& runTopic();
+const Topic& controlTopic();
+const Topic& ruleTopic();
+
+// All topics, in the order in which people read them, and in which their checks are called.
+const std::vector<const Topic*>& findingTopics();
+
+#endif // CHECK_TOPIC_H
