@@ -16,6 +16,7 @@
 #include "utils/consolebuf.h"
 #include "utils/envvars.h"
 #include "utils/fileroles.h"
+#include "utils/verboselogging.h"
 
 namespace {
 
@@ -113,12 +114,12 @@ ResolvedPath resolveLog(const QString& given, const QString& outputPath)
 }
 
 // One conversion, from the paths to the outcome in the log file.
-class Conversion
+class CommandLineRun
 {
 public:
     // Resolves all paths; a failure of one is reported by its step of prepare(). `engine` outlives
     // the object.
-    Conversion(const Options& options, AnnualizeHts& engine);
+    CommandLineRun(const Options& options, AnnualizeHts& engine);
 
     // Opens the files of the options and prepares the engine. Fails with the text for the console.
     Status prepare();
@@ -147,7 +148,7 @@ private:
     std::unique_ptr<LogStreamAttachment> m_logAttachment;
 };
 
-Conversion::Conversion(const Options& options, AnnualizeHts& engine)
+CommandLineRun::CommandLineRun(const Options& options, AnnualizeHts& engine)
     : m_engine(engine), m_endMonth(options.endMonth == -1 ? kDecember : options.endMonth),
       m_input(resolve(options.inputPath, kInputTexts)),
       m_output(resolve(options.outputPath, kOutputTexts)),
@@ -157,10 +158,10 @@ Conversion::Conversion(const Options& options, AnnualizeHts& engine)
 {
 }
 
-Status Conversion::prepare()
+Status CommandLineRun::prepare()
 {
-    for (const auto step : {&Conversion::openInput, &Conversion::openOutput,
-                            &Conversion::setControlFile, &Conversion::openLog}) {
+    for (const auto step : {&CommandLineRun::openInput, &CommandLineRun::openOutput,
+                            &CommandLineRun::setControlFile, &CommandLineRun::openLog}) {
         Status status = (this->*step)();
         if (!status.ok())
             return status;
@@ -168,7 +169,7 @@ Status Conversion::prepare()
     return {};
 }
 
-Status Conversion::openInput()
+Status CommandLineRun::openInput()
 {
     if (!m_input.status.ok())
         return m_input.status;
@@ -177,7 +178,7 @@ Status Conversion::openInput()
     return {};
 }
 
-Status Conversion::openOutput()
+Status CommandLineRun::openOutput()
 {
     Status status = m_output.status;
     if (status.ok())
@@ -189,14 +190,14 @@ Status Conversion::openOutput()
     return {};
 }
 
-Status Conversion::setControlFile()
+Status CommandLineRun::setControlFile()
 {
     return m_control.status.ok() ? m_engine.setControlFile(m_control.path) : m_control.status;
 }
 
 // Refuses to truncate a file that has another role. A path that could not be resolved is empty and
 // ignored here: its own step reports it.
-Status Conversion::refuseSharedFiles() const
+Status CommandLineRun::refuseSharedFiles() const
 {
     const UtilsNS::FileRole input = {QStringLiteral("input hts file"), m_input.path};
     const UtilsNS::FileRole control = {QStringLiteral("method control file"), m_control.path};
@@ -211,7 +212,7 @@ Status Conversion::refuseSharedFiles() const
     return {};
 }
 
-Status Conversion::openLog()
+Status CommandLineRun::openLog()
 {
     if (!m_log.status.ok())
         return m_log.status;
@@ -222,7 +223,7 @@ Status Conversion::openLog()
     return {};
 }
 
-void Conversion::writeLogHeader()
+void CommandLineRun::writeLogHeader()
 {
     logStream << Qt::endl;
     logStream << QDateTime::currentDateTime().toString(Qt::TextDate) << Qt::endl;
@@ -232,7 +233,7 @@ void Conversion::writeLogHeader()
 }
 
 // Returns the text for the log file when the conversion fails.
-Status Conversion::convert()
+Status CommandLineRun::convert()
 {
     if (!m_engine.setEndMonth(m_endMonth).ok())
         return failure(QStringLiteral("HtsAnnualizer Error: Invalid end month for year specified "
@@ -247,7 +248,7 @@ Status Conversion::convert()
     return failure(QLatin1String("HtsAnnualizer Error: \n") + status.message + QLatin1Char('\n'));
 }
 
-int Conversion::run()
+int CommandLineRun::run()
 {
     Q_ASSERT(m_logAttachment != nullptr);
     writeLogHeader();
@@ -269,10 +270,10 @@ int Conversion::run()
 
 int runConversion(const Options& options, AnnualizeHts& engine)
 {
-    Conversion conversion(options, engine);
-    const Status status = conversion.prepare();
+    CommandLineRun run(options, engine);
+    const Status status = run.prepare();
     if (status.ok())
-        return conversion.run();
+        return run.run();
     print(status.message);
     return kError;
 }

@@ -22,6 +22,7 @@
 #include "utils/envvars.h"
 #include "utils/fileroles.h"
 #include "utils/helpurl.h"
+#include "utils/verboselogging.h"
 
 namespace {
 

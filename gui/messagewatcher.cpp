@@ -3,7 +3,7 @@
 #include <QMetaMethod>
 #include <QRegExp>
 
-#include "QsLog.h"
+#include "QsLogLevel.h"
 
 namespace UtilsNS {
 
@@ -51,12 +51,6 @@ void watcherDestination(const QString& message, QsLogging::Level level)
     // On the command line nothing is connected, and the engine logs lines for every slot.
     if (messageWatcher.hasReceiver())
         Q_EMIT messageWatcher.message(narrowed(level), withoutTimeStamp(message));
-}
-
-void setVerboseLogging(bool verbose)
-{
-    QsLogging::Logger::instance().setLoggingLevel(verbose ? QsLogging::TraceLevel
-                                                          : QsLogging::WarnLevel);
 }
 
 } // namespace UtilsNS

@@ -35,9 +35,6 @@ extern MessageWatcher messageWatcher;
 // Error. Callable from any thread; without a receiver the line is lost.
 void watcherDestination(const QString& message, QsLogging::Level level);
 
-// Sets the logger's level to Trace (verbose) or Warn.
-void setVerboseLogging(bool verbose);
-
 } // namespace UtilsNS
 
 #endif // GUI_MESSAGEWATCHER_H

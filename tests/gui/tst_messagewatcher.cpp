@@ -7,6 +7,7 @@
 
 #include "QsLog.h"
 #include "gui/messagewatcher.h"
+#include "utils/verboselogging.h"
 
 using UtilsNS::messageWatcher;
 using UtilsNS::watcherDestination;
