@@ -34,10 +34,14 @@ bool isReplaceable(const QFileInfo& file)
     return !file.exists() || file.isFile();
 }
 
-// The path without symbolic links, of which the toolkit would only follow one.
+// The path without symbolic links, of which the toolkit would only follow one. Empty if a link
+// leads to no file yet, or to one whose name is not text.
 QString replacedPath(const QFileInfo& file)
 {
-    return file.exists() ? file.canonicalFilePath() : file.filePath();
+    if (!file.exists())
+        return file.isSymLink() ? QString() : file.filePath();
+    const QString path = file.canonicalFilePath();
+    return UtilsNS::isSameFile(file.filePath(), path) ? path : QString();
 }
 
 } // namespace
@@ -84,10 +88,12 @@ bool OutputFile::open(const QString& path, const QStringList& inputs)
         }
     }
     const QFileInfo file(path);
-    // A name that is no text is refused there.
-    if (path == kStandardStream || !UtilsNS::canBeFileName(path) || !isReplaceable(file))
+    if (path == kStandardStream || !isReplaceable(file) || !UtilsNS::canBeFileName(path))
         return openDirectly();
-    m_saved = std::make_unique<SavedFile>(replacedPath(file));
+    const QString target = replacedPath(file);
+    if (target.isEmpty())
+        return openDirectly();
+    m_saved = std::make_unique<SavedFile>(target);
     if (m_saved->open(QIODevice::WriteOnly))
         return true;
     const QString problem = m_saved->errorString();
