@@ -1,63 +1,68 @@
 #include "gui/contentwidths.h"
 
-#include <cmath>
-
-#include <QFontMetricsF>
 #include <QTreeWidget>
-
-#include "gui/textwidthbounds.h"
 
 namespace UtilsNS {
 
-namespace {
-
-// A layout leaves out blanks at the end of a line.
-QString withoutBlanksAtEnd(QString text)
-{
-    while (!text.isEmpty() && text.back().isSpace())
-        text.chop(1);
-    return text;
-}
-
-} // namespace
-
-ContentWidths::ContentWidths(const QTreeWidget* tree) : m_tree(tree), m_columns(tree->columnCount())
+ContentWidths::ContentWidths(const QTreeWidget* tree)
+    : m_tree(tree), m_widths(tree->columnCount()), m_lengths(tree->columnCount())
 {
 }
-
-ContentWidths::~ContentWidths() = default;
 
 void ContentWidths::clear()
 {
     m_rowCount = 0;
-    m_columns.fill(Column());
-    m_bounds.reset();
+    m_isMeasured.clear();
+    m_widths.fill(0);
+    m_lengths.fill(0);
 }
 
-void ContentWidths::update()
+void ContentWidths::addNewRows()
 {
-    if (m_bounds == nullptr)
-        m_bounds = std::make_unique<TextWidthBounds>(m_tree->font());
-    for (; m_rowCount < m_tree->topLevelItemCount(); ++m_rowCount) {
-        for (int column = 0; column < m_columns.size(); ++column)
-            measure(m_rowCount, column);
+    const int rowCount = m_tree->topLevelItemCount();
+    for (; m_rowCount < rowCount; ++m_rowCount) {
+        if (isLongest(m_rowCount) || m_rowCount >= rowCount - kMaxNewRows)
+            measure(m_rowCount);
     }
 }
 
-void ContentWidths::measure(int row, int column)
+bool ContentWidths::addRowsInView()
 {
-    Column& widest = m_columns[column];
-    const QString text = m_tree->topLevelItem(row)->text(column);
-    // The delegate rounds up. An infinite bound says nothing about later texts.
-    const qreal bound = std::ceil(m_bounds->bound(text));
-    if (bound <= widest.textWidth)
+    const QRect view = m_tree->viewport()->rect();
+    // Where the columns start.
+    const int x = m_tree->isRightToLeft() ? view.right() : view.left();
+    const int first = m_tree->indexAt(QPoint(x, view.top())).row();
+    if (first < 0)
+        return false;
+    const int last = m_tree->indexAt(QPoint(x, view.bottom())).row();
+    const int end = last >= 0 ? last + 1 : m_tree->topLevelItemCount();
+    const QVector<int> before = m_widths;
+    for (int row = first; row < end; ++row)
+        measure(row);
+    return m_widths != before;
+}
+
+bool ContentWidths::isLongest(int row)
+{
+    bool isLongest = false;
+    for (int column = 0; column < m_lengths.size(); ++column) {
+        const int length = m_tree->topLevelItem(row)->text(column).size();
+        isLongest = isLongest || length > m_lengths.at(column);
+        m_lengths[column] = qMax(m_lengths.at(column), length);
+    }
+    return isLongest;
+}
+
+void ContentWidths::measure(int row)
+{
+    if (m_isMeasured.size() <= row)
+        m_isMeasured.resize(m_tree->topLevelItemCount());
+    if (m_isMeasured.testBit(row))
         return;
-    const QModelIndex index = m_tree->model()->index(row, column);
-    widest.width = qMax(widest.width, m_tree->sizeHintForIndex(index).width());
-    if (std::isfinite(bound)) {
-        const QFontMetricsF metrics(m_tree->font());
-        const qreal textWidth = std::ceil(metrics.horizontalAdvance(withoutBlanksAtEnd(text)));
-        widest.textWidth = qMax(widest.textWidth, textWidth);
+    m_isMeasured.setBit(row);
+    for (int column = 0; column < m_widths.size(); ++column) {
+        const QModelIndex index = m_tree->model()->index(row, column);
+        m_widths[column] = qMax(m_widths.at(column), m_tree->sizeHintForIndex(index).width());
     }
 }
 

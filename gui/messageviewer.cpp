@@ -5,7 +5,6 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QFileDialog>
-#include <QFont>
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QMenu>
@@ -16,7 +15,6 @@
 #include <QVBoxLayout>
 
 #include "gui/messagewatcher.h"
-#include "gui/textwidthbounds.h"
 #include "gui/warningbox.h"
 #include "utils/checkedfile.h"
 
@@ -66,9 +64,6 @@ QTreeWidget* createTree(const QStringList& headerLabels, QWidget* parent)
     auto* tree = new QTreeWidget(parent);
     tree->setColumnCount(headerLabels.size());
     tree->setHeaderLabels(headerLabels);
-    QFont font; // the rest comes from the window's font
-    separateGlyphs(font);
-    tree->setFont(font);
     tree->setPalette(lightPalette());
     tree->resizeColumnToContents(0);
     tree->setRootIsDecorated(false);
@@ -109,6 +104,10 @@ MessageViewer::MessageViewer(const QStringList& headerLabels, QWidget* parent)
 
     connect(m_tree->verticalScrollBar(), &QScrollBar::rangeChanged, this,
             [this](int /*minimum*/, int maximum) { keepScrolledToBottom(maximum); });
+    connect(m_tree->verticalScrollBar(), &QScrollBar::rangeChanged, this,
+            &MessageViewer::widenToRowsInView);
+    connect(m_tree->verticalScrollBar(), &QScrollBar::valueChanged, this,
+            &MessageViewer::widenToRowsInView);
 
     m_tree->installEventFilter(this);
 
@@ -219,15 +218,27 @@ void MessageViewer::showDueRows()
 void MessageViewer::showNewRows()
 {
     m_isShowingDue = false;
-    m_widths.update();
-    for (int column = 0; column < m_tree->columnCount(); ++column) {
-        m_header->resizeSection(column,
-                                qMax(m_widths.width(column), m_header->sectionSizeHint(column)));
-    }
+    m_widths.addNewRows();
+    resizeSections();
     // After the sections: a horizontal scroll bar takes height from the rows.
     m_tree->doItemsLayout();
     if (m_isAutoScrolling)
         m_tree->scrollToBottom();
+    widenToRowsInView(); // they may be old ones in a new font
+}
+
+void MessageViewer::widenToRowsInView()
+{
+    if (m_widths.addRowsInView())
+        resizeSections();
+}
+
+void MessageViewer::resizeSections()
+{
+    for (int column = 0; column < m_tree->columnCount(); ++column) {
+        m_header->resizeSection(column,
+                                qMax(m_widths.width(column), m_header->sectionSizeHint(column)));
+    }
 }
 
 // A horizontal scroll bar appears, and a hidden window gets its size, only after the last row was

@@ -77,6 +77,8 @@ private:
     void scheduleShowingNewRows();
     void showDueRows();
     void showNewRows();
+    void widenToRowsInView();
+    void resizeSections();
     void keepScrolledToBottom(int maximum);
 
     bool m_isAutoScrolling = true;

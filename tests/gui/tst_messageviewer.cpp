@@ -168,6 +168,8 @@ private Q_SLOTS:
     void sectionsFitAllRows();
     void sectionsFitAllScripts_data();
     void sectionsFitAllScripts();
+    void sectionsFitRowsThatComeIntoView_data();
+    void sectionsFitRowsThatComeIntoView();
     void sectionsFitRowsAfterClear();
     void sectionsFitEachColumn();
     void sectionsFollowTheFont_data();
@@ -594,6 +596,47 @@ void TestMessageViewer::sectionsFitAllScripts()
         addRows(widestRow);
         QTRY_COMPARE(f.tree->columnWidth(0), contentWidth());
     }
+}
+
+void TestMessageViewer::sectionsFitRowsThatComeIntoView_data()
+{
+    QTest::addColumn<int>("wideRow");
+    QTest::addColumn<int>("height"); // of the window
+    QTest::addColumn<int>("letterSpacing");
+    QTest::addColumn<Qt::LayoutDirection>("direction");
+    QTest::newRow("scrolled to") << 1500 << 300 << 100 << Qt::LeftToRight;
+    QTest::newRow("in a higher window") << 80 << 2000 << 100 << Qt::LeftToRight;
+    QTest::newRow("in another font") << 1500 << 300 << 150 << Qt::LeftToRight;
+    QTest::newRow("from right to left") << 1500 << 300 << 100 << Qt::RightToLeft;
+}
+
+// Nothing distinguishes the wide row but the width of its letters.
+void TestMessageViewer::sectionsFitRowsThatComeIntoView()
+{
+    QFETCH(const int, wideRow);
+    QFETCH(const int, height);
+    QFETCH(const int, letterSpacing);
+    QFETCH(const Qt::LayoutDirection, direction);
+
+    Fixture f;
+    f.viewer.setLayoutDirection(direction);
+    f.show();
+    f.checkBox->click(); // no automatic scrolling
+    for (int row = 0; row < 3000; ++row)
+        f.add({QString(20, QLatin1Char(row == wideRow ? 'W' : 'i'))});
+    QApplication::processEvents();
+    f.viewer.resize(600, height);
+    QApplication::processEvents();
+    QTreeWidgetItem* wide = f.tree->topLevelItem(wideRow);
+    f.tree->scrollToItem(wide);
+    if (letterSpacing != 100) {
+        QFont font = f.viewer.font();
+        font.setLetterSpacing(QFont::PercentageSpacing, letterSpacing);
+        f.viewer.setFont(font);
+    }
+    const QModelIndex index = f.tree->model()->index(wideRow, 0);
+    QTRY_COMPARE(f.tree->columnWidth(0), f.tree->sizeHintForIndex(index).width());
+    QCOMPARE(f.scrollBar->value() > 0, wideRow > 80);
 }
 
 void TestMessageViewer::sectionsFitRowsAfterClear()
