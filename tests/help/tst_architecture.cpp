@@ -1,13 +1,13 @@
-// docs/architecture.md: the files it names are there, hold what it says they hold, and link the
-// libraries it says they use; its value is the one of the example.
+// docs/architecture.md: the files it names are there and hold what it says they hold; its folders
+// link and include those that it says they use; its value is the one of the example.
 
 #include <algorithm>
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QMap>
 #include <QRegularExpression>
-#include <QSet>
 #include <QtTest>
 
 #include "tests/help/markdown.h"
@@ -31,45 +31,62 @@ bool isFileName(const QString& code)
     return code.contains(QLatin1Char('/')) && name.match(code).hasMatch();
 }
 
-// Names in the links of the folder's library that are libraries of this project.
-QStringList linkedLibraries(const QString& folder)
+QString listsOf(const QString& folder)
 {
-    static const QStringList libraries = {QStringLiteral("hts"),     QStringLiteral("utils"),
-                                          QStringLiteral("logging"), QStringLiteral("annualize"),
-                                          QStringLiteral("gui"),     QStringLiteral("check"),
-                                          QStringLiteral("exchange")};
-    const QString target =
-        folder == QLatin1String("tool") ? QStringLiteral("toolcommands") : folder;
-    const QRegularExpression call(
-        QStringLiteral("target_link_libraries\\(%1 ([^)]*)\\)").arg(target));
+    return QString::fromUtf8(sourceFile(folder + QStringLiteral("/CMakeLists.txt")));
+}
+
+// Where the folder's CMakeLists.txt makes its library; the name of that is captured.
+QRegularExpressionMatch libraryOf(const QString& folder)
+{
+    static const QRegularExpression call(QStringLiteral("hts_add_library\\((\\w+)"));
+    return call.match(listsOf(folder));
+}
+
+// The folders with a library for the programs.
+QStringList productFolders()
+{
     QStringList found;
-    const QString lists = QString::fromUtf8(sourceFile(folder + QStringLiteral("/CMakeLists.txt")));
-    for (auto match = call.globalMatch(lists); match.hasNext();) {
-        for (const QString& word : match.next().captured(1).simplified().split(QLatin1Char(' '))) {
-            if (libraries.contains(word))
-                found.append(word);
-        }
+    const QDir root(QStringLiteral(SOURCE_DIR));
+    for (const QString& name : root.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        if (root.exists(name + QStringLiteral("/CMakeLists.txt")) && libraryOf(name).hasMatch())
+            found.append(name);
     }
+    return found;
+}
+
+// Those of `folders` whose libraries the folder's library links.
+QStringList linkedFolders(const QString& folder, const QStringList& folders)
+{
+    const QRegularExpression call(
+        QStringLiteral("target_link_libraries\\(%1 ([^)]*)\\)").arg(libraryOf(folder).captured(1)));
+    const QString lists = listsOf(folder);
+    QStringList found;
+    for (auto match = call.globalMatch(lists); match.hasNext();)
+        found += match.next().captured(1).simplified().split(QLatin1Char(' '));
+    const auto isOther = [&](const QString& word) { return !folders.contains(word); };
+    found.erase(std::remove_if(found.begin(), found.end(), isOther), found.end());
     found.sort();
     return found;
 }
 
-// Folders of this project whose headers the folder includes; the logging library's have none.
+// The folders whose headers the folder's files include. Those of logging are named without it.
 QStringList includedFolders(const QString& folder)
 {
-    static const QRegularExpression include(QStringLiteral("\n#include \"(\\w+)/"));
-    QSet<QString> found;
+    static const QRegularExpression include(QStringLiteral("#include \"(?:(\\w+)/|QsLog)"));
+    QStringList found;
     const QDir sources(QStringLiteral(SOURCE_DIR "/") + folder);
-    for (const QString& name :
-         sources.entryList({QStringLiteral("*.cpp"), QStringLiteral("*.h")})) {
-        const QByteArray text = sourceFile(folder + QLatin1Char('/') + name);
-        for (auto match = include.globalMatch(QString::fromUtf8(text)); match.hasNext();)
-            found.insert(match.next().captured(1));
+    for (const QString& name : sources.entryList(QDir::Files)) {
+        const QString text = QString::fromUtf8(sourceFile(folder + QLatin1Char('/') + name));
+        for (auto match = include.globalMatch(text); match.hasNext();) {
+            const QString other = match.next().captured(1);
+            found.append(other.isEmpty() ? QStringLiteral("logging") : other);
+        }
     }
-    found.remove(folder);
-    QStringList names = found.values();
-    names.sort();
-    return names;
+    found.removeAll(folder);
+    found.removeDuplicates();
+    found.sort();
+    return found;
 }
 
 } // namespace
@@ -81,11 +98,15 @@ class TestArchitecture : public QObject
 private Q_SLOTS:
     void filesAreThere();
     void foldersUseWhatTheyLinkAndInclude();
+    void foldersUseThoseBelowThem();
     void stepsAreInTheirFiles();
     void valueIsThatOfTheExample();
     void textsAreFilledAtOnce();
 
 private:
+    // Of each folder those that the table says it uses.
+    QMap<QString, QStringList> uses() const;
+
     QByteArray m_document = sourceFile(QStringLiteral("docs/architecture.md"));
 };
 
@@ -101,18 +122,58 @@ void TestArchitecture::filesAreThere()
     QVERIFY(count > 30);
 }
 
-void TestArchitecture::foldersUseWhatTheyLinkAndInclude()
+QMap<QString, QStringList> TestArchitecture::uses() const
 {
-    const auto rows = tableRows(m_document, "| folder | what it holds | uses |");
-    QCOMPARE(rows.size(), 9);
-    for (const QByteArrayList& row : rows) {
+    QMap<QString, QStringList> found;
+    for (const QByteArrayList& row : tableRows(m_document, "| folder | what it holds | uses |")) {
         QStringList used = codes(row.value(2));
         used.sort();
-        const QString folder = codes(row.value(0)).value(0).remove(QLatin1Char('/'));
-        QCOMPARE(used, linkedLibraries(folder));
-        used.removeAll(QStringLiteral("logging"));
-        QCOMPARE(includedFolders(folder), used);
+        found.insert(codes(row.value(0)).value(0).remove(QLatin1Char('/')), used);
     }
+    return found;
+}
+
+void TestArchitecture::foldersUseWhatTheyLinkAndInclude()
+{
+    const auto folders = uses();
+    QCOMPARE(QStringList(folders.keys()), productFolders());
+    for (auto folder = folders.begin(); folder != folders.end(); ++folder) {
+        const auto text = [&](const QStringList& used) -> QString {
+            return folder.key() + QLatin1String(": ") + used.join(QLatin1Char(' '));
+        };
+        QCOMPARE(text(linkedFolders(folder.key(), folders.keys())), text(folder.value()));
+        QCOMPARE(text(includedFolders(folder.key())), text(folder.value()));
+    }
+}
+
+// In the picture; logging, which is beside it, is used by those that the line after it names.
+void TestArchitecture::foldersUseThoseBelowThem()
+{
+    const QString document = QString::fromUtf8(m_document);
+    const QStringList picture =
+        document.left(document.indexOf(QLatin1String("\n| folder"))).split(QLatin1Char('\n'));
+    const auto lineOf = [&](const QString& folder) {
+        return picture.indexOf(
+            QRegularExpression(QStringLiteral("^ {4}(.*[ >])?%1( .*)?$").arg(folder)));
+    };
+    const auto folders = uses();
+    QStringList usersOfLogging;
+    for (auto folder = folders.begin(); folder != folders.end(); ++folder) {
+        const int line = lineOf(folder.key());
+        QVERIFY2(line >= 0 || folder.key() == QLatin1String("logging"), qPrintable(folder.key()));
+        for (const QString& used : folder.value()) {
+            if (used == QLatin1String("logging"))
+                usersOfLogging.append(folder.key());
+            else
+                QVERIFY2(lineOf(used) > line, qPrintable(folder.key() + used));
+        }
+    }
+    static const QRegularExpression besides(
+        QStringLiteral("    logging, which (.+) use, is beside"));
+    QStringList named =
+        besides.match(document).captured(1).split(QRegularExpression(QStringLiteral(", | and ")));
+    named.sort();
+    QCOMPARE(named, usersOfLogging);
 }
 
 void TestArchitecture::stepsAreInTheirFiles()
@@ -158,9 +219,10 @@ void TestArchitecture::textsAreFilledAtOnce()
     QVERIFY(chain.match(QStringLiteral("x.arg(f(\")\"), g())\n    .arg(y)")).hasMatch());
     QStringList chains;
     int files = 0;
-    for (const char* folder : {"app", "tool", "gui", "check", "check", "exchange", "annualize",
-                               "utils", "hts", "logging", "fuzz", "bench"}) {
-        const QString path = QStringLiteral(SOURCE_DIR "/%1").arg(QLatin1String(folder));
+    const QStringList folders =
+        productFolders() + QStringList{QStringLiteral("fuzz"), QStringLiteral("bench")};
+    for (const QString& folder : folders) {
+        const QString path = QStringLiteral(SOURCE_DIR "/%1").arg(folder);
         QDirIterator sources(path, {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files,
                              QDirIterator::Subdirectories);
         for (; sources.hasNext(); ++files) {
