@@ -29,8 +29,8 @@ struct Option
     // What the usage text calls the value, which is the next argument; null for a flag, an option
     // without a value.
     const char* valueName;
-    // Sets in `options` what the option asks for. `value` is an argument of the process, null for a
-    // flag.
+    // Sets in `options` what the option asks for. `value` is an argument of the process in
+    // UTF-8, null for a flag.
     void (*apply)(Options& options, const char* value);
     // What the usage text says about the option, without a line end at the end. Not empty.
     const char* usage;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <QTextCodec>
 #include <QtGlobal>
 
 #include "utils/console.h"
@@ -33,4 +34,10 @@ void prepareCommandLineMode()
     qInstallMessageHandler(showFatalOnly);
     UtilsNS::endWhenMemoryRunsOut(showNoMemory, EXIT_FAILURE);
     choosePlatformPlugin();
+}
+
+QString argumentText(const char* argument)
+{
+    static const QTextCodec* const utf8 = QTextCodec::codecForName("UTF-8");
+    return UtilsNS::argumentText(argument, *utf8);
 }

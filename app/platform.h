@@ -19,8 +19,7 @@ void choosePlatformPlugin();
 // Shows the text of a fatal message, and a line end.
 void showFatal(const QString& message);
 
-// The text of an argument of the process, which is UTF-8, else see UtilsNS::argumentText(); on
-// Windows it is in the ANSI code page.
+// The text of an argument of main(), which is UTF-8, else see UtilsNS::argumentText().
 QString argumentText(const char* argument);
 
 #endif // APP_PLATFORM_H

@@ -1,11 +1,9 @@
 #include <cstdio>
 
 #include <QByteArray>
-#include <QTextCodec>
 #include <QtGlobal>
 
 #include "app/platform.h"
-#include "utils/processsetup.h"
 
 void choosePlatformPlugin()
 {
@@ -18,10 +16,4 @@ void choosePlatformPlugin()
 void showFatal(const QString& message)
 {
     std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
-}
-
-QString argumentText(const char* argument)
-{
-    static const QTextCodec* const utf8 = QTextCodec::codecForName("UTF-8");
-    return UtilsNS::argumentText(argument, *utf8);
 }

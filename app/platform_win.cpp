@@ -15,8 +15,3 @@ void showFatal(const QString& message)
     if (console.open())
         console.write(text.constData(), static_cast<std::size_t>(text.size()));
 }
-
-QString argumentText(const char* argument)
-{
-    return QString::fromLocal8Bit(argument);
-}

@@ -10,7 +10,6 @@
 #include "annualize/aggmethods.h"
 #include "app/options.h"
 #include "app/usage.h"
-#include "tests/support/hostsystem.h"
 
 namespace {
 
@@ -19,7 +18,7 @@ Options parsed(const QStringList& words, OptionTable table = kOptions)
 {
     QList<QByteArray> texts = {"HtsAnnualizer"};
     for (const QString& word : words)
-        texts.append(asArgument(word));
+        texts.append(word.toUtf8());
     QVector<const char*> arguments;
     for (const QByteArray& text : qAsConst(texts))
         arguments.append(text.constData());
@@ -164,7 +163,7 @@ void TestOptions::emptyArguments()
 
 void TestOptions::valuesKeepTheirLetters()
 {
-    const QString path = QStringLiteral("L%1.hts").arg(lettersOfArguments());
+    const QString path = QStringLiteral("L\u00e9\u6e56.hts");
     QCOMPARE(parsed({QStringLiteral("-i"), path}).inputPath, path);
 }
 

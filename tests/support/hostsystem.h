@@ -14,11 +14,6 @@ QByteArray fromTextMode(const QByteArray& bytes);
 // The bytes that a text becomes there.
 QByteArray toTextMode(const QByteArray& text);
 
-// An argument as a process gets it.
-QByteArray asArgument(const QString& text);
-// Letters that are not ASCII and that every argument may have.
-QString lettersOfArguments();
-
 // The kinds of links to files that the system has for every user.
 enum class Link { Symbolic, Hard };
 QList<Link> kindsOfLinks();

@@ -14,16 +14,6 @@ QByteArray toTextMode(const QByteArray& text)
     return text;
 }
 
-QByteArray asArgument(const QString& text)
-{
-    return text.toUtf8();
-}
-
-QString lettersOfArguments()
-{
-    return QStringLiteral("\u00e9\u6e56");
-}
-
 QList<Link> kindsOfLinks()
 {
     return {Link::Symbolic, Link::Hard};

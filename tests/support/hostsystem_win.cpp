@@ -16,17 +16,6 @@ QByteArray toTextMode(const QByteArray& text)
     return QByteArray(text).replace("\n", "\r\n");
 }
 
-QByteArray asArgument(const QString& text)
-{
-    return text.toLocal8Bit();
-}
-
-// In the code pages of Western Europe; there is no set of letters for all code pages.
-QString lettersOfArguments()
-{
-    return QStringLiteral("\u00e9");
-}
-
 // A symbolic link needs a privilege.
 QList<Link> kindsOfLinks()
 {

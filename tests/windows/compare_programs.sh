@@ -134,6 +134,16 @@ check "exit code" same_code 0
 check "result" same_result "my data/Léman/né à.hts" "my data/Léman/né à.hts"
 check "log is there" test -f "$top/windows/my data/Léman/né à.log"
 
+# Of similar letters that the code page has, and a slash of full width, which is none.
+begin "letters that the code page does not have"
+cp "$top/windows/c.txt" "$top/windows/Lódz.hts"
+run_unix app/HtsAnnualizer -i a.hts -o "Łódź.hts" -c c.txt -l "data／湖.log"
+run_windows_directly app/HtsAnnualizer -i a.hts -o "Łódź.hts" -c c.txt -l "data／湖.log"
+check "exit code" same_code 0
+check "result" same_result "Łódź.hts" "Łódź.hts"
+check "another file" cmp -s "$top/windows/Lódz.hts" "$top/windows/c.txt"
+check "log" test -f "$top/windows/data／湖.log"
+
 begin "variable of the environment"
 export HTS_FLOWS="my data"
 run_unix app/HtsAnnualizer -i "\$HTS_FLOWS/Léman/été.hts" -o "\${HTS_FLOWS}/b.hts" -c c.txt -l "\$(HTS_FLOWS)/l.txt"
@@ -142,6 +152,14 @@ run_windows_directly app/HtsAnnualizer -i "\$hts_flows\\Léman\\été.hts" -o "\
 check "exit code" same_code 0
 check "result" same_result "my data/b.hts" "my data/b.hts"
 check "log" test -f "$top/windows/my data/l.txt"
+
+begin "variable with letters that the code page does not have"
+mkdir "$top/windows/Lód"
+HTS_FLOWS=Łód
+run_windows app/HtsAnnualizer -i a.hts -o "\$HTS_FLOWS/b.hts" -c c.txt
+check "exit code" test "$windows_code" -eq 1
+check "text" grep -q 'environment variables could not be substituted' "$top/windows.out"
+check "another folder" test -z "$(ls "$top/windows/Lód")"
 
 begin "variable of more than 1023 bytes"
 HTS_FLOWS=$(printf 'x%.0s' {1..1024})

@@ -188,6 +188,13 @@ void ConsoleWindowTest::showsTextUntilAKeyIsPressed_data()
                            "HtsAnnualizer Error: Input hts file must be specified with -i option"),
                        QString()}
         << 1;
+    // Not replaced by anything that a file name may have.
+    QTest::newRow("half of a letter")
+        << QStringLiteral("-i a%1.hts").arg(QChar(0xd800))
+        << QStringList{QStringLiteral("HtsAnnualizer Error: Input hts file could not be opened "
+                                      "for reading:"),
+                       QStringLiteral("Invalid name."), QString()}
+        << 1;
 }
 
 void ConsoleWindowTest::showsTextUntilAKeyIsPressed()
