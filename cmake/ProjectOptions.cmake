@@ -46,14 +46,16 @@ function(hts_add_library name)
     target_link_libraries(${name} PUBLIC project_options PRIVATE project_warnings)
 endfunction()
 
-# hts_describe_program(TARGET DESCRIPTION WINDOWED|CONSOLE) gives a program its version, its icon and
-# its subsystem where programs have such things, which is on Windows.
+# hts_describe_program(TARGET DESCRIPTION WINDOWED|CONSOLE) gives a program its version, its icon, its
+# manifest and its subsystem where programs have such things, which is on Windows.
 function(hts_describe_program target description kind)
     if(NOT WIN32)
         return()
     endif()
     set(PROGRAM_NAME "${target}")
     set(PROGRAM_DESCRIPTION "${description}")
+    file(STRINGS "${PROJECT_SOURCE_DIR}/LICENSE" PROGRAM_COPYRIGHT REGEX "^Copyright")
+    string(REGEX REPLACE "^Copyright [^ ]+ [^ ]+ " "" PROGRAM_COMPANY "${PROGRAM_COPYRIGHT}")
     configure_file("${PROJECT_SOURCE_DIR}/packaging/windows/program.rc.in"
         "${CMAKE_CURRENT_BINARY_DIR}/${target}.rc" @ONLY)
     enable_language(RC)

@@ -49,16 +49,35 @@ run_programs() {
     grep -q '0 errors, 0 warnings' "$top/check" || fail "$folder: another check: $(<"$top/check")"
 }
 
-# check_program FILE SUBSYSTEM VERSION: how the system starts the program, its icon, and what it says
-# of itself.
+# check_program FILE SUBSYSTEM VERSION DESCRIPTION: how the system starts the program, its icon, and
+# what it says of itself: not when it was built.
 check_program() {
-    local subsystem text
+    local subsystem text copyright
     subsystem=$(x86_64-w64-mingw32-objdump -p "$1" | grep '^Subsystem')
     [[ $subsystem == *"($2)" ]] || fail "$1: another subsystem: $subsystem"
     wrestool --list --type=group_icon "$1" | grep -q . || fail "$1: no icon"
-    text=$(wrestool --extract --raw --type=version "$1" | strings --encoding=l --bytes=1 |
-        grep -A1 -x -e FileVersion -e ProductVersion | tr '\n' ' ')
-    [ "$text" = "FileVersion $3 -- ProductVersion $3 " ] || fail "$1: another version: $text"
+    copyright=$(grep '^Copyright' "$source/LICENSE")
+    text=$(wrestool --extract --raw --type=version "$1" | strings --encoding=l --bytes=2 |
+        grep -A1 -x -E 'CompanyName|FileDescription|FileVersion|LegalCopyright|ProductVersion' |
+        grep -v -x -e --) || true
+    [ "$text" = "CompanyName
+The HtsAnnualizer developers
+FileDescription
+$4
+FileVersion
+$3
+LegalCopyright
+$copyright
+ProductVersion
+$3" ] || fail "$1: another description: $text"
+}
+
+# check_own_program FILE: what is not so in an installer.
+check_own_program() {
+    wrestool --extract --raw --type=24 "$1" | cmp - "$source/packaging/windows/program.manifest" ||
+        fail "$1: another manifest"
+    x86_64-w64-mingw32-objdump -p "$1" | grep '^Time/Date.*Thu Jan  1 00:00:00 1970' >/dev/null ||
+        fail "$1: says when it was built"
 }
 
 shopt -s nullglob
@@ -75,32 +94,106 @@ unpacked=("$top/My Conv"/*)
 [ "$(list "${unpacked[0]}")" = "$files" ] || fail "the zip holds $(list "${unpacked[0]}")"
 version=${zips[0]%-win64.zip}
 version=${version##*-}
-check_program "${unpacked[0]}/HtsAnnualizer.exe" "Windows GUI" "$version"
-check_program "${unpacked[0]}/htstool.exe" "Windows CUI" "$version"
+check_program "${unpacked[0]}/HtsAnnualizer.exe" "Windows GUI" "$version" \
+    "Annual HTS files from files of shorter timesteps"
+check_program "${unpacked[0]}/htstool.exe" "Windows CUI" "$version" "Checks and exports HTS files"
+check_own_program "${unpacked[0]}/HtsAnnualizer.exe"
+check_own_program "${unpacked[0]}/htstool.exe"
 run_programs "${unpacked[0]}"
 
 # ---- installer ----
 
+check_program "${setups[0]}" "Windows GUI" "$version" "Setup of HtsAnnualizer"
+uninstall_key='Software\Microsoft\Windows\CurrentVersion\Uninstall\HtsAnnualizer'
+
+# set_up CODE OPTIONS...: the installer ends with the exit code.
+set_up() {
+    local expected=$1 code=0
+    shift
+    wine "${setups[0]}" /S "$@" || code=$?
+    [ "$code" -eq "$expected" ] || fail "the installer ended with $code"
+}
+
+# check_installed FOLDER START_MENU ROOT_KEY
+check_installed() {
+    local value
+    [ "$(list "$1")" = "$(printf '%s\nuninstall.exe' "$files")" ] || fail "installed is $(list "$1")"
+    strings --encoding=l "$2" | grep -x -F '%USERPROFILE%\Documents' >/dev/null ||
+        fail "the entry in the Start menu starts in another folder"
+    for value in DisplayVersion EstimatedSize; do
+        wine reg query "$3\\$uninstall_key" /v "$value" >/dev/null 2>&1 ||
+            fail "no $value in the list of programs"
+    done
+    run_programs "$1"
+}
+
+# check_uninstalled FOLDER START_MENU ROOT_KEY: with two files of the user's own, which stay. The
+# uninstaller works as a copy of itself, for which it doesn't wait.
+check_uninstalled() {
+    printf 'mine\n' | tee "$1/examples/mine.hts" >"$1/licenses/mine.txt"
+    wine "$1/uninstall.exe" /S || fail "the uninstaller ended with $?"
+    until [ ! -e "$1/uninstall.exe" ] && ! wine reg query "$3\\$uninstall_key" >/dev/null 2>&1; do
+        ((SECONDS < deadline_seconds)) || fail "the uninstaller hangs"
+        sleep 0.1
+    done
+    [ "$(list "$1" | tr '\n' ' ')" = "examples/mine.hts licenses/mine.txt " ] ||
+        fail "left over is $(list "$1")"
+    [ ! -e "$2" ] || fail "the entry in the Start menu is left over"
+    rm -r "$1"
+}
+
 installed="$WINEPREFIX/drive_c/Program Files/HtsAnnualizer"
 menu="$WINEPREFIX/drive_c/ProgramData/Microsoft/Windows/Start Menu/Programs/HtsAnnualizer.lnk"
-key='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\HtsAnnualizer'
 rm -rf "$installed" "$menu"
+set_up 0
+check_installed "$installed" "$menu" HKLM
 
-wine "${setups[0]}" /S || fail "the installer ended with $?"
-[ "$(list "$installed")" = "$(printf '%s\nuninstall.exe' "$files")" ] ||
-    fail "installed is $(list "$installed")"
-[ -f "$menu" ] || fail "no entry in the Start menu"
-wine reg query "$key" /v DisplayVersion >/dev/null 2>&1 || fail "not listed among the programs"
-run_programs "$installed"
-
-# The uninstaller works as a copy of itself, for which it doesn't wait.
-printf 'mine\n' >"$installed/examples/mine.hts"
-wine "$installed/uninstall.exe" /S || fail "the uninstaller ended with $?"
-until [ ! -e "$installed/uninstall.exe" ] && ! wine reg query "$key" >/dev/null 2>&1; do
-    ((SECONDS < deadline_seconds)) || fail "the uninstaller hangs"
+# While a program runs, here until its input ends, neither changes anything.
+mkfifo "$top/input"
+(cd "$top" && exec wine "$installed/htstool.exe" check --counts counts.csv - <"$top/input") \
+    >/dev/null 2>&1 &
+exec 3>"$top/input"
+until [ -e "$top/counts.csv" ]; do
+    ((SECONDS < deadline_seconds)) || fail "htstool doesn't start"
     sleep 0.1
 done
-[ "$(list "$installed")" = examples/mine.hts ] || fail "left over is $(list "$installed")"
-[ ! -e "$menu" ] || fail "the entry in the Start menu is left over"
-rm -r "$installed"
+printf 'old\n' >"$installed/LICENSE.txt"
+set_up 2
+# Without a copy of itself, and so with an exit code; the folder has no quotes.
+printf '@"%%ProgramFiles%%\\HtsAnnualizer\\uninstall.exe" /S _?=%%ProgramFiles%%\\HtsAnnualizer\r\n@exit %%errorlevel%%\r\n' \
+    >"$top/uninstall.bat"
+code=0
+(cd "$top" && wine cmd /c uninstall.bat) >/dev/null 2>&1 || code=$?
+[ "$code" -eq 2 ] || fail "the uninstaller of a running program ended with $code"
+[ "$(list "$installed")" = "$(printf '%s\nuninstall.exe' "$files")" ] ||
+    fail "of a running program there is $(list "$installed")"
+[ "$(<"$installed/LICENSE.txt")" = old ] || fail "a file of a running program was replaced"
+exec 3>&-
+wait || true # htstool finds no HTS file there
+set_up 0
+check_installed "$installed" "$menu" HKLM
+check_uninstalled "$installed" "$menu" HKLM
+
+# ---- for one user, and on the search path ----
+
+user="$WINEPREFIX/drive_c/users/$(id -un)/AppData"
+installed="$user/Local/Programs/HtsAnnualizer"
+menu="$user/Roaming/Microsoft/Windows/Start Menu/Programs/HtsAnnualizer.lnk"
+rm -rf "$installed" "$menu"
+
+search_path() {
+    wine reg query 'HKCU\Environment' /v Path 2>/dev/null | tr -d '\r' | sed -n 's/^ *Path *//p'
+}
+
+# Longer than a text of the installer may be.
+old_path="%USERPROFILE%\\bin$(printf ';C:\\tools\\%d' {1..200})"
+wine reg add 'HKCU\Environment' /v Path /t REG_EXPAND_SZ /d "$old_path" /f >/dev/null 2>&1
+set_up 0 /CurrentUser /AddToPath
+set_up 0 /CurrentUser /AddToPath # not twice
+check_installed "$installed" "$menu" HKCU
+new_path="REG_EXPAND_SZ    $old_path;C:\\users\\$(id -un)\\AppData\\Local\\Programs\\HtsAnnualizer"
+[ "$(search_path)" = "$new_path" ] || fail "the search path is $(search_path)"
+check_uninstalled "$installed" "$menu" HKCU
+[ "$(search_path)" = "REG_EXPAND_SZ    $old_path" ] || fail "the search path is $(search_path)"
+wine reg delete 'HKCU\Environment' /v Path /f >/dev/null 2>&1
 printf 'zip and installer work\n'
