@@ -1,8 +1,10 @@
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <QDir>
 
+#include "utils/fileidentity_win.h"
 #include "utils/fileroles.h"
 
 #include <windows.h>
@@ -47,17 +49,34 @@ UniqueHandle openForQuery(const QString& fullPath)
     return UniqueHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
-// False for devices such as "nul", which are not files.
-bool isSameIdentity(HANDLE file, HANDLE otherFile)
+// The path that the system gives the open file, or `path` if it gives none.
+QString finalPath(HANDLE file, const QString& path)
+{
+    const DWORD size = ::GetFinalPathNameByHandleW(file, nullptr, 0, FILE_NAME_NORMALIZED);
+    std::wstring final(size, L'\0'); // with the null character at the end
+    const DWORD length =
+        ::GetFinalPathNameByHandleW(file, final.data(), size, FILE_NAME_NORMALIZED);
+    return length == 0 || length >= size ? path
+                                         : QString::fromWCharArray(final.data(), int(length));
+}
+
+// Null for devices such as "nul", which are not files.
+std::optional<FileIdentity> identityOf(HANDLE file, const QString& path)
 {
     BY_HANDLE_FILE_INFORMATION info;
-    BY_HANDLE_FILE_INFORMATION otherInfo;
-    return ::GetFileType(file) == FILE_TYPE_DISK && ::GetFileType(otherFile) == FILE_TYPE_DISK &&
-           ::GetFileInformationByHandle(file, &info) != FALSE &&
-           ::GetFileInformationByHandle(otherFile, &otherInfo) != FALSE &&
-           info.dwVolumeSerialNumber == otherInfo.dwVolumeSerialNumber &&
-           info.nFileIndexHigh == otherInfo.nFileIndexHigh &&
-           info.nFileIndexLow == otherInfo.nFileIndexLow;
+    if (::GetFileType(file) != FILE_TYPE_DISK || ::GetFileInformationByHandle(file, &info) == FALSE)
+        return std::nullopt;
+    return FileIdentity{info.dwVolumeSerialNumber,
+                        quint64(info.nFileIndexHigh) << 32 | info.nFileIndexLow,
+                        finalPath(file, path)};
+}
+
+// The paths are those that the files were opened with, empty if that is not known.
+bool isSameIdentity(HANDLE file, const QString& path, HANDLE otherFile, const QString& otherPath)
+{
+    const std::optional<FileIdentity> identity = identityOf(file, path);
+    const std::optional<FileIdentity> other = identityOf(otherFile, otherPath);
+    return identity && other && *identity == *other;
 }
 
 QString folderOf(const QString& fullPath)
@@ -79,7 +98,7 @@ bool isSameNewFile(const QString& path, const QString& otherPath)
     const UniqueHandle folder = openForQuery(folderOf(path));
     const UniqueHandle otherFolder = openForQuery(folderOf(otherPath));
     return folder != nullptr && otherFolder != nullptr &&
-           isSameIdentity(folder.get(), otherFolder.get());
+           isSameIdentity(folder.get(), folderOf(path), otherFolder.get(), folderOf(otherPath));
 }
 
 } // namespace
@@ -94,15 +113,16 @@ bool isSameFile(const QString& path, const QString& otherPath)
         return false;
     if (file == nullptr)
         return isSameNewFile(full, otherFull);
-    return isSameIdentity(file.get(), otherFile.get());
+    return isSameIdentity(file.get(), full, otherFile.get(), otherFull);
 }
 
 bool isSameFile(const QString& path, std::FILE* stream)
 {
-    const UniqueHandle file = openForQuery(fullPath(path));
+    const QString full = fullPath(path);
+    const UniqueHandle file = openForQuery(full);
     const auto ofStream = reinterpret_cast<HANDLE>(::_get_osfhandle(::_fileno(stream)));
     return file != nullptr && ofStream != INVALID_HANDLE_VALUE &&
-           isSameIdentity(file.get(), ofStream);
+           isSameIdentity(file.get(), full, ofStream, QString());
 }
 
 } // namespace UtilsNS

@@ -6,6 +6,7 @@
 
 #include "tests/support/hostsystem.h"
 #include "tests/support/wholefile.h"
+#include "utils/fileidentity_win.h"
 #include "utils/fileroles.h"
 
 using UtilsNS::checkFileRole;
@@ -22,6 +23,8 @@ private Q_SLOTS:
     void recognisesPathsOfOneFile_data();
     void recognisesPathsOfOneFile();
     void relativePathsCountFromTheWorkingFolder();
+    void sharesWithoutIndexesCompareByPath_data();
+    void sharesWithoutIndexesCompareByPath();
     void devicesAreNotShared();
     void longPathsAreFollowed();
     void namesFileAndRole();
@@ -102,6 +105,29 @@ void WindowsFileRolesTest::relativePathsCountFromTheWorkingFolder()
     QVERIFY(isSameFile(QStringLiteral("new"), path(QStringLiteral("sub/new"))));
     QVERIFY(!isSameFile(QStringLiteral("a"), path(QStringLiteral("a"))));
     QVERIFY(!isSameFile(QStringLiteral("new"), path(QStringLiteral("new"))));
+}
+
+// As some network shares give them.
+void WindowsFileRolesTest::sharesWithoutIndexesCompareByPath_data()
+{
+    QTest::addColumn<quint64>("index");
+    QTest::addColumn<quint64>("otherIndex");
+    QTest::addColumn<QString>("otherPath");
+    QTest::addColumn<bool>("expected");
+    QTest::newRow("two files without an index") << quint64(0) << quint64(0) << "D:\\b" << false;
+    QTest::newRow("one file without an index") << quint64(0) << quint64(0) << "D:\\A" << true;
+    QTest::newRow("only one has an index") << quint64(0) << quint64(7) << "D:\\a" << false;
+    QTest::newRow("hard links") << quint64(7) << quint64(7) << "D:\\b" << true;
+}
+
+void WindowsFileRolesTest::sharesWithoutIndexesCompareByPath()
+{
+    QFETCH(quint64, index);
+    QFETCH(quint64, otherIndex);
+    QFETCH(QString, otherPath);
+    QFETCH(bool, expected);
+    const UtilsNS::FileIdentity identity = {1, index, QStringLiteral("D:\\a")};
+    QCOMPARE(identity == (UtilsNS::FileIdentity{1, otherIndex, otherPath}), expected);
 }
 
 void WindowsFileRolesTest::devicesAreNotShared()
