@@ -31,7 +31,7 @@ bool isReplaceable(const QFileInfo& file)
         if (QDir::cleanPath(file.absoluteFilePath()).startsWith(QLatin1String(folder)))
             return false;
     }
-    return !file.exists() || file.isFile();
+    return !UtilsNS::isNullDevice(file.filePath()) && (!file.exists() || file.isFile());
 }
 
 // The path without symbolic links, of which the toolkit would only follow one. Empty if a link
@@ -88,7 +88,9 @@ bool OutputFile::open(const QString& path, const QStringList& inputs)
         }
     }
     const QFileInfo file(path);
-    if (path == kStandardStream || !isReplaceable(file) || !UtilsNS::canBeFileName(path))
+    // A path with a problem is opened directly to report it.
+    if (path == kStandardStream || !isReplaceable(file) ||
+        !UtilsNS::problemOfPath(path, QIODevice::WriteOnly).isEmpty())
         return openDirectly();
     const QString target = replacedPath(file);
     if (target.isEmpty())

@@ -5,6 +5,7 @@
 
 #include "annualize/months.h"
 #include "check/finding.h"
+#include "tool/terminal.h"
 
 namespace {
 
@@ -144,7 +145,7 @@ ToolOptions parseCheck(const QStringList& arguments)
 
     ToolOptions options;
     options.request = ToolOptions::Request::Check;
-    options.files = parser.positionalArguments();
+    options.files = expandedPaths(parser.positionalArguments());
     if (options.files.isEmpty())
         return invalid(QStringLiteral("check needs a file"));
     options.controlPath = parser.value(control);
@@ -192,7 +193,7 @@ ToolOptions parseExport(const QStringList& arguments)
 
     ToolOptions options;
     options.request = ToolOptions::Request::Export;
-    options.files = parser.positionalArguments();
+    options.files = expandedPaths(parser.positionalArguments());
     if (options.files.size() != 1)
         return invalid(QStringLiteral("export needs one file"));
     options.outputPath = parser.value(output);

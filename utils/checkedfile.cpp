@@ -7,10 +7,18 @@ namespace UtilsNS {
 
 bool CheckedFile::open(OpenMode mode)
 {
-    if (canBeFileName(fileName()))
-        return QFile::open(mode);
-    setErrorString(QStringLiteral("The name is not text in the encoding of file names"));
+    m_stream = nullptr;
+    const QString problem = problemOfPath(fileName(), mode);
+    if (problem.isEmpty())
+        return openPath(mode);
+    setErrorString(problem);
     return false;
+}
+
+bool CheckedFile::open(std::FILE* stream, OpenMode mode)
+{
+    m_stream = stream;
+    return QFile::open(stream, mode);
 }
 
 Status CheckedFile::finish()
@@ -82,11 +90,6 @@ bool CheckedFile::flushAll()
     if (!isFlushed)
         noteFailure();
     return isFlushed;
-}
-
-qint64 CheckedFile::writeSome(const char* data, qint64 size)
-{
-    return QFile::writeData(data, size);
 }
 
 void CheckedFile::noteError()

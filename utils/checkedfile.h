@@ -1,6 +1,8 @@
 #ifndef UTILS_CHECKEDFILE_H
 #define UTILS_CHECKEDFILE_H
 
+#include <cstdio>
+
 #include <QFile>
 #include <QString>
 
@@ -8,10 +10,14 @@
 
 namespace UtilsNS {
 
-// Whether the system can have a file with this path. On Unix it can't if the text does not come
-// back unchanged from the bytes that it becomes in the encoding of the locale: files with other
-// names would become the same one.
-bool canBeFileName(const QString& path);
+// Why no file can be opened by this path; empty if one can.
+// On Unix, if the text does not come back unchanged from the bytes that it becomes in the encoding
+// of the locale: files with other names would become the same one. On Windows, for writing, if the
+// name ends with a blank or a dot: the system drops them, and a file with another name is written.
+QString problemOfPath(const QString& path, QIODevice::OpenMode mode);
+
+// Whether the path is NUL, the null device of Windows. The toolkit would take it for a file.
+bool isNullDevice(const QString& path);
 
 // A file that remembers its first failed read or write. A QFile forgets an error at the next call,
 // and then continues to read after the gap. And when a disk that fills up stores only a part of
@@ -28,8 +34,11 @@ public:
     using QFile::QFile;
 
     using QFile::open;
-    // Fails also for a path that can't be the name of a file.
+    // Fails also if the path has a problem, see problemOfPath().
     bool open(OpenMode mode) override;
+    // Opens a standard stream, which stays open. Where it is a console of Windows, what is written
+    // is UTF-8, with whole characters in each write, and shown as such.
+    bool open(std::FILE* stream, OpenMode mode);
 
     // The error text of the first read or write that failed; empty if none has failed. After a
     // failure every read fails.
@@ -54,11 +63,13 @@ protected:
 private:
     qint64 readFromFile(char* data, qint64 maxSize);
     qint64 readFromPipe(char* data, qint64 maxSize);
+    bool openPath(OpenMode mode);
     bool flushAll();
     bool noteLines(const char* data, qint64 size);
     void noteError();
     void noteFailure();
 
+    std::FILE* m_stream = nullptr; // null if it was opened by its path
     QString m_problem;
     bool m_hasLimit = false;
     qint64 m_lineSize = 0; // of the last line, as far as it was read

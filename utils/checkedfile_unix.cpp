@@ -7,9 +7,26 @@
 
 namespace UtilsNS {
 
-bool canBeFileName(const QString& path)
+QString problemOfPath(const QString& path, QIODevice::OpenMode /*mode*/)
 {
-    return QFile::decodeName(QFile::encodeName(path)) == path;
+    if (QFile::decodeName(QFile::encodeName(path)) == path)
+        return {};
+    return QStringLiteral("The name is not text in the encoding of file names");
+}
+
+bool isNullDevice(const QString& /*path*/)
+{
+    return false;
+}
+
+bool CheckedFile::openPath(OpenMode mode)
+{
+    return QFile::open(mode);
+}
+
+qint64 CheckedFile::writeSome(const char* data, qint64 size)
+{
+    return QFile::writeData(data, size);
 }
 
 // Not by QFile, which waits until `maxSize` bytes have come through the pipe: maybe more than are

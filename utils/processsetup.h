@@ -27,7 +27,7 @@ void chooseTextEncoding();
 // The text of an argument of the process, which is in the encoding of `codec`. Each byte that is
 // not ASCII becomes a lone surrogate if the text would not give the same bytes again: other
 // arguments would have the same text, and a file with that name would be another one. See
-// canBeFileName().
+// problemOfPath().
 QString argumentText(const char* argument, const QTextCodec& codec);
 
 // Lets the bytes of a standard stream pass unchanged. On Windows the C runtime would otherwise

@@ -283,6 +283,17 @@ if [ -e "$windows_build/tool/htstool.exe" ]; then
         check "output" same_console
         check "errors" cmp "$top/windows.err" "$top/unix.err"
     done
+    begin "htstool check with a pattern"
+    cp "$top/windows/c.txt" "$top/windows/A[1].HTS"
+    cp "$top/windows/c.txt" "$top/unix/A[1].HTS"
+    run_unix tool/htstool check a.hts "A[1].HTS"
+    run_windows_directly tool/htstool check '*.h?s'
+    sed -i 's/\r$//' "$top/windows.out"
+    check "exit code" same_code 2
+    check "output" same_console
+    begin "htstool check with a pattern of no file"
+    run_windows_directly tool/htstool check 'none*.hts'
+    check "exit code" test "$windows_code" -eq 3
     # Rows of comma-separated values end in "\r\n" on both systems.
     begin "htstool export to the standard output"
     run_unix tool/htstool export a.hts -o -
@@ -290,6 +301,31 @@ if [ -e "$windows_build/tool/htstool.exe" ]; then
     check "exit code" same_code 0
     check "bytes" cmp "$top/windows.out" "$top/unix.out"
 fi
+
+# ---- names that are not what they seem ----
+
+for program in "HtsAnnualizer -i a.hts -c c.txt -l l.txt" "htstool export a.hts"; do
+    arguments=${program#* }
+    program=${program%% *}
+    folder=app
+    code=1
+    [ "$program" = HtsAnnualizer ] || { folder=tool code=3; }
+
+    begin "$program into the null device"
+    run_windows "$folder/$program" "$arguments" -o Nul
+    check "exit code" test "$windows_code" -eq 0
+    check "no file" test ! -e "$top/windows/Nul"
+
+    for end in " " .; do
+        begin "$program into a name that ends with '$end'"
+        cp "$top/windows/c.txt" "$top/windows/b.hts"
+        run_windows "$folder/$program" "$arguments" -o "\"b.hts$end\"" "2>errors.txt"
+        check "exit code" test "$windows_code" -eq "$code"
+        check "reason" grep -q 'ends with a blank or a dot' "$top/windows.out" \
+            "$top/windows/errors.txt"
+        check "file" cmp -s "$top/windows/b.hts" "$top/windows/c.txt"
+    done
+done
 
 printf '%d checks, %d failed\n' "$checks" "$faults"
 [ "$faults" -eq 0 ]

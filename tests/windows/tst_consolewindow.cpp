@@ -19,21 +19,29 @@ namespace {
 
 constexpr DWORD kStillActive = STILL_ACTIVE;
 
-// A run of the program without a console, in `folder`.
+// A run of a program in `folder`: without a console, or with a handle of this process's console as
+// its standard output and error.
 class Run
 {
 public:
-    Run(const QString& arguments, const QString& folder)
+    Run(const char* program, const QString& arguments, const QString& folder,
+        HANDLE console = nullptr)
     {
-        const QString program = QDir::toNativeSeparators(QStringLiteral(HTS_ANNUALIZER));
         std::wstring commandLine =
-            QStringLiteral("\"%1\" %2").arg(program, arguments).toStdWString();
+            QStringLiteral("\"%1\" %2")
+                .arg(QDir::toNativeSeparators(QString::fromLatin1(program)), arguments)
+                .toStdWString();
         STARTUPINFOW startup = {};
         startup.cb = sizeof startup;
+        if (console != nullptr) {
+            startup.dwFlags = STARTF_USESTDHANDLES;
+            startup.hStdOutput = startup.hStdError = console;
+        }
         m_isStarted =
-            ::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS,
-                             nullptr, QDir::toNativeSeparators(folder).toStdWString().c_str(),
-                             &startup, &m_process) != FALSE;
+            ::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, console != nullptr,
+                             console == nullptr ? DETACHED_PROCESS : 0, nullptr,
+                             QDir::toNativeSeparators(folder).toStdWString().c_str(), &startup,
+                             &m_process) != FALSE;
     }
     ~Run()
     {
@@ -59,14 +67,15 @@ private:
     bool m_isStarted = false;
 };
 
-// The console of another process, which this process has joined; it leaves it at the end.
+// The console of another process, which this process has joined, or a new one; it leaves it at the
+// end.
 class JoinedConsole
 {
 public:
-    explicit JoinedConsole(DWORD process)
+    explicit JoinedConsole(DWORD process = 0)
     {
         ::FreeConsole();
-        m_isJoined = ::AttachConsole(process) != FALSE;
+        m_isJoined = (process == 0 ? ::AllocConsole() : ::AttachConsole(process)) != FALSE;
         if (!m_isJoined)
             return;
         m_output = open(L"CONOUT$");
@@ -84,6 +93,7 @@ public:
     JoinedConsole& operator=(const JoinedConsole&) = delete;
 
     bool isJoined() const { return m_isJoined; }
+    HANDLE output() const { return m_output; } // which another process may inherit
 
     // The lines of the screen without blanks and empty lines at the end.
     QStringList lines() const
@@ -117,8 +127,9 @@ public:
 private:
     static HANDLE open(const wchar_t* name)
     {
+        SECURITY_ATTRIBUTES security = {sizeof security, nullptr, TRUE};
         return ::CreateFileW(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                             nullptr, OPEN_EXISTING, 0, nullptr);
+                             &security, OPEN_EXISTING, 0, nullptr);
     }
 
     QString line(SHORT row, SHORT width) const
@@ -169,6 +180,8 @@ private Q_SLOTS:
     void showsTextUntilAKeyIsPressed_data();
     void showsTextUntilAKeyIsPressed();
     void runThatPrintsNothingHasNoConsole();
+    void toolShowsLettersAndColours_data();
+    void toolShowsLettersAndColours();
 
 private:
     QTemporaryDir m_folder;
@@ -202,7 +215,7 @@ void ConsoleWindowTest::showsTextUntilAKeyIsPressed()
     QFETCH(QString, arguments);
     QFETCH(QStringList, lines);
     QFETCH(int, exitCode);
-    const Run run(arguments, m_folder.path());
+    const Run run(HTS_ANNUALIZER, arguments, m_folder.path());
     QVERIFY(run.isStarted());
     QCOMPARE(screenWith(kPressAnyKey, run), QStringList(lines + QStringList{kPressAnyKey}));
     QCOMPARE(run.exitCode(), kStillActive);
@@ -221,13 +234,44 @@ void ConsoleWindowTest::runThatPrintsNothingHasNoConsole()
     writeFile(m_folder.filePath(QStringLiteral("c.txt")),
               readFile(QStringLiteral(SOURCE_DIR "/examples/rivers_daily_methods.txt")));
     const QString arguments = QStringLiteral("-i a.hts -c c.txt -o b.hts");
-    const Run run(arguments, m_folder.path());
+    const Run run(HTS_ANNUALIZER, arguments, m_folder.path());
     QVERIFY(run.isStarted());
     const QStringList screen = screenWith(kPressAnyKey, run);
     QCOMPARE(screen, QStringList{QStringLiteral("(no console)")});
     QTRY_VERIFY_WITH_TIMEOUT(run.exitCode() != kStillActive, 60000);
     QCOMPARE(int(run.exitCode()), 0);
     QVERIFY(QFile::exists(m_folder.filePath(QStringLiteral("b.hts"))));
+}
+
+void ConsoleWindowTest::toolShowsLettersAndColours_data()
+{
+    QTest::addColumn<QByteArray>("noColour"); // the variable NO_COLOR
+    QTest::addColumn<QString>("severity");
+    QTest::newRow("colours") << QByteArray() << "\u001b[36mnote\u001b[0m";
+    QTest::newRow("no colours") << QByteArray("1") << "note";
+}
+
+// The console gets them on the standard output and the standard error. Whether it shows the colours
+// is its own affair: this one takes the sequences for letters.
+void ConsoleWindowTest::toolShowsLettersAndColours()
+{
+    QFETCH(QByteArray, noColour);
+    QFETCH(QString, severity);
+    const QString name = QStringLiteral("\u0141\u00f3d\u017a");
+    writeFile(m_folder.filePath(name), QStringLiteral("\u03a9\n").toUtf8());
+    qputenv("NO_COLOR", noColour);
+    const auto unset = qScopeGuard([] { qunsetenv("NO_COLOR"); });
+    const JoinedConsole console;
+    QVERIFY(console.isJoined());
+    const Run run(HTSTOOL, QLatin1String("check ") + name, m_folder.path(), console.output());
+    QVERIFY(run.isStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(run.exitCode() != kStillActive, 60000);
+    const QString text = console.lines().join(QLatin1Char('\n'));
+    QCOMPARE(text.section(QLatin1Char('\n'), 0, 0),
+             QStringLiteral("%1:1: %2: \"\u03a9\" begins with no key and is ignored [ignored-line]")
+                 .arg(name, severity));
+    QVERIFY2(text.contains(name + QLatin1String(": 1 error, 0 warnings, 1 note;")),
+             qPrintable(text));
 }
 
 QTEST_GUILESS_MAIN(ConsoleWindowTest)

@@ -1,0 +1,28 @@
+#include "tool/terminal.h"
+
+#include <QTextCodec>
+
+#include "utils/processsetup.h"
+
+#include <unistd.h>
+
+OutputColour::OutputColour()
+    : m_isWanted(::isatty(STDOUT_FILENO) == 1 && qEnvironmentVariableIsEmpty("NO_COLOR") &&
+                 qgetenv("TERM") != "dumb")
+{
+}
+
+OutputColour::~OutputColour() = default;
+
+QStringList processArguments(int argc, const char* const* argv)
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(UtilsNS::argumentText(argv[i], *QTextCodec::codecForLocale()));
+    return arguments;
+}
+
+QStringList expandedPaths(const QStringList& paths)
+{
+    return paths;
+}
