@@ -37,7 +37,9 @@ qint64 writableLength(const char* utf8, qint64 size)
 QString problemOfPath(const QString& path, QIODevice::OpenMode mode)
 {
     const QString name = QFileInfo(path).fileName();
-    const bool isChanged = name.endsWith(QLatin1Char(' ')) || name.endsWith(QLatin1Char('.'));
+    const bool isFolder = name == QLatin1String(".") || name == QLatin1String("..");
+    const bool isChanged =
+        !isFolder && (name.endsWith(QLatin1Char(' ')) || name.endsWith(QLatin1Char('.')));
     if (!mode.testFlag(QIODevice::WriteOnly) || !isChanged)
         return {};
     return QStringLiteral("The name ends with a blank or a dot, which Windows would drop");
