@@ -8,9 +8,9 @@
 
 #include "QsLog.h"
 #include "annualize/annualizehts.h"
+#include "check/filecheck.h"
 #include "exchange/csvexport.h"
 #include "exchange/csvwriter.h"
-#include "check/filecheck.h"
 #include "fuzz/fuzzsupport.h"
 #include "fuzz/fuzztarget.h"
 #include "tests/plain/plainreader.h"
