@@ -27,7 +27,7 @@ QString wordOf(Integer number)
 template<typename... Arguments>
 QString worded(const char* pattern, const Arguments&... arguments)
 {
-    const QString text = QString::fromLatin1(pattern);
+    QString text = QString::fromLatin1(pattern);
     if constexpr (sizeof...(arguments) == 0)
         return text;
     else

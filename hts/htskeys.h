@@ -46,18 +46,18 @@ extern const std::array<HtsKey<HtsRun>, 11> kRunKeys;
 extern const std::array<HtsKey<HtsSlot>, 6> kSlotKeys;
 
 // Of the tables, those that are referred to elsewhere.
-inline constexpr QLatin1String kStartKey{"start:"};
-inline constexpr QLatin1String kEndKey{"end:"};
-inline constexpr QLatin1String kUnitKey{"time_step_unit:"};
-inline constexpr QLatin1String kObjectTypeKey{"object_type: "};
-inline constexpr QLatin1String kObjectNameKey{"object_name: "};
-inline constexpr QLatin1String kSlotTypeKey{"slot_type: "};
-inline constexpr QLatin1String kSlotNameKey{"slot_name: "};
+inline const QLatin1String kStartKey{"start:"};
+inline const QLatin1String kEndKey{"end:"};
+inline const QLatin1String kUnitKey{"time_step_unit:"};
+inline const QLatin1String kObjectTypeKey{"object_type: "};
+inline const QLatin1String kObjectNameKey{"object_name: "};
+inline const QLatin1String kSlotTypeKey{"slot_type: "};
+inline const QLatin1String kSlotNameKey{"slot_name: "};
 
 // The keyword lines of a column header.
-inline constexpr HtsKeyword kUnitsLine{QLatin1String("units: "), ValueKind::Name};
-inline constexpr HtsKeyword kScaleLine{QLatin1String("scale: "), ValueKind::Real};
-inline constexpr HtsKeyword kMethodLine{QLatin1String("method: "), ValueKind::Text};
+inline const HtsKeyword kUnitsLine{QLatin1String("units: "), ValueKind::Name};
+inline const HtsKeyword kScaleLine{QLatin1String("scale: "), ValueKind::Real};
+inline const HtsKeyword kMethodLine{QLatin1String("method: "), ValueKind::Text};
 
 extern const QLatin1String kEndPackagePreamble;
 extern const QLatin1String kEndRunPreamble;

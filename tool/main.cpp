@@ -29,8 +29,8 @@ int main(int argc, char* argv[])
     UtilsNS::chooseTextEncoding();
     UtilsNS::CheckedFile output;
     UtilsNS::CheckedFile errors;
-    if (!output.open(stdout, QIODevice::WriteOnly) ||
-        !errors.open(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered))
+    if (!output.openStream(stdout, QIODevice::WriteOnly) ||
+        !errors.openStream(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered))
         return ExitCode::kUnusable;
     const OutputColour colour;
     const ToolIo io{output, errors, colour.isWanted()};

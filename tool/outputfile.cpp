@@ -112,8 +112,9 @@ bool OutputFile::openDirectly()
     m_direct = std::make_unique<UtilsNS::CheckedFile>(m_path);
     if (m_path == kStandardStream)
         UtilsNS::useBinaryMode(stdout);
-    const bool isOpen = m_path == kStandardStream ? m_direct->open(stdout, QIODevice::WriteOnly)
-                                                  : m_direct->open(QIODevice::WriteOnly);
+    const bool isOpen = m_path == kStandardStream
+                            ? m_direct->openStream(stdout, QIODevice::WriteOnly)
+                            : m_direct->open(QIODevice::WriteOnly);
     if (!isOpen)
         reportProblem(m_path, m_direct->errorString(), m_io);
     return isOpen;

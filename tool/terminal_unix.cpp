@@ -12,7 +12,7 @@ OutputColour::OutputColour()
 {
 }
 
-OutputColour::~OutputColour() = default;
+OutputColour::~OutputColour() {} // another one on Windows
 
 QStringList processArguments(int argc, const char* const* argv)
 {

@@ -19,7 +19,7 @@ bool openInput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io
     file.limitLines();
     if (path == kStandardStream)
         UtilsNS::useBinaryMode(stdin);
-    const bool isOpen = path == kStandardStream ? file.open(stdin, kMode) : file.open(kMode);
+    const bool isOpen = path == kStandardStream ? file.openStream(stdin, kMode) : file.open(kMode);
     if (!isOpen)
         reportProblem(path, file.errorString(), io);
     return isOpen;

@@ -15,10 +15,10 @@ bool CheckedFile::open(OpenMode mode)
     return false;
 }
 
-bool CheckedFile::open(std::FILE* stream, OpenMode mode)
+bool CheckedFile::openStream(std::FILE* stream, OpenMode mode)
 {
     m_stream = stream;
-    return QFile::open(stream, mode);
+    return open(stream, mode);
 }
 
 Status CheckedFile::finish()

@@ -38,7 +38,7 @@ public:
     bool open(OpenMode mode) override;
     // Opens a standard stream, which stays open. Where it is a console of Windows, what is written
     // is UTF-8, with whole characters in each write, and shown as such.
-    bool open(std::FILE* stream, OpenMode mode);
+    bool openStream(std::FILE* stream, OpenMode mode);
 
     // The error text of the first read or write that failed; empty if none has failed. After a
     // failure every read fails.
