@@ -25,10 +25,6 @@ public:
     virtual void finish() {}
 
 protected:
-    void add(const FindingKind& kind, qint64 line, const char* pattern) const
-    {
-        m_context.findings.add(kind, line, pattern);
-    }
     template<typename Text, typename... Arguments>
     void add(const FindingKind& kind, qint64 line, const Text& text,
              const Arguments&... arguments) const

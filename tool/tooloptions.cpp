@@ -1,10 +1,12 @@
 #include "tool/tooloptions.h"
 
+#include <vector>
+
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 
 #include "annualize/months.h"
-#include "check/finding.h"
+#include "check/findinglist.h"
 #include "tool/terminal.h"
 
 namespace {
@@ -84,190 +86,182 @@ ToolOptions showing(const QString& text)
     return options;
 }
 
-// The parser of one command, with the options that all commands have.
-struct Command
+bool isSet(const QCommandLineParser& parser, const char* name)
 {
-    Command()
-    {
-        for (const QCommandLineOption& option : {help, version})
-            parser.addOption(option);
-    }
-
-    QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}};
-    QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")}};
-    QCommandLineParser parser;
-};
-
-// `names` are separated by blanks. `value` names the option's value in error texts; null for none.
-QCommandLineOption option(const char* names, const char* value = nullptr)
-{
-    return QCommandLineOption(QString::fromLatin1(names).split(QLatin1Char(' ')), QString(),
-                              QString::fromLatin1(value));
+    return parser.isSet(QString::fromLatin1(name));
 }
 
-// Returns false for a word that is not a format of the command.
-bool setFormat(const QString& word, ToolOptions::Format otherFormat, const char* otherWord,
-               ToolOptions& options)
+QString valueOf(const QCommandLineParser& parser, const char* name)
 {
-    const bool isOther = word == QLatin1String(otherWord);
-    if (isOther)
+    return parser.value(QString::fromLatin1(name));
+}
+
+// The functions below return what is wrong, or an empty text.
+
+QString readPath(const QCommandLineParser& parser, const char* name, const char* what,
+                 QString& path)
+{
+    path = valueOf(parser, name);
+    return isSet(parser, name) && path.isEmpty() ? worded("the path %1 is empty", what) : QString();
+}
+
+QString readFormat(const QCommandLineParser& parser, ToolOptions::Format otherFormat,
+                   const char* otherWord, ToolOptions& options)
+{
+    const QString word = valueOf(parser, "format");
+    if (word == QLatin1String(otherWord))
         options.format = otherFormat;
-    return isOther || word == QLatin1String("text");
-}
-
-// The argument that has a month attached to -y, which a conversion would ignore; empty if none has.
-QString attachedMonth(const QStringList& arguments)
-{
-    const QStringList options = arguments.mid(0, arguments.indexOf(QStringLiteral("--")));
-    for (const QString& argument : options) {
-        if (argument.startsWith(QLatin1String("-y")) && argument != QLatin1String("-y"))
-            return argument;
-    }
+    else if (isSet(parser, "format") && word != QLatin1String("text"))
+        return worded("the format \"%1\" is not text or %2", word, otherWord);
     return {};
 }
 
-ToolOptions parseCheck(const QStringList& arguments)
+QString readMonth(const QCommandLineParser& parser, const QStringList& arguments,
+                  ToolOptions& options)
 {
-    Command command;
-    QCommandLineParser& parser = command.parser;
-    const QCommandLineOption control = option("c control", "METHODS");
-    const QCommandLineOption month = option("y end-month", "MONTH");
-    const QCommandLineOption format = option("f format", "FORMAT");
-    const QCommandLineOption counts = option("counts", "OUT.csv");
-    parser.addOptions({control, month, format, counts});
-    const bool isValid = parser.parse(arguments);
-    if (parser.isSet(command.help))
-        return showing(kCheckHelp);
-    if (parser.isSet(command.version))
-        return showing(kVersion);
-    if (!isValid)
-        return invalid(parser.errorText());
+    for (const QString& argument : arguments.mid(0, arguments.indexOf(QStringLiteral("--")))) {
+        if (argument.startsWith(QLatin1String("-y")) && argument != QLatin1String("-y"))
+            return worded("\"%1\": HtsAnnualizer ignores a month that is attached to its option; "
+                          "write it as the next argument",
+                          argument);
+    }
+    if (!isSet(parser, "end-month"))
+        return {};
+    // -1 means December, as it does for a conversion.
+    constexpr int kDecember = 12;
+    const QString month = valueOf(parser, "end-month");
+    options.endMonth = month == QLatin1String("-1") ? kDecember : month.toInt();
+    return isMonth(options.endMonth) ? QString()
+                                     : worded("the month \"%1\" is not one of 1 to 12", month);
+}
 
-    ToolOptions options;
-    options.request = ToolOptions::Request::Check;
+QString readCheck(const QCommandLineParser& parser, const QStringList& arguments,
+                  ToolOptions& options)
+{
     options.files = expandedPaths(parser.positionalArguments());
     if (options.files.isEmpty())
-        return invalid(QStringLiteral("check needs a file"));
-    options.controlPath = parser.value(control);
-    if (parser.isSet(control) && options.controlPath.isEmpty())
-        return invalid(QStringLiteral("the path of the control file is empty"));
-    if (const QString argument = attachedMonth(arguments); !argument.isEmpty())
-        return invalid(
-            QStringLiteral("\"%1\": HtsAnnualizer ignores a month that is attached to its option; "
-                           "write it as the next argument")
-                .arg(argument));
-    if (parser.isSet(month)) {
-        // -1 means December, as it does for a conversion.
-        constexpr int kDecember = 12;
-        options.endMonth =
-            parser.value(month) == QLatin1String("-1") ? kDecember : parser.value(month).toInt();
-        if (!isMonth(options.endMonth))
-            return invalid(
-                QStringLiteral("the month \"%1\" is not one of 1 to 12").arg(parser.value(month)));
-    }
-    if (parser.isSet(format) &&
-        !setFormat(parser.value(format), ToolOptions::Format::Json, "json", options))
-        return invalid(
-            QStringLiteral("the format \"%1\" is not text or json").arg(parser.value(format)));
-    options.countsPath = parser.value(counts);
-    if (parser.isSet(counts) && options.countsPath.isEmpty())
-        return invalid(QStringLiteral("the path for the counts is empty"));
-    return options;
+        return QStringLiteral("check needs a file");
+    QString problem = readPath(parser, "control", "of the control file", options.controlPath);
+    if (problem.isEmpty())
+        problem = readMonth(parser, arguments, options);
+    if (problem.isEmpty())
+        problem = readFormat(parser, ToolOptions::Format::Json, "json", options);
+    return problem.isEmpty() ? readPath(parser, "counts", "for the counts", options.countsPath)
+                             : problem;
 }
 
-ToolOptions parseExport(const QStringList& arguments)
+QString readExport(const QCommandLineParser& parser, const QStringList& /*arguments*/,
+                   ToolOptions& options)
 {
-    Command command;
-    QCommandLineParser& parser = command.parser;
-    const QCommandLineOption output = option("o output", "OUT.csv");
-    const QCommandLineOption wide = option("w wide");
-    const QCommandLineOption run = option("r run", "N");
-    parser.addOptions({output, wide, run});
-    const bool isValid = parser.parse(arguments);
-    if (parser.isSet(command.help))
-        return showing(kExportHelp);
-    if (parser.isSet(command.version))
-        return showing(kVersion);
-    if (!isValid)
-        return invalid(parser.errorText());
-
-    ToolOptions options;
-    options.request = ToolOptions::Request::Export;
     options.files = expandedPaths(parser.positionalArguments());
     if (options.files.size() != 1)
-        return invalid(QStringLiteral("export needs one file"));
-    options.outputPath = parser.value(output);
+        return QStringLiteral("export needs one file");
+    options.outputPath = valueOf(parser, "output");
     if (options.outputPath.isEmpty())
-        return invalid(QStringLiteral("export needs a file to write, with -o"));
-    options.isWide = parser.isSet(wide);
-    if (parser.isSet(run)) {
-        options.run = parser.value(run).toInt();
-        if (options.run < 1)
-            return invalid(
-                QStringLiteral("\"%1\" is not the number of a run").arg(parser.value(run)));
-    }
-    return options;
+        return QStringLiteral("export needs a file to write, with -o");
+    options.isWide = isSet(parser, "wide");
+    const QString run = valueOf(parser, "run");
+    options.run = run.toInt();
+    return isSet(parser, "run") && options.run < 1
+               ? worded("\"%1\" is not the number of a run", run)
+               : QString();
 }
 
-ToolOptions parseExplain(const QStringList& arguments)
+QString readExplain(const QCommandLineParser& parser, const QStringList& /*arguments*/,
+                    ToolOptions& options)
 {
-    Command command;
-    QCommandLineParser& parser = command.parser;
-    const QCommandLineOption all = option("a all");
-    const QCommandLineOption format = option("f format", "FORMAT");
-    parser.addOptions({all, format});
+    options.codes = parser.positionalArguments();
+    options.isForAll = isSet(parser, "all");
+    if (options.isForAll != options.codes.isEmpty())
+        return QStringLiteral("explain needs either codes or --all");
+    for (const QString& code : qAsConst(options.codes)) {
+        if (findFindingKind(code) == nullptr)
+            return worded("\"%1\" is not a code; htstool explain --all lists them", code);
+    }
+    return readFormat(parser, ToolOptions::Format::Markdown, "markdown", options);
+}
+
+// An option: its names, separated by blanks, and the name of its value in error texts; null for
+// none.
+struct OptionNames
+{
+    const char* names;
+    const char* value;
+};
+
+struct Command
+{
+    const char* name;
+    ToolOptions::Request request;
+    const QString& help;
+    std::vector<OptionNames> options;
+    QString (*read)(const QCommandLineParser& parser, const QStringList& arguments,
+                    ToolOptions& options);
+};
+
+const std::vector<Command>& commands()
+{
+    static const std::vector<Command> kCommands = {
+        {"check",
+         ToolOptions::Request::Check,
+         kCheckHelp,
+         {{"c control", "METHODS"},
+          {"y end-month", "MONTH"},
+          {"f format", "FORMAT"},
+          {"counts", "OUT.csv"}},
+         readCheck},
+        {"explain",
+         ToolOptions::Request::Explain,
+         kExplainHelp,
+         {{"a all", nullptr}, {"f format", "FORMAT"}},
+         readExplain},
+        {"export",
+         ToolOptions::Request::Export,
+         kExportHelp,
+         {{"o output", "OUT.csv"}, {"w wide", nullptr}, {"r run", "N"}},
+         readExport},
+    };
+    return kCommands;
+}
+
+// The parser ignores the first argument, which should be the program's name: here the command.
+ToolOptions parse(const Command& command, const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    std::vector<OptionNames> all = command.options;
+    all.insert(all.end(), {{"h help", nullptr}, {"v version", nullptr}});
+    for (const OptionNames& option : all)
+        parser.addOption(
+            QCommandLineOption(QString::fromLatin1(option.names).split(QLatin1Char(' ')), QString(),
+                               QString::fromLatin1(option.value)));
     const bool isValid = parser.parse(arguments);
-    if (parser.isSet(command.help))
-        return showing(kExplainHelp);
-    if (parser.isSet(command.version))
+    if (isSet(parser, "help"))
+        return showing(command.help);
+    if (isSet(parser, "version"))
         return showing(kVersion);
     if (!isValid)
         return invalid(parser.errorText());
-
     ToolOptions options;
-    options.request = ToolOptions::Request::Explain;
-    options.codes = parser.positionalArguments();
-    options.isForAll = parser.isSet(all);
-    if (options.isForAll != options.codes.isEmpty())
-        return invalid(QStringLiteral("explain needs either codes or --all"));
-    for (const QString& code : qAsConst(options.codes)) {
-        if (findFindingKind(code) == nullptr)
-            return invalid(
-                QStringLiteral("\"%1\" is not a code; htstool explain --all lists them").arg(code));
-    }
-    if (parser.isSet(format) &&
-        !setFormat(parser.value(format), ToolOptions::Format::Markdown, "markdown", options))
-        return invalid(
-            QStringLiteral("the format \"%1\" is not text or markdown").arg(parser.value(format)));
-    return options;
+    options.request = command.request;
+    const QString problem = command.read(parser, arguments, options);
+    return problem.isEmpty() ? options : invalid(problem);
 }
-
-struct ToolCommand
-{
-    const char* name;
-    ToolOptions (*parse)(const QStringList& arguments);
-};
-
-const ToolCommand kCommands[] = {
-    {"check", parseCheck}, {"explain", parseExplain}, {"export", parseExport}};
 
 } // namespace
 
 ToolOptions parseToolOptions(const QStringList& arguments)
 {
-    const QString command = arguments.value(1);
-    if (command == QLatin1String("-h") || command == QLatin1String("--help"))
+    const QString word = arguments.value(1);
+    if (word == QLatin1String("-h") || word == QLatin1String("--help"))
         return showing(kHelp);
-    if (command == QLatin1String("-v") || command == QLatin1String("--version"))
+    if (word == QLatin1String("-v") || word == QLatin1String("--version"))
         return showing(kVersion);
-    // The parser ignores the first argument, which should be the program's name: here the command.
-    for (const ToolCommand& known : kCommands) {
-        if (command == QLatin1String(known.name))
-            return known.parse(arguments.mid(1));
+    for (const Command& command : commands()) {
+        if (word == QLatin1String(command.name))
+            return parse(command, arguments.mid(1));
     }
     return invalid(
-        command.isEmpty()
+        word.isEmpty()
             ? QStringLiteral("no command is given")
-            : QStringLiteral("\"%1\" is not one of the commands check, explain and export")
-                  .arg(command));
+            : worded("\"%1\" is not one of the commands check, explain and export", word));
 }
