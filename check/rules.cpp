@@ -87,6 +87,7 @@ private:
     QString textOf(RuleId rule) const;
     QString nearestName(RuleId rule) const;
 
+    qint64 m_endOfRun = 0;   // line of the last one so far
     std::vector<Use> m_uses; // one for each rule
     std::set<QString>
         m_types; // object types of the file, for the nearest name to an unmatched rule
@@ -142,9 +143,10 @@ void RuleCheck::reportSlot(const HtsSlot& slot)
             plan.methodWord);
 }
 
-// Only now: the slots after an error in the first run are not known.
+// The rules only now: the slots after an error in the first run are not known.
 void RuleCheck::runEnded()
 {
+    m_endOfRun = m_context.reader.lineNumber();
     if (!isChecked())
         return;
     m_uses.resize(m_context.ruleLines->size());
@@ -160,7 +162,8 @@ void RuleCheck::finish()
     // A bad control file has been reported, with the same message.
     if (!isPlanned || conversion.annualizedCount() > 0 || !conversion.control().status.ok())
         return;
-    add(kNothingToConvert, m_context.reader.lineNumber(), "%1%2",
+    // Not the reader's line: what follows the last run has been read too.
+    add(kNothingToConvert, m_endOfRun, "%1%2",
         m_context.ruleLines != nullptr ? "no series slot has a method"
                                        : "the first run has no series slot",
         conversionFails(conversion.verdict().message));

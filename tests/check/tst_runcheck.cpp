@@ -101,6 +101,10 @@ void RunCheckTest::findsInLaterRuns_data()
                 QByteArray(kRun).replace("start:2000", "start:2001") + scalar("Area")}),
         {QStringLiteral("60: nothing-to-convert: the first run has no series slot; a conversion "
                         "fails: \"No series slots with valid methods found in input HTS file\"")});
+    row("nothing to convert, and text after the run", fileOf({kRun + scalar("Area")}) + "text\n",
+        {QStringLiteral("31: nothing-to-convert: the first run has no series slot; a conversion "
+                        "fails: \"No series slots with valid methods found in input HTS file\""),
+         QStringLiteral("32: text-after-last-run: \"text\" follows the last run and is not read")});
     row("another unit", withSecond("month", "day"),
         {QStringLiteral("44: run-steps: run 2 has steps of 1 \"day\" where the first run has steps "
                         "of 1 \"month\"; the years of the first run are used")});
