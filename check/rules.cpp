@@ -87,10 +87,9 @@ private:
     QString textOf(RuleId rule) const;
     QString nearestName(RuleId rule) const;
 
-    qint64 m_endOfRun = 0;   // line of the last one so far
-    std::vector<Use> m_uses; // one for each rule
-    std::set<QString>
-        m_types; // object types of the file, for the nearest name to an unmatched rule
+    qint64 m_endOfRun = 0;     // line of the last one so far
+    std::vector<Use> m_uses;   // one for each rule
+    std::set<QString> m_types; // of the file's objects, for the nearest name
 };
 
 bool RuleCheck::isChecked() const
@@ -233,7 +232,8 @@ QString RuleCheck::nearestName(RuleId rule) const
     int best = std::min(kMaxDistance, wanted.size() / 2) + 1;
     QString nearest;
     const auto compare = [&](const QString& name) {
-        if (best == 0)
+        // No rule can be for an empty name.
+        if (best == 0 || name.startsWith(QLatin1Char('.')))
             return;
         // A name that differs only in letter case is the nearest.
         const bool isSameButCase = name.compare(wanted, Qt::CaseInsensitive) == 0;

@@ -64,6 +64,7 @@ private Q_SLOTS:
     void plansEachSlot();
     void rulesInAnotherEncoding();
     void nearestNameIsFoundAmongManySlots();
+    void nearestNameIsOneThatARuleCanHave();
 
 private:
     CheckReport check(const QByteArray& rules, const QByteArray& file) const;
@@ -243,6 +244,13 @@ void RuleCheckTest::nearestNameIsFoundAmongManySlots()
     QCOMPARE(findings("Object77.Flaw: Sum\n*.*: End\n", slotList),
              QStringList{QStringLiteral("control 1: rule-unmatched: \"Object77.Flaw: Sum\" fits no "
                                         "slot; the nearest is \"Object77.Flow\"")});
+}
+
+// No rule can be for an object without a type.
+void RuleCheckTest::nearestNameIsOneThatARuleCanHave()
+{
+    QCOMPARE(findings("x.Q: Sum\n*.*: End\n", {{"", "Lake", "Q"}}).constLast(),
+             QStringLiteral("control 1: rule-unmatched: \"x.Q: Sum\" fits no slot"));
 }
 
 QTEST_APPLESS_MAIN(RuleCheckTest)
