@@ -4,6 +4,7 @@
 
 #include "QsLog.h"
 #include "annualize/months.h"
+#include "hts/htswalk.h"
 
 Conversion::Conversion(RuleSource ruleSource, int endMonth, Purpose purpose)
     : m_ruleSource(std::move(ruleSource)), m_endMonth(endMonth), m_purpose(purpose)
@@ -169,7 +170,7 @@ Status Conversion::verdict() const
 
 Status Conversion::report() const
 {
-    Q_ASSERT(m_isFinished && m_readStatus.ok());
+    Q_ASSERT(m_isFinished && m_readStatus.ok() && !isJudging());
     logCompleteYears(m_firstYears, m_endMonth);
     if (m_firstYears.status.ok())
         logAssignments();

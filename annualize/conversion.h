@@ -12,8 +12,10 @@
 #include "annualize/controlfile.h"
 #include "annualize/slotplan.h"
 #include "hts/htspackage.h"
-#include "hts/htswalk.h"
 #include "hts/status.h"
+
+class HtsWalk;
+class QIODevice;
 
 // All decisions of one conversion: the years of each run, the method of each slot, the annual
 // values, and why there is no result. It takes the sections of an HTS file as a walk reads them:
@@ -63,11 +65,15 @@ public:
     // success if there is none. Valid after finish().
     Status verdict() const;
     // Logs the steps of the conversion and returns the verdict. Not after a failure of the walk,
-    // which comes before all steps.
+    // which comes before all steps, and not for a Conversion that judges.
     Status report() const;
 
-    // The result; complete if the verdict is a success.
-    const HtsPackage& annualPackage() const { return m_annual; }
+    // The result; complete if the verdict is a success. Not for a Conversion that judges.
+    const HtsPackage& annualPackage() const
+    {
+        Q_ASSERT(!isJudging());
+        return m_annual;
+    }
 
     // The complete years of the first run, and of the run at hand.
     const CompleteYears& firstYears() const { return m_firstYears; }
@@ -91,7 +97,8 @@ public:
         // fails. Valid until the next section is taken.
         const std::vector<YearValues>* years = nullptr;
     };
-    // Of the slot taken last; at the end of a run, of the first slot that the run lacks.
+    // Of the slot taken last; at the end of a run, of the slots that it lacks, the first that
+    // fails.
     const SlotOutcome& outcome() const { return m_outcome; }
 
 private:

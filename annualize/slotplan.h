@@ -21,7 +21,7 @@ struct SlotPlan
     SlotPlan() = default; // for containers
 
     // Whether the slot gets a place in the result: a series slot with a method that is supported,
-    // or with a word that is not a method, for which annualize() fails.
+    // or with a word that is not a method, for which aggregate() fails.
     bool isAnnualized() const;
 
     // Logs why the slot has no place in the result. Logs nothing if it has one, or has no method.

@@ -17,7 +17,11 @@ public:
     bool isInSync() const { return m_isInSync; }
     void loseSync() { m_isInSync = false; }
     // The end line of a slot preamble was read: the reader is in sync.
-    void slotPreambleRead() { m_isInSync = true; }
+    void slotPreambleRead()
+    {
+        Q_ASSERT(!m_isInValues);
+        m_isInSync = true;
+    }
 
     void beginValues()
     {
@@ -33,27 +37,34 @@ public:
         Q_ASSERT(m_isInValues);
         ++m_foreignLines;
     }
-    bool hasForeignLines() const { return m_foreignLines > 0; }
+    bool hasForeignLines() const
+    {
+        Q_ASSERT(m_isInValues);
+        return m_foreignLines > 0;
+    }
     // A line that is not a value was read as one: the last values are not read.
     void noteInsertedLine()
     {
         Q_ASSERT(m_isInValues);
         ++m_insertedLines;
     }
-    qint64 insertedLines() const { return m_insertedLines; }
+    qint64 insertedLines() const
+    {
+        Q_ASSERT(m_isInValues);
+        return m_insertedLines;
+    }
     // The end lines after the values were read; `isEndOfSlot` is whether the second is the end of
     // the slot, or nearly.
     void endValues(bool isEndOfSlot)
     {
-        Q_ASSERT(m_isInValues);
-        m_isInValues = false;
         if (hasForeignLines() || !isEndOfSlot)
             loseSync();
+        m_isInValues = false;
     }
 
     // A run was ended by an empty line before its "END_RUN", which is still to be read.
     void expectStrayEndOfRun(bool isExpected) { m_isStrayExpected = isExpected; }
-    // Whether that is expected of the next line. The following call returns false.
+    // Whether that is expected. The following call returns false.
     bool takeStrayEndOfRun()
     {
         const bool isExpected = m_isStrayExpected;

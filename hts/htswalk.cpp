@@ -22,8 +22,9 @@ bool HtsWalk::next()
         readSlot();
         break;
     case Place::Run:
-    case Place::EndOfLastRun:
         readSlot();
+        break;
+    case Place::EndOfLastRun:
         break;
     }
     return m_status.ok() && !m_isTableWithoutEnd && m_place != Place::EndOfLastRun;

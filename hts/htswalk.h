@@ -1,6 +1,8 @@
 #ifndef HTS_HTSWALK_H
 #define HTS_HTSWALK_H
 
+#include <utility>
+
 #include "hts/htspackage.h"
 #include "hts/htsreader.h"
 #include "hts/status.h"
