@@ -1,5 +1,6 @@
 #include "tool/tooloptions.h"
 
+#include <algorithm>
 #include <vector>
 
 #include <QCommandLineOption>
@@ -116,15 +117,8 @@ QString readFormat(const QCommandLineParser& parser, ToolOptions::Format otherFo
     return {};
 }
 
-QString readMonth(const QCommandLineParser& parser, const QStringList& arguments,
-                  ToolOptions& options)
+QString readMonth(const QCommandLineParser& parser, ToolOptions& options)
 {
-    for (const QString& argument : arguments.mid(0, arguments.indexOf(QStringLiteral("--")))) {
-        if (argument.startsWith(QLatin1String("-y")) && argument != QLatin1String("-y"))
-            return worded("\"%1\": HtsAnnualizer ignores a month that is attached to its option; "
-                          "write it as the next argument",
-                          argument);
-    }
     if (!isSet(parser, "end-month"))
         return {};
     // -1 means December, as it does for a conversion.
@@ -135,23 +129,21 @@ QString readMonth(const QCommandLineParser& parser, const QStringList& arguments
                                      : worded("the month \"%1\" is not one of 1 to 12", month);
 }
 
-QString readCheck(const QCommandLineParser& parser, const QStringList& arguments,
-                  ToolOptions& options)
+QString readCheck(const QCommandLineParser& parser, ToolOptions& options)
 {
     options.files = expandedPaths(parser.positionalArguments());
     if (options.files.isEmpty())
         return QStringLiteral("check needs a file");
     QString problem = readPath(parser, "control", "of the control file", options.controlPath);
     if (problem.isEmpty())
-        problem = readMonth(parser, arguments, options);
+        problem = readMonth(parser, options);
     if (problem.isEmpty())
         problem = readFormat(parser, ToolOptions::Format::Json, "json", options);
     return problem.isEmpty() ? readPath(parser, "counts", "for the counts", options.countsPath)
                              : problem;
 }
 
-QString readExport(const QCommandLineParser& parser, const QStringList& /*arguments*/,
-                   ToolOptions& options)
+QString readExport(const QCommandLineParser& parser, ToolOptions& options)
 {
     options.files = expandedPaths(parser.positionalArguments());
     if (options.files.size() != 1)
@@ -167,8 +159,7 @@ QString readExport(const QCommandLineParser& parser, const QStringList& /*argume
                : QString();
 }
 
-QString readExplain(const QCommandLineParser& parser, const QStringList& /*arguments*/,
-                    ToolOptions& options)
+QString readExplain(const QCommandLineParser& parser, ToolOptions& options)
 {
     options.codes = parser.positionalArguments();
     options.isForAll = isSet(parser, "all");
@@ -195,8 +186,7 @@ struct Command
     ToolOptions::Request request;
     const QString& help;
     std::vector<OptionNames> options;
-    QString (*read)(const QCommandLineParser& parser, const QStringList& arguments,
-                    ToolOptions& options);
+    QString (*read)(const QCommandLineParser& parser, ToolOptions& options);
 };
 
 const std::vector<Command>& commands()
@@ -224,6 +214,34 @@ const std::vector<Command>& commands()
     return kCommands;
 }
 
+bool takesValue(const std::vector<OptionNames>& options, const QString& name)
+{
+    return std::any_of(options.begin(), options.end(), [&name](const OptionNames& option) {
+        return option.value != nullptr &&
+               QString::fromLatin1(option.names).split(QLatin1Char(' ')).contains(name);
+    });
+}
+
+// The first argument that has a month attached to -y, which a conversion would ignore; empty if
+// none has. The values of options, which may look like it, are skipped as the parser takes them.
+QString attachedMonth(const std::vector<OptionNames>& options, const QStringList& arguments)
+{
+    for (int i = 1; i < arguments.size() && arguments.at(i) != QLatin1String("--"); ++i) {
+        const QString& argument = arguments.at(i);
+        int letter = 1;
+        while (letter < argument.size() && !takesValue(options, argument.mid(letter, 1)))
+            ++letter;
+        const bool isLong = argument.startsWith(QLatin1String("--"));
+        const bool isShort = !isLong && argument.startsWith(QLatin1Char('-'));
+        if (isShort && letter < argument.size() - 1 && argument.at(letter) == QLatin1Char('y'))
+            return argument;
+        const bool isValueNext = isLong ? takesValue(options, argument.mid(2))
+                                        : isShort && letter == argument.size() - 1;
+        i += isValueNext ? 1 : 0;
+    }
+    return {};
+}
+
 // The parser ignores the first argument, which should be the program's name: here the command.
 ToolOptions parse(const Command& command, const QStringList& arguments)
 {
@@ -241,9 +259,15 @@ ToolOptions parse(const Command& command, const QStringList& arguments)
         return showing(kVersion);
     if (!isValid)
         return invalid(parser.errorText());
+    const QString attached = attachedMonth(command.options, arguments);
+    if (!attached.isEmpty())
+        return invalid(
+            worded("\"%1\": HtsAnnualizer ignores a month that is attached to its option; "
+                   "write it as the next argument",
+                   attached));
     ToolOptions options;
     options.request = command.request;
-    const QString problem = command.read(parser, arguments, options);
+    const QString problem = command.read(parser, options);
     return problem.isEmpty() ? options : invalid(problem);
 }
 

@@ -116,6 +116,14 @@ void HtstoolTest::endMonthOfMinusOneIsDecember()
     QCOMPARE(run.output, december);
     run.start(words("check pond.hts -c pond_methods.txt -y -1"));
     QCOMPARE(run.output, december);
+    // Values that only look like an attached month.
+    run.write(QStringLiteral("-y9"),
+              sourceFile(QStringLiteral("tests/tool/files/pond_methods.txt")));
+    for (const char* arguments : {"check -c -y9 pond.hts", "check --control -y9 pond.hts",
+                                  "check -fc pond.hts -c -y9", "check -c-y9 pond.hts"}) {
+        run.start(words(arguments));
+        QVERIFY2(!run.errors.contains("attached"), run.errors.constData());
+    }
 }
 
 // Which slots follow the error is not known.
