@@ -334,7 +334,10 @@ bool MessageViewer::eventFilter(QObject* watched, QEvent* event)
         event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange;
     if (watched == m_tree && isChange) {
         m_widths.clear();
-        scheduleShowingNewRows(); // after the tree's own handling of the event
+        // After the tree's own handling of the event; but rows that are to come need not wait for
+        // the pause that follows.
+        if (m_tree->topLevelItemCount() > 0)
+            scheduleShowingNewRows();
     }
     return QDialog::eventFilter(watched, event);
 }
