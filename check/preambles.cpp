@@ -184,31 +184,30 @@ void PreambleCheck::keywordLine(const HtsKeyword& keyword, std::string_view valu
 void PreambleCheck::checkValue(const HtsKeyword& keyword, std::string_view value)
 {
     const qint64 number = m_context.reader.lineNumber();
-    const QString name = keyName(keyword.key);
     switch (keyword.kind) {
     case ValueKind::Text:
         return;
     case ValueKind::Name:
         if (hasOddCharacter(value))
             add(kOddCharacter, number,
-                "%1 %2 contains a tab, a control character or bytes that are not UTF-8", name,
-                quoted(value));
+                "%1 %2 contains a tab, a control character or bytes that are not UTF-8",
+                keyName(keyword.key), quoted(value));
         return;
     case ValueKind::Integer:
         if (!isInteger(toText(value)))
-            add(kBadInteger, number, "%1 %2 is not an integer and counts as 0", name,
-                quoted(value));
+            add(kBadInteger, number, "%1 %2 is not an integer and counts as 0",
+                keyName(keyword.key), quoted(value));
         return;
     case ValueKind::DateTime:
         if (!textToDateTime(toText(value)).isValid())
-            add(kBadDate, number, "%1 %2 is not a date-time", name, quoted(value));
+            add(kBadDate, number, "%1 %2 is not a date-time", keyName(keyword.key), quoted(value));
         return;
     case ValueKind::Real:
         break;
     }
     const double scale = toText(value).toDouble();
     if (scale == 0.0 || !std::isfinite(scale))
-        add(kBadScale, number, "%1 %2 is %3", name, quoted(value),
+        add(kBadScale, number, "%1 %2 is %3", keyName(keyword.key), quoted(value),
             isNumberLine(value) ? "not a usable scale" : "not a number and counts as 0");
 }
 

@@ -128,18 +128,18 @@ void RuleCheck::noteMatches(const HtsSlot& slot)
 void RuleCheck::reportSlot(const HtsSlot& slot)
 {
     const SlotPlan& plan = m_context.conversion.plans().constLast();
-    const QString name = fullSlotName(slot.objectName, slot.slotName);
+    const auto name = [&slot]() -> QString { return fullSlotName(slot.objectName, slot.slotName); };
     const qint64 line = m_context.lines.firstLine();
     if (slot.objectName.contains(QLatin1Char('.')))
         add(kDottedObject, line,
             "the object of %1 has a dot in its name: only its type or * can "
             "reach it, %2",
-            name, plan.method == nullptr ? "and no rule does" : "as a rule does");
+            name(), plan.method == nullptr ? "and no rule does" : "as a rule does");
     else if (plan.method == nullptr)
-        add(kSlotWithoutRule, line, "no rule fits %1, which is left out", name);
+        add(kSlotWithoutRule, line, "no rule fits %1, which is left out", name());
     else if (!plan.method->isSupported())
-        add(kSalinity, line, "%1 has the method %2, which is not supported, and is left out", name,
-            plan.methodWord);
+        add(kSalinity, line, "%1 has the method %2, which is not supported, and is left out",
+            name(), plan.methodWord);
 }
 
 // The rules only now: the slots after an error in the first run are not known.

@@ -183,9 +183,11 @@ void ValueCheck::reportMissing(const HtsColumn& values, qint64 firstLine)
     const std::size_t missing = missingCount(values) - m_infiniteValues;
     if (missing == 0)
         return;
-    const double percent = 100.0 * static_cast<double>(missing) / m_count;
-    add(kMissingValues, firstLine, "%1 of %2 values of %3 are missing (%4 %)", missing, m_count,
-        m_slotName, QString::number(percent, 'f', 1));
+    add(kMissingValues, firstLine, [&]() -> QString {
+        const double percent = 100.0 * static_cast<double>(missing) / m_count;
+        return worded("%1 of %2 values of %3 are missing (%4 %)", missing, m_count, m_slotName,
+                      QString::number(percent, 'f', 1));
+    });
 }
 
 // Only the first sentinel that occurs twice.

@@ -8,7 +8,9 @@ namespace {
 
 bool isShown(QChar character)
 {
-    return character.isPrint() || character.isSurrogate();
+    const ushort code = character.unicode();
+    const bool isPlain = code >= ' ' && code < 0x7f; // most are, and need no look into a table
+    return isPlain || character.isPrint() || character.isSurrogate();
 }
 
 QString shown(QChar character)

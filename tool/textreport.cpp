@@ -88,9 +88,10 @@ QString textReport(const CheckReport& report, const ReportNames& names, bool has
     }
     if (names.control.isEmpty())
         return text;
-    text += worded("%1: plan: %2\n", names.file, yearsText(report.years));
+    const QString start = worded("%1: plan: ", names.file);
+    text += start + yearsText(report.years) + QLatin1Char('\n');
     for (const PlannedSlot& slot : report.slotPlan)
-        text += worded("%1: plan: %2\n", names.file, slotText(slot));
+        text += start + slotText(slot) + QLatin1Char('\n');
     return text;
 }
 
