@@ -255,20 +255,24 @@ std::vector<RuleId> MethodControl::matchingRules(const HtsSlot& slot) const
 QString MethodControl::methodFor(const HtsSlot& slot) const
 {
     const RuleId rule = ruleFor(slot);
-    return rule == kNoRule ? QString() : ruleAt(rule).method->word;
+    return rule == kNoRule ? QString() : methodOf(rule).word;
+}
+
+const AggMethod& MethodControl::methodOf(RuleId rule) const
+{
+    Q_ASSERT(rule >= 0 && rule < m_rules.size());
+    return aggMethods()[static_cast<std::size_t>(m_rules[rule])];
 }
 
 MethodRule MethodControl::ruleAt(RuleId rule) const
 {
-    Q_ASSERT(rule >= 0 && rule < m_rules.size());
     std::string_view names = namesAt(rule);
     const std::string_view object = takeName(names);
     const std::string_view slot = takeName(names);
     const auto withoutLineEnd = [](std::string_view name) {
         return name.substr(0, name.size() - 1);
     };
-    return {withoutLineEnd(object), withoutLineEnd(slot),
-            &aggMethods()[static_cast<std::size_t>(m_rules[rule])]};
+    return {withoutLineEnd(object), withoutLineEnd(slot), &methodOf(rule)};
 }
 
 RuleId MethodControl::firstLike(RuleId rule) const

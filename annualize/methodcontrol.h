@@ -62,6 +62,7 @@ public:
     // Its method word, in canonical case (see aggmethods.h); empty without a rule.
     QString methodFor(const HtsSlot& slot) const;
 
+    const AggMethod& methodOf(RuleId rule) const;
     // The rule; its names are valid as long as the object.
     MethodRule ruleAt(RuleId rule) const;
     // The first rule for the same object and slot.

@@ -16,12 +16,13 @@ SlotPlan::SlotPlan(const HtsSlot& slot, const QString& word)
 {
 }
 
-SlotPlan::SlotPlan(const HtsSlot& slot, const MethodControl& rules) : SlotPlan(slot, QString())
+SlotPlan::SlotPlan(const HtsSlot& slot, const MethodControl& rules)
+    : objectName(slot.objectName), slotName(slot.slotName), rule(rules.ruleFor(slot)),
+      isSeries(slot.isSeries())
 {
-    rule = rules.ruleFor(slot);
     if (rule == kNoRule)
         return;
-    method = rules.ruleAt(rule).method;
+    method = &rules.methodOf(rule);
     methodWord = method->word;
 }
 
