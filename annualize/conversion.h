@@ -27,7 +27,7 @@ class QIODevice;
 //     while (walk.next())
 //         conversion.take(walk);
 //     conversion.finish(walk, preamble);
-//     const Status status = conversion.report();
+//     Status status = conversion.report();
 //     if (status.ok())
 //         status = conversion.annualPackage().write(result);
 //
