@@ -33,7 +33,7 @@ const PreambleLines::Line* PreambleLines::note(QLatin1String key, std::string_vi
     line.key = key;
     line.value.assign(value);
     line.number = number;
-    line.count = isRepeated ? m_previous.count + 1 : 1;
+    line.isRepeated = isRepeated;
     return isRepeated ? &m_previous : nullptr;
 }
 

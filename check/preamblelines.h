@@ -17,7 +17,7 @@ public:
         QLatin1String key;
         std::string value; // of the last line with this key
         qint64 number = 0;
-        qint64 count = 0; // of lines with this key
+        bool isRepeated = false; // it is not the first line with this key
     };
 
     // A new preamble, whose first line is `firstLine`.

@@ -65,6 +65,9 @@ void PreambleCheckTest::findsInPreambles_data()
         {QStringLiteral("9: misplaced-line: \"owner:x\"") + ignored + runEnd});
     row("timestep in the run preamble", "unit_quantity:1", "2000-1-31 24:00",
         {QStringLiteral("9: misplaced-line: \"2000-1-31 24:00\"") + ignored + runEnd});
+    row("last timestep that there can be in the run preamble", "unit_quantity:1",
+        "9999-12-31 24:00",
+        {QStringLiteral("9: misplaced-line: \"9999-12-31 24:00\"") + ignored + runEnd});
     row("end of a run in the run preamble", "unit_quantity:1", "END_RUN",
         {QStringLiteral("9: misplaced-line: \"END_RUN\"") + ignored + lineLost});
     row("run's key in the slot preamble", "slot_type: SeriesSlot", "start:2000-1-31 24:00",
