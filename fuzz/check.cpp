@@ -103,7 +103,7 @@ void checkExport(const Inputs& inputs, const CheckReport& report, bool isWide)
 
 } // namespace
 
-void checkInput(const QByteArray& input)
+FUZZ_TARGET(check)
 {
     QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
     const Inputs inputs = inputsOf(input);

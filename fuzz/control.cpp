@@ -174,7 +174,7 @@ void checkBinary(const QByteArray& input, const Rules& rules, const QVector<HtsS
 
 } // namespace
 
-void checkInput(const QByteArray& input)
+FUZZ_TARGET(control)
 {
     static const fuzz::ScratchFile kFile;
     QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);

@@ -190,7 +190,7 @@ bool isKnown(const QString& message)
 
 } // namespace
 
-void checkInput(const QByteArray& input)
+FUZZ_TARGET(convert)
 {
     const Inputs inputs = inputsOf(input);
     if (plainreader::isEndless(inputs.hts))

@@ -186,7 +186,7 @@ QVector<QStringList> exportedRows(const fuzz::ToolCase& files, const QStringList
 
 } // namespace
 
-void checkInput(const QByteArray& input)
+FUZZ_TARGET(csv)
 {
     const fuzz::ToolCase files(withCarriageReturnsInNamesOnly(input));
     const QVector<QStringList> rows = exportedRows(files, {});

@@ -97,7 +97,7 @@ void checkInstant(qint64 minutes)
 
 } // namespace
 
-void checkInput(const QByteArray& input)
+FUZZ_TARGET(datetime)
 {
     static const TimeZone kZoneWithoutGaps("UTC");
     checkText(QString::fromUtf8(input.constData(), input.size()));

@@ -100,7 +100,7 @@ QString substituted(const QString& text, QStringList& undefined)
 
 } // namespace
 
-void checkInput(const QByteArray& input)
+FUZZ_TARGET(envvars)
 {
     static const bool kIsSet = (setEnvironment(), true);
     Q_UNUSED(kIsSet)

@@ -1,7 +1,7 @@
 #include "fuzz/fuzztarget.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+std::vector<FuzzTarget>& fuzzTargets()
 {
-    checkInput(QByteArray(reinterpret_cast<const char*>(data), static_cast<int>(size)));
-    return 0;
+    static std::vector<FuzzTarget> targets;
+    return targets;
 }

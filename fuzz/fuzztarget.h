@@ -1,18 +1,38 @@
 #ifndef FUZZ_FUZZTARGET_H
 #define FUZZ_FUZZTARGET_H
 
-#include <cstddef>
-#include <cstdint>
+#include <vector>
 
 #include <QByteArray>
 
-// A fuzz target is one file that defines checkInput(): it gives the input to the product and calls
-// fuzz::require() for everything that must be true (see fuzzsupport.h). Two programs are built from
-// it: the fuzzer, and the test that replays the committed corpus.
-void checkInput(const QByteArray& input);
+// A fuzz target is one file that ends in
+//
+//     FUZZ_TARGET(NAME_OF_THE_FILE)
+//     {
+//         ...
+//     }
+//
+// It gives `input` to the product and calls fuzz::require() for everything that must be true (see
+// fuzzsupport.h). Two programs have it: a fuzzer of its own, and the test that replays the
+// committed corpora of all.
+struct FuzzTarget
+{
+    const char* name;
+    void (*checkInput)(const QByteArray& input);
+};
 
-// The entry that both programs call; always returns 0. Its name is the fuzzer's.
-// NOLINTNEXTLINE(readability-identifier-naming)
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+// Those that are linked into the program.
+std::vector<FuzzTarget>& fuzzTargets();
+
+class FuzzTargetRegistration
+{
+public:
+    explicit FuzzTargetRegistration(const FuzzTarget& target) { fuzzTargets().push_back(target); }
+};
+
+#define FUZZ_TARGET(target)                                                                        \
+    static void checkInput(const QByteArray& input);                                               \
+    static const FuzzTargetRegistration kRegistration({#target, checkInput});                      \
+    static void checkInput(const QByteArray& input)
 
 #endif // FUZZ_FUZZTARGET_H

@@ -160,7 +160,7 @@ void checkTool(const QList<QByteArray>& arguments)
 
 } // namespace
 
-void checkInput(const QByteArray& input)
+FUZZ_TARGET(options)
 {
     QByteArray text = input;
     text.replace('\0', ""); // no argument has one

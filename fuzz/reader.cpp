@@ -58,7 +58,7 @@ QByteArray padding(int size)
 
 // Every input is read from a buffer, whole or in two parts, as its seed says. Few inputs are read
 // from another device, and fewer after a whole block: some of these take a hundred times as long.
-void checkInput(const QByteArray& input)
+FUZZ_TARGET(reader)
 {
     constexpr quint64 kDeviceShare = 256;
     constexpr quint64 kBlockShare = 2048;

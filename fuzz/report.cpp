@@ -83,7 +83,7 @@ void checkText(const QString& text, const QJsonObject& report)
 
 } // namespace
 
-void checkInput(const QByteArray& input)
+FUZZ_TARGET(report)
 {
     const fuzz::ToolCase files(input);
     QStringList arguments{QStringLiteral("check")};

@@ -2,6 +2,7 @@
 #include <QtTest>
 
 #include "fuzz/fuzzsupport.h"
+#include "tests/support/testmain.h"
 
 class FuzzSupportTest : public QObject
 {
@@ -21,5 +22,5 @@ void FuzzSupportTest::scratchFileHoldsLastContent()
     QCOMPARE(opened.readAll(), QByteArray("next\n"));
 }
 
-QTEST_APPLESS_MAIN(FuzzSupportTest)
+HTS_TEST(FuzzSupportTest, NoApplication)
 #include "tst_fuzzsupport.moc"

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "annualize/aggmethods.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -129,6 +130,6 @@ void AggMethodsTest::otherWordsAreNotMethods()
     QVERIFY(findMethod(text.toLower()) == nullptr);
 }
 
-QTEST_GUILESS_MAIN(AggMethodsTest)
+HTS_TEST(AggMethodsTest, QCoreApplication)
 
 #include "tst_aggmethods.moc"

@@ -12,6 +12,7 @@
 #include <QtTest>
 
 #include "annualize/aggvalues.h"
+#include "tests/support/testmain.h"
 
 using Values = std::vector<double>;
 using ValueMap = std::vector<std::int32_t>;
@@ -384,6 +385,6 @@ void AggValuesTest::failureEmptiesEarlierResults()
     }
 }
 
-QTEST_GUILESS_MAIN(AggValuesTest)
+HTS_TEST(AggValuesTest, QCoreApplication)
 
 #include "tst_aggvalues.moc"

@@ -10,6 +10,7 @@
 #include "tests/annualize/seriestext.h"
 #include "tests/support/hostsystem.h"
 #include "tests/support/logcollector.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -791,6 +792,6 @@ void AnnualizeHtsTest::readsAndWritesWindowsLines()
                             slot("A.Flow", "units: cfs;scale: 1;method: Max;12.000000000000"))));
 }
 
-QTEST_GUILESS_MAIN(AnnualizeHtsTest)
+HTS_TEST(AnnualizeHtsTest, QCoreApplication)
 
 #include "tst_annualizehts.moc"

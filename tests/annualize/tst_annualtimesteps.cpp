@@ -12,6 +12,7 @@
 #include "hts/datetimetext.h"
 #include "tests/annualize/seriestext.h"
 #include "tests/support/logcollector.h"
+#include "tests/support/testmain.h"
 #include "tests/support/timezone.h"
 
 namespace {
@@ -846,6 +847,6 @@ void AnnualTimestepsTest::agreesWithSlowReference()
     QCOMPARE(outcome.run.timeStepCount, expected.run.timeStepCount);
 }
 
-QTEST_GUILESS_MAIN(AnnualTimestepsTest)
+HTS_TEST(AnnualTimestepsTest, QCoreApplication)
 
 #include "tst_annualtimesteps.moc"

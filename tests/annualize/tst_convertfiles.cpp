@@ -6,6 +6,7 @@
 #include "annualize/convertfiles.h"
 #include "tests/annualize/convertfilesinput.h"
 #include "tests/support/hostsystem.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 #include "utils/checkedfile.h"
 
@@ -74,5 +75,5 @@ void ConversionTest::settingsThatAreMissingAreTheReason()
                             "or end year month not set"));
 }
 
-QTEST_GUILESS_MAIN(ConversionTest)
+HTS_TEST(ConversionTest, QCoreApplication)
 #include "tst_convertfiles.moc"

@@ -9,6 +9,7 @@
 #include "annualize/convertfiles.h"
 #include "tests/annualize/convertfilesinput.h"
 #include "tests/support/logcollector.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 #include "utils/checkedfile.h"
 
@@ -110,5 +111,5 @@ void FaultyFilesTest::controlFileThatCannotBeRead()
     QCOMPARE(log.lines(), QStringList());
 }
 
-QTEST_GUILESS_MAIN(FaultyFilesTest)
+HTS_TEST(FaultyFilesTest, QCoreApplication)
 #include "tst_convertfiles_unix.moc"

@@ -9,6 +9,7 @@
 #include "annualize/annualizehts.h"
 #include "tests/annualize/madefile.h"
 #include "tests/annualize/seriestext.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -242,5 +243,5 @@ void HugeFilesTest::longLineInControlFile()
     QVERIFY(outcome.isAsExpected);
 }
 
-QTEST_GUILESS_MAIN(HugeFilesTest)
+HTS_TEST(HugeFilesTest, QCoreApplication)
 #include "tst_hugefiles.moc"

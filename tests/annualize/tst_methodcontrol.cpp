@@ -10,6 +10,7 @@
 #include "annualize/aggmethods.h"
 #include "annualize/annualizehts.h"
 #include "tests/support/logcollector.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -498,6 +499,6 @@ void MethodControlTest::agreesWithNaiveFirstMatch()
     QCOMPARE(methods, expected);
 }
 
-QTEST_GUILESS_MAIN(MethodControlTest)
+HTS_TEST(MethodControlTest, QCoreApplication)
 
 #include "tst_methodcontrol.moc"

@@ -14,6 +14,7 @@
 #include "annualize/annualizehts.h"
 #include "tests/annualize/seriestext.h"
 #include "tests/support/hostsystem.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -923,5 +924,5 @@ void OddFilesTest::dateTimeTexts_data()
         created(text, "");
 }
 
-QTEST_GUILESS_MAIN(OddFilesTest)
+HTS_TEST(OddFilesTest, QCoreApplication)
 #include "tst_oddfiles.moc"

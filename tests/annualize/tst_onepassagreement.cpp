@@ -22,6 +22,7 @@
 #include "tests/hts/piecedevice.h"
 #include "tests/hts/randomhts.h"
 #include "tests/plain/plainreader.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -599,5 +600,5 @@ void OnePassAgreementTest::doesNotOpenControlFileWithoutCompleteYear()
     QCOMPARE(opens.count(), 0);
 }
 
-QTEST_GUILESS_MAIN(OnePassAgreementTest)
+HTS_TEST(OnePassAgreementTest, QCoreApplication)
 #include "tst_onepassagreement.moc"

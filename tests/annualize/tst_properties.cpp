@@ -23,6 +23,7 @@
 #include "tests/annualize/randomcase.h"
 #include "tests/hts/packagecompare.h"
 #include "tests/support/hostsystem.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 // What must be true for every conversion, tried on random conversions. The environment variable
@@ -578,6 +579,6 @@ void PropertiesTest::runsDoNotMatterToEachOther()
     });
 }
 
-QTEST_GUILESS_MAIN(PropertiesTest)
+HTS_TEST(PropertiesTest, QCoreApplication)
 
 #include "tst_properties.moc"

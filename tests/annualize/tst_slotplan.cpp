@@ -3,6 +3,7 @@
 #include <QtTest>
 
 #include "tests/support/logcollector.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -149,6 +150,6 @@ void SlotPlanTest::annualizesByTheMethod()
     QCOMPARE(aggregated.results(*plan.method), (HtsColumn{2.0, 3.0}));
 }
 
-QTEST_GUILESS_MAIN(SlotPlanTest)
+HTS_TEST(SlotPlanTest, QCoreApplication)
 
 #include "tst_slotplan.moc"

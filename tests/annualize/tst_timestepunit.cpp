@@ -1,6 +1,7 @@
 #include <QtTest>
 
 #include "annualize/timestepunit.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -156,5 +157,5 @@ void TimestepUnitTest::lastWeekEndsLessThanAWeekBeforeTheYear()
     QTEST(completesYear(timestep, utc(2001, 1, 1)), "isComplete");
 }
 
-QTEST_APPLESS_MAIN(TimestepUnitTest)
+HTS_TEST(TimestepUnitTest, NoApplication)
 #include "tst_timestepunit.moc"

@@ -17,6 +17,7 @@
 #include "hts/htspackage.h"
 #include "tests/annualize/seriestext.h"
 #include "tests/support/hostsystem.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -603,5 +604,5 @@ void TruncationTest::cutControlFile()
     QCOMPARE(successes, 1 + 2 * (1 + lineEnd.size()));
 }
 
-QTEST_GUILESS_MAIN(TruncationTest)
+HTS_TEST(TruncationTest, QCoreApplication)
 #include "tst_truncation.moc"

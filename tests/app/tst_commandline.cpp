@@ -4,6 +4,7 @@
 
 #include "tests/app/annualizerrun.h"
 #include "tests/support/hostlocale.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -638,6 +639,6 @@ void TestCommandLine::hoursAcrossADaylightSavingChange()
     QCOMPARE(results[1], results[0]);
 }
 
-QTEST_GUILESS_MAIN(TestCommandLine)
+HTS_TEST(TestCommandLine, QCoreApplication)
 
 #include "tst_commandline.moc"

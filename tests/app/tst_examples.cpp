@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 class TestExamples : public QObject
@@ -56,6 +57,6 @@ void TestExamples::conversionGivesTheComputedResult()
              sourceFile(QStringLiteral(GOLDEN_DIR "/") + name + QStringLiteral(".expected")));
 }
 
-QTEST_GUILESS_MAIN(TestExamples)
+HTS_TEST(TestExamples, QCoreApplication)
 
 #include "tst_examples.moc"

@@ -15,6 +15,7 @@
 #include "tests/app/faultsdevice.h"
 #include "tests/app/faultsinput.h"
 #include "tests/support/faults.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -687,6 +688,6 @@ void TestFaults::resultWithoutReader()
              logWithOutcome(outcome).replace("\na.hts\n", "\np\n").replace("b.hts", "/dev/stdout"));
 }
 
-QTEST_GUILESS_MAIN(TestFaults)
+HTS_TEST(TestFaults, QCoreApplication)
 
 #include "tst_faults.moc"

@@ -6,6 +6,7 @@
 
 #include "tests/app/annualizerrun.h"
 #include "tests/app/faultsinput.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -160,6 +161,6 @@ void TestFaultsMemory::fileWithoutEnd()
     QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
 }
 
-QTEST_GUILESS_MAIN(TestFaultsMemory)
+HTS_TEST(TestFaultsMemory, QCoreApplication)
 
 #include "tst_faultsmemory.moc"

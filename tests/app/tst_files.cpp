@@ -3,6 +3,7 @@
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
+#include "tests/support/testmain.h"
 
 class TestFiles : public QObject
 {
@@ -293,6 +294,6 @@ void TestFiles::fullDiskForTheConsoleIsAnError()
     QCOMPARE(run.exitCode, 1);
 }
 
-QTEST_GUILESS_MAIN(TestFiles)
+HTS_TEST(TestFiles, QCoreApplication)
 
 #include "tst_files.moc"

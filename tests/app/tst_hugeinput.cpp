@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -114,6 +115,6 @@ void TestHugeInput::slotsThatLaterRunsLackTakeNoTime()
     QCOMPARE(run.read(QStringLiteral("b.hts")).count("\n12.000000000000\n"), kCount + 1);
 }
 
-QTEST_GUILESS_MAIN(TestHugeInput)
+HTS_TEST(TestHugeInput, QCoreApplication)
 
 #include "tst_hugeinput.moc"

@@ -6,6 +6,7 @@
 
 #include "app/logstream.h"
 #include "tests/support/hostsystem.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -132,6 +133,6 @@ void TestLogStream::handlerWithoutDeviceDoesNothing()
     QCOMPARE(content(), QByteArray("x\n"));
 }
 
-QTEST_GUILESS_MAIN(TestLogStream)
+HTS_TEST(TestLogStream, QCoreApplication)
 
 #include "tst_logstream.moc"

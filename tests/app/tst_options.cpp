@@ -10,6 +10,7 @@
 #include "annualize/aggmethods.h"
 #include "app/options.h"
 #include "app/usage.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -229,6 +230,6 @@ void TestOptions::everyMethodIsInTheUsageText()
     }
 }
 
-QTEST_APPLESS_MAIN(TestOptions)
+HTS_TEST(TestOptions, NoApplication)
 
 #include "tst_options.moc"

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
+#include "tests/support/testmain.h"
 
 class TestPipes : public QObject
 {
@@ -142,6 +143,6 @@ void TestPipes::writerWaitsForTheFailure()
         run.read(QStringLiteral("b.log")).endsWith("HtsAnnualizer Error: \n" + reason + "\n\n"));
 }
 
-QTEST_GUILESS_MAIN(TestPipes)
+HTS_TEST(TestPipes, QCoreApplication)
 
 #include "tst_pipes.moc"

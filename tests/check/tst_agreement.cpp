@@ -10,6 +10,7 @@
 #include "tests/annualize/randomcase.h"
 #include "tests/check/checkedtext.h"
 #include "tests/hts/randomhts.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -138,6 +139,6 @@ void AgreementTest::sameOutcomeAsAConversion()
     QVERIFY(converted > 0 && converted < kCasesOfARow);
 }
 
-QTEST_GUILESS_MAIN(AgreementTest)
+HTS_TEST(AgreementTest, QCoreApplication)
 
 #include "tst_agreement.moc"

@@ -8,19 +8,20 @@
 
 #include "check/topic.h"
 #include "tests/check/checkedtext.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
 
 QByteArray contentOf(const QString& name)
 {
-    return sourceFile(QStringLiteral(FILES_DIR "/") + name);
+    return sourceFile(QStringLiteral(SOURCE_DIR "/tests/check/files/") + name);
 }
 
 QStringList expectedLines()
 {
     // The file has the text of Unix for a file that is not there.
-    QFile missing(QStringLiteral(FILES_DIR "/control-unreadable.txt"));
+    QFile missing(QStringLiteral(SOURCE_DIR "/tests/check/files/control-unreadable.txt"));
     const QString systemText =
         missing.open(QIODevice::ReadOnly) ? QString() : missing.errorString();
     return QString::fromUtf8(contentOf(QStringLiteral("expected.txt")))
@@ -50,7 +51,7 @@ QStringList linesOf(const FindingList& findings)
 // Codes about methods need a control file, and one is about a control file that is not there.
 QString controlOf(const QString& code)
 {
-    const QString path = QStringLiteral(FILES_DIR "/%1.txt").arg(code);
+    const QString path = QStringLiteral(SOURCE_DIR "/tests/check/files/%1.txt").arg(code);
     return QFile::exists(path) || code == QLatin1String("control-unreadable") ? path : QString();
 }
 
@@ -77,7 +78,8 @@ void CodeFilesTest::everyCodeHasAFile()
     }
     QCOMPARE(QSet<QString>(codes.begin(), codes.end()).size(), codes.size());
     QStringList files;
-    for (const QString& name : QDir(QStringLiteral(FILES_DIR)).entryList({QStringLiteral("*.hts")}))
+    for (const QString& name :
+         QDir(QStringLiteral(SOURCE_DIR "/tests/check/files")).entryList({QStringLiteral("*.hts")}))
         files.append(name.chopped(4));
     codes.sort();
     QCOMPARE(files, codes);
@@ -98,8 +100,8 @@ void CodeFilesTest::hasOnlyTheDefect()
 {
     QFETCH(QString, code);
     QFETCH(QString, line);
-    const CheckReport report =
-        checkedFile(QStringLiteral(FILES_DIR "/%1.hts").arg(code), controlOf(code));
+    const CheckReport report = checkedFile(
+        QStringLiteral(SOURCE_DIR "/tests/check/files/%1.hts").arg(code), controlOf(code));
     QCOMPARE(linesOf(report.findings), QStringList{line});
 }
 
@@ -120,6 +122,6 @@ void CodeFilesTest::windowsLineEndsMakeNoDifference()
     QCOMPARE(linesOf(checkedFile(file.fileName(), controlOf(code)).findings), QStringList{line});
 }
 
-QTEST_GUILESS_MAIN(CodeFilesTest)
+HTS_TEST(CodeFilesTest, QCoreApplication)
 
 #include "tst_codefiles.moc"

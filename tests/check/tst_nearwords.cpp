@@ -5,6 +5,7 @@
 #include "check/numberhint.h"
 #include "hts/numbertext.h"
 #include "hts/quotedtext.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -290,6 +291,6 @@ void NearWordsTest::knowsNumbers()
     QCOMPARE(isNumberLine(bytesOfText(line)), isNumber);
 }
 
-QTEST_APPLESS_MAIN(NearWordsTest)
+HTS_TEST(NearWordsTest, NoApplication)
 
 #include "tst_nearwords.moc"

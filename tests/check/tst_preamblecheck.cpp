@@ -3,6 +3,7 @@
 #include <QtTest>
 
 #include "tests/check/checkedtext.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -247,6 +248,6 @@ void PreambleCheckTest::findsInPreambles()
     QCOMPARE(findingTexts(checkedText(text).findings), findings);
 }
 
-QTEST_APPLESS_MAIN(PreambleCheckTest)
+HTS_TEST(PreambleCheckTest, NoApplication)
 
 #include "tst_preamblecheck.moc"

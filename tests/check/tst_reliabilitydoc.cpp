@@ -7,6 +7,7 @@
 
 #include "check/findinglist.h"
 #include "tests/check/checkedtext.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -200,6 +201,6 @@ void ReliabilityDocTest::usualFileHasNothing()
     QCOMPARE(findingTexts(checkedText(usualFile()).findings), QStringList());
 }
 
-QTEST_APPLESS_MAIN(ReliabilityDocTest)
+HTS_TEST(ReliabilityDocTest, NoApplication)
 
 #include "tst_reliabilitydoc.moc"

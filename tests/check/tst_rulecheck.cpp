@@ -6,6 +6,7 @@
 
 #include "annualize/aggmethods.h"
 #include "tests/check/checkedtext.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -253,6 +254,6 @@ void RuleCheckTest::nearestNameIsOneThatARuleCanHave()
              QStringLiteral("control 1: rule-unmatched: \"x.Q: Sum\" fits no slot"));
 }
 
-QTEST_APPLESS_MAIN(RuleCheckTest)
+HTS_TEST(RuleCheckTest, NoApplication)
 
 #include "tst_rulecheck.moc"

@@ -3,6 +3,7 @@
 #include <QtTest>
 
 #include "tests/check/checkedtext.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -182,6 +183,6 @@ void RunCheckTest::firstFailureCounts()
              QStringLiteral("Sizes of input value and value map vectors are mismatched"));
 }
 
-QTEST_APPLESS_MAIN(RunCheckTest)
+HTS_TEST(RunCheckTest, NoApplication)
 
 #include "tst_runcheck.moc"

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "tests/check/checkedtext.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -165,6 +166,6 @@ void StructureTest::announcedNumbersCostNoMemory()
         (QStringList{QStringLiteral("40: table-without-end"), QStringLiteral("45: table-rows")}));
 }
 
-QTEST_APPLESS_MAIN(StructureTest)
+HTS_TEST(StructureTest, NoApplication)
 
 #include "tst_structure.moc"

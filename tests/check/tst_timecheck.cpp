@@ -5,6 +5,7 @@
 #include "check/steplength.h"
 #include "hts/datetimetext.h"
 #include "tests/check/checkedtext.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -322,6 +323,6 @@ void TimeCheckTest::plansCompleteYears()
     QCOMPARE(plan.leftOutAtEnd, qint64(8));
 }
 
-QTEST_APPLESS_MAIN(TimeCheckTest)
+HTS_TEST(TimeCheckTest, NoApplication)
 
 #include "tst_timecheck.moc"

@@ -7,6 +7,7 @@
 
 #include "check/topic.h"
 #include "tests/check/checkedtext.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -162,6 +163,6 @@ void ValueCheckTest::findsInLines()
     QCOMPARE(findingsIn(lines), findings);
 }
 
-QTEST_APPLESS_MAIN(ValueCheckTest)
+HTS_TEST(ValueCheckTest, NoApplication)
 
 #include "tst_valuecheck.moc"

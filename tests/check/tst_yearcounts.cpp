@@ -6,6 +6,7 @@
 #include "check/filecheck.h"
 #include "check/yearcounts.h"
 #include "exchange/csvwriter.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -93,6 +94,6 @@ void YearCountsTest::fileWithoutACompleteYearHasNoRows()
              QByteArray("file,run,trace,object,slot,year_end,timesteps,missing\n"));
 }
 
-QTEST_APPLESS_MAIN(YearCountsTest)
+HTS_TEST(YearCountsTest, NoApplication)
 
 #include "tst_yearcounts.moc"

@@ -3,6 +3,7 @@
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -632,6 +633,6 @@ void TestBatch::documentShowsWhatMakePrints()
     QCOMPARE(typed(batch, terminal), terminal);
 }
 
-QTEST_GUILESS_MAIN(TestBatch)
+HTS_TEST(TestBatch, QCoreApplication)
 
 #include "tst_batch.moc"

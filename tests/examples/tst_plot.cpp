@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -433,6 +434,6 @@ void TestPlot::gnuplotWritesTheFormatOfTheName()
         QCOMPARE(picture.count(year), 2); // one label in each panel
 }
 
-QTEST_GUILESS_MAIN(TestPlot)
+HTS_TEST(TestPlot, QCoreApplication)
 
 #include "tst_plot.moc"

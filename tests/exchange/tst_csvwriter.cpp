@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "exchange/csvwriter.h"
+#include "tests/support/testmain.h"
 
 class CsvWriterTest : public QObject
 {
@@ -118,6 +119,6 @@ void CsvWriterTest::writesLargeTables()
     QCOMPARE(device.data(), expected);
 }
 
-QTEST_APPLESS_MAIN(CsvWriterTest)
+HTS_TEST(CsvWriterTest, NoApplication)
 
 #include "tst_csvwriter.moc"

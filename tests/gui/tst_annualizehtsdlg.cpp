@@ -29,6 +29,7 @@
 #include "tests/support/helprecorder.h"
 #include "tests/support/hostsystem.h"
 #include "tests/support/logcollector.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -1394,5 +1395,5 @@ void AnnualizeHtsDlgTest::f1OpensHelp()
     compareOpenedHelp([widget] { QTest::keyClick(widget, Qt::Key_F1); });
 }
 
-QTEST_MAIN(AnnualizeHtsDlgTest)
+HTS_TEST(AnnualizeHtsDlgTest, QApplication)
 #include "tst_annualizehtsdlg.moc"

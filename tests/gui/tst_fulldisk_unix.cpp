@@ -11,6 +11,7 @@
 #include "tests/gui/modalwindows.h"
 #include "tests/gui/monthlyexample.h"
 #include "tests/support/logcollector.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 class FullDiskTest : public QObject
@@ -50,5 +51,5 @@ void FullDiskTest::isReportedInOneBox()
     QVERIFY(window.isVisible());
 }
 
-QTEST_MAIN(FullDiskTest)
+HTS_TEST(FullDiskTest, QApplication)
 #include "tst_fulldisk_unix.moc"

@@ -24,6 +24,7 @@
 #include "gui/messagewatcher.h"
 #include "tests/gui/modalwindows.h"
 #include "tests/support/hostsystem.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 using UtilsNS::MessageViewer;
@@ -1201,6 +1202,6 @@ void TestMessageViewer::takesLinesOfOtherThreadsInOrder()
     QTRY_VERIFY(f.isLastRowInView());
 }
 
-QTEST_MAIN(TestMessageViewer)
+HTS_TEST(TestMessageViewer, QApplication)
 
 #include "tst_messageviewer.moc"

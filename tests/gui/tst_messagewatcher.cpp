@@ -7,6 +7,7 @@
 
 #include "QsLog.h"
 #include "gui/messagewatcher.h"
+#include "tests/support/testmain.h"
 #include "utils/verboselogging.h"
 
 using UtilsNS::messageWatcher;
@@ -229,6 +230,6 @@ void TestMessageWatcher::servesTheLogger()
     QCOMPARE(recorder.lines.at(1).level, QsLogging::InfoLevel);
 }
 
-QTEST_GUILESS_MAIN(TestMessageWatcher)
+HTS_TEST(TestMessageWatcher, QCoreApplication)
 
 #include "tst_messagewatcher.moc"

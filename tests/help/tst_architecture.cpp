@@ -11,6 +11,7 @@
 #include <QtTest>
 
 #include "tests/help/markdown.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -235,6 +236,6 @@ void TestArchitecture::textsAreFilledAtOnce()
     QCOMPARE(chains, QStringList());
 }
 
-QTEST_APPLESS_MAIN(TestArchitecture)
+HTS_TEST(TestArchitecture, NoApplication)
 
 #include "tst_architecture.moc"

@@ -20,6 +20,7 @@
 #include "tests/app/annualizerrun.h"
 #include "tests/help/examplefolder.h"
 #include "tests/help/markdown.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -403,6 +404,6 @@ void TestFormatDocs::rulesOfTheTableAreRules()
     }
 }
 
-QTEST_GUILESS_MAIN(TestFormatDocs)
+HTS_TEST(TestFormatDocs, QCoreApplication)
 
 #include "tst_formatdocs.moc"

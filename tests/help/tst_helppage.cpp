@@ -12,6 +12,7 @@
 #include "tests/app/annualizerrun.h"
 #include "tests/help/helppage.h"
 #include "tests/help/messagetexts.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -716,5 +717,5 @@ void TestHelpPage::monthGluedToItsOptionIsIgnored()
     QVERIFY(result.contains(lastYear));
 }
 
-QTEST_GUILESS_MAIN(TestHelpPage)
+HTS_TEST(TestHelpPage, QCoreApplication)
 #include "tst_helppage.moc"

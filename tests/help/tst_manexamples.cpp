@@ -5,6 +5,7 @@
 
 #include "tests/app/annualizerrun.h"
 #include "tests/help/examplefolder.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -96,6 +97,6 @@ void TestManExamples::formatExampleIsReadAsItSays()
                                                       "1,,2000-04-01T00:00:00,14\n"));
 }
 
-QTEST_GUILESS_MAIN(TestManExamples)
+HTS_TEST(TestManExamples, QCoreApplication)
 
 #include "tst_manexamples.moc"

@@ -6,6 +6,7 @@
 
 #include "tests/app/annualizerrun.h"
 #include "tests/help/markdown.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
@@ -266,6 +267,6 @@ void TestReadme::saferCommandsConvert()
     }
 }
 
-QTEST_GUILESS_MAIN(TestReadme)
+HTS_TEST(TestReadme, QCoreApplication)
 
 #include "tst_readme.moc"

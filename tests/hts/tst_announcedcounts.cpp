@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include "hts/htspackage.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -85,5 +86,5 @@ void AnnouncedCountsTest::tablePastTheEndHasFewRows()
     QVERIFY2(slot.tableRows.size() < 10000, qPrintable(QString::number(slot.tableRows.size())));
 }
 
-QTEST_APPLESS_MAIN(AnnouncedCountsTest)
+HTS_TEST(AnnouncedCountsTest, NoApplication)
 #include "tst_announcedcounts.moc"

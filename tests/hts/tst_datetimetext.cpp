@@ -8,6 +8,7 @@
 #include "hts/datetimetext.h"
 #include "tests/support/hostlocale.h"
 #include "tests/support/hostsystem.h"
+#include "tests/support/testmain.h"
 #include "tests/support/timezone.h"
 
 namespace {
@@ -323,12 +324,12 @@ void DateTimeTextTest::readsAndWritesTheSameUnderEveryLocale()
 {
     const QStringList locales = localesWithOwnDigits();
     QVERIFY(locales.contains(QStringLiteral("fa_IR")));
-    const QStringList functions = {QStringLiteral("writesDateTimes"),
-                                   QStringLiteral("readsDateTimes"), QStringLiteral("refusesTexts"),
-                                   QStringLiteral("recognisesTimestepTexts"),
-                                   QStringLiteral("takesWhatTheToolkitTakes")};
+    const QStringList arguments = {
+        QStringLiteral("tst_datetimetext"),        QStringLiteral("writesDateTimes"),
+        QStringLiteral("readsDateTimes"),          QStringLiteral("refusesTexts"),
+        QStringLiteral("recognisesTimestepTexts"), QStringLiteral("takesWhatTheToolkitTakes")};
     for (const QString& locale : locales) {
-        const QString failure = failureUnderLocale(locale, functions);
+        const QString failure = failureUnderLocale(locale, arguments);
         QVERIFY2(failure.isEmpty(), qUtf8Printable(locale + QLatin1Char('\n') + failure));
     }
 }
@@ -476,5 +477,5 @@ void DateTimeTextTest::takesWhatTheToolkitTakesOfMutatedTexts()
     QVERIFY2(valid > 5000 && valid < 35000, qPrintable(QString::number(valid)));
 }
 
-QTEST_GUILESS_MAIN(DateTimeTextTest)
+HTS_TEST(DateTimeTextTest, QCoreApplication)
 #include "tst_datetimetext.moc"

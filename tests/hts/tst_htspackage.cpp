@@ -6,6 +6,7 @@
 
 #include "hts/htspackage.h"
 #include "tests/hts/packagecompare.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -341,5 +342,5 @@ void HtsPackageTest::statusIsSuccessWithoutMessage()
     QVERIFY(!failed.flag);
 }
 
-QTEST_APPLESS_MAIN(HtsPackageTest)
+HTS_TEST(HtsPackageTest, NoApplication)
 #include "tst_htspackage.moc"

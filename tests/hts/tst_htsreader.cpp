@@ -17,6 +17,7 @@
 #include "tests/hts/piecedevice.h"
 #include "tests/hts/randomhts.h"
 #include "tests/hts/samplefile.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -808,5 +809,5 @@ void HtsReaderTest::asksAPipeForNothingAfterTheLastRun()
     }
 }
 
-QTEST_APPLESS_MAIN(HtsReaderTest)
+HTS_TEST(HtsReaderTest, NoApplication)
 #include "tst_htsreader.moc"

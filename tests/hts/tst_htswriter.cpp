@@ -13,6 +13,7 @@
 #include "tests/hts/packagecompare.h"
 #include "tests/hts/randomhts.h"
 #include "tests/hts/samplefile.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -528,5 +529,5 @@ void HtsWriterTest::writtenRandomFilesReadBack()
     QVERIFY2(compared > 50, qPrintable(QString::number(compared)));
 }
 
-QTEST_APPLESS_MAIN(HtsWriterTest)
+HTS_TEST(HtsWriterTest, NoApplication)
 #include "tst_htswriter.moc"

@@ -12,6 +12,7 @@
 #include "hts/linereader.h"
 #include "hts/linetext.h"
 #include "tests/hts/piecedevice.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -478,5 +479,5 @@ void LineReaderTest::closedDeviceIsEmpty()
     QCOMPARE(textOf(reader), QString());
 }
 
-QTEST_APPLESS_MAIN(LineReaderTest)
+HTS_TEST(LineReaderTest, NoApplication)
 #include "tst_linereader.moc"

@@ -16,6 +16,7 @@
 #include "hts/numbertext.h"
 #include "tests/hts/packagecompare.h"
 #include "tests/hts/randomhts.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -492,5 +493,5 @@ void NumberTextTest::longestNumberFits()
     QCOMPARE(text.size(), static_cast<int>(kMaxNumberLength));
 }
 
-QTEST_APPLESS_MAIN(NumberTextTest)
+HTS_TEST(NumberTextTest, NoApplication)
 #include "tst_numbertext.moc"

@@ -10,6 +10,7 @@
 #include "tests/hts/randomhts.h"
 #include "tests/hts/readercompare.h"
 #include "tests/plain/plainreader.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -292,5 +293,5 @@ void ReaderAgreementTest::agreesOnFilesCutAtEveryByte()
     }
 }
 
-QTEST_APPLESS_MAIN(ReaderAgreementTest)
+HTS_TEST(ReaderAgreementTest, NoApplication)
 #include "tst_readeragreement.moc"

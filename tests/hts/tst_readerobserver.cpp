@@ -5,6 +5,7 @@
 
 #include "hts/htskeys.h"
 #include "hts/htswalk.h"
+#include "tests/support/testmain.h"
 
 namespace {
 
@@ -156,6 +157,6 @@ void ReaderObserverTest::isShown()
     QCOMPARE(observed(text), calls);
 }
 
-QTEST_APPLESS_MAIN(ReaderObserverTest)
+HTS_TEST(ReaderObserverTest, NoApplication)
 
 #include "tst_readerobserver.moc"

@@ -7,6 +7,7 @@
 
 #include "QsLog.h"
 #include "tests/support/hostlocale.h"
+#include "tests/support/testmain.h"
 
 using QsLogging::Level;
 using QsLogging::Logger;
@@ -184,8 +185,9 @@ void TestQsLog::stampsInAsciiDigitsUnderEveryLocale()
     const QStringList locales = localesWithOwnDigits();
     QVERIFY(locales.contains(QStringLiteral("fa_IR")));
     for (const QString& locale : locales) {
-        const QString failure = failureUnderLocale(
-            locale, {QStringLiteral("formatsLines"), QStringLiteral("stampsLocalTime")});
+        const QString failure =
+            failureUnderLocale(locale, {QStringLiteral("tst_qslog"), QStringLiteral("formatsLines"),
+                                        QStringLiteral("stampsLocalTime")});
         QVERIFY2(failure.isEmpty(), qUtf8Printable(locale + QLatin1Char('\n') + failure));
     }
 }
@@ -321,6 +323,6 @@ void TestQsLog::writesOneLineAtATime()
     }
 }
 
-QTEST_GUILESS_MAIN(TestQsLog)
+HTS_TEST(TestQsLog, QCoreApplication)
 
 #include "tst_qslog.moc"

@@ -9,6 +9,7 @@
 
 #include "annualize/aggmethods.h"
 #include "app/options.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 #include "tool/tool.h"
 #include "tool/toolio.h"
@@ -275,6 +276,6 @@ void TestManual::copyrightHasTheLicencesOfTheData()
     }
 }
 
-QTEST_GUILESS_MAIN(TestManual)
+HTS_TEST(TestManual, QCoreApplication)
 
 #include "tst_manual.moc"

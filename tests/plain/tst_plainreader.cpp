@@ -2,6 +2,7 @@
 
 #include "tests/hts/randomhts.h"
 #include "tests/plain/plainreader.h"
+#include "tests/support/testmain.h"
 
 class PlainReaderTest : public QObject
 {
@@ -63,5 +64,5 @@ void PlainReaderTest::endlessTextEndsWithEndSlotAfterIt()
     QVERIFY2(endless > 10, qPrintable(QString::number(endless)));
 }
 
-QTEST_APPLESS_MAIN(PlainReaderTest)
+HTS_TEST(PlainReaderTest, NoApplication)
 #include "tst_plainreader.moc"

@@ -18,14 +18,14 @@ QStringList localesWithOwnDigits()
     return names;
 }
 
-QString failureUnderLocale(const QString& locale, const QStringList& functions)
+QString failureUnderLocale(const QString& locale, const QStringList& arguments)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_ALL"), locale + QLatin1String(".UTF-8"));
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(QCoreApplication::applicationFilePath(), functions);
+    process.start(QCoreApplication::applicationFilePath(), arguments);
     process.waitForFinished(-1);
     const bool hasPassed = process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
     return hasPassed ? QString() : QString::fromUtf8(process.readAll());

@@ -10,8 +10,9 @@
 // Names such as "fa_IR" of all locales known to the toolkit whose digits are not the ASCII ones.
 QStringList localesWithOwnDigits();
 
-// Runs test functions of this test program in a process of its own under the locale. Returns an
-// empty text if they pass, else what the process wrote. Needs an application object.
-QString failureUnderLocale(const QString& locale, const QStringList& functions);
+// Runs this test program in a process of its own under the locale, with the name of a test and
+// those of its functions as arguments. Returns an empty text if they pass, else what the process
+// wrote. Needs an application object.
+QString failureUnderLocale(const QString& locale, const QStringList& arguments);
 
 #endif // TESTS_SUPPORT_HOSTLOCALE_H

@@ -4,6 +4,7 @@
 
 #include "check/topic.h"
 #include "tests/support/faults.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 #include "tests/tool/toolrun.h"
 
@@ -771,6 +772,6 @@ void HtstoolTest::namesThatAreNotTextAreRefused()
     QCOMPARE(run.exitCode, 2);
 }
 
-QTEST_GUILESS_MAIN(HtstoolTest)
+HTS_TEST(HtstoolTest, QCoreApplication)
 
 #include "tst_htstool.moc"

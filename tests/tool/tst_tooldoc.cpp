@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include "check/topic.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 #include "tests/tool/toolrun.h"
 
@@ -237,6 +238,6 @@ void ToolDocTest::jsonPlanIsWhole()
                        .object()));
 }
 
-QTEST_GUILESS_MAIN(ToolDocTest)
+HTS_TEST(ToolDocTest, QCoreApplication)
 
 #include "tst_tooldoc.moc"

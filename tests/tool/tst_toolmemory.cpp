@@ -3,6 +3,7 @@
 
 #include <QtTest>
 
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 #include "tests/tool/toolrun.h"
 
@@ -149,6 +150,6 @@ void ToolMemoryTest::manyRules()
     QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 900000 warnings, 0 notes\n"));
 }
 
-QTEST_GUILESS_MAIN(ToolMemoryTest)
+HTS_TEST(ToolMemoryTest, QCoreApplication)
 
 #include "tst_toolmemory.moc"

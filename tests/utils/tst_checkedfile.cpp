@@ -2,6 +2,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "tests/support/testmain.h"
 #include "utils/checkedfile.h"
 
 using UtilsNS::CheckedFile;
@@ -81,5 +82,5 @@ void CheckedFileTest::writeOfNoBytesIsAFailure()
     QCOMPARE(file.size(), qint64(StallingFile::kTakenBytes));
 }
 
-QTEST_GUILESS_MAIN(CheckedFileTest)
+HTS_TEST(CheckedFileTest, QCoreApplication)
 #include "tst_checkedfile.moc"

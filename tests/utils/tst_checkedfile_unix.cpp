@@ -11,6 +11,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include "tests/support/testmain.h"
 #include "utils/checkedfile.h"
 
 using UtilsNS::CheckedFile;
@@ -223,5 +224,5 @@ void CheckedFileFaultsTest::opensOnlyWhatCanBeAFileName()
              bytes.isEmpty() ? 0 : 1);
 }
 
-QTEST_GUILESS_MAIN(CheckedFileFaultsTest)
+HTS_TEST(CheckedFileFaultsTest, QCoreApplication)
 #include "tst_checkedfile_unix.moc"

@@ -14,6 +14,7 @@
 #include <QObject>
 #include <QtTest>
 
+#include "tests/support/testmain.h"
 #include "utils/consolebuf.h"
 
 using UtilsNS::consolebuf;
@@ -543,6 +544,6 @@ void ConsoleBufTest::interruptedWriteContinues()
     QVERIFY(arrived.endsWith("fmessage") || arrived == "message");
 }
 
-QTEST_GUILESS_MAIN(ConsoleBufTest)
+HTS_TEST(ConsoleBufTest, QCoreApplication)
 
 #include "tst_consolebuf_unix.moc"

@@ -2,6 +2,7 @@
 #include <QtTest>
 
 #include "tests/support/hostsystem.h"
+#include "tests/support/testmain.h"
 #include "utils/envvars.h"
 
 namespace {
@@ -261,6 +262,6 @@ void EnvVarsTest::resultMayBeTheText()
     QCOMPARE(text, QStringLiteral("/home/u/a"));
 }
 
-QTEST_GUILESS_MAIN(EnvVarsTest)
+HTS_TEST(EnvVarsTest, QCoreApplication)
 
 #include "tst_envvars.moc"

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/support/testmain.h"
 #include "utils/fileroles.h"
 
 using UtilsNS::checkFileRole;
@@ -244,6 +245,6 @@ void FileRolesTest::namesFileAndRole()
              expected.replace(QStringLiteral("%1"), m_folder->path()));
 }
 
-QTEST_GUILESS_MAIN(FileRolesTest)
+HTS_TEST(FileRolesTest, QCoreApplication)
 
 #include "tst_fileroles_unix.moc"

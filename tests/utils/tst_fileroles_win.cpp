@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "tests/support/hostsystem.h"
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 #include "utils/fileidentity_win.h"
 #include "utils/fileroles.h"
@@ -159,6 +160,6 @@ void WindowsFileRolesTest::namesFileAndRole()
     QCOMPARE(checkFileRole(output, {other}).message, QString());
 }
 
-QTEST_GUILESS_MAIN(WindowsFileRolesTest)
+HTS_TEST(WindowsFileRolesTest, QCoreApplication)
 
 #include "tst_fileroles_win.moc"

@@ -9,6 +9,7 @@
 
 #include <unistd.h>
 
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 #include "utils/helpurl.h"
 
@@ -271,6 +272,6 @@ void TestHelpUrl::knowsTheTextsOfTheUnit()
     QCOMPARE(QByteArray(UtilsNS::kHomeVariable), QByteArray("CASEDESK_HOME"));
 }
 
-QTEST_GUILESS_MAIN(TestHelpUrl)
+HTS_TEST(TestHelpUrl, QCoreApplication)
 
 #include "tst_helpurl_unix.moc"

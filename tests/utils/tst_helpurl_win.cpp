@@ -2,6 +2,7 @@
 #include <QtTest>
 
 #include "tests/support/helprecorder.h"
+#include "tests/support/testmain.h"
 #include "utils/helpurl.h"
 
 class TestWindowsHelpUrl : public QObject
@@ -43,6 +44,6 @@ void TestWindowsHelpUrl::startsTheBrowserWithTheUrl()
     QCOMPARE(recorder.commandLine(), url.toUtf8());
 }
 
-QTEST_GUILESS_MAIN(TestWindowsHelpUrl)
+HTS_TEST(TestWindowsHelpUrl, QCoreApplication)
 
 #include "tst_helpurl_win.moc"

@@ -10,6 +10,7 @@
 #include <QStringList>
 #include <QtTest>
 
+#include "tests/support/testmain.h"
 #include "utils/consolebuf.h"
 #include "utils/windowsconsole.h"
 
@@ -308,6 +309,6 @@ void WindowsConsoleTest::textWithoutABufferWaitsForNoKey()
     QCOMPARE(calls.written, QByteArray("the end\n"));
 }
 
-QTEST_GUILESS_MAIN(WindowsConsoleTest)
+HTS_TEST(WindowsConsoleTest, QCoreApplication)
 
 #include "tst_windowsconsole.moc"

@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 #include <windows.h>
@@ -274,6 +275,6 @@ void ConsoleWindowTest::toolShowsLettersAndColours()
              qPrintable(text));
 }
 
-QTEST_GUILESS_MAIN(ConsoleWindowTest)
+HTS_TEST(ConsoleWindowTest, QCoreApplication)
 
 #include "tst_consolewindow.moc"
