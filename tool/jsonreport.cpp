@@ -5,9 +5,9 @@
 
 #include "annualize/aggmethods.h"
 #include "check/filecheck.h"
+#include "check/reportlines.h"
 #include "check/topic.h"
 #include "hts/htsslot.h"
-#include "tool/textreport.h"
 #include "tool/toolio.h"
 
 namespace {

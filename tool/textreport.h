@@ -3,14 +3,9 @@
 
 #include <QString>
 
-struct CheckReport;
+#include "check/reportlines.h"
 
-// The paths of the files that a report is about, as given on the command line.
-struct ReportNames
-{
-    QString file;
-    QString control; // empty without a control file
-};
+struct CheckReport;
 
 // The findings, one on each line; then, for each code with more findings than are listed, how many
 // more there are; then, with a control file, the plan of the conversion.

@@ -1,0 +1,86 @@
+#include "check/reportlines.h"
+
+#include "annualize/aggmethods.h"
+#include "check/filecheck.h"
+#include "check/topic.h"
+#include "hts/htsslot.h"
+
+namespace {
+
+QString timesteps(qint64 count)
+{
+    return worded(count == 1 ? "%1 timestep" : "%1 timesteps", count);
+}
+
+QString yearsText(const YearPlan& years)
+{
+    if (years.count == 0)
+        return QStringLiteral("no years");
+    return worded("%1 %2, from %3 to %4; left out: %5 at the start, %6 at the end", years.count,
+                  years.count == 1 ? "year" : "years", years.first, years.last,
+                  timesteps(years.leftOutAtStart), timesteps(years.leftOutAtEnd));
+}
+
+QString slotText(const PlannedSlot& slot)
+{
+    const QString name = fullSlotName(slot.objectName, slot.slotName);
+    if (!slot.isSeries)
+        return worded("%1: left out, not a series", name);
+    if (slot.method == nullptr)
+        return worded("%1: left out, no rule", name);
+    return worded("%1: %2%3, rule of line %4", name, slot.isConverted ? "" : "left out, ",
+                  slot.method->word, slot.ruleLine);
+}
+
+QString counted(qint64 count, Severity severity)
+{
+    return worded("%1 %2%3", count, severityName(severity), count == 1 ? "" : "s");
+}
+
+} // namespace
+
+ReportLine findingLine(const Finding& finding, const ReportNames& names)
+{
+    const bool isControl = finding.file == Finding::File::Control;
+    return {worded("%1:%2", isControl ? names.control : names.file, finding.line),
+            finding.severity(), worded("%1 [%2]", finding.text, finding.code())};
+}
+
+std::vector<ReportLine> restLines(const CheckReport& report, const ReportNames& names)
+{
+    std::vector<ReportLine> lines;
+    for (const Topic* topic : findingTopics()) {
+        for (const FindingKind* kind : topic->kinds) {
+            const qint64 rest = report.findings.count(*kind) - FindingList::kMaxKeptPerKind;
+            if (rest > 0)
+                lines.push_back({worded("%1", names.file), kind->severity,
+                                 worded("%1 more [%2]", rest, kind->code)});
+        }
+    }
+    return lines;
+}
+
+QStringList planLines(const CheckReport& report, const ReportNames& names)
+{
+    if (names.control.isEmpty())
+        return {};
+    const QString start = worded("%1: plan: ", names.file);
+    QStringList lines(start + yearsText(report.years));
+    for (const PlannedSlot& slot : report.slotPlan)
+        lines.append(start + slotText(slot));
+    return lines;
+}
+
+QString summaryLine(const CheckReport& report, const ReportNames& names)
+{
+    const FindingList& findings = report.findings;
+    QString text = worded("%1: %2, %3, %4", names.file,
+                          counted(findings.count(Severity::Error), Severity::Error),
+                          counted(findings.count(Severity::Warning), Severity::Warning),
+                          counted(findings.count(Severity::Note), Severity::Note));
+    if (report.neverEnds)
+        text += QLatin1String("; a conversion never ends");
+    else if (!report.conversionMessage.isEmpty())
+        text += conversionFails(report.conversionMessage);
+    return text;
+}
