@@ -1,8 +1,6 @@
 #!/usr/bin/env python3
 """Compares the program with its baselines and prints one table; scripts/bench calls it.
 
-usage: compare.py BUILD_FOLDER [--runs N] [--tiny] [--only WORD]
-
 Each row runs two or more commands in turn, so that a change in the machine's speed meets all of
 them, and compares the medians. Inputs are made by htsgenerate in BUILD_FOLDER/bench/data and kept
 for the next time.
@@ -272,7 +270,7 @@ def viewer(bench):
 
 
 def main():
-    parser = argparse.ArgumentParser()
+    parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("build", type=Path)
     parser.add_argument("--runs", type=int, default=5)
     parser.add_argument("--tiny", action="store_true")

@@ -1,16 +1,14 @@
 #!/usr/bin/env python3
 """Makes the example data files from the published series.
 
-usage: make_examples.py FOLDER_OF_CSV_FILES OUTPUT_FOLDER
-
 Each CSV file has the columns datetime_end,value, the end of each step as YYYY-MM-DD HH:MM with 24:00
 for the midnight that ends a day, and NaN for a missing value. All arithmetic is decimal, so that every
 machine writes the same bytes.
 """
 
+import argparse
 import calendar
 import csv
-import sys
 from decimal import Decimal
 from pathlib import Path
 
@@ -213,9 +211,11 @@ def basins(data):
 
 
 def main():
-    if len(sys.argv) != 3:
-        sys.exit(__doc__.strip())
-    data, output = Path(sys.argv[1]), Path(sys.argv[2])
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("data", type=Path, metavar="FOLDER_OF_CSV_FILES")
+    parser.add_argument("output", type=Path, metavar="OUTPUT_FOLDER")
+    options = parser.parse_args()
+    data, output = options.data, options.output
     output.mkdir(parents=True, exist_ok=True)
     for name, make in (("rivers_daily.hts", rivers), ("basins_monthly.hts", basins)):
         text = "\n".join(make(data)) + "\n"

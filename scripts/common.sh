@@ -1,6 +1,15 @@
 # shellcheck shell=bash
-# What the scripts beside this file share; sourced by them, from any current directory.
+# What the scripts of this tree share; sourced by them, from any current directory. The comment at
+# the head of a script is its help, and says which options it has, one a line:
+#
+#     # usage: scripts/NAME [--check] [--only WORD] [FILE...]
+#     #   --check      an option without a value
+#     #   --only WORD  and one with
+#
+# Sourcing this file takes the script's arguments: --help shows the comment, what it does not name ends
+# the script. The others are in `given`, by option, and in `operands`; what follows "--" is one, too.
 
+script=$(realpath -- "$0")
 root=$(CDPATH='' cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root" || exit
 
@@ -18,6 +27,49 @@ die() {
     printf '%s: %s\n' "${0##*/}" "$*" >&2
     exit 1
 }
+
+refuse_arguments() {
+    printf '%s: %s; see --help\n' "${0##*/}" "$*" >&2
+    exit 2
+}
+
+declare -A given=() # an option without a value has "yes"
+operands=()
+
+# take_arguments ARGUMENT...
+# shellcheck disable=SC2034 # scripts that source this file use `given`
+take_arguments() {
+    local help usage
+    help=$(sed -En '2,/^([^#]|$)/s/^# ?//p' "$script")
+    usage=$(grep '^usage: ' <<<"$help")
+    while [ "$#" -gt 0 ]; do
+        case $1 in
+        -h | --help)
+            printf '%s\n' "$help"
+            exit
+            ;;
+        --)
+            operands+=("${@:2}")
+            break
+            ;;
+        -?*)
+            [[ $help =~ $'\n  '"$1"( [A-Z]+)?'  ' ]] || refuse_arguments "no option $1"
+            given[$1]=yes
+            if [ -n "${BASH_REMATCH[1]}" ]; then
+                [ -n "${2-}" ] || refuse_arguments "$1 needs a value,${BASH_REMATCH[1]}"
+                given[$1]=$2
+                shift
+            fi
+            ;;
+        *) operands+=("$1") ;;
+        esac
+        shift
+    done
+    # Capitals that no option comes before are operands.
+    [ "${#operands[@]}" -eq 0 ] || [[ $(sed -E 's/--[a-z-]+ [A-Z]+//g' <<<"$usage") =~ [A-Z]{2} ]] ||
+        refuse_arguments "takes no argument ${operands[0]}"
+}
+take_arguments "$@"
 
 # Passes on the counters of ninja's lines, "[12/345] Building ...", each over the one before.
 show_counter() {

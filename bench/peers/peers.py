@@ -1,8 +1,6 @@
 #!/usr/bin/env python3
 """Compares the program with general tools that do the same work, and prints one table;
-scripts/bench-peers calls it.
-
-usage: peers.py BUILD_FOLDER NODE_MODULES [--runs N] [--tiny] [--only WORD]
+bench/bench-peers calls it.
 
 The work: the water years of a file of daily series, a method for each slot, incomplete years left
 out. First the results of all are compared with the program's; a value that differs ends with an
@@ -245,7 +243,7 @@ def show(bench, chosen, large, small):
 
 
 def main():
-    parser = argparse.ArgumentParser()
+    parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("build", type=Path)
     parser.add_argument("node_modules", type=Path)
     parser.add_argument("--runs", type=int, default=9)

@@ -212,7 +212,7 @@ void TestHelpPage::isMadeFromItsTextAndPictures()
 {
     QProcess check;
     check.start(QStringLiteral("bash"),
-                {QStringLiteral(SOURCE_DIR "/scripts/make-help"), QStringLiteral("--check")});
+                {QStringLiteral(SOURCE_DIR "/Help/make-help"), QStringLiteral("--check")});
     QVERIFY(check.waitForFinished());
     QCOMPARE(QString::fromUtf8(check.readAllStandardError()), QString());
     QCOMPARE(check.exitCode(), 0);

@@ -112,7 +112,7 @@ void TestReadme::everyTerminalHasATest()
         {QStringLiteral("docs/hts-format.md"), 4},   // tst_formatdocs
         {QStringLiteral("docs/control-file.md"), 5}, // tst_formatdocs
         {QStringLiteral("docs/htstool.md"), 1},      // tst_tooldoc
-        {QStringLiteral("docs/batch.md"), 3},        // tst_batch, and scripts/test-slurm
+        {QStringLiteral("docs/batch.md"), 3},        // tst_batch, and tests/examples/test-slurm
     };
     QFETCH(QString, document);
     int terminals = 0;

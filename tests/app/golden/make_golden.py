@@ -1,14 +1,13 @@
 #!/usr/bin/env python3
 """Computes the expected result of every conversion in cases.tsv, without the program.
 
-usage: make_golden.py [--check] [FOLDER_OF_CSV_FILES]
-
 Writes NAME.expected beside this script for each line "NAME<tab>input<tab>control<tab>end month" of
 cases.tsv; with --check it only compares. With the folder of the published series it also compares
 the results with the annual values that the publishers give, each within the rounding of what is
 published. Needs pandas.
 """
 
+import argparse
 import csv
 import math
 import re
@@ -302,23 +301,22 @@ def compare_published(folder):
 
 
 def main():
-    arguments = sys.argv[1:]
-    check = "--check" in arguments
-    folders = [argument for argument in arguments if argument != "--check"]
-    if len(folders) > 1 or any(re.match("-", folder) for folder in folders):
-        sys.exit(__doc__.strip())
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--check", action="store_true", help="write nothing, only compare")
+    parser.add_argument("folder", nargs="?", type=Path, help="of the published series, as CSV files")
+    options = parser.parse_args()
     failures = 0
     for name, source, control, end_month in read_cases():
         lines = result_lines(read_package(source), read_rules(control), end_month)
         expected = ("\n".join(lines) + "\n").encode("utf-8")
         path = HERE / f"{name}.expected"
-        if not check:
+        if not options.check:
             path.write_bytes(expected)
         elif path.read_bytes() != expected:
             print(f"{path.name} differs from what its rules give")
             failures += 1
-    if folders:
-        failures += compare_published(Path(folders[0]))
+    if options.folder:
+        failures += compare_published(options.folder)
     sys.exit(1 if failures else 0)
 
 
