@@ -40,6 +40,12 @@ SHAPES = {
     "days": Shape("slots=200 steps=18262 unit=day", "slots=2 steps=800 unit=day"),
     "days, Windows line ends": Shape("slots=200 steps=18262 unit=day lineend=windows",
                                      "slots=2 steps=800 unit=day lineend=windows"),
+    **{f"days, {what}": Shape(f"slots=200 steps=18262 unit=day {values}",
+                              f"slots=3 steps=800 unit=day {values}")
+       for what, values in {"storages": "values=storage", "mixed": "values=mix",
+                            "storages, integers": "values=storage decimals=0",
+                            "two decimals": "decimals=2", "six decimals": "decimals=6",
+                            "exponents": "values=storage decimals=e"}.items()},
     "many slots": Shape("slots=10000 steps=120 unit=month", "slots=10 steps=24 unit=month"),
     "many runs": Shape("runs=200 slots=50 steps=600 unit=month",
                        "runs=3 slots=2 steps=24 unit=month"),
@@ -51,6 +57,11 @@ SHAPES = {
                              rules=1050000),
     "10 KB": Shape("slots=5 steps=120 unit=month", "slots=5 steps=24 unit=month"),
 }
+
+
+# Numbers of other sizes and forms: program / reading bound.
+NUMBERS = {"storages": 0.95, "mixed": 0.9, "storages, integers": 0.95, "two decimals": 0.95,
+           "six decimals": 0.95, "exponents": 0.95}
 
 
 class Bench:
@@ -281,6 +292,8 @@ def main():
     measurements = {
         "days": lambda: whole_process(bench, "days", 20, 0.95),
         "days, Windows line ends": lambda: whole_process(bench, "days, Windows line ends", 12, 1.0),
+        "days, numbers": lambda: [row for what, aim in NUMBERS.items() for row in
+                                  whole_process(bench, f"days, {what}", 12, aim)[1:2]],
         "many slots": lambda: whole_process(bench, "many slots", 8, 1.7),
         "many runs": lambda: whole_process(bench, "many runs", 12, 1.15),
         "check, days": lambda: checking(bench, "days"),

@@ -6,11 +6,13 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <system_error>
 
 #include <QString>
+#include <QtAlgorithms>
 #include <QtEndian>
 
 #include "hts/linetext.h"
@@ -20,9 +22,8 @@ namespace {
 constexpr int kDecimals = 12;
 constexpr std::uint64_t kUnits = 1000000000000; // 10^kDecimals, units of the last decimal in 1
 
-// A double can hold every integer up to this one: with twelve decimals, numbers up to 9007.
+// A double can hold every integer up to this one.
 constexpr std::uint64_t kMaxExact = std::uint64_t(1) << 53;
-constexpr int kMaxWholeDigits = 4;
 
 // From 2^53 on a double has no fraction.
 constexpr double kMinWithoutFraction = 9007199254740992.0;
@@ -43,13 +44,23 @@ std::uint64_t eightCharacters(const char* text)
     return qFromLittleEndian<quint64>(text);
 }
 
-bool areDigits(std::uint64_t characters)
+// Zero if all eight characters are digits. Else the lowest bit that is set belongs to the first
+// that is none.
+std::uint64_t otherThanDigits(std::uint64_t characters)
 {
     constexpr std::uint64_t kHighHalves = 0xf0f0f0f0f0f0f0f0;
     // The bytes with the high half 3 are 0x30 to 0x3f, so that adding six never carries into the
     // next byte; only the digits keep that high half after it. One comparison tests both.
     const std::uint64_t plusSix = characters + 0x0606060606060606;
-    return ((characters & kHighHalves) | (plusSix & kHighHalves) >> 4) == 0x3333333333333333;
+    return ((characters & kHighHalves) | (plusSix & kHighHalves) >> 4) ^ 0x3333333333333333;
+}
+
+// How many digits eight characters begin with. A computed number, as branches on it would be
+// mispredicted for values of different size.
+int digitsAtStart(std::uint64_t characters)
+{
+    const quint64 others = otherThanDigits(characters);
+    return others == 0 ? 8 : static_cast<int>(qCountTrailingZeroBits(others) / 8);
 }
 
 // The number that eight digits make: neighbours are joined to pairs, pairs to fours, fours to
@@ -71,112 +82,135 @@ std::uint64_t lastFourDigits(std::uint64_t characters)
     return (digits * (1 + (100 << 16)) >> 16) & 0xffff;
 }
 
-// Reads `wholeDigits` digits, the point after them and twelve decimals at the end of a line. The
-// caller has seen the point, and 13 characters follow it. Returns where the number ends; nullptr if
-// the text has another form or a double can't hold its digits exactly.
-template<int wholeDigits>
-const char* readFixed(const char* text, double& magnitude)
+// The number that the first `count` of eight characters make, 1 to 8 digits.
+std::uint64_t firstDigits(std::uint64_t characters, int count)
 {
-    static_assert(wholeDigits <= kMaxWholeDigits);
-    std::uint64_t whole = 0;
-    bool isWhole = true;
-    for (int i = 0; i < wholeDigits; ++i) {
-        isWhole = isWhole && isDigit(text[i]);
-        whole = whole * 10 + static_cast<unsigned char>(text[i]) - '0';
-    }
-    const char* decimals = text + wholeDigits + 1;
-    const char* end = decimals + kDecimals;
-    const std::uint64_t first = eightCharacters(decimals);
-    const std::uint64_t last = eightCharacters(end - 8); // the first four a second time
-    if (!isWhole || !areDigits(first) || !areDigits(last) || (*end != '\n' && *end != '\r'))
-        return nullptr;
-    const std::uint64_t number = whole * kUnits + eightDigits(first) * 10000 + lastFourDigits(last);
-    if (number > kMaxExact)
-        return nullptr;
-    magnitude = static_cast<double>(static_cast<std::int64_t>(number)) / double(kUnits);
-    return end;
+    Q_ASSERT(count >= 1 && count <= 8);
+    return eightDigits(characters << (64 - 8 * count)); // zero bytes count as zeros before them
 }
 
-// Reads a number in the form of writeNumber, at the end of a line, as nearly every value of an HTS
-// file is. The point is found by branches, which the processor predicts; reading the next line
-// would have to wait for a length that is computed. Returns `first` for any other number.
-const char* readWrittenNumber(const char* first, const char* last, double& value)
+__extension__ typedef unsigned __int128 Uint128; // GCC and Clang have it, as an extension
+
+// A number without its sign, read from a text, and where its text ends: nullptr if it has to be
+// read in another way.
+struct Magnitude
 {
-    constexpr std::ptrdiff_t kRoom = 1 + kMaxWholeDigits + 1 + kDecimals + 1; // sign to line end
+    double value;
+    const char* end;
+};
+
+// The double nearest to `whole` and `decimals` units of 10^-12, where `whole` has eight digits at
+// most.
+double ofTwelveDecimals(std::uint64_t whole, std::uint64_t decimals)
+{
+    constexpr std::uint64_t kMaxExactWhole = kMaxExact / kUnits;
+    if (whole < kMaxExactWhole)
+        return static_cast<double>(static_cast<std::int64_t>(whole * kUnits + decimals)) /
+               double(kUnits);
+    // The decimals as a binary fraction of 64 bits. It is too large by 0.048 of its unit at most,
+    // before it is rounded down.
+    constexpr std::uint64_t kReciprocal = 10141204801825835212U; // 2^103 / 10^12, rounded up
+    const auto fraction = static_cast<std::uint64_t>(Uint128(decimals) * kReciprocal >> 39);
+    // The number shifted to the left as far as it goes, of which a double keeps 53 bits.
+    const int shift = static_cast<int>(qCountLeadingZeroBits(quint64(whole)));
+    Q_ASSERT(shift > 0 && shift <= 50);
+    const std::uint64_t bits = whole << shift | fraction >> (64 - shift);
+    // The first of the other bits rounds: a number with twelve decimals is never half-way between
+    // two doubles. At most 39 bits of a double are its fraction here, so it is at least 2^-40 /
+    // 5^12 away from there, 0.068 of the unit above: more than that can be wrong.
+    const std::uint64_t rounded = ((bits >> 1) + 0x200) >> 10;
+    // The first bit, which a double does not store, and a carry go into the exponent.
+    const std::uint64_t bitsOfDouble = (std::uint64_t(1085 - shift) << 52) + rounded;
+    double value = 0.0;
+    static_assert(sizeof value == sizeof bitsOfDouble && std::numeric_limits<double>::is_iec559);
+    std::memcpy(&value, &bitsOfDouble, sizeof value);
+    return value;
+}
+
+// Adds the number at `text`, of three digits at most and with or without a sign, to `exponent`.
+// Returns where it ends, or nullptr if there is none. Looks at five characters at most.
+const char* addExponent(const char* text, int& exponent)
+{
+    const bool isNegative = *text == '-';
+    if (isNegative || *text == '+')
+        ++text;
+    constexpr std::ptrdiff_t kMaxDigits = 3;
+    const char* end = text;
+    int number = 0;
+    for (; isDigit(*end) && end - text < kMaxDigits; ++end)
+        number = number * 10 + (*end - '0');
+    exponent += isNegative ? -number : number;
+    return end == text ? nullptr : end;
+}
+
+// number * 10^exponent, for a number up to kMaxExact. As both it and the power of ten are exact,
+// their product or quotient is the correctly rounded result.
+Magnitude scaled(std::uint64_t number, int exponent, const char* end)
+{
+    static const double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                          1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                          1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    constexpr int kMaxExponent = 22;
+    Q_ASSERT(number <= kMaxExact);
+    if (std::abs(exponent) > kMaxExponent)
+        return {0.0, nullptr};
+    const auto exact = static_cast<double>(static_cast<std::int64_t>(number));
+    const double power = kPowersOfTen[std::abs(exponent)];
+    return {exponent < 0 ? exact / power : exact * power, end};
+}
+
+// Reads twelve decimals. Without an end if there are fewer.
+Magnitude readTwelveDecimals(const char* text, std::uint64_t first, std::uint64_t whole)
+{
+    const char* end = text + kDecimals;
+    const std::uint64_t last = eightCharacters(end - 8); // the first four are in `first`, too
+    if (otherThanDigits(last) != 0)
+        return {0.0, nullptr};
+    return {ofTwelveDecimals(whole, eightDigits(first) * 10000 + lastFourDigits(last)), end};
+}
+
+// Reads what follows the whole digits of a number: a point with decimals, an exponent, or nothing.
+Magnitude readRest(const char* text, std::uint64_t whole)
+{
+    static const std::uint64_t kPowersOfTen[] = {1,     10,     100,     1000,
+                                                 10000, 100000, 1000000, 10000000};
+    std::uint64_t number = whole;
+    int exponent = 0;
+    if (*text == '.') {
+        const std::uint64_t first = eightCharacters(++text);
+        const int count = digitsAtStart(first);
+        if (count == 8)
+            return readTwelveDecimals(text, first, whole);
+        if (count == 0)
+            return {0.0, nullptr};
+        number = whole * kPowersOfTen[count] + firstDigits(first, count);
+        exponent = -count;
+        text += count;
+    }
+    if (lower(*text) == 'e')
+        text = addExponent(text + 1, exponent);
+    return scaled(number, exponent, text);
+}
+
+// Reads a number at the end of a line: up to eight whole digits, with twelve decimals, as nearly
+// every value of an HTS file is, or with fewer than eight, as other programs write them, or with an
+// exponent. Returns `first` for any other number, and for one in the last bytes before `last`.
+const char* readCommonNumber(const char* first, const char* last, double& value)
+{
+    constexpr std::ptrdiff_t kRoom = 1 + 8 + 1 + kDecimals + 1; // sign to line end
     if (last - first < kRoom || FLT_EVAL_METHOD != 0)
         return first;
     const bool isNegative = *first == '-';
     const char* text = first + (isNegative ? 1 : 0);
-    const char* end = nullptr;
-    double magnitude = 0.0;
-    if (text[3] == '.')
-        end = readFixed<3>(text, magnitude);
-    else if (text[2] == '.')
-        end = readFixed<2>(text, magnitude);
-    else if (text[1] == '.')
-        end = readFixed<1>(text, magnitude);
-    else if (text[4] == '.')
-        end = readFixed<4>(text, magnitude);
-    if (end == nullptr)
+    const std::uint64_t characters = eightCharacters(text);
+    const int count = digitsAtStart(characters);
+    if (count == 0)
         return first;
-    value = isNegative ? -magnitude : magnitude;
-    return end;
-}
-
-// Digits read from a text: as one integer, and where they end. The integer overflows past 19
-// digits.
-struct Digits
-{
-    std::uint64_t number;
-    const char* end;
-};
-
-// Reads the digits at the start of [first, last) and appends them to `number`.
-Digits takeDigits(const char* first, const char* last, std::uint64_t number)
-{
-    const char* position = first;
-    for (; position != last; ++position) {
-        const unsigned digit = static_cast<unsigned char>(*position) - unsigned('0');
-        if (digit > 9)
-            break;
-        number = number * 10 + digit;
-    }
-    return {number, position};
-}
-
-// Reads a number without an exponent whose digits, as an integer, fit a double exactly. Since the
-// integer and the power of ten are exact, their quotient is the correctly rounded result. Returns
-// `first` for any other number.
-const char* readShortDecimal(const char* first, const char* last, double& value)
-{
-    static const double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,
-                                          1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13,
-                                          1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
-    constexpr std::ptrdiff_t kMaxDigits = 19;
-
-    const bool isNegative = first != last && *first == '-';
-    const char* integerPart = first + (isNegative ? 1 : 0);
-    Digits digits = takeDigits(integerPart, last, 0);
-    std::ptrdiff_t count = digits.end - integerPart;
-    std::ptrdiff_t decimals = 0;
-    if (digits.end != last && *digits.end == '.') {
-        const char* fraction = digits.end + 1;
-        // With all its decimals a number above 9007 has too many digits for this function.
-        if (count > kMaxWholeDigits && last - fraction >= kDecimals &&
-            areDigits(eightCharacters(fraction)) &&
-            areDigits(eightCharacters(fraction + kDecimals - 8)))
-            return first;
-        digits = takeDigits(fraction, last, digits.number);
-        decimals = digits.end - fraction;
-        count += decimals;
-    }
-    const bool hasExponent = digits.end != last && (*digits.end == 'e' || *digits.end == 'E');
-    if (count == 0 || count > kMaxDigits || digits.number > kMaxExact || hasExponent ||
-        FLT_EVAL_METHOD != 0)
+    const Magnitude magnitude = readRest(text + count, firstDigits(characters, count));
+    if (magnitude.end == nullptr || (*magnitude.end != '\n' && *magnitude.end != '\r'))
         return first;
-    const double magnitude = static_cast<double>(digits.number) / kPowersOfTen[decimals];
-    value = isNegative ? -magnitude : magnitude;
-    return digits.end;
+    value = isNegative ? -magnitude.value : magnitude.value;
+    return magnitude.end;
 }
 
 bool isNanWord(std::string_view text)
@@ -184,8 +218,6 @@ bool isNanWord(std::string_view text)
     return text.size() == 3 && lower(text[0]) == 'n' && lower(text[1]) == 'a' &&
            lower(text[2]) == 'n';
 }
-
-__extension__ typedef unsigned __int128 Uint128; // GCC and Clang have it, as an extension
 
 // `fraction`, 0 or more and less than 1, in units of the last decimal written, rounded to the
 // nearest, and up from exactly half. The computation is exact: the fraction is an integer of 53
@@ -208,8 +240,6 @@ std::uint64_t roundedDecimals(double fraction)
 // See readPlainNumber.
 const char* readOtherPlainNumber(const char* first, const char* last, double& value)
 {
-    if (const char* end = readShortDecimal(first, last, value); end != first)
-        return end;
     // std::from_chars also takes "inf", "nan" and "nan(...)", which the toolkit reads differently.
     const char* digits = first;
     if (digits != last && *digits == '-')
@@ -226,7 +256,7 @@ const char* readOtherPlainNumber(const char* first, const char* last, double& va
 const char* readPlainNumber(const char* first, const char* last, double& value)
 {
     Q_ASSERT(first <= last);
-    const char* end = readWrittenNumber(first, last, value);
+    const char* end = readCommonNumber(first, last, value);
     return end != first ? end : readOtherPlainNumber(first, last, value);
 }
 
@@ -235,7 +265,7 @@ const char* readNumberLines(const char* first, const char* last, double*& number
 {
     double* number = numbers; // a local variable stays in a register
     for (; number != numbersEnd; ++number) {
-        const char* end = readWrittenNumber(first, last, *number);
+        const char* end = readCommonNumber(first, last, *number);
         if (end == first)
             end = readOtherPlainNumber(first, last, *number);
         if (end == first)

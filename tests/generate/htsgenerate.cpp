@@ -7,8 +7,13 @@
 //     columns=0                                  number of different columns of values, which all
 //                                                slots share in turn; 0 for one for each slot. With
 //                                                a few it writes as fast as a pipe takes it.
+//     values=flow decimals=12                    flow: up to 1,000; storage: 10,000 to 10,000,000;
+//                                                mix: a slot of flows, one of storages, one of
+//                                                elevations near 1,200; and their decimals, or "e"
+//                                                for seven digits with an exponent
 
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <map>
@@ -24,8 +29,8 @@
 namespace {
 
 std::map<std::string, std::string> options = {
-    {"runs", "1"},       {"slots", "200"}, {"steps", "18262"},  {"unit", "day"},
-    {"missing", "0.01"}, {"seed", "1"},    {"lineend", "unix"}, {"columns", "0"},
+    {"runs", "1"}, {"slots", "200"},    {"steps", "18262"}, {"unit", "day"},    {"missing", "0.01"},
+    {"seed", "1"}, {"lineend", "unix"}, {"columns", "0"},   {"values", "flow"}, {"decimals", "12"},
 };
 
 int number(const char* name)
@@ -110,19 +115,40 @@ void writeRunPreamble(int run, Output& output)
         output.line(stepText(i));
 }
 
-// The value lines of one column.
-std::string columnText(Random& random, const std::string& lineEnd)
+// A value of the kind `values`, made of a number from 0 up to 1.
+double valueOf(const std::string& values, double share)
 {
+    if (values == "storage")
+        return std::pow(10.0, 4.0 + 3.0 * share);
+    return values == "elevation" ? 1200.0 + 50.0 * share : 1000.0 * share;
+}
+
+std::string valueText(double value)
+{
+    const std::string& decimals = options.at("decimals");
+    char text[kMaxNumberLength];
+    const char* end =
+        decimals == "12" ? writeNumber(text, value)
+        : decimals == "e"
+            ? std::to_chars(text, text + sizeof text, value, std::chars_format::scientific, 6).ptr
+            : std::to_chars(text, text + sizeof text, value, std::chars_format::fixed,
+                            number("decimals"))
+                  .ptr;
+    return {text, static_cast<std::size_t>(end - text)};
+}
+
+// The value lines of the column with that index.
+std::string columnText(int column, Random& random, const std::string& lineEnd)
+{
+    static const char* const kMix[] = {"flow", "storage", "elevation"};
     const double missing = std::stod(options.at("missing"));
+    const std::string values =
+        options.at("values") == "mix" ? kMix[column % 3] : options.at("values");
     std::string lines;
     for (int i = 0; i < number("steps"); ++i) {
         const bool isMissing = random.next() < missing;
-        const double value = random.next() * 1000.0;
-        char text[kMaxNumberLength];
-        const char* end = writeNumber(text, value);
-        lines.append(isMissing ? std::string_view("NaN")
-                               : std::string_view(text, static_cast<std::size_t>(end - text)));
-        lines.append(lineEnd);
+        const double value = valueOf(values, random.next());
+        lines.append(isMissing ? "NaN" : valueText(value)).append(lineEnd);
     }
     return lines;
 }
@@ -138,12 +164,12 @@ public:
     {
         const int count = number("columns");
         if (count == 0) {
-            m_last = columnText(m_random, m_lineEnd);
+            m_last = columnText(slot, m_random, m_lineEnd);
             return m_last;
         }
         const auto index = static_cast<std::size_t>(slot % count);
         while (m_kept.size() <= index)
-            m_kept.push_back(columnText(m_random, m_lineEnd));
+            m_kept.push_back(columnText(static_cast<int>(m_kept.size()), m_random, m_lineEnd));
         return m_kept[index];
     }
 
