@@ -2,7 +2,6 @@
 #define CHECK_CHECKCONTEXT_H
 
 #include <algorithm>
-#include <vector>
 
 #include "annualize/conversion.h"
 #include "check/control.h"
@@ -25,8 +24,7 @@ struct CheckContext
     Recovery& recovery;
     // The keyword lines of the preamble that was read last.
     PreambleLines& lines;
-    // The rules of the control file; null without one.
-    const std::vector<RuleLine>* ruleLines;
+    ControlCheck* control; // null without a control file
 
     // The line that was read last, or the last of the file.
     qint64 lastLine() const

@@ -1,9 +1,6 @@
 #include "check/control.h"
 
-#include <algorithm>
-
 #include "annualize/conversion.h"
-#include "check/findinglist.h"
 #include "check/topic.h"
 #include "hts/linetext.h"
 #include "hts/quotedtext.h"
@@ -47,6 +44,22 @@ private:
     std::vector<RuleLine>& m_lines;
 };
 
+// Appends the line of each rule to `lines`, and reports why there are no rules.
+ControlFile readFile(const QString& path, std::vector<RuleLine>& lines, FindingList& findings)
+{
+    LineCollector collector(lines);
+    ControlFile control = readControlFile(path, &collector);
+    const QString outcome = conversionFails(Conversion::kNoSlots);
+    if (!control.isRead)
+        findings.add(kControlUnreadable, 1, "the control file cannot be read: %1%2",
+                     control.status.message, outcome);
+    else if (collector.badLineNumber > 0)
+        findings.add(kControlLine, collector.badLineNumber, "%1%2", collector.badLineText, outcome);
+    if (!control.status.ok())
+        lines.clear();
+    return control;
+}
+
 } // namespace
 
 const Topic& controlTopic()
@@ -56,28 +69,26 @@ const Topic& controlTopic()
     return kTopic;
 }
 
-std::size_t indexOfRule(const std::vector<RuleLine>& lines, RuleId rule)
+ControlCheck::ControlCheck(const QString& path)
+    : m_file(readFile(path, m_lines, m_findings)), m_uses(m_file.rules, m_lines)
 {
-    const auto line =
-        std::lower_bound(lines.begin(), lines.end(), rule,
-                         [](const RuleLine& a, RuleId wanted) { return a.rule < wanted; });
-    Q_ASSERT(line != lines.end() && line->rule == rule);
-    return static_cast<std::size_t>(line - lines.begin());
 }
 
-ControlFile checkControlFile(const QString& path, FindingList& findings,
-                             std::vector<RuleLine>& lines)
+qint64 ControlCheck::lineOf(RuleId rule) const
 {
-    LineCollector collector(lines);
-    ControlFile control = readControlFile(path, &collector);
-    const QString outcome = conversionFails(Conversion::kNoSlots);
-    if (!control.isRead)
-        findings.addToControl(kControlUnreadable, 1, "the control file cannot be read: %1%2",
-                              control.status.message, outcome);
-    else if (collector.badLineNumber > 0)
-        findings.addToControl(kControlLine, collector.badLineNumber, "%1%2", collector.badLineText,
-                              outcome);
-    if (!control.status.ok())
-        lines.clear();
-    return control;
+    return m_lines[indexOfRule(m_lines, rule)].number;
+}
+
+void ControlCheck::noteEndOfFirstRun(const QVector<SlotPlan>& plans)
+{
+    m_hasSlots = true;
+    m_uses.noteNames(plans);
+}
+
+FindingList ControlCheck::findings() const
+{
+    FindingList findings = m_findings;
+    if (m_hasSlots && !m_hasUnknownSlots)
+        m_uses.report(findings);
+    return findings;
 }

@@ -48,8 +48,6 @@ private:
     void describePlan();
 
     CheckReport m_report;
-    std::vector<RuleLine> m_ruleLines;
-    ControlFile m_control;
     HtsReader m_reader;
     HtsPackage m_package;
     HtsWalk m_walk;
@@ -62,16 +60,14 @@ private:
 };
 
 FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
-    : m_control(options.controlPath.isEmpty()
-                    ? ruleForAll()
-                    : checkControlFile(options.controlPath, m_report.findings, m_ruleLines)),
-      m_reader(device), m_walk(m_reader, m_package, kWalkOptions),
-      m_conversion([this] { return std::move(m_control); }, options.endMonth,
-                   Conversion::Purpose::Judge),
-      m_context{
-          m_reader,     m_package,        m_walk,
-          m_conversion, options.endMonth, m_report.findings,
-          m_recovery,   m_lines,          options.controlPath.isEmpty() ? nullptr : &m_ruleLines}
+    : m_reader(device), m_walk(m_reader, m_package, kWalkOptions),
+      m_conversion(
+          [control = options.control] {
+              return control == nullptr ? ruleForAll() : control->file();
+          },
+          options.endMonth, Conversion::Purpose::Judge),
+      m_context{m_reader,          m_package,  m_walk,  m_conversion,   options.endMonth,
+                m_report.findings, m_recovery, m_lines, options.control}
 {
     for (const Topic* topic : findingTopics()) {
         m_checks.push_back(topic->makeCheck(m_context));
@@ -131,12 +127,12 @@ void FileCheck::describePlan()
             std::count(years.valueMap.begin(), years.valueMap.end(), 0),
             std::count_if(years.valueMap.begin(), years.valueMap.end(), isLeftOutAtEnd)};
     }
-    if (m_context.ruleLines == nullptr)
+    if (m_context.control == nullptr)
         return;
     for (const SlotPlan& plan : m_conversion.plans())
         m_report.slotPlan.push_back(
             {plan.objectName, plan.slotName, plan.isSeries, plan.isAnnualized(), plan.method,
-             plan.rule == kNoRule ? 0 : lineOfRule(m_ruleLines, plan.rule)});
+             plan.rule == kNoRule ? 0 : m_context.control->lineOf(plan.rule)});
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 
 #include "check/findinglist.h"
 
+class ControlCheck;
 class CsvWriter;
 class QIODevice;
 struct AggMethod;
@@ -15,9 +16,9 @@ struct AggMethod;
 // How a file is checked.
 struct CheckOptions
 {
-    // Path of the method control file; empty to check without methods: every series slot then
-    // counts as converted.
-    QString controlPath;
+    // The method control file, which sees the file's slots; null to check without methods: every
+    // series slot then counts as converted. Not owned.
+    ControlCheck* control = nullptr;
     // Month that each year ends with, 1 to 12.
     int endMonth = 12;
     // Gets the counts of timesteps and missing values, a row for each year of each series slot;
@@ -72,11 +73,12 @@ struct CheckReport
 //
 //     QFile file(path);                        // open for reading, unbuffered
 //     CheckOptions options;
-//     options.controlPath = QStringLiteral("methods.txt");
+//     options.control = &control;              // a ControlCheck, for all files
 //     const CheckReport report = checkFile(file, options);
 //
 // A conversion of the same file with the same control file and month fails exactly when there is a
-// finding of the severity Error, and with conversionMessage; unless it never ends.
+// finding of the severity Error here or among those of the control file, and with
+// conversionMessage; unless it never ends.
 CheckReport checkFile(QIODevice& device, const CheckOptions& options);
 
 #endif // CHECK_FILECHECK_H

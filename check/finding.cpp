@@ -18,8 +18,9 @@ const char* severityName(Severity severity)
 const std::vector<const Topic*>& findingTopics()
 {
     static const std::vector<const Topic*> kTopics = {
-        &readingTopic(), &packageTopic(),  &preambleTopic(), &slotTopic(),    &valueTopic(),
-        &tableTopic(),   &timestepTopic(), &runTopic(),      &controlTopic(), &ruleTopic(),
+        &readingTopic(), &packageTopic(), &preambleTopic(), &slotTopic(),
+        &valueTopic(),   &tableTopic(),   &timestepTopic(), &runTopic(),
+        &controlTopic(), &ruleTopic(),    &methodTopic(),
     };
     return kTopics;
 }

@@ -30,12 +30,8 @@ const FindingKind* findFindingKind(const QString& code);
 // One thing that was found.
 struct Finding
 {
-    // The file to which `line` belongs.
-    enum class File { Hts, Control };
-
     const FindingKind* kind;
-    File file;
-    qint64 line; // counted from 1
+    qint64 line; // of the file that the list is about, counted from 1
     QString text;
 
     Severity severity() const { return kind->severity; }

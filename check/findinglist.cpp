@@ -1,7 +1,6 @@
 #include "check/findinglist.h"
 
 #include <algorithm>
-#include <tuple>
 
 #include "hts/quotedtext.h"
 
@@ -49,8 +48,7 @@ qint64 FindingList::count(Severity severity) const
 std::vector<Finding> FindingList::sorted() const
 {
     std::vector<Finding> result = m_kept;
-    std::stable_sort(result.begin(), result.end(), [](const Finding& a, const Finding& b) {
-        return std::tie(a.file, a.line) < std::tie(b.file, b.line);
-    });
+    std::stable_sort(result.begin(), result.end(),
+                     [](const Finding& a, const Finding& b) { return a.line < b.line; });
     return result;
 }

@@ -50,35 +50,21 @@ public:
     template<typename Text, typename... Arguments>
     void add(const FindingKind& kind, qint64 line, const Text& text, const Arguments&... arguments)
     {
-        addTo(Finding::File::Hts, kind, line, text, arguments...);
-    }
-    // The same, for a line of the control file.
-    template<typename Text, typename... Arguments>
-    void addToControl(const FindingKind& kind, qint64 line, const Text& text,
-                      const Arguments&... arguments)
-    {
-        addTo(Finding::File::Control, kind, line, text, arguments...);
+        if (!countOne(kind))
+            return;
+        if constexpr (std::is_invocable_v<Text>)
+            m_kept.push_back({&kind, line, text()});
+        else
+            m_kept.push_back({&kind, line, worded(text, arguments...)});
     }
 
     // How many findings of a kind there are, kept or not.
     qint64 count(const FindingKind& kind) const;
     qint64 count(Severity severity) const;
-    // The findings that are kept: those of the HTS file, then those of the control file, each in
-    // the order of lines.
+    // The findings that are kept, in the order of lines.
     std::vector<Finding> sorted() const;
 
 private:
-    template<typename Text, typename... Arguments>
-    void addTo(Finding::File file, const FindingKind& kind, qint64 line, const Text& text,
-               const Arguments&... arguments)
-    {
-        if (!countOne(kind))
-            return;
-        if constexpr (std::is_invocable_v<Text>)
-            m_kept.push_back({&kind, file, line, text()});
-        else
-            m_kept.push_back({&kind, file, line, worded(text, arguments...)});
-    }
     bool countOne(const FindingKind& kind);
 
     std::map<const FindingKind*, qint64> m_counts;

@@ -37,24 +37,26 @@ QString counted(qint64 count, Severity severity)
     return worded("%1 %2%3", count, severityName(severity), count == 1 ? "" : "s");
 }
 
-} // namespace
-
-ReportLine findingLine(const Finding& finding, const ReportNames& names)
+QString countsText(const QString& file, qint64 errors, qint64 warnings, qint64 notes)
 {
-    const bool isControl = finding.file == Finding::File::Control;
-    return {worded("%1:%2", isControl ? names.control : names.file, finding.line),
-            finding.severity(), worded("%1 [%2]", finding.text, finding.code())};
+    return worded("%1: %2, %3, %4", file, counted(errors, Severity::Error),
+                  counted(warnings, Severity::Warning), counted(notes, Severity::Note));
 }
 
-std::vector<ReportLine> restLines(const CheckReport& report, const ReportNames& names)
+} // namespace
+
+std::vector<ReportLine> findingLines(const FindingList& findings, const QString& file)
 {
     std::vector<ReportLine> lines;
+    for (const Finding& finding : findings.sorted())
+        lines.push_back({worded("%1:%2", file, finding.line), finding.severity(),
+                         worded("%1 [%2]", finding.text, finding.code())});
     for (const Topic* topic : findingTopics()) {
         for (const FindingKind* kind : topic->kinds) {
-            const qint64 rest = report.findings.count(*kind) - FindingList::kMaxKeptPerKind;
+            const qint64 rest = findings.count(*kind) - FindingList::kMaxKeptPerKind;
             if (rest > 0)
-                lines.push_back({worded("%1", names.file), kind->severity,
-                                 worded("%1 more [%2]", rest, kind->code)});
+                lines.push_back(
+                    {worded("%1", file), kind->severity, worded("%1 more [%2]", rest, kind->code)});
         }
     }
     return lines;
@@ -71,16 +73,22 @@ QStringList planLines(const CheckReport& report, const ReportNames& names)
     return lines;
 }
 
-QString summaryLine(const CheckReport& report, const ReportNames& names)
+QString summaryLine(const CheckReport& report, const FindingList& control, const ReportNames& names)
 {
-    const FindingList& findings = report.findings;
-    QString text = worded("%1: %2, %3, %4", names.file,
-                          counted(findings.count(Severity::Error), Severity::Error),
-                          counted(findings.count(Severity::Warning), Severity::Warning),
-                          counted(findings.count(Severity::Note), Severity::Note));
+    const auto count = [&](Severity severity) {
+        return report.findings.count(severity) + control.count(severity);
+    };
+    QString text = countsText(names.file, count(Severity::Error), count(Severity::Warning),
+                              count(Severity::Note));
     if (report.neverEnds)
         text += QLatin1String("; a conversion never ends");
     else if (!report.conversionMessage.isEmpty())
         text += conversionFails(report.conversionMessage);
     return text;
+}
+
+QString summaryLine(const FindingList& control, const ReportNames& names)
+{
+    return countsText(names.control, control.count(Severity::Error),
+                      control.count(Severity::Warning), control.count(Severity::Note));
 }

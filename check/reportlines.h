@@ -8,6 +8,7 @@
 
 #include "check/finding.h"
 
+class FindingList;
 struct CheckReport;
 
 // The paths of the files that a report is about, as the user named them.
@@ -25,16 +26,19 @@ struct ReportLine
     QString text; // ends with the code in brackets
 };
 
-ReportLine findingLine(const Finding& finding, const ReportNames& names);
-
-// For each code with more findings than are kept, how many more there are.
-std::vector<ReportLine> restLines(const CheckReport& report, const ReportNames& names);
+// The findings about a file; then, for each code with more findings than are kept, how many more
+// there are.
+std::vector<ReportLine> findingLines(const FindingList& findings, const QString& file);
 
 // What a conversion would do with the years and with each slot, as whole lines; none without a
 // control file.
 QStringList planLines(const CheckReport& report, const ReportNames& names);
 
-// How many findings of each severity there are, and how a conversion fails, as a whole line.
-QString summaryLine(const CheckReport& report, const ReportNames& names);
+// How many findings of each severity there are, those of `control` counted too, and how a
+// conversion fails, as a whole line.
+QString summaryLine(const CheckReport& report, const FindingList& control,
+                    const ReportNames& names);
+// The same for the findings of a control file alone.
+QString summaryLine(const FindingList& control, const ReportNames& names);
 
 #endif // CHECK_REPORTLINES_H

@@ -1,6 +1,6 @@
+#include "check/rules.h"
+
 #include <algorithm>
-#include <set>
-#include <vector>
 
 #include "check/nearwords.h"
 #include "check/topic.h"
@@ -9,9 +9,6 @@
 
 namespace {
 
-constexpr FindingKind kNothingToConvert = {Severity::Error, "nothing-to-convert",
-                                           "No series slot has a method.",
-                                           "Write a rule for the slots that are to be converted."};
 constexpr FindingKind kRuleEncoding = {
     Severity::Warning, "rule-encoding",
     "A rule contains bytes that are not UTF-8; each counts as U+FFFD, and so fits any other such "
@@ -32,17 +29,6 @@ constexpr FindingKind kRuleIdle = {
 constexpr FindingKind kRuleOnOtherSlot = {
     Severity::Note, "rule-on-other-slot",
     "A rule fits only slots that are not series; they are left out.", "Remove the rule."};
-constexpr FindingKind kSlotWithoutRule = {Severity::Note, "slot-without-rule",
-                                          "No rule fits a series slot; it is left out.",
-                                          "Write a rule, if the slot is wanted."};
-constexpr FindingKind kSalinity = {
-    Severity::Note, "salinity",
-    "A slot has the method `Salinity`, which is not supported; it is left out.",
-    "Choose another method, if the slot is wanted."};
-constexpr FindingKind kDottedObject = {
-    Severity::Note, "dotted-object",
-    "The name of an object has a dot, so that a rule can reach it by its object type or `*` only.",
-    "Use the object type, or name the object without a dot."};
 
 const QLatin1String kNotUtf8(" contains bytes that are not UTF-8, ");
 
@@ -54,177 +40,114 @@ int specificity(const MethodRule& rule, const HtsSlot& slot)
     return 2 * ofObject + (rule.slot == "*" ? 0 : 1);
 }
 
-// Checks which slots the rules of a control file apply to, and which rules apply to none.
-class RuleCheck : public TopicCheck
+} // namespace
+
+const Topic& ruleTopic()
 {
-public:
-    using TopicCheck::TopicCheck;
-
-    void slotRead() override;
-    void runEnded() override;
-    void finish() override;
-
-private:
-    // What a rule does.
-    struct Use
-    {
-        RuleId shadowedBy = kNoRule; // an earlier, not more specific rule that applies instead
-        RuleId replacedBy = kNoRule; // an earlier, more specific rule that applies instead
-        bool matchesSlot = false;    // of any type
-        bool matchesSeries = false;
-        bool isUsed = false;
-    };
-
-    bool isChecked() const; // this run
-    const MethodControl& rules() const { return m_context.conversion.control().rules; }
-    Use& useOf(RuleId rule) { return m_uses[indexOfRule(*m_context.ruleLines, rule)]; }
-    qint64 lineOf(RuleId rule) const { return lineOfRule(*m_context.ruleLines, rule); }
-    void noteMatches(const HtsSlot& slot);
-    void reportSlot(const HtsSlot& slot);
-    void reportRule(const RuleLine& line);
-    void reportUnmatched(const RuleLine& line);
-    void reportUnused(const RuleLine& line, const Use& use, RuleId shadowedBy);
-    QString textOf(RuleId rule) const;
-    QString nearestName(RuleId rule) const;
-
-    qint64 m_endOfRun = 0;     // line of the last one so far
-    std::vector<Use> m_uses;   // one for each rule
-    std::set<QString> m_types; // of the file's objects, for the nearest name
-};
-
-bool RuleCheck::isChecked() const
-{
-    return m_context.ruleLines != nullptr && m_context.walk.runIndex() == 0;
+    static const Topic kTopic = {
+        "Rules",
+        {&kRuleEncoding, &kRuleUnmatched, &kRuleShadowed, &kRuleIdle, &kRuleOnOtherSlot},
+        makeCheck<TopicCheck>};
+    return kTopic;
 }
 
-void RuleCheck::slotRead()
+std::size_t indexOfRule(const std::vector<RuleLine>& lines, RuleId rule)
 {
-    if (!isChecked())
-        return;
-    const HtsSlot& slot = m_context.walk.slot();
-    m_uses.resize(m_context.ruleLines->size());
+    const auto line =
+        std::lower_bound(lines.begin(), lines.end(), rule,
+                         [](const RuleLine& a, RuleId wanted) { return a.rule < wanted; });
+    Q_ASSERT(line != lines.end() && line->rule == rule);
+    return static_cast<std::size_t>(line - lines.begin());
+}
+
+RuleUses::RuleUses(const MethodControl& rules, const std::vector<RuleLine>& lines)
+    : m_rules(rules), m_lines(lines), m_uses(lines.size())
+{
+}
+
+void RuleUses::noteSlot(const HtsSlot& slot, RuleId used)
+{
     m_types.insert(slot.objectType);
-    noteMatches(slot);
-    if (m_context.conversion.control().status.ok() && slot.isSeries())
-        reportSlot(slot);
-}
-
-void RuleCheck::noteMatches(const HtsSlot& slot)
-{
-    const RuleId used = m_context.conversion.plans().constLast().rule;
-    for (const RuleId rule : rules().matchingRules(slot)) {
-        Use& use = useOf(rule);
+    for (const RuleId rule : m_rules.matchingRules(slot)) {
+        Use& use = m_uses[indexOfRule(m_lines, rule)];
         use.matchesSlot = true;
         use.matchesSeries = use.matchesSeries || slot.isSeries();
         if (rule == used)
             use.isUsed = true;
-        else if (specificity(rules().ruleAt(rule), slot) < specificity(rules().ruleAt(used), slot))
+        else if (specificity(m_rules.ruleAt(rule), slot) < specificity(m_rules.ruleAt(used), slot))
             use.replacedBy = used;
         else
             use.shadowedBy = used;
     }
 }
 
-void RuleCheck::reportSlot(const HtsSlot& slot)
+void RuleUses::noteNames(const QVector<SlotPlan>& plans)
 {
-    const SlotPlan& plan = m_context.conversion.plans().constLast();
-    const auto name = [&slot]() -> QString { return fullSlotName(slot.objectName, slot.slotName); };
-    const qint64 line = m_context.lines.firstLine();
-    if (slot.objectName.contains(QLatin1Char('.')))
-        add(kDottedObject, line,
-            "the object of %1 has a dot in its name: only its type or * can "
-            "reach it, %2",
-            name(), plan.method == nullptr ? "and no rule does" : "as a rule does");
-    else if (plan.method == nullptr)
-        add(kSlotWithoutRule, line, "no rule fits %1, which is left out", name());
-    else if (!plan.method->isSupported())
-        add(kSalinity, line, "%1 has the method %2, which is not supported, and is left out",
-            name(), plan.methodWord);
+    for (const SlotPlan& plan : plans)
+        m_names.push_back({plan.objectName, plan.slotName});
 }
 
-// The rules only now: the slots after an error in the first run are not known.
-void RuleCheck::runEnded()
+void RuleUses::report(FindingList& findings) const
 {
-    m_endOfRun = m_context.reader.lineNumber();
-    if (!isChecked())
-        return;
-    m_uses.resize(m_context.ruleLines->size());
-    for (const RuleLine& line : *m_context.ruleLines)
-        reportRule(line);
+    for (const RuleLine& line : m_lines)
+        reportRule(line, findings);
 }
 
-void RuleCheck::finish()
+QString RuleUses::textOf(RuleId rule) const
 {
-    const Conversion& conversion = m_context.conversion;
-    const bool isPlanned = m_context.walk.status().ok() && !m_context.walk.isTableWithoutEnd() &&
-                           conversion.firstYears().status.ok();
-    // A bad control file has been reported, with the same message.
-    if (!isPlanned || conversion.annualizedCount() > 0 || !conversion.control().status.ok())
-        return;
-    // Not the reader's line: what follows the last run has been read too.
-    add(kNothingToConvert, m_endOfRun, "%1%2",
-        m_context.ruleLines != nullptr ? "no series slot has a method"
-                                       : "the first run has no series slot",
-        conversionFails(conversion.verdict().message));
-}
-
-QString RuleCheck::textOf(RuleId rule) const
-{
-    const MethodRule names = rules().ruleAt(rule);
+    const MethodRule names = m_rules.ruleAt(rule);
     return quoted(fullSlotName(toText(names.object), toText(names.slot)) + QLatin1String(": ") +
                   names.method->word);
 }
 
-void RuleCheck::reportRule(const RuleLine& line)
+void RuleUses::reportRule(const RuleLine& line, FindingList& findings) const
 {
-    const RuleId first = rules().firstLike(line.rule);
+    const RuleId first = m_rules.firstLike(line.rule);
     const bool isRepeated = first != line.rule;
     const Use& use = useOf(first);
     if (!use.matchesSlot) {
-        reportUnmatched(line);
+        reportUnmatched(line, findings);
         return;
     }
     if (!line.isUtf8)
-        m_context.findings.addToControl(kRuleEncoding, line.number, "%1%2%3", textOf(line.rule),
-                                        kNotUtf8, "which fit any others in their place");
+        findings.add(kRuleEncoding, line.number, "%1%2%3", textOf(line.rule), kNotUtf8,
+                     "which fit any others in their place");
     if (isRepeated || !use.isUsed)
-        reportUnused(line, use, isRepeated ? first : use.shadowedBy);
+        reportUnused(line, use, isRepeated ? first : use.shadowedBy, findings);
     else if (!use.matchesSeries)
-        m_context.findings.addToControl(kRuleOnOtherSlot, line.number,
-                                        "%1 fits only table or scalar slots, which are left out",
-                                        textOf(line.rule));
+        findings.add(kRuleOnOtherSlot, line.number,
+                     "%1 fits only table or scalar slots, which are left out", textOf(line.rule));
 }
 
-void RuleCheck::reportUnused(const RuleLine& line, const Use& use, RuleId shadowedBy)
+void RuleUses::reportUnused(const RuleLine& line, const Use& use, RuleId shadowedBy,
+                            FindingList& findings) const
 {
     if (shadowedBy != kNoRule)
-        m_context.findings.addToControl(kRuleShadowed, line.number,
-                                        "%1 is never used, because %2 of line %3 applies first",
-                                        textOf(line.rule), textOf(shadowedBy), lineOf(shadowedBy));
+        findings.add(kRuleShadowed, line.number,
+                     "%1 is never used, because %2 of line %3 applies first", textOf(line.rule),
+                     textOf(shadowedBy), lineOf(shadowedBy));
     else
-        m_context.findings.addToControl(
-            kRuleIdle, line.number,
-            "%1 is never used: rules such as %2 of line %3 apply to all its slots",
-            textOf(line.rule), textOf(use.replacedBy), lineOf(use.replacedBy));
+        findings.add(kRuleIdle, line.number,
+                     "%1 is never used: rules such as %2 of line %3 apply to all its slots",
+                     textOf(line.rule), textOf(use.replacedBy), lineOf(use.replacedBy));
 }
 
-void RuleCheck::reportUnmatched(const RuleLine& line)
+void RuleUses::reportUnmatched(const RuleLine& line, FindingList& findings) const
 {
-    m_context.findings.addToControl(
-        line.isUtf8 ? kRuleUnmatched : kRuleEncoding, line.number, [&]() -> QString {
-            const QString nearest = nearestName(line.rule);
-            return worded("%1%2 fits no slot%3", textOf(line.rule),
-                          line.isUtf8 ? QString() : kNotUtf8 + QLatin1String("and"),
-                          nearest.isEmpty() ? QString()
-                                            : worded("; the nearest is %1", quoted(nearest)));
-        });
+    findings.add(line.isUtf8 ? kRuleUnmatched : kRuleEncoding, line.number, [&]() -> QString {
+        const QString nearest = nearestName(line.rule);
+        return worded("%1%2 fits no slot%3", textOf(line.rule),
+                      line.isUtf8 ? QString() : kNotUtf8 + QLatin1String("and"),
+                      nearest.isEmpty() ? QString()
+                                        : worded("; the nearest is %1", quoted(nearest)));
+    });
 }
 
 // The slot or type name of the file that is nearest to the names of the rule; empty if none is
 // near.
-QString RuleCheck::nearestName(RuleId rule) const
+QString RuleUses::nearestName(RuleId rule) const
 {
-    const MethodRule names = rules().ruleAt(rule);
+    const MethodRule names = m_rules.ruleAt(rule);
     const QString object = toText(names.object);
     const QString slot = toText(names.slot);
     const QString wanted = fullSlotName(object, slot);
@@ -243,22 +166,10 @@ QString RuleCheck::nearestName(RuleId rule) const
             nearest = name;
         }
     };
-    for (const SlotPlan& plan : m_context.conversion.plans())
-        compare(fullSlotName(names.object == "*" ? object : plan.objectName,
-                             names.slot == "*" && names.object != "*" ? slot : plan.slotName));
+    for (const SlotName& name : m_names)
+        compare(fullSlotName(names.object == "*" ? object : name.object,
+                             names.slot == "*" && names.object != "*" ? slot : name.slot));
     for (const QString& type : m_types)
         compare(fullSlotName(type, slot));
     return nearest;
-}
-
-} // namespace
-
-const Topic& ruleTopic()
-{
-    static const Topic kTopic = {"Rules",
-                                 {&kNothingToConvert, &kRuleEncoding, &kRuleUnmatched,
-                                  &kRuleShadowed, &kRuleIdle, &kRuleOnOtherSlot, &kSlotWithoutRule,
-                                  &kSalinity, &kDottedObject},
-                                 makeCheck<RuleCheck>};
-    return kTopic;
 }

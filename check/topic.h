@@ -61,6 +61,7 @@ const Topic& timestepTopic();
 const Topic& runTopic();
 const Topic& controlTopic();
 const Topic& ruleTopic();
+const Topic& methodTopic();
 
 // All topics, in the order in which people read them, and in which their checks are called.
 const std::vector<const Topic*>& findingTopics();

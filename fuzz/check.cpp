@@ -8,6 +8,7 @@
 
 #include "QsLog.h"
 #include "annualize/annualizehts.h"
+#include "check/control.h"
 #include "check/filecheck.h"
 #include "exchange/csvexport.h"
 #include "exchange/csvwriter.h"
@@ -55,34 +56,33 @@ QString convert(const Inputs& inputs, const QString& controlPath)
     return engine.annualize().message;
 }
 
-CheckReport check(const Inputs& inputs, const QString& controlPath, CsvWriter* counts)
+CheckReport check(const Inputs& inputs, ControlCheck& control, CsvWriter* counts)
 {
     QBuffer source;
     open(source, inputs.hts);
     CheckOptions options;
-    options.controlPath = controlPath;
+    options.control = &control;
     options.endMonth = inputs.endMonth;
     options.counts = counts;
     return checkFile(source, options);
 }
 
-void checkFindings(const CheckReport& report, const Inputs& inputs)
+// Returns whether an error names the message.
+bool checkFindings(const FindingList& findings, const QByteArray& file, const QString& message)
 {
     // One more for the end of the input after the last line end.
-    const qint64 htsLines = inputs.hts.count('\n') + 1;
-    const qint64 controlLines = inputs.control.count('\n') + 1;
-    bool namesMessage = report.conversionMessage.isEmpty();
-    for (const Finding& finding : report.findings.sorted()) {
-        const bool isControl = finding.file == Finding::File::Control;
+    const qint64 lines = file.count('\n') + 1;
+    bool namesMessage = false;
+    for (const Finding& finding : findings.sorted()) {
         const QString text = QStringLiteral("line %1: ").arg(finding.line) + finding.text;
-        fuzz::require(finding.line >= 1 && finding.line <= (isControl ? controlLines : htsLines),
+        fuzz::require(finding.line >= 1 && finding.line <= lines,
                       QStringLiteral("no such line: ") + text);
         fuzz::require(!finding.text.isEmpty() && !finding.text.contains(QLatin1Char('\n')),
                       QStringLiteral("not on one line: ") + text);
-        namesMessage = namesMessage || (finding.severity() == Severity::Error &&
-                                        finding.text.contains(report.conversionMessage));
+        namesMessage = namesMessage ||
+                       (finding.severity() == Severity::Error && finding.text.contains(message));
     }
-    fuzz::require(namesMessage, QStringLiteral("not named: ") + report.conversionMessage);
+    return namesMessage;
 }
 
 void checkExport(const Inputs& inputs, const CheckReport& report, bool isWide)
@@ -113,7 +113,9 @@ FUZZ_TARGET(check)
     QBuffer counts;
     fuzz::require(counts.open(QIODevice::WriteOnly), QStringLiteral("cannot open the buffer"));
     CsvWriter writer(counts);
-    const CheckReport report = check(inputs, kControl.path(), &writer);
+    ControlCheck control(kControl.path());
+    const CheckReport report = check(inputs, control, &writer);
+    const FindingList controlFindings = control.findings();
     const bool isEndless = plainreader::isEndless(inputs.hts);
     fuzz::require(report.neverEnds == isEndless, QStringLiteral("other end"));
     if (!isEndless) {
@@ -121,9 +123,15 @@ FUZZ_TARGET(check)
                            convert(inputs, kControl.path()));
     }
     const bool fails = isEndless || !report.conversionMessage.isEmpty();
-    fuzz::require((report.findings.count(Severity::Error) > 0) == fails,
+    const qint64 errors =
+        report.findings.count(Severity::Error) + controlFindings.count(Severity::Error);
+    fuzz::require((errors > 0) == fails,
                   QStringLiteral("an error without a failure, or the other way round"));
-    checkFindings(report, inputs);
+    const QString& message = report.conversionMessage;
+    const bool isNamed = checkFindings(report.findings, inputs.hts, message);
+    const bool isNamedByControl = checkFindings(controlFindings, inputs.control, message);
+    fuzz::require(message.isEmpty() || isNamed || isNamedByControl,
+                  QStringLiteral("not named: ") + message);
     checkExport(inputs, report, false);
     checkExport(inputs, report, true);
 }

@@ -32,10 +32,8 @@ QString lineOf(const QJsonValue& finding)
 }
 
 // How many codes have more findings than are shown.
-int countMoreLines(const QJsonObject& report)
+int countMoreLines(const QJsonObject& counts, const QJsonArray& findings)
 {
-    const QJsonObject counts = report.value(QLatin1String("counts")).toObject();
-    const QJsonArray findings = report.value(QLatin1String("findings")).toArray();
     int lines = 0;
     for (const QString& code : counts.keys()) {
         const auto shown =
@@ -53,32 +51,45 @@ bool hasControlCharacter(const QString& text)
                        [](QChar c) { return c.category() == QChar::Other_Control; });
 }
 
-// What follows the findings: the codes with more of them, the years and the slots.
-void checkRest(const QString& rest, const QJsonObject& report)
+// Removes the first `count` lines, which are all of the file.
+void takeLines(QString& text, int count, const QString& file)
 {
-    const QJsonValue plan = report.value(QLatin1String("plan"));
-    const int planLines =
-        plan.isNull() ? 0 : 1 + plan.toObject().value(QLatin1String("slots")).toArray().size();
-    fuzz::require(rest.count(QLatin1Char('\n')) == countMoreLines(report) + planLines,
-                  QStringLiteral("other lines after the findings: ") + rest);
-    const QString start = textOf(report, "file") + QLatin1String(": ");
-    for (const QString& line : rest.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+    const QString start = file + QLatin1String(": ");
+    for (; count > 0; --count) {
+        const QString line = text.section(QLatin1Char('\n'), 0, 0);
         fuzz::require(line.startsWith(start), QStringLiteral("not of the file: ") + line);
         fuzz::require(!hasControlCharacter(line), QStringLiteral("shown raw: ") + line);
+        text.remove(0, line.size() + 1);
     }
 }
 
-void checkText(const QString& text, const QJsonObject& report)
+// Removes the findings about a file, and the lines of the codes with more of them.
+void takeFindings(QString& text, const QJsonArray& findings, const QJsonObject& counts,
+                  const QString& file)
 {
     QString expected;
-    const QJsonArray findings = report.value(QLatin1String("findings")).toArray();
     for (const auto& finding : findings) {
         fuzz::require(!hasControlCharacter(textOf(finding, "text")),
                       QStringLiteral("shown raw: ") + textOf(finding, "text"));
         expected += lineOf(finding);
     }
     fuzz::requireEqual(QStringLiteral("findings"), text.left(expected.size()), expected);
-    checkRest(text.mid(expected.size()), report);
+    text.remove(0, expected.size());
+    takeLines(text, countMoreLines(counts, findings), file);
+}
+
+void checkText(QString text, const QJsonObject& document, const QJsonObject& report)
+{
+    const QString file = textOf(report, "file");
+    takeFindings(text, report.value(QLatin1String("findings")).toArray(),
+                 report.value(QLatin1String("counts")).toObject(), file);
+    takeFindings(text, document.value(QLatin1String("controlFindings")).toArray(),
+                 document.value(QLatin1String("controlCounts")).toObject(),
+                 textOf(document, "control"));
+    const QJsonValue plan = report.value(QLatin1String("plan"));
+    if (!plan.isNull())
+        takeLines(text, 1 + plan.toObject().value(QLatin1String("slots")).toArray().size(), file);
+    fuzz::require(text.isEmpty(), QStringLiteral("lines after the plan: ") + text);
 }
 
 } // namespace
@@ -103,9 +114,9 @@ FUZZ_TARGET(report)
     fuzz::require(reports.size() == 1, QStringLiteral("no JSON document with one report"));
     const QJsonObject report = reports.first().toObject();
     fuzz::requireEqual(QStringLiteral("file"), textOf(report, "file"), files.htsPath());
-    fuzz::require(report.value(QLatin1String("exitCode")).toInt() == asText.exitCode,
+    fuzz::require(document.value(QLatin1String("exitCode")).toInt() == asText.exitCode,
                   QStringLiteral("another exit code in the document"));
     // Such a name is not shown on one line.
     if (!hasControlCharacter(files.htsPath()))
-        checkText(QString::fromUtf8(asText.output), report);
+        checkText(QString::fromUtf8(asText.output), document, report);
 }

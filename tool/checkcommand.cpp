@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 
 #include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include "check/control.h"
 #include "check/filecheck.h"
 #include "check/yearcounts.h"
 #include "exchange/csvwriter.h"
@@ -21,6 +23,8 @@
 
 namespace {
 
+const QLatin1String kNoMemory("not enough memory");
+
 int exitCodeOf(const FindingList& findings)
 {
     if (findings.count(Severity::Error) > 0)
@@ -29,7 +33,8 @@ int exitCodeOf(const FindingList& findings)
                                                  : ExitCode::kNoWorseThanNotes;
 }
 
-// Checks one file after another, and writes or collects their reports.
+// Checks one file after another, and writes or collects their reports, then that of the control
+// file.
 class CheckCommand
 {
 public:
@@ -38,24 +43,49 @@ public:
     int run(CsvWriter* counts);
 
 private:
+    bool readControl();
     void check(const QString& path, CsvWriter* counts);
     void report(const CheckReport& report, const ReportNames& names);
     void reportUnusable(const ReportNames& names, const QString& problem, int exitCode);
+    void reportControl();
     void writeDocument();
 
     const ToolOptions& m_options;
     const ToolIo& m_io;
+    std::optional<ControlCheck> m_control;
+    // Of m_control, after all files; taken into the report of the file if there is only one.
+    std::optional<FindingList> m_controlFindings;
     QJsonArray m_files;
     int m_exitCode = ExitCode::kNoWorseThanNotes;
 };
 
 int CheckCommand::run(CsvWriter* counts)
 {
-    for (const QString& path : m_options.files)
-        check(path, counts);
+    const bool isReady = readControl();
+    for (const QString& path : m_options.files) {
+        if (isReady)
+            check(path, counts);
+        else
+            reportUnusable({path, m_options.controlPath}, kNoMemory, ExitCode::kUnusable);
+    }
+    if (m_control && !m_controlFindings)
+        reportControl();
     if (m_options.format == ToolOptions::Format::Json)
         writeDocument();
     return m_exitCode;
+}
+
+// Fails only for want of memory.
+bool CheckCommand::readControl()
+{
+    try {
+        if (!m_options.controlPath.isEmpty())
+            m_control.emplace(m_options.controlPath);
+        return true;
+    } catch (const std::bad_alloc&) {
+        reportProblem(m_options.controlPath, kNoMemory, m_io);
+        return false;
+    }
 }
 
 void CheckCommand::check(const QString& path, CsvWriter* counts)
@@ -67,7 +97,7 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
         return;
     }
     CheckOptions options;
-    options.controlPath = m_options.controlPath;
+    options.control = m_control ? &*m_control : nullptr;
     options.endMonth = m_options.endMonth;
     options.counts = counts;
     options.fileName = path;
@@ -80,7 +110,7 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
         if (problem.isEmpty())
             report(found, names);
     } catch (const std::bad_alloc&) {
-        problem = QStringLiteral("not enough memory");
+        problem = kNoMemory;
     }
     // The findings are about only a part of the file, so they are dropped.
     if (!problem.isEmpty()) {
@@ -91,31 +121,54 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
 
 void CheckCommand::report(const CheckReport& report, const ReportNames& names)
 {
-    const int exitCode = exitCodeOf(report.findings);
+    // A bad control file has its error there.
+    const int exitCode =
+        report.conversionMessage.isEmpty() ? exitCodeOf(report.findings) : ExitCode::kErrors;
     m_exitCode = std::max(m_exitCode, exitCode);
+    FindingList control;
+    if (m_control && m_options.files.size() == 1) {
+        control = m_control->findings();
+        m_exitCode = std::max(m_exitCode, exitCodeOf(control));
+        m_controlFindings = control;
+    }
     if (m_options.format == ToolOptions::Format::Json)
         m_files.append(jsonReport(report, names, exitCode));
     else
-        m_io.output.write(textReport(report, names, m_io.hasColour).toUtf8());
-    m_io.errors.write(textSummary(report, names).toUtf8());
+        m_io.output.write(textReport(report, control, names, m_io.hasColour).toUtf8());
+    m_io.errors.write(summaryLine(report, control, names).toUtf8() + '\n');
 }
 
 void CheckCommand::reportUnusable(const ReportNames& names, const QString& problem, int exitCode)
 {
     m_exitCode = std::max(m_exitCode, exitCode);
+    if (m_control)
+        m_control->noteUnknownSlots();
     if (m_options.format == ToolOptions::Format::Json)
         m_files.append(jsonUnreadable(names, problem, exitCode));
+}
+
+void CheckCommand::reportControl()
+{
+    const ReportNames names{{}, m_options.controlPath};
+    m_controlFindings = m_control->findings();
+    m_exitCode = std::max(m_exitCode, exitCodeOf(*m_controlFindings));
+    if (m_options.format == ToolOptions::Format::Text)
+        m_io.output.write(textFindings(*m_controlFindings, names.control, m_io.hasColour).toUtf8());
+    m_io.errors.write(summaryLine(*m_controlFindings, names).toUtf8() + '\n');
 }
 
 void CheckCommand::writeDocument()
 {
     const QString& control = m_options.controlPath;
+    const FindingList findings = m_controlFindings.value_or(FindingList());
     const QJsonObject document{
         {QStringLiteral("format"), 1},
         {QStringLiteral("endMonth"), m_options.endMonth},
         {QStringLiteral("control"), control.isEmpty() ? QJsonValue(QJsonValue::Null) : control},
         {QStringLiteral("exitCode"), m_exitCode},
         {QStringLiteral("files"), m_files},
+        {QStringLiteral("controlFindings"), jsonFindings(findings, control)},
+        {QStringLiteral("controlCounts"), jsonCounts(findings)},
     };
     m_io.output.write(QJsonDocument(document).toJson());
 }

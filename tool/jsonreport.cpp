@@ -1,6 +1,5 @@
 #include "tool/jsonreport.h"
 
-#include <QJsonArray>
 #include <QJsonValue>
 
 #include "annualize/aggmethods.h"
@@ -20,34 +19,6 @@ QString key(const char* name)
 QJsonValue textOrNull(const QString& text)
 {
     return text.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(text);
-}
-
-QJsonArray findingsOf(const CheckReport& report, const ReportNames& names)
-{
-    QJsonArray array;
-    for (const Finding& finding : report.findings.sorted()) {
-        const bool isControl = finding.file == Finding::File::Control;
-        array.append(QJsonObject{
-            {key("file"), isControl ? names.control : names.file},
-            {key("line"), finding.line},
-            {key("severity"), key(severityName(finding.severity()))},
-            {key("code"), key(finding.code())},
-            {key("text"), finding.text},
-        });
-    }
-    return array;
-}
-
-QJsonObject countsOf(const FindingList& findings)
-{
-    QJsonObject counts;
-    for (const Topic* topic : findingTopics()) {
-        for (const FindingKind* kind : topic->kinds) {
-            if (findings.count(*kind) > 0)
-                counts.insert(key(kind->code), findings.count(*kind));
-        }
-    }
-    return counts;
 }
 
 QJsonObject conversionOf(const CheckReport& report)
@@ -85,6 +56,33 @@ QJsonObject planOf(const CheckReport& report)
 
 } // namespace
 
+QJsonArray jsonFindings(const FindingList& findings, const QString& file)
+{
+    QJsonArray array;
+    for (const Finding& finding : findings.sorted()) {
+        array.append(QJsonObject{
+            {key("file"), file},
+            {key("line"), finding.line},
+            {key("severity"), key(severityName(finding.severity()))},
+            {key("code"), key(finding.code())},
+            {key("text"), finding.text},
+        });
+    }
+    return array;
+}
+
+QJsonObject jsonCounts(const FindingList& findings)
+{
+    QJsonObject counts;
+    for (const Topic* topic : findingTopics()) {
+        for (const FindingKind* kind : topic->kinds) {
+            if (findings.count(*kind) > 0)
+                counts.insert(key(kind->code), findings.count(*kind));
+        }
+    }
+    return counts;
+}
+
 QJsonObject jsonReport(const CheckReport& report, const ReportNames& names, int exitCode)
 {
     const FindingList& findings = report.findings;
@@ -97,8 +95,8 @@ QJsonObject jsonReport(const CheckReport& report, const ReportNames& names, int 
         {key("errors"), findings.count(Severity::Error)},
         {key("warnings"), findings.count(Severity::Warning)},
         {key("notes"), findings.count(Severity::Note)},
-        {key("findings"), findingsOf(report, names)},
-        {key("counts"), countsOf(findings)},
+        {key("findings"), jsonFindings(findings, names.file)},
+        {key("counts"), jsonCounts(findings)},
         {key("conversion"), conversionOf(report)},
         {key("plan"), names.control.isEmpty() ? QJsonValue(QJsonValue::Null) : planOf(report)},
     };

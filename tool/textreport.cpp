@@ -33,19 +33,20 @@ QString textOf(const ReportLine& line, bool hasColour)
 
 } // namespace
 
-QString textReport(const CheckReport& report, const ReportNames& names, bool hasColour)
+QString textFindings(const FindingList& findings, const QString& file, bool hasColour)
 {
     QString text;
-    for (const Finding& finding : report.findings.sorted())
-        text += textOf(findingLine(finding, names), hasColour);
-    for (const ReportLine& line : restLines(report, names))
+    for (const ReportLine& line : findingLines(findings, file))
         text += textOf(line, hasColour);
-    for (const QString& line : planLines(report, names))
-        text += line + QLatin1Char('\n');
     return text;
 }
 
-QString textSummary(const CheckReport& report, const ReportNames& names)
+QString textReport(const CheckReport& report, const FindingList& control, const ReportNames& names,
+                   bool hasColour)
 {
-    return summaryLine(report, names) + QLatin1Char('\n');
+    QString text = textFindings(report.findings, names.file, hasColour) +
+                   textFindings(control, names.control, hasColour);
+    for (const QString& line : planLines(report, names))
+        text += line + QLatin1Char('\n');
+    return text;
 }

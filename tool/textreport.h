@@ -5,13 +5,15 @@
 
 #include "check/reportlines.h"
 
+class FindingList;
 struct CheckReport;
 
-// The findings, one on each line; then, for each code with more findings than are listed, how many
-// more there are; then, with a control file, the plan of the conversion.
-QString textReport(const CheckReport& report, const ReportNames& names, bool hasColour);
+// The findings about a file, one on each line, as findingLines() has them.
+QString textFindings(const FindingList& findings, const QString& file, bool hasColour);
 
-// The summary line for a file.
-QString textSummary(const CheckReport& report, const ReportNames& names);
+// The findings about an HTS file; then those of `control`, which are about the control file; then,
+// with a control file, the plan of the conversion.
+QString textReport(const CheckReport& report, const FindingList& control, const ReportNames& names,
+                   bool hasColour);
 
 #endif // TOOL_TEXTREPORT_H

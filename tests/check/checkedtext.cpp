@@ -1,5 +1,7 @@
 #include "tests/check/checkedtext.h"
 
+#include <utility>
+
 #include <QBuffer>
 #include <QFile>
 
@@ -21,41 +23,55 @@ bool isEndless(const QByteArray& text)
     return budget.isExhausted;
 }
 
-CheckOptions optionsOf(const QString& controlPath, int endMonth)
+CheckedText checked(QIODevice& device, const QString& controlPath, int endMonth)
 {
     CheckOptions options;
-    options.controlPath = controlPath;
     options.endMonth = endMonth;
-    return options;
+    if (controlPath.isEmpty())
+        return {checkFile(device, options), {}};
+    ControlCheck control(controlPath);
+    options.control = &control;
+    CheckReport report = checkFile(device, options);
+    return {std::move(report), control.findings()};
 }
 
 } // namespace
 
-CheckReport checkedText(const QByteArray& text, const QString& controlPath, int endMonth)
+qint64 CheckedText::errorCount() const
+{
+    return findings.count(Severity::Error) + controlFindings.count(Severity::Error);
+}
+
+CheckedText checkedText(const QByteArray& text, const QString& controlPath, int endMonth)
 {
     QBuffer device;
     device.setData(text);
     device.open(QIODevice::ReadOnly);
-    return checkFile(device, optionsOf(controlPath, endMonth));
+    return checked(device, controlPath, endMonth);
 }
 
-CheckReport checkedFile(const QString& path, const QString& controlPath, int endMonth)
+CheckedText checkedFile(const QString& path, const QString& controlPath, int endMonth)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered))
         qFatal("cannot read %s", qPrintable(path));
-    return checkFile(file, optionsOf(controlPath, endMonth));
+    return checked(file, controlPath, endMonth);
 }
 
 QStringList findingTexts(const FindingList& findings)
 {
     QStringList texts;
-    for (const Finding& finding : findings.sorted()) {
-        const bool isControl = finding.file == Finding::File::Control;
-        texts.append(QLatin1String(isControl ? "control " : "") + QString::number(finding.line) +
-                     QLatin1String(": ") + QLatin1String(finding.code()) + QLatin1String(": ") +
-                     finding.text);
-    }
+    for (const Finding& finding : findings.sorted())
+        texts.append(QString::number(finding.line) + QLatin1String(": ") +
+                     QLatin1String(finding.code()) + QLatin1String(": ") + finding.text);
+    return texts;
+}
+
+QStringList findingTexts(const CheckedText& report)
+{
+    QStringList texts = findingTexts(report.findings);
+    for (const QString& text : findingTexts(report.controlFindings))
+        texts.append(QLatin1String("control ") + text);
     return texts;
 }
 

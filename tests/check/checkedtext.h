@@ -5,17 +5,29 @@
 #include <QString>
 #include <QStringList>
 
+#include "check/control.h"
 #include "check/filecheck.h"
 
+// The report on one file, and the findings about its control file.
+struct CheckedText : CheckReport
+{
+    FindingList controlFindings;
+
+    // Of both.
+    qint64 errorCount() const;
+};
+
 // Checks a text as a file; the month is December unless given.
-CheckReport checkedText(const QByteArray& text, const QString& controlPath = {}, int endMonth = 12);
+CheckedText checkedText(const QByteArray& text, const QString& controlPath = {}, int endMonth = 12);
 
 // Checks a file, opened as the program opens it: only there is an empty Windows line before
 // "END_RUN" what it is in a conversion.
-CheckReport checkedFile(const QString& path, const QString& controlPath = {}, int endMonth = 12);
+CheckedText checkedFile(const QString& path, const QString& controlPath = {}, int endMonth = 12);
 
-// The findings as "12: code: text", of the control file as "control 3: code: text".
+// The findings as "12: code: text"; of a report those of the file, then those of the control file
+// as "control 3: code: text".
 QStringList findingTexts(const FindingList& findings);
+QStringList findingTexts(const CheckedText& report);
 
 // The outcome of a conversion of a text.
 struct ConvertedText

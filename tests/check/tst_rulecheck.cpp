@@ -68,13 +68,13 @@ private Q_SLOTS:
     void nearestNameIsOneThatARuleCanHave();
 
 private:
-    CheckReport check(const QByteArray& rules, const QByteArray& file) const;
+    CheckedText check(const QByteArray& rules, const QByteArray& file) const;
     QStringList findings(const QByteArray& rules, const QVector<Slot>& slotList) const;
 
     QTemporaryDir m_folder;
 };
 
-CheckReport RuleCheckTest::check(const QByteArray& rules, const QByteArray& file) const
+CheckedText RuleCheckTest::check(const QByteArray& rules, const QByteArray& file) const
 {
     const QString path = m_folder.filePath(QStringLiteral("c.txt"));
     QFile control(path);
@@ -89,7 +89,7 @@ QStringList RuleCheckTest::findings(const QByteArray& rules, const QVector<Slot>
 {
     QVector<qint64> lines;
     const QByteArray file = fileOf(slotList, lines);
-    QStringList texts = findingTexts(check(rules, file).findings);
+    QStringList texts = findingTexts(check(rules, file));
     for (QString& text : texts) {
         const QString line = text.section(QLatin1Char(':'), 0, 0);
         const int slot = lines.indexOf(line.toLongLong());

@@ -200,7 +200,8 @@ void ToolDocTest::jsonDocumentIsComplete()
               sourceFile(QStringLiteral("tests/check/files/text-value.hts")));
     run.start(words("check -f json a.hts -y 12"));
     QCOMPARE(run.exitCode, 1);
-    const QByteArray expected = R"({"control":null,"endMonth":12,"exitCode":1,"files":[{
+    const QByteArray expected =
+        R"({"control":null,"controlCounts":{},"controlFindings":[],"endMonth":12,"exitCode":1,"files":[{
 "conversion":{"message":null,"outcome":"succeeds"},"counts":{"text-value":1},"errors":0,
 "exitCode":1,"file":"a.hts","findings":[{"code":"text-value","file":"a.hts","line":38,
 "severity":"warning","text":"\"7,5\" is not a number and counts as 0; it may be a decimal comma"}],

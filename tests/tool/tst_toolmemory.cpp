@@ -35,7 +35,7 @@ void ToolMemoryTest::fileWithoutEnd_data()
                       "htstool: /dev/zero: not enough memory\n"
                       "b.hts: 0 errors, 0 warnings, 0 notes\n");
     QTest::newRow("control file") << "check b.hts -c /dev/zero" << QByteArray()
-                                  << QByteArray("htstool: b.hts: not enough memory\n");
+                                  << QByteArray("htstool: /dev/zero: not enough memory\n");
     QTest::newRow("export") << "export /dev/zero -o -" << QByteArray()
                             << QByteArray("htstool: not enough memory\n");
 }
@@ -74,7 +74,8 @@ void ToolMemoryTest::lineWithoutEnd_data()
     row("after other lines", "{ cat b.hts; tr '\\000' x < /dev/zero; } | $PROGRAM check -", "",
         "htstool: -: " + text);
     row("JSON", "$PROGRAM check -f json /dev/zero > a; e=$?; tr -d '\\n' < a; exit $e",
-        "{    \"control\": null,    \"endMonth\": 12,    \"exitCode\": 2,    \"files\": [        {"
+        "{    \"control\": null,    \"controlCounts\": {    },    \"controlFindings\": [    ],    "
+        "\"endMonth\": 12,    \"exitCode\": 2,    \"files\": [        {"
         "            \"exitCode\": 2,            \"file\": \"/dev/zero\",            \"problem\": "
         "\"a line is longer than 64 MiB\"        }    ],    \"format\": 1}",
         "htstool: /dev/zero: " + text);
