@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <QTextCodec>
 #include <QtGlobal>
 
 #include "utils/console.h"
@@ -38,6 +37,5 @@ void prepareCommandLineMode()
 
 QString argumentText(const char* argument)
 {
-    static const QTextCodec* const utf8 = QTextCodec::codecForName("UTF-8");
-    return UtilsNS::argumentText(argument, *utf8);
+    return UtilsNS::argumentText(argument, UtilsNS::Encoding::Utf8);
 }

@@ -1,10 +1,11 @@
 #include "gui/annualizehtsdlg.h"
 
+#include <algorithm>
+
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QRegExp>
 #include <QShortcut>
 
 #include "QsLog.h"
@@ -260,7 +261,9 @@ void AnnualizeHtsDlg::cancelButtonHandler(bool)
 QString AnnualizeHtsDlg::helpPageUrl(const QString& programFolder)
 {
     const QString url = QStringLiteral("file:///%1/Help/HtsAnnualizerHelp.html").arg(programFolder);
-    return url.contains(QRegExp(QStringLiteral("\\s"))) ? QStringLiteral("\"%1\"").arg(url) : url;
+    const auto isSpace = [](QChar c) { return c.isSpace(); };
+    const bool hasSpace = std::any_of(url.begin(), url.end(), isSpace);
+    return hasSpace ? QStringLiteral("\"%1\"").arg(url) : url;
 }
 
 void AnnualizeHtsDlg::helpButtonHandler(bool)

@@ -1,7 +1,7 @@
 #include "gui/messagewatcher.h"
 
 #include <QMetaMethod>
-#include <QRegExp>
+#include <QRegularExpression>
 
 #include "QsLogLevel.h"
 
@@ -11,14 +11,17 @@ namespace {
 
 QString withoutTimeStamp(const QString& message)
 {
-    // Not static: a QRegExp keeps the state of its last match, and lines may come from several
-    // threads at once.
-    const QRegExp timeStamp(
-        QStringLiteral("\\d{4}-\\d{2}-\\d{2}T\\d{2}:\\d{2}:\\d{2}\\.\\d{3}\\s+"));
+    static const QRegularExpression kTimeStamp(
+        QStringLiteral("\\d{4}-\\d{2}-\\d{2}T\\d{2}:\\d{2}:\\d{2}\\.\\d{3}\\s+"),
+        QRegularExpression::UseUnicodePropertiesOption);
+    // A text with a lone surrogate, as the names of some files have them, would match nothing.
+    QString searched = message;
+    for (QChar& c : searched)
+        c = c.isSurrogate() ? QChar(QChar::ReplacementCharacter) : c;
+    const QRegularExpressionMatch match = kTimeStamp.match(searched);
     QString text = message;
-    const int position = timeStamp.indexIn(text);
-    if (position >= 0)
-        text.remove(position, timeStamp.matchedLength());
+    if (match.hasMatch())
+        text.remove(match.capturedStart(), match.capturedLength());
     return text;
 }
 

@@ -1,7 +1,5 @@
 #include "tool/terminal.h"
 
-#include <QTextCodec>
-
 #include "utils/processsetup.h"
 
 #include <unistd.h>
@@ -18,7 +16,7 @@ QStringList processArguments(int argc, const char* const* argv)
 {
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
-        arguments.append(UtilsNS::argumentText(argv[i], *QTextCodec::codecForLocale()));
+        arguments.append(UtilsNS::argumentText(argv[i], UtilsNS::Encoding::OfLocale));
     return arguments;
 }
 

@@ -5,7 +5,6 @@
 #include <new>
 
 #include <QByteArray>
-#include <QTextCodec>
 
 namespace {
 
@@ -29,11 +28,12 @@ int noMemoryExitCode = EXIT_FAILURE;
 
 namespace UtilsNS {
 
-QString argumentText(const char* argument, const QTextCodec& codec)
+QString argumentText(const char* argument, Encoding encoding)
 {
     const QByteArray bytes(argument);
-    QString text = codec.toUnicode(bytes);
-    if (codec.fromUnicode(text) == bytes)
+    const bool isUtf8 = encoding == Encoding::Utf8;
+    QString text = isUtf8 ? QString::fromUtf8(bytes) : QString::fromLocal8Bit(bytes);
+    if ((isUtf8 ? text.toUtf8() : text.toLocal8Bit()) == bytes)
         return text;
     constexpr int kSurrogates = 0xdc00;
     constexpr int kFirstOutsideAscii = 0x80;

@@ -5,8 +5,6 @@
 
 #include <QString>
 
-class QTextCodec;
-
 namespace UtilsNS {
 
 // What both programs set up for the whole process.
@@ -24,11 +22,13 @@ void openStandardStreams(MissingStream missing);
 // of a scheduler have, texts and file names are UTF-8. Does nothing on Windows.
 void chooseTextEncoding();
 
-// The text of an argument of the process, which is in the encoding of `codec`. Each byte that is
+enum class Encoding { Utf8, OfLocale };
+
+// The text of an argument of the process, which has that encoding. Each byte that is
 // not ASCII becomes a lone surrogate if the text would not give the same bytes again: other
 // arguments would have the same text, and a file with that name would be another one. See
 // problemOfPath().
-QString argumentText(const char* argument, const QTextCodec& codec);
+QString argumentText(const char* argument, Encoding encoding);
 
 // Lets the bytes of a standard stream pass unchanged. On Windows the C runtime would otherwise
 // write each line feed as two characters, and end the input at a Ctrl+Z.

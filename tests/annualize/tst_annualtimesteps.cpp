@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QLocale>
 #include <QObject>
+#include <QRegularExpression>
 #include <QtTest>
 
 #include "annualize/annualizehts.h"
@@ -161,7 +162,7 @@ Series randomSeries(const QString& unit, int endMonth, std::mt19937& random)
     else
         series.texts = hourlyTimesteps(day, 1 + below(24), 1 + below(24 * 900));
     for (const QString& text : series.texts) {
-        const QStringList parts = text.split(QRegExp(QStringLiteral("[- :]")));
+        const QStringList parts = text.split(QRegularExpression(QStringLiteral("[- :]")));
         const QDate date(parts[0].toInt(), parts[1].toInt(), parts[2].toInt());
         const qint64 seconds = parts[3].toInt() * 3600;
         series.instants.append(QDateTime(date, QTime(0, 0), Qt::UTC).addSecs(seconds));

@@ -76,7 +76,7 @@ void TestMessageWatcher::removesTheTimeStamp_data()
     QTest::addColumn<QString>("expected");
 
     const auto add = [](const char* name, const char* line, const char* expected) {
-        QTest::newRow(name) << QString::fromLatin1(line) << QString::fromLatin1(expected);
+        QTest::newRow(name) << QString::fromUtf8(line) << QString::fromUtf8(expected);
     };
     add("stamp and three blanks", "2015-06-30T14:05:09.123   Cannot read file", "Cannot read file");
     add("level name before the stamp", "WARN  2015-06-30T14:05:09.123 Text", "WARN  Text");
@@ -98,6 +98,16 @@ void TestMessageWatcher::removesTheTimeStamp_data()
     add("stamp at the end", "Text 2015-06-30T14:05:09.123", "Text 2015-06-30T14:05:09.123");
     add("lower case t", "2015-06-30t14:05:09.123 Text", "2015-06-30t14:05:09.123 Text");
     add("comma for the point", "2015-06-30T14:05:09,123 Text", "2015-06-30T14:05:09,123 Text");
+    add("digits of another script", "2015-06-30T14:05:09.12\xd9\xa3 Text", "Text");
+    add("no-break space", "2015-06-30T14:05:09.123\xc2\xa0Text", "Text");
+    add("next line", "2015-06-30T14:05:09.123\xc2\x85Text", "Text");
+    add("line separator", "2015-06-30T14:05:09.123\xe2\x80\xa8Text", "Text");
+    add("zero-width space is none", "2015-06-30T14:05:09.123\xe2\x80\x8bText",
+        "2015-06-30T14:05:09.123\xe2\x80\x8bText");
+    add("letters outside the first plane", "2015-06-30T14:05:09.123 \xf0\x9d\x84\x9e",
+        "\xf0\x9d\x84\x9e");
+    QTest::newRow("name that is not UTF-8")
+        << QStringLiteral("2015-06-30T14:05:09.123 ") + QChar(0xdcff) << QString(QChar(0xdcff));
     add("no stamp", "INFO  Text", "INFO  Text");
     add("empty", "", "");
 }

@@ -2,7 +2,7 @@
 
 #include <QBuffer>
 #include <QIODevice>
-#include <QRegExp>
+#include <QRegularExpression>
 
 #include "hts/datetimetext.h"
 #include "hts/htspackage.h"
@@ -178,10 +178,12 @@ Status readRunPreamble(QIODevice& device, HtsRun& run)
         else
             takeRunLine(line, run);
     }
-    const QRegExp timestep(QStringLiteral("^\\d{4}-\\d{1,2}-\\d{1,2} \\d{1,2}:\\d{2}$"));
+    const QRegularExpression timestep(
+        QStringLiteral("^\\d{4}-\\d{1,2}-\\d{1,2} \\d{1,2}:\\d{2}\\z"),
+        QRegularExpression::UseUnicodePropertiesOption);
     for (int step = 0; step < run.timeStepCount; ++step) {
         const QString line = readText(device);
-        run.complete = timestep.indexIn(line) >= 0;
+        run.complete = timestep.match(line).hasMatch();
         if (!run.complete)
             return failure(QStringLiteral("Cannot read run preamble"));
         run.timesteps.append(line);
