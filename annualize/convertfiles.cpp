@@ -11,8 +11,15 @@ Status convertFiles(AnnualizeHts& engine, UtilsNS::CheckedFile& input, UtilsNS::
         status = engine.setResultDevice(&output);
     if (status.ok())
         status = engine.annualize();
-    if (!input.problem().isEmpty())
-        return failure(
-            QStringLiteral("Problem reading the input hts file: %1").arg(input.problem()));
+    const Status readStatus = checkInputWasRead(input);
+    if (!readStatus.ok())
+        return readStatus;
     return status.ok() ? output.finish() : status;
+}
+
+Status checkInputWasRead(const UtilsNS::CheckedFile& input)
+{
+    if (input.problem().isEmpty())
+        return {};
+    return failure(QStringLiteral("Problem reading the input hts file: %1").arg(input.problem()));
 }

@@ -19,4 +19,7 @@ class CheckedFile;
 Status convertFiles(AnnualizeHts& engine, UtilsNS::CheckedFile& input,
                     UtilsNS::CheckedFile& output);
 
+// Fails if the input couldn't be read to its end: what was found in it is then about only a part.
+Status checkInputWasRead(const UtilsNS::CheckedFile& input);
+
 #endif // ANNUALIZE_CONVERTFILES_H

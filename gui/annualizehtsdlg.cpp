@@ -12,11 +12,13 @@
 #include "annualize/annualizehts.h"
 #include "annualize/convertfiles.h"
 #include "annualize/months.h"
+#include "check/reportlines.h"
 #include "gui/applicationicon.h"
 #include "gui/filedrop.h"
 #include "gui/messageviewer.h"
 #include "gui/messagewatcher.h"
 #include "gui/pathpaste.h"
+#include "gui/sourcecheck.h"
 #include "gui/warningbox.h"
 #include "ui_annualizehtsdlg.h"
 #include "utils/checkedfile.h"
@@ -41,6 +43,7 @@ const QLatin1String kInformationTitle("Information Error");
 const QLatin1String kConfigurationTitle("Annualizer Configuration Error");
 const QLatin1String kConversionTitle("Annualize HTS Error");
 const QLatin1String kSuccessTitle("Annualize HTS");
+const QLatin1String kCheckTitle("Check HTS Error");
 
 const QLatin1String kIncomplete("Source, Result, or Control File name is not specified");
 const QLatin1String
@@ -49,6 +52,7 @@ const QLatin1String
     kResultNotSubstituted("Result HTS file environment variables could not be substituted");
 const QLatin1String
     kControlNotSubstituted("Method control file environment variables could not be substituted");
+const QLatin1String kNoSource("Source File name is not specified");
 const QLatin1String kSuccess("Annual HTS file successfully created!");
 
 // Shows the wait cursor until it is destroyed.
@@ -86,8 +90,8 @@ struct AnnualizeHtsDlg::Paths
     }
 };
 
-// Why there was no conversion, and the title of the box that says so. An empty text means that
-// nothing failed.
+// Why there was no conversion or check, and the title of the box that says so. An empty text means
+// that nothing failed.
 struct AnnualizeHtsDlg::Failure
 {
     QString title;
@@ -159,6 +163,11 @@ void AnnualizeHtsDlg::createDiagnosticsWindow()
     m_diagnostics = std::make_unique<UtilsNS::MessageViewer>(headerLabels, nullptr);
     m_diagnostics->setWindowTitle(QStringLiteral("HTS Annualizer Diagnostics"));
     m_diagnostics->connectWatcher();
+    m_diagnostics->addCheckMenu([this] {
+        const Failure failure = checkSource();
+        if (!failure.isNone())
+            showFailure(failure, m_diagnostics.get());
+    });
     addHelpKey(m_diagnostics.get());
 }
 
@@ -200,12 +209,17 @@ void AnnualizeHtsDlg::okButtonHandler(bool)
 {
     const Failure failure = convert();
     if (!failure.isNone()) {
-        QLOG_ERROR().noquote() << failure.text;
-        UtilsNS::showWarning(nullptr, failure.title, failure.text);
+        showFailure(failure, nullptr);
         return;
     }
     QLOG_INFO() << "Annual HTs file successfully created\n";
     UtilsNS::showWarning(nullptr, kSuccessTitle, kSuccess); // a warning box too, on purpose
+}
+
+void AnnualizeHtsDlg::showFailure(const Failure& failure, QWidget* parent) const
+{
+    QLOG_ERROR().noquote() << failure.text;
+    UtilsNS::showWarning(parent, failure.title, failure.text);
 }
 
 AnnualizeHtsDlg::Failure AnnualizeHtsDlg::readPaths(Paths& paths) const
@@ -251,6 +265,27 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::convert()
     const WaitCursor waitCursor;
     status = convertFiles(*m_engine, sourceFile, resultFile);
     return {kConversionTitle, status.message};
+}
+
+// Needs no result file, and a control file only for what is said about methods.
+AnnualizeHtsDlg::Failure AnnualizeHtsDlg::checkSource()
+{
+    const QString source = m_form->_sourceHtsLineEdit->text();
+    const QString control = m_form->_methodControlLineEdit->text();
+    if (source.isEmpty())
+        return {kIncompleteTitle, kNoSource};
+    ReportNames names;
+    if (!UtilsNS::substituteEnvVars(source, names.file).ok())
+        return {kInformationTitle, kSourceNotSubstituted};
+    if (!UtilsNS::substituteEnvVars(control, names.control).ok())
+        return {kInformationTitle, kControlNotSubstituted};
+
+    UtilsNS::CheckedFile file(names.file);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered))
+        return {kConfigurationTitle, file.errorString()};
+    const WaitCursor waitCursor;
+    const int endMonth = m_form->_endMonthComboBox->currentIndex() + 1;
+    return {kCheckTitle, UtilsNS::checkSource(file, names, endMonth, *m_diagnostics).message};
 }
 
 void AnnualizeHtsDlg::cancelButtonHandler(bool)

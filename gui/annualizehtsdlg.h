@@ -61,7 +61,9 @@ private:
     void createDiagnosticsWindow();
     void selectFile(const FileDialogTexts& texts, QLineEdit* lineEdit);
     Failure readPaths(Paths& paths) const;
+    void showFailure(const Failure& failure, QWidget* parent) const;
     Failure convert();
+    Failure checkSource();
 
     std::unique_ptr<Ui::AnnualizeHtsDlg> m_form;
     AnnualizeHts* m_engine;

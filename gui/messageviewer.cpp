@@ -172,6 +172,17 @@ void MessageViewer::createEditMenu()
     });
 }
 
+void MessageViewer::addCheckMenu(const std::function<void()>& checkSource)
+{
+    QMenu* menu = m_menuBar->addMenu(tr("&Check"));
+    const QAction* action = newAction(menu, tr("&Source File"), QString(), QVariant());
+    connect(action, &QAction::triggered, this, [checkSource] {
+        // Otherwise the open menu would stay on the screen during a long check.
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        checkSource();
+    });
+}
+
 void MessageViewer::connectWatcher()
 {
     connect(&messageWatcher, &MessageWatcher::message, this, &MessageViewer::messageHandler,

@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <functional>
+
 #include "QsLogLevel.h"
 #include "gui/contentwidths.h"
 
@@ -44,6 +46,9 @@ public:
     // other threads, in the order in which they were emitted. QsLogging::Level must be registered
     // as a meta type before the first line.
     void connectWatcher();
+
+    // Adds the menu "Check", whose action "Source File" calls `checkSource`.
+    void addCheckMenu(const std::function<void()>& checkSource);
 
     // Appends a row. Does nothing unless there is one text for each column.
     void addMessage(QsLogging::Level level, const QStringList& texts);
