@@ -6,8 +6,10 @@
 #include "annualize/conversion.h"
 #include "check/control.h"
 #include "check/findinglist.h"
+#include "check/maxmissing.h"
 #include "check/preamblelines.h"
 #include "check/recovery.h"
+#include "check/runyears.h"
 #include "hts/htsreader.h"
 #include "hts/htswalk.h"
 
@@ -25,6 +27,9 @@ struct CheckContext
     // The keyword lines of the preamble that was read last.
     PreambleLines& lines;
     ControlCheck* control; // null without a control file
+    // Of the run at hand.
+    const RunYears& years;
+    const MaxMissing& maxMissing;
 
     // The line that was read last, or the last of the file.
     qint64 lastLine() const

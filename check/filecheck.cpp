@@ -54,6 +54,7 @@ private:
     Conversion m_conversion;
     Recovery m_recovery;
     PreambleLines m_lines;
+    RunYears m_years;
     CheckContext m_context;
     std::vector<std::unique_ptr<TopicCheck>> m_checks;
     std::optional<YearCounts> m_counts;
@@ -66,15 +67,16 @@ FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
               return control == nullptr ? ruleForAll() : control->file();
           },
           options.endMonth, Conversion::Purpose::Judge),
-      m_context{m_reader,          m_package,  m_walk,  m_conversion,   options.endMonth,
-                m_report.findings, m_recovery, m_lines, options.control}
+      m_context{m_reader,          m_package,  m_walk,  m_conversion,    options.endMonth,
+                m_report.findings, m_recovery, m_lines, options.control, m_years,
+                options.maxMissing}
 {
     for (const Topic* topic : findingTopics()) {
         m_checks.push_back(topic->makeCheck(m_context));
         m_reader.addObserver(*m_checks.back());
     }
     if (options.counts != nullptr)
-        m_counts.emplace(*options.counts, options.fileName);
+        m_counts.emplace(*options.counts, options.fileName, m_context);
 }
 
 CheckReport FileCheck::run()
@@ -94,14 +96,15 @@ void FileCheck::checkSection()
     if (m_walk.place() == HtsWalk::Place::Run) {
         ++m_report.runCount;
         m_lines.setEndLine(m_reader.lineNumber() - m_walk.run().timesteps.size());
+        m_years.beginRun(m_walk.run(), m_conversion, m_context.endMonth);
         forEach(&TopicCheck::runRead);
         if (m_counts)
-            m_counts->beginRun(m_walk, m_conversion);
+            m_counts->beginRun();
     } else if (m_walk.place() == HtsWalk::Place::Slot) {
         m_report.slotCount += m_walk.runIndex() == 0 ? 1 : 0;
         forEach(&TopicCheck::slotRead);
         if (m_counts)
-            m_counts->addSlot(m_walk, m_conversion);
+            m_counts->addSlot();
     } else if (m_walk.place() == HtsWalk::Place::EndOfRun) {
         forEach(&TopicCheck::runEnded);
     }

@@ -7,6 +7,7 @@
 #include <QtGlobal>
 
 #include "check/findinglist.h"
+#include "check/maxmissing.h"
 
 class ControlCheck;
 class CsvWriter;
@@ -21,6 +22,8 @@ struct CheckOptions
     ControlCheck* control = nullptr;
     // Month that each year ends with, 1 to 12.
     int endMonth = 12;
+    // How many of its values a year may lack.
+    MaxMissing maxMissing;
     // Gets the counts of timesteps and missing values, a row for each year of each series slot;
     // null for no counts. Not owned.
     CsvWriter* counts = nullptr;

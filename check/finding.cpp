@@ -20,7 +20,7 @@ const std::vector<const Topic*>& findingTopics()
     static const std::vector<const Topic*> kTopics = {
         &readingTopic(), &packageTopic(), &preambleTopic(), &slotTopic(),
         &valueTopic(),   &tableTopic(),   &timestepTopic(), &runTopic(),
-        &controlTopic(), &ruleTopic(),    &methodTopic(),
+        &controlTopic(), &ruleTopic(),    &methodTopic(),   &annualValueTopic(),
     };
     return kTopics;
 }

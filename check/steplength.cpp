@@ -51,6 +51,23 @@ qint64 StepLength::stepsBetween(const QDateTime& previous, const QDateTime& next
     return isStep ? months / m_months : 0;
 }
 
+bool StepLength::isDay() const
+{
+    constexpr qint64 kMinutesPerDay = 24 * 60;
+    return !isMonths() && m_minutes == kMinutesPerDay;
+}
+
+qint64 StepLength::stepsBefore(const QDateTime& yearStart, const QDateTime& step) const
+{
+    if (!isKnown())
+        return 0;
+    // A timestep that ends with its month does so in the next one. It is at least a minute after
+    // the start of the year.
+    if (isMonths())
+        return (monthIndex(step.addSecs(-1).date()) - monthIndex(yearStart.date())) / m_months;
+    return (minutesBetween(yearStart, step) - 1) / m_minutes;
+}
+
 qint64 StepLength::stepsOfYear(const QDateTime& yearStart, const QDateTime& yearEnd,
                                const QDateTime& step) const
 {
@@ -58,8 +75,6 @@ qint64 StepLength::stepsOfYear(const QDateTime& yearStart, const QDateTime& year
         return 0;
     if (isMonths())
         return kMonthsPerYear / m_months;
-    // At least a minute after the start.
-    const qint64 before = (minutesBetween(yearStart, step) - 1) / m_minutes;
     const qint64 after = minutesBetween(step, yearEnd) / m_minutes;
-    return before + 1 + after;
+    return stepsBefore(yearStart, step) + 1 + after;
 }

@@ -15,11 +15,16 @@ public:
     bool isKnown() const { return m_months > 0 || m_minutes > 0; }
     // Whether the time is a number of months of the calendar.
     bool isMonths() const { return m_months > 0; }
+    bool isDay() const;
 
     // How many steps `next`, which is later, is after `previous`: 1 for the next timestep, n if n -
     // 1 timesteps are missing between them, 0 if it is not a whole number of steps. Always 1 for an
     // unknown unit.
     qint64 stepsBetween(const QDateTime& previous, const QDateTime& next) const;
+
+    // How many timesteps end after `yearStart` and before `step`, which is one that ends later; 0
+    // for an unknown unit.
+    qint64 stepsBefore(const QDateTime& yearStart, const QDateTime& step) const;
 
     // How many timesteps end after `yearStart` and not after `yearEnd`, a year later, if one of
     // them is `step`; 0 for an unknown unit.

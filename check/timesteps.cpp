@@ -5,6 +5,7 @@
 
 #include "annualize/timestepunit.h"
 #include "check/nearwords.h"
+#include "check/runyears.h"
 #include "check/steplength.h"
 #include "check/topic.h"
 #include "hts/datetimetext.h"
@@ -82,7 +83,6 @@ private:
     void reportGap(std::size_t index, qint64 missing);
     void checkYear(std::size_t first, std::size_t last);
     bool isYearOfEarlyStart(std::size_t first) const;
-    QDateTime yearEndAfter(const QDateTime& step) const;
 
     CheckContext& m_context;
     FindingList& m_findings;
@@ -202,13 +202,6 @@ void TimestepsOfRun::reportGap(std::size_t index, qint64 missing)
                    isCounted ? "; the year still counts as complete" : "");
 }
 
-// The end of the year that a timestep belongs to.
-QDateTime TimestepsOfRun::yearEndAfter(const QDateTime& step) const
-{
-    const QDateTime end = yearEndIn(step.date().year(), m_context.endMonth);
-    return end < step ? end.addYears(1) : end;
-}
-
 void TimestepsOfRun::checkYearLengths()
 {
     std::size_t first = 0;
@@ -226,7 +219,7 @@ void TimestepsOfRun::checkYearLengths()
 void TimestepsOfRun::checkYear(std::size_t first, std::size_t last)
 {
     const QDateTime& end = m_steps[last - 1];
-    const QDateTime yearEnd = yearEndAfter(end);
+    const QDateTime yearEnd = yearEndAfter(end, m_context.endMonth);
     const qint64 expected = m_length.stepsOfYear(yearEnd.addYears(-1), yearEnd, end);
     const auto count = static_cast<qint64>(last - first);
     if (count >= expected)
@@ -247,7 +240,8 @@ void TimestepsOfRun::checkYear(std::size_t first, std::size_t last)
 bool TimestepsOfRun::isYearOfEarlyStart(std::size_t first) const
 {
     return first == 0 && m_run.start < m_steps.front() &&
-           yearEndAfter(m_run.start) < yearEndAfter(m_steps.front());
+           yearEndAfter(m_run.start, m_context.endMonth) <
+               yearEndAfter(m_steps.front(), m_context.endMonth);
 }
 
 void TimestepsOfRun::checkEnds()

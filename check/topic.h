@@ -62,6 +62,7 @@ const Topic& runTopic();
 const Topic& controlTopic();
 const Topic& ruleTopic();
 const Topic& methodTopic();
+const Topic& annualValueTopic();
 
 // All topics, in the order in which people read them, and in which their checks are called.
 const std::vector<const Topic*>& findingTopics();

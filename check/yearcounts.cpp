@@ -1,54 +1,119 @@
 #include "check/yearcounts.h"
 
-#include "annualize/conversion.h"
+#include <algorithm>
+
 #include "exchange/csvwriter.h"
 #include "hts/datetimetext.h"
-#include "hts/htswalk.h"
+#include "hts/numbertext.h"
+
+namespace {
+
+// The number that a reader of the annual file gets for a result: that has a fixed number of digits
+// after the point.
+double asInAnnualFile(double result)
+{
+    char text[kMaxNumberLength];
+    const char* end = writeNumber(text, result);
+    return lineToNumber({text, static_cast<std::size_t>(end - text)});
+}
+
+qint64 longestGap(const RunYear& year, const HtsColumn& values)
+{
+    qint64 longest = 0;
+    year.forEachGap(values,
+                    [&longest](qint64, qint64 count) { longest = std::max(longest, count); });
+    return longest;
+}
+
+} // namespace
 
 void YearCounts::writeHeader(CsvWriter& writer)
 {
     for (const char* name :
-         {"file", "run", "trace", "object", "slot", "year_end", "timesteps", "missing"})
+         {"file", "run", "trace", "object", "slot", "year_end", "timesteps", "missing", "year",
+          "method", "expected", "present", "longest_gap", "result", "max_time", "min_time"})
         writer.add(QString::fromLatin1(name));
     writer.endRow();
 }
 
-YearCounts::YearCounts(CsvWriter& writer, const QString& file)
-    : m_writer(writer), m_file(csvField(file))
+YearCounts::YearCounts(CsvWriter& writer, const QString& file, const CheckContext& context)
+    : m_writer(writer), m_context(context), m_file(csvField(file))
 {
 }
 
-void YearCounts::beginRun(const HtsWalk& walk, const Conversion& conversion)
+void YearCounts::beginRun()
 {
+    const HtsWalk& walk = m_context.walk;
     m_run = m_file + ',' + QByteArray::number(walk.runIndex() + 1) + ',';
     if (walk.run().trace != -1)
         m_run += QByteArray::number(walk.run().trace);
     m_yearEnds.clear();
-    for (const QString& timestep : conversion.runYears().timesteps)
+    for (const QString& timestep : m_context.conversion.runYears().timesteps)
         m_yearEnds.push_back(csvField(textToDateTime(timestep)));
 }
 
-void YearCounts::addSlot(HtsWalk& walk, const Conversion& conversion)
+void YearCounts::addSlot()
 {
+    HtsWalk& walk = m_context.walk;
     const HtsSlot& slot = walk.slot();
-    const CompleteYears& years = conversion.runYears();
+    const CompleteYears& years = m_context.conversion.runYears();
     if (!slot.isSeries() || !years.status.ok())
         return;
-    const std::vector<YearValues>* counts = conversion.outcome().years;
-    if (counts == nullptr || !conversion.outcome().status.ok()) {
-        // The slot is not converted.
+    const Conversion::SlotOutcome& outcome = m_context.conversion.outcome();
+    const std::vector<YearValues>* counts = outcome.years;
+    const bool isConverted = counts != nullptr && outcome.status.ok();
+    if (!isConverted) {
         QString message;
         m_aggValues.aggregate(walk.values(), years.valueMap, years.count(), message);
         counts = &m_aggValues.years();
     }
     Q_ASSERT(counts->size() == m_yearEnds.size());
+    const bool hasMethod = isConverted && m_context.control != nullptr;
+    const AggMethod* method =
+        hasMethod ? m_context.conversion.plans().at(outcome.slot).method : nullptr;
     const QByteArray fields =
         m_run + ',' + csvField(slot.objectName) + ',' + csvField(slot.slotName);
     for (std::size_t i = 0; i < counts->size(); ++i) {
         m_writer.addFields(fields);
-        m_writer.addFields(m_yearEnds[i]);
-        m_writer.add(qint64((*counts)[i].count));
-        m_writer.add(qint64((*counts)[i].missing));
-        m_writer.endRow();
+        addYear(i, (*counts)[i], method);
+    }
+}
+
+// The fields of a row after the slot.
+void YearCounts::addYear(std::size_t index, const YearValues& counts, const AggMethod* method)
+{
+    const RunYear& year = m_context.years.years()[index];
+    m_writer.addFields(m_yearEnds[index]);
+    m_writer.add(qint64(counts.count));
+    m_writer.add(qint64(counts.missing));
+    m_writer.add(qint64(year.name));
+    m_writer.add(method == nullptr ? QString() : method->word);
+    m_writer.add(year.expected);
+    m_writer.add(RunYear::presentOf(counts));
+    const bool isWhole = year.lackingOf(counts) == 0;
+    m_writer.add(isWhole ? qint64(0) : longestGap(year, m_context.walk.values()));
+    if (method == nullptr)
+        m_writer.addFields({});
+    else
+        m_writer.add(asInAnnualFile(method->resultFor(counts)));
+    addExtremes(year, counts);
+    m_writer.endRow();
+}
+
+// The times of the first values that are the maximum and the minimum of the year; empty if all are
+// missing.
+void YearCounts::addExtremes(const RunYear& year, const YearValues& counts)
+{
+    const HtsColumn& values = m_context.walk.values();
+    const auto begin = values.begin();
+    const auto first = begin + static_cast<std::ptrdiff_t>(year.first);
+    const auto end = begin + static_cast<std::ptrdiff_t>(year.end);
+    for (const double extreme : {counts.max(), counts.min()}) {
+        const auto index = std::find(first, end, extreme) - begin;
+        if (RunYear::presentOf(counts) == 0)
+            m_writer.addFields({});
+        else
+            m_writer.add(
+                textToDateTime(m_context.walk.run().timesteps.at(static_cast<int>(index))));
     }
 }

@@ -7,28 +7,32 @@
 #include <QString>
 
 #include "annualize/aggvalues.h"
+#include "check/checkcontext.h"
 
-class Conversion;
 class CsvWriter;
-class HtsWalk;
 
-// Writes the number of timesteps and of missing values of every complete year of every series slot,
-// a row for each: file, run, trace, object, slot, year end, timesteps, missing.
+// Writes what every annual value of every series slot rests on, a row for each: file, run, trace,
+// object, slot and year, how many values there are and are missing, the result, and the times of
+// the extremes.
 class YearCounts
 {
 public:
-    // The writer outlives the object. `file` is the name of the file in the rows.
-    YearCounts(CsvWriter& writer, const QString& file);
+    // Writer and context outlive the object. `file` is the name of the file in the rows.
+    YearCounts(CsvWriter& writer, const QString& file, const CheckContext& context);
 
     // Writes the row of column names; to be called once for all files.
     static void writeHeader(CsvWriter& writer);
 
     // To be called with each run and each slot that the walk has read and the conversion has taken.
-    void beginRun(const HtsWalk& walk, const Conversion& conversion);
-    void addSlot(HtsWalk& walk, const Conversion& conversion);
+    void beginRun();
+    void addSlot();
 
 private:
+    void addYear(std::size_t index, const YearValues& counts, const AggMethod* method);
+    void addExtremes(const RunYear& year, const YearValues& counts);
+
     CsvWriter& m_writer;
+    const CheckContext& m_context;
     // CSV fields: the file; file, run and trace; the end of each year.
     const QByteArray m_file;
     QByteArray m_run;

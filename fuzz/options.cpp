@@ -115,6 +115,7 @@ QStringList argumentsFor(const ToolOptions& options)
         add("--end-month", QString::number(options.endMonth));
         add("--format", options.format == ToolOptions::Format::Json ? QStringLiteral("json")
                                                                     : QStringLiteral("text"));
+        add("--max-missing", options.maxMissing.text());
         add("--counts", options.countsPath);
     } else {
         arguments.append(QStringLiteral("export"));

@@ -99,6 +99,7 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
     CheckOptions options;
     options.control = m_control ? &*m_control : nullptr;
     options.endMonth = m_options.endMonth;
+    options.maxMissing = m_options.maxMissing;
     options.counts = counts;
     options.fileName = path;
     QString problem;

@@ -34,7 +34,11 @@ const QString kCheckHelp = QStringLiteral(
     "  -c, --control METHODS   Method control file; without it methods are not judged.\n"
     "  -y, --end-month MONTH   Month that each year ends with, 1 to 12; 12 if not given.\n"
     "  -f, --format FORMAT     text, or json for one JSON document; text if not given.\n"
-    "      --counts OUT.csv    Write the timesteps and missing values of each year of each slot.\n"
+    "      --max-missing MAX   How many values a year may lack: a number, a percentage such as\n"
+    "                          5%, or wmo: a month that lacks 11 days, or 5 in a row, is missing,\n"
+    "                          and so is its year. Years that lack more are warnings.\n"
+    "      --counts OUT.csv    Write what each annual value rests on: the timesteps and missing\n"
+    "                          values of each year of each slot, the result and more.\n"
     "  -h, --help              Show this text.\n"
     "\n"
     "Exit code: 0 for nothing worse than notes, 1 for warnings, 2 for an error (a conversion\n"
@@ -129,6 +133,18 @@ QString readMonth(const QCommandLineParser& parser, ToolOptions& options)
                                      : worded("the month \"%1\" is not one of 1 to 12", month);
 }
 
+QString readMaxMissing(const QCommandLineParser& parser, ToolOptions& options)
+{
+    if (!isSet(parser, "max-missing"))
+        return {};
+    const QString text = valueOf(parser, "max-missing");
+    const std::optional<MaxMissing> maxMissing = MaxMissing::fromText(text);
+    if (!maxMissing)
+        return worded("\"%1\" is not a number of values, a percentage such as 5% or wmo", text);
+    options.maxMissing = *maxMissing;
+    return {};
+}
+
 QString readCheck(const QCommandLineParser& parser, ToolOptions& options)
 {
     options.files = expandedPaths(parser.positionalArguments());
@@ -139,6 +155,8 @@ QString readCheck(const QCommandLineParser& parser, ToolOptions& options)
         problem = readMonth(parser, options);
     if (problem.isEmpty())
         problem = readFormat(parser, ToolOptions::Format::Json, "json", options);
+    if (problem.isEmpty())
+        problem = readMaxMissing(parser, options);
     return problem.isEmpty() ? readPath(parser, "counts", "for the counts", options.countsPath)
                              : problem;
 }
@@ -198,6 +216,7 @@ const std::vector<Command>& commands()
          {{"c control", "METHODS"},
           {"y end-month", "MONTH"},
           {"f format", "FORMAT"},
+          {"max-missing", "MAX"},
           {"counts", "OUT.csv"}},
          readCheck},
         {"explain",

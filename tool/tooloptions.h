@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "check/maxmissing.h"
+
 // What the command line asks for.
 struct ToolOptions
 {
@@ -25,6 +27,7 @@ struct ToolOptions
     // For a check. A path that is not given is empty.
     QString controlPath;
     int endMonth = 12; // 1 to 12
+    MaxMissing maxMissing;
     Format format = Format::Text;
     QString countsPath;
 

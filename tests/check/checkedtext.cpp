@@ -23,10 +23,15 @@ bool isEndless(const QByteArray& text)
     return budget.isExhausted;
 }
 
-CheckedText checked(QIODevice& device, const QString& controlPath, int endMonth)
+CheckOptions optionsOf(int endMonth)
 {
     CheckOptions options;
     options.endMonth = endMonth;
+    return options;
+}
+
+CheckedText checked(QIODevice& device, const QString& controlPath, CheckOptions options)
+{
     if (controlPath.isEmpty())
         return {checkFile(device, options), {}};
     ControlCheck control(controlPath);
@@ -44,18 +49,30 @@ qint64 CheckedText::errorCount() const
 
 CheckedText checkedText(const QByteArray& text, const QString& controlPath, int endMonth)
 {
+    return checkedText(text, controlPath, optionsOf(endMonth));
+}
+
+CheckedText checkedText(const QByteArray& text, const QString& controlPath,
+                        const CheckOptions& options)
+{
     QBuffer device;
     device.setData(text);
     device.open(QIODevice::ReadOnly);
-    return checked(device, controlPath, endMonth);
+    return checked(device, controlPath, options);
 }
 
 CheckedText checkedFile(const QString& path, const QString& controlPath, int endMonth)
 {
+    return checkedFile(path, controlPath, optionsOf(endMonth));
+}
+
+CheckedText checkedFile(const QString& path, const QString& controlPath,
+                        const CheckOptions& options)
+{
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered))
         qFatal("cannot read %s", qPrintable(path));
-    return checked(file, controlPath, endMonth);
+    return checked(file, controlPath, options);
 }
 
 QStringList findingTexts(const FindingList& findings)

@@ -20,9 +20,15 @@ struct CheckedText : CheckReport
 // Checks a text as a file; the month is December unless given.
 CheckedText checkedText(const QByteArray& text, const QString& controlPath = {}, int endMonth = 12);
 
+// With other options; their control file is that of the path, if there is one.
+CheckedText checkedText(const QByteArray& text, const QString& controlPath,
+                        const CheckOptions& options);
+
 // Checks a file, opened as the program opens it: only there is an empty Windows line before
 // "END_RUN" what it is in a conversion.
 CheckedText checkedFile(const QString& path, const QString& controlPath = {}, int endMonth = 12);
+CheckedText checkedFile(const QString& path, const QString& controlPath,
+                        const CheckOptions& options);
 
 // The findings as "12: code: text"; of a report those of the file, then those of the control file
 // as "control 3: code: text".

@@ -44,7 +44,7 @@ QByteArray fileOf(const QVector<Slot>& slotList, QVector<qint64>& lines)
                 "\nslot_name: " + slot.slotName + '\n';
         if (!slot.slotType.isEmpty())
             text += "slot_type: " + slot.slotType + '\n';
-        text += "END_SLOT_PREAMBLE\nunits: cms\nscale: 1\n" +
+        text += "END_SLOT_PREAMBLE\nunits: m3\nscale: 1\n" +
                 QByteArray("1\n").repeated(slot.slotType.isEmpty() ? 12 : 1) +
                 "END_COLUMN\nEND_SLOT\n";
     }

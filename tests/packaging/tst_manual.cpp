@@ -233,6 +233,8 @@ void TestManual::completionOffersValues_data()
     QTest::newRow("a control file") << true << QStringLiteral("check --control basins_monthly_")
                                     << QStringLiteral("basins_monthly_methods.txt");
     QTest::newRow("a month to check") << true << QStringLiteral("check --end-month ") << months;
+    QTest::newRow("what may be missing")
+        << true << QStringLiteral("check --max-missing ") << QStringLiteral("wmo");
     QTest::newRow("a format") << true << QStringLiteral("check -f j") << QStringLiteral("json");
     QTest::newRow("a run") << true << QStringLiteral("export -r ") << QString();
 }

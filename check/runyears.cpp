@@ -1,0 +1,49 @@
+#include "check/runyears.h"
+
+#include "annualize/conversion.h"
+#include "hts/datetimetext.h"
+#include "hts/htsrun.h"
+
+QDateTime yearEndAfter(const QDateTime& step, int endMonth)
+{
+    const QDateTime end = yearEndIn(step.date().year(), endMonth);
+    return end < step ? end.addYears(1) : end;
+}
+
+void RunYears::beginRun(const HtsRun& run, const Conversion& conversion, int endMonth)
+{
+    if (m_isOfFirstRun && conversion.hasFirstTiming())
+        return;
+    m_isOfFirstRun = conversion.hasFirstTiming();
+    m_years.clear();
+    m_length = StepLength(run.timeStepUnit, run.unitQuantity);
+    const CompleteYears& years = conversion.runYears();
+    const ValueMap& map = years.valueMap;
+    std::size_t first = 0;
+    for (std::size_t i = 1; i <= map.size(); ++i) {
+        if (i < map.size() && map[i] == map[first])
+            continue;
+        if (map[first] >= 1 && map[first] <= years.count())
+            addYear(run, first, i, endMonth);
+        first = i;
+    }
+}
+
+void RunYears::addYear(const HtsRun& run, std::size_t first, std::size_t end, int endMonth)
+{
+    const auto stepAt = [&run](std::size_t index) {
+        return textToDateTime(run.timesteps.at(static_cast<int>(index)));
+    };
+    const auto count = static_cast<qint64>(end - first);
+    const QDateTime last = stepAt(end - 1);
+    const QDateTime yearEnd = yearEndAfter(last, endMonth);
+    RunYear year;
+    year.start = yearEnd.addYears(-1);
+    year.name = yearEnd.addDays(-1).date().year();
+    year.first = first;
+    year.end = end;
+    year.expected = m_length.isKnown() ? m_length.stepsOfYear(year.start, yearEnd, last) : count;
+    for (std::size_t i = first; i < end && count != year.expected; ++i)
+        year.places.push_back(m_length.stepsBefore(year.start, stepAt(i)));
+    m_years.push_back(std::move(year));
+}

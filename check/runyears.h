@@ -1,0 +1,81 @@
+#ifndef CHECK_RUNYEARS_H
+#define CHECK_RUNYEARS_H
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include <QDateTime>
+#include <QtGlobal>
+
+#include "annualize/yearvalues.h"
+#include "check/steplength.h"
+#include "hts/htspackage.h"
+
+class Conversion;
+struct HtsRun;
+
+// The end of the year, one that ends with the month `endMonth`, that a timestep belongs to.
+QDateTime yearEndAfter(const QDateTime& step, int endMonth);
+
+// A complete year of a run, beside what the calendar has.
+struct RunYear
+{
+    QDateTime start;
+    int name;          // the calendar year that it ends in
+    std::size_t first; // index of its first timestep
+    std::size_t end;   // index after its last timestep
+    qint64 expected;   // timesteps of a full year; as many as there are for an unknown unit
+    // For each timestep, how many of a full year end before it; empty if there are as many as
+    // expected.
+    std::vector<qint64> places;
+
+    // How many usable values the year has, and lacks: the values of timesteps that the file leaves
+    // out too.
+    static qint64 presentOf(const YearValues& year) { return year.count - year.missing; }
+    qint64 lackingOf(const YearValues& year) const
+    {
+        return std::max<qint64>(year.missing, expected - presentOf(year));
+    }
+
+    // Calls take(place, count) for each stretch of timesteps of the full year without a usable
+    // value, of those of a slot.
+    template<typename Take>
+    void forEachGap(const HtsColumn& values, Take take) const
+    {
+        qint64 next = 0;
+        for (std::size_t i = first; i < end; ++i) {
+            if (!std::isfinite(values[i]))
+                continue;
+            const qint64 place =
+                places.empty() ? static_cast<qint64>(i - first) : places[i - first];
+            if (place > next)
+                take(next, place - next);
+            next = std::max(next, place + 1);
+        }
+        if (next < expected)
+            take(next, expected - next);
+    }
+};
+
+// The complete years of the run at hand, which are those of the first run unless it has another
+// timing.
+class RunYears
+{
+public:
+    // To be called with each run that the conversion has taken.
+    void beginRun(const HtsRun& run, const Conversion& conversion, int endMonth);
+
+    // As many as YearValues of each slot that is aggregated, in their order.
+    const std::vector<RunYear>& years() const { return m_years; }
+    const StepLength& stepLength() const { return m_length; }
+
+private:
+    void addYear(const HtsRun& run, std::size_t first, std::size_t end, int endMonth);
+
+    std::vector<RunYear> m_years;
+    StepLength m_length{{}, 0};
+    bool m_isOfFirstRun = false;
+};
+
+#endif // CHECK_RUNYEARS_H
