@@ -13,6 +13,11 @@ namespace {
 // What the program sets up before its first window.
 bool prepareApplication()
 {
+    // A desktop without a browser, for GLib, which looks for the folders once.
+    for (const char* name :
+         {"XDG_DATA_HOME", "XDG_DATA_DIRS", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"})
+        qputenv(name, "/nonexistent");
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     qRegisterMetaType<QsLogging::Level>("QsLogging::Level");
     QsLogging::Logger::instance().addDestination(
