@@ -8,6 +8,11 @@
 #include "tests/plain/plainconversion.h"
 #include "tests/support/logcollector.h"
 
+const char kAlreadyAnnual[] = "Source HTS File already in annual timestep";
+const char kNoCompleteYear[] = "Cannot create a complete year from the input HTS file";
+const char kNoSlots[] = "No series slots with valid methods found in input HTS file";
+const char kUnequalSizes[] = "Sizes of input value and value map vectors are mismatched";
+
 namespace {
 
 ConversionOutcome outcomeOf(QIODevice& source, const std::function<Status(QIODevice& result)>& run)
@@ -48,14 +53,20 @@ QString logDifference(const QStringList& actual, const QStringList& expected)
 
 } // namespace
 
+Status convertDevices(QIODevice& source, const QString& controlPath, QIODevice& result,
+                      int endMonth)
+{
+    AnnualizeHts engine;
+    if (!engine.setSourceDevice(&source).ok() || !engine.setResultDevice(&result).ok() ||
+        !engine.setControlFile(controlPath).ok() || !engine.setEndMonth(endMonth).ok())
+        qFatal("cannot set up the engine");
+    return engine.annualize();
+}
+
 ConversionOutcome convertInOnePass(QIODevice& source, const QString& controlPath, int endMonth)
 {
     return outcomeOf(source, [&](QIODevice& result) {
-        AnnualizeHts engine;
-        const bool isSet =
-            engine.setSourceDevice(&source).ok() && engine.setResultDevice(&result).ok() &&
-            engine.setControlFile(controlPath).ok() && engine.setEndMonth(endMonth).ok();
-        return isSet ? engine.annualize() : failure(QStringLiteral("cannot set up the engine"));
+        return convertDevices(source, controlPath, result, endMonth);
     });
 }
 

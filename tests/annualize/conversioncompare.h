@@ -11,6 +11,16 @@
 
 class QIODevice;
 
+// What the engine says of a file that it refuses.
+extern const char kAlreadyAnnual[];
+extern const char kNoCompleteYear[];
+extern const char kNoSlots[];
+extern const char kUnequalSizes[];
+
+// Converts what is left in `source` to `result`, both open.
+Status convertDevices(QIODevice& source, const QString& controlPath, QIODevice& result,
+                      int endMonth = 12);
+
 // All that can be seen of one conversion.
 struct ConversionOutcome
 {

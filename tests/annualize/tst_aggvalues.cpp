@@ -176,214 +176,195 @@ class AggValuesTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void newObjectHasNoResults();
-    void givesOneResultForEachYear_data();
-    void givesOneResultForEachYear();
-    void agreesWithSlowReference_data();
-    void agreesWithSlowReference();
-    void refusesBadSizes_data();
-    void refusesBadSizes();
-    void successLeavesMessageUnchanged();
-    void usedAgainReplacesResults();
-    void failureEmptiesEarlierResults();
-};
+    void newObjectHasNoResults() { QCOMPARE(linesOf(AggValues()), QStringList()); }
 
-void AggValuesTest::newObjectHasNoResults()
-{
-    QCOMPARE(linesOf(AggValues()), QStringList());
-}
+    void givesOneResultForEachYear_data()
+    {
+        addColumns<Values, ValueMap, int>("values", "map", "count");
+        // Sum Average Max Min End Begin, each followed by its Nan variant.
+        QTest::addColumn<QStringList>("expected");
 
-void AggValuesTest::givesOneResultForEachYear_data()
-{
-    QTest::addColumn<Values>("values");
-    QTest::addColumn<ValueMap>("map");
-    QTest::addColumn<int>("count");
-    // Sum Average Max Min End Begin, each followed by its Nan variant.
-    QTest::addColumn<QStringList>("expected");
+        const auto lines = [](std::initializer_list<const char*> texts) {
+            QStringList result;
+            for (const char* text : texts)
+                result.append(QString::fromLatin1(text));
+            return result;
+        };
 
-    const auto lines = [](std::initializer_list<const char*> texts) {
-        QStringList result;
-        for (const char* text : texts)
-            result.append(QString::fromLatin1(text));
-        return result;
-    };
-
-    QTest::newRow("complete year")
-        << Values{1, 2, 3} << ValueMap{1, 1, 1} << 3 << lines({"6 6 2 2 3 3 1 1 3 3 1 1"});
-    QTest::newRow("one value") << Values{7.5} << ValueMap{1} << 1
-                               << lines({"7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5"});
-    QTest::newRow("missing value in the middle counts in the divisor")
-        << Values{1, kNanA, 3} << ValueMap{1, 1, 1} << 1
-        << lines({"NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN 1"});
-    QTest::newRow("eight of ten values average over ten")
-        << Values{1, 1, 1, kNanA, 1, 1, kNanA, 1, 1, 1} << ValueMap(10, 1) << 1
-        << lines({"NaN 8 NaN 0.80000000000000004 NaN 1 NaN 1 NaN 1 NaN 1"});
-    QTest::newRow("missing value at the end is the end, with its own bits")
-        << Values{1, 2, kNanB} << ValueMap{1, 1, 1} << 1
-        << lines({"NaN 3 NaN 1 NaN 2 NaN 1 NaN nan:7ff8000000000abc NaN 1"});
-    QTest::newRow("missing value at the beginning is the beginning, with its own bits")
-        << Values{kNanC, 4, 2} << ValueMap{1, 1, 1} << 1
-        << lines({"NaN 6 NaN 2 NaN 4 NaN 2 NaN 2 NaN nan:fff800000000000c"});
-    QTest::newRow("all values missing")
-        << Values{kNanB, kInfinity, kNanC} << ValueMap{1, 1, 1} << 1
-        << lines({"NaN 0 NaN 0 NaN nan:7ff8000000000abc NaN nan:7ff8000000000abc NaN "
-                  "nan:fff800000000000c NaN nan:7ff8000000000abc"});
-    QTest::newRow("all values infinite keeps the first")
-        << Values{-kInfinity, kInfinity} << ValueMap{1, 1} << 1
-        << lines({"NaN 0 NaN 0 NaN -inf NaN -inf NaN inf NaN -inf"});
-    QTest::newRow("infinity is a missing value")
-        << Values{5, kInfinity, 7} << ValueMap{1, 1, 1} << 1
-        << lines({"NaN 12 NaN 4 NaN 7 NaN 5 NaN 7 NaN 5"});
-    QTest::newRow("leading infinity is no largest value")
-        << Values{kInfinity, 1, 3} << ValueMap{1, 1, 1} << 1
-        << lines({"NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN inf"});
-    QTest::newRow("leading infinity below zero is no smallest value")
-        << Values{-kInfinity, 1, 3} << ValueMap{1, 1, 1} << 1
-        << lines({"NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN -inf"});
-    QTest::newRow("of equal values the first is kept")
-        << Values{-0.0, 0.0} << ValueMap{1, 1} << 1 << lines({"0 0 0 0 -0 -0 -0 -0 0 0 -0 -0"});
-    QTest::newRow("sum beyond the largest number stays infinite")
-        << Values{1e308, 1e308} << ValueMap{1, 1} << 1
-        << lines({"inf inf inf inf 1e+308 1e+308 "
-                  "1e+308 1e+308 1e+308 "
-                  "1e+308 1e+308 1e+308"});
-    QTest::newRow("missing value spoils its own year only")
-        << Values{1, kNanA, 3, 5} << ValueMap{1, 1, 2, 2} << 2
-        << lines({"NaN 1 NaN 0.5 NaN 1 NaN 1 NaN nan:7ff8000000000000 NaN 1",
-                  "8 8 4 4 5 5 3 3 5 5 3 3"});
-    QTest::newRow("values outside the years are skipped")
-        << Values{100, 1, 2, 3, 100} << ValueMap{0, 1, 1, 2, 3} << 2
-        << lines({"3 3 1.5 1.5 2 2 1 1 2 2 1 1", "3 3 3 3 3 3 3 3 3 3 3 3"});
-    QTest::newRow("missing value outside the years spoils nothing")
-        << Values{kNanA, 1, kNanB, 3, kNanC} << ValueMap{0, 1, -5, 1, 2} << 1
-        << lines({"4 4 2 2 3 3 1 1 3 3 1 1"});
-    QTest::newRow("skipped value does not end the year")
-        << Values{1, 100, 3} << ValueMap{1, 0, 1} << 1 << lines({"4 4 2 2 3 3 1 1 3 3 1 1"});
-    QTest::newRow("return to an earlier number starts a new year")
-        << Values{1, 2, 3} << ValueMap{1, 2, 1} << 2
-        << lines({"1 1 1 1 1 1 1 1 1 1 1 1", "2 2 2 2 2 2 2 2 2 2 2 2", "3 3 3 3 3 3 3 3 3 3 3 3"});
-    QTest::newRow("number that no value carries has no result")
-        << Values{1, 2} << ValueMap{1, 3} << 3
-        << lines({"1 1 1 1 1 1 1 1 1 1 1 1", "2 2 2 2 2 2 2 2 2 2 2 2"});
-    QTest::newRow("no value inside the years")
-        << Values{1, 2} << ValueMap{0, 4} << 3 << QStringList();
-    QTest::newRow("no years") << Values{1, 2, 3} << ValueMap{1, 1, 1} << 0 << QStringList();
-    QTest::newRow("no values") << Values() << ValueMap() << 3 << QStringList();
-    QTest::newRow("no values and no years") << Values() << ValueMap() << 0 << QStringList();
-}
-
-void AggValuesTest::givesOneResultForEachYear()
-{
-    QFETCH(Values, values);
-    QFETCH(ValueMap, map);
-    QFETCH(int, count);
-
-    AggValues agg;
-    QString message;
-    QVERIFY(agg.aggregate(values, map, count, message));
-    QCOMPARE(message, QString());
-    QTEST(linesOf(agg), "expected");
-}
-
-void AggValuesTest::agreesWithSlowReference_data()
-{
-    QTest::addColumn<Values>("values");
-    QTest::addColumn<ValueMap>("map");
-
-    using MapMaker = ValueMap (*)(std::mt19937&, std::size_t);
-    const std::pair<const char*, MapMaker> kMakers[] = {
-        {"growing", growingMap}, {"jumping", jumpingMap}, {"returning", returningMap}};
-    for (const auto& [name, makeMap] : kMakers) {
-        for (unsigned seed = 1; seed <= 60; ++seed) {
-            std::mt19937 random(seed);
-            Values values(random() % 200);
-            std::generate(values.begin(), values.end(), [&] { return randomValue(random); });
-            const ValueMap map = makeMap(random, values.size());
-            QTest::addRow("%s map %u", name, seed) << values << map;
-        }
+        QTest::newRow("complete year")
+            << Values{1, 2, 3} << ValueMap{1, 1, 1} << 3 << lines({"6 6 2 2 3 3 1 1 3 3 1 1"});
+        QTest::newRow("one value") << Values{7.5} << ValueMap{1} << 1
+                                   << lines({"7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5"});
+        QTest::newRow("missing value in the middle counts in the divisor")
+            << Values{1, kNanA, 3} << ValueMap{1, 1, 1} << 1
+            << lines({"NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN 1"});
+        QTest::newRow("eight of ten values average over ten")
+            << Values{1, 1, 1, kNanA, 1, 1, kNanA, 1, 1, 1} << ValueMap(10, 1) << 1
+            << lines({"NaN 8 NaN 0.80000000000000004 NaN 1 NaN 1 NaN 1 NaN 1"});
+        QTest::newRow("missing value at the end is the end, with its own bits")
+            << Values{1, 2, kNanB} << ValueMap{1, 1, 1} << 1
+            << lines({"NaN 3 NaN 1 NaN 2 NaN 1 NaN nan:7ff8000000000abc NaN 1"});
+        QTest::newRow("missing value at the beginning is the beginning, with its own bits")
+            << Values{kNanC, 4, 2} << ValueMap{1, 1, 1} << 1
+            << lines({"NaN 6 NaN 2 NaN 4 NaN 2 NaN 2 NaN nan:fff800000000000c"});
+        QTest::newRow("all values missing")
+            << Values{kNanB, kInfinity, kNanC} << ValueMap{1, 1, 1} << 1
+            << lines({"NaN 0 NaN 0 NaN nan:7ff8000000000abc NaN nan:7ff8000000000abc NaN "
+                      "nan:fff800000000000c NaN nan:7ff8000000000abc"});
+        QTest::newRow("all values infinite keeps the first")
+            << Values{-kInfinity, kInfinity} << ValueMap{1, 1} << 1
+            << lines({"NaN 0 NaN 0 NaN -inf NaN -inf NaN inf NaN -inf"});
+        QTest::newRow("infinity is a missing value")
+            << Values{5, kInfinity, 7} << ValueMap{1, 1, 1} << 1
+            << lines({"NaN 12 NaN 4 NaN 7 NaN 5 NaN 7 NaN 5"});
+        QTest::newRow("leading infinity is no largest value")
+            << Values{kInfinity, 1, 3} << ValueMap{1, 1, 1} << 1
+            << lines({"NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN inf"});
+        QTest::newRow("leading infinity below zero is no smallest value")
+            << Values{-kInfinity, 1, 3} << ValueMap{1, 1, 1} << 1
+            << lines({"NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN -inf"});
+        QTest::newRow("of equal values the first is kept")
+            << Values{-0.0, 0.0} << ValueMap{1, 1} << 1 << lines({"0 0 0 0 -0 -0 -0 -0 0 0 -0 -0"});
+        QTest::newRow("sum beyond the largest number stays infinite")
+            << Values{1e308, 1e308} << ValueMap{1, 1} << 1
+            << lines({"inf inf inf inf 1e+308 1e+308 "
+                      "1e+308 1e+308 1e+308 "
+                      "1e+308 1e+308 1e+308"});
+        QTest::newRow("missing value spoils its own year only")
+            << Values{1, kNanA, 3, 5} << ValueMap{1, 1, 2, 2} << 2
+            << lines({"NaN 1 NaN 0.5 NaN 1 NaN 1 NaN nan:7ff8000000000000 NaN 1",
+                      "8 8 4 4 5 5 3 3 5 5 3 3"});
+        QTest::newRow("values outside the years are skipped")
+            << Values{100, 1, 2, 3, 100} << ValueMap{0, 1, 1, 2, 3} << 2
+            << lines({"3 3 1.5 1.5 2 2 1 1 2 2 1 1", "3 3 3 3 3 3 3 3 3 3 3 3"});
+        QTest::newRow("missing value outside the years spoils nothing")
+            << Values{kNanA, 1, kNanB, 3, kNanC} << ValueMap{0, 1, -5, 1, 2} << 1
+            << lines({"4 4 2 2 3 3 1 1 3 3 1 1"});
+        QTest::newRow("skipped value does not end the year")
+            << Values{1, 100, 3} << ValueMap{1, 0, 1} << 1 << lines({"4 4 2 2 3 3 1 1 3 3 1 1"});
+        QTest::newRow("return to an earlier number starts a new year")
+            << Values{1, 2, 3} << ValueMap{1, 2, 1} << 2
+            << lines({"1 1 1 1 1 1 1 1 1 1 1 1", "2 2 2 2 2 2 2 2 2 2 2 2",
+                      "3 3 3 3 3 3 3 3 3 3 3 3"});
+        QTest::newRow("number that no value carries has no result")
+            << Values{1, 2} << ValueMap{1, 3} << 3
+            << lines({"1 1 1 1 1 1 1 1 1 1 1 1", "2 2 2 2 2 2 2 2 2 2 2 2"});
+        QTest::newRow("no value inside the years")
+            << Values{1, 2} << ValueMap{0, 4} << 3 << QStringList();
+        QTest::newRow("no years") << Values{1, 2, 3} << ValueMap{1, 1, 1} << 0 << QStringList();
+        QTest::newRow("no values") << Values() << ValueMap() << 3 << QStringList();
+        QTest::newRow("no values and no years") << Values() << ValueMap() << 0 << QStringList();
     }
-}
 
-void AggValuesTest::agreesWithSlowReference()
-{
-    QFETCH(Values, values);
-    QFETCH(ValueMap, map);
+    void givesOneResultForEachYear()
+    {
+        QFETCH(Values, values);
+        QFETCH(ValueMap, map);
+        QFETCH(int, count);
 
-    // The same object throughout, with counts that leave out ever fewer numbers.
-    AggValues agg;
-    QString message;
-    for (const int count : {0, 1, 2, 4, 30}) {
-        QVERIFY(agg.aggregate(values, map, count, message));
-        QCOMPARE(linesOf(agg), referenceLines(values, map, count));
-    }
-}
-
-void AggValuesTest::refusesBadSizes_data()
-{
-    QTest::addColumn<Values>("values");
-    QTest::addColumn<ValueMap>("map");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<QString>("message");
-
-    const QString sizes =
-        QStringLiteral("Sizes of input value and value map vectors are mismatched");
-    const QString negative = QStringLiteral("Number of new values cannot be negative");
-    QTest::newRow("map too short") << Values{1, 2} << ValueMap{1} << 1 << sizes;
-    QTest::newRow("map too long") << Values{1} << ValueMap{1, 1} << 1 << sizes;
-    QTest::newRow("no values") << Values() << ValueMap{1} << 1 << sizes;
-    QTest::newRow("no map") << Values{1} << ValueMap() << 1 << sizes;
-    QTest::newRow("negative count") << Values{1} << ValueMap{1} << -1 << negative;
-    QTest::newRow("negative count without values") << Values() << ValueMap() << -1 << negative;
-    QTest::newRow("least count") << Values{1} << ValueMap{1} << std::numeric_limits<int>::min()
-                                 << negative;
-    QTest::newRow("sizes before count") << Values{1} << ValueMap() << -1 << sizes;
-}
-
-void AggValuesTest::refusesBadSizes()
-{
-    QFETCH(Values, values);
-    QFETCH(ValueMap, map);
-    QFETCH(int, count);
-
-    AggValues agg;
-    QString message = QStringLiteral("before");
-    QVERIFY(!agg.aggregate(values, map, count, message));
-    QTEST(message, "message");
-    QCOMPARE(linesOf(agg), QStringList());
-}
-
-void AggValuesTest::successLeavesMessageUnchanged()
-{
-    AggValues agg;
-    QString message = QStringLiteral("before");
-    QVERIFY(agg.aggregate({1}, {1}, 1, message));
-    QCOMPARE(message, QStringLiteral("before"));
-}
-
-void AggValuesTest::usedAgainReplacesResults()
-{
-    AggValues agg;
-    QString message;
-    QVERIFY(agg.aggregate({1, kNanA, 3}, {1, 2, 3}, 3, message));
-    QCOMPARE(linesOf(agg).size(), 3);
-    QVERIFY(agg.aggregate({4, 6}, {1, 1}, 1, message));
-    QCOMPARE(linesOf(agg), QStringList{QStringLiteral("10 10 5 5 6 6 4 4 6 6 4 4")});
-    QVERIFY(agg.aggregate({}, {}, 1, message));
-    QCOMPARE(linesOf(agg), QStringList());
-}
-
-void AggValuesTest::failureEmptiesEarlierResults()
-{
-    for (const int count : {1, -1}) {
         AggValues agg;
         QString message;
-        QVERIFY(agg.aggregate({1, 2}, {1, 1}, 1, message));
-        QCOMPARE(linesOf(agg).size(), 1);
-        const ValueMap map = count < 0 ? ValueMap{1, 1} : ValueMap{1};
-        QVERIFY(!agg.aggregate({1, 2}, map, count, message));
+        QVERIFY(agg.aggregate(values, map, count, message));
+        QCOMPARE(message, QString());
+        QTEST(linesOf(agg), "expected");
+    }
+
+    void agreesWithSlowReference_data()
+    {
+        addColumns<Values, ValueMap>("values", "map");
+
+        using MapMaker = ValueMap (*)(std::mt19937&, std::size_t);
+        const std::pair<const char*, MapMaker> kMakers[] = {
+            {"growing", growingMap}, {"jumping", jumpingMap}, {"returning", returningMap}};
+        for (const auto& [name, makeMap] : kMakers) {
+            for (unsigned seed = 1; seed <= 60; ++seed) {
+                std::mt19937 random(seed);
+                Values values(random() % 200);
+                std::generate(values.begin(), values.end(), [&] { return randomValue(random); });
+                const ValueMap map = makeMap(random, values.size());
+                QTest::addRow("%s map %u", name, seed) << values << map;
+            }
+        }
+    }
+
+    void agreesWithSlowReference()
+    {
+        QFETCH(Values, values);
+        QFETCH(ValueMap, map);
+
+        // The same object throughout, with counts that leave out ever fewer numbers.
+        AggValues agg;
+        QString message;
+        for (const int count : {0, 1, 2, 4, 30}) {
+            QVERIFY(agg.aggregate(values, map, count, message));
+            QCOMPARE(linesOf(agg), referenceLines(values, map, count));
+        }
+    }
+
+    void refusesBadSizes_data()
+    {
+        addColumns<Values, ValueMap, int, QString>("values", "map", "count", "message");
+
+        const QString sizes =
+            QStringLiteral("Sizes of input value and value map vectors are mismatched");
+        const QString negative = QStringLiteral("Number of new values cannot be negative");
+        QTest::newRow("map too short") << Values{1, 2} << ValueMap{1} << 1 << sizes;
+        QTest::newRow("map too long") << Values{1} << ValueMap{1, 1} << 1 << sizes;
+        QTest::newRow("no values") << Values() << ValueMap{1} << 1 << sizes;
+        QTest::newRow("no map") << Values{1} << ValueMap() << 1 << sizes;
+        QTest::newRow("negative count") << Values{1} << ValueMap{1} << -1 << negative;
+        QTest::newRow("negative count without values") << Values() << ValueMap() << -1 << negative;
+        QTest::newRow("least count")
+            << Values{1} << ValueMap{1} << std::numeric_limits<int>::min() << negative;
+        QTest::newRow("sizes before count") << Values{1} << ValueMap() << -1 << sizes;
+    }
+
+    void refusesBadSizes()
+    {
+        QFETCH(Values, values);
+        QFETCH(ValueMap, map);
+        QFETCH(int, count);
+
+        AggValues agg;
+        QString message = QStringLiteral("before");
+        QVERIFY(!agg.aggregate(values, map, count, message));
+        QTEST(message, "message");
         QCOMPARE(linesOf(agg), QStringList());
     }
-}
+
+    void successLeavesMessageUnchanged()
+    {
+        AggValues agg;
+        QString message = QStringLiteral("before");
+        QVERIFY(agg.aggregate({1}, {1}, 1, message));
+        QCOMPARE(message, QStringLiteral("before"));
+    }
+
+    void usedAgainReplacesResults()
+    {
+        AggValues agg;
+        QString message;
+        QVERIFY(agg.aggregate({1, kNanA, 3}, {1, 2, 3}, 3, message));
+        QCOMPARE(linesOf(agg).size(), 3);
+        QVERIFY(agg.aggregate({4, 6}, {1, 1}, 1, message));
+        QCOMPARE(linesOf(agg), QStringList{QStringLiteral("10 10 5 5 6 6 4 4 6 6 4 4")});
+        QVERIFY(agg.aggregate({}, {}, 1, message));
+        QCOMPARE(linesOf(agg), QStringList());
+    }
+
+    void failureEmptiesEarlierResults()
+    {
+        for (const int count : {1, -1}) {
+            AggValues agg;
+            QString message;
+            QVERIFY(agg.aggregate({1, 2}, {1, 1}, 1, message));
+            QCOMPARE(linesOf(agg).size(), 1);
+            const ValueMap map = count < 0 ? ValueMap{1, 1} : ValueMap{1};
+            QVERIFY(!agg.aggregate({1, 2}, map, count, message));
+            QCOMPARE(linesOf(agg), QStringList());
+        }
+    }
+};
 
 HTS_TEST(AggValuesTest, QCoreApplication)
 

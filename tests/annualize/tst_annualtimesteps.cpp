@@ -11,7 +11,7 @@
 
 #include "annualize/annualizehts.h"
 #include "hts/datetimetext.h"
-#include "tests/annualize/seriestext.h"
+#include "tests/hts/htstext.h"
 #include "tests/support/logcollector.h"
 #include "tests/support/testmain.h"
 #include "tests/support/timezone.h"
@@ -224,77 +224,9 @@ Outcome reference(const Series& series, int endMonth)
     return outcome;
 }
 
-} // namespace
-
-class AnnualTimestepsTest : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void worksOutExample();
-    void findsCompleteYears_data();
-    void findsCompleteYears();
-    void findsNoCompleteYear_data();
-    void findsNoCompleteYear();
-    void earlyYearsAreYears_data();
-    void earlyYearsAreYears();
-    void namesEndMonth_data();
-    void namesEndMonth();
-    void leavesOutNameOfMonthOutOfRange();
-    void refusesAnnualRun();
-    void refusesListShorterThanCount();
-    void ignoresTimestepsBeyondCount();
-    void findsNoYearWithoutTimesteps_data();
-    void findsNoYearWithoutTimesteps();
-    void refusesInvalidStart();
-    void refusesInvalidTimestep_data();
-    void refusesInvalidTimestep();
-    void formsOfMidnightMeanTheSame_data();
-    void formsOfMidnightMeanTheSame();
-    void unitQuantityDoesNotMatter();
-    void fillsRunAndKeepsTraceAndComplete();
-    void failureLeavesRunUnchanged_data();
-    void failureLeavesRunUnchanged();
-    void appendsToValueMap();
-    void timeZoneDoesNotMatter_data();
-    void timeZoneDoesNotMatter();
-    void agreesWithSlowReference_data();
-    void agreesWithSlowReference();
-};
-
-void AnnualTimestepsTest::worksOutExample()
-{
-    const LogCollector log;
-    AnnualizeHts engine;
-    QCOMPARE(engine.setEndMonth(12).message, QString());
-    AnnualizeHts::ValueMap map;
-    HtsRun run;
-    const HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 27));
-    QCOMPARE(input.timesteps.last(), QStringLiteral("2002-3-31 24:00"));
-    const Status status = engine.calculateAnnualTimesteps(input, map, run);
-
-    QCOMPARE(status.message, QString());
-    QVERIFY(!status.flag);
-    const AnnualizeHts::ValueMap expected{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2,
-                                          2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 3};
-    QCOMPARE(map, expected);
-    QCOMPARE(textOf(run),
-             QStringLiteral("0|-1|2001-01-01T00:00:00.000Z|2002-01-01T00:00:00.000Z|year|1|2|-1|||"
-                            "-1|2000-12-31 24:00,2001-12-31 24:00"));
-    const QStringList lines{kStarting,
-                            kUsingDecember,
-                            kPartialBeginning,
-                            kPartialEnd,
-                            QStringLiteral("New annual start timestep is 2000-12-31 24:00 "),
-                            QStringLiteral("New annual end timestep is 2001-12-31 24:00 "),
-                            kFinished};
-    QCOMPARE(log.lines(), lines);
-    QCOMPARE(log.levels(), QVector<QsLogging::Level>(lines.size(), QsLogging::InfoLevel));
-}
-
 // The rows by unit.
 
-static void addCompleteMonths()
+void addCompleteMonths()
 {
     QTest::newRow("months of exactly one year")
         << 12 << "month" << monthlyTimesteps(2000, 1, 12) << "1x12"
@@ -323,7 +255,7 @@ static void addCompleteMonths()
         << "2002-11-30 24:00" << false;
 }
 
-static void addCompleteDays()
+void addCompleteDays()
 {
     QTest::newRow("days of exactly one leap year")
         << 12 << "day" << dailyTimesteps(QDate(2000, 1, 1), 366) << "1x366"
@@ -342,7 +274,7 @@ static void addCompleteDays()
         << "2000-2-29 24:00" << true;
 }
 
-static void addCompleteHours()
+void addCompleteHours()
 {
     QTest::newRow("hours of exactly one year")
         << 12 << "hour" << hourlyTimesteps(QDate(2001, 1, 1), 1, 365 * 24) << "1x8760"
@@ -362,7 +294,7 @@ static void addCompleteHours()
         << "2001-12-31 24:00" << true;
 }
 
-static void addCompleteWeeks()
+void addCompleteWeeks()
 {
     // 2001-12-29 is a Saturday, the last within 2001; the next ends with 2002-1-5.
     QTest::newRow("weeks up to the last within the year")
@@ -388,7 +320,7 @@ static void addCompleteWeeks()
         << "2001-12-25 1:00" << false;
 }
 
-static void addWordsThatAreDays()
+void addWordsThatAreDays()
 {
     QTest::newRow("unit Month is a day")
         << 12 << "Month" << monthlyTimesteps(2000, 1, 24) << "0x12 1x12"
@@ -406,447 +338,476 @@ static void addWordsThatAreDays()
         << "2001-12-31 24:00" << false;
 }
 
-void AnnualTimestepsTest::findsCompleteYears_data()
+} // namespace
+
+class AnnualTimestepsTest : public QObject
 {
-    QTest::addColumn<int>("endMonth");
-    QTest::addColumn<QString>("unit");
-    QTest::addColumn<QStringList>("timesteps");
-    QTest::addColumn<QString>("map");
-    QTest::addColumn<QString>("annual"); // the timesteps, separated by commas
-    QTest::addColumn<bool>("isEndPartial");
+    Q_OBJECT
 
-    addCompleteMonths();
-    addCompleteDays();
-    addCompleteHours();
-    addCompleteWeeks();
-    addWordsThatAreDays();
-}
+private Q_SLOTS:
+    void worksOutExample()
+    {
+        const LogCollector log;
+        AnnualizeHts engine;
+        QCOMPARE(engine.setEndMonth(12).message, QString());
+        AnnualizeHts::ValueMap map;
+        HtsRun run;
+        const HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 27));
+        QCOMPARE(input.timesteps.last(), QStringLiteral("2002-3-31 24:00"));
+        const Status status = engine.calculateAnnualTimesteps(input, map, run);
 
-void AnnualTimestepsTest::findsCompleteYears()
-{
-    QFETCH(int, endMonth);
-    QFETCH(QString, unit);
-    QFETCH(QStringList, timesteps);
-    QFETCH(QString, annual);
-    QFETCH(bool, isEndPartial);
+        QCOMPARE(status.message, QString());
+        QVERIFY(!status.flag);
+        const AnnualizeHts::ValueMap expected{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2,
+                                              2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 3};
+        QCOMPARE(map, expected);
+        QCOMPARE(
+            textOf(run),
+            QStringLiteral("0|-1|2001-01-01T00:00:00.000Z|2002-01-01T00:00:00.000Z|year|1|2|-1|||"
+                           "-1|2000-12-31 24:00,2001-12-31 24:00"));
+        const QStringList lines{kStarting,
+                                kUsingDecember,
+                                kPartialBeginning,
+                                kPartialEnd,
+                                QStringLiteral("New annual start timestep is 2000-12-31 24:00 "),
+                                QStringLiteral("New annual end timestep is 2001-12-31 24:00 "),
+                                kFinished};
+        QCOMPARE(log.lines(), lines);
+        QCOMPARE(log.levels(), QVector<QsLogging::Level>(lines.size(), QsLogging::InfoLevel));
+    }
 
-    const Outcome outcome = calculate(endMonth, makeRun(unit, timesteps));
-    QCOMPARE(outcome.message, QString());
-    QTEST(outcome.map, "map");
-    HtsRun expected = makeRun(QStringLiteral("year"), annual.split(QLatin1Char(',')));
-    QCOMPARE(textOf(outcome.run), textOf(expected));
-    QCOMPARE(outcome.log, successLog(endMonth, isEndPartial, expected.timesteps));
-}
+    void findsCompleteYears_data()
+    {
+        addColumns<int, QString, QStringList, QString>("endMonth", "unit", "timesteps", "map");
+        QTest::addColumn<QString>("annual"); // the timesteps, separated by commas
+        QTest::addColumn<bool>("isEndPartial");
 
-void AnnualTimestepsTest::findsNoCompleteYear_data()
-{
-    QTest::addColumn<int>("endMonth");
-    QTest::addColumn<QString>("unit");
-    QTest::addColumn<QStringList>("timesteps");
-    QTest::addColumn<QString>("map");
-    QTest::addColumn<bool>("isEndPartial");
+        addCompleteMonths();
+        addCompleteDays();
+        addCompleteHours();
+        addCompleteWeeks();
+        addWordsThatAreDays();
+    }
 
-    QTest::newRow("eleven months")
-        << 12 << "month" << monthlyTimesteps(2000, 1, 11) << "1x11" << true;
-    QTest::newRow("months of two years, none complete")
-        << 12 << "month" << monthlyTimesteps(2000, 2, 22) << "0x11 1x11" << true;
-    // The counter goes below zero.
-    QTest::newRow("months before the first year")
-        << 9 << "month" << monthlyTimesteps(2000, 1, 5) << "0x5" << true;
-    QTest::newRow("months up to the first year")
-        << 9 << "month" << monthlyTimesteps(2000, 1, 9) << "0x9" << false;
-    QTest::newRow("one step that ends with the year")
-        << 12 << "month" << monthlyTimesteps(2000, 12, 1) << "0x1" << false;
-    QTest::newRow("one step") << 12 << "month" << monthlyTimesteps(2000, 1, 1) << "1x1" << true;
-    QTest::newRow("weeks before the first year")
-        << 12 << "week" << QStringList{QStringLiteral("2000-12-31 24:00")} << "0x1" << true;
-    QTest::newRow("last week ends with the year")
-        << 12 << "week" << dailyTimesteps(QDate(2001, 1, 1), 53, 7) << "1x53" << true;
-    QTest::newRow("last week ends seven days before the year")
-        << 12 << "week" << dailyTimesteps(QDate(2001, 1, 1), 52, 7) << "1x52" << true;
-    QTest::newRow("days at noon never end with the year")
-        << 12 << "day"
-        << QStringList{QStringLiteral("2001-1-1 12:00"), QStringLiteral("2001-12-31 12:00")}
-        << "1x2" << true;
-}
+    void findsCompleteYears()
+    {
+        QFETCH(int, endMonth);
+        QFETCH(QString, unit);
+        QFETCH(QStringList, timesteps);
+        QFETCH(QString, annual);
+        QFETCH(bool, isEndPartial);
 
-void AnnualTimestepsTest::findsNoCompleteYear()
-{
-    QFETCH(int, endMonth);
-    QFETCH(QString, unit);
-    QFETCH(QStringList, timesteps);
-    QFETCH(bool, isEndPartial);
+        const Outcome outcome = calculate(endMonth, makeRun(unit, timesteps));
+        QCOMPARE(outcome.message, QString());
+        QTEST(outcome.map, "map");
+        HtsRun expected = makeRun(QStringLiteral("year"), annual.split(QLatin1Char(',')));
+        QCOMPARE(textOf(outcome.run), textOf(expected));
+        QCOMPARE(outcome.log, successLog(endMonth, isEndPartial, expected.timesteps));
+    }
 
-    const Outcome outcome = calculate(endMonth, makeRun(unit, timesteps));
-    QCOMPARE(outcome.message, kNoCompleteYear);
-    QTEST(outcome.map, "map");
-    QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
-    QStringList log{kStarting, usingMonth(endMonth), kPartialBeginning};
-    if (isEndPartial)
-        log.append(kPartialEnd);
-    QCOMPARE(outcome.log, log);
-}
+    void findsNoCompleteYear_data()
+    {
+        addColumns<int, QString, QStringList, QString, bool>("endMonth", "unit", "timesteps", "map",
+                                                             "isEndPartial");
 
-void AnnualTimestepsTest::earlyYearsAreYears_data()
-{
-    QTest::addColumn<int>("year");
-    for (const int year : {1, 2, 9, 10, 69, 70, 98, 99, 100, 101, 499, 998, 999})
-        QTest::addRow("year %d", year) << year;
-}
+        QTest::newRow("eleven months")
+            << 12 << "month" << monthlyTimesteps(2000, 1, 11) << "1x11" << true;
+        QTest::newRow("months of two years, none complete")
+            << 12 << "month" << monthlyTimesteps(2000, 2, 22) << "0x11 1x11" << true;
+        // The counter goes below zero.
+        QTest::newRow("months before the first year")
+            << 9 << "month" << monthlyTimesteps(2000, 1, 5) << "0x5" << true;
+        QTest::newRow("months up to the first year")
+            << 9 << "month" << monthlyTimesteps(2000, 1, 9) << "0x9" << false;
+        QTest::newRow("one step that ends with the year")
+            << 12 << "month" << monthlyTimesteps(2000, 12, 1) << "0x1" << false;
+        QTest::newRow("one step") << 12 << "month" << monthlyTimesteps(2000, 1, 1) << "1x1" << true;
+        QTest::newRow("weeks before the first year")
+            << 12 << "week" << QStringList{QStringLiteral("2000-12-31 24:00")} << "0x1" << true;
+        QTest::newRow("last week ends with the year")
+            << 12 << "week" << dailyTimesteps(QDate(2001, 1, 1), 53, 7) << "1x53" << true;
+        QTest::newRow("last week ends seven days before the year")
+            << 12 << "week" << dailyTimesteps(QDate(2001, 1, 1), 52, 7) << "1x52" << true;
+        QTest::newRow("days at noon never end with the year")
+            << 12 << "day"
+            << QStringList{QStringLiteral("2001-1-1 12:00"), QStringLiteral("2001-12-31 12:00")}
+            << "1x2" << true;
+    }
 
-// A year of fewer than four digits is no year of this century or the last.
-void AnnualTimestepsTest::earlyYearsAreYears()
-{
-    QFETCH(int, year);
-    const auto lastOf = [&](int yearsLater) {
-        return timestepText(QDate(year + yearsLater, 12, 31), 24);
-    };
-    const Outcome outcome =
-        calculate(12, makeRun(QStringLiteral("month"), monthlyTimesteps(year, 1, 27)));
-    QCOMPARE(outcome.message, QString());
-    QCOMPARE(outcome.map, QStringLiteral("1x12 2x12 3x3"));
-    QCOMPARE(outcome.run.timesteps, (QStringList{lastOf(0), lastOf(1)}));
-    QCOMPARE(outcome.run.start, QDateTime(QDate(year + 1, 1, 1), QTime(0, 0), Qt::UTC));
-    QCOMPARE(outcome.run.end, QDateTime(QDate(year + 2, 1, 1), QTime(0, 0), Qt::UTC));
-    QCOMPARE(outcome.log, successLog(12, true, outcome.run.timesteps));
+    void findsNoCompleteYear()
+    {
+        QFETCH(int, endMonth);
+        QFETCH(QString, unit);
+        QFETCH(QStringList, timesteps);
+        QFETCH(bool, isEndPartial);
 
-    // Without its first month, the calendar year is not complete.
-    const Outcome later =
-        calculate(12, makeRun(QStringLiteral("month"), monthlyTimesteps(year, 2, 23)));
-    QCOMPARE(later.message, QString());
-    QCOMPARE(later.map, QStringLiteral("0x11 1x12"));
-    QCOMPARE(later.run.timesteps, QStringList{lastOf(1)});
-}
+        const Outcome outcome = calculate(endMonth, makeRun(unit, timesteps));
+        QCOMPARE(outcome.message, kNoCompleteYear);
+        QTEST(outcome.map, "map");
+        QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
+        QStringList log{kStarting, usingMonth(endMonth), kPartialBeginning};
+        if (isEndPartial)
+            log.append(kPartialEnd);
+        QCOMPARE(outcome.log, log);
+    }
 
-void AnnualTimestepsTest::namesEndMonth_data()
-{
-    QTest::addColumn<int>("endMonth");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("map");
-    QTest::addColumn<QString>("annual");
+    void earlyYearsAreYears_data()
+    {
+        QTest::addColumn<int>("year");
+        for (const int year : {1, 2, 9, 10, 69, 70, 98, 99, 100, 101, 499, 998, 999})
+            QTest::addRow("year %d", year) << year;
+    }
 
-    QTest::newRow("1") << 1 << "January"
-                       << "0x1 1x12 2x11"
-                       << "2001-1-31 24:00";
-    QTest::newRow("2") << 2 << "February"
-                       << "0x2 1x12 2x10"
-                       << "2001-2-28 24:00";
-    QTest::newRow("3") << 3 << "March"
-                       << "0x3 1x12 2x9"
-                       << "2001-3-31 24:00";
-    QTest::newRow("4") << 4 << "April"
-                       << "0x4 1x12 2x8"
-                       << "2001-4-30 24:00";
-    QTest::newRow("5") << 5 << "May"
-                       << "0x5 1x12 2x7"
-                       << "2001-5-31 24:00";
-    QTest::newRow("6") << 6 << "June"
-                       << "0x6 1x12 2x6"
-                       << "2001-6-30 24:00";
-    QTest::newRow("7") << 7 << "July"
-                       << "0x7 1x12 2x5"
-                       << "2001-7-31 24:00";
-    QTest::newRow("8") << 8 << "August"
-                       << "0x8 1x12 2x4"
-                       << "2001-8-31 24:00";
-    QTest::newRow("9") << 9 << "September"
-                       << "0x9 1x12 2x3"
-                       << "2001-9-30 24:00";
-    QTest::newRow("10") << 10 << "October"
-                        << "0x10 1x12 2x2"
-                        << "2001-10-31 24:00";
-    QTest::newRow("11") << 11 << "November"
-                        << "0x11 1x12 2x1"
-                        << "2001-11-30 24:00";
-    QTest::newRow("12") << 12 << "December"
-                        << "1x12 2x12"
-                        << "2000-12-31 24:00,2001-12-31 24:00";
-}
+    // A year of fewer than four digits is no year of this century or the last.
+    void earlyYearsAreYears()
+    {
+        QFETCH(int, year);
+        const auto lastOf = [&](int yearsLater) {
+            return timestepText(QDate(year + yearsLater, 12, 31), 24);
+        };
+        const Outcome outcome =
+            calculate(12, makeRun(QStringLiteral("month"), monthlyTimesteps(year, 1, 27)));
+        QCOMPARE(outcome.message, QString());
+        QCOMPARE(outcome.map, QStringLiteral("1x12 2x12 3x3"));
+        QCOMPARE(outcome.run.timesteps, (QStringList{lastOf(0), lastOf(1)}));
+        QCOMPARE(outcome.run.start, QDateTime(QDate(year + 1, 1, 1), QTime(0, 0), Qt::UTC));
+        QCOMPARE(outcome.run.end, QDateTime(QDate(year + 2, 1, 1), QTime(0, 0), Qt::UTC));
+        QCOMPARE(outcome.log, successLog(12, true, outcome.run.timesteps));
 
-void AnnualTimestepsTest::namesEndMonth()
-{
-    QFETCH(int, endMonth);
-    QFETCH(QString, name);
-    QFETCH(QString, annual);
+        // Without its first month, the calendar year is not complete.
+        const Outcome later =
+            calculate(12, makeRun(QStringLiteral("month"), monthlyTimesteps(year, 2, 23)));
+        QCOMPARE(later.message, QString());
+        QCOMPARE(later.map, QStringLiteral("0x11 1x12"));
+        QCOMPARE(later.run.timesteps, QStringList{lastOf(1)});
+    }
 
-    const Outcome outcome =
-        calculate(endMonth, makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 24)));
-    QCOMPARE(outcome.message, QString());
-    QTEST(outcome.map, "map");
-    QCOMPARE(outcome.run.timesteps.join(QLatin1Char(',')), annual);
-    QCOMPARE(outcome.log.value(1), QString(QLatin1String("Using ") + name +
-                                           QLatin1String(" as the year end for calculations. ")));
-    QCOMPARE(outcome.log, successLog(endMonth, endMonth != 12, annual.split(QLatin1Char(','))));
-}
+    void namesEndMonth_data()
+    {
+        addColumns<int, QString, QString, QString>("endMonth", "name", "map", "annual");
 
-// An engine that has not been given a month.
-void AnnualTimestepsTest::leavesOutNameOfMonthOutOfRange()
-{
-    const LogCollector log;
-    const AnnualizeHts engine;
-    AnnualizeHts::ValueMap map;
-    HtsRun run;
-    const Status status = engine.calculateAnnualTimesteps(
-        makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 12)), map, run);
-    QCOMPARE(status.message, QString());
-    QCOMPARE(textOf(map), QStringLiteral("1x12"));
-    QCOMPARE(log.lines().value(1), QStringLiteral("Using  as the year end for calculations. "));
-}
+        QTest::newRow("1") << 1 << "January"
+                           << "0x1 1x12 2x11"
+                           << "2001-1-31 24:00";
+        QTest::newRow("2") << 2 << "February"
+                           << "0x2 1x12 2x10"
+                           << "2001-2-28 24:00";
+        QTest::newRow("3") << 3 << "March"
+                           << "0x3 1x12 2x9"
+                           << "2001-3-31 24:00";
+        QTest::newRow("4") << 4 << "April"
+                           << "0x4 1x12 2x8"
+                           << "2001-4-30 24:00";
+        QTest::newRow("5") << 5 << "May"
+                           << "0x5 1x12 2x7"
+                           << "2001-5-31 24:00";
+        QTest::newRow("6") << 6 << "June"
+                           << "0x6 1x12 2x6"
+                           << "2001-6-30 24:00";
+        QTest::newRow("7") << 7 << "July"
+                           << "0x7 1x12 2x5"
+                           << "2001-7-31 24:00";
+        QTest::newRow("8") << 8 << "August"
+                           << "0x8 1x12 2x4"
+                           << "2001-8-31 24:00";
+        QTest::newRow("9") << 9 << "September"
+                           << "0x9 1x12 2x3"
+                           << "2001-9-30 24:00";
+        QTest::newRow("10") << 10 << "October"
+                            << "0x10 1x12 2x2"
+                            << "2001-10-31 24:00";
+        QTest::newRow("11") << 11 << "November"
+                            << "0x11 1x12 2x1"
+                            << "2001-11-30 24:00";
+        QTest::newRow("12") << 12 << "December"
+                            << "1x12 2x12"
+                            << "2000-12-31 24:00,2001-12-31 24:00";
+    }
 
-void AnnualTimestepsTest::refusesAnnualRun()
-{
-    const Outcome outcome =
-        calculate(12, makeRun(QStringLiteral("year"), monthlyTimesteps(2000, 1, 12)));
-    QCOMPARE(outcome.message, kAlreadyAnnual);
-    QCOMPARE(outcome.map, QString());
-    QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
-    QCOMPARE(outcome.log, QStringList());
-}
+    void namesEndMonth()
+    {
+        QFETCH(int, endMonth);
+        QFETCH(QString, name);
+        QFETCH(QString, annual);
 
-void AnnualTimestepsTest::refusesListShorterThanCount()
-{
-    HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 12));
-    input.timeStepCount = 13;
-    const Outcome outcome = calculate(12, input);
-    QCOMPARE(outcome.message, QStringLiteral("Cannot read run preamble"));
-    QCOMPARE(outcome.map, QString());
-    QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
-    QCOMPARE(outcome.log, QStringList());
-}
+        const Outcome outcome =
+            calculate(endMonth, makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 24)));
+        QCOMPARE(outcome.message, QString());
+        QTEST(outcome.map, "map");
+        QCOMPARE(outcome.run.timesteps.join(QLatin1Char(',')), annual);
+        QCOMPARE(outcome.log.value(1),
+                 QString(QLatin1String("Using ") + name +
+                         QLatin1String(" as the year end for calculations. ")));
+        QCOMPARE(outcome.log, successLog(endMonth, endMonth != 12, annual.split(QLatin1Char(','))));
+    }
 
-void AnnualTimestepsTest::ignoresTimestepsBeyondCount()
-{
-    HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 14));
-    input.timeStepCount = 12;
-    const Outcome outcome = calculate(12, input);
-    QCOMPARE(outcome.message, QString());
-    QCOMPARE(outcome.map, QStringLiteral("1x12"));
-    QCOMPARE(outcome.log, successLog(12, false, {QStringLiteral("2000-12-31 24:00")}));
+    // An engine that has not been given a month.
+    void leavesOutNameOfMonthOutOfRange()
+    {
+        const LogCollector log;
+        const AnnualizeHts engine;
+        AnnualizeHts::ValueMap map;
+        HtsRun run;
+        const Status status = engine.calculateAnnualTimesteps(
+            makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 12)), map, run);
+        QCOMPARE(status.message, QString());
+        QCOMPARE(textOf(map), QStringLiteral("1x12"));
+        QCOMPARE(log.lines().value(1), QStringLiteral("Using  as the year end for calculations. "));
+    }
 
-    input.timeStepCount = -1;
-    QCOMPARE(calculate(12, input).message, kNoCompleteYear);
-}
+    void refusesAnnualRun()
+    {
+        const Outcome outcome =
+            calculate(12, makeRun(QStringLiteral("year"), monthlyTimesteps(2000, 1, 12)));
+        QCOMPARE(outcome.message, kAlreadyAnnual);
+        QCOMPARE(outcome.map, QString());
+        QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
+        QCOMPARE(outcome.log, QStringList());
+    }
 
-void AnnualTimestepsTest::findsNoYearWithoutTimesteps_data()
-{
-    QTest::addColumn<QString>("start");
-    QTest::newRow("no start") << "";
-    QTest::newRow("start") << "2001-1-1 24:00";
-    // The instant that an invalid one compares as.
-    QTest::newRow("start of 1970") << "1970-1-1 0:00";
-}
+    void refusesListShorterThanCount()
+    {
+        HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 12));
+        input.timeStepCount = 13;
+        const Outcome outcome = calculate(12, input);
+        QCOMPARE(outcome.message, QStringLiteral("Cannot read run preamble"));
+        QCOMPARE(outcome.map, QString());
+        QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
+        QCOMPARE(outcome.log, QStringList());
+    }
 
-void AnnualTimestepsTest::findsNoYearWithoutTimesteps()
-{
-    QFETCH(QString, start);
-    for (const char* unit : {"", "month", "week", "day"}) {
-        HtsRun input = makeRun(QString::fromLatin1(unit), {});
-        input.start = textToDateTime(start);
+    void ignoresTimestepsBeyondCount()
+    {
+        HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 14));
+        input.timeStepCount = 12;
+        const Outcome outcome = calculate(12, input);
+        QCOMPARE(outcome.message, QString());
+        QCOMPARE(outcome.map, QStringLiteral("1x12"));
+        QCOMPARE(outcome.log, successLog(12, false, {QStringLiteral("2000-12-31 24:00")}));
+
+        input.timeStepCount = -1;
+        QCOMPARE(calculate(12, input).message, kNoCompleteYear);
+    }
+
+    void findsNoYearWithoutTimesteps_data()
+    {
+        QTest::addColumn<QString>("start");
+        QTest::newRow("no start") << "";
+        QTest::newRow("start") << "2001-1-1 24:00";
+        // The instant that an invalid one compares as.
+        QTest::newRow("start of 1970") << "1970-1-1 0:00";
+    }
+
+    void findsNoYearWithoutTimesteps()
+    {
+        QFETCH(QString, start);
+        for (const char* unit : {"", "month", "week", "day"}) {
+            HtsRun input = makeRun(QString::fromLatin1(unit), {});
+            input.start = textToDateTime(start);
+            const Outcome outcome = calculate(12, input);
+            QCOMPARE(outcome.message, kNoCompleteYear);
+            QCOMPARE(outcome.map, QString());
+            QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
+            const QStringList expected{kStarting, kUsingDecember, kPartialEnd};
+            QCOMPARE(outcome.log, expected);
+        }
+    }
+
+    void refusesInvalidStart()
+    {
+        HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 12));
+        input.start = QDateTime();
         const Outcome outcome = calculate(12, input);
         QCOMPARE(outcome.message, kNoCompleteYear);
         QCOMPARE(outcome.map, QString());
         QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
-        const QStringList expected{kStarting, kUsingDecember, kPartialEnd};
+        const QStringList expected{kStarting, kUsingDecember, kPartialBeginning, kPartialEnd};
         QCOMPARE(outcome.log, expected);
     }
-}
 
-void AnnualTimestepsTest::refusesInvalidStart()
-{
-    HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 12));
-    input.start = QDateTime();
-    const Outcome outcome = calculate(12, input);
-    QCOMPARE(outcome.message, kNoCompleteYear);
-    QCOMPARE(outcome.map, QString());
-    QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
-    const QStringList expected{kStarting, kUsingDecember, kPartialBeginning, kPartialEnd};
-    QCOMPARE(outcome.log, expected);
-}
+    void refusesInvalidTimestep_data()
+    {
+        addColumns<QString, int>("text", "position");
+        QTest::newRow("month out of range") << "2000-13-1 0:00" << 5;
+        QTest::newRow("all out of range") << "2000-13-45 99:99" << 5;
+        QTest::newRow("no such day") << "2001-2-29 6:00" << 5;
+        QTest::newRow("midnight of a month out of range") << "2000-13-1 24:00" << 5;
+        QTest::newRow("midnight of no such day") << "2001-2-29 24:00" << 5;
+        QTest::newRow("at the beginning") << "2000-13-45 99:99" << 0;
+        QTest::newRow("at the end") << "2000-13-45 99:99" << 11;
+    }
 
-void AnnualTimestepsTest::refusesInvalidTimestep_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("position");
-    QTest::newRow("month out of range") << "2000-13-1 0:00" << 5;
-    QTest::newRow("all out of range") << "2000-13-45 99:99" << 5;
-    QTest::newRow("no such day") << "2001-2-29 6:00" << 5;
-    QTest::newRow("midnight of a month out of range") << "2000-13-1 24:00" << 5;
-    QTest::newRow("midnight of no such day") << "2001-2-29 24:00" << 5;
-    QTest::newRow("at the beginning") << "2000-13-45 99:99" << 0;
-    QTest::newRow("at the end") << "2000-13-45 99:99" << 11;
-}
+    void refusesInvalidTimestep()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, position);
 
-void AnnualTimestepsTest::refusesInvalidTimestep()
-{
-    QFETCH(QString, text);
-    QFETCH(int, position);
-
-    HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 24));
-    input.timesteps[position] = text;
-    const Outcome outcome = calculate(12, input);
-    QCOMPARE(outcome.message, kNoCompleteYear);
-    QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
-    const QStringList expected{kStarting, kUsingDecember, kPartialBeginning, kPartialEnd};
-    QCOMPARE(outcome.log, expected);
-}
-
-void AnnualTimestepsTest::formsOfMidnightMeanTheSame_data()
-{
-    QTest::addColumn<QString>("last");
-    QTest::newRow("end of the last day") << "2000-12-31 24:00";
-    QTest::newRow("beginning of the next") << "2001-1-1 0:00";
-    QTest::newRow("with leading zeros") << "2001-01-01 00:00";
-}
-
-void AnnualTimestepsTest::formsOfMidnightMeanTheSame()
-{
-    QFETCH(QString, last);
-    QStringList timesteps = monthlyTimesteps(2000, 1, 11);
-    timesteps.append(last);
-    const Outcome outcome = calculate(12, makeRun(QStringLiteral("month"), timesteps));
-    QCOMPARE(outcome.message, QString());
-    QCOMPARE(outcome.map, QStringLiteral("1x12"));
-    // Copied unchanged.
-    QCOMPARE(outcome.run.timesteps, QStringList{last});
-    QCOMPARE(outcome.run.start, QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC));
-    QCOMPARE(outcome.log, successLog(12, false, {last}));
-}
-
-void AnnualTimestepsTest::unitQuantityDoesNotMatter()
-{
-    HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 27));
-    const Outcome expected = calculate(12, input);
-    for (const int quantity : {-1, 0, 2, 6}) {
-        input.unitQuantity = quantity;
+        HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 24));
+        input.timesteps[position] = text;
         const Outcome outcome = calculate(12, input);
+        QCOMPARE(outcome.message, kNoCompleteYear);
+        QCOMPARE(textOf(outcome.run), textOf(HtsRun()));
+        const QStringList expected{kStarting, kUsingDecember, kPartialBeginning, kPartialEnd};
+        QCOMPARE(outcome.log, expected);
+    }
+
+    void formsOfMidnightMeanTheSame_data()
+    {
+        QTest::addColumn<QString>("last");
+        QTest::newRow("end of the last day") << "2000-12-31 24:00";
+        QTest::newRow("beginning of the next") << "2001-1-1 0:00";
+        QTest::newRow("with leading zeros") << "2001-01-01 00:00";
+    }
+
+    void formsOfMidnightMeanTheSame()
+    {
+        QFETCH(QString, last);
+        QStringList timesteps = monthlyTimesteps(2000, 1, 11);
+        timesteps.append(last);
+        const Outcome outcome = calculate(12, makeRun(QStringLiteral("month"), timesteps));
+        QCOMPARE(outcome.message, QString());
+        QCOMPARE(outcome.map, QStringLiteral("1x12"));
+        // Copied unchanged.
+        QCOMPARE(outcome.run.timesteps, QStringList{last});
+        QCOMPARE(outcome.run.start, QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC));
+        QCOMPARE(outcome.log, successLog(12, false, {last}));
+    }
+
+    void unitQuantityDoesNotMatter()
+    {
+        HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 27));
+        const Outcome expected = calculate(12, input);
+        for (const int quantity : {-1, 0, 2, 6}) {
+            input.unitQuantity = quantity;
+            const Outcome outcome = calculate(12, input);
+            QCOMPARE(outcome.map, expected.map);
+            QCOMPARE(textOf(outcome.run), textOf(expected.run));
+        }
+    }
+
+    void fillsRunAndKeepsTraceAndComplete()
+    {
+        HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 27));
+        input.trace = 1;
+        input.consecutive = 0;
+        input.slotSet = QStringLiteral("input slots");
+        input.ruleSet = QStringLiteral("input rules");
+        input.idxSequential = 2;
+
+        AnnualizeHts engine;
+        QCOMPARE(engine.setEndMonth(12).message, QString());
+        AnnualizeHts::ValueMap map;
+        HtsRun run = fullRun();
+        QCOMPARE(engine.calculateAnnualTimesteps(input, map, run).message, QString());
+        QCOMPARE(textOf(run),
+                 QStringLiteral("1|7|2001-01-01T00:00:00.000Z|2002-01-01T00:00:00.000Z|year|1|2|0|"
+                                "input slots|input rules|2|2000-12-31 24:00,2001-12-31 24:00"));
+    }
+
+    void failureLeavesRunUnchanged_data()
+    {
+        addColumns<QString, QStringList>("unit", "timesteps");
+        QTest::newRow("annual") << "year" << monthlyTimesteps(2000, 1, 24);
+        QTest::newRow("no complete year") << "month" << monthlyTimesteps(2000, 2, 20);
+        QTest::newRow("no timesteps") << "month" << QStringList();
+        QTest::newRow("invalid timestep after a complete year")
+            << "month" << monthlyTimesteps(2000, 1, 14) + QStringList{QStringLiteral("x")};
+    }
+
+    void failureLeavesRunUnchanged()
+    {
+        QFETCH(QString, unit);
+        QFETCH(QStringList, timesteps);
+
+        AnnualizeHts engine;
+        QCOMPARE(engine.setEndMonth(12).message, QString());
+        AnnualizeHts::ValueMap map;
+        HtsRun run = fullRun();
+        const Status status = engine.calculateAnnualTimesteps(makeRun(unit, timesteps), map, run);
+        QVERIFY(!status.ok());
+        QVERIFY(!status.flag);
+        QCOMPARE(textOf(run), textOf(fullRun()));
+    }
+
+    void appendsToValueMap()
+    {
+        AnnualizeHts engine;
+        QCOMPARE(engine.setEndMonth(12).message, QString());
+        AnnualizeHts::ValueMap map{5, 5};
+        HtsRun run;
+        const HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 13));
+        QCOMPARE(engine.calculateAnnualTimesteps(input, map, run).message, QString());
+        QCOMPARE(engine.calculateAnnualTimesteps(input, map, run).message, QString());
+        QCOMPARE(textOf(map), QStringLiteral("5x2 1x12 2x1 1x12 2x1"));
+    }
+
+    void timeZoneDoesNotMatter_data()
+    {
+        QTest::addColumn<QByteArray>("zone");
+        QTest::newRow("UTC") << QByteArray("UTC");
+        QTest::newRow("Denver") << QByteArray("America/Denver");
+        // The rest needs no table of zones on the host.
+        QTest::newRow("Denver by rule") << QByteArray("MST7MDT,M3.2.0,M11.1.0");
+        QTest::newRow("daylight-saving time starts with the water year")
+            << QByteArray("AAA3BBB,J274/0,J90/0");
+        QTest::newRow("daylight-saving time starts on the water year's first noon")
+            << QByteArray("AAA-9BBB,J274/12,J90/3");
+        QTest::newRow("daylight-saving time ends with the water year")
+            << QByteArray("AAA3BBB,J90/0,J274/0");
+    }
+
+    void timeZoneDoesNotMatter()
+    {
+        QFETCH(QByteArray, zone);
+        const TimeZone timeZone(zone);
+
+        // From the water year's first hour on: a start that moves by an hour moves the years.
+        const QStringList hours = hourlyTimesteps(QDate(2010, 10, 1), 1, 8760 + 8784 + 1);
+        const Outcome whole = calculate(9, makeRun(QStringLiteral("hour"), hours));
+        QCOMPARE(whole.message, QString());
+        QCOMPARE(whole.map, QStringLiteral("1x8760 2x8784 3x1"));
+        QCOMPARE(
+            textOf(whole.run),
+            QStringLiteral("0|-1|2011-10-01T00:00:00.000Z|2012-10-01T00:00:00.000Z|year|1|2|-1|||"
+                           "-1|2011-9-30 24:00,2012-9-30 24:00"));
+
+        // A first timestep that ends at the end of the first day, and one an hour later.
+        const Outcome atLimit = calculate(9, makeRun(QStringLiteral("hour"), hours.mid(23)));
+        QCOMPARE(atLimit.map, QStringLiteral("1x8737 2x8784 3x1"));
+        const Outcome beyondLimit = calculate(9, makeRun(QStringLiteral("hour"), hours.mid(24)));
+        QCOMPARE(beyondLimit.map, QStringLiteral("0x8736 1x8784 2x1"));
+    }
+
+    void agreesWithSlowReference_data()
+    {
+        addColumns<QString, unsigned>("unit", "seed");
+        const std::pair<QString, unsigned> kSeries[] = {{QStringLiteral("month"), 25u},
+                                                        {QStringLiteral("week"), 200u},
+                                                        {QStringLiteral("day"), 25u},
+                                                        {QStringLiteral("hour"), 25u}};
+        for (const auto& [unit, count] : kSeries) {
+            for (unsigned seed = 1; seed <= count; ++seed)
+                QTest::newRow(qPrintable(QStringLiteral("%1 series %2").arg(unit).arg(seed)))
+                    << unit << seed;
+        }
+    }
+
+    void agreesWithSlowReference()
+    {
+        QFETCH(QString, unit);
+        QFETCH(unsigned, seed);
+        std::mt19937 random(seed);
+        const int endMonth = static_cast<int>(random() % 12) + 1;
+        const Series series = randomSeries(unit, endMonth, random);
+
+        const Outcome outcome = calculate(endMonth, makeRun(unit, series.texts));
+        const Outcome expected = reference(series, endMonth);
+        QCOMPARE(outcome.message, expected.message);
         QCOMPARE(outcome.map, expected.map);
-        QCOMPARE(textOf(outcome.run), textOf(expected.run));
+        QCOMPARE(outcome.run.timesteps, expected.run.timesteps);
+        QCOMPARE(outcome.run.timeStepCount, expected.run.timeStepCount);
     }
-}
-
-void AnnualTimestepsTest::fillsRunAndKeepsTraceAndComplete()
-{
-    HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 27));
-    input.trace = 1;
-    input.consecutive = 0;
-    input.slotSet = QStringLiteral("input slots");
-    input.ruleSet = QStringLiteral("input rules");
-    input.idxSequential = 2;
-
-    AnnualizeHts engine;
-    QCOMPARE(engine.setEndMonth(12).message, QString());
-    AnnualizeHts::ValueMap map;
-    HtsRun run = fullRun();
-    QCOMPARE(engine.calculateAnnualTimesteps(input, map, run).message, QString());
-    QCOMPARE(textOf(run),
-             QStringLiteral("1|7|2001-01-01T00:00:00.000Z|2002-01-01T00:00:00.000Z|year|1|2|0|"
-                            "input slots|input rules|2|2000-12-31 24:00,2001-12-31 24:00"));
-}
-
-void AnnualTimestepsTest::failureLeavesRunUnchanged_data()
-{
-    QTest::addColumn<QString>("unit");
-    QTest::addColumn<QStringList>("timesteps");
-    QTest::newRow("annual") << "year" << monthlyTimesteps(2000, 1, 24);
-    QTest::newRow("no complete year") << "month" << monthlyTimesteps(2000, 2, 20);
-    QTest::newRow("no timesteps") << "month" << QStringList();
-    QTest::newRow("invalid timestep after a complete year")
-        << "month" << monthlyTimesteps(2000, 1, 14) + QStringList{QStringLiteral("x")};
-}
-
-void AnnualTimestepsTest::failureLeavesRunUnchanged()
-{
-    QFETCH(QString, unit);
-    QFETCH(QStringList, timesteps);
-
-    AnnualizeHts engine;
-    QCOMPARE(engine.setEndMonth(12).message, QString());
-    AnnualizeHts::ValueMap map;
-    HtsRun run = fullRun();
-    const Status status = engine.calculateAnnualTimesteps(makeRun(unit, timesteps), map, run);
-    QVERIFY(!status.ok());
-    QVERIFY(!status.flag);
-    QCOMPARE(textOf(run), textOf(fullRun()));
-}
-
-void AnnualTimestepsTest::appendsToValueMap()
-{
-    AnnualizeHts engine;
-    QCOMPARE(engine.setEndMonth(12).message, QString());
-    AnnualizeHts::ValueMap map{5, 5};
-    HtsRun run;
-    const HtsRun input = makeRun(QStringLiteral("month"), monthlyTimesteps(2000, 1, 13));
-    QCOMPARE(engine.calculateAnnualTimesteps(input, map, run).message, QString());
-    QCOMPARE(engine.calculateAnnualTimesteps(input, map, run).message, QString());
-    QCOMPARE(textOf(map), QStringLiteral("5x2 1x12 2x1 1x12 2x1"));
-}
-
-void AnnualTimestepsTest::timeZoneDoesNotMatter_data()
-{
-    QTest::addColumn<QByteArray>("zone");
-    QTest::newRow("UTC") << QByteArray("UTC");
-    QTest::newRow("Denver") << QByteArray("America/Denver");
-    // The rest needs no table of zones on the host.
-    QTest::newRow("Denver by rule") << QByteArray("MST7MDT,M3.2.0,M11.1.0");
-    QTest::newRow("daylight-saving time starts with the water year")
-        << QByteArray("AAA3BBB,J274/0,J90/0");
-    QTest::newRow("daylight-saving time starts on the water year's first noon")
-        << QByteArray("AAA-9BBB,J274/12,J90/3");
-    QTest::newRow("daylight-saving time ends with the water year")
-        << QByteArray("AAA3BBB,J90/0,J274/0");
-}
-
-void AnnualTimestepsTest::timeZoneDoesNotMatter()
-{
-    QFETCH(QByteArray, zone);
-    const TimeZone timeZone(zone);
-
-    // From the water year's first hour on: a start that moves by an hour moves the years.
-    const QStringList hours = hourlyTimesteps(QDate(2010, 10, 1), 1, 8760 + 8784 + 1);
-    const Outcome whole = calculate(9, makeRun(QStringLiteral("hour"), hours));
-    QCOMPARE(whole.message, QString());
-    QCOMPARE(whole.map, QStringLiteral("1x8760 2x8784 3x1"));
-    QCOMPARE(textOf(whole.run),
-             QStringLiteral("0|-1|2011-10-01T00:00:00.000Z|2012-10-01T00:00:00.000Z|year|1|2|-1|||"
-                            "-1|2011-9-30 24:00,2012-9-30 24:00"));
-
-    // A first timestep that ends at the end of the first day, and one an hour later.
-    const Outcome atLimit = calculate(9, makeRun(QStringLiteral("hour"), hours.mid(23)));
-    QCOMPARE(atLimit.map, QStringLiteral("1x8737 2x8784 3x1"));
-    const Outcome beyondLimit = calculate(9, makeRun(QStringLiteral("hour"), hours.mid(24)));
-    QCOMPARE(beyondLimit.map, QStringLiteral("0x8736 1x8784 2x1"));
-}
-
-void AnnualTimestepsTest::agreesWithSlowReference_data()
-{
-    QTest::addColumn<QString>("unit");
-    QTest::addColumn<unsigned>("seed");
-    const std::pair<QString, unsigned> kSeries[] = {{QStringLiteral("month"), 25u},
-                                                    {QStringLiteral("week"), 200u},
-                                                    {QStringLiteral("day"), 25u},
-                                                    {QStringLiteral("hour"), 25u}};
-    for (const auto& [unit, count] : kSeries) {
-        for (unsigned seed = 1; seed <= count; ++seed)
-            QTest::newRow(qPrintable(QStringLiteral("%1 series %2").arg(unit).arg(seed)))
-                << unit << seed;
-    }
-}
-
-void AnnualTimestepsTest::agreesWithSlowReference()
-{
-    QFETCH(QString, unit);
-    QFETCH(unsigned, seed);
-    std::mt19937 random(seed);
-    const int endMonth = static_cast<int>(random() % 12) + 1;
-    const Series series = randomSeries(unit, endMonth, random);
-
-    const Outcome outcome = calculate(endMonth, makeRun(unit, series.texts));
-    const Outcome expected = reference(series, endMonth);
-    QCOMPARE(outcome.message, expected.message);
-    QCOMPARE(outcome.map, expected.map);
-    QCOMPARE(outcome.run.timesteps, expected.run.timesteps);
-    QCOMPARE(outcome.run.timeStepCount, expected.run.timeStepCount);
-}
+};
 
 HTS_TEST(AnnualTimestepsTest, QCoreApplication)
 

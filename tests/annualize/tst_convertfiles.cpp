@@ -17,63 +17,58 @@ class ConversionTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init()
+    {
+        m_folder.reset(new QTemporaryDir);
+        writeFile(path("good.hts"), inputText(12));
+        writeFile(path("bad.hts"), inputText(13));
+        writeFile(path("methods.txt"), "*.*: Sum\n");
+    }
+
     void cleanup() { m_folder.reset(); }
-    void resultIsOnlyFinishedAfterASuccess();
-    void settingsThatAreMissingAreTheReason();
+    void resultIsOnlyFinishedAfterASuccess()
+    {
+        for (const char* inputName : {"good.hts", "bad.hts"}) {
+            AnnualizeHts engine;
+            configure(engine);
+            CheckedFile input(path(inputName));
+            QVERIFY(input.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered));
+            CheckedFile output(path("result.hts"));
+            QVERIFY(output.open(QIODevice::WriteOnly | QIODevice::Text));
+            const bool isSuccess = convertFiles(engine, input, output).ok();
+            QCOMPARE(isSuccess, qstrcmp(inputName, "good.hts") == 0);
+            // While the file is still there to be closed by its owner.
+            QCOMPARE(output.isOpen(), !isSuccess);
+            QCOMPARE(fromTextMode(readFile(path("result.hts")))
+                         .endsWith("12.000000000000\nEND_COLUMN\nEND_SLOT\n"
+                                   "END_RUN\n"),
+                     isSuccess);
+        }
+    }
 
-private:
-    QString path(const char* name) const { return m_folder->filePath(QLatin1String(name)); }
-    void configure(AnnualizeHts& engine) const;
-
-    QScopedPointer<QTemporaryDir> m_folder;
-};
-
-void ConversionTest::init()
-{
-    m_folder.reset(new QTemporaryDir);
-    writeFile(path("good.hts"), inputText(12));
-    writeFile(path("bad.hts"), inputText(13));
-    writeFile(path("methods.txt"), "*.*: Sum\n");
-}
-
-void ConversionTest::configure(AnnualizeHts& engine) const
-{
-    QVERIFY(engine.setControlFile(path("methods.txt")).ok());
-    QVERIFY(engine.setEndMonth(12).ok());
-}
-
-void ConversionTest::resultIsOnlyFinishedAfterASuccess()
-{
-    for (const char* inputName : {"good.hts", "bad.hts"}) {
+    void settingsThatAreMissingAreTheReason()
+    {
         AnnualizeHts engine;
-        configure(engine);
-        CheckedFile input(path(inputName));
+        CheckedFile input(path("good.hts"));
         QVERIFY(input.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered));
         CheckedFile output(path("result.hts"));
         QVERIFY(output.open(QIODevice::WriteOnly | QIODevice::Text));
-        const bool isSuccess = convertFiles(engine, input, output).ok();
-        QCOMPARE(isSuccess, qstrcmp(inputName, "good.hts") == 0);
-        // While the file is still there to be closed by its owner.
-        QCOMPARE(output.isOpen(), !isSuccess);
-        QCOMPARE(fromTextMode(readFile(path("result.hts")))
-                     .endsWith("12.000000000000\nEND_COLUMN\nEND_SLOT\n"
-                               "END_RUN\n"),
-                 isSuccess);
+        QCOMPARE(
+            convertFiles(engine, input, output).message,
+            QStringLiteral("Input HTS file device, output annual file device, control file path, "
+                           "or end year month not set"));
     }
-}
 
-void ConversionTest::settingsThatAreMissingAreTheReason()
-{
-    AnnualizeHts engine;
-    CheckedFile input(path("good.hts"));
-    QVERIFY(input.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered));
-    CheckedFile output(path("result.hts"));
-    QVERIFY(output.open(QIODevice::WriteOnly | QIODevice::Text));
-    QCOMPARE(convertFiles(engine, input, output).message,
-             QStringLiteral("Input HTS file device, output annual file device, control file path, "
-                            "or end year month not set"));
-}
+private:
+    QString path(const char* name) const { return m_folder->filePath(QLatin1String(name)); }
+    void configure(AnnualizeHts& engine) const
+    {
+        QVERIFY(engine.setControlFile(path("methods.txt")).ok());
+        QVERIFY(engine.setEndMonth(12).ok());
+    }
+
+    QScopedPointer<QTemporaryDir> m_folder;
+};
 
 HTS_TEST(ConversionTest, QCoreApplication)
 #include "tst_convertfiles.moc"

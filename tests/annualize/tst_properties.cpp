@@ -20,6 +20,7 @@
 #include "annualize/annualizehts.h"
 #include "annualize/conversion.h"
 #include "hts/datetimetext.h"
+#include "tests/annualize/conversioncompare.h"
 #include "tests/annualize/randomcase.h"
 #include "tests/hts/packagecompare.h"
 #include "tests/support/hostsystem.h"
@@ -262,322 +263,304 @@ class PropertiesTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void valueMapFollowsCalendar();
-    void aggregatesFollowTheirWords();
-    void sumsAreAsExactAsSummingAllows();
-    void conversionGivesEachSlotItsAggregate();
-    void packageSurvivesFile();
-    void resultSurvivesFile();
-    void lineEndsDoNotMatter();
-    void orderOfSlotsDoesNotMatter();
-    void runsDoNotMatterToEachOther();
+    void initTestCase()
+    {
+        QVERIFY(m_folder.isValid());
+        QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
+    }
+
+    void valueMapFollowsCalendar()
+    {
+        const auto property = [](const RandomTiming& timing) -> QString {
+            HtsRun input;
+            input.timeStepUnit = QString::fromLatin1(timing.unit);
+            for (const QByteArray& text : timing.stepTexts)
+                input.timesteps.append(QString::fromLatin1(text));
+            input.timeStepCount = input.timesteps.size();
+            input.start = textToDateTime(input.timesteps.first());
+            AnnualizeHts engine;
+            static_cast<void>(engine.setEndMonth(timing.endMonth));
+            AnnualizeHts::ValueMap map;
+            HtsRun annual;
+            const Status status = engine.calculateAnnualTimesteps(input, map, annual);
+
+            const Years years = yearsOf(timing);
+            const auto [actual, expected] =
+                std::mismatch(map.begin(), map.end(), years.map.begin(), years.map.end());
+            if (actual != map.end() || expected != years.map.end())
+                return QStringLiteral("map entry %1").arg(actual - map.begin());
+            if (status.ok() != (years.count >= 1))
+                return QStringLiteral("%1 complete years, but ").arg(years.count) + status.message;
+            QByteArrayList lastSteps;
+            for (const QString& text : qAsConst(annual.timesteps))
+                lastSteps.append(text.toLatin1());
+            if (status.ok() && lastSteps != years.lastSteps)
+                return QString::fromLatin1(lastSteps.join(", "));
+            return {};
+        };
+        tryAll<RandomTiming>(property, 10);
+    }
+
+    void aggregatesFollowTheirWords()
+    {
+        tryAll<RandomCase>([](const RandomCase& conversion) {
+            const Years years = yearsOf(conversion);
+            AggValues agg;
+            return checkSeries(conversion, [&](const Numbers& values) -> QString {
+                QString message;
+                if (!agg.aggregate(values, years.map, std::max(0, years.count), message))
+                    return message;
+                for (const AggMethod& method : aggMethods()) {
+                    if (!method.isSupported())
+                        continue;
+                    Numbers expected;
+                    for (const Numbers& year : splitByYear(values, years))
+                        expected.push_back(aggregateOf(method.word.toLatin1(), year));
+                    const QString fault = numberDifference(agg.results(method), expected);
+                    if (!fault.isEmpty())
+                        return method.word + QLatin1String(", ") + fault;
+                }
+                return {};
+            });
+        });
+    }
+
+    void sumsAreAsExactAsSummingAllows()
+    {
+        tryAll<RandomCase>([](const RandomCase& conversion) {
+            const Years years = yearsOf(conversion);
+            AggValues agg;
+            return checkSeries(conversion, [&](const Numbers& values) -> QString {
+                QString message;
+                if (!agg.aggregate(values, years.map, std::max(0, years.count), message))
+                    return message;
+                const std::vector<Numbers> parts = splitByYear(values, years);
+                const Numbers sums = agg.results(*findMethod(QStringLiteral("SumNaN")));
+                const Numbers averages = agg.results(*findMethod(QStringLiteral("AverageNaN")));
+                for (std::size_t year = 0; year < parts.size(); ++year) {
+                    const QString fault = sumFault(parts[year], sums[year], averages[year]);
+                    if (!fault.isEmpty())
+                        return QStringLiteral("year %1: ").arg(year) + fault;
+                }
+                return {};
+            });
+        });
+    }
+
+    void conversionGivesEachSlotItsAggregate()
+    {
+        tryConversions([this](const RandomCase& conversion) -> QString {
+            HtsPackage output;
+            const QString message = convert(conversion, conversion.fileText(), output);
+            if (!message.isEmpty())
+                return message;
+            const Years years = yearsOf(conversion);
+            const auto isAnnualized = [](const RandomSlot& slot) { return slot.isAnnualized(); };
+            if (output.numSlots() !=
+                std::count_if(conversion.series.begin(), conversion.series.end(), isAnnualized))
+                return QStringLiteral("number of slots");
+            std::size_t annualized = 0;
+            for (const RandomSlot& slot : conversion.series) {
+                for (std::size_t run = 0; slot.isAnnualized() && run < slot.numbers.size(); ++run) {
+                    Numbers expected;
+                    for (const Numbers& year : splitByYear(slot.numbers[run], years))
+                        expected.push_back(aggregateOf(slot.method, year));
+                    const auto& actual = output.values[run].at(annualized).at(0);
+                    const QString fault = numberDifference(actual, expected);
+                    if (!fault.isEmpty())
+                        return QString::fromLatin1(slot.slotName) + QLatin1String(", ") + fault;
+                }
+                annualized += slot.isAnnualized() ? 1U : 0U;
+            }
+            return {};
+        });
+    }
+
+    void packageSurvivesFile()
+    {
+        tryAll<RandomCase>([](const RandomCase& conversion) -> QString {
+            // A table is written without its end, so that it can't be read again.
+            std::vector<int> readable = conversion.allSlots();
+            const auto isTable = [&](int slot) {
+                return conversion.series[static_cast<std::size_t>(slot)].kind == "TableSlot";
+            };
+            readable.erase(std::remove_if(readable.begin(), readable.end(), isTable),
+                           readable.end());
+            HtsPackage first;
+            const QString message =
+                read(conversion.fileText(conversion.allRuns(), readable), first);
+            if (!message.isEmpty())
+                return message;
+            // The only thing that a file can't contain.
+            for (auto& run : first.values) {
+                for (auto& slot : run)
+                    std::replace_if(
+                        slot.front().begin(), slot.front().end(),
+                        [](double value) { return std::isinf(value); },
+                        std::numeric_limits<double>::quiet_NaN());
+            }
+            const QByteArray firstText = written(first);
+            HtsPackage second;
+            const QString secondMessage = read(firstText, second);
+            if (!secondMessage.isEmpty())
+                return secondMessage;
+            const QString fault = difference(first, second);
+            if (!fault.isEmpty())
+                return fault;
+            return written(second) == firstText ? QString()
+                                                : QStringLiteral("the text has changed");
+        });
+    }
+
+    void resultSurvivesFile()
+    {
+        tryConversions([this](const RandomCase& conversion) -> QString {
+            const QByteArray firstText = convertFile(conversion, conversion.fileText());
+            HtsPackage first;
+            QString message = read(firstText, first);
+            if (!message.isEmpty())
+                return message;
+            const QByteArray secondText = written(first);
+            if (secondText != withoutSignsOfZero(firstText))
+                return QStringLiteral("the text has changed");
+            HtsPackage second;
+            message = read(withoutSignsOfZero(firstText), second);
+            return message.isEmpty() && written(second) == secondText ? QString()
+                                                                      : QStringLiteral("again");
+        });
+    }
+
+    void lineEndsDoNotMatter()
+    {
+        tryConversions([this](const RandomCase& conversion) -> QString {
+            const QByteArray text = conversion.fileText();
+            const QByteArray result = convertFile(conversion, text);
+            if (!result.startsWith("name:by chance\n"))
+                return QString::fromUtf8(result);
+            const QByteArray twin = QByteArray(text).replace("\n", "\r\n");
+            return convertFile(conversion, twin) == result ? QString()
+                                                           : QStringLiteral("another result");
+        });
+    }
+
+    void orderOfSlotsDoesNotMatter()
+    {
+        tryConversions([this](const RandomCase& conversion) -> QString {
+            HtsPackage inOrder;
+            HtsPackage shuffled;
+            const QString message =
+                convert(conversion, conversion.fileText(), inOrder) +
+                convert(conversion,
+                        conversion.fileText(conversion.allRuns(), conversion.shuffledSlots),
+                        shuffled);
+            if (!message.isEmpty())
+                return message;
+            const auto expected = slotsByName(inOrder);
+            const auto actual = slotsByName(shuffled);
+            if (expected.size() != actual.size() || expected.size() != inOrder.numSlots())
+                return QStringLiteral("number of slots");
+            for (auto slot = expected.begin(); slot != expected.end(); ++slot) {
+                const QString fault = slotDifference(slot.value(), actual.value(slot.key()));
+                if (!fault.isEmpty())
+                    return slot.key() + QLatin1String(": ") + fault;
+            }
+            return {};
+        });
+    }
+
+    void runsDoNotMatterToEachOther()
+    {
+        tryConversions([this](const RandomCase& conversion) -> QString {
+            HtsPackage together;
+            QString message = convert(conversion, conversion.fileText(), together);
+            for (int run = 0; message.isEmpty() && run < conversion.runCount; ++run) {
+                HtsPackage alone;
+                message =
+                    convert(conversion, conversion.fileText({run}, conversion.allSlots()), alone);
+                if (!message.isEmpty())
+                    break;
+                const auto index = static_cast<std::size_t>(run);
+                message = difference(together.run(run), alone.run(0));
+                HtsPackage part = alone;
+                part.values = {together.values[index]};
+                if (message.isEmpty())
+                    message = difference(part, alone);
+            }
+            return message;
+        });
+    }
 
 private:
     // Tries the property, which returns what is wrong, on `factor` times as many cases as usual.
     template<typename Case, typename Property>
-    static void tryAll(const Property& property, int factor = 1);
+    static void tryAll(const Property& property, int factor = 1)
+    {
+        bool isSet = false;
+        const int wanted = qEnvironmentVariableIntValue("HTS_PROPERTY_CASES", &isSet);
+        const int cases = factor * (isSet ? std::max(1, wanted) : kUsualCases);
+        for (int seed = 1; seed <= cases; ++seed) {
+            const Case tried(static_cast<quint32>(seed));
+            const QString fault = property(tried);
+            QVERIFY2(fault.isEmpty(),
+                     qPrintable(tried.description() + QLatin1String(": ") + fault));
+        }
+    }
+
     // The same on those with a complete year and an annualized slot, most of them.
     template<typename Property>
-    void tryConversions(const Property& property);
+    void tryConversions(const Property& property)
+    {
+        int tried = 0;
+        int all = 0;
+        tryAll<RandomCase>([&](const RandomCase& conversion) -> QString {
+            ++all;
+            const bool hasSlot =
+                std::any_of(conversion.series.begin(), conversion.series.end(),
+                            [](const RandomSlot& slot) { return slot.isAnnualized(); });
+            if (!hasSlot || yearsOf(conversion).count < 1)
+                return {};
+            ++tried;
+            writeFile(controlPath(), conversion.controlText());
+            return property(conversion);
+        });
+        if (!QTest::currentTestFailed())
+            QVERIFY2(2 * tried >= all, qPrintable(QStringLiteral("%1 of %2").arg(tried).arg(all)));
+    }
 
     // Converts from memory to memory. Returns the message.
-    QString convert(const RandomCase& conversion, const QByteArray& file, HtsPackage& output);
+    QString convert(const RandomCase& conversion, const QByteArray& file, HtsPackage& output)
+    {
+        QBuffer source;
+        source.setData(file);
+        source.open(QIODevice::ReadOnly);
+        Conversion engine([this] { return readControlFile(controlPath()); }, conversion.endMonth);
+        Status status = readConversion(source, engine);
+        if (status.ok())
+            status = engine.report();
+        output = engine.annualPackage();
+        return status.message;
+    }
+
     // Converts from file to file, as the front ends do. Returns the result or the message.
-    QByteArray convertFile(const RandomCase& conversion, const QByteArray& file);
+    QByteArray convertFile(const RandomCase& conversion, const QByteArray& file)
+    {
+        const QString inputPath = m_folder.filePath(QStringLiteral("input.hts"));
+        const QString resultPath = m_folder.filePath(QStringLiteral("result.hts"));
+        writeFile(inputPath, file);
+        QFile source(inputPath);
+        QFile result(resultPath);
+        if (!source.open(QIODevice::ReadOnly | QIODevice::Text) ||
+            !result.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Truncate))
+            qFatal("cannot open the files");
+        const Status status = convertDevices(source, controlPath(), result, conversion.endMonth);
+        result.close();
+        return status.ok() ? fromTextMode(readFile(resultPath)) : status.message.toUtf8();
+    }
+
     QString controlPath() const { return m_folder.filePath(QStringLiteral("methods.txt")); }
 
     QTemporaryDir m_folder;
 };
-
-void PropertiesTest::initTestCase()
-{
-    QVERIFY(m_folder.isValid());
-    QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
-}
-
-template<typename Case, typename Property>
-void PropertiesTest::tryAll(const Property& property, int factor)
-{
-    bool isSet = false;
-    const int wanted = qEnvironmentVariableIntValue("HTS_PROPERTY_CASES", &isSet);
-    const int cases = factor * (isSet ? std::max(1, wanted) : kUsualCases);
-    for (int seed = 1; seed <= cases; ++seed) {
-        const Case tried(static_cast<quint32>(seed));
-        const QString fault = property(tried);
-        QVERIFY2(fault.isEmpty(), qPrintable(tried.description() + QLatin1String(": ") + fault));
-    }
-}
-
-template<typename Property>
-void PropertiesTest::tryConversions(const Property& property)
-{
-    int tried = 0;
-    int all = 0;
-    tryAll<RandomCase>([&](const RandomCase& conversion) -> QString {
-        ++all;
-        const bool hasSlot =
-            std::any_of(conversion.series.begin(), conversion.series.end(),
-                        [](const RandomSlot& slot) { return slot.isAnnualized(); });
-        if (!hasSlot || yearsOf(conversion).count < 1)
-            return {};
-        ++tried;
-        writeFile(controlPath(), conversion.controlText());
-        return property(conversion);
-    });
-    if (!QTest::currentTestFailed())
-        QVERIFY2(2 * tried >= all, qPrintable(QStringLiteral("%1 of %2").arg(tried).arg(all)));
-}
-
-QString PropertiesTest::convert(const RandomCase& conversion, const QByteArray& file,
-                                HtsPackage& output)
-{
-    QBuffer source;
-    source.setData(file);
-    source.open(QIODevice::ReadOnly);
-    Conversion engine([this] { return readControlFile(controlPath()); }, conversion.endMonth);
-    Status status = readConversion(source, engine);
-    if (status.ok())
-        status = engine.report();
-    output = engine.annualPackage();
-    return status.message;
-}
-
-QByteArray PropertiesTest::convertFile(const RandomCase& conversion, const QByteArray& file)
-{
-    const QString inputPath = m_folder.filePath(QStringLiteral("input.hts"));
-    const QString resultPath = m_folder.filePath(QStringLiteral("result.hts"));
-    writeFile(inputPath, file);
-    QFile source(inputPath);
-    QFile result(resultPath);
-    if (!source.open(QIODevice::ReadOnly | QIODevice::Text) ||
-        !result.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Truncate))
-        qFatal("cannot open the files");
-    AnnualizeHts engine;
-    static_cast<void>(engine.setSourceDevice(&source));
-    static_cast<void>(engine.setControlFile(controlPath()));
-    static_cast<void>(engine.setResultDevice(&result));
-    static_cast<void>(engine.setEndMonth(conversion.endMonth));
-    const Status status = engine.annualize();
-    result.close();
-    return status.ok() ? fromTextMode(readFile(resultPath)) : status.message.toUtf8();
-}
-
-void PropertiesTest::valueMapFollowsCalendar()
-{
-    const auto property = [](const RandomTiming& timing) -> QString {
-        HtsRun input;
-        input.timeStepUnit = QString::fromLatin1(timing.unit);
-        for (const QByteArray& text : timing.stepTexts)
-            input.timesteps.append(QString::fromLatin1(text));
-        input.timeStepCount = input.timesteps.size();
-        input.start = textToDateTime(input.timesteps.first());
-        AnnualizeHts engine;
-        static_cast<void>(engine.setEndMonth(timing.endMonth));
-        AnnualizeHts::ValueMap map;
-        HtsRun annual;
-        const Status status = engine.calculateAnnualTimesteps(input, map, annual);
-
-        const Years years = yearsOf(timing);
-        const auto [actual, expected] =
-            std::mismatch(map.begin(), map.end(), years.map.begin(), years.map.end());
-        if (actual != map.end() || expected != years.map.end())
-            return QStringLiteral("map entry %1").arg(actual - map.begin());
-        if (status.ok() != (years.count >= 1))
-            return QStringLiteral("%1 complete years, but ").arg(years.count) + status.message;
-        QByteArrayList lastSteps;
-        for (const QString& text : qAsConst(annual.timesteps))
-            lastSteps.append(text.toLatin1());
-        if (status.ok() && lastSteps != years.lastSteps)
-            return QString::fromLatin1(lastSteps.join(", "));
-        return {};
-    };
-    tryAll<RandomTiming>(property, 10);
-}
-
-void PropertiesTest::aggregatesFollowTheirWords()
-{
-    tryAll<RandomCase>([](const RandomCase& conversion) {
-        const Years years = yearsOf(conversion);
-        AggValues agg;
-        return checkSeries(conversion, [&](const Numbers& values) -> QString {
-            QString message;
-            if (!agg.aggregate(values, years.map, std::max(0, years.count), message))
-                return message;
-            for (const AggMethod& method : aggMethods()) {
-                if (!method.isSupported())
-                    continue;
-                Numbers expected;
-                for (const Numbers& year : splitByYear(values, years))
-                    expected.push_back(aggregateOf(method.word.toLatin1(), year));
-                const QString fault = numberDifference(agg.results(method), expected);
-                if (!fault.isEmpty())
-                    return method.word + QLatin1String(", ") + fault;
-            }
-            return {};
-        });
-    });
-}
-
-void PropertiesTest::sumsAreAsExactAsSummingAllows()
-{
-    tryAll<RandomCase>([](const RandomCase& conversion) {
-        const Years years = yearsOf(conversion);
-        AggValues agg;
-        return checkSeries(conversion, [&](const Numbers& values) -> QString {
-            QString message;
-            if (!agg.aggregate(values, years.map, std::max(0, years.count), message))
-                return message;
-            const std::vector<Numbers> parts = splitByYear(values, years);
-            const Numbers sums = agg.results(*findMethod(QStringLiteral("SumNaN")));
-            const Numbers averages = agg.results(*findMethod(QStringLiteral("AverageNaN")));
-            for (std::size_t year = 0; year < parts.size(); ++year) {
-                const QString fault = sumFault(parts[year], sums[year], averages[year]);
-                if (!fault.isEmpty())
-                    return QStringLiteral("year %1: ").arg(year) + fault;
-            }
-            return {};
-        });
-    });
-}
-
-void PropertiesTest::conversionGivesEachSlotItsAggregate()
-{
-    tryConversions([this](const RandomCase& conversion) -> QString {
-        HtsPackage output;
-        const QString message = convert(conversion, conversion.fileText(), output);
-        if (!message.isEmpty())
-            return message;
-        const Years years = yearsOf(conversion);
-        const auto isAnnualized = [](const RandomSlot& slot) { return slot.isAnnualized(); };
-        if (output.numSlots() !=
-            std::count_if(conversion.series.begin(), conversion.series.end(), isAnnualized))
-            return QStringLiteral("number of slots");
-        std::size_t annualized = 0;
-        for (const RandomSlot& slot : conversion.series) {
-            for (std::size_t run = 0; slot.isAnnualized() && run < slot.numbers.size(); ++run) {
-                Numbers expected;
-                for (const Numbers& year : splitByYear(slot.numbers[run], years))
-                    expected.push_back(aggregateOf(slot.method, year));
-                const auto& actual = output.values[run].at(annualized).at(0);
-                const QString fault = numberDifference(actual, expected);
-                if (!fault.isEmpty())
-                    return QString::fromLatin1(slot.slotName) + QLatin1String(", ") + fault;
-            }
-            annualized += slot.isAnnualized() ? 1U : 0U;
-        }
-        return {};
-    });
-}
-
-void PropertiesTest::packageSurvivesFile()
-{
-    tryAll<RandomCase>([](const RandomCase& conversion) -> QString {
-        // A table is written without its end, so that it can't be read again.
-        std::vector<int> readable = conversion.allSlots();
-        const auto isTable = [&](int slot) {
-            return conversion.series[static_cast<std::size_t>(slot)].kind == "TableSlot";
-        };
-        readable.erase(std::remove_if(readable.begin(), readable.end(), isTable), readable.end());
-        HtsPackage first;
-        const QString message = read(conversion.fileText(conversion.allRuns(), readable), first);
-        if (!message.isEmpty())
-            return message;
-        // The only thing that a file can't contain.
-        for (auto& run : first.values) {
-            for (auto& slot : run)
-                std::replace_if(
-                    slot.front().begin(), slot.front().end(),
-                    [](double value) { return std::isinf(value); },
-                    std::numeric_limits<double>::quiet_NaN());
-        }
-        const QByteArray firstText = written(first);
-        HtsPackage second;
-        const QString secondMessage = read(firstText, second);
-        if (!secondMessage.isEmpty())
-            return secondMessage;
-        const QString fault = difference(first, second);
-        if (!fault.isEmpty())
-            return fault;
-        return written(second) == firstText ? QString() : QStringLiteral("the text has changed");
-    });
-}
-
-void PropertiesTest::resultSurvivesFile()
-{
-    tryConversions([this](const RandomCase& conversion) -> QString {
-        const QByteArray firstText = convertFile(conversion, conversion.fileText());
-        HtsPackage first;
-        QString message = read(firstText, first);
-        if (!message.isEmpty())
-            return message;
-        const QByteArray secondText = written(first);
-        if (secondText != withoutSignsOfZero(firstText))
-            return QStringLiteral("the text has changed");
-        HtsPackage second;
-        message = read(withoutSignsOfZero(firstText), second);
-        return message.isEmpty() && written(second) == secondText ? QString()
-                                                                  : QStringLiteral("again");
-    });
-}
-
-void PropertiesTest::lineEndsDoNotMatter()
-{
-    tryConversions([this](const RandomCase& conversion) -> QString {
-        const QByteArray text = conversion.fileText();
-        const QByteArray result = convertFile(conversion, text);
-        if (!result.startsWith("name:by chance\n"))
-            return QString::fromUtf8(result);
-        const QByteArray twin = QByteArray(text).replace("\n", "\r\n");
-        return convertFile(conversion, twin) == result ? QString()
-                                                       : QStringLiteral("another result");
-    });
-}
-
-void PropertiesTest::orderOfSlotsDoesNotMatter()
-{
-    tryConversions([this](const RandomCase& conversion) -> QString {
-        HtsPackage inOrder;
-        HtsPackage shuffled;
-        const QString message =
-            convert(conversion, conversion.fileText(), inOrder) +
-            convert(conversion, conversion.fileText(conversion.allRuns(), conversion.shuffledSlots),
-                    shuffled);
-        if (!message.isEmpty())
-            return message;
-        const auto expected = slotsByName(inOrder);
-        const auto actual = slotsByName(shuffled);
-        if (expected.size() != actual.size() || expected.size() != inOrder.numSlots())
-            return QStringLiteral("number of slots");
-        for (auto slot = expected.begin(); slot != expected.end(); ++slot) {
-            const QString fault = slotDifference(slot.value(), actual.value(slot.key()));
-            if (!fault.isEmpty())
-                return slot.key() + QLatin1String(": ") + fault;
-        }
-        return {};
-    });
-}
-
-void PropertiesTest::runsDoNotMatterToEachOther()
-{
-    tryConversions([this](const RandomCase& conversion) -> QString {
-        HtsPackage together;
-        QString message = convert(conversion, conversion.fileText(), together);
-        for (int run = 0; message.isEmpty() && run < conversion.runCount; ++run) {
-            HtsPackage alone;
-            message = convert(conversion, conversion.fileText({run}, conversion.allSlots()), alone);
-            if (!message.isEmpty())
-                break;
-            const auto index = static_cast<std::size_t>(run);
-            message = difference(together.run(run), alone.run(0));
-            HtsPackage part = alone;
-            part.values = {together.values[index]};
-            if (message.isEmpty())
-                message = difference(part, alone);
-        }
-        return message;
-    });
-}
 
 HTS_TEST(PropertiesTest, QCoreApplication)
 

@@ -2,9 +2,7 @@
 // cut HTS file never makes a result: its runs end with a line that is then missing. The only
 // exception is a cut in the lines of a table, where the reader keeps searching for "END_SLOT".
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
+#include <memory>
 
 #include <QBuffer>
 #include <QFile>
@@ -13,30 +11,28 @@
 #include <QVector>
 #include <QtTest>
 
-#include "annualize/annualizehts.h"
-#include "hts/htspackage.h"
-#include "tests/annualize/seriestext.h"
+#include "tests/annualize/conversioncompare.h"
+#include "tests/hts/htstext.h"
+#include "tests/hts/piecedevice.h"
 #include "tests/support/hostsystem.h"
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
 
-// What a line is for the reader.
-enum class Kind {
+// What a line is for the reader: where a cut in it is.
+enum class Place {
     PackagePreamble,
     RunPreamble,
     Timestep,
     SlotPreamble,
-    TablePreamble,
-    Units,
-    Scale,
+    BeforeScale,
+    InScale,
     Method,
-    Value,
-    ColumnEnd,
-    SlotEnd,
-    TableRow,
-    TableEnd,
+    InValue,
+    BeforeValue,
+    AfterValues,
+    Table,
     RunEnd,
     PastEnd // after the last run
 };
@@ -44,15 +40,15 @@ enum class Kind {
 struct Line
 {
     QByteArray text;
-    Kind kind;
+    Place place;
 };
 using Lines = QVector<Line>;
 
 constexpr int kRuns = 2;
 constexpr int kSteps = 25;
 constexpr int kSlots = 5;
-constexpr int kTable = 3; // the slot that is a table
-const QByteArray kEndSlotPreamble = "END_SLOT_PREAMBLE";
+constexpr int kPatience = 2000; // empty reads, more than a whole file has lines
+constexpr int kTable = 3;       // the slot that is a table
 const QByteArray kScale = "scale: ";
 
 // Value lines of a run and slot, separated by blanks; "5*3" means three lines with a 5.
@@ -63,65 +59,56 @@ const char* const kValueTexts[kRuns][kSlots] = {
 
 QByteArrayList valueTexts(int run, int slot)
 {
-    QByteArrayList texts;
+    QByteArrayList lines;
     for (const QByteArray& word : QByteArray(kValueTexts[run][slot]).split(' ')) {
         const QByteArrayList parts = word.split('*');
         for (int times = parts.size() == 2 ? parts.at(1).toInt() : 1; times > 0; --times)
-            texts.append(parts.first());
+            lines.append(parts.first());
     }
-    return texts;
+    return lines;
 }
 
-void add(Lines& lines, Kind kind, const QByteArray& texts)
+void add(Lines& lines, Place place, const QByteArray& joined)
 {
-    for (const QByteArray& text : texts.split('\n'))
-        lines.append({text, kind});
+    for (const QByteArray& text : joined.split('\n'))
+        lines.append({text, place});
 }
 
 void addSlot(Lines& lines, int run, int slot)
 {
-    static const char* const kNames[kSlots] = {
-        "object_type: Reservoir\nobject_name: A\nslot_type: SeriesSlot\nslot_name: Flow",
-        "object_type: Reservoir\nobject_name: A\nslot_name: Level",
-        "object_type: Reservoir\nobject_name: A\nslot_type: ScalarSlot\nslot_name: Volume",
-        ("object_type: Reservoir\nobject_name: A\nslot_type: TableSlot\nslot_name: Curve\n"
-         "rows: 2\ncols: 2"),
-        "object_type: Gauge\nobject_name: B\nslot_type: SeriesSlot\nslot_name: Flow"};
+    static const QByteArray kPreambles[kSlots] = {
+        slotPreamble("A.Flow"), slotPreamble("A.Level", ""), slotPreamble("A.Volume", "ScalarSlot"),
+        slotPreamble("A.Curve", "TableSlot"), slotPreamble("Gauge/B.Flow")};
+    add(lines, Place::SlotPreamble, kPreambles[slot].chopped(1));
     if (slot == kTable) {
-        add(lines, Kind::TablePreamble, kNames[slot] + ('\n' + kEndSlotPreamble));
-        add(lines, Kind::TableRow, "1 2\n3 4\nunits: m");
-        add(lines, Kind::TableEnd, "END_SLOT");
+        add(lines, Place::Table, "1 2\n3 4\nunits: m\nEND_SLOT");
         return;
     }
-    add(lines, Kind::SlotPreamble, kNames[slot] + ('\n' + kEndSlotPreamble));
-    add(lines, Kind::Units, "units: cms");
-    add(lines, Kind::Scale, kScale + "0.25");
+    add(lines, Place::BeforeScale, "units: cms");
+    add(lines, Place::InScale, kScale + "0.25");
     if (slot == 0)
-        add(lines, Kind::Method, "method: mean");
-    add(lines, Kind::Value, valueTexts(run, slot).join('\n'));
-    add(lines, Kind::ColumnEnd, "END_COLUMN");
-    add(lines, Kind::SlotEnd, "END_SLOT");
+        add(lines, Place::Method, "method: mean");
+    add(lines, Place::InValue, valueTexts(run, slot).join('\n'));
+    add(lines, Place::AfterValues, "END_COLUMN\nEND_SLOT");
 }
 
 // A file with everything that a file can have, and text after its last run.
 Lines wholeFile()
 {
     Lines lines;
-    add(lines, Kind::PackagePreamble,
-        "name:Basin study\nowner:planning\ndescription:monthly flows\n"
-        "create_date:2015-3-31 24:00\nnumber_of_runs:2\nEND_PACKAGE_PREAMBLE");
+    add(lines, Place::PackagePreamble, packageText(kRuns).chopped(1));
     for (int run = 0; run < kRuns; ++run) {
-        add(lines, Kind::RunPreamble,
-            "trace:1\nstart:2000-1-31 24:00\nend:2002-1-31 24:00\ntime_step_unit:month\n"
-            "unit_quantity:1\ntime_steps:25\nconsecutive:1\nslot_set:all\nrule_set:none\n"
-            "idx_sequential:4\nEND_RUN_PREAMBLE");
         const QStringList timesteps = monthlyTimesteps(2000, 1, kSteps);
-        add(lines, Kind::Timestep, timesteps.join(QLatin1Char('\n')).toLatin1());
+        const QByteArray head =
+            runHead(timesteps, "month", "trace:1\nslot_set:all\nrule_set:none\n");
+        const int steps = head.indexOf("END_RUN_PREAMBLE\n") + 17;
+        add(lines, Place::RunPreamble, head.left(steps - 1));
+        add(lines, Place::Timestep, head.mid(steps).chopped(1));
         for (int slot = 0; slot < kSlots; ++slot)
             addSlot(lines, run, slot);
-        add(lines, Kind::RunEnd, "END_RUN");
+        add(lines, Place::RunEnd, "END_RUN");
     }
-    add(lines, Kind::PastEnd, "number_of_runs:3\n");
+    add(lines, Place::PastEnd, "number_of_runs:3\n");
     return lines;
 }
 
@@ -164,13 +151,8 @@ struct CutClass
     const char* message; // of the conversion; null: it never ends
 };
 
-const char kBadPackagePreamble[] = "Cannot read package preamble";
-const char kBadRunPreamble[] = "Cannot read run preamble";
-const char kBadSlotPreamble[] = "Cannot read slot preamble";
-const char kBadColumnHeader[] = "Cannot read HTS file: Missing units or scale";
-
-// In all classes with kBadSlotPreamble what is missing reads as empty lines, thus as values of 0,
-// up to the place where the next slot or the end of the run must be.
+// By Place. In all classes with kBadSlotPreamble what is missing reads as empty lines, thus as
+// values of 0, up to the place where the next slot or the end of the run must be.
 const CutClass kClasses[] = {
     {"in the package preamble", kBadPackagePreamble},
     {"in a run preamble", kBadRunPreamble},
@@ -189,194 +171,57 @@ const CutClass kClasses[] = {
 
 int classOf(const Lines& lines, const Cut& cut)
 {
-    switch (cut.line == lines.size() ? Kind::PastEnd : lines.at(cut.line).kind) {
-    case Kind::PackagePreamble:
-        return 0;
-    case Kind::RunPreamble:
-        return 1;
-    case Kind::Timestep:
-        return 2;
-    case Kind::SlotPreamble:
-    case Kind::TablePreamble:
-        return 3;
-    case Kind::Units:
-        return 4;
-    case Kind::Scale:
-        return cut.left.size() <= kScale.size() ? 4 : 5;
-    case Kind::Method:
-        return 6;
-    case Kind::Value:
-        return cut.left.isEmpty() ? 8 : 7;
-    case Kind::ColumnEnd:
-    case Kind::SlotEnd:
-        return 9;
-    case Kind::TableRow:
-    case Kind::TableEnd:
-        return 10;
-    case Kind::RunEnd:
-        return 11;
-    case Kind::PastEnd:
-        return 12;
-    }
-    return -1;
-}
-
-// The number of a value line, or of what is left of one.
-double numberOf(const QByteArray& text)
-{
-    static const QHash<QByteArray, double> kNumbers = {
-        {"", 0},      {"N", 0},       {"Na", 0},        {"NaN", std::nan("")}, {"-", 0},
-        {"-1", -1},   {"-12", -12},   {"-12.", -12},    {"-12.5", -12.5},      {"-0", 0},
-        {"-0.", 0},   {"-0.1", -0.1}, {"-0.12", -0.12}, {"-0.125", -0.125},    {"0.", 0},
-        {"0.5", 0.5}, {"7.", 7},      {"7.2", 7.2},     {"7.25", 7.25},        {"1e", 0},
-        {"1e1", 10},  {"1e2", 100},   {"2e", 0},        {"2e3", 2000},         {"-4", -4},
-        {"-42", -42}};
-    const auto known = kNumbers.constFind(text);
-    if (known != kNumbers.constEnd())
-        return *known;
-    double number = 0;
-    for (const char digit : text) {
-        if (digit < '0' || digit > '9')
-            qFatal("no number for %s", text.constData());
-        number = number * 10 + (digit - '0');
-    }
-    return number;
-}
-
-bool areSame(const HtsColumn& left, const HtsColumn& right)
-{
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](double l, double r) {
-        return (std::isnan(l) && std::isnan(r)) || (l <= r && l >= r);
-    });
-}
-
-// Where `values` is not `expected`, such as "run 1 slot 0"; empty when it is.
-QString difference(const HtsValues& values, const HtsValues& expected)
-{
-    if (values.size() != expected.size())
-        return QStringLiteral("%1 runs").arg(values.size());
-    for (std::size_t run = 0; run < values.size(); ++run) {
-        if (values[run].size() != expected[run].size())
-            return QStringLiteral("%1 slots in run %2").arg(values[run].size()).arg(run);
-        for (std::size_t slot = 0; slot < values[run].size(); ++slot) {
-            const auto& columns = values[run][slot];
-            const auto& expectedColumns = expected[run][slot];
-            if (!std::equal(columns.begin(), columns.end(), expectedColumns.begin(),
-                            expectedColumns.end(), areSame))
-                return QStringLiteral("run %1 slot %2").arg(run).arg(slot);
-        }
-    }
-    return {};
-}
-
-// The values that the reader takes from a file cut at `cut`, by the lines that are left.
-HtsValues valuesLeft(const Lines& lines, const Cut& cut)
-{
-    HtsValues values;
-    std::size_t row = 0;
-    for (int i = 0; i <= cut.line && i < lines.size(); ++i) {
-        const bool isWhole = i < cut.line;
-        const QByteArray text = isWhole ? lines.at(i).text : cut.left;
-        const Kind kind = lines.at(i).kind;
-        if (kind == Kind::RunPreamble && (i == 0 || lines.at(i - 1).kind != kind))
-            values.emplace_back();
-        if (isWhole && text == kEndSlotPreamble)
-            values.back().emplace_back(kind == Kind::TablePreamble ? 0 : 1);
-        if (kind == Kind::Scale && text.size() > kScale.size()) {
-            const bool isScalar = values.back().size() == 3;
-            values.back().back().front().resize(isScalar ? 1 : kSteps);
-            row = 0;
-        }
-        if (kind == Kind::Value)
-            values.back().back().front().at(row++) = numberOf(text);
-    }
-    return values;
+    Place place = cut.line == lines.size() ? Place::PastEnd : lines.at(cut.line).place;
+    if (place == Place::InScale && cut.left.size() <= kScale.size())
+        place = Place::BeforeScale;
+    else if (place == Place::InValue && cut.left.isEmpty())
+        place = Place::BeforeValue;
+    return static_cast<int>(place);
 }
 
 const QByteArray kControl = "A.Flow: Sum\nA.Level: SumNaN\n*.*: Max\n";
 
-// The lines of an annual slot: its preamble, and the results of a method for its values.
-QByteArray annualSlot(const QByteArray& preamble, const QByteArray& units, const QByteArray& method,
-                      const QByteArray& values)
+// The lines of an annual slot.
+QByteArray annualSlot(const QByteArray& name, const QByteArray& units,
+                      const QByteArray& methodLines)
 {
-    return preamble + "END_SLOT_PREAMBLE\nunits: " + units + "\nscale: 0.25\nmethod: " + method +
-           '\n' + QByteArray(values).replace(' ', '\n') + "\nEND_COLUMN\nEND_SLOT\n";
+    return slotText(name, "units: " + units + ";scale: 0.25;method: " + methodLines,
+                    name == "A.Level" ? "" : "SeriesSlot");
 }
 
-const QByteArray kFlow =
-    "object_type: Reservoir\nobject_name: A\nslot_type: SeriesSlot\nslot_name: Flow\n";
-const QByteArray kLevel = "object_type: Reservoir\nobject_name: A\nslot_name: Level\n";
-const QByteArray kGauge =
-    "object_type: Gauge\nobject_name: B\nslot_type: SeriesSlot\nslot_name: Flow\n";
-const QByteArray kTotal = "cms summed over the year";
+QByteArray totals(const QByteArray& name, const QByteArray& methodLines)
+{
+    return annualSlot(name, "cms summed over the year", methodLines);
+}
 
 QByteArray annualFile(const QByteArray& firstRun, const QByteArray& secondRun)
 {
-    const QByteArray preamble =
-        "start:2000-12-31 24:00\nend:2001-12-31 24:00\ntime_step_unit:year\nunit_quantity:1\n"
-        "time_steps:2\nconsecutive:1\nslot_set:all\nrule_set:none\nidx_sequential:4\n"
-        "END_RUN_PREAMBLE\n2000-12-31 24:00\n2001-12-31 24:00\n";
-    return "name:Basin study\nowner:planning\ndescription:monthly flows\n"
-           "create_date:2015-3-31 24:00\nnumber_of_runs:2\nEND_PACKAGE_PREAMBLE\n" +
-           preamble + firstRun + "END_RUN\n" + preamble + secondRun + "END_RUN\n";
+    const auto run = [](const QByteArray& slotTexts) {
+        return runText(texts("2000-12-31 24:00|2001-12-31 24:00"), "year", slotTexts,
+                       "slot_set:all\nrule_set:none\n");
+    };
+    return packageText(2) + run(firstRun) + run(secondRun);
 }
+
+// The results of a good rule for each slot that can have one, for the two runs.
+const QByteArray kFlows[kRuns] = {totals("A.Flow", "Sum;78.000000000000;780.000000000000"),
+                                  totals("A.Flow", "Sum;24.000000000000;36.000000000000")};
+const QByteArray kLevels[kRuns] = {totals("A.Level", "SumNaN;55.000000000000;-150.000000000000"),
+                                   totals("A.Level", "SumNaN;120.000000000000;0.000000000000")};
+const QByteArray kGauges[kRuns] = {
+    annualSlot("Gauge/B.Flow", "cms", "Max;7.250000000000;NaN"),
+    annualSlot("Gauge/B.Flow", "cms", "Max;-0.125000000000;111.000000000000")};
 
 // The result of the whole file with kControl.
 QByteArray wholeResult()
 {
-    return annualFile(
-        annualSlot(kFlow, kTotal, "Sum", "78.000000000000 780.000000000000") +
-            annualSlot(kLevel, kTotal, "SumNaN", "55.000000000000 -150.000000000000") +
-            annualSlot(kGauge, "cms", "Max", "7.250000000000 NaN"),
-        annualSlot(kFlow, kTotal, "Sum", "24.000000000000 36.000000000000") +
-            annualSlot(kLevel, kTotal, "SumNaN", "120.000000000000 0.000000000000") +
-            annualSlot(kGauge, "cms", "Max", "-0.125000000000 111.000000000000"));
+    return annualFile(kFlows[0] + kLevels[0] + kGauges[0], kFlows[1] + kLevels[1] + kGauges[1]);
 }
-
-// A device whose data stops at a cut: it reads as empty many times, like the end of a file, and
-// only then continues with "END_SLOT".
-class CutDevice : public QIODevice
-{
-public:
-    explicit CutDevice(const QByteArray& data) : m_data(data)
-    {
-        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
-    }
-
-    bool isSequential() const override { return true; }
-    // Whether there were more reads after the end than a whole file has lines.
-    bool wasReadWithoutEnd() const { return m_emptyReads >= kPatience; }
-
-protected:
-    qint64 readData(char* data, qint64 maxSize) override
-    {
-        if (m_data.isEmpty() && maxSize > 0 && ++m_emptyReads == kPatience)
-            m_data = "\nEND_SLOT\n";
-        const qint64 size = std::min<qint64>(m_data.size(), maxSize);
-        std::copy_n(m_data.constData(), size, data);
-        m_data.remove(0, static_cast<int>(size));
-        return size;
-    }
-    qint64 writeData(const char*, qint64) override { return -1; }
-
-private:
-    static constexpr int kPatience = 2000;
-
-    QByteArray m_data;
-    int m_emptyReads = 0;
-};
 
 // For the message of a failed comparison.
 QByteArray description(int size, const char* what, const QString& detail = QString())
 {
     return "cut to " + QByteArray::number(size) + " bytes, " + what + ": " + detail.toUtf8();
-}
-
-void addLineEndRows()
-{
-    QTest::addColumn<QByteArray>("lineEnd");
-    QTest::newRow("Unix line ends") << QByteArray("\n");
-    QTest::newRow("Windows line ends") << QByteArray("\r\n");
 }
 
 } // namespace
@@ -386,16 +231,145 @@ class TruncationTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void convertsTheWholeFile();
-    void cutFileIsRefused_data();
-    void cutFileIsRefused();
-    void cutsInATableAreReadWithoutEnd_data();
-    void cutsInATableAreReadWithoutEnd();
-    void valuesOfACutFile_data();
-    void valuesOfACutFile();
-    void cutControlFile_data();
-    void cutControlFile();
+    void init()
+    {
+        m_folder.reset(new QTemporaryDir);
+        QVERIFY(m_folder->isValid());
+        writeFile(controlPath(), kControl);
+    }
+
+    void convertsTheWholeFile()
+    {
+        const Outcome outcome = convert(*openDevice(textOf(wholeFile(), "\n")));
+        QCOMPARE(outcome.message, QString());
+        QCOMPARE(outcome.result, wholeResult());
+    }
+
+    void cutFileIsRefused_data()
+    {
+        // All cuts, or every fifth of them.
+        addColumns<QByteArray, bool, bool, int>("lineEnd", "isTextMode", "isFile", "step");
+        addRows<QByteArray, bool, bool, int>(
+            {{"buffer", "\n", false, false, 1},
+             {"buffer in text mode", "\n", true, false, 5},
+             {"file in text mode", "\n", true, true, 5},
+             {"buffer, Windows line ends", "\r\n", false, false, 5},
+             {"buffer in text mode, Windows line ends", "\r\n", true, false, 5},
+             {"file in text mode, Windows line ends", "\r\n", true, true, 1}});
+    }
+
+    void cutFileIsRefused()
+    {
+        QFETCH(QByteArray, lineEnd);
+        QFETCH(bool, isTextMode);
+        QFETCH(bool, isFile);
+        QFETCH(int, step);
+        const QIODevice::OpenMode mode =
+            isTextMode ? QIODevice::ReadOnly | QIODevice::Text : QIODevice::ReadOnly;
+        const Lines lines = wholeFile();
+        const QByteArray whole = textOf(lines, lineEnd);
+        const QVector<Cut> cuts = allCuts(lines, lineEnd);
+        QCOMPARE(cuts.size(), whole.size() + 1);
+        const QString path = m_folder->filePath(QStringLiteral("cut.hts"));
+        writeFile(path, whole);
+
+        QVector<int> cutsOfClass(static_cast<int>(std::size(kClasses)));
+        for (int size = whole.size(); size >= 0; size -= step) {
+            const int classIndex = classOf(lines, cuts.at(size));
+            ++cutsOfClass[classIndex];
+            const CutClass& expected = kClasses[classIndex];
+            if (expected.message == nullptr)
+                continue; // never ends
+            std::unique_ptr<QIODevice> source = openDevice(whole.left(size), 0, mode);
+            if (isFile) {
+                source = std::make_unique<QFile>(path);
+                QVERIFY(static_cast<QFile&>(*source).resize(size) && source->open(mode));
+            }
+            const Outcome outcome = convert(*source);
+            QVERIFY2(outcome.message == QLatin1String(expected.message),
+                     description(size, expected.name, outcome.message));
+            const bool isSuccess = *expected.message == 0;
+            QVERIFY2(outcome.result == (isSuccess ? wholeResult() : QByteArray()),
+                     description(size, expected.name));
+        }
+        QVERIFY(!cutsOfClass.contains(0));
+    }
+
+    void cutsInATableAreReadWithoutEnd_data()
+    {
+        QTest::addColumn<QByteArray>("lineEnd");
+        addRows<QByteArray>({{"Unix line ends", "\n"}, {"Windows line ends", "\r\n"}});
+    }
+
+    // For every cut, also those of the other classes: their reading ends. The range is found in the
+    // text: from a table's preamble on, up to its "END_SLOT".
+    void cutsInATableAreReadWithoutEnd()
+    {
+        QFETCH(QByteArray, lineEnd);
+        const Lines lines = wholeFile();
+        const QByteArray whole = textOf(lines, lineEnd);
+        const QByteArray preambleEnd = "cols: 1" + lineEnd + "END_SLOT_PREAMBLE";
+        const int firstTable = whole.indexOf(preambleEnd);
+        const int secondTable = whole.lastIndexOf(preambleEnd);
+        QVERIFY(firstTable > 0 && secondTable > firstTable);
+        const QByteArray tableEnd = lineEnd + "END_SLOT" + lineEnd;
+        const auto isInTable = [&](int size, int table) {
+            return size >= table + preambleEnd.size() &&
+                   size < whole.indexOf(tableEnd, table) + lineEnd.size() + 8;
+        };
+
+        const QVector<Cut> cuts = allCuts(lines, lineEnd);
+        for (int size = 0; size <= whole.size(); ++size) {
+            SlowDevice device(whole.left(size), kPatience, "\nEND_SLOT\n");
+            const QString message = convert(device).message;
+            const bool isWithoutEnd = isInTable(size, firstTable) || isInTable(size, secondTable);
+            const CutClass& cutClass = kClasses[classOf(lines, cuts.at(size))];
+            QVERIFY2(device.hasContinued() == isWithoutEnd, description(size, cutClass.name));
+            QVERIFY2((cutClass.message == nullptr) == isWithoutEnd,
+                     description(size, cutClass.name));
+            // The end of the table was found at last, and nothing follows it.
+            const char* expected = isWithoutEnd ? kBadSlotPreamble : cutClass.message;
+            QVERIFY2(message == QLatin1String(expected), description(size, cutClass.name, message));
+        }
+    }
+
+    void cutControlFile_data()
+    {
+        addColumns<QByteArray, QByteArray>("lineEnd", "mark");
+        addRows<QByteArray, QByteArray>({{"Unix line ends", "\n", ""},
+                                         {"Windows line ends", "\r\n", ""},
+                                         {"byte order mark", "\n", "\xef\xbb\xbf"}});
+    }
+
+    // A cut control file is still good when its last line is a rule, complete or not: rules after
+    // the cut are missing, and "SumNaN" may have become "Sum".
+    void cutControlFile()
+    {
+        QFETCH(QByteArray, lineEnd);
+        QFETCH(QByteArray, mark);
+        const QByteArray whole =
+            mark + QByteArray("A.Level: SumNaN\nGauge.Flow: Max\n").replace("\n", lineEnd);
+        const QHash<QByteArray, QByteArray> results = {
+            {"A.Level: Sum", annualFile(totals("A.Level", "Sum;NaN;-150.000000000000"),
+                                        totals("A.Level", "Sum;120.000000000000;NaN"))},
+            {"A.Level: SumNaN", annualFile(kLevels[0], kLevels[1])},
+            {"A.Level: SumNaN\nGauge.Flow: Max",
+             annualFile(kLevels[0] + kGauges[0], kLevels[1] + kGauges[1])}};
+
+        int successes = 0;
+        for (int size = 0; size <= whole.size(); ++size) {
+            const QByteArray control = whole.left(size);
+            writeFile(controlPath(), control);
+            const Outcome outcome = convert(*openDevice(textOf(wholeFile(), "\n")));
+            const QByteArray left = control.mid(mark.size()).replace("\r", "").trimmed();
+            const bool isSuccess = results.contains(left);
+            successes += isSuccess ? 1 : 0;
+            QCOMPARE(outcome.message, QString::fromLatin1(isSuccess ? "" : kNoSlots));
+            QCOMPARE(outcome.result, results.value(left));
+        }
+        // Each line whole, with and without what there is of its end, and the shorter method.
+        QCOMPARE(successes, 1 + 2 * (1 + lineEnd.size()));
+    }
 
 private:
     struct Outcome
@@ -405,204 +379,17 @@ private:
     };
 
     QString controlPath() const { return m_folder->filePath(QStringLiteral("methods.txt")); }
-    Outcome convert(QIODevice& source) const;
+    Outcome convert(QIODevice& source) const
+    {
+        QBuffer result;
+        if (!result.open(QIODevice::WriteOnly | QIODevice::Text))
+            qFatal("cannot open the result");
+        const QString message = convertDevices(source, controlPath(), result).message;
+        return {message, fromTextMode(result.data())};
+    }
 
     QScopedPointer<QTemporaryDir> m_folder;
 };
-
-void TruncationTest::init()
-{
-    m_folder.reset(new QTemporaryDir);
-    QVERIFY(m_folder->isValid());
-    writeFile(controlPath(), kControl);
-}
-
-TruncationTest::Outcome TruncationTest::convert(QIODevice& source) const
-{
-    QBuffer result;
-    AnnualizeHts engine;
-    if (!result.open(QIODevice::WriteOnly | QIODevice::Text) ||
-        !engine.setSourceDevice(&source).ok() || !engine.setResultDevice(&result).ok() ||
-        !engine.setControlFile(controlPath()).ok() || !engine.setEndMonth(12).ok())
-        qFatal("cannot set the engine up");
-    const QString message = engine.annualize().message;
-    return {message, fromTextMode(result.data())};
-}
-
-void TruncationTest::convertsTheWholeFile()
-{
-    QBuffer source;
-    source.setData(textOf(wholeFile(), "\n"));
-    QVERIFY(source.open(QIODevice::ReadOnly));
-    const Outcome outcome = convert(source);
-    QCOMPARE(outcome.message, QString());
-    QCOMPARE(outcome.result, wholeResult());
-}
-
-void TruncationTest::cutFileIsRefused_data()
-{
-    QTest::addColumn<QByteArray>("lineEnd");
-    QTest::addColumn<bool>("isTextMode");
-    QTest::addColumn<bool>("isFile");
-    const QByteArray windows = "\r\n";
-    QTest::newRow("buffer") << QByteArray("\n") << false << false;
-    QTest::newRow("buffer in text mode") << QByteArray("\n") << true << false;
-    QTest::newRow("file in text mode") << QByteArray("\n") << true << true;
-    QTest::newRow("buffer, Windows line ends") << windows << false << false;
-    QTest::newRow("buffer in text mode, Windows line ends") << windows << true << false;
-    QTest::newRow("file in text mode, Windows line ends") << windows << true << true;
-}
-
-void TruncationTest::cutFileIsRefused()
-{
-    QFETCH(QByteArray, lineEnd);
-    QFETCH(bool, isTextMode);
-    QFETCH(bool, isFile);
-    const QIODevice::OpenMode mode =
-        isTextMode ? QIODevice::ReadOnly | QIODevice::Text : QIODevice::ReadOnly;
-    const Lines lines = wholeFile();
-    const QByteArray whole = textOf(lines, lineEnd);
-    const QVector<Cut> cuts = allCuts(lines, lineEnd);
-    QCOMPARE(cuts.size(), whole.size() + 1);
-    const QString path = m_folder->filePath(QStringLiteral("cut.hts"));
-    writeFile(path, whole);
-
-    QVector<int> cutsOfClass(static_cast<int>(std::size(kClasses)));
-    for (int size = whole.size(); size >= 0; --size) {
-        const int classIndex = classOf(lines, cuts.at(size));
-        ++cutsOfClass[classIndex];
-        const CutClass& expected = kClasses[classIndex];
-        if (expected.message == nullptr)
-            continue; // never ends
-        QBuffer buffer;
-        buffer.setData(whole.left(size));
-        QFile file(path);
-        QVERIFY(!isFile || file.resize(size));
-        QIODevice& source = isFile ? static_cast<QIODevice&>(file) : buffer;
-        QVERIFY(source.open(mode));
-        const Outcome outcome = convert(source);
-        QVERIFY2(outcome.message == QLatin1String(expected.message),
-                 description(size, expected.name, outcome.message));
-        const bool isSuccess = *expected.message == 0;
-        QVERIFY2(outcome.result == (isSuccess ? wholeResult() : QByteArray()),
-                 description(size, expected.name));
-    }
-    QVERIFY(!cutsOfClass.contains(0));
-}
-
-void TruncationTest::cutsInATableAreReadWithoutEnd_data()
-{
-    addLineEndRows();
-}
-
-// For every cut, also those of the other classes: their reading ends. The range is found in the
-// text: from a table's preamble on, up to its "END_SLOT".
-void TruncationTest::cutsInATableAreReadWithoutEnd()
-{
-    QFETCH(QByteArray, lineEnd);
-    const Lines lines = wholeFile();
-    const QByteArray whole = textOf(lines, lineEnd);
-    const QByteArray preambleEnd = "cols: 2" + lineEnd + kEndSlotPreamble;
-    const int firstTable = whole.indexOf(preambleEnd);
-    const int secondTable = whole.lastIndexOf(preambleEnd);
-    QVERIFY(firstTable > 0 && secondTable > firstTable);
-    const QByteArray tableEnd = lineEnd + "END_SLOT" + lineEnd;
-    const auto isInTable = [&](int size, int table) {
-        return size >= table + preambleEnd.size() &&
-               size < whole.indexOf(tableEnd, table) + lineEnd.size() + 8;
-    };
-
-    const QVector<Cut> cuts = allCuts(lines, lineEnd);
-    for (int size = 0; size <= whole.size(); ++size) {
-        CutDevice device(whole.left(size));
-        const QString message = convert(device).message;
-        const bool isWithoutEnd = isInTable(size, firstTable) || isInTable(size, secondTable);
-        const CutClass& cutClass = kClasses[classOf(lines, cuts.at(size))];
-        QVERIFY2(device.wasReadWithoutEnd() == isWithoutEnd, description(size, cutClass.name));
-        QVERIFY2((cutClass.message == nullptr) == isWithoutEnd, description(size, cutClass.name));
-        // The end of the table was found at last, and nothing follows it.
-        const char* expected = isWithoutEnd ? kBadSlotPreamble : cutClass.message;
-        QVERIFY2(message == QLatin1String(expected), description(size, cutClass.name, message));
-    }
-}
-
-void TruncationTest::valuesOfACutFile_data()
-{
-    addLineEndRows();
-}
-
-// The values of a refused file: those before the cut unchanged, then that of the cut line, then 0
-// up to the end of the column.
-void TruncationTest::valuesOfACutFile()
-{
-    QFETCH(QByteArray, lineEnd);
-    const Lines lines = wholeFile();
-    const QByteArray whole = textOf(lines, lineEnd);
-    const QVector<Cut> cuts = allCuts(lines, lineEnd);
-    for (int size = 0; size <= whole.size(); ++size) {
-        CutDevice device(whole.left(size));
-        HtsPackage package;
-        const bool isRead = package.read(device).ok();
-        const CutClass& cutClass = kClasses[classOf(lines, cuts.at(size))];
-        QVERIFY(isRead == (cutClass.message != nullptr && *cutClass.message == 0));
-        const QString fault = difference(package.values, valuesLeft(lines, cuts.at(size)));
-        QVERIFY2(fault.isEmpty(), description(size, cutClass.name, fault));
-    }
-}
-
-void TruncationTest::cutControlFile_data()
-{
-    QTest::addColumn<QByteArray>("lineEnd");
-    QTest::addColumn<bool>("hasMark");
-    QTest::newRow("Unix line ends") << QByteArray("\n") << false;
-    QTest::newRow("Windows line ends") << QByteArray("\r\n") << false;
-    QTest::newRow("byte order mark") << QByteArray("\n") << true;
-}
-
-// A cut control file is still good when its last line is a rule, complete or not: rules after the
-// cut are missing, and "SumNaN" may have become "Sum".
-void TruncationTest::cutControlFile()
-{
-    QFETCH(QByteArray, lineEnd);
-    QFETCH(bool, hasMark);
-    const QByteArray mark = hasMark ? "\xef\xbb\xbf" : "";
-    const QByteArray whole =
-        mark + QByteArray("A.Level: SumNaN\nGauge.Flow: Max\n").replace("\n", lineEnd);
-    const QByteArray levelBySumNan =
-        annualSlot(kLevel, kTotal, "SumNaN", "55.000000000000 -150.000000000000");
-    const QByteArray levelOfSecondRun =
-        annualSlot(kLevel, kTotal, "SumNaN", "120.000000000000 0.000000000000");
-    const QByteArray twoRules = annualFile(
-        levelBySumNan + annualSlot(kGauge, "cms", "Max", "7.250000000000 NaN"),
-        levelOfSecondRun + annualSlot(kGauge, "cms", "Max", "-0.125000000000 111.000000000000"));
-    const QByteArray oneRule = annualFile(levelBySumNan, levelOfSecondRun);
-    const QByteArray otherRule =
-        annualFile(annualSlot(kLevel, kTotal, "Sum", "NaN -150.000000000000"),
-                   annualSlot(kLevel, kTotal, "Sum", "120.000000000000 NaN"));
-    const QHash<QByteArray, QByteArray> results = {{"A.Level: Sum", otherRule},
-                                                   {"A.Level: SumNaN", oneRule},
-                                                   {"A.Level: SumNaN\nGauge.Flow: Max", twoRules}};
-
-    int successes = 0;
-    for (int size = 0; size <= whole.size(); ++size) {
-        const QByteArray control = whole.left(size);
-        writeFile(controlPath(), control);
-        QBuffer source;
-        source.setData(textOf(wholeFile(), "\n"));
-        QVERIFY(source.open(QIODevice::ReadOnly));
-        const Outcome outcome = convert(source);
-        const QByteArray left = control.mid(mark.size()).replace("\r", "").trimmed();
-        const bool isSuccess = results.contains(left);
-        successes += isSuccess ? 1 : 0;
-        QCOMPARE(outcome.message,
-                 isSuccess ? QString()
-                           : QStringLiteral(
-                                 "No series slots with valid methods found in input HTS file"));
-        QCOMPARE(outcome.result, results.value(left));
-    }
-    // Each line whole, with and without what there is of its end, and the shorter method.
-    QCOMPARE(successes, 1 + 2 * (1 + lineEnd.size()));
-}
 
 HTS_TEST(TruncationTest, QCoreApplication)
 #include "tst_truncation.moc"

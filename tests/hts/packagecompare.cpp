@@ -154,6 +154,13 @@ quint64 bitsOf(double value)
     return bits;
 }
 
+double fromBits(quint64 bits)
+{
+    double value = 0.0;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
 QString difference(const HtsRun& left, const HtsRun& right)
 {
     return modelDifference(QStringLiteral("run"), left, right);

@@ -8,6 +8,7 @@
 
 // The bits of `value`, so that NaNs are equal to themselves and zeros differ by their sign.
 quint64 bitsOf(double value);
+double fromBits(quint64 bits);
 
 // The first difference of two models, such as `runs[1].trace: "2" "-1"`; empty when they are equal.
 // Numbers are compared by their bits.

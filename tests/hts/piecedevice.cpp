@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <QBuffer>
+
 PieceDevice::PieceDevice(const QByteArray& data, qint64 size) : m_data(data), m_pieceSize(size) {}
 
 void PieceDevice::setRandomPieces(quint32 seed)
@@ -26,7 +28,32 @@ qint64 PieceDevice::readData(char* data, qint64 maxSize)
     return size == 0 && maxSize > 0 ? -1 : size;
 }
 
-qint64 PieceDevice::writeData(const char*, qint64)
+SlowDevice::SlowDevice(const QByteArray& data, int emptyReads, const QByteArray& rest)
+    : m_data(data), m_rest(rest), m_emptyReadsLeft(emptyReads)
 {
-    return -1;
+    open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
+qint64 SlowDevice::readData(char* data, qint64 maxSize)
+{
+    if (m_data.isEmpty() && maxSize > 0 && m_emptyReadsLeft-- == 0)
+        m_data = m_rest;
+    const qint64 size = std::min<qint64>(m_data.size(), maxSize);
+    std::copy_n(m_data.constData(), size, data);
+    m_data.remove(0, static_cast<int>(size));
+    return size;
+}
+
+std::unique_ptr<QIODevice> openDevice(const QByteArray& text, qint64 pieceSize,
+                                      QIODevice::OpenMode mode)
+{
+    std::unique_ptr<QIODevice> device = std::make_unique<PieceDevice>(text, pieceSize);
+    if (pieceSize == 0) {
+        auto buffer = std::make_unique<QBuffer>();
+        buffer->setData(text);
+        device = std::move(buffer);
+    }
+    if (!device->open(mode))
+        qFatal("cannot open the device");
+    return device;
 }

@@ -1,6 +1,8 @@
 #ifndef TESTS_HTS_PIECEDEVICE_H
 #define TESTS_HTS_PIECEDEVICE_H
 
+#include <memory>
+
 #include <QByteArray>
 #include <QIODevice>
 #include <QRandomGenerator>
@@ -24,7 +26,7 @@ public:
 
 protected:
     qint64 readData(char* data, qint64 maxSize) override;
-    qint64 writeData(const char* data, qint64 size) override;
+    qint64 writeData(const char*, qint64) override { return -1; }
 
 private:
     const QByteArray m_data;
@@ -34,5 +36,31 @@ private:
     bool m_isRandom = false;
     QRandomGenerator m_random;
 };
+
+// A device whose writer is slow: after its data it reads as empty `emptyReads` times, like the end
+// of a file, and then continues with `rest`.
+class SlowDevice : public QIODevice
+{
+public:
+    SlowDevice(const QByteArray& data, int emptyReads, const QByteArray& rest);
+
+    bool isSequential() const override { return true; }
+    // Whether it was read until the rest came.
+    bool hasContinued() const { return m_emptyReadsLeft < 0; }
+
+protected:
+    qint64 readData(char* data, qint64 maxSize) override;
+    qint64 writeData(const char*, qint64) override { return -1; }
+
+private:
+    QByteArray m_data;
+    const QByteArray m_rest;
+    int m_emptyReadsLeft;
+};
+
+// An open device with `text`: one that returns pieces of `pieceSize` bytes, or a buffer if that is
+// 0.
+std::unique_ptr<QIODevice> openDevice(const QByteArray& text, qint64 pieceSize = 0,
+                                      QIODevice::OpenMode mode = QIODevice::ReadOnly);
 
 #endif // TESTS_HTS_PIECEDEVICE_H

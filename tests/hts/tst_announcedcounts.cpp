@@ -31,60 +31,55 @@ class AnnouncedCountsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void failsInLittleMemory_data();
-    void failsInLittleMemory();
-    void tablePastTheEndHasFewRows();
+    void failsInLittleMemory_data()
+    {
+        addColumns<QByteArray, QString>("text", "message");
+        QTest::newRow("runs") << QByteArray("number_of_runs:2000000000\nEND_PACKAGE_PREAMBLE\n")
+                              << QStringLiteral("Cannot read run preamble");
+        QTest::newRow("timesteps") << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\n"
+                                                 "time_steps:2000000000\nEND_RUN_PREAMBLE\n")
+                                   << QStringLiteral("Cannot read run preamble");
+        QTest::newRow("rows of a broken slot preamble")
+            << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n"
+                          "rows: 2000000000\ncols: 2000000000\n")
+            << QStringLiteral("Cannot read slot preamble");
+        QTest::newRow("rows of a slot that is no table")
+            << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n"
+                          "slot_type: ScalarSlot\nrows: 2000000000\ncols: 2000000000\n"
+                          "END_SLOT_PREAMBLE\n")
+            << QStringLiteral("Cannot read HTS file: Missing units or scale");
+    }
+
+    void failsInLittleMemory()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(QString, message);
+        QBuffer device(&text);
+        QVERIFY(device.open(QIODevice::ReadOnly));
+        const qint64 before = peakMemory();
+        QVERIFY(before > 0);
+        HtsPackage package;
+        QCOMPARE(package.read(device).message, message);
+        QVERIFY2(peakMemory() - before < kFewMegabytes, qPrintable(QString::number(peakMemory())));
+        QVERIFY(device.atEnd());
+    }
+
+    void tablePastTheEndHasFewRows()
+    {
+        QByteArray text("rows: 2000000000\nEND_SLOT_PREAMBLE\nfirst\nsecond\n");
+        QBuffer device(&text);
+        QVERIFY(device.open(QIODevice::ReadOnly));
+        const qint64 before = peakMemory();
+        QVERIFY(before > 0);
+        HtsSlot slot;
+        QVERIFY(slot.readPreamble(device).ok());
+        QVERIFY2(peakMemory() - before < kFewMegabytes, qPrintable(QString::number(peakMemory())));
+        QCOMPARE(slot.rows, 2000000000);
+        QCOMPARE(slot.tableRows.mid(0, 3),
+                 (QStringList{QStringLiteral("first"), QStringLiteral("second"), QString()}));
+        QVERIFY2(slot.tableRows.size() < 10000, qPrintable(QString::number(slot.tableRows.size())));
+    }
 };
-
-void AnnouncedCountsTest::failsInLittleMemory_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QString>("message");
-    QTest::newRow("runs") << QByteArray("number_of_runs:2000000000\nEND_PACKAGE_PREAMBLE\n")
-                          << QStringLiteral("Cannot read run preamble");
-    QTest::newRow("timesteps") << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\n"
-                                             "time_steps:2000000000\nEND_RUN_PREAMBLE\n")
-                               << QStringLiteral("Cannot read run preamble");
-    QTest::newRow("rows of a broken slot preamble")
-        << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n"
-                      "rows: 2000000000\ncols: 2000000000\n")
-        << QStringLiteral("Cannot read slot preamble");
-    QTest::newRow("rows of a slot that is no table")
-        << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n"
-                      "slot_type: ScalarSlot\nrows: 2000000000\ncols: 2000000000\n"
-                      "END_SLOT_PREAMBLE\n")
-        << QStringLiteral("Cannot read HTS file: Missing units or scale");
-}
-
-void AnnouncedCountsTest::failsInLittleMemory()
-{
-    QFETCH(QByteArray, text);
-    QFETCH(QString, message);
-    QBuffer device(&text);
-    QVERIFY(device.open(QIODevice::ReadOnly));
-    const qint64 before = peakMemory();
-    QVERIFY(before > 0);
-    HtsPackage package;
-    QCOMPARE(package.read(device).message, message);
-    QVERIFY2(peakMemory() - before < kFewMegabytes, qPrintable(QString::number(peakMemory())));
-    QVERIFY(device.atEnd());
-}
-
-void AnnouncedCountsTest::tablePastTheEndHasFewRows()
-{
-    QByteArray text("rows: 2000000000\nEND_SLOT_PREAMBLE\nfirst\nsecond\n");
-    QBuffer device(&text);
-    QVERIFY(device.open(QIODevice::ReadOnly));
-    const qint64 before = peakMemory();
-    QVERIFY(before > 0);
-    HtsSlot slot;
-    QVERIFY(slot.readPreamble(device).ok());
-    QVERIFY2(peakMemory() - before < kFewMegabytes, qPrintable(QString::number(peakMemory())));
-    QCOMPARE(slot.rows, 2000000000);
-    QCOMPARE(slot.tableRows.mid(0, 3),
-             (QStringList{QStringLiteral("first"), QStringLiteral("second"), QString()}));
-    QVERIFY2(slot.tableRows.size() < 10000, qPrintable(QString::number(slot.tableRows.size())));
-}
 
 HTS_TEST(AnnouncedCountsTest, NoApplication)
 #include "tst_announcedcounts.moc"

@@ -69,278 +69,256 @@ class HtsPackageTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void startsEmpty();
-    void copyPreambleTakesThePreambleOnly();
-    void copyPreambleKeepsLeadingRunsAndValues();
-    void copyPreambleTakesNegativeCountForNone();
-    void setNumSlotsResizesSlotsAndValues_data();
-    void setNumSlotsResizesSlotsAndValues();
-    void runAndSlotGiveDefaultsOutOfRange_data();
-    void runAndSlotGiveDefaultsOutOfRange();
-    void setRunAndSetSlotReplaceEveryField();
-    void setRunAndSetSlotDoNothingOutOfRange_data();
-    void setRunAndSetSlotDoNothingOutOfRange();
-    void slotKindFollowsFromItsType_data();
-    void slotKindFollowsFromItsType();
-    void copiesAreIndependent();
-    void equalTextsOfNeighboursShareTheirMemory();
-    void statusIsSuccessWithoutMessage();
-};
+    void startsEmpty()
+    {
+        const HtsPackage package;
+        QVERIFY(!package.preambleRead);
+        QCOMPARE(package.name + package.owner + package.description, QString());
+        QVERIFY(package.createDate.isNull());
+        QCOMPARE(package.numberOfRuns, 0);
+        QVERIFY(package.runs.isEmpty());
+        QVERIFY(package.slots.isEmpty());
+        QVERIFY(package.values.empty());
+        QCOMPARE(package.numSlots(), 0);
 
-void HtsPackageTest::startsEmpty()
-{
-    const HtsPackage package;
-    QVERIFY(!package.preambleRead);
-    QCOMPARE(package.name + package.owner + package.description, QString());
-    QVERIFY(package.createDate.isNull());
-    QCOMPARE(package.numberOfRuns, 0);
-    QVERIFY(package.runs.isEmpty());
-    QVERIFY(package.slots.isEmpty());
-    QVERIFY(package.values.empty());
-    QCOMPARE(package.numSlots(), 0);
+        const HtsRun run;
+        QVERIFY(!run.complete);
+        QCOMPARE(run.trace, -1);
+        QVERIFY(run.start.isNull());
+        QVERIFY(run.end.isNull());
+        QCOMPARE(run.timeStepUnit + run.slotSet + run.ruleSet, QString());
+        QCOMPARE(run.unitQuantity, 0);
+        QCOMPARE(run.timeStepCount, 0);
+        QCOMPARE(run.consecutive, -1);
+        QCOMPARE(run.idxSequential, -1);
+        QVERIFY(run.timesteps.isEmpty());
 
-    const HtsRun run;
-    QVERIFY(!run.complete);
-    QCOMPARE(run.trace, -1);
-    QVERIFY(run.start.isNull());
-    QVERIFY(run.end.isNull());
-    QCOMPARE(run.timeStepUnit + run.slotSet + run.ruleSet, QString());
-    QCOMPARE(run.unitQuantity, 0);
-    QCOMPARE(run.timeStepCount, 0);
-    QCOMPARE(run.consecutive, -1);
-    QCOMPARE(run.idxSequential, -1);
-    QVERIFY(run.timesteps.isEmpty());
-
-    const HtsSlot slot;
-    QVERIFY(!slot.preambleRead);
-    QCOMPARE(slot.objectType + slot.objectName + slot.slotType + slot.slotName, QString());
-    QCOMPARE(slot.rows, 0);
-    QCOMPARE(slot.cols, 0);
-    QCOMPARE(slot.tableRows + slot.units + slot.methods, QStringList());
-    QVERIFY(slot.scales.isEmpty());
-}
-
-void HtsPackageTest::copyPreambleTakesThePreambleOnly()
-{
-    HtsPackage expected = filledPackage();
-    expected.runs = QVector<HtsRun>(2);
-    expected.slots.clear();
-    expected.values = HtsValues(2);
-    HtsPackage package;
-    package.copyPreamble(filledPackage());
-    QCOMPARE(difference(package, expected), QString());
-}
-
-void HtsPackageTest::copyPreambleKeepsLeadingRunsAndValues()
-{
-    HtsPackage source;
-    source.numberOfRuns = 3;
-    HtsPackage package = filledPackage();
-    package.copyPreamble(source);
-    HtsPackage expected = source;
-    expected.runs = QVector<HtsRun>{runWithTrace(1), runWithTrace(2), HtsRun()};
-    expected.slots = filledPackage().slots;
-    expected.values = filledPackage().values;
-    expected.values.emplace_back();
-    QCOMPARE(difference(package, expected), QString());
-
-    source.numberOfRuns = 1;
-    package.copyPreamble(source);
-    expected.numberOfRuns = 1;
-    expected.runs.resize(1);
-    expected.values.resize(1);
-    QCOMPARE(difference(package, expected), QString());
-}
-
-void HtsPackageTest::copyPreambleTakesNegativeCountForNone()
-{
-    HtsPackage source;
-    source.numberOfRuns = -3;
-    HtsPackage package = filledPackage();
-    package.copyPreamble(source);
-    QCOMPARE(package.numberOfRuns, -3);
-    QCOMPARE(package.runs.size(), 0);
-    QVERIFY(package.values.empty());
-}
-
-void HtsPackageTest::setNumSlotsResizesSlotsAndValues_data()
-{
-    QTest::addColumn<int>("count");
-    for (const int count : {std::numeric_limits<int>::min(), -1, 0, 1, 2, 5})
-        QTest::addRow("%d", count) << count;
-}
-
-// Below zero counts as none.
-void HtsPackageTest::setNumSlotsResizesSlotsAndValues()
-{
-    QFETCH(int, count);
-    HtsPackage package = filledPackage();
-    package.setNumSlots(count);
-    QCOMPARE(package.numSlots(), qMax(count, 0));
-
-    HtsPackage expected = filledPackage();
-    expected.slots.clear();
-    for (auto& runValues : expected.values)
-        runValues.clear();
-    for (int slot = 0; slot < count; ++slot) {
-        const HtsPackage filled = filledPackage();
-        expected.slots.append(slot < 2 ? filled.slots.at(slot) : HtsSlot());
-        for (std::size_t run = 0; run < 2; ++run) {
-            expected.values[run].emplace_back();
-            if (slot < 2)
-                expected.values[run].back() = filled.values[run][static_cast<std::size_t>(slot)];
-        }
+        const HtsSlot slot;
+        QVERIFY(!slot.preambleRead);
+        QCOMPARE(slot.objectType + slot.objectName + slot.slotType + slot.slotName, QString());
+        QCOMPARE(slot.rows, 0);
+        QCOMPARE(slot.cols, 0);
+        QCOMPARE(slot.tableRows + slot.units + slot.methods, QStringList());
+        QVERIFY(slot.scales.isEmpty());
     }
-    QCOMPARE(difference(package, expected), QString());
-}
 
-void HtsPackageTest::runAndSlotGiveDefaultsOutOfRange_data()
-{
-    QTest::addColumn<int>("index");
-    for (const int index :
-         {-1, 2, 3, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
-        QTest::addRow("%d", index) << index;
-}
+    void copyPreambleTakesThePreambleOnly()
+    {
+        HtsPackage expected = filledPackage();
+        expected.runs = QVector<HtsRun>(2);
+        expected.slots.clear();
+        expected.values = HtsValues(2);
+        HtsPackage package;
+        package.copyPreamble(filledPackage());
+        QCOMPARE(difference(package, expected), QString());
+    }
 
-void HtsPackageTest::runAndSlotGiveDefaultsOutOfRange()
-{
-    QFETCH(int, index);
-    const HtsPackage package = filledPackage();
-    QCOMPARE(difference(package.run(0), runWithTrace(1)), QString());
-    QCOMPARE(difference(package.run(1), runWithTrace(2)), QString());
-    QCOMPARE(difference(package.slot(1), slotNamed(QStringLiteral("second"))), QString());
-    QCOMPARE(difference(package.run(index), HtsRun()), QString());
-    QCOMPARE(difference(package.slot(index), HtsSlot()), QString());
-    // One object for the whole program.
-    QCOMPARE(&package.run(index), &HtsPackage().run(0));
-    QCOMPARE(&package.slot(index), &HtsPackage().slot(0));
-}
+    void copyPreambleKeepsLeadingRunsAndValues()
+    {
+        HtsPackage source;
+        source.numberOfRuns = 3;
+        HtsPackage package = filledPackage();
+        package.copyPreamble(source);
+        HtsPackage expected = source;
+        expected.runs = QVector<HtsRun>{runWithTrace(1), runWithTrace(2), HtsRun()};
+        expected.slots = filledPackage().slots;
+        expected.values = filledPackage().values;
+        expected.values.emplace_back();
+        QCOMPARE(difference(package, expected), QString());
 
-void HtsPackageTest::setRunAndSetSlotReplaceEveryField()
-{
-    HtsPackage package;
-    package.runs.resize(2);
-    package.slots.resize(2);
-    package.setRun(1, runWithTrace(7));
-    package.setSlot(0, slotNamed(QStringLiteral("new")));
-    HtsPackage expected;
-    expected.runs = QVector<HtsRun>{HtsRun(), runWithTrace(7)};
-    expected.slots = QVector<HtsSlot>{slotNamed(QStringLiteral("new")), HtsSlot()};
-    QCOMPARE(difference(package, expected), QString());
-    package.setRun(1, HtsRun());
-    package.setSlot(0, HtsSlot());
-    QCOMPARE(difference(package.run(1), HtsRun()), QString());
-    QCOMPARE(difference(package.slot(0), HtsSlot()), QString());
-}
+        source.numberOfRuns = 1;
+        package.copyPreamble(source);
+        expected.numberOfRuns = 1;
+        expected.runs.resize(1);
+        expected.values.resize(1);
+        QCOMPARE(difference(package, expected), QString());
+    }
 
-void HtsPackageTest::setRunAndSetSlotDoNothingOutOfRange_data()
-{
-    runAndSlotGiveDefaultsOutOfRange_data();
-}
+    void copyPreambleTakesNegativeCountForNone()
+    {
+        HtsPackage source;
+        source.numberOfRuns = -3;
+        HtsPackage package = filledPackage();
+        package.copyPreamble(source);
+        QCOMPARE(package.numberOfRuns, -3);
+        QCOMPARE(package.runs.size(), 0);
+        QVERIFY(package.values.empty());
+    }
 
-void HtsPackageTest::setRunAndSetSlotDoNothingOutOfRange()
-{
-    QFETCH(int, index);
-    HtsPackage package = filledPackage();
-    package.setRun(index, runWithTrace(9));
-    package.setSlot(index, slotNamed(QStringLiteral("nowhere")));
-    QCOMPARE(difference(package, filledPackage()), QString());
-    // Nor has the shared default object taken it.
-    QCOMPARE(package.run(index).trace, -1);
-    QCOMPARE(package.slot(index).slotName, QString());
-}
+    void setNumSlotsResizesSlotsAndValues_data()
+    {
+        QTest::addColumn<int>("count");
+        for (const int count : {std::numeric_limits<int>::min(), -1, 0, 1, 2, 5})
+            QTest::addRow("%d", count) << count;
+    }
 
-void HtsPackageTest::slotKindFollowsFromItsType_data()
-{
-    QTest::addColumn<QString>("slotType");
-    QTest::addColumn<bool>("isSeries");
-    QTest::addColumn<bool>("isTable");
-    QTest::addColumn<int>("columns");
-    QTest::addColumn<int>("rows");
-    QTest::newRow("empty") << QString() << true << false << 1 << -1;
-    QTest::newRow("series") << QStringLiteral("SeriesSlot") << true << false << 1 << -1;
-    QTest::newRow("table") << QStringLiteral("TableSlot") << false << true << 3 << 4;
-    QTest::newRow("scalar") << QStringLiteral("ScalarSlot") << false << false << 1 << 1;
-    QTest::newRow("unknown") << QStringLiteral("Other") << false << false << 1 << 1;
-    QTest::newRow("other case") << QStringLiteral("seriesslot") << false << false << 1 << 1;
-    QTest::newRow("with a blank") << QStringLiteral(" TableSlot") << false << false << 1 << 1;
-}
+    // Below zero counts as none.
+    void setNumSlotsResizesSlotsAndValues()
+    {
+        QFETCH(int, count);
+        HtsPackage package = filledPackage();
+        package.setNumSlots(count);
+        QCOMPARE(package.numSlots(), qMax(count, 0));
 
-void HtsPackageTest::slotKindFollowsFromItsType()
-{
-    QFETCH(QString, slotType);
-    HtsSlot slot;
-    slot.slotType = slotType;
-    slot.rows = 4;
-    slot.cols = 3;
-    QTEST(slot.isSeries(), "isSeries");
-    QTEST(slot.isTable(), "isTable");
-    QTEST(slot.numColumns(), "columns");
-    QTEST(slot.numRows(), "rows");
-}
+        HtsPackage expected = filledPackage();
+        expected.slots.clear();
+        for (auto& runValues : expected.values)
+            runValues.clear();
+        for (int slot = 0; slot < count; ++slot) {
+            const HtsPackage filled = filledPackage();
+            expected.slots.append(slot < 2 ? filled.slots.at(slot) : HtsSlot());
+            for (std::size_t run = 0; run < 2; ++run) {
+                expected.values[run].emplace_back();
+                if (slot < 2)
+                    expected.values[run].back() =
+                        filled.values[run][static_cast<std::size_t>(slot)];
+            }
+        }
+        QCOMPARE(difference(package, expected), QString());
+    }
 
-void HtsPackageTest::copiesAreIndependent()
-{
-    const HtsPackage original = filledPackage();
-    HtsPackage copy = original;
-    copy.runs[0].trace = 99;
-    copy.slots[0].units[0] = QStringLiteral("m");
-    copy.values[0][0][0][0] = -1.0;
-    QCOMPARE(difference(original, filledPackage()), QString());
-    QVERIFY(!difference(copy, original).isEmpty());
-}
+    void runAndSlotGiveDefaultsOutOfRange_data()
+    {
+        QTest::addColumn<int>("index");
+        for (const int index :
+             {-1, 2, 3, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
+            QTest::addRow("%d", index) << index;
+    }
 
-void HtsPackageTest::equalTextsOfNeighboursShareTheirMemory()
-{
-    // Texts of its own, as the reader makes them for every slot.
-    const auto makeSlot = [](const char* name) {
+    void runAndSlotGiveDefaultsOutOfRange()
+    {
+        QFETCH(int, index);
+        const HtsPackage package = filledPackage();
+        QCOMPARE(difference(package.run(0), runWithTrace(1)), QString());
+        QCOMPARE(difference(package.run(1), runWithTrace(2)), QString());
+        QCOMPARE(difference(package.slot(1), slotNamed(QStringLiteral("second"))), QString());
+        QCOMPARE(difference(package.run(index), HtsRun()), QString());
+        QCOMPARE(difference(package.slot(index), HtsSlot()), QString());
+        // One object for the whole program.
+        QCOMPARE(&package.run(index), &HtsPackage().run(0));
+        QCOMPARE(&package.slot(index), &HtsPackage().slot(0));
+    }
+
+    void setRunAndSetSlotReplaceEveryField()
+    {
+        HtsPackage package;
+        package.runs.resize(2);
+        package.slots.resize(2);
+        package.setRun(1, runWithTrace(7));
+        package.setSlot(0, slotNamed(QStringLiteral("new")));
+        HtsPackage expected;
+        expected.runs = QVector<HtsRun>{HtsRun(), runWithTrace(7)};
+        expected.slots = QVector<HtsSlot>{slotNamed(QStringLiteral("new")), HtsSlot()};
+        QCOMPARE(difference(package, expected), QString());
+        package.setRun(1, HtsRun());
+        package.setSlot(0, HtsSlot());
+        QCOMPARE(difference(package.run(1), HtsRun()), QString());
+        QCOMPARE(difference(package.slot(0), HtsSlot()), QString());
+    }
+
+    void setRunAndSetSlotDoNothingOutOfRange_data() { runAndSlotGiveDefaultsOutOfRange_data(); }
+    void setRunAndSetSlotDoNothingOutOfRange()
+    {
+        QFETCH(int, index);
+        HtsPackage package = filledPackage();
+        package.setRun(index, runWithTrace(9));
+        package.setSlot(index, slotNamed(QStringLiteral("nowhere")));
+        QCOMPARE(difference(package, filledPackage()), QString());
+        // Nor has the shared default object taken it.
+        QCOMPARE(package.run(index).trace, -1);
+        QCOMPARE(package.slot(index).slotName, QString());
+    }
+
+    void slotKindFollowsFromItsType_data()
+    {
+        addColumns<QString, bool, bool, int, int>("slotType", "isSeries", "isTable", "columns",
+                                                  "rows");
+        QTest::newRow("empty") << QString() << true << false << 1 << -1;
+        QTest::newRow("series") << QStringLiteral("SeriesSlot") << true << false << 1 << -1;
+        QTest::newRow("table") << QStringLiteral("TableSlot") << false << true << 3 << 4;
+        QTest::newRow("scalar") << QStringLiteral("ScalarSlot") << false << false << 1 << 1;
+        QTest::newRow("unknown") << QStringLiteral("Other") << false << false << 1 << 1;
+        QTest::newRow("other case") << QStringLiteral("seriesslot") << false << false << 1 << 1;
+        QTest::newRow("with a blank") << QStringLiteral(" TableSlot") << false << false << 1 << 1;
+    }
+
+    void slotKindFollowsFromItsType()
+    {
+        QFETCH(QString, slotType);
         HtsSlot slot;
-        slot.objectType = QString::fromLatin1("Reservoir");
-        slot.objectName = QString::fromLatin1("Lake A");
-        slot.slotType = QString::fromLatin1("SeriesSlot");
-        slot.slotName = QString::fromLatin1(name);
-        slot.units.append(QString::fromLatin1("cms"));
-        slot.methods.append(QString::fromLatin1("Sum"));
-        return slot;
-    };
-    const HtsSlot first = makeSlot("Inflow");
-    const HtsSlot expected = makeSlot("Outflow");
-    HtsSlot second = expected;
-    second.shareTexts(first);
-    QCOMPARE(difference(second, expected), QString());
-    for (QString HtsSlot::*text : {&HtsSlot::objectType, &HtsSlot::objectName, &HtsSlot::slotType})
-        QVERIFY((second.*text).isSharedWith(first.*text));
-    QVERIFY(second.units.isSharedWith(first.units));
-    QVERIFY(second.methods.isSharedWith(first.methods));
+        slot.slotType = slotType;
+        slot.rows = 4;
+        slot.cols = 3;
+        QTEST(slot.isSeries(), "isSeries");
+        QTEST(slot.isTable(), "isTable");
+        QTEST(slot.numColumns(), "columns");
+        QTEST(slot.numRows(), "rows");
+    }
 
-    HtsSlot third = makeSlot("Inflow");
-    third.shareTexts(first);
-    QVERIFY(third.slotName.isSharedWith(first.slotName));
+    void copiesAreIndependent()
+    {
+        const HtsPackage original = filledPackage();
+        HtsPackage copy = original;
+        copy.runs[0].trace = 99;
+        copy.slots[0].units[0] = QStringLiteral("m");
+        copy.values[0][0][0][0] = -1.0;
+        QCOMPARE(difference(original, filledPackage()), QString());
+        QVERIFY(!difference(copy, original).isEmpty());
+    }
 
-    HtsSlot negative;
-    negative.scales = QList<double>{-0.0};
-    HtsSlot positive;
-    positive.scales = QList<double>{0.0};
-    positive.shareTexts(negative);
-    QVERIFY(!std::signbit(positive.scales.first()));
-    negative.shareTexts(positive);
-    QVERIFY(std::signbit(negative.scales.first()));
-    HtsSlot other = negative;
-    other.scales.detach();
-    other.shareTexts(negative);
-    QVERIFY(other.scales.isSharedWith(negative.scales));
-}
+    void equalTextsOfNeighboursShareTheirMemory()
+    {
+        // Texts of its own, as the reader makes them for every slot.
+        const auto makeSlot = [](const char* name) {
+            HtsSlot slot;
+            slot.objectType = QString::fromLatin1("Reservoir");
+            slot.objectName = QString::fromLatin1("Lake A");
+            slot.slotType = QString::fromLatin1("SeriesSlot");
+            slot.slotName = QString::fromLatin1(name);
+            slot.units.append(QString::fromLatin1("cms"));
+            slot.methods.append(QString::fromLatin1("Sum"));
+            return slot;
+        };
+        const HtsSlot first = makeSlot("Inflow");
+        const HtsSlot expected = makeSlot("Outflow");
+        HtsSlot second = expected;
+        second.shareTexts(first);
+        QCOMPARE(difference(second, expected), QString());
+        for (QString HtsSlot::*text :
+             {&HtsSlot::objectType, &HtsSlot::objectName, &HtsSlot::slotType})
+            QVERIFY((second.*text).isSharedWith(first.*text));
+        QVERIFY(second.units.isSharedWith(first.units));
+        QVERIFY(second.methods.isSharedWith(first.methods));
 
-void HtsPackageTest::statusIsSuccessWithoutMessage()
-{
-    const Status success;
-    QVERIFY(success.ok());
-    QVERIFY(!success.flag);
-    const Status failed = failure(QStringLiteral("reason"));
-    QVERIFY(!failed.ok());
-    QCOMPARE(failed.message, QStringLiteral("reason"));
-    QVERIFY(!failed.flag);
-}
+        HtsSlot third = makeSlot("Inflow");
+        third.shareTexts(first);
+        QVERIFY(third.slotName.isSharedWith(first.slotName));
+
+        HtsSlot negative;
+        negative.scales = QList<double>{-0.0};
+        HtsSlot positive;
+        positive.scales = QList<double>{0.0};
+        positive.shareTexts(negative);
+        QVERIFY(!std::signbit(positive.scales.first()));
+        negative.shareTexts(positive);
+        QVERIFY(std::signbit(negative.scales.first()));
+        HtsSlot other = negative;
+        other.scales.detach();
+        other.shareTexts(negative);
+        QVERIFY(other.scales.isSharedWith(negative.scales));
+    }
+
+    void statusIsSuccessWithoutMessage()
+    {
+        const Status success;
+        QVERIFY(success.ok());
+        QVERIFY(!success.flag);
+        const Status failed = failure(QStringLiteral("reason"));
+        QVERIFY(!failed.ok());
+        QCOMPARE(failed.message, QStringLiteral("reason"));
+        QVERIFY(!failed.flag);
+    }
+};
 
 HTS_TEST(HtsPackageTest, NoApplication)
 #include "tst_htspackage.moc"

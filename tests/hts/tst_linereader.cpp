@@ -28,365 +28,10 @@ QByteArray bytes(std::string_view view)
     return QByteArray(view.data(), static_cast<int>(view.size()));
 }
 
-} // namespace
-
-class LineReaderTest : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void initTestCase();
-    void readsLines_data();
-    void readsLines();
-    void leavesTheDeviceAfterTheLastLineRead_data();
-    void leavesTheDeviceAfterTheLastLineRead();
-    void startsAtThePositionOfTheDevice();
-    void readsLinesOfAnyLength_data();
-    void readsLinesOfAnyLength();
-    void readsNumbersAcrossBlocks_data();
-    void readsNumbersAcrossBlocks();
-    void looksAheadForAWord_data();
-    void looksAheadForAWord();
-    void looksAheadForAWordAcrossBlocks_data();
-    void looksAheadForAWordAcrossBlocks();
-    void looksAtTheNextByte_data();
-    void looksAtTheNextByte();
-    void atEndReadsNothing();
-    void countsLines_data();
-    void countsLines();
-    void restoresTextMode_data();
-    void restoresTextMode();
-    void asksAPipeForNoMoreThanItNeeds_data();
-    void asksAPipeForNoMoreThanItNeeds();
-    void leavesWhatItDidNotUseInAPipe_data();
-    void leavesWhatItDidNotUseInAPipe();
-    void closedDeviceIsEmpty();
-
-private:
-    // Rows for the kinds of device, each in text mode and not. A number means a sequential device
-    // that returns so many bytes at a time.
-    static void addDeviceRows(std::initializer_list<const char*> kinds = {"buffer", "file", "1",
-                                                                          "7"});
-    // The device of the current row with `data`.
-    std::unique_ptr<QIODevice> opened(const QByteArray& data);
-
-    QTemporaryDir m_folder;
-};
-
-void LineReaderTest::initTestCase()
-{
-    QVERIFY(m_folder.isValid());
-}
-
-void LineReaderTest::addDeviceRows(std::initializer_list<const char*> kinds)
-{
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<bool>("isTextMode");
-    for (const char* kind : kinds) {
-        QTest::addRow("%s", kind) << QString::fromLatin1(kind) << false;
-        QTest::addRow("%s, text mode", kind) << QString::fromLatin1(kind) << true;
-    }
-}
-
-std::unique_ptr<QIODevice> LineReaderTest::opened(const QByteArray& data)
-{
-    QFETCH(QString, kind);
-    QFETCH(bool, isTextMode);
-    std::unique_ptr<QIODevice> device;
-    if (kind == QLatin1String("buffer")) {
-        auto buffer = std::make_unique<QBuffer>();
-        buffer->setData(data);
-        device = std::move(buffer);
-    } else if (kind == QLatin1String("file")) {
-        auto file = std::make_unique<QFile>(m_folder.filePath(QStringLiteral("file.txt")));
-        if (!file->open(QIODevice::WriteOnly) || file->write(data) != data.size())
-            qFatal("cannot write %s", qPrintable(file->fileName()));
-        file->close();
-        device = std::move(file);
-    } else {
-        device = std::make_unique<PieceDevice>(data, kind.toInt());
-    }
-    const QIODevice::OpenMode mode = QIODevice::ReadOnly;
-    if (!device->open(isTextMode ? mode | QIODevice::Text : mode))
-        qFatal("cannot open the device");
-    return device;
-}
-
-void LineReaderTest::readsLines_data()
-{
-    addDeviceRows();
-}
-
-void LineReaderTest::readsLines()
-{
-    const char kText[] = "first\n\n  inner  blank \t\r\nwindows\r\n\r\n\xc3\x84\xff\na\0b\nlast";
-    const auto device = opened(QByteArray(kText, sizeof kText - 1));
-    LineReader reader(*device);
-    QCOMPARE(bytes(reader.line()), QByteArray("first"));
-    QCOMPARE(bytes(reader.line()), QByteArray());
-    QCOMPARE(bytes(reader.line()), QByteArray("inner  blank"));
-    QCOMPARE(bytes(reader.line()), QByteArray("windows"));
-    QCOMPARE(textOf(reader), QString());
-    QCOMPARE(textOf(reader), QString(QString(QChar(0xc4)) + QChar(0xfffd)));
-    QCOMPARE(textOf(reader), QStringLiteral("a"));
-    QCOMPARE(textOf(reader), QStringLiteral("last"));
-    QCOMPARE(textOf(reader), QString());
-    QCOMPARE(bytes(reader.line()), QByteArray());
-}
-
-void LineReaderTest::leavesTheDeviceAfterTheLastLineRead_data()
-{
-    addDeviceRows();
-}
-
-void LineReaderTest::leavesTheDeviceAfterTheLastLineRead()
-{
-    const QByteArray text("one\r\ntwo\n3\n4\r\nlast, without a line end");
-    const int lineEnds[] = {0, 5, 9, 11, 14, text.size(), text.size()};
-    for (int lines = 0; lines < 7; ++lines) {
-        const auto device = opened(text);
-        {
-            LineReader reader(*device);
-            for (int line = 0; line < lines; ++line)
-                reader.line();
-        }
-        if (!device->isSequential())
-            QCOMPARE(device->pos(), lineEnds[lines]);
-        device->setTextModeEnabled(false);
-        QCOMPARE(device->readAll(), text.mid(lineEnds[lines]));
-    }
-}
-
-void LineReaderTest::startsAtThePositionOfTheDevice()
-{
-    QBuffer device;
-    device.setData("one\ntwo\nthree\n");
-    QVERIFY(device.open(QIODevice::ReadOnly));
-    QVERIFY(device.seek(4));
-    QCOMPARE(textOf(LineReader(device)), QStringLiteral("two"));
-    QCOMPARE(device.pos(), 8);
-    QCOMPARE(textOf(LineReader(device)), QStringLiteral("three"));
-    QCOMPARE(textOf(LineReader(device)), QString());
-    QCOMPARE(device.pos(), 14);
-}
-
-void LineReaderTest::readsLinesOfAnyLength_data()
-{
-    QTest::addColumn<int>("length");
-    // Around the block size and its doubles, and around the chunk of a device.
-    for (const int around : {0, 16384, 32768, 65536, 131072, 262144}) {
-        for (int length = std::max(around - 2, 0); length <= around + 2; ++length)
-            QTest::addRow("%d", length) << length;
-    }
-}
-
-void LineReaderTest::readsLinesOfAnyLength()
-{
-    QFETCH(int, length);
-    const QByteArray line(length, 'x');
-    for (const char* lineEnd : {"\n", "\r\n"}) {
-        const QByteArray text = line + lineEnd + "short" + lineEnd + line + lineEnd + "last";
-        QBuffer device;
-        device.setData(text);
-        QVERIFY(device.open(QIODevice::ReadOnly));
-        {
-            LineReader reader(device);
-            QVERIFY(bytes(reader.line()) == line);
-            QCOMPARE(bytes(reader.line()), QByteArray("short"));
-            QVERIFY(bytes(reader.line()) == line);
-        }
-        QCOMPARE(device.pos(), text.size() - 4);
-    }
-}
-
-void LineReaderTest::readsNumbersAcrossBlocks_data()
-{
-    addDeviceRows();
-}
-
-void LineReaderTest::readsNumbersAcrossBlocks()
-{
-    for (const char* lineEnd : {"\n", "\r\n", " \n"}) {
-        QByteArray text = "header\n";
-        std::vector<double> expected;
-        for (int i = 0; i < 12000; ++i) {
-            expected.push_back(i % 7 == 0 ? -i * 0.25 : i / 3.0);
-            text += QByteArray::number(expected.back(), 'g', 17) + lineEnd;
-        }
-        const int end = text.size();
-        text += "END";
-        const auto device = opened(text);
-        std::vector<double> numbers(expected.size(), -1.0);
-        {
-            LineReader reader(*device);
-            QCOMPARE(bytes(reader.line()), QByteArray("header"));
-            reader.readNumbers(numbers);
-        }
-        QVERIFY(numbers == expected);
-        device->setTextModeEnabled(false);
-        QCOMPARE(device->readAll(), text.mid(end));
-    }
-    // Numbers after the end of the input are 0, and a line is a number even without its end.
-    const auto device = opened("1\n\ntext\nNaN\n12");
-    std::vector<double> numbers(7, -1.0);
-    LineReader(*device).readNumbers(numbers);
-    QVERIFY(std::isnan(numbers[3]));
-    numbers[3] = 0.0;
-    QVERIFY((numbers == std::vector<double>{1.0, 0.0, 0.0, 0.0, 12.0, 0.0, 0.0}));
-    QVERIFY(device->atEnd());
-}
-
-void LineReaderTest::looksAheadForAWord_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<bool>("isNext");
-    const auto addRow = [](const char* name, const char* text, bool isNext) {
-        QTest::newRow(name) << QByteArray(text) << isNext;
-    };
-    addRow("alone on its line", "END_RUN\nmore", true);
-    addRow("Windows line end", "END_RUN\r\nmore", true);
-    addRow("at the end of the input", "END_RUN", true);
-    addRow("blank and text after", "END_RUN text\n", true);
-    addRow("tab and text after", "END_RUN\ttext\n", true);
-    addRow("blank before", " END_RUN\n", true);
-    addRow("empty line before", "\nEND_RUN\n", true);
-    addRow("two blanks before", "  END_RUN\n", false);
-    addRow("letter after", "END_RUNS\n", false);
-    addRow("cut short", "END_RU\n", false);
-    addRow("cut short at the end of the input", "END_RU", false);
-    addRow("other case", "end_run\n", false);
-    addRow("empty input", "", false);
-    addRow("preamble", "END_RUN_PREAMBLE\n", false);
-}
-
-void LineReaderTest::looksAheadForAWord()
-{
-    QFETCH(QByteArray, text);
-    QFETCH(bool, isNext);
-    for (const bool isTextMode : {false, true}) {
-        for (const qint64 size : {1, 3, 8, 1000}) {
-            PieceDevice device(text, size);
-            const QIODevice::OpenMode mode = QIODevice::ReadOnly;
-            QVERIFY(device.open(isTextMode ? mode | QIODevice::Text : mode));
-            QCOMPARE(LineReader(device).nextIs("END_RUN"), isNext);
-            device.setTextModeEnabled(false);
-            QCOMPARE(device.readAll(), text);
-        }
-    }
-}
-
-void LineReaderTest::looksAheadForAWordAcrossBlocks_data()
-{
-    addDeviceRows({"buffer", "file", "4096"});
-}
-
-void LineReaderTest::looksAheadForAWordAcrossBlocks()
-{
-    for (int before = 65536 - 12; before <= 65536 + 2; ++before) {
-        for (const char* lineEnd : {"\n", "\r\n"}) {
-            const auto device =
-                opened(QByteArray(before - 1, 'x') + "\nEND_RUN" + lineEnd + "mark\n");
-            LineReader reader(*device);
-            reader.line();
-            QVERIFY(!reader.nextIs("END_SET"));
-            QVERIFY(reader.nextIs("END_RUN"));
-            QCOMPARE(bytes(reader.line()), QByteArray("END_RUN"));
-            QVERIFY(reader.nextByteIs('m'));
-            QCOMPARE(bytes(reader.line()), QByteArray("mark"));
-        }
-    }
-}
-
-void LineReaderTest::looksAtTheNextByte_data()
-{
-    addDeviceRows();
-}
-
-void LineReaderTest::looksAtTheNextByte()
-{
-    const auto device = opened("method: x\n method\n\nM\n");
-    {
-        LineReader reader(*device);
-        QVERIFY(reader.nextByteIs('m'));
-        QVERIFY(!reader.nextByteIs('e'));
-        QCOMPARE(bytes(reader.line()), QByteArray("method: x"));
-        QVERIFY(!reader.nextByteIs('m')); // a blank
-        QCOMPARE(bytes(reader.line()), QByteArray("method"));
-        QVERIFY(!reader.nextByteIs('m')); // a line end
-        QCOMPARE(bytes(reader.line()), QByteArray());
-        QVERIFY(!reader.nextByteIs('m'));
-    }
-    QCOMPARE(device->readAll(), QByteArray("M\n"));
-    LineReader reader(*device);
-    QVERIFY(!reader.nextByteIs('m'));
-    QVERIFY(!reader.nextByteIs('\0'));
-}
-
-void LineReaderTest::atEndReadsNothing()
-{
-    QBuffer device;
-    device.setData("one");
-    QVERIFY(device.open(QIODevice::ReadOnly));
-    LineReader reader(device);
-    QVERIFY(!reader.atEnd());
-    QVERIFY(!reader.atEnd());
-    QCOMPARE(bytes(reader.line()), QByteArray("one"));
-    QVERIFY(reader.atEnd());
-    QCOMPARE(bytes(reader.line()), QByteArray());
-    QVERIFY(reader.atEnd());
-}
-
-void LineReaderTest::countsLines_data()
-{
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<int>("lines"); // of the input
-    QTest::newRow("no byte") << QByteArray() << 0;
-    QTest::newRow("empty line") << QByteArray("\n") << 1;
-    QTest::newRow("lines") << QByteArray("a\n\nb\n") << 3;
-    QTest::newRow("last line without an end") << QByteArray("a\nb") << 2;
-    QTest::newRow("many") << QByteArray("1.5\n").repeated(100000) << 100000;
-}
-
-void LineReaderTest::countsLines()
-{
-    QFETCH(QByteArray, text);
-    QFETCH(int, lines);
-    constexpr int kMore = 5;
-    QBuffer device(&text);
-    device.open(QIODevice::ReadOnly);
-    LineReader reader(device);
-    std::vector<double> numbers(static_cast<std::size_t>(lines / 2));
-    reader.readNumbers(numbers);
-    reader.skipLines(lines - lines / 2);
-    QCOMPARE(reader.lineNumber(), qint64(lines));
-    QCOMPARE(reader.linesPastEnd(), qint64(0));
-    numbers.resize(kMore);
-    reader.readNumbers(numbers);
-    QCOMPARE(reader.lineNumber(), qint64(lines + kMore));
-    QCOMPARE(reader.linesPastEnd(), qint64(kMore));
-}
-
-void LineReaderTest::restoresTextMode_data()
-{
-    // Not byte by byte: QIODevice::readLine then ends a line at its "\r".
-    addDeviceRows({"buffer", "file", "4096"});
-}
-
-void LineReaderTest::restoresTextMode()
-{
-    QFETCH(bool, isTextMode);
-    const auto device = opened("one\r\ntwo\r\nthree\r\n");
-    QCOMPARE(textOf(LineReader(*device)), QStringLiteral("one"));
-    QCOMPARE(device->isTextModeEnabled(), isTextMode);
-    QCOMPARE(device->readLine(), QByteArray(isTextMode ? "two\n" : "two\r\n"));
-}
-
 // Rows of pipes: how many bytes come at once, how they are opened, and the line end in them.
-static void addPipeRows()
+void addPipeRows()
 {
-    QTest::addColumn<int>("pieceSize");
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<QByteArray>("lineEnd");
+    addColumns<int, int, QByteArray>("pieceSize", "mode", "lineEnd");
     for (const int pieceSize : {1, 2, 7, 1000000}) {
         for (const QIODevice::OpenMode more :
              {QIODevice::OpenMode(), QIODevice::OpenMode(QIODevice::Text)}) {
@@ -404,80 +49,372 @@ static void addPipeRows()
     }
 }
 
-void LineReaderTest::asksAPipeForNoMoreThanItNeeds_data()
-{
-    addPipeRows();
-}
+} // namespace
 
-void LineReaderTest::asksAPipeForNoMoreThanItNeeds()
+class LineReaderTest : public QObject
 {
-    QFETCH(int, pieceSize);
-    QFETCH(int, mode);
-    QFETCH(QByteArray, lineEnd);
-    // What is read, and a text with just the bytes for that.
-    const std::pair<const char*, std::function<void(LineReader&)>> kReads[] = {
-        {"one\n", [](LineReader& reader) { QCOMPARE(bytes(reader.line()), QByteArray("one")); }},
-        {"one\n", [](LineReader& reader) { QVERIFY(reader.nextByteIs('o')); }},
-        {"END_RUN\n", [](LineReader& reader) { QVERIFY(reader.nextIs("END_RUN")); }},
-        {"o", [](LineReader& reader) { QVERIFY(!reader.atEnd()); }},
-        {"1\n2.5\n x\n",
-         [](LineReader& reader) {
-             std::vector<double> numbers(3);
-             reader.readNumbers(numbers);
-             QCOMPARE(numbers, (std::vector<double>{1.0, 2.5, 0.0}));
-         }},
-        {"1\n2\n3\n", [](LineReader& reader) { reader.skipLines(3); }},
-        {"one\n2\nmore\nEND_RUN\n",
-         [](LineReader& reader) {
-             reader.line();
-             reader.skipLines(1);
-             QVERIFY(reader.nextByteIs('m'));
-             QVERIFY(!reader.nextIs("END_RUN"));
-             reader.line();
-             QVERIFY(reader.nextIs("END_RUN"));
-             reader.line();
-         }},
-    };
-    for (const auto& [text, read] : kReads) {
-        PieceDevice device(QByteArray(text).replace("\n", lineEnd), pieceSize);
-        QVERIFY(device.open(static_cast<QIODevice::OpenMode>(mode)));
-        {
-            LineReader reader(device);
-            read(reader);
-        }
-        QVERIFY2(!device.isOverdrawn(), text);
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY(m_folder.isValid()); }
+
+    void readsLines_data() { addDeviceRows(); }
+    void readsLines()
+    {
+        const char kText[] =
+            "first\n\n  inner  blank \t\r\nwindows\r\n\r\n\xc3\x84\xff\na\0b\nlast";
+        const auto device = opened(QByteArray(kText, sizeof kText - 1));
+        LineReader reader(*device);
+        QCOMPARE(bytes(reader.line()), QByteArray("first"));
+        QCOMPARE(bytes(reader.line()), QByteArray());
+        QCOMPARE(bytes(reader.line()), QByteArray("inner  blank"));
+        QCOMPARE(bytes(reader.line()), QByteArray("windows"));
+        QCOMPARE(textOf(reader), QString());
+        QCOMPARE(textOf(reader), QString(QString(QChar(0xc4)) + QChar(0xfffd)));
+        QCOMPARE(textOf(reader), QStringLiteral("a"));
+        QCOMPARE(textOf(reader), QStringLiteral("last"));
+        QCOMPARE(textOf(reader), QString());
+        QCOMPARE(bytes(reader.line()), QByteArray());
     }
-}
 
-void LineReaderTest::leavesWhatItDidNotUseInAPipe_data()
-{
-    addPipeRows();
-}
+    void leavesTheDeviceAfterTheLastLineRead_data() { addDeviceRows(); }
+    void leavesTheDeviceAfterTheLastLineRead()
+    {
+        const QByteArray text("one\r\ntwo\n3\n4\r\nlast, without a line end");
+        const int lineEnds[] = {0, 5, 9, 11, 14, text.size(), text.size()};
+        for (int lines = 0; lines < 7; ++lines) {
+            const auto device = opened(text);
+            {
+                LineReader reader(*device);
+                for (int line = 0; line < lines; ++line)
+                    reader.line();
+            }
+            if (!device->isSequential())
+                QCOMPARE(device->pos(), lineEnds[lines]);
+            device->setTextModeEnabled(false);
+            QCOMPARE(device->readAll(), text.mid(lineEnds[lines]));
+        }
+    }
 
-void LineReaderTest::leavesWhatItDidNotUseInAPipe()
-{
-    QFETCH(int, pieceSize);
-    QFETCH(int, mode);
-    QFETCH(QByteArray, lineEnd);
-    const QByteArray rest = QByteArray("two\nthree\n").replace("\n", lineEnd);
-    PieceDevice device("one" + lineEnd + rest, pieceSize);
-    QVERIFY(device.open(static_cast<QIODevice::OpenMode>(mode)));
-    QCOMPARE(textOf(LineReader(device)), QStringLiteral("one"));
-    QCOMPARE(LineReader(device).nextByteIs('t'), true);
-    // The returned bytes are read first, without any others, and are enough.
-    QCOMPARE(textOf(LineReader(device)), QStringLiteral("two"));
-    QVERIFY(!device.isOverdrawn());
-    device.setTextModeEnabled(false);
-    QCOMPARE(device.readAll(), "three" + lineEnd);
-}
+    void startsAtThePositionOfTheDevice()
+    {
+        QBuffer device;
+        device.setData("one\ntwo\nthree\n");
+        QVERIFY(device.open(QIODevice::ReadOnly));
+        QVERIFY(device.seek(4));
+        QCOMPARE(textOf(LineReader(device)), QStringLiteral("two"));
+        QCOMPARE(device.pos(), 8);
+        QCOMPARE(textOf(LineReader(device)), QStringLiteral("three"));
+        QCOMPARE(textOf(LineReader(device)), QString());
+        QCOMPARE(device.pos(), 14);
+    }
 
-void LineReaderTest::closedDeviceIsEmpty()
-{
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral(".*device not open")));
-    QBuffer device;
-    LineReader reader(device);
-    QCOMPARE(textOf(reader), QString());
-}
+    void readsLinesOfAnyLength_data()
+    {
+        QTest::addColumn<int>("length");
+        // Around the block size and its doubles, and around the chunk of a device.
+        for (const int around : {0, 16384, 32768, 65536, 131072, 262144}) {
+            for (int length = std::max(around - 2, 0); length <= around + 2; ++length)
+                QTest::addRow("%d", length) << length;
+        }
+    }
+
+    void readsLinesOfAnyLength()
+    {
+        QFETCH(int, length);
+        const QByteArray line(length, 'x');
+        for (const char* lineEnd : {"\n", "\r\n"}) {
+            const QByteArray text = line + lineEnd + "short" + lineEnd + line + lineEnd + "last";
+            QBuffer device;
+            device.setData(text);
+            QVERIFY(device.open(QIODevice::ReadOnly));
+            {
+                LineReader reader(device);
+                QVERIFY(bytes(reader.line()) == line);
+                QCOMPARE(bytes(reader.line()), QByteArray("short"));
+                QVERIFY(bytes(reader.line()) == line);
+            }
+            QCOMPARE(device.pos(), text.size() - 4);
+        }
+    }
+
+    void readsNumbersAcrossBlocks_data() { addDeviceRows(); }
+    void readsNumbersAcrossBlocks()
+    {
+        for (const char* lineEnd : {"\n", "\r\n", " \n"}) {
+            QByteArray text = "header\n";
+            std::vector<double> expected;
+            for (int i = 0; i < 12000; ++i) {
+                expected.push_back(i % 7 == 0 ? -i * 0.25 : i / 3.0);
+                text += QByteArray::number(expected.back(), 'g', 17) + lineEnd;
+            }
+            const int end = text.size();
+            text += "END";
+            const auto device = opened(text);
+            std::vector<double> numbers(expected.size(), -1.0);
+            {
+                LineReader reader(*device);
+                QCOMPARE(bytes(reader.line()), QByteArray("header"));
+                reader.readNumbers(numbers);
+            }
+            QVERIFY(numbers == expected);
+            device->setTextModeEnabled(false);
+            QCOMPARE(device->readAll(), text.mid(end));
+        }
+        // Numbers after the end of the input are 0, and a line is a number even without its end.
+        const auto device = opened("1\n\ntext\nNaN\n12");
+        std::vector<double> numbers(7, -1.0);
+        LineReader(*device).readNumbers(numbers);
+        QVERIFY(std::isnan(numbers[3]));
+        numbers[3] = 0.0;
+        QVERIFY((numbers == std::vector<double>{1.0, 0.0, 0.0, 0.0, 12.0, 0.0, 0.0}));
+        QVERIFY(device->atEnd());
+    }
+
+    void looksAheadForAWord_data()
+    {
+        addColumns<QByteArray, bool>("text", "isNext");
+        const auto addRow = [](const char* name, const char* text, bool isNext) {
+            QTest::newRow(name) << QByteArray(text) << isNext;
+        };
+        addRow("alone on its line", "END_RUN\nmore", true);
+        addRow("Windows line end", "END_RUN\r\nmore", true);
+        addRow("at the end of the input", "END_RUN", true);
+        addRow("blank and text after", "END_RUN text\n", true);
+        addRow("tab and text after", "END_RUN\ttext\n", true);
+        addRow("blank before", " END_RUN\n", true);
+        addRow("empty line before", "\nEND_RUN\n", true);
+        addRow("two blanks before", "  END_RUN\n", false);
+        addRow("letter after", "END_RUNS\n", false);
+        addRow("cut short", "END_RU\n", false);
+        addRow("cut short at the end of the input", "END_RU", false);
+        addRow("other case", "end_run\n", false);
+        addRow("empty input", "", false);
+        addRow("preamble", "END_RUN_PREAMBLE\n", false);
+    }
+
+    void looksAheadForAWord()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(bool, isNext);
+        for (const bool isTextMode : {false, true}) {
+            for (const qint64 size : {1, 3, 8, 1000}) {
+                PieceDevice device(text, size);
+                const QIODevice::OpenMode mode = QIODevice::ReadOnly;
+                QVERIFY(device.open(isTextMode ? mode | QIODevice::Text : mode));
+                QCOMPARE(LineReader(device).nextIs("END_RUN"), isNext);
+                device.setTextModeEnabled(false);
+                QCOMPARE(device.readAll(), text);
+            }
+        }
+    }
+
+    void looksAheadForAWordAcrossBlocks_data() { addDeviceRows({"buffer", "file", "4096"}); }
+    void looksAheadForAWordAcrossBlocks()
+    {
+        for (int before = 65536 - 12; before <= 65536 + 2; ++before) {
+            for (const char* lineEnd : {"\n", "\r\n"}) {
+                const auto device =
+                    opened(QByteArray(before - 1, 'x') + "\nEND_RUN" + lineEnd + "mark\n");
+                LineReader reader(*device);
+                reader.line();
+                QVERIFY(!reader.nextIs("END_SET"));
+                QVERIFY(reader.nextIs("END_RUN"));
+                QCOMPARE(bytes(reader.line()), QByteArray("END_RUN"));
+                QVERIFY(reader.nextByteIs('m'));
+                QCOMPARE(bytes(reader.line()), QByteArray("mark"));
+            }
+        }
+    }
+
+    void looksAtTheNextByte_data() { addDeviceRows(); }
+    void looksAtTheNextByte()
+    {
+        const auto device = opened("method: x\n method\n\nM\n");
+        {
+            LineReader reader(*device);
+            QVERIFY(reader.nextByteIs('m'));
+            QVERIFY(!reader.nextByteIs('e'));
+            QCOMPARE(bytes(reader.line()), QByteArray("method: x"));
+            QVERIFY(!reader.nextByteIs('m')); // a blank
+            QCOMPARE(bytes(reader.line()), QByteArray("method"));
+            QVERIFY(!reader.nextByteIs('m')); // a line end
+            QCOMPARE(bytes(reader.line()), QByteArray());
+            QVERIFY(!reader.nextByteIs('m'));
+        }
+        QCOMPARE(device->readAll(), QByteArray("M\n"));
+        LineReader reader(*device);
+        QVERIFY(!reader.nextByteIs('m'));
+        QVERIFY(!reader.nextByteIs('\0'));
+    }
+
+    void atEndReadsNothing()
+    {
+        QBuffer device;
+        device.setData("one");
+        QVERIFY(device.open(QIODevice::ReadOnly));
+        LineReader reader(device);
+        QVERIFY(!reader.atEnd());
+        QVERIFY(!reader.atEnd());
+        QCOMPARE(bytes(reader.line()), QByteArray("one"));
+        QVERIFY(reader.atEnd());
+        QCOMPARE(bytes(reader.line()), QByteArray());
+        QVERIFY(reader.atEnd());
+    }
+
+    void countsLines_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<int>("lines"); // of the input
+        QTest::newRow("no byte") << QByteArray() << 0;
+        QTest::newRow("empty line") << QByteArray("\n") << 1;
+        QTest::newRow("lines") << QByteArray("a\n\nb\n") << 3;
+        QTest::newRow("last line without an end") << QByteArray("a\nb") << 2;
+        QTest::newRow("many") << QByteArray("1.5\n").repeated(100000) << 100000;
+    }
+
+    void countsLines()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(int, lines);
+        constexpr int kMore = 5;
+        QBuffer device(&text);
+        device.open(QIODevice::ReadOnly);
+        LineReader reader(device);
+        std::vector<double> numbers(static_cast<std::size_t>(lines / 2));
+        reader.readNumbers(numbers);
+        reader.skipLines(lines - lines / 2);
+        QCOMPARE(reader.lineNumber(), qint64(lines));
+        QCOMPARE(reader.linesPastEnd(), qint64(0));
+        numbers.resize(kMore);
+        reader.readNumbers(numbers);
+        QCOMPARE(reader.lineNumber(), qint64(lines + kMore));
+        QCOMPARE(reader.linesPastEnd(), qint64(kMore));
+    }
+
+    void restoresTextMode_data()
+    {
+        // Not byte by byte: QIODevice::readLine then ends a line at its "\r".
+        addDeviceRows({"buffer", "file", "4096"});
+    }
+
+    void restoresTextMode()
+    {
+        QFETCH(bool, isTextMode);
+        const auto device = opened("one\r\ntwo\r\nthree\r\n");
+        QCOMPARE(textOf(LineReader(*device)), QStringLiteral("one"));
+        QCOMPARE(device->isTextModeEnabled(), isTextMode);
+        QCOMPARE(device->readLine(), QByteArray(isTextMode ? "two\n" : "two\r\n"));
+    }
+
+    void asksAPipeForNoMoreThanItNeeds_data() { addPipeRows(); }
+    void asksAPipeForNoMoreThanItNeeds()
+    {
+        QFETCH(int, pieceSize);
+        QFETCH(int, mode);
+        QFETCH(QByteArray, lineEnd);
+        // What is read, and a text with just the bytes for that.
+        const std::pair<const char*, std::function<void(LineReader&)>> kReads[] = {
+            {"one\n",
+             [](LineReader& reader) { QCOMPARE(bytes(reader.line()), QByteArray("one")); }},
+            {"one\n", [](LineReader& reader) { QVERIFY(reader.nextByteIs('o')); }},
+            {"END_RUN\n", [](LineReader& reader) { QVERIFY(reader.nextIs("END_RUN")); }},
+            {"o", [](LineReader& reader) { QVERIFY(!reader.atEnd()); }},
+            {"1\n2.5\n x\n",
+             [](LineReader& reader) {
+                 std::vector<double> numbers(3);
+                 reader.readNumbers(numbers);
+                 QCOMPARE(numbers, (std::vector<double>{1.0, 2.5, 0.0}));
+             }},
+            {"1\n2\n3\n", [](LineReader& reader) { reader.skipLines(3); }},
+            {"one\n2\nmore\nEND_RUN\n",
+             [](LineReader& reader) {
+                 reader.line();
+                 reader.skipLines(1);
+                 QVERIFY(reader.nextByteIs('m'));
+                 QVERIFY(!reader.nextIs("END_RUN"));
+                 reader.line();
+                 QVERIFY(reader.nextIs("END_RUN"));
+                 reader.line();
+             }},
+        };
+        for (const auto& [text, read] : kReads) {
+            PieceDevice device(QByteArray(text).replace("\n", lineEnd), pieceSize);
+            QVERIFY(device.open(static_cast<QIODevice::OpenMode>(mode)));
+            {
+                LineReader reader(device);
+                read(reader);
+            }
+            QVERIFY2(!device.isOverdrawn(), text);
+        }
+    }
+
+    void leavesWhatItDidNotUseInAPipe_data() { addPipeRows(); }
+    void leavesWhatItDidNotUseInAPipe()
+    {
+        QFETCH(int, pieceSize);
+        QFETCH(int, mode);
+        QFETCH(QByteArray, lineEnd);
+        const QByteArray rest = QByteArray("two\nthree\n").replace("\n", lineEnd);
+        PieceDevice device("one" + lineEnd + rest, pieceSize);
+        QVERIFY(device.open(static_cast<QIODevice::OpenMode>(mode)));
+        QCOMPARE(textOf(LineReader(device)), QStringLiteral("one"));
+        QCOMPARE(LineReader(device).nextByteIs('t'), true);
+        // The returned bytes are read first, without any others, and are enough.
+        QCOMPARE(textOf(LineReader(device)), QStringLiteral("two"));
+        QVERIFY(!device.isOverdrawn());
+        device.setTextModeEnabled(false);
+        QCOMPARE(device.readAll(), "three" + lineEnd);
+    }
+
+    void closedDeviceIsEmpty()
+    {
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral(".*device not open")));
+        QBuffer device;
+        LineReader reader(device);
+        QCOMPARE(textOf(reader), QString());
+    }
+
+private:
+    // Rows for the kinds of device, each in text mode and not. A number means a sequential device
+    // that returns so many bytes at a time.
+    static void addDeviceRows(std::initializer_list<const char*> kinds = {"buffer", "file", "1",
+                                                                          "7"})
+    {
+        addColumns<QString, bool>("kind", "isTextMode");
+        for (const char* kind : kinds) {
+            QTest::addRow("%s", kind) << QString::fromLatin1(kind) << false;
+            QTest::addRow("%s, text mode", kind) << QString::fromLatin1(kind) << true;
+        }
+    }
+
+    // The device of the current row with `data`.
+    std::unique_ptr<QIODevice> opened(const QByteArray& data)
+    {
+        QFETCH(QString, kind);
+        QFETCH(bool, isTextMode);
+        std::unique_ptr<QIODevice> device;
+        if (kind == QLatin1String("buffer")) {
+            auto buffer = std::make_unique<QBuffer>();
+            buffer->setData(data);
+            device = std::move(buffer);
+        } else if (kind == QLatin1String("file")) {
+            auto file = std::make_unique<QFile>(m_folder.filePath(QStringLiteral("file.txt")));
+            if (!file->open(QIODevice::WriteOnly) || file->write(data) != data.size())
+                qFatal("cannot write %s", qPrintable(file->fileName()));
+            file->close();
+            device = std::move(file);
+        } else {
+            device = std::make_unique<PieceDevice>(data, kind.toInt());
+        }
+        const QIODevice::OpenMode mode = QIODevice::ReadOnly;
+        if (!device->open(isTextMode ? mode | QIODevice::Text : mode))
+            qFatal("cannot open the device");
+        return device;
+    }
+
+    QTemporaryDir m_folder;
+};
 
 HTS_TEST(LineReaderTest, NoApplication)
 #include "tst_linereader.moc"

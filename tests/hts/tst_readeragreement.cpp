@@ -1,7 +1,8 @@
 // The reader of hts/ against the plain reader: on the same bytes both give the same message, the
-// same model, bit by bit, and leave the device at the same place.
+// same model, bit by bit, and leave the device at the same place. The environment variable
+// HTS_PROPERTY_CASES sets how many random files a test tries on each kind of device.
 
-#include <algorithm>
+#include <functional>
 
 #include <QRandomGenerator>
 #include <QSet>
@@ -14,7 +15,7 @@
 
 namespace {
 
-const QString kInput = QStringLiteral("input %1: %2");
+constexpr int kUsualCases = 150;
 
 // The steps of reading, each on a device.
 struct Steps
@@ -94,204 +95,157 @@ class ReaderAgreementTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void agreesOnGeneratedFiles_data();
-    void agreesOnGeneratedFiles();
-    void agreesOnBrokenFiles_data();
-    void agreesOnBrokenFiles();
-    void agreesStepByStep_data();
-    void agreesStepByStep();
-    void agreesOnOddBytesAfterKeys_data();
-    void agreesOnOddBytesAfterKeys();
-    void agreesOnFilesLongerThanABlock_data();
-    void agreesOnFilesLongerThanABlock();
-    void agreesOnLineEndsAroundTheEndOfARun_data();
-    void agreesOnLineEndsAroundTheEndOfARun();
-    void agreesOnFilesCutAtEveryByte_data();
-    void agreesOnFilesCutAtEveryByte();
+    void agreesOnGeneratedFiles_data() { addDeviceRows(); }
+    void agreesOnGeneratedFiles()
+    {
+        tryAll([](quint32 seed) { return RandomHts(seed).file(12); }, 4);
+        // What the generator makes can be read.
+        QCOMPARE(m_messages, QSet<QString>{QString()});
+    }
+
+    void agreesOnBrokenFiles_data() { addDeviceRows(); }
+    void agreesOnBrokenFiles()
+    {
+        tryAll(brokenFile);
+        // Success, the four messages and the endless search have all been seen.
+        haveReported(6);
+    }
+
+    void agreesStepByStep_data() { addDeviceRows(); }
+    void agreesStepByStep()
+    {
+        tryAll(brokenFile, 1, Reading::StepByStep);
+        haveReported(5);
+    }
+
+    void agreesOnOddBytesAfterKeys_data() { addDeviceRows(); }
+    void agreesOnOddBytesAfterKeys()
+    {
+        tryAll([](quint32 seed) { return withOddBytesAfterKeys(RandomHts(seed).file(6), seed); },
+               4);
+        QVERIFY(m_messages.contains(QString()));
+        // Far more of these get to a column header.
+        tryAll(
+            [](quint32 seed) {
+                return withOddBytesAfterKeys(
+                    "name:x\nnumber_of_runs:1\nowner:y\nEND_PACKAGE_PREAMBLE\n"
+                    "start:2000-1-1 6:00\ntrace:1\nslot_set:s\nEND_RUN_PREAMBLE\n"
+                    "object_type: R\nrows: 1\nslot_type: S\nEND_SLOT_PREAMBLE\n"
+                    "units: cms\nscale: 2\nmethod: Sum\n1\n",
+                    seed);
+            },
+            2, Reading::StepByStep);
+    }
+
+    void agreesOnFilesLongerThanABlock_data() { addDeviceRows(); }
+    void agreesOnFilesLongerThanABlock()
+    {
+        const QByteArray text = RandomHts(kLongSeed).file(4000);
+        QVERIFY2(text.size() > 2 * 64 * 1024, qPrintable(QString::number(text.size())));
+        check(text, "long");
+    }
+
+    void agreesOnLineEndsAroundTheEndOfARun_data() { addDeviceRows(); }
+    // What the look ahead for "END_RUN" sees depends on the device: a file in text mode leaves out
+    // every carriage return, a buffer none.
+    void agreesOnLineEndsAroundTheEndOfARun()
+    {
+        const QByteArray opening = "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n";
+        const QByteArrayList endings = {
+            "END_RUN\r\n",    "END_RUN",           "\r\nEND_RUN\r\n", "\r\nEND_RUN",
+            "\nEND_RUN\r\n",  "\r\n\r\nEND_RUN\n", "\n\nEND_RUN\n",   "\r\nEND_RUNS\r\n",
+            "\r\nEND_RU\r\n", "END_RU\r\n",        " END_RUN\r\n",    "END_RUN \r\n",
+        };
+        for (const QByteArray& ending : endings) {
+            for (const char* rest : {"", "slot_name: a\r\n\r\nEND_RUN\r\n", "END_RUN\n"})
+                check(opening + ending + rest, ending.toPercentEncoding() + rest);
+        }
+    }
+
+    void agreesOnFilesCutAtEveryByte_data() { addDeviceRows(); }
+    void agreesOnFilesCutAtEveryByte()
+    {
+        QFETCH(int, kind);
+        const QByteArray whole =
+            "name:cut\nnumber_of_runs:2\nEND_PACKAGE_PREAMBLE\ntime_steps:2\n"
+            "END_RUN_PREAMBLE\n2000-1-31 24:00\n2000-2-29 24:00\nobject_type: R\n"
+            "END_SLOT_PREAMBLE\nunits: cms\nscale: 2\nmethod: Max\n1.5\nNaN\n"
+            "END_COLUMN\nEND_SLOT\nslot_type: ScalarSlot\nEND_SLOT_PREAMBLE\nunits: x\n"
+            "scale: 1.25\n-0.125\nEND_COLUMN\nEND_SLOT\nrows: 2\ncols: 1\nEND_SLOT_PREAMBLE\n1\n"
+            "2\nunits: m\nEND_SLOT\nEND_RUN\ntrace:2\ntime_steps:1\nEND_RUN_PREAMBLE\n"
+            "2000-1-31 24:00\nEND_SLOT_PREAMBLE\nunits: \nscale: 0\n1e2\nEND_COLUMN\nEND_SLOT\n"
+            "END_RUN\nmore";
+        for (const char* lineEnd : {"\n", "\r\n"}) {
+            const QByteArray lines = QByteArray(whole).replace("\n", lineEnd);
+            // The devices take turns.
+            for (int length = kind % 3; length <= lines.size(); length += 3)
+                check(lines.left(length), "cut at " + QByteArray::number(length));
+        }
+    }
 
 private:
-    // What the two readers do differently on the device of the current data row; empty if nothing.
-    QString disagreement(const QByteArray& text, const PackageReader& reader,
-                         const PackageReader& plainReader);
-    QString disagreement(const QByteArray& text);
+    static constexpr quint32 kLongSeed = 3;
 
-    // What the plain reader reported in the current test.
+    enum class Reading { Whole, StepByStep };
+
+    void addDeviceRows()
+    {
+        m_messages.clear();
+        m_rowsDone = 0;
+        addColumns<int, bool>("kind", "isTextMode");
+        int index = 0;
+        for (const DeviceKind& kind : deviceKinds()) {
+            QTest::addRow("%s", kind.name) << index << false;
+            QTest::addRow("%s, text mode", kind.name) << index << true;
+            ++index;
+        }
+    }
+
+    static QByteArray brokenFile(quint32 seed)
+    {
+        RandomHts random(seed);
+        return random.broken(random.file(6));
+    }
+
+    // Fails when the two readers do something different on the device of the current data row.
+    void check(const QByteArray& text, const QByteArray& what, Reading reading = Reading::Whole)
+    {
+        QFETCH(int, kind);
+        QFETCH(bool, isTextMode);
+        const DeviceKind& device = deviceKinds()[static_cast<std::size_t>(kind)];
+        const ReaderComparison comparison =
+            reading == Reading::Whole ? compareReaders(device, isTextMode, text)
+                                      : compareReaders(device, isTextMode, text, stepReader(kSteps),
+                                                       stepReader(kPlainSteps));
+        m_messages.insert(comparison.message);
+        QVERIFY2(comparison.difference.isEmpty(),
+                 qPrintable(QString::fromLatin1(what + ": ") + comparison.difference));
+    }
+
+    // Checks the usual number of texts, divided by `divisor`, other ones on each kind of device.
+    void tryAll(const std::function<QByteArray(quint32 seed)>& make, int divisor = 1,
+                Reading reading = Reading::Whole)
+    {
+        QFETCH(int, kind);
+        QFETCH(bool, isTextMode);
+        const int wanted = qEnvironmentVariableIntValue("HTS_PROPERTY_CASES");
+        const int count = (wanted > 0 ? wanted : kUsualCases) / divisor;
+        const int first = (2 * kind + (isTextMode ? 1 : 0)) * count;
+        for (int seed = first; seed < first + count && !QTest::currentTestFailed(); ++seed)
+            check(make(static_cast<quint32>(seed)), "seed " + QByteArray::number(seed), reading);
+    }
+
+    // After all rows of a test, the plain reader must have reported so many different things.
+    void haveReported(int messages)
+    {
+        if (++m_rowsDone == 2 * static_cast<int>(deviceKinds().size()))
+            QCOMPARE(m_messages.size(), messages);
+    }
+
+    // What the plain reader reported in the current test, and on how many devices.
     QSet<QString> m_messages;
+    int m_rowsDone = 0;
 };
-
-QString ReaderAgreementTest::disagreement(const QByteArray& text, const PackageReader& reader,
-                                          const PackageReader& plainReader)
-{
-    QFETCH(int, kind);
-    QFETCH(bool, isTextMode);
-    const ReaderComparison comparison = compareReaders(
-        deviceKinds()[static_cast<std::size_t>(kind)], isTextMode, text, reader, plainReader);
-    m_messages.insert(comparison.message);
-    return comparison.difference;
-}
-
-QString ReaderAgreementTest::disagreement(const QByteArray& text)
-{
-    QFETCH(int, kind);
-    QFETCH(bool, isTextMode);
-    const ReaderComparison comparison =
-        compareReaders(deviceKinds()[static_cast<std::size_t>(kind)], isTextMode, text);
-    m_messages.insert(comparison.message);
-    return comparison.difference;
-}
-
-static void addDeviceRows()
-{
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<bool>("isTextMode");
-    int index = 0;
-    for (const DeviceKind& kind : deviceKinds()) {
-        QTest::addRow("%s", kind.name) << index << false;
-        QTest::addRow("%s, text mode", kind.name) << index << true;
-        ++index;
-    }
-}
-
-void ReaderAgreementTest::init()
-{
-    m_messages.clear();
-}
-
-void ReaderAgreementTest::agreesOnGeneratedFiles_data()
-{
-    addDeviceRows();
-}
-
-void ReaderAgreementTest::agreesOnGeneratedFiles()
-{
-    for (quint32 seed = 0; seed < 150; ++seed) {
-        const QString fault = disagreement(RandomHts(seed).file(12));
-        QVERIFY2(fault.isEmpty(), qPrintable(kInput.arg(seed).arg(fault)));
-    }
-    // What the generator makes can be read.
-    QCOMPARE(m_messages, QSet<QString>{QString()});
-}
-
-void ReaderAgreementTest::agreesOnBrokenFiles_data()
-{
-    addDeviceRows();
-}
-
-void ReaderAgreementTest::agreesOnBrokenFiles()
-{
-    for (quint32 seed = 0; seed < 500; ++seed) {
-        RandomHts random(seed);
-        const QString fault = disagreement(random.broken(random.file(6)));
-        QVERIFY2(fault.isEmpty(), qPrintable(kInput.arg(seed).arg(fault)));
-    }
-    // Success, the four messages and the endless search have all been seen.
-    QCOMPARE(m_messages.size(), 6);
-}
-
-void ReaderAgreementTest::agreesStepByStep_data()
-{
-    addDeviceRows();
-}
-
-void ReaderAgreementTest::agreesStepByStep()
-{
-    for (quint32 seed = 0; seed < 300; ++seed) {
-        RandomHts random(seed);
-        const QByteArray text = random.broken(random.file(6));
-        const QString fault = disagreement(text, stepReader(kSteps), stepReader(kPlainSteps));
-        QVERIFY2(fault.isEmpty(), qPrintable(kInput.arg(seed).arg(fault)));
-    }
-    QCOMPARE(m_messages.size(), 5);
-}
-
-void ReaderAgreementTest::agreesOnOddBytesAfterKeys_data()
-{
-    addDeviceRows();
-}
-
-void ReaderAgreementTest::agreesOnOddBytesAfterKeys()
-{
-    for (quint32 seed = 0; seed < 200; ++seed) {
-        const QByteArray text = withOddBytesAfterKeys(RandomHts(seed).file(6), seed);
-        QString fault = disagreement(text);
-        QVERIFY2(fault.isEmpty(), qPrintable(kInput.arg(seed).arg(fault)));
-        // Far more of them get to a column header.
-        const QByteArray inOrder = withOddBytesAfterKeys(
-            "name:x\nnumber_of_runs:1\nowner:y\nEND_PACKAGE_PREAMBLE\nstart:2000-1-1 6:00\n"
-            "trace:1\nslot_set:s\nEND_RUN_PREAMBLE\nobject_type: R\nrows: 1\nslot_type: S\n"
-            "END_SLOT_PREAMBLE\nunits: cms\nscale: 2\nmethod: Sum\n1\n",
-            seed);
-        fault = disagreement(inOrder, stepReader(kSteps), stepReader(kPlainSteps));
-        QVERIFY2(fault.isEmpty(), qPrintable(kInput.arg(seed).arg(fault)));
-    }
-    QVERIFY(m_messages.contains(QString()));
-}
-
-void ReaderAgreementTest::agreesOnFilesLongerThanABlock_data()
-{
-    addDeviceRows();
-}
-
-void ReaderAgreementTest::agreesOnFilesLongerThanABlock()
-{
-    int longest = 0;
-    for (quint32 seed = 0; seed < 4; ++seed) {
-        const QByteArray text = RandomHts(seed).file(4000);
-        longest = std::max(longest, text.size());
-        const QString fault = disagreement(text);
-        QVERIFY2(fault.isEmpty(), qPrintable(kInput.arg(seed).arg(fault)));
-    }
-    QVERIFY2(longest > 2 * 64 * 1024, qPrintable(QString::number(longest)));
-}
-
-void ReaderAgreementTest::agreesOnLineEndsAroundTheEndOfARun_data()
-{
-    addDeviceRows();
-}
-
-// What the look ahead for "END_RUN" sees depends on the device: a file in text mode leaves out
-// every
-// "\r", a buffer none.
-void ReaderAgreementTest::agreesOnLineEndsAroundTheEndOfARun()
-{
-    const QByteArray opening = "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\n";
-    const QByteArrayList endings = {
-        "END_RUN\r\n",    "END_RUN",           "\r\nEND_RUN\r\n", "\r\nEND_RUN",
-        "\nEND_RUN\r\n",  "\r\n\r\nEND_RUN\n", "\n\nEND_RUN\n",   "\r\nEND_RUNS\r\n",
-        "\r\nEND_RU\r\n", "END_RU\r\n",        " END_RUN\r\n",    "END_RUN \r\n",
-    };
-    for (const QByteArray& ending : endings) {
-        for (const char* rest : {"", "slot_name: a\r\n\r\nEND_RUN\r\n", "END_RUN\n"}) {
-            const QByteArray text = opening + ending + rest;
-            const QString fault = disagreement(text);
-            QVERIFY2(fault.isEmpty(), qPrintable(QString::fromLatin1(ending.toHex()) + fault));
-        }
-    }
-}
-
-void ReaderAgreementTest::agreesOnFilesCutAtEveryByte_data()
-{
-    addDeviceRows();
-}
-
-void ReaderAgreementTest::agreesOnFilesCutAtEveryByte()
-{
-    const QByteArray whole =
-        "name:cut\nnumber_of_runs:1\nEND_PACKAGE_PREAMBLE\ntime_steps:2\n"
-        "END_RUN_PREAMBLE\n2000-1-31 24:00\n2000-2-29 24:00\nobject_type: R\n"
-        "END_SLOT_PREAMBLE\nunits: cms\nscale: 2\nmethod: Max\n1.5\nNaN\n"
-        "END_COLUMN\nEND_SLOT\nslot_type: ScalarSlot\nEND_SLOT_PREAMBLE\nunits: \n"
-        "units: x\nscale: 1\n2\nEND_COLUMN\nEND_SLOT\nEND_RUN\nmore";
-    for (const char* lineEnd : {"\n", "\r\n"}) {
-        QByteArray lines = whole;
-        lines.replace("\n", lineEnd);
-        for (int length = 0; length <= lines.size(); ++length) {
-            const QString fault = disagreement(lines.left(length));
-            QVERIFY2(fault.isEmpty(), qPrintable(kInput.arg(length).arg(fault)));
-        }
-    }
-}
 
 HTS_TEST(ReaderAgreementTest, NoApplication)
 #include "tst_readeragreement.moc"

@@ -1,7 +1,10 @@
 #ifndef TESTMAIN_H
 #define TESTMAIN_H
 
+#include <initializer_list>
 #include <memory>
+#include <tuple>
+#include <type_traits>
 
 #include <QCoreApplication>
 #include <QtTest>
@@ -40,5 +43,28 @@ int runTest(int argc, char* argv[])
     namespace {                                                                                    \
     const TestRegistration kRegistration(__FILE__, runTest<Test, Application>);                    \
     }
+
+// Adds columns to the data table of a test: addColumns<QByteArray, int>("text", "lines"). A column
+// of const char* is one of QString, as its values become one.
+template<typename... Types, typename... Names>
+void addColumns(Names... names)
+{
+    using std::conditional_t;
+    using std::is_same_v;
+    (QTest::addColumn<conditional_t<is_same_v<Types, const char*>, QString, Types>>(names), ...);
+}
+
+// Adds rows to it, each with its name and the values of the columns. The texts of const char* are
+// UTF-8.
+template<typename... Types>
+void addRows(std::initializer_list<std::tuple<const char*, Types...>> rows)
+{
+    for (const auto& row : rows) {
+        const auto add = [](const char* name, const Types&... values) {
+            (QTest::newRow(*name == 0 ? "(empty)" : name) << ... << values);
+        };
+        std::apply(add, row);
+    }
+}
 
 #endif // TESTMAIN_H
