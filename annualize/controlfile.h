@@ -22,8 +22,8 @@ struct ControlFile
 };
 
 // Opens the file at `path` and reads it once, to its end or the first line that is not a rule. With
-// an observer, which wants the text of lines, a line that is too long makes the file unreadable;
-// see UtilsNS::CheckedFile::limitLines().
+// an observer, which wants the text of all lines, it is read to its end, and a line that is too
+// long makes the file unreadable; see UtilsNS::CheckedFile::limitLines().
 ControlFile readControlFile(const QString& path, MethodControl::Observer* observer = nullptr);
 
 // The log lines of an assignment: the first, the line for a slot and its method word (empty for

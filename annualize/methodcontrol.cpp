@@ -90,6 +90,12 @@ QString ruleFaultText(RuleFault fault)
            QLatin1String(kReasons[static_cast<std::size_t>(fault)]) + QLatin1String(" in line");
 }
 
+std::string_view methodWordOf(std::string_view line)
+{
+    const std::size_t colon = line.rfind(':');
+    return colon == std::string_view::npos ? std::string_view() : stripped(line.substr(colon + 1));
+}
+
 // Names are stripped of the same white space as the lines of an HTS file, and of nothing else, so
 // that every slot can be named.
 RuleFault parseMethodRule(std::string_view line, MethodRule& rule)
@@ -99,7 +105,7 @@ RuleFault parseMethodRule(std::string_view line, MethodRule& rule)
     if (colon == std::string_view::npos)
         return RuleFault::NoColon;
 
-    const std::string_view word = stripped(line.substr(colon + 1));
+    const std::string_view word = methodWordOf(line);
     if (word.empty())
         return RuleFault::NoMethod;
     const AggMethod* method = findMethodIgnoringCase(word);
@@ -130,23 +136,28 @@ Status MethodControl::read(QIODevice& device, Observer* observer)
 {
     Q_ASSERT(device.isReadable() && m_rules.isEmpty());
     LineReader reader(device);
+    Status status;
     while (!reader.atEnd()) {
         const std::string_view line = stripped(textBytes(reader.line()));
         if (line.empty())
             continue;
         MethodRule rule;
         const RuleFault fault = parseMethodRule(line, rule);
-        if (fault != RuleFault::None) {
+        if (fault == RuleFault::None) {
+            const RuleId id = append(rule);
             if (observer != nullptr)
-                observer->badLine(reader.lineNumber(), line, fault);
-            return failureOf(fault, line);
+                observer->ruleRead(id, reader.lineNumber(), line);
+            continue;
         }
-        const RuleId id = append(rule);
-        if (observer != nullptr)
-            observer->ruleRead(id, reader.lineNumber(), line);
+        if (status.ok())
+            status = failureOf(fault, line);
+        if (observer == nullptr)
+            return status;
+        observer->badLine(reader.lineNumber(), line, fault);
     }
-    fillBuckets();
-    return {};
+    if (status.ok())
+        fillBuckets();
+    return status;
 }
 
 RuleId MethodControl::append(const MethodRule& rule)

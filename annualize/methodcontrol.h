@@ -29,6 +29,10 @@ enum class RuleFault { None, NoColon, NoMethod, UnknownMethod, NoDot, NoSlot, No
 // unchanged if the line is none.
 RuleFault parseMethodRule(std::string_view line, MethodRule& rule);
 
+// The text that should be a method: what follows the last colon of a line, stripped; empty if there
+// is no colon.
+std::string_view methodWordOf(std::string_view line);
+
 // What is wrong with a line, as the message of a conversion begins: "Method Control File Error:
 // Colon not found in line".
 QString ruleFaultText(RuleFault fault);
@@ -52,9 +56,10 @@ public:
         virtual void badLine(qint64 lineNumber, std::string_view line, RuleFault fault) = 0;
     };
 
-    // Reads a whole control file, open for reading. Blank lines are skipped; reading ends at any
-    // other line that is not a rule, and fails with a message that quotes it: there are then no
-    // rules. To be called once. Throws std::bad_alloc for 2 GiB of names.
+    // Reads a whole control file, open for reading. Blank lines are skipped; any other line that is
+    // not a rule makes it fail, with a message that quotes the first: there are then no rules.
+    // Reading ends there, unless an observer wants the other lines too. To be called once. Throws
+    // std::bad_alloc for 2 GiB of names.
     Status read(QIODevice& device, Observer* observer = nullptr);
 
     // The rule that applies to the slot: the first that matches it, or kNoRule.

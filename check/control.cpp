@@ -1,6 +1,7 @@
 #include "check/control.h"
 
 #include "annualize/conversion.h"
+#include "check/methodhint.h"
 #include "check/topic.h"
 #include "hts/linetext.h"
 #include "hts/quotedtext.h"
@@ -31,17 +32,27 @@ public:
     {
         m_lines.push_back({rule, isUtf8(line), lineNumber});
     }
+    // What follows from bad lines, and the list of methods, stand in one finding.
     void badLine(qint64 lineNumber, std::string_view line, RuleFault fault) override
     {
-        badLineNumber = lineNumber;
-        badLineText = worded("%1 %2: all rules are lost", ruleFaultText(fault), quoted(line));
+        const bool isFirst = badLines.count(kControlLine) == 0;
+        badLines.add(kControlLine, lineNumber, [&]() -> QString {
+            QString text = worded("%1 %2", ruleFaultText(fault), quoted(line));
+            if (isFirst)
+                text +=
+                    QLatin1String(": all rules are lost") + conversionFails(Conversion::kNoSlots);
+            if (fault == RuleFault::UnknownMethod)
+                text += methodHint(toText(methodWordOf(line)), !m_hasMethodList);
+            return text;
+        });
+        m_hasMethodList = m_hasMethodList || fault == RuleFault::UnknownMethod;
     }
 
-    qint64 badLineNumber = 0; // 0 if there is none
-    QString badLineText;
+    FindingList badLines;
 
 private:
     std::vector<RuleLine>& m_lines;
+    bool m_hasMethodList = false;
 };
 
 // Appends the line of each rule to `lines`, and reports why there are no rules.
@@ -49,12 +60,11 @@ ControlFile readFile(const QString& path, std::vector<RuleLine>& lines, FindingL
 {
     LineCollector collector(lines);
     ControlFile control = readControlFile(path, &collector);
-    const QString outcome = conversionFails(Conversion::kNoSlots);
-    if (!control.isRead)
+    if (control.isRead)
+        findings = collector.badLines;
+    else
         findings.add(kControlUnreadable, 1, "the control file cannot be read: %1%2",
-                     control.status.message, outcome);
-    else if (collector.badLineNumber > 0)
-        findings.add(kControlLine, collector.badLineNumber, "%1%2", collector.badLineText, outcome);
+                     control.status.message, conversionFails(Conversion::kNoSlots));
     if (!control.status.ok())
         lines.clear();
     return control;
@@ -79,10 +89,10 @@ qint64 ControlCheck::lineOf(RuleId rule) const
     return m_lines[indexOfRule(m_lines, rule)].number;
 }
 
-void ControlCheck::noteEndOfFirstRun(const QVector<SlotPlan>& plans)
+void ControlCheck::noteEndOfFirstRun()
 {
     m_hasSlots = true;
-    m_uses.noteNames(plans);
+    m_uses.noteEndOfFirstRun();
 }
 
 FindingList ControlCheck::findings() const

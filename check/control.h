@@ -4,11 +4,9 @@
 #include <vector>
 
 #include <QString>
-#include <QVector>
 #include <QtGlobal>
 
 #include "annualize/controlfile.h"
-#include "annualize/slotplan.h"
 #include "check/findinglist.h"
 #include "check/rules.h"
 
@@ -32,9 +30,9 @@ public:
     qint64 lineOf(RuleId rule) const;
 
     // To be called with each slot of the first run of an HTS file, and the rule that applies to it
-    // or kNoRule; then at the end of that run with the plans of all its slots.
+    // or kNoRule; then at the end of that run.
     void noteSlot(const HtsSlot& slot, RuleId used) { m_uses.noteSlot(slot, used); }
-    void noteEndOfFirstRun(const QVector<SlotPlan>& plans);
+    void noteEndOfFirstRun();
     // To be called for an HTS file that could not be read to the end of its first run: no rule is
     // judged, because it may be for a slot that has not been read.
     void noteUnknownSlots() { m_hasUnknownSlots = true; }

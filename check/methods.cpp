@@ -70,7 +70,7 @@ void MethodCheck::runEnded()
 {
     m_endOfRun = m_context.reader.lineNumber();
     if (isAssigning())
-        m_context.control->noteEndOfFirstRun(m_context.conversion.plans());
+        m_context.control->noteEndOfFirstRun();
 }
 
 void MethodCheck::finish()

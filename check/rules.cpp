@@ -1,8 +1,9 @@
 #include "check/rules.h"
 
 #include <algorithm>
+#include <set>
 
-#include "check/nearwords.h"
+#include "check/findinglist.h"
 #include "check/topic.h"
 #include "hts/linetext.h"
 #include "hts/quotedtext.h"
@@ -14,9 +15,17 @@ constexpr FindingKind kRuleEncoding = {
     "A rule contains bytes that are not UTF-8; each counts as U+FFFD, and so fits any other such "
     "byte.",
     "Save the control file as UTF-8, and the HTS file too."};
-constexpr FindingKind kRuleUnmatched = {
-    Severity::Warning, "rule-unmatched", "A rule fits no slot.",
-    "Write the names as the file has them, letter case included."};
+constexpr FindingKind kRuleUnmatched = {Severity::Warning, "rule-unmatched",
+                                        "A rule fits no slot of all files that are checked, but a "
+                                        "name that it may be meant for is near; "
+                                        "or a `*` is only a part of a name.",
+                                        "Write the names as the file has them, letter case "
+                                        "included; a `*` stands alone, for all objects "
+                                        "or slots."};
+constexpr FindingKind kRuleWithoutSlot = {
+    Severity::Note, "rule-without-slot",
+    "A rule fits no slot of all files that are checked, and no name is near.",
+    "Nothing, if the control file is for other files too."};
 constexpr FindingKind kRuleShadowed = {
     Severity::Warning, "rule-shadowed",
     "A rule is never used, because an earlier one that is not more specific applies to all its "
@@ -40,14 +49,19 @@ int specificity(const MethodRule& rule, const HtsSlot& slot)
     return 2 * ofObject + (rule.slot == "*" ? 0 : 1);
 }
 
+bool hasPartialWildcard(std::string_view name)
+{
+    return name != "*" && name.find('*') != std::string_view::npos;
+}
+
 } // namespace
 
 const Topic& ruleTopic()
 {
-    static const Topic kTopic = {
-        "Rules",
-        {&kRuleEncoding, &kRuleUnmatched, &kRuleShadowed, &kRuleIdle, &kRuleOnOtherSlot},
-        makeCheck<TopicCheck>};
+    static const Topic kTopic = {"Rules",
+                                 {&kRuleEncoding, &kRuleUnmatched, &kRuleWithoutSlot,
+                                  &kRuleShadowed, &kRuleIdle, &kRuleOnOtherSlot},
+                                 makeCheck<TopicCheck>};
     return kTopic;
 }
 
@@ -67,7 +81,7 @@ RuleUses::RuleUses(const MethodControl& rules, const std::vector<RuleLine>& line
 
 void RuleUses::noteSlot(const HtsSlot& slot, RuleId used)
 {
-    m_types.insert(slot.objectType);
+    m_slots.push_back({slot.objectName, slot.objectType, slot.slotName});
     for (const RuleId rule : m_rules.matchingRules(slot)) {
         Use& use = m_uses[indexOfRule(m_lines, rule)];
         use.matchesSlot = true;
@@ -81,16 +95,45 @@ void RuleUses::noteSlot(const HtsSlot& slot, RuleId used)
     }
 }
 
-void RuleUses::noteNames(const QVector<SlotPlan>& plans)
+// The names are kept only for rules that fit no slot so far: there may be many.
+void RuleUses::noteEndOfFirstRun()
 {
-    for (const SlotPlan& plan : plans)
-        m_names.push_back({plan.objectName, plan.slotName});
+    std::set<Names> wanted;
+    for (std::size_t i = 0; i < m_lines.size(); ++i) {
+        if (!m_uses[i].matchesSlot)
+            wanted.insert(namesFor(m_rules.ruleAt(m_lines[i].rule)));
+    }
+    for (const Names names : wanted) {
+        for (const SlotName& slot : m_slots)
+            noteNames(slot, names);
+        m_names[names].sort();
+    }
+    m_slots.clear();
+}
+
+void RuleUses::noteNames(const SlotName& slot, Names names)
+{
+    const QString any(QLatin1Char('*'));
+    if (names == Names::OfAnyObject) {
+        m_names[names].add(fullSlotName(any, slot.slot));
+        return;
+    }
+    for (const QString& object : {slot.object, slot.type}) {
+        if (!object.isEmpty()) // for which there can be no rule
+            m_names[names].add(fullSlotName(object, names == Names::OfAnySlot ? any : slot.slot));
+    }
 }
 
 void RuleUses::report(FindingList& findings) const
 {
-    for (const RuleLine& line : m_lines)
-        reportRule(line, findings);
+    // Takes less than a second, however many rules and names there are.
+    qint64 effort = 50 * 1000 * 1000;
+    for (const RuleLine& line : m_lines) {
+        if (useOf(m_rules.firstLike(line.rule)).matchesSlot)
+            reportMatched(line, findings);
+        else
+            reportUnmatched(line, effort, findings);
+    }
 }
 
 QString RuleUses::textOf(RuleId rule) const
@@ -100,15 +143,11 @@ QString RuleUses::textOf(RuleId rule) const
                   names.method->word);
 }
 
-void RuleUses::reportRule(const RuleLine& line, FindingList& findings) const
+void RuleUses::reportMatched(const RuleLine& line, FindingList& findings) const
 {
     const RuleId first = m_rules.firstLike(line.rule);
     const bool isRepeated = first != line.rule;
     const Use& use = useOf(first);
-    if (!use.matchesSlot) {
-        reportUnmatched(line, findings);
-        return;
-    }
     if (!line.isUtf8)
         findings.add(kRuleEncoding, line.number, "%1%2%3", textOf(line.rule), kNotUtf8,
                      "which fit any others in their place");
@@ -132,44 +171,34 @@ void RuleUses::reportUnused(const RuleLine& line, const Use& use, RuleId shadowe
                      textOf(line.rule), textOf(use.replacedBy), lineOf(use.replacedBy));
 }
 
-void RuleUses::reportUnmatched(const RuleLine& line, FindingList& findings) const
+void RuleUses::reportUnmatched(const RuleLine& line, qint64& effort, FindingList& findings) const
 {
-    findings.add(line.isUtf8 ? kRuleUnmatched : kRuleEncoding, line.number, [&]() -> QString {
-        const QString nearest = nearestName(line.rule);
+    const MethodRule rule = m_rules.ruleAt(line.rule);
+    const QString name = fullSlotName(toText(rule.object), toText(rule.slot));
+    const bool isPartial = hasPartialWildcard(rule.object) || hasPartialWildcard(rule.slot);
+    static const NearNames kNone;
+    const auto found = m_names.find(namesFor(rule));
+    const NearNames& names = found == m_names.end() ? kNone : found->second;
+    const auto text = [&]() -> QString {
+        const QString nearest = isPartial ? QString() : names.nearest(name);
+        const QString reason = !nearest.isEmpty() ? worded("; the nearest is %1", quoted(nearest))
+                               : isPartial
+                                   ? QStringLiteral(": a * stands alone, for all objects or slots")
+                                   : QString();
         return worded("%1%2 fits no slot%3", textOf(line.rule),
-                      line.isUtf8 ? QString() : kNotUtf8 + QLatin1String("and"),
-                      nearest.isEmpty() ? QString()
-                                        : worded("; the nearest is %1", quoted(nearest)));
-    });
+                      line.isUtf8 ? QString() : kNotUtf8 + QLatin1String("and"), reason);
+    };
+    if (!line.isUtf8)
+        findings.add(kRuleEncoding, line.number, text);
+    else if (isPartial || names.hasNear(name, effort))
+        findings.add(kRuleUnmatched, line.number, text);
+    else
+        findings.add(kRuleWithoutSlot, line.number, "%1 fits no slot", textOf(line.rule));
 }
 
-// The slot or type name of the file that is nearest to the names of the rule; empty if none is
-// near.
-QString RuleUses::nearestName(RuleId rule) const
+RuleUses::Names RuleUses::namesFor(const MethodRule& rule)
 {
-    const MethodRule names = m_rules.ruleAt(rule);
-    const QString object = toText(names.object);
-    const QString slot = toText(names.slot);
-    const QString wanted = fullSlotName(object, slot);
-    constexpr int kMaxDistance = 4;
-    int best = std::min(kMaxDistance, wanted.size() / 2) + 1;
-    QString nearest;
-    const auto compare = [&](const QString& name) {
-        // No rule can be for an empty name.
-        if (best == 0 || name.startsWith(QLatin1Char('.')))
-            return;
-        // A name that differs only in letter case is the nearest.
-        const bool isSameButCase = name.compare(wanted, Qt::CaseInsensitive) == 0;
-        const int distance = isSameButCase ? 0 : editDistance(wanted, name, best - 1);
-        if (distance < best) {
-            best = distance;
-            nearest = name;
-        }
-    };
-    for (const SlotName& name : m_names)
-        compare(fullSlotName(names.object == "*" ? object : name.object,
-                             names.slot == "*" && names.object != "*" ? slot : name.slot));
-    for (const QString& type : m_types)
-        compare(fullSlotName(type, slot));
-    return nearest;
+    if (rule.object == "*")
+        return Names::OfAnyObject;
+    return rule.slot == "*" ? Names::OfAnySlot : Names::OfSlots;
 }

@@ -2,15 +2,14 @@
 #define CHECK_RULES_H
 
 #include <cstddef>
-#include <set>
+#include <map>
 #include <vector>
 
 #include <QString>
-#include <QVector>
 #include <QtGlobal>
 
 #include "annualize/methodcontrol.h"
-#include "annualize/slotplan.h"
+#include "check/nearnames.h"
 
 class FindingList;
 
@@ -33,9 +32,9 @@ public:
     // Both outlive the object.
     RuleUses(const MethodControl& rules, const std::vector<RuleLine>& lines);
 
-    // As ControlCheck::noteSlot() and noteEndOfFirstRun().
+    // As those of ControlCheck.
     void noteSlot(const HtsSlot& slot, RuleId used);
-    void noteNames(const QVector<SlotPlan>& plans);
+    void noteEndOfFirstRun();
 
     // Adds a finding for each rule that does nothing.
     void report(FindingList& findings) const;
@@ -51,27 +50,34 @@ private:
         bool isUsed = false;
     };
 
-    const Use& useOf(RuleId rule) const { return m_uses[indexOfRule(m_lines, rule)]; }
-    qint64 lineOf(RuleId rule) const { return m_lines[indexOfRule(m_lines, rule)].number; }
-    void reportRule(const RuleLine& line, FindingList& findings) const;
-    void reportUnmatched(const RuleLine& line, FindingList& findings) const;
-    void reportUnused(const RuleLine& line, const Use& use, RuleId shadowedBy,
-                      FindingList& findings) const;
-    QString textOf(RuleId rule) const;
-    QString nearestName(RuleId rule) const;
-
-    const MethodControl& m_rules;
-    const std::vector<RuleLine>& m_lines;
-    std::vector<Use> m_uses; // one for each rule
-    // Names for the nearest one: the slots, each once and in the order of the files, and the types
-    // of the objects.
     struct SlotName
     {
         QString object;
+        QString type;
         QString slot;
     };
-    std::vector<SlotName> m_names;
-    std::set<QString> m_types;
+    // What rules could be for, in all files.
+    enum class Names {
+        OfSlots,     // "Object.Slot" and "Type.Slot"
+        OfAnyObject, // "*.Slot"
+        OfAnySlot,   // "Object.*" and "Type.*"
+    };
+
+    const Use& useOf(RuleId rule) const { return m_uses[indexOfRule(m_lines, rule)]; }
+    qint64 lineOf(RuleId rule) const { return m_lines[indexOfRule(m_lines, rule)].number; }
+    void reportMatched(const RuleLine& line, FindingList& findings) const;
+    void reportUnmatched(const RuleLine& line, qint64& effort, FindingList& findings) const;
+    void reportUnused(const RuleLine& line, const Use& use, RuleId shadowedBy,
+                      FindingList& findings) const;
+    QString textOf(RuleId rule) const;
+    static Names namesFor(const MethodRule& rule);
+    void noteNames(const SlotName& slot, Names names);
+
+    const MethodControl& m_rules;
+    const std::vector<RuleLine>& m_lines;
+    std::vector<Use> m_uses;       // one for each rule
+    std::vector<SlotName> m_slots; // of the run at hand
+    std::map<Names, NearNames> m_names;
 };
 
 #endif // CHECK_RULES_H

@@ -135,7 +135,7 @@ void CheckCommand::report(const CheckReport& report, const ReportNames& names)
     if (m_options.format == ToolOptions::Format::Json)
         m_files.append(jsonReport(report, names, exitCode));
     else
-        m_io.output.write(textReport(report, control, names, m_io.hasColour).toUtf8());
+        writeReport(report, control, names, m_io);
     m_io.errors.write(summaryLine(report, control, names).toUtf8() + '\n');
 }
 
@@ -154,7 +154,7 @@ void CheckCommand::reportControl()
     m_controlFindings = m_control->findings();
     m_exitCode = std::max(m_exitCode, exitCodeOf(*m_controlFindings));
     if (m_options.format == ToolOptions::Format::Text)
-        m_io.output.write(textFindings(*m_controlFindings, names.control, m_io.hasColour).toUtf8());
+        writeFindings(*m_controlFindings, names.control, m_io);
     m_io.errors.write(summaryLine(*m_controlFindings, names).toUtf8() + '\n');
 }
 

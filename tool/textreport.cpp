@@ -1,6 +1,9 @@
 #include "tool/textreport.h"
 
+#include <QIODevice>
+
 #include "check/filecheck.h"
+#include "tool/toolio.h"
 
 namespace {
 
@@ -33,20 +36,18 @@ QString textOf(const ReportLine& line, bool hasColour)
 
 } // namespace
 
-QString textFindings(const FindingList& findings, const QString& file, bool hasColour)
+void writeFindings(const FindingList& findings, const QString& file, const ToolIo& io)
 {
-    QString text;
     for (const ReportLine& line : findingLines(findings, file))
-        text += textOf(line, hasColour);
-    return text;
+        io.output.write(textOf(line, io.hasColour).toUtf8());
 }
 
-QString textReport(const CheckReport& report, const FindingList& control, const ReportNames& names,
-                   bool hasColour)
+// Line by line: a plan can be long.
+void writeReport(const CheckReport& report, const FindingList& control, const ReportNames& names,
+                 const ToolIo& io)
 {
-    QString text = textFindings(report.findings, names.file, hasColour) +
-                   textFindings(control, names.control, hasColour);
+    writeFindings(report.findings, names.file, io);
+    writeFindings(control, names.control, io);
     for (const QString& line : planLines(report, names))
-        text += line + QLatin1Char('\n');
-    return text;
+        io.output.write(line.toUtf8() + '\n');
 }

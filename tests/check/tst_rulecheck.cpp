@@ -1,12 +1,16 @@
 // The findings about the rules of a control file, and the plan of the slots.
 
+#include <map>
+
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include "annualize/aggmethods.h"
+#include "check/methodhint.h"
 #include "tests/check/checkedtext.h"
 #include "tests/support/testmain.h"
+#include "tests/support/wholefile.h"
 
 namespace {
 
@@ -18,16 +22,26 @@ struct Slot
     QByteArray slotType = {};
 };
 
-const QString kNothing =
-    QStringLiteral("end: nothing-to-convert: no series slot has a method; a conversion fails: \"No "
-                   "series slots with valid methods found in input HTS file\"");
-
-const QVector<Slot> kSlots = {
-    {"Reservoir", "Upper Lake", "Outflow"},
-    {"Reservoir", "Lower Lake", "Outflow"},
-    {"Gauge", "Mill", "Flow.Daily"},
-    {"Gauge", "Mill", "Area", "ScalarSlot"},
-};
+// The slots of a case of tests/check/rules.txt: its name begins with those that are not the usual.
+const std::map<QByteArray, QVector<Slot>>& slotLists()
+{
+    static const std::map<QByteArray, QVector<Slot>> kLists = [] {
+        std::map<QByteArray, QVector<Slot>> lists = {
+            {"",
+             {{"Reservoir", "Upper Lake", "Outflow"},
+              {"Reservoir", "Lower Lake", "Outflow"},
+              {"Gauge", "Mill", "Flow.Daily"},
+              {"Gauge", "Mill", "Area", "ScalarSlot"}}},
+            {"dotted",
+             {{"Gauge", "St. Mill", "Flow"}, {"Gauge", "St. Mill", "Area", "ScalarSlot"}}},
+            {"untyped", {{"", "Lake", "Q"}}},
+        };
+        for (int s = 0; s < 500; ++s)
+            lists["many"].append({"Reach", "Object" + QByteArray::number(s), "Flow"});
+        return lists;
+    }();
+    return kLists;
+}
 
 // A file with one year and these slots. Appends the line of each slot to `lines`.
 QByteArray fileOf(const QVector<Slot>& slotList, QVector<qint64>& lines)
@@ -60,12 +74,10 @@ class RuleCheckTest : public QObject
 private Q_SLOTS:
     void findsInRules_data();
     void findsInRules();
-    void objectWithADot_data();
-    void objectWithADot();
+    void methodThatMayBeMeant_data();
+    void methodThatMayBeMeant();
     void plansEachSlot();
     void rulesInAnotherEncoding();
-    void nearestNameIsFoundAmongManySlots();
-    void nearestNameIsOneThatARuleCanHave();
 
 private:
     CheckedText check(const QByteArray& rules, const QByteArray& file) const;
@@ -101,106 +113,65 @@ QStringList RuleCheckTest::findings(const QByteArray& rules, const QVector<Slot>
     return texts;
 }
 
+// tests/check/rules.txt: "== name", the control file, "--", what is found.
 void RuleCheckTest::findsInRules_data()
 {
+    QTest::addColumn<QByteArray>("slotList");
     QTest::addColumn<QByteArray>("rules");
     QTest::addColumn<QStringList>("findings");
-
-    const auto row = [](const char* name, const char* rules, const QStringList& findings) {
-        QTest::newRow(name) << QByteArray(rules) << findings;
-    };
-    row("a rule for all", "*.*: Sum\n", {});
-    row("by type and by name", "Reservoir.Outflow: Sum\nMill.Flow.Daily: End\n", {});
-    row("specific rules first", "Upper Lake.Outflow: Sum\n*.*: End\n", {});
-    row("slots without a rule", "Upper Lake.Outflow: Sum\n",
-        {QStringLiteral("2: slot-without-rule: no rule fits Lower Lake.Outflow, which is left out"),
-         QStringLiteral("3: slot-without-rule: no rule fits Mill.Flow.Daily, which is left out")});
-    row("same rule twice", "*.*: Sum\n\n*.*: End\n",
-        {QStringLiteral("control 3: rule-shadowed: \"*.*: End\" is never used, because \"*.*: "
-                        "Sum\" of line 1 applies first")});
-    row("wildcard first", "*.Outflow: Sum\nLower Lake.Outflow: End\nMill.*: Max\n",
-        {QStringLiteral("control 2: rule-shadowed: \"Lower Lake.Outflow: End\" is never used, "
-                        "because \"*.Outflow: Sum\" of line 1 applies first")});
-    row("type first", "Reservoir.Outflow: Sum\nLower Lake.Outflow: End\nMill.*: Max\n",
-        {QStringLiteral("control 2: rule-shadowed: \"Lower Lake.Outflow: End\" is never used, "
-                        "because \"Reservoir.Outflow: Sum\" of line 1 applies first")});
-    row("idle type",
-        "Upper Lake.Outflow: Sum\nLower Lake.Outflow: End\nReservoir.*: Max\nMill.*: Max\n",
-        {QStringLiteral("control 3: rule-idle: \"Reservoir.*: Max\" is never used: rules such as "
-                        "\"Lower Lake.Outflow: End\" of line 2 apply to all its slots")});
-    row("letter case", "*.*: Sum\nupper lake.Outflow: End\n",
-        {QStringLiteral("control 2: rule-unmatched: \"upper lake.Outflow: End\" fits no slot; the "
-                        "nearest is \"Upper Lake.Outflow\"")});
-    row("wildcard that fits nothing", "*.*: Sum\n*.Outflw: End\n",
-        {QStringLiteral("control 2: rule-unmatched: \"*.Outflw: End\" fits no slot; the nearest is "
-                        "\"*.Outflow\"")});
-    row("type that fits nothing", "*.*: Sum\nReservoirs.Outflow: End\n",
-        {QStringLiteral("control 2: rule-unmatched: \"Reservoirs.Outflow: End\" fits no slot; the "
-                        "nearest is \"Reservoir.Outflow\"")});
-    row("nothing is near", "*.*: Sum\nSomething.Else: End\n",
-        {QStringLiteral("control 2: rule-unmatched: \"Something.Else: End\" fits no slot")});
-    row("scalar alone", "Mill.Area: Max\n*.*: Sum\n",
-        {QStringLiteral("control 1: rule-on-other-slot: \"Mill.Area: Max\" fits only table or "
-                        "scalar slots, which are left out")});
-    row("scalar by a rule after one for all", "*.*: Sum\nMill.Area: Max\n",
-        {QStringLiteral("control 2: rule-shadowed: \"Mill.Area: Max\" is never used, because "
-                        "\"*.*: Sum\" of line 1 applies first")});
-    row("no slot's rule twice", "*.*: Sum\nSea.Level: End\nSea.Level: Max\n",
-        {QStringLiteral("control 2: rule-unmatched: \"Sea.Level: End\" fits no slot"),
-         QStringLiteral("control 3: rule-unmatched: \"Sea.Level: Max\" fits no slot")});
-    row("wildcard slot that fits nothing", "*.*: Sum\nMil.*: End\n",
-        {QStringLiteral(
-            "control 2: rule-unmatched: \"Mil.*: End\" fits no slot; the nearest is \"Mill.*\"")});
-    row("near by four letters", "*.*: Sum\nUpper Lake.Outfl: End\nUpper Lake.Out: End\n",
-        {QStringLiteral("control 2: rule-unmatched: \"Upper Lake.Outfl: End\" fits no slot; the "
-                        "nearest is \"Upper Lake.Outflow\""),
-         QStringLiteral("control 3: rule-unmatched: \"Upper Lake.Out: End\" fits no slot; the "
-                        "nearest is \"Upper Lake.Outflow\"")});
-    row("near by five letters", "*.*: Sum\nUpper Lake.Ou: End\n",
-        {QStringLiteral("control 2: rule-unmatched: \"Upper Lake.Ou: End\" fits no slot")});
-    row("Salinity", "Mill.*: salinity\n*.*: Sum\n",
-        {QStringLiteral("3: salinity: Mill.Flow.Daily has the method Salinity, which is not "
-                        "supported, and is left out")});
-    row("bad line", "*.*: Sum\n\n*.Outflow: Median\n",
-        {QStringLiteral("control 3: control-line: Method Control File Error: Unknown method "
-                        "specified in line \"*.Outflow: Median\": all rules are lost; a conversion "
-                        "fails: \"No series slots with valid methods found in input HTS file\"")});
-    row("empty", "",
-        {QStringLiteral("1: slot-without-rule: no rule fits Upper Lake.Outflow, which is left out"),
-         QStringLiteral("2: slot-without-rule: no rule fits Lower Lake.Outflow, which is left out"),
-         QStringLiteral("3: slot-without-rule: no rule fits Mill.Flow.Daily, which is left out"),
-         kNothing});
+    const QByteArray cases = '\n' + sourceFile(QStringLiteral("tests/check/rules.txt"));
+    for (const QString& text : QString::fromUtf8(cases).split(QLatin1String("\n== ")).mid(1)) {
+        const QString name = text.section(QLatin1Char('\n'), 0, 0);
+        const int end = text.indexOf(QLatin1String("\n--"), name.size());
+        QTest::newRow(qPrintable(name))
+            << name.left(std::max(name.indexOf(QLatin1Char(':')), 0)).toUtf8()
+            << text.mid(name.size() + 1, end - name.size()).toUtf8()
+            << text.mid(end + 3).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
 }
 
 void RuleCheckTest::findsInRules()
 {
+    QFETCH(QByteArray, slotList);
     QFETCH(QByteArray, rules);
     QFETCH(QStringList, findings);
-    QCOMPARE(this->findings(rules, kSlots), findings);
+    QCOMPARE(this->findings(rules, slotLists().at(slotList)), findings);
 }
 
-void RuleCheckTest::objectWithADot_data()
+void RuleCheckTest::methodThatMayBeMeant_data()
 {
-    QTest::addColumn<QByteArray>("rules");
-    QTest::addColumn<QString>("ending");
-    QTest::newRow("by type") << QByteArray("Gauge.*: Sum\n") << "as a rule does";
-    QTest::newRow("by *") << QByteArray("*.Flow: Sum\n") << "as a rule does";
-    QTest::newRow("no rule") << QByteArray("") << "and no rule does";
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("hint");
+    const struct
+    {
+        const char* method; // null if none may be meant
+        const char* texts;
+    } kRows[] = {
+        {"Sum", "Total;sums;Sume;Sum # of the year;Sum, daily;cumulative;S um"},
+        {"SumNaN", "sum_nan;Sum NaN;SumNa;NaNSum;totalnan;total-NaN"},
+        {"Average", "Mean;avg;AVE;Avarage;Averaged;mean (daily)"},
+        {"AverageNaN", "nanmean;MeanNaN;average nan;avg_nan"},
+        {"Max", "Maximum;maximun;peak"},
+        {"MinNaN", "MinimumNaN;nan min"},
+        {"End", "last;Final;end of year;Ends"},
+        {"Begin", "first;start;initial;Begins;Bgein"},
+        {"Salinity", "Salinty"},
+        {nullptr, "Median;StdDev;P90;42;# Sum;none;linear"},
+    };
+    for (const auto& row : kRows) {
+        for (const QString& text : QString::fromLatin1(row.texts).split(QLatin1Char(';')))
+            QTest::newRow(qPrintable(text))
+                << text
+                << (row.method == nullptr
+                        ? QString()
+                        : QStringLiteral("; is %1 meant?").arg(QLatin1String(row.method)));
+    }
 }
 
-void RuleCheckTest::objectWithADot()
+void RuleCheckTest::methodThatMayBeMeant()
 {
-    QFETCH(QByteArray, rules);
-    QFETCH(QString, ending);
-    QStringList expected{
-        QStringLiteral("1: dotted-object: the object of St. Mill.Flow has a dot in "
-                       "its name: only its type or * can reach it, ") +
-        ending};
-    if (rules.isEmpty())
-        expected.append(kNothing);
-    QCOMPARE(findings(rules,
-                      {{"Gauge", "St. Mill", "Flow"}, {"Gauge", "St. Mill", "Area", "ScalarSlot"}}),
-             expected);
+    QFETCH(QString, text);
+    QTEST(methodHint(text, false), "hint");
 }
 
 void RuleCheckTest::plansEachSlot()
@@ -208,7 +179,8 @@ void RuleCheckTest::plansEachSlot()
     QVector<qint64> lines;
     QStringList plan;
     for (const PlannedSlot& planned :
-         check("\nUpper Lake.*: sumnan\nMill.*: Salinity\n", fileOf(kSlots, lines)).slotPlan)
+         check("\nUpper Lake.*: sumnan\nMill.*: Salinity\n", fileOf(slotLists().at(""), lines))
+             .slotPlan)
         plan.append(QStringLiteral("%1.%2|%3|%4|%5|%6")
                         .arg(planned.objectName, planned.slotName,
                              QString::number(planned.isSeries),
@@ -235,23 +207,6 @@ void RuleCheckTest::rulesInAnotherEncoding()
                  QStringLiteral("control 2: rule-encoding: ") + encoding.arg(QStringLiteral("End")),
                  QStringLiteral("control 2: rule-shadowed: \"B\ufffdr.Flow: End\" is never used, "
                                 "because \"B\ufffdr.Flow: Sum\" of line 1 applies first")}));
-}
-
-void RuleCheckTest::nearestNameIsFoundAmongManySlots()
-{
-    QVector<Slot> slotList;
-    for (int s = 0; s < 500; ++s)
-        slotList.append({"Reach", "Object" + QByteArray::number(s), "Flow"});
-    QCOMPARE(findings("Object77.Flaw: Sum\n*.*: End\n", slotList),
-             QStringList{QStringLiteral("control 1: rule-unmatched: \"Object77.Flaw: Sum\" fits no "
-                                        "slot; the nearest is \"Object77.Flow\"")});
-}
-
-// No rule can be for an object without a type.
-void RuleCheckTest::nearestNameIsOneThatARuleCanHave()
-{
-    QCOMPARE(findings("x.Q: Sum\n*.*: End\n", {{"", "Lake", "Q"}}).constLast(),
-             QStringLiteral("control 1: rule-unmatched: \"x.Q: Sum\" fits no slot"));
 }
 
 HTS_TEST(RuleCheckTest, NoApplication)

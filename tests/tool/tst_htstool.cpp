@@ -158,11 +158,11 @@ void HtstoolTest::rulesAreJudgedOverAllFiles_data()
         QTest::newRow(files) << QString::fromLatin1(files) << QString::fromLatin1(lines)
                              << QByteArray(summary);
     };
-    row("lake.hts", "2 rule-unmatched;3 rule-unmatched;4 rule-unmatched",
-        "lake.hts: 0 errors, 3 warnings, 0 notes\n");
-    row("lake.hts pond.hts", "3 rule-shadowed;4 rule-unmatched",
+    row("lake.hts", "2 rule-without-slot;3 rule-unmatched;4 rule-without-slot",
+        "lake.hts: 0 errors, 1 warning, 2 notes\n");
+    row("lake.hts pond.hts", "3 rule-shadowed;4 rule-without-slot",
         "lake.hts: 0 errors, 0 warnings, 0 notes\npond.hts: 0 errors, 0 warnings, 0 notes\n"
-        "c.txt: 0 errors, 2 warnings, 0 notes\n");
+        "c.txt: 0 errors, 1 warning, 1 note\n");
     // The slots of the last file are not known.
     row("lake.hts none.hts", "",
         "lake.hts: 0 errors, 0 warnings, 0 notes\n"
