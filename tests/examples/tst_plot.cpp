@@ -1,53 +1,75 @@
-// The recipes of examples/plot: what they draw of the examples and of a small file.
+// The recipes of examples/plot: what they draw of the examples and of small files.
 
 #include <QDate>
 #include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QtTest>
 
 #include "tests/app/annualizerrun.h"
 #include "tests/support/testmain.h"
+#include "tests/support/wholefile.h"
 
 namespace {
 
 constexpr QRgb kInput = qRgb(0x56, 0xB4, 0xE9);
 constexpr QRgb kAnnual = qRgb(0xD5, 0x5E, 0x00);
-constexpr QRgb kFirstBar = qRgb(0x00, 0x72, 0xB2);
-constexpr QRgb kSecondBar = qRgb(0xE6, 0x9F, 0x00);
+constexpr QRgb kBars[] = {qRgb(0x00, 0x72, 0xB2), qRgb(0xE6, 0x9F, 0x00), qRgb(0x00, 0x9E, 0x73),
+                          qRgb(0xCC, 0x79, 0xA7)};
 
-const QString kGnuplot = QStringLiteral("\"$EXAMPLES/plot/plot-gnuplot\" ");
 // Debian's Python is the one that has the packages.
-const QString kPython = QStringLiteral("/usr/bin/python3 \"$EXAMPLES/plot/plot.py\" ");
+const QString kPythonProgram = QStringLiteral("/usr/bin/python3");
+const QString kPythonRecipe = QStringLiteral(EXAMPLES_DIR "/plot/plot.py");
 
-// The picture "plot.png" that a recipe makes.
+enum Recipe { Gnuplot, Python };
+constexpr Recipe kRecipes[] = {Gnuplot, Python};
+constexpr const char* kNames[] = {"gnuplot", "python"};
+
+// A folder with an input and its annual result, of which a recipe makes the picture "plot.png".
 struct Plot : AnnualizerRun
 {
-    Plot();
+    Plot()
+    {
+        // Both keep a list of fonts there, which takes seconds to make.
+        static const QTemporaryDir home;
+        environment.insert(QStringLiteral("HOME"), home.path());
+        // There the day after the first water year of the rivers began at one o'clock.
+        environment.insert(QStringLiteral("TZ"), QStringLiteral("America/Asuncion"));
+        environment.insert(QStringLiteral("HTSTOOL"), QStringLiteral("./tool"));
+        write(QStringLiteral("tool"),
+              "#!/bin/sh\necho \"$*\" >>calls\nexec '" HTSTOOL "' \"$@\"\n");
+        QFile::setPermissions(path(QStringLiteral("tool")), QFile::ReadOwner | QFile::ExeOwner);
+    }
 
-    // Converts "a.hts" with "c.txt" to "annual.hts".
-    void convert(const QString& endMonth);
-    QImage picture() const;
+    // Writes the input and converts it.
+    void prepare(const QByteArray& input, const char* endMonth = "12",
+                 const QByteArray& rules = "*.*: MaxNaN\n")
+    {
+        write(QStringLiteral("a.hts"), input);
+        write(QStringLiteral("c.txt"), rules);
+        start(words("-i a.hts -c c.txt -o annual.hts -y") << QLatin1String(endMonth));
+        QCOMPARE(exitCode, 0);
+    }
+
+    QImage picture() const
+    {
+        return QImage(path(QStringLiteral("plot.png"))).convertToFormat(QImage::Format_RGB32);
+    }
+
+    // The month that years end with for the check that counts the missing values.
+    QString countedMonth() const
+    {
+        static const QRegularExpression month(QStringLiteral("^check .*-y 0*(\\d+) "),
+                                              QRegularExpression::MultilineOption);
+        return month.match(QString::fromUtf8(read(QStringLiteral("calls")))).captured(1);
+    }
 };
 
-Plot::Plot()
+QByteArray example(const QString& name)
 {
-    environment.insert(QStringLiteral("EXAMPLES"), QStringLiteral(EXAMPLES_DIR));
-    environment.insert(QStringLiteral("HTSTOOL"), QStringLiteral(HTSTOOL));
-    // Both keep a list of fonts there, which takes seconds to make.
-    static const QTemporaryDir home;
-    environment.insert(QStringLiteral("HOME"), home.path());
-}
-
-void Plot::convert(const QString& endMonth)
-{
-    start({QStringLiteral("-i"), QStringLiteral("a.hts"), QStringLiteral("-c"),
-           QStringLiteral("c.txt"), QStringLiteral("-o"), QStringLiteral("annual.hts"),
-           QStringLiteral("-y"), endMonth});
-}
-
-QImage Plot::picture() const
-{
-    return QImage(path(QStringLiteral("plot.png"))).convertToFormat(QImage::Format_RGB32);
+    return readFile(QStringLiteral(EXAMPLES_DIR "/") + name);
 }
 
 // Three years of weeks that end on Saturdays.
@@ -74,6 +96,20 @@ QByteArray weeklyFile()
     return text.toUtf8();
 }
 
+// The monthly file with every `step`th value missing, and with a slot for each of these objects.
+QByteArray fileWithGaps(int step, const QByteArrayList& objects)
+{
+    QByteArray file = monthlyFile();
+    for (int month = 1; month <= 24; month += step)
+        file.replace('\n' + QByteArray::number(month) + ".000000000000", "\nNaN");
+    const int slotBegin = file.indexOf("object_type: ");
+    const int slotEnd = file.indexOf("END_RUN\n");
+    QByteArray allSlots;
+    for (const QByteArray& object : objects)
+        allSlots += file.mid(slotBegin, slotEnd - slotBegin).replace("Lake A", object);
+    return file.replace(slotBegin, slotEnd - slotBegin, allSlots);
+}
+
 // Number of pixels of exactly this colour.
 int count(const QImage& picture, QRgb colour)
 {
@@ -85,15 +121,18 @@ int count(const QImage& picture, QRgb colour)
     return pixels;
 }
 
-// Where both recipes draw the first slot, below the title and above the other slots.
-QImage firstPanel(const QImage& picture)
+// Where the recipe draws a slot, below the title and the slots before it.
+QImage panel(const QImage& picture, Recipe recipe, int slot)
 {
     constexpr int kTop = 40;
     constexpr int kHeight = 110;
-    return picture.copy(0, kTop, picture.width(), kHeight);
+    const int pitch = recipe == Gnuplot ? 160 : 151;
+    return picture.copy(0, kTop + slot * pitch, picture.width(), kHeight);
 }
 
 } // namespace
+
+Q_DECLARE_METATYPE(Recipe)
 
 class TestPlot : public QObject
 {
@@ -102,76 +141,89 @@ class TestPlot : public QObject
 private Q_SLOTS:
     void exampleIsDrawn_data();
     void exampleIsDrawn();
-    void yearsOfTheCountsAreThoseOfTheResult_data();
-    void yearsOfTheCountsAreThoseOfTheResult();
-    void pictureIsTheSameEachTime_data();
-    void pictureIsTheSameEachTime();
-    void fileWithoutMissingValuesHasNoBars_data();
+    void fileWithoutMissingValuesHasNoBars_data() { addRecipes(); }
     void fileWithoutMissingValuesHasNoBars();
-    void eachRunHasItsOwnPicture_data();
-    void eachRunHasItsOwnPicture();
-    void inputThatIsNotThereIsAnError_data();
-    void inputThatIsNotThereIsAnError();
-    void runThatIsNotThereIsAnError_data();
-    void runThatIsNotThereIsAnError();
-    void resultOfAnotherInputIsAnError_data();
-    void resultOfAnotherInputIsAnError();
+    void yearOfWeeksIsThatOfItsMonth_data() { addRecipes(); }
+    void yearOfWeeksIsThatOfItsMonth();
     void oddSlotsAreDrawn_data();
     void oddSlotsAreDrawn();
-    void twinsAreRefused_data();
-    void twinsAreRefused();
     void wrongUseIsAnError_data();
     void wrongUseIsAnError();
-    void gnuplotWritesTheFormatOfTheName();
+    void pythonNamesItsPackages();
+    void cleanupTestCase();
+
+private:
+    static void addRecipes();
+    // Runs the recipe in the folder of the plot, as "RECIPE a.hts annual.hts plot.png" if not told
+    // otherwise.
+    void draw(Plot& plot, Recipe recipe, const char* arguments = "a.hts annual.hts plot.png");
+
+    QProcess m_python; // plot_often.py
 };
 
-namespace {
-
-void addRecipes()
+void TestPlot::addRecipes()
 {
-    QTest::addColumn<QString>("recipe");
-    QTest::newRow("gnuplot") << kGnuplot;
-    QTest::newRow("python") << kPython;
+    QTest::addColumn<Recipe>("recipe");
+    for (const Recipe recipe : kRecipes)
+        QTest::newRow(kNames[recipe]) << recipe;
 }
 
-const QString kArguments = QStringLiteral("a.hts annual.hts plot.png");
-
-} // namespace
+void TestPlot::draw(Plot& plot, Recipe recipe, const char* arguments)
+{
+    QFile::remove(plot.path(QStringLiteral("plot.png")));
+    if (recipe == Gnuplot) {
+        plot.startShell(QStringLiteral("'" EXAMPLES_DIR "/plot/plot-gnuplot' ") +
+                        QLatin1String(arguments));
+        return;
+    }
+    if (m_python.state() == QProcess::NotRunning) {
+        m_python.setProcessEnvironment(plot.environment);
+        m_python.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_python.start(kPythonProgram,
+                       {QStringLiteral(SOURCE_DIR "/tests/examples/plot_often.py"), kPythonRecipe});
+    }
+    const QJsonArray request =
+        QJsonArray::fromStringList(QStringList(plot.path({})) + words(arguments));
+    m_python.write(QJsonDocument(request).toJson(QJsonDocument::Compact) + '\n');
+    while (!m_python.canReadLine())
+        QVERIFY(m_python.waitForReadyRead());
+    plot.exitCode = m_python.readLine().trimmed().toInt();
+    plot.output = plot.read(QStringLiteral("output"));
+    plot.errors = plot.read(QStringLiteral("errors"));
+}
 
 void TestPlot::exampleIsDrawn_data()
 {
-    QTest::addColumn<QString>("recipe");
-    QTest::addColumn<QString>("example");
+    QTest::addColumn<Recipe>("recipe");
+    QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("endMonth");
     QTest::addColumn<QSize>("size");
     QTest::addColumn<bool>("hasSecondBar"); // more than one slot misses values
-
-    const QString rivers = QStringLiteral("rivers_daily");
-    const QString basins = QStringLiteral("basins_monthly");
-    const QString september = QStringLiteral("9");
-    const QString december = QStringLiteral("12");
-    QTest::newRow("gnuplot, days") << kGnuplot << rivers << september << QSize(900, 1000) << false;
-    QTest::newRow("gnuplot, months") << kGnuplot << basins << december << QSize(900, 1480) << true;
-    QTest::newRow("python, days") << kPython << rivers << september << QSize(900, 950) << false;
-    QTest::newRow("python, months") << kPython << basins << december << QSize(900, 1400) << true;
+    QTest::addColumn<bool>("hasSecondRun");
+    for (const Recipe recipe : kRecipes) {
+        const bool isGnuplot = recipe == Gnuplot;
+        QTest::addRow("%s, days", kNames[recipe])
+            << recipe << QStringLiteral("rivers_daily") << QStringLiteral("9")
+            << QSize(900, isGnuplot ? 1000 : 950) << false << true;
+        QTest::addRow("%s, months", kNames[recipe])
+            << recipe << QStringLiteral("basins_monthly") << QStringLiteral("12")
+            << QSize(900, isGnuplot ? 1480 : 1400) << true << false;
+    }
 }
 
 void TestPlot::exampleIsDrawn()
 {
-    QFETCH(QString, recipe);
-    QFETCH(QString, example);
+    QFETCH(Recipe, recipe);
+    QFETCH(QString, name);
     QFETCH(QString, endMonth);
     QFETCH(QSize, size);
     QFETCH(bool, hasSecondBar);
+    QFETCH(bool, hasSecondRun);
 
     Plot plot;
-    // There the day after the first water year of the rivers began at one o'clock.
-    plot.environment.insert(QStringLiteral("TZ"), QStringLiteral("America/Asuncion"));
-    plot.startShell(QStringLiteral("ln -s \"$EXAMPLES/%1.hts\" a.hts; "
-                                   "ln -s \"$EXAMPLES/%1_methods.txt\" c.txt")
-                        .arg(example));
-    plot.convert(endMonth);
-    plot.startShell(recipe + kArguments);
+    plot.prepare(example(name + QStringLiteral(".hts")), qPrintable(endMonth),
+                 example(name + QStringLiteral("_methods.txt")));
+    draw(plot, recipe);
     QCOMPARE(plot.errors, QByteArray());
     QCOMPARE(plot.output, QByteArray());
     QCOMPARE(plot.exitCode, 0);
@@ -179,259 +231,170 @@ void TestPlot::exampleIsDrawn()
     QCOMPARE(picture.size(), size);
     QVERIFY(count(picture, kInput) > 100);
     QVERIFY(count(picture, kAnnual) > 1000);
-    QVERIFY(count(picture, kFirstBar) > 100);
-    QCOMPARE(count(picture, kSecondBar) > 0, hasSecondBar);
-}
+    QVERIFY(count(picture, kBars[0]) > 100);
+    QCOMPARE(count(picture, kBars[1]) > 0, hasSecondBar);
+    QCOMPARE(plot.countedMonth(), endMonth);
 
-void TestPlot::yearsOfTheCountsAreThoseOfTheResult_data()
-{
-    QTest::addColumn<QString>("recipe");
-    QTest::addColumn<QByteArray>("input");
-    QTest::addColumn<QString>("endMonth");
-    const auto rows = [](const char* name, const QString& recipe) {
-        QTest::addRow("%s, months", name) << recipe << monthlyFile() << QStringLiteral("9");
-        QTest::addRow("%s, December", name) << recipe << monthlyFile() << QStringLiteral("12");
-        // A year of weeks seldom ends with a month.
-        QTest::addRow("%s, weeks", name) << recipe << weeklyFile() << QStringLiteral("9");
-    };
-    rows("gnuplot", kGnuplot);
-    rows("python", kPython);
-}
-
-void TestPlot::yearsOfTheCountsAreThoseOfTheResult()
-{
-    QFETCH(QString, recipe);
-    QFETCH(QByteArray, input);
-    QFETCH(QString, endMonth);
-    Plot plot;
-    writeInputs(plot);
-    plot.write(QStringLiteral("a.hts"), input);
-    plot.convert(endMonth);
-    QCOMPARE(plot.exitCode, 0);
-    plot.startShell(QStringLiteral("printf '#!/bin/sh\necho \"$*\" >>calls\nexec \"%s\" \"$@\"\n' "
-                                   "\"$HTSTOOL\" >tool; chmod +x tool; HTSTOOL=./tool ") +
-                    recipe + kArguments);
-    QCOMPARE(plot.exitCode, 0);
-    const QString calls = QString::fromUtf8(plot.read(QStringLiteral("calls")));
-    const QRegularExpression month(QStringLiteral("^check .*-y 0*(\\d+) "),
-                                   QRegularExpression::MultilineOption);
-    QCOMPARE(month.match(calls).captured(1), endMonth);
-}
-
-void TestPlot::pictureIsTheSameEachTime_data()
-{
-    addRecipes();
-}
-
-void TestPlot::pictureIsTheSameEachTime()
-{
-    QFETCH(QString, recipe);
-    Plot plot;
-    writeInputs(plot);
-    plot.convert(QStringLiteral("12"));
-    plot.startShell(recipe + kArguments);
-    const QByteArray first = plot.read(QStringLiteral("plot.png"));
-    QVERIFY(!plot.picture().isNull());
-    plot.startShell(recipe + kArguments);
-    QVERIFY(plot.read(QStringLiteral("plot.png")) == first);
-}
-
-void TestPlot::fileWithoutMissingValuesHasNoBars_data()
-{
-    addRecipes();
+    if (hasSecondRun) {
+        draw(plot, recipe, "a.hts annual.hts plot.png 2");
+        QCOMPARE(plot.errors, QByteArray());
+        QCOMPARE(plot.exitCode, 0);
+        QCOMPARE(plot.picture().size(), size);
+        QVERIFY(panel(plot.picture(), recipe, 0) != panel(picture, recipe, 0));
+    }
 }
 
 void TestPlot::fileWithoutMissingValuesHasNoBars()
 {
-    QFETCH(QString, recipe);
+    QFETCH(Recipe, recipe);
     Plot plot;
-    writeInputs(plot);
-    plot.convert(QStringLiteral("12"));
-    plot.startShell(recipe + kArguments);
+    plot.prepare(monthlyFile());
+    draw(plot, recipe);
     QCOMPARE(plot.errors, QByteArray());
     QCOMPARE(plot.exitCode, 0);
     QVERIFY(count(plot.picture(), kAnnual) > 100);
-    QCOMPARE(count(plot.picture(), kFirstBar), 0);
+    QCOMPARE(count(plot.picture(), kBars[0]), 0);
+
+    const QByteArray first = plot.read(QStringLiteral("plot.png"));
+    draw(plot, recipe);
+    QVERIFY(plot.read(QStringLiteral("plot.png")) == first);
 }
 
-void TestPlot::eachRunHasItsOwnPicture_data()
+// Its last day is seldom the last of a month.
+void TestPlot::yearOfWeeksIsThatOfItsMonth()
 {
-    addRecipes();
-}
-
-void TestPlot::eachRunHasItsOwnPicture()
-{
-    QFETCH(QString, recipe);
+    QFETCH(Recipe, recipe);
     Plot plot;
-    plot.startShell(QStringLiteral("ln -s \"$EXAMPLES/rivers_daily.hts\" a.hts; "
-                                   "ln -s \"$EXAMPLES/rivers_daily_methods.txt\" c.txt"));
-    plot.convert(QStringLiteral("9"));
-    plot.startShell(recipe + kArguments);
-    const QImage first = plot.picture();
-    plot.startShell(recipe + kArguments + QStringLiteral(" 2"));
+    plot.prepare(weeklyFile(), "9");
+    draw(plot, recipe, "a.hts annual.hts plot.svg");
     QCOMPARE(plot.errors, QByteArray());
     QCOMPARE(plot.exitCode, 0);
-    QCOMPARE(plot.picture().size(), first.size());
-    QVERIFY(firstPanel(plot.picture()) != firstPanel(first));
-}
-
-void TestPlot::inputThatIsNotThereIsAnError_data()
-{
-    addRecipes();
-}
-
-void TestPlot::inputThatIsNotThereIsAnError()
-{
-    QFETCH(QString, recipe);
-    Plot plot;
-    plot.startShell(recipe + kArguments);
-    QCOMPARE(plot.errors, QByteArray("htstool: a.hts: No such file or directory\n"));
-    QCOMPARE(plot.exitCode, 1);
-    QVERIFY(!plot.exists(QStringLiteral("plot.png")));
-}
-
-void TestPlot::runThatIsNotThereIsAnError_data()
-{
-    addRecipes();
-}
-
-void TestPlot::runThatIsNotThereIsAnError()
-{
-    QFETCH(QString, recipe);
-    Plot plot;
-    writeInputs(plot);
-    plot.convert(QStringLiteral("12"));
-    plot.startShell(recipe + kArguments + QStringLiteral(" 2"));
-    QVERIFY2(plot.errors.contains("a.hts"), plot.errors);
-    QCOMPARE(plot.exitCode, 1);
-    QVERIFY(!plot.exists(QStringLiteral("plot.png")));
-}
-
-void TestPlot::resultOfAnotherInputIsAnError_data()
-{
-    addRecipes();
-}
-
-void TestPlot::resultOfAnotherInputIsAnError()
-{
-    QFETCH(QString, recipe);
-    Plot plot;
-    writeInputs(plot);
-    plot.convert(QStringLiteral("12"));
-    plot.write(QStringLiteral("a.hts"), monthlyFile().replace("Lake A", "Lake B"));
-    plot.startShell(recipe + kArguments);
-    QCOMPARE(plot.errors, QByteArray("Lake A.Outflow is not in the input\n"));
-    QCOMPARE(plot.exitCode, 1);
-    QVERIFY(!plot.exists(QStringLiteral("plot.png")));
+    QCOMPARE(plot.countedMonth(), QStringLiteral("9"));
+    const QByteArray picture = plot.read(QStringLiteral("plot.svg"));
+    QVERIFY(picture.startsWith("<?xml"));
+    for (const char* year : {">2001<", ">2002<", ">2003<"}) {
+        if (recipe == Gnuplot)                // the other draws letters as lines
+            QCOMPARE(picture.count(year), 2); // one label in each panel
+    }
 }
 
 void TestPlot::oddSlotsAreDrawn_data()
 {
-    QTest::addColumn<QString>("recipe");
-    QTest::addColumn<QByteArray>("object");
-    QTest::addColumn<QByteArray>("input");
+    QTest::addColumn<Recipe>("recipe");
+    QTest::addColumn<QByteArrayList>("objects");
     QTest::addColumn<bool>("hasValues");
-    QByteArray none = monthlyFile();
-    for (int month = 1; month <= 24; ++month)
-        none.replace('\n' + QByteArray::number(month) + ".000000000000", "\nNaN");
-    QByteArray some = monthlyFile();
-    for (int month = 1; month <= 24; month += 2)
-        some.replace('\n' + QByteArray::number(month) + ".000000000000", "\nNaN");
-    const auto rows = [&](const char* name, const QString& recipe) {
-        QTest::addRow("%s, every second month", name) << recipe << QByteArray("A") << some << true;
-        QTest::addRow("%s, no values", name) << recipe << QByteArray("A") << none << false;
-        QTest::addRow("%s, for CSV", name) << recipe << QByteArray("a, \"b\" [c]") << some << true;
-        QTest::addRow("%s, for a formula", name) << recipe << QByteArray("$\\b$ {") << some << true;
-        QTest::addRow("%s, underscore", name) << recipe << QByteArray("_a") << some << true;
-    };
-    rows("gnuplot", kGnuplot);
-    rows("python", kPython);
+    for (const Recipe recipe : kRecipes) {
+        // Plain, for CSV, for a formula, and what a legend leaves out.
+        QTest::addRow("%s, every second month", kNames[recipe])
+            << recipe << QByteArrayList{"A", "a, \"b\" [c]", "$\\b$ {", "_a"} << true;
+        QTest::addRow("%s, no values", kNames[recipe]) << recipe << QByteArrayList{"A"} << false;
+    }
 }
 
 void TestPlot::oddSlotsAreDrawn()
 {
-    QFETCH(QString, recipe);
-    QFETCH(QByteArray, object);
-    QFETCH(QByteArray, input);
+    QFETCH(Recipe, recipe);
+    QFETCH(QByteArrayList, objects);
     QFETCH(bool, hasValues);
     Plot plot;
-    plot.write(QStringLiteral("a.hts"), input.replace("Lake A", object));
-    plot.write(QStringLiteral("c.txt"), "*.*: MaxNaN\n");
-    plot.convert(QStringLiteral("12"));
-    plot.startShell(QStringLiteral("mv a.hts ./-a.hts; ") + recipe +
-                    QStringLiteral("-a.hts annual.hts plot.png"));
+    plot.prepare(fileWithGaps(hasValues ? 2 : 1, objects));
+    plot.startShell(QStringLiteral("mv a.hts ./-a.hts"));
+    draw(plot, recipe, "-a.hts annual.hts plot.png");
     QCOMPARE(plot.errors, QByteArray());
     QCOMPARE(plot.exitCode, 0);
-    QCOMPARE(count(firstPanel(plot.picture()), kInput) > 10, hasValues);
-    QCOMPARE(count(firstPanel(plot.picture()), kAnnual) > 100, hasValues);
-    QVERIFY(count(plot.picture(), kFirstBar) > 100);
-}
-
-void TestPlot::twinsAreRefused_data()
-{
-    addRecipes();
-}
-
-void TestPlot::twinsAreRefused()
-{
-    QFETCH(QString, recipe);
-    Plot plot;
-    writeInputs(plot);
-    QByteArray twins = monthlyFile();
-    const int slot = twins.indexOf("object_type");
-    const QByteArray copy = twins.mid(slot, twins.indexOf("END_RUN\n") - slot);
-    plot.write(QStringLiteral("a.hts"), twins.insert(slot, copy));
-    plot.convert(QStringLiteral("12"));
-    plot.startShell(recipe + kArguments);
-    QCOMPARE(plot.errors, QByteArray("two slots of the input are named Lake A.Outflow\n"));
-    QCOMPARE(plot.exitCode, 1);
-    QVERIFY(!plot.exists(QStringLiteral("plot.png")));
+    for (int i = 0; i < objects.size(); ++i) {
+        const QImage drawn = panel(plot.picture(), recipe, i);
+        QCOMPARE(count(drawn, kInput) > 10, hasValues);
+        QCOMPARE(count(drawn, kAnnual) > 100, hasValues);
+        QVERIFY(count(plot.picture(), kBars[i]) > 100);
+    }
 }
 
 void TestPlot::wrongUseIsAnError_data()
 {
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QByteArray>("reason");
-    const QString python = QStringLiteral("/usr/bin/python3 -S \"$EXAMPLES/plot/plot.py\" ");
-    QTest::newRow("python, run") << kPython + kArguments + QStringLiteral(" abc")
-                                 << QByteArray("RUN counts from 1: abc\n");
-    QTest::newRow("python, format")
-        << kPython + QStringLiteral("a.hts annual.hts plot.xyz")
-        << QByteArray("plot.xyz: Format 'xyz' is not supported (supported formats: ");
-    QTest::newRow("python, packages")
-        << python + kArguments
-        << QByteArray("No module named 'matplotlib'; it comes with the packages python3-pandas and "
-                      "python3-matplotlib\n");
-    QTest::newRow("gnuplot, format") << kGnuplot + QStringLiteral("a.hts annual.hts plot.xyz")
-                                     << QByteArray("plot.xyz: PICTURE ends with .png, .svg or "
-                                                   ".pdf\n");
+    QTest::addColumn<Recipe>("recipe");
+    QTest::addColumn<QByteArray>("input"); // empty if there is none
+    QTest::addColumn<QByteArray>("arguments");
+    QTest::addColumn<QByteArray>("reason"); // what its text begins with
+    const QByteArray twins = fileWithGaps(25, {"Lake A", "Lake A"});
+    const QByteArray other = fileWithGaps(25, {"Lake B"});
+    const struct
+    {
+        const char* name;
+        QByteArray input;
+        const char* arguments;
+        const char* reasons[2];
+    } cases[] = {
+        {"no input",
+         {},
+         "a.hts annual.hts plot.png",
+         {"htstool: a.hts: No such file or directory\n",
+          "htstool: a.hts: No such file or directory\n"}},
+        {"no such run",
+         monthlyFile(),
+         "a.hts annual.hts plot.png 2",
+         {"htstool: a.hts: The file has 1 runs; nothing is exported\n",
+          "no values of run 2 in a.hts and annual.hts\n"}},
+        {"run is no number",
+         monthlyFile(),
+         "a.hts annual.hts plot.png abc",
+         {"htstool: \"abc\" is not the number of a run\nTry \"htstool --help\".\n",
+          "RUN counts from 1: abc\n"}},
+        {"another input",
+         other,
+         "a.hts annual.hts plot.png",
+         {"Lake A.Outflow is not in the input\n", "Lake A.Outflow is not in the input\n"}},
+        {"twins",
+         twins,
+         "a.hts annual.hts plot.png",
+         {"two slots of the input are named Lake A.Outflow\n",
+          "two slots of the input are named Lake A.Outflow\n"}},
+        {"format",
+         monthlyFile(),
+         "a.hts annual.hts plot.xyz",
+         {"plot.xyz: PICTURE ends with .png, .svg or .pdf\n",
+          "plot.xyz: Format 'xyz' is not supported (supported formats: "}},
+    };
+    for (const auto& row : cases) {
+        for (const Recipe recipe : kRecipes)
+            QTest::addRow("%s, %s", kNames[recipe], row.name)
+                << recipe << row.input << QByteArray(row.arguments)
+                << QByteArray(row.reasons[recipe]);
+    }
 }
 
 void TestPlot::wrongUseIsAnError()
 {
-    QFETCH(QString, command);
+    QFETCH(Recipe, recipe);
+    QFETCH(QByteArray, input);
+    QFETCH(QByteArray, arguments);
     QFETCH(QByteArray, reason);
     Plot plot;
-    writeInputs(plot);
-    plot.convert(QStringLiteral("12"));
-    plot.startShell(command);
+    plot.prepare(monthlyFile());
+    plot.write(QStringLiteral("a.hts"), input);
+    if (input.isEmpty())
+        QFile::remove(plot.path(QStringLiteral("a.hts")));
+    draw(plot, recipe, arguments);
     QVERIFY2(plot.errors.startsWith(reason), plot.errors);
-    QCOMPARE(plot.errors.count('\n'), 1);
+    QCOMPARE(plot.errors.count('\n'), std::max(reason.count('\n'), 1));
+    QCOMPARE(plot.exitCode, 1);
+    QVERIFY(!plot.exists(QStringLiteral("plot.png")));
+}
+
+void TestPlot::pythonNamesItsPackages()
+{
+    Plot plot;
+    plot.startShell(kPythonProgram + QStringLiteral(" -S '") + kPythonRecipe +
+                    QStringLiteral("' a.hts annual.hts plot.png"));
+    QCOMPARE(plot.errors, QByteArray("No module named 'matplotlib'; it comes with the packages "
+                                     "python3-pandas and python3-matplotlib\n"));
     QCOMPARE(plot.exitCode, 1);
 }
 
-void TestPlot::gnuplotWritesTheFormatOfTheName()
+void TestPlot::cleanupTestCase()
 {
-    Plot plot;
-    writeInputs(plot);
-    plot.write(QStringLiteral("a.hts"), weeklyFile());
-    plot.convert(QStringLiteral("9"));
-    plot.startShell(kGnuplot + QStringLiteral("a.hts annual.hts plot.svg"));
-    QCOMPARE(plot.errors, QByteArray());
-    const QByteArray picture = plot.read(QStringLiteral("plot.svg"));
-    QVERIFY(picture.startsWith("<?xml"));
-    for (const char* year : {">2001<", ">2002<", ">2003<"})
-        QCOMPARE(picture.count(year), 2); // one label in each panel
+    m_python.closeWriteChannel();
+    m_python.waitForFinished();
 }
 
 HTS_TEST(TestPlot, QCoreApplication)
