@@ -1,17 +1,17 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <limits>
 #include <numeric>
 #include <random>
 #include <vector>
 
-#include <QObject>
-#include <QStringList>
 #include <QtTest>
 
+#include "annualize/aggmethods.h"
 #include "annualize/aggvalues.h"
+#include "tests/annualize/conversioncompare.h"
+#include "tests/hts/packagecompare.h"
 #include "tests/support/testmain.h"
 
 using Values = std::vector<double>;
@@ -24,26 +24,12 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-std::uint64_t bitsOf(double value)
-{
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
-
-double fromBits(std::uint64_t bits)
-{
-    double value = 0.0;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
-
 // NaNs of the input, different from each other and from the one that means "no result".
 const double kNanA = fromBits(0x7ff8000000000000);
 const double kNanB = fromBits(0x7ff8000000000abc);
 const double kNanC = fromBits(0xfff800000000000c);
 
-constexpr std::uint64_t kResultNanBits = 0x7ff8000000000001;
+constexpr quint64 kResultNanBits = 0x7ff8000000000001;
 
 // Two doubles that differ in a bit have different texts. The NaN of a result is "NaN", others are
 // "nan:" and their bits.
@@ -63,9 +49,10 @@ QString textOf(double value)
 QStringList linesOf(const AggValues& agg)
 {
     std::vector<QStringList> years;
-    for (const char* word : {"Sum", "SumNaN", "Average", "AverageNaN", "Max", "MaxNaN", "Min",
-                             "MinNaN", "End", "EndNaN", "Begin", "BeginNaN"}) {
-        const Values results = agg.results(*findMethod(QString::fromLatin1(word)));
+    for (const AggMethod& method : aggMethods()) {
+        if (!method.isSupported())
+            continue;
+        const Values results = agg.results(method);
         if (years.empty())
             years.resize(results.size());
         if (results.size() != years.size())
@@ -180,80 +167,54 @@ private Q_SLOTS:
 
     void givesOneResultForEachYear_data()
     {
-        addColumns<Values, ValueMap, int>("values", "map", "count");
-        // Sum Average Max Min End Begin, each followed by its Nan variant.
-        QTest::addColumn<QStringList>("expected");
-
-        const auto lines = [](std::initializer_list<const char*> texts) {
-            QStringList result;
-            for (const char* text : texts)
-                result.append(QString::fromLatin1(text));
-            return result;
+        addColumns<Values, ValueMap, int, QString>("values", "map", "count", "expected");
+        // Sum Average Max Min End Begin, each followed by its Nan variant; years separated by '|'.
+        const ValueMap one{1, 1, 1};
+        const auto row = [](const char* name, const Values& values, const ValueMap& map, int count,
+                            const char* expected) {
+            QTest::newRow(name) << values << map << count << expected;
         };
-
-        QTest::newRow("complete year")
-            << Values{1, 2, 3} << ValueMap{1, 1, 1} << 3 << lines({"6 6 2 2 3 3 1 1 3 3 1 1"});
-        QTest::newRow("one value") << Values{7.5} << ValueMap{1} << 1
-                                   << lines({"7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5"});
-        QTest::newRow("missing value in the middle counts in the divisor")
-            << Values{1, kNanA, 3} << ValueMap{1, 1, 1} << 1
-            << lines({"NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN 1"});
-        QTest::newRow("eight of ten values average over ten")
-            << Values{1, 1, 1, kNanA, 1, 1, kNanA, 1, 1, 1} << ValueMap(10, 1) << 1
-            << lines({"NaN 8 NaN 0.80000000000000004 NaN 1 NaN 1 NaN 1 NaN 1"});
-        QTest::newRow("missing value at the end is the end, with its own bits")
-            << Values{1, 2, kNanB} << ValueMap{1, 1, 1} << 1
-            << lines({"NaN 3 NaN 1 NaN 2 NaN 1 NaN nan:7ff8000000000abc NaN 1"});
-        QTest::newRow("missing value at the beginning is the beginning, with its own bits")
-            << Values{kNanC, 4, 2} << ValueMap{1, 1, 1} << 1
-            << lines({"NaN 6 NaN 2 NaN 4 NaN 2 NaN 2 NaN nan:fff800000000000c"});
-        QTest::newRow("all values missing")
-            << Values{kNanB, kInfinity, kNanC} << ValueMap{1, 1, 1} << 1
-            << lines({"NaN 0 NaN 0 NaN nan:7ff8000000000abc NaN nan:7ff8000000000abc NaN "
-                      "nan:fff800000000000c NaN nan:7ff8000000000abc"});
-        QTest::newRow("all values infinite keeps the first")
-            << Values{-kInfinity, kInfinity} << ValueMap{1, 1} << 1
-            << lines({"NaN 0 NaN 0 NaN -inf NaN -inf NaN inf NaN -inf"});
-        QTest::newRow("infinity is a missing value")
-            << Values{5, kInfinity, 7} << ValueMap{1, 1, 1} << 1
-            << lines({"NaN 12 NaN 4 NaN 7 NaN 5 NaN 7 NaN 5"});
-        QTest::newRow("leading infinity is no largest value")
-            << Values{kInfinity, 1, 3} << ValueMap{1, 1, 1} << 1
-            << lines({"NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN inf"});
-        QTest::newRow("leading infinity below zero is no smallest value")
-            << Values{-kInfinity, 1, 3} << ValueMap{1, 1, 1} << 1
-            << lines({"NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN -inf"});
-        QTest::newRow("of equal values the first is kept")
-            << Values{-0.0, 0.0} << ValueMap{1, 1} << 1 << lines({"0 0 0 0 -0 -0 -0 -0 0 0 -0 -0"});
-        QTest::newRow("sum beyond the largest number stays infinite")
-            << Values{1e308, 1e308} << ValueMap{1, 1} << 1
-            << lines({"inf inf inf inf 1e+308 1e+308 "
-                      "1e+308 1e+308 1e+308 "
-                      "1e+308 1e+308 1e+308"});
-        QTest::newRow("missing value spoils its own year only")
-            << Values{1, kNanA, 3, 5} << ValueMap{1, 1, 2, 2} << 2
-            << lines({"NaN 1 NaN 0.5 NaN 1 NaN 1 NaN nan:7ff8000000000000 NaN 1",
-                      "8 8 4 4 5 5 3 3 5 5 3 3"});
-        QTest::newRow("values outside the years are skipped")
-            << Values{100, 1, 2, 3, 100} << ValueMap{0, 1, 1, 2, 3} << 2
-            << lines({"3 3 1.5 1.5 2 2 1 1 2 2 1 1", "3 3 3 3 3 3 3 3 3 3 3 3"});
-        QTest::newRow("missing value outside the years spoils nothing")
-            << Values{kNanA, 1, kNanB, 3, kNanC} << ValueMap{0, 1, -5, 1, 2} << 1
-            << lines({"4 4 2 2 3 3 1 1 3 3 1 1"});
-        QTest::newRow("skipped value does not end the year")
-            << Values{1, 100, 3} << ValueMap{1, 0, 1} << 1 << lines({"4 4 2 2 3 3 1 1 3 3 1 1"});
-        QTest::newRow("return to an earlier number starts a new year")
-            << Values{1, 2, 3} << ValueMap{1, 2, 1} << 2
-            << lines({"1 1 1 1 1 1 1 1 1 1 1 1", "2 2 2 2 2 2 2 2 2 2 2 2",
-                      "3 3 3 3 3 3 3 3 3 3 3 3"});
-        QTest::newRow("number that no value carries has no result")
-            << Values{1, 2} << ValueMap{1, 3} << 3
-            << lines({"1 1 1 1 1 1 1 1 1 1 1 1", "2 2 2 2 2 2 2 2 2 2 2 2"});
-        QTest::newRow("no value inside the years")
-            << Values{1, 2} << ValueMap{0, 4} << 3 << QStringList();
-        QTest::newRow("no years") << Values{1, 2, 3} << ValueMap{1, 1, 1} << 0 << QStringList();
-        QTest::newRow("no values") << Values() << ValueMap() << 3 << QStringList();
-        QTest::newRow("no values and no years") << Values() << ValueMap() << 0 << QStringList();
+        row("complete year", {1, 2, 3}, one, 3, "6 6 2 2 3 3 1 1 3 3 1 1");
+        row("one value", {7.5}, {1}, 1, "7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5 7.5");
+        row("missing value in the middle counts in the divisor", {1, kNanA, 3}, one, 1,
+            "NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN 1");
+        row("eight of ten values average over ten", {1, 1, 1, kNanA, 1, 1, kNanA, 1, 1, 1},
+            ValueMap(10, 1), 1, "NaN 8 NaN 0.80000000000000004 NaN 1 NaN 1 NaN 1 NaN 1");
+        row("missing value at the end is the end, with its own bits", {1, 2, kNanB}, one, 1,
+            "NaN 3 NaN 1 NaN 2 NaN 1 NaN nan:7ff8000000000abc NaN 1");
+        row("missing value at the beginning is the beginning, with its own bits", {kNanC, 4, 2},
+            one, 1, "NaN 6 NaN 2 NaN 4 NaN 2 NaN 2 NaN nan:fff800000000000c");
+        row("all values missing", {kNanB, kInfinity, kNanC}, one, 1,
+            "NaN 0 NaN 0 NaN nan:7ff8000000000abc NaN nan:7ff8000000000abc NaN "
+            "nan:fff800000000000c NaN nan:7ff8000000000abc");
+        row("all values infinite keeps the first", {-kInfinity, kInfinity}, {1, 1}, 1,
+            "NaN 0 NaN 0 NaN -inf NaN -inf NaN inf NaN -inf");
+        row("infinity is a missing value", {5, kInfinity, 7}, one, 1,
+            "NaN 12 NaN 4 NaN 7 NaN 5 NaN 7 NaN 5");
+        row("leading infinity is no largest value", {kInfinity, 1, 3}, one, 1,
+            "NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN inf");
+        row("leading infinity below zero is no smallest value", {-kInfinity, 1, 3}, one, 1,
+            "NaN 4 NaN 1.3333333333333333 NaN 3 NaN 1 NaN 3 NaN -inf");
+        row("of equal values the first is kept", {-0.0, 0.0}, {1, 1}, 1,
+            "0 0 0 0 -0 -0 -0 -0 0 0 -0 -0");
+        row("sum beyond the largest number stays infinite", {1e308, 1e308}, {1, 1}, 1,
+            "inf inf inf inf 1e+308 1e+308 1e+308 1e+308 1e+308 1e+308 1e+308 1e+308");
+        row("missing value spoils its own year only", {1, kNanA, 3, 5}, {1, 1, 2, 2}, 2,
+            "NaN 1 NaN 0.5 NaN 1 NaN 1 NaN nan:7ff8000000000000 NaN 1|8 8 4 4 5 5 3 3 5 5 3 3");
+        row("values outside the years are skipped", {100, 1, 2, 3, 100}, {0, 1, 1, 2, 3}, 2,
+            "3 3 1.5 1.5 2 2 1 1 2 2 1 1|3 3 3 3 3 3 3 3 3 3 3 3");
+        row("missing value outside the years spoils nothing", {kNanA, 1, kNanB, 3, kNanC},
+            {0, 1, -5, 1, 2}, 1, "4 4 2 2 3 3 1 1 3 3 1 1");
+        row("skipped value does not end the year", {1, 100, 3}, {1, 0, 1}, 1,
+            "4 4 2 2 3 3 1 1 3 3 1 1");
+        row("return to an earlier number starts a new year", {1, 2, 3}, {1, 2, 1}, 2,
+            "1 1 1 1 1 1 1 1 1 1 1 1|2 2 2 2 2 2 2 2 2 2 2 2|3 3 3 3 3 3 3 3 3 3 3 3");
+        row("number that no value carries has no result", {1, 2}, {1, 3}, 3,
+            "1 1 1 1 1 1 1 1 1 1 1 1|2 2 2 2 2 2 2 2 2 2 2 2");
+        row("no value inside the years", {1, 2}, {0, 4}, 3, "");
+        row("no years", {1, 2, 3}, one, 0, "");
+        row("no values", {}, {}, 3, "");
+        row("no values and no years", {}, {}, 0, "");
     }
 
     void givesOneResultForEachYear()
@@ -266,7 +227,7 @@ private Q_SLOTS:
         QString message;
         QVERIFY(agg.aggregate(values, map, count, message));
         QCOMPARE(message, QString());
-        QTEST(linesOf(agg), "expected");
+        QTEST(linesOf(agg).join(QLatin1Char('|')), "expected");
     }
 
     void agreesWithSlowReference_data()
@@ -305,18 +266,16 @@ private Q_SLOTS:
     {
         addColumns<Values, ValueMap, int, QString>("values", "map", "count", "message");
 
-        const QString sizes =
-            QStringLiteral("Sizes of input value and value map vectors are mismatched");
-        const QString negative = QStringLiteral("Number of new values cannot be negative");
-        QTest::newRow("map too short") << Values{1, 2} << ValueMap{1} << 1 << sizes;
-        QTest::newRow("map too long") << Values{1} << ValueMap{1, 1} << 1 << sizes;
-        QTest::newRow("no values") << Values() << ValueMap{1} << 1 << sizes;
-        QTest::newRow("no map") << Values{1} << ValueMap() << 1 << sizes;
-        QTest::newRow("negative count") << Values{1} << ValueMap{1} << -1 << negative;
-        QTest::newRow("negative count without values") << Values() << ValueMap() << -1 << negative;
-        QTest::newRow("least count")
-            << Values{1} << ValueMap{1} << std::numeric_limits<int>::min() << negative;
-        QTest::newRow("sizes before count") << Values{1} << ValueMap() << -1 << sizes;
+        const char* const negative = "Number of new values cannot be negative";
+        addRows<Values, ValueMap, int, const char*>(
+            {{"map too short", {1, 2}, {1}, 1, kUnequalSizes},
+             {"map too long", {1}, {1, 1}, 1, kUnequalSizes},
+             {"no values", {}, {1}, 1, kUnequalSizes},
+             {"no map", {1}, {}, 1, kUnequalSizes},
+             {"negative count", {1}, {1}, -1, negative},
+             {"negative count without values", {}, {}, -1, negative},
+             {"least count", {1}, {1}, std::numeric_limits<int>::min(), negative},
+             {"sizes before count", {1}, {}, -1, kUnequalSizes}});
     }
 
     void refusesBadSizes()

@@ -9,8 +9,10 @@
 
 #include "annualize/aggmethods.h"
 #include "annualize/annualizehts.h"
+#include "tests/hts/htstext.h"
 #include "tests/support/logcollector.h"
 #include "tests/support/testmain.h"
+#include "tests/support/wholefile.h"
 
 namespace {
 
@@ -24,11 +26,11 @@ HtsSlot makeSlot(const QString& object, const QString& slot, const QString& type
     return result;
 }
 
-// "Type/Object.Slot" or "Object.Slot"; object and type have no dot.
-QVector<HtsSlot> makeSlots(const QStringList& texts)
+// "Type/Object.Slot" or "Object.Slot", separated by '|'; object and type have no dot.
+QVector<HtsSlot> makeSlots(const char* joined)
 {
     QVector<HtsSlot> result;
-    for (const QString& text : texts) {
+    for (const QString& text : texts(joined)) {
         const QString name = text.section(QLatin1Char('/'), -1);
         const QString type = text.section(QLatin1Char('/'), 0, -2);
         result.append(makeSlot(name.section(QLatin1Char('.'), 0, 0),
@@ -60,12 +62,10 @@ private Q_SLOTS:
 
     void assignsMethods_data()
     {
-        addColumns<QByteArray, QStringList, QStringList>("contents", "slots", "expected");
-
+        addColumns<QByteArray, QByteArray, QString>("contents", "slots", "expected");
         const auto row = [](const char* name, const QByteArray& contents, const char* slots,
                             const char* expected) {
-            QTest::newRow(name) << contents << QString::fromUtf8(slots).split(QLatin1Char(' '))
-                                << QString::fromUtf8(expected).split(QLatin1Char(' '));
+            QTest::newRow(name) << contents << QByteArray(slots) << expected;
         };
         // "-" means no method.
         row("plain rule", "Res.Flow: Sum\n", "Res.Flow Res.Level Lake.Flow", "Sum - -");
@@ -160,15 +160,14 @@ private Q_SLOTS:
     void assignsMethods()
     {
         QFETCH(QByteArray, contents);
-        QFETCH(QStringList, slots);
-        QFETCH(QStringList, expected);
-        expected.replaceInStrings(QStringLiteral("-"), QString());
-
-        QStringList methods{QStringLiteral("before")};
-        const Status status = assign(contents, makeSlots(slots), methods);
+        QFETCH(QByteArray, slots);
+        QFETCH(QString, expected);
+        const QStringList words = expected.remove(QLatin1Char('-')).split(QLatin1Char(' '));
+        QStringList methods = texts("before");
+        const Status status = assign(contents, makeSlots(slots.replace(' ', '|')), methods);
         QCOMPARE(status.message, QString());
         QVERIFY(!status.flag);
-        QCOMPARE(methods, expected);
+        QCOMPARE(methods, words);
     }
 
     void acceptsEveryWordInAnyCase_data()
@@ -185,8 +184,7 @@ private Q_SLOTS:
         capitalized[0] = word.at(0);
         for (const QString& text : {word, word.toLower(), word.toUpper(), capitalized}) {
             QStringList methods;
-            const Status status =
-                assign("*.*: " + text.toUtf8(), makeSlots({QStringLiteral("A.Flow")}), methods);
+            const Status status = assign("*.*: " + text.toUtf8(), makeSlots("A.Flow"), methods);
             QCOMPARE(status.message, QString());
             QCOMPARE(methods, QStringList{word});
         }
@@ -216,165 +214,106 @@ private Q_SLOTS:
 
     void refusesBadLines_data()
     {
-        addColumns<QByteArray, QString>("line", "message");
-
-        QTest::newRow("no colon") << QByteArray("Reservoir1 Outflow Sum")
-                                  << "Method Control File Error: Colon not found in line \n"
-                                     "\"Reservoir1 Outflow Sum\"";
-        // A line of no-break spaces is not blank.
-        QTest::newRow("no-break space alone")
-            << QByteArray(" \xc2\xa0\t")
-            << QString::fromUtf8(
-                   "Method Control File Error: Colon not found in line \n\"\xc2\xa0\"");
-        QTest::newRow("no-break spaces at the ends of the line are quoted")
-            << QByteArray("\xc2\xa0Res.Flow Sum\xc2\xa0")
-            << QString::fromUtf8("Method Control File Error: Colon not found in line \n"
-                                 "\"\xc2\xa0Res.Flow Sum\xc2\xa0\"");
-        QTest::newRow("no-break space as the method")
-            << QByteArray("Res.Flow:\xc2\xa0")
-            << QString::fromUtf8("Method Control File Error: Unknown method specified in line \n"
-                                 "\"Res.Flow:\xc2\xa0\"");
-        QTest::newRow("no-break space after the method")
-            << QByteArray("Res.Flow: Sum\xc2\xa0")
-            << QString::fromUtf8("Method Control File Error: Unknown method specified in line \n"
-                                 "\"Res.Flow: Sum\xc2\xa0\"");
-        QTest::newRow("no comments") << QByteArray("# comment")
-                                     << "Method Control File Error: Colon not found in line \n"
-                                        "\"# comment\"";
-        QTest::newRow("colon before dot") << QByteArray("Res.Flow Sum.")
-                                          << "Method Control File Error: Colon not found in line \n"
-                                             "\"Res.Flow Sum.\"";
-        QTest::newRow("comment with a colon")
-            << QByteArray("# note: x")
-            << "Method Control File Error: Unknown method specified in line \n\"# note: x\"";
-        QTest::newRow("no method") << QByteArray("Res.Flow:")
-                                   << "Method Control File Error: Method is blank in line \n"
-                                      "\"Res.Flow:\"";
-        QTest::newRow("blank method before all else")
-            << QByteArray(":") << "Method Control File Error: Method is blank in line \n\":\"";
-        QTest::newRow("blank method after a second colon")
-            << QByteArray("Res.Flow: Sum :")
-            << "Method Control File Error: Method is blank in line \n\"Res.Flow: Sum :\"";
-        QTest::newRow("unknown method")
-            << QByteArray("Res.Flow: Median")
-            << "Method Control File Error: Unknown method specified in line \n\"Res.Flow: Median\"";
-        QTest::newRow("unknown method before the missing dot")
-            << QByteArray("ResFlow: Median")
-            << "Method Control File Error: Unknown method specified in line \n\"ResFlow: Median\"";
-        QTest::newRow("method with a dot")
-            << QByteArray("Res: Su.m")
-            << "Method Control File Error: Unknown method specified in line \n\"Res: Su.m\"";
-        QTest::newRow("two methods") << QByteArray("Res.Flow: Sum Max")
-                                     << "Method Control File Error: Unknown method specified in "
-                                        "line \n\"Res.Flow: Sum Max\"";
-        QTest::newRow("long s") << QByteArray("Res.Flow: \xc5\xbfum")
-                                << QString::fromUtf8(
-                                       "Method Control File Error: Unknown method "
-                                       "specified in line \n\"Res.Flow: \xc5\xbfum\"");
-        QTest::newRow("dotted capital i")
-            << QByteArray("Res.Flow: M\xc4\xb0N")
-            << QString::fromUtf8("Method Control File Error: Unknown method specified in line \n"
-                                 "\"Res.Flow: M\xc4\xb0N\"");
-        QTest::newRow("no dot") << QByteArray("ResFlow: Sum")
-                                << "Method Control File Error: Dot separator not found in line \n"
-                                   "\"ResFlow: Sum\"";
-        QTest::newRow("no slot") << QByteArray("Res.: Sum")
-                                 << "Method Control File Error: Slot name is blank in line \n"
-                                    "\"Res.: Sum\"";
-        QTest::newRow("blank slot") << QByteArray("Res. \t: Sum")
-                                    << "Method Control File Error: Slot name is blank in line \n"
-                                       "\"Res. \t: Sum\"";
-        QTest::newRow("slot before object")
-            << QByteArray(" . : Sum")
-            << "Method Control File Error: Slot name is blank in line \n\". : Sum\"";
-        QTest::newRow("no object") << QByteArray(".Flow: Sum")
-                                   << "Method Control File Error: Object name is blank in line \n"
-                                      "\".Flow: Sum\"";
-        QTest::newRow("blank object with a dot in the slot")
-            << QByteArray("..Flow: Sum")
-            << "Method Control File Error: Object name is blank in line \n\"..Flow: Sum\"";
-        QTest::newRow("line is quoted without white space at its ends")
-            << QByteArray("\t  Res  Flow \t\r")
-            << "Method Control File Error: Colon not found in line \n\"Res  Flow\"";
-        QTest::newRow("bad UTF-8")
-            << QByteArray("R\xff")
-            << QString::fromUtf8("Method Control File Error: Colon not found in "
-                                 "line \n\"R\xef\xbf\xbd\"");
+        addColumns<QByteArray, QString, QString>("contents", "reason", "quoted");
+        const char* const colon = "Colon not found";
+        const char* const dot = "Dot separator not found";
+        const char* const blankMethod = "Method is blank";
+        const char* const unknown = "Unknown method specified";
+        const char* const noSlot = "Slot name is blank";
+        const char* const noObject = "Object name is blank";
+        const std::tuple<const char*, const char*, const char*> kLines[] = {
+            {"no colon", colon, "Reservoir1 Outflow Sum"},
+            {"no-break spaces at the ends of the line", colon, "\xc2\xa0Res.Flow Sum\xc2\xa0"},
+            {"no-break space as the method", unknown, "Res.Flow:\xc2\xa0"},
+            {"no-break space after the method", unknown, "Res.Flow: Sum\xc2\xa0"},
+            {"no comments", colon, "# comment"},
+            {"colon before dot", colon, "Res.Flow Sum."},
+            {"comment with a colon", unknown, "# note: x"},
+            {"no method", blankMethod, "Res.Flow:"},
+            {"blank method before all else", blankMethod, ":"},
+            {"blank method after a second colon", blankMethod, "Res.Flow: Sum :"},
+            {"unknown method", unknown, "Res.Flow: Median"},
+            {"unknown method before the missing dot", unknown, "ResFlow: Median"},
+            {"method with a dot", unknown, "Res: Su.m"},
+            {"two methods", unknown, "Res.Flow: Sum Max"},
+            {"long s", unknown, "Res.Flow: \xc5\xbfum"},
+            {"dotted capital i", unknown, "Res.Flow: M\xc4\xb0N"},
+            {"no dot", dot, "ResFlow: Sum"},
+            {"no slot", noSlot, "Res.: Sum"},
+            {"blank slot", noSlot, "Res. \t: Sum"},
+            {"no object", noObject, ".Flow: Sum"},
+            {"blank object with a dot in the slot", noObject, "..Flow: Sum"}};
+        for (const auto& [name, reason, line] : kLines)
+            QTest::newRow(name) << QByteArray(line) << reason << line;
+        addRows<QByteArray, const char*, const char*>(
+            {{"slot before object, blank in front", " . : Sum", noSlot, ". : Sum"},
+             // Such a line is not blank.
+             {"no-break space alone", " \xc2\xa0\t", colon, "\xc2\xa0"},
+             {"white space at the ends", "\t  Res  Flow \t\r", colon, "Res  Flow"},
+             {"bad UTF-8", "R\xff", colon, "R\xef\xbf\xbd"},
+             {"first bad line of two", "*.*: Sum\r\nfirst bad line\r\n*.x\r\n*.*: Max\r\n", colon,
+              "first bad line"}});
     }
 
     void refusesBadLines()
     {
-        QFETCH(QByteArray, line);
-
+        QFETCH(QByteArray, contents);
+        QFETCH(QString, reason);
+        QFETCH(QString, quoted);
         const LogCollector log;
-        QStringList methods{QStringLiteral("before")};
-        const Status status = assign(line, makeSlots({QStringLiteral("Res.Flow")}), methods);
-        QTEST(status.message, "message");
+        QStringList methods = texts("before");
+        const Status status = assign(contents, makeSlots("Res.Flow"), methods);
+        QCOMPARE(
+            status.message,
+            QStringLiteral("Method Control File Error: %1 in line \n\"%2\"").arg(reason, quoted));
         QVERIFY(!status.flag);
-        QCOMPARE(methods, QStringList{QStringLiteral("before")});
-        QCOMPARE(log.lines(),
-                 QStringList{QStringLiteral("Starting assignment of methods to slots ")});
-    }
-
-    void badLineLeavesListAndRestUnchanged()
-    {
-        const LogCollector log;
-        QStringList methods{QStringLiteral("before")};
-        const Status status = assign("*.*: Sum\r\nfirst bad line\r\n*.x\r\n*.*: Max\r\n",
-                                     makeSlots({QStringLiteral("Res.Flow")}), methods);
-        QCOMPARE(status.message,
-                 QStringLiteral("Method Control File Error: Colon not found in line \n"
-                                "\"first bad line\""));
-        QCOMPARE(methods, QStringList{QStringLiteral("before")});
-        QCOMPARE(log.lines(),
-                 QStringList{QStringLiteral("Starting assignment of methods to slots ")});
+        QCOMPARE(methods, texts("before"));
+        QCOMPARE(log.lines(), texts("Starting assignment of methods to slots "));
     }
 
     void logsEverySlot()
     {
         const LogCollector log;
         QStringList methods;
-        const Status status =
-            assign("Reservoir1.Outflow: average\n*.Salt: salinity\n",
-                   makeSlots({QStringLiteral("Reservoir1.Outflow"),
-                              QStringLiteral("Lake \"A\".In.Flow"), QStringLiteral("Lake.Salt")}),
-                   methods);
-        QCOMPARE(status.message, QString());
-        const QStringList expected{
-            QStringLiteral("Starting assignment of methods to slots "),
-            QStringLiteral("Reservoir1.Outflow assigned method of Average "),
-            QStringLiteral("Lake \"A\".In.Flow HAD NO METHOD MATCH IN METHOD CONTROL FILE "),
-            QStringLiteral("Lake.Salt assigned method of Salinity "),
-            QStringLiteral("Finished assigning methods to slots ")};
+        QCOMPARE(assign("Reservoir1.Outflow: average\n*.Salt: salinity\n",
+                        makeSlots("Reservoir1.Outflow|Lake \"A\".In.Flow|Lake.Salt"), methods)
+                     .message,
+                 QString());
+        const QStringList expected =
+            texts("Starting assignment of methods to slots |"
+                  "Reservoir1.Outflow assigned method of Average |"
+                  "Lake \"A\".In.Flow HAD NO METHOD MATCH IN METHOD CONTROL FILE |"
+                  "Lake.Salt assigned method of Salinity |"
+                  "Finished assigning methods to slots ");
         QCOMPARE(log.lines(), expected);
         QCOMPARE(log.levels(), QVector<QsLogging::Level>(expected.size(), QsLogging::InfoLevel));
     }
 
     void noSlotsGiveEmptyList()
     {
-        QStringList methods{QStringLiteral("before")};
-        QCOMPARE(assign("*.*: Sum\n", {}, methods).message, QString());
+        QStringList methods = texts("before");
+        QCOMPARE(assign("*.*: Sum\n", QVector<HtsSlot>(), methods).message, QString());
         QCOMPARE(methods, QStringList());
     }
 
     void slotTypeDoesNotMatter()
     {
         QVector<HtsSlot> slots;
-        for (const char* type : {"", "SeriesSlot", "TableSlot", "ScalarSlot"}) {
-            slots.append(makeSlot(QStringLiteral("A"), QStringLiteral("Flow")));
-            slots.last().slotType = QString::fromLatin1(type);
+        for (const QString& type : texts("|SeriesSlot|TableSlot|ScalarSlot")) {
+            slots += makeSlots("A.Flow");
+            slots.last().slotType = type;
         }
         QStringList methods;
         QCOMPARE(assign("A.Flow: Sum\n", slots, methods).message, QString());
-        QCOMPARE(methods.join(QLatin1Char(' ')), QStringLiteral("Sum Sum Sum Sum"));
+        QCOMPARE(methods, texts("Sum|Sum|Sum|Sum"));
     }
 
     void unopenedFileGivesItsErrorText_data()
     {
         QTest::addColumn<QString>("path");
-        QTest::newRow("missing") << "missing.txt";
-        QTest::newRow("missing folder") << "missing/methods.txt";
-        QTest::newRow("folder") << "";
+        addRows<const char*>({{"missing", "missing.txt"},
+                              {"missing folder", "missing/methods.txt"},
+                              {"folder", ""}});
     }
 
     void unopenedFileGivesItsErrorText()
@@ -383,16 +322,14 @@ private Q_SLOTS:
         path = m_folder->filePath(path);
         const QString expected = fileErrorText(path);
         QVERIFY(expected != QLatin1String("opens"));
-
         const LogCollector log;
         AnnualizeHts engine;
         QCOMPARE(engine.setControlFile(path).message, QString());
-        QStringList methods{QStringLiteral("before")};
-        const Status status =
-            engine.assignMethods(makeSlots({QStringLiteral("Res.Flow")}), methods);
+        QStringList methods = texts("before");
+        const Status status = engine.assignMethods(makeSlots("Res.Flow"), methods);
         QCOMPARE(status.message, expected);
         QVERIFY(!status.flag);
-        QCOMPARE(methods, QStringList{QStringLiteral("before")});
+        QCOMPARE(methods, texts("before"));
         QCOMPARE(log.lines(), QStringList());
     }
 
@@ -467,19 +404,13 @@ private Q_SLOTS:
     }
 
 private:
-    QString writeFile(const QByteArray& contents) const
-    {
-        QFile file(m_folder->filePath(QStringLiteral("methods.txt")));
-        const bool isWritten =
-            file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
-        return isWritten ? file.fileName() : QString();
-    }
-
     Status assign(const QByteArray& contents, const QVector<HtsSlot>& slots,
                   QStringList& methods) const
     {
         AnnualizeHts engine;
-        const Status status = engine.setControlFile(writeFile(contents));
+        const QString path = m_folder->filePath(QStringLiteral("methods.txt"));
+        writeFile(path, contents);
+        const Status status = engine.setControlFile(path);
         return status.ok() ? engine.assignMethods(slots, methods) : status;
     }
 

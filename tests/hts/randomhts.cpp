@@ -4,133 +4,30 @@
 
 namespace {
 
-const QByteArrayList kWords = {
-    "",
-    "Lake A",
-    "  leading blanks",
-    "a:b",
-    "\xc3\x84"
-    "bfluss \xe2\x82\xac",
-    "END_RUN_",
-    "\xf0\x9f\x8c\x8a",
-    "bad \xff\xfe bytes",
-    "1",
-    "SeriesSlot",
-    "tab\tinside",
-};
+const QByteArrayList kWords = QByteArray("|Lake A|  leading blanks|a:b|\xc3\x84"
+                                         "bfluss \xe2\x82\xac|END_RUN_|\xf0\x9f\x8c\x8a|"
+                                         "bad \xff\xfe bytes|1|SeriesSlot|tab\tinside")
+                                  .split('|');
 
-const QByteArrayList kOddNumbers = {
-    "",
-    "NaN",
-    "nan",
-    "NAN",
-    "inf",
-    "-inf",
-    "+inf",
-    "infinity",
-    "1.",
-    ".5",
-    "1.e5",
-    "1E+5",
-    "+1",
-    ".",
-    "1e",
-    "e5",
-    "+-1",
-    "--1",
-    "1 2",
-    "1,234",
-    "0x10",
-    "1d5",
-    "1f",
-    "+nan",
-    "-nan",
-    "1e400",
-    "1.8e308",
-    "4.9e-324",
-    "1e-310",
-    "1e-400",
-    "-0",
-    "-0.0",
-    "-",
-    "+",
-    "abc",
-    "NaN1",
-    "nan(1)",
-    "END_COLUMN",
-    "1e22",
-    "\xc2\xa0"
-    "1",
-    "\xd9\xa1",
-    "1\xc2\xa0",
-    "0x",
-    "1e+",
-    "-.5",
-    "-.",
-    "1..2",
-    "1e5.5",
-    "00012",
-    "1_0",
-    "\xef\xbb\xbf"
-    "1",
-    "123456789012345678901234567890",
-    "9007199254740993",
-    "2.2250738585072011e-308",
-    "1.7976931348623159e308",
-    "0.1e-1000000",
-    "1e99999999999",
-};
+const QByteArrayList kOddNumbers =
+    QByteArray("|NaN|nan|NAN|inf|-inf|+inf|infinity|1.|.5|1.e5|1E+5|+1|.|1e|e5|+-1|--1|1 2|1,234|"
+               "0x10|1d5|1f|+nan|-nan|1e400|1.8e308|4.9e-324|1e-310|1e-400|-0|-0.0|-|+|abc|NaN1|"
+               "nan(1)|END_COLUMN|1e22|\xc2\xa0"
+               "1|\xd9\xa1|1\xc2\xa0|0x|1e+|-.5|-.|1..2|1e5.5|00012|"
+               "1_0|\xef\xbb\xbf"
+               "1|123456789012345678901234567890|9007199254740993|"
+               "2.2250738585072011e-308|1.7976931348623159e308|0.1e-1000000|1e99999999999")
+        .split('|');
 
 // Parts of lines, which are inserted anywhere to break a file.
-const QByteArrayList kDictionary = {
-    "name:",
-    "number_of_runs:",
-    "number_of_runs:3",
-    "END_PACKAGE_PREAMBLE",
-    "start:",
-    "time_steps:",
-    "time_steps:2",
-    "timesteps:1",
-    "time_steps:-1",
-    "END_RUN_PREAMBLE",
-    "object_type: ",
-    "slot_type: ",
-    "slot_type: TableSlot",
-    "slot_type: ScalarSlot",
-    "slot_type: SeriesSlot",
-    "rows: ",
-    "rows: 2",
-    "cols: 3",
-    "END_SLOT_PREAMBLE",
-    "units: ",
-    "scale: ",
-    "scale: 1e",
-    "method: ",
-    "mean",
-    "END_COLUMN",
-    "END_SLOT",
-    "END_RUN",
-    "END_RUN ",
-    "END_RUN\t",
-    "NaN",
-    "2000-1-31 24:00",
-    "\n",
-    "\r\n",
-    "\r",
-    "\n\n",
-    "\t",
-    " ",
-    ":",
-    "0",
-    "-",
-    "\xef\xbb\xbf",
-    "\xc2\xa0",
-    "\xff",
-    "1e5",
-    ".",
-    "\v",
-    "\f",
-};
+const QByteArrayList kDictionary =
+    QByteArray("name:|number_of_runs:|number_of_runs:3|END_PACKAGE_PREAMBLE|start:|time_steps:|"
+               "time_steps:2|timesteps:1|time_steps:-1|END_RUN_PREAMBLE|object_type: |slot_type: |"
+               "slot_type: TableSlot|slot_type: ScalarSlot|slot_type: SeriesSlot|rows: |rows: 2|"
+               "cols: 3|END_SLOT_PREAMBLE|units: |scale: |scale: 1e|method: |mean|END_COLUMN|"
+               "END_SLOT|END_RUN|END_RUN |END_RUN\t|NaN|2000-1-31 24:00|\n|\r\n|\r|\n\n|\t| |:|0|-|"
+               "\xef\xbb\xbf|\xc2\xa0|\xff|1e5|.|\v|\f")
+        .split('|');
 
 } // namespace
 

@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include "hts/htspackage.h"
+#include "tests/hts/htstext.h"
 #include "tests/hts/packagecompare.h"
 #include "tests/hts/randomhts.h"
 #include "tests/hts/samplefile.h"
@@ -19,11 +20,6 @@ namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-QDateTime utc(int year, int month, int day, int hour = 0, int minute = 0)
-{
-    return QDateTime(QDate(year, month, day), QTime(hour, minute), Qt::UTC);
-}
 
 QByteArray written(const HtsPackage& package)
 {
@@ -49,16 +45,16 @@ QByteArray writtenPreamble(const Model& model)
     return text;
 }
 
-HtsSlot series(const QString& name)
+HtsSlot series(const char* name = "x")
 {
     HtsSlot slot;
     slot.objectType = QStringLiteral("Reservoir");
     slot.objectName = QStringLiteral("Lake A");
     slot.slotType = QStringLiteral("SeriesSlot");
-    slot.slotName = name;
-    slot.units = QStringList{QStringLiteral("cms")};
+    slot.slotName = QString::fromUtf8(name);
+    slot.units = texts("cms");
     slot.scales = QList<double>{1.0};
-    slot.methods = QStringList{QString()};
+    slot.methods = texts("");
     return slot;
 }
 
@@ -99,7 +95,7 @@ QByteArray writtenColumns(const HtsPackage& package)
 
 } // namespace
 
-Q_DECLARE_METATYPE(HtsValues)
+Q_DECLARE_METATYPE(HtsPackage)
 
 class HtsWriterTest : public QObject
 {
@@ -111,14 +107,14 @@ private Q_SLOTS:
     // Each run has as many rows as its own timesteps.
     void writesRunsOfDifferentLength()
     {
-        HtsPackage package = packageOf(series(QStringLiteral("First")), 2, {});
+        HtsPackage package = packageOf(series("First"), 2, {});
         package.numberOfRuns = 2;
         HtsRun second = package.run(0);
         second.trace = 4;
         second.timeStepCount = 3;
         second.timesteps.append(QStringLiteral("2000-3-1 6:00"));
         package.runs.append(second);
-        package.slots.append(series(QStringLiteral("Second")));
+        package.slots.append(series("Second"));
         package.slots[1].units[0] = QStringLiteral("m");
         package.values = {{{{1.0, 2.0}}, {{3.0, 4.0}}}, {{{5.0, 6.0, 7.0}}, {{8.0, kNaN, 10.0}}}};
 
@@ -153,12 +149,11 @@ private Q_SLOTS:
     void writesPackagePreamble_data()
     {
         addColumns<QDateTime, int, QByteArray>("createDate", "numberOfRuns", "expected");
-        QTest::newRow("no date") << QDateTime() << 0
-                                 << QByteArray("create_date:\nnumber_of_runs:0\n");
-        QTest::newRow("midnight") << utc(2001, 1, 1) << 3
-                                  << QByteArray("create_date:2000-12-31 24:00\nnumber_of_runs:3\n");
-        QTest::newRow("morning") << utc(2001, 1, 1, 6, 5) << -1
-                                 << QByteArray("create_date:2001-1-1 6:05\nnumber_of_runs:-1\n");
+        addRows<QDateTime, int, QByteArray>(
+            {{"no date", QDateTime(), 0, "create_date:\nnumber_of_runs:0\n"},
+             {"midnight", utc(2001, 1, 1), 3, "create_date:2000-12-31 24:00\nnumber_of_runs:3\n"},
+             {"morning", utc(2001, 1, 1, 6, 5), -1,
+              "create_date:2001-1-1 6:05\nnumber_of_runs:-1\n"}});
     }
 
     void writesPackagePreamble()
@@ -180,13 +175,12 @@ private Q_SLOTS:
         const QByteArray common("start:2000-1-1 6:00\nend:2000-1-31 24:00\ntime_step_unit:month\n"
                                 "unit_quantity:1\ntime_steps:5\nconsecutive:-1\n");
         const QByteArray tail("idx_sequential:-1\nEND_RUN_PREAMBLE\nfirst\n 2000-1-1 6:00\n");
-        QTest::newRow("seven keys") << -1 << QString() << QString() << QByteArray(common + tail);
-        QTest::newRow("all keys") << 0 << QStringLiteral("set") << QStringLiteral("rules")
-                                  << QByteArray("trace:0\n" + common +
-                                                "slot_set:set\nrule_set:rules\n" + tail);
-        QTest::newRow("negative trace")
-            << -2 << QString() << QStringLiteral("rules")
-            << QByteArray("trace:-2\n" + common + "rule_set:rules\n" + tail);
+        addRows<int, const char*, const char*, QByteArray>(
+            {{"seven keys", -1, "", "", common + tail},
+             {"all keys", 0, "set", "rules",
+              "trace:0\n" + common + "slot_set:set\nrule_set:rules\n" + tail},
+             {"negative trace", -2, "", "rules",
+              "trace:-2\n" + common + "rule_set:rules\n" + tail}});
     }
 
     void writesRunPreamble()
@@ -211,14 +205,12 @@ private Q_SLOTS:
     {
         addColumns<QString, QByteArray, QByteArray>("slotType", "typeLine", "tail");
         const QByteArray end("END_SLOT_PREAMBLE\n");
-        QTest::newRow("no type") << QString() << QByteArray() << end;
-        QTest::newRow("series") << QStringLiteral("SeriesSlot")
-                                << QByteArray("slot_type: SeriesSlot\n") << end;
-        QTest::newRow("scalar") << QStringLiteral("ScalarSlot")
-                                << QByteArray("slot_type: ScalarSlot\n") << end;
-        QTest::newRow("table") << QStringLiteral("TableSlot")
-                               << QByteArray("slot_type: TableSlot\n")
-                               << QByteArray("rows: 4\ncols: 3\n" + end + "1 2 3\n\n");
+        addRows<const char*, QByteArray, QByteArray>(
+            {{"no type", "", "", end},
+             {"series", "SeriesSlot", "slot_type: SeriesSlot\n", end},
+             {"scalar", "ScalarSlot", "slot_type: ScalarSlot\n", end},
+             {"table", "TableSlot", "slot_type: TableSlot\n",
+              "rows: 4\ncols: 3\n" + end + "1 2 3\n\n"}});
     }
 
     void writesSlotPreamble()
@@ -226,7 +218,7 @@ private Q_SLOTS:
         QFETCH(QString, slotType);
         QFETCH(QByteArray, typeLine);
         QFETCH(QByteArray, tail);
-        HtsSlot slot = series(QStringLiteral("Flow"));
+        HtsSlot slot = series("Flow");
         slot.slotType = slotType;
         slot.rows = 4;
         slot.cols = 3;
@@ -235,50 +227,75 @@ private Q_SLOTS:
                                                    typeLine + "slot_name: Flow\n" + tail));
     }
 
-    void writesValues()
+    void writesColumns_data()
     {
-        const HtsColumn values = {2.5, -0.000001, kNaN,  kInfinity, -kInfinity,
-                                  0.0, 1500.0,    -0.25, 1e15};
-        QCOMPARE(writtenColumns(packageOf(series(QStringLiteral("x")), 9, values)),
-                 QByteArray("units: cms\nscale: 1\n2.500000000000\n-0.000001000000\nNaN\nNaN\nNaN\n"
-                            "0.000000000000\n1500.000000000000\n-0.250000000000\n"
-                            "1000000000000000.000000000000\nEND_COLUMN\nEND_SLOT\n"));
+        addColumns<HtsPackage, QByteArray>("package", "expected");
+        // The lines after the units.
+        const auto row = [](const char* name, const HtsPackage& package, const QByteArray& lines) {
+            QTest::newRow(name) << package
+                                << "units: cms\n" + QByteArray(lines).replace(';', '\n') +
+                                       "\nEND_COLUMN\nEND_SLOT\n";
+        };
+        const HtsSlot slot = series();
+        row("values",
+            packageOf(slot, 9,
+                      {2.5, -0.000001, kNaN, kInfinity, -kInfinity, 0.0, 1500.0, -0.25, 1e15}),
+            "scale: 1;2.500000000000;-0.000001000000;NaN;NaN;NaN;0.000000000000;1500.000000000000;"
+            "-0.250000000000;1000000000000000.000000000000");
+        row("more values than timesteps", packageOf(slot, 2, {1.0, 2.0, 3.0, 4.0}),
+            "scale: 1;1.000000000000;2.000000000000");
+        row("no timesteps", packageOf(slot, 0, {1.0}), "scale: 1");
+        row("fewer values than timesteps", packageOf(slot, 3, {1.0}),
+            "scale: 1;1.000000000000;NaN;NaN");
+        row("no values", packageOf(slot, 3, {}), "scale: 1;NaN;NaN;NaN");
+        HtsPackage lacking = packageOf(slot, 3, {});
+        const std::pair<const char*, HtsValues> kLacks[] = {
+            {"no column", {{{}}}}, {"no slot", {{}}}, {"no run", {}}};
+        for (const auto& [name, values] : kLacks) {
+            lacking.values = values;
+            row(name, lacking, "scale: 1;NaN;NaN;NaN");
+        }
+        const std::pair<double, const char*> kScales[] = {{1.0, "1"},
+                                                          {0.1, "0.1"},
+                                                          {0.001, "0.001"},
+                                                          {1e-5, "1e-05"},
+                                                          {1234567.0, "1.23457e+06"},
+                                                          {1000000.0, "1e+06"},
+                                                          {2.5e-7, "2.5e-07"},
+                                                          {100000.0, "100000"},
+                                                          {999999.5, "1e+06"},
+                                                          {-2.5, "-2.5"},
+                                                          {0.0, "0"},
+                                                          {1e22, "1e+22"},
+                                                          {1e-100, "1e-100"},
+                                                          {kNaN, "nan"}};
+        for (const auto& [scale, text] : kScales) {
+            HtsSlot scaled = slot;
+            scaled.scales[0] = scale;
+            row(text, packageOf(scaled, 0, {}), QByteArray("scale: ") + text);
+        }
+        HtsSlot withMethod = slot;
+        withMethod.methods[0] = QStringLiteral("Sum");
+        row("method", packageOf(withMethod, 1, {1.0}), "scale: 1;method: Sum;1.000000000000");
+        // A slot without a type is a series, and others have one value.
+        HtsSlot other = slot;
+        other.slotType.clear();
+        row("no type", packageOf(other, 1, {5.0}), "scale: 1;5.000000000000");
+        other.slotType = QStringLiteral("ScalarSlot");
+        other.rows = 7;
+        other.cols = 7;
+        row("scalar", packageOf(other, 3, {5.0}), "scale: 1;5.000000000000");
     }
 
-    void writesAsManyValuesAsTheRunHasTimesteps()
+    void writesColumns()
     {
-        QCOMPARE(writtenColumns(packageOf(series(QStringLiteral("x")), 2, {1.0, 2.0, 3.0, 4.0})),
-                 QByteArray("units: cms\nscale: 1\n1.000000000000\n2.000000000000\n"
-                            "END_COLUMN\nEND_SLOT\n"));
-        QCOMPARE(writtenColumns(packageOf(series(QStringLiteral("x")), 0, {1.0})),
-                 QByteArray("units: cms\nscale: 1\nEND_COLUMN\nEND_SLOT\n"));
-    }
-
-    void missingValuesAreWrittenAsNaN_data()
-    {
-        addColumns<HtsValues, QByteArray>("values", "first");
-        const QByteArray kNone("NaN\nNaN\nNaN\n");
-        QTest::newRow("fewer values than timesteps")
-            << HtsValues{{{{1.0}}}} << QByteArray("1.000000000000\nNaN\nNaN\n");
-        QTest::newRow("no values") << HtsValues{{{{}}}} << kNone;
-        QTest::newRow("no column") << HtsValues{{{}}} << kNone;
-        QTest::newRow("no slot") << HtsValues{{}} << kNone;
-        QTest::newRow("no run") << HtsValues() << kNone;
-    }
-
-    void missingValuesAreWrittenAsNaN()
-    {
-        QFETCH(HtsValues, values);
-        QFETCH(QByteArray, first);
-        HtsPackage package = packageOf(series(QStringLiteral("x")), 3, {});
-        package.values = values;
-        QCOMPARE(writtenColumns(package),
-                 QByteArray("units: cms\nscale: 1\n" + first + "END_COLUMN\nEND_SLOT\n"));
+        QFETCH(HtsPackage, package);
+        QTEST(writtenColumns(package), "expected");
     }
 
     void columnsWithoutHeaderAreWrittenEmpty()
     {
-        HtsSlot slot = series(QStringLiteral("x"));
+        HtsSlot slot = series();
         slot.units.clear();
         slot.scales.clear();
         slot.methods.clear();
@@ -286,81 +303,23 @@ private Q_SLOTS:
                  QByteArray("units: \nscale: 0\n5.000000000000\nEND_COLUMN\nEND_SLOT\n"));
     }
 
-    void writesScale_data()
-    {
-        addColumns<double, QByteArray>("scale", "expected");
-        const std::pair<double, const char*> kCases[] = {
-            {1.0, "1"},
-            {0.1, "0.1"},
-            {0.001, "0.001"},
-            {1e-5, "1e-05"},
-            {1234567.0, "1.23457e+06"},
-            {1000000.0, "1e+06"},
-            {2.5e-7, "2.5e-07"},
-            {100000.0, "100000"},
-            {999999.5, "1e+06"},
-            {-2.5, "-2.5"},
-            {0.0, "0"},
-            {1e22, "1e+22"},
-            {1e-100, "1e-100"},
-            {kNaN, "nan"},
-        };
-        for (const auto& [scale, expected] : kCases)
-            QTest::newRow(expected) << scale << QByteArray(expected);
-    }
-
-    void writesScale()
-    {
-        QFETCH(double, scale);
-        QFETCH(QByteArray, expected);
-        HtsSlot slot = series(QStringLiteral("x"));
-        slot.scales[0] = scale;
-        QCOMPARE(writtenColumns(packageOf(slot, 0, {})),
-                 QByteArray("units: cms\nscale: " + expected + "\nEND_COLUMN\nEND_SLOT\n"));
-    }
-
-    void methodLineOnlyWithMethod()
-    {
-        HtsSlot slot = series(QStringLiteral("x"));
-        slot.methods[0] = QStringLiteral("Sum");
-        QCOMPARE(writtenColumns(packageOf(slot, 1, {1.0})),
-                 QByteArray("units: cms\nscale: 1\nmethod: Sum\n1.000000000000\nEND_COLUMN\n"
-                            "END_SLOT\n"));
-        slot.methods[0].clear();
-        QCOMPARE(writtenColumns(packageOf(slot, 1, {1.0})),
-                 QByteArray("units: cms\nscale: 1\n1.000000000000\nEND_COLUMN\nEND_SLOT\n"));
-    }
-
-    void otherSlotsHaveOneValue()
-    {
-        HtsSlot slot = series(QStringLiteral("x"));
-        slot.slotType = QStringLiteral("ScalarSlot");
-        slot.rows = 7;
-        slot.cols = 7;
-        const QByteArray one("units: cms\nscale: 1\n5.000000000000\nEND_COLUMN\nEND_SLOT\n");
-        QCOMPARE(writtenColumns(packageOf(slot, 3, {5.0})), one);
-        // A slot without a type is a series.
-        slot.slotType.clear();
-        QCOMPARE(writtenColumns(packageOf(slot, 1, {5.0})), one);
-    }
-
     void tableSlotHasNoColumnsAndNoEnd()
     {
-        HtsSlot slot = series(QStringLiteral("x"));
+        HtsSlot slot = series();
         slot.slotType = QStringLiteral("TableSlot");
         slot.cols = 2;
         slot.rows = 1;
-        slot.tableRows = QStringList{QStringLiteral("1 2")};
+        slot.tableRows = texts("1 2");
         QCOMPARE(writtenColumns(packageOf(slot, 3, {5.0, 6.0, 7.0})), QByteArray("1 2\n"));
     }
 
     void writtenTableLosesTheSlotAfterIt()
     {
-        HtsSlot table = series(QStringLiteral("table"));
+        HtsSlot table = series("table");
         table.slotType = QStringLiteral("TableSlot");
         HtsPackage package = packageOf(table, 1, {});
-        package.slots.append(series(QStringLiteral("first")));
-        package.slots.append(series(QStringLiteral("second")));
+        package.slots.append(series("first"));
+        package.slots.append(series("second"));
         package.values = {{{}, {{1.0}}, {{2.0}}}};
         const HtsPackage result = readBack(written(package));
         QCOMPARE(result.numSlots(), 2);
@@ -371,7 +330,7 @@ private Q_SLOTS:
 
     void numberOfRunsIsWrittenAsStored()
     {
-        HtsPackage package = packageOf(series(QStringLiteral("x")), 1, {1.0});
+        HtsPackage package = packageOf(series(), 1, {1.0});
         package.numberOfRuns = 2;
         QByteArray text = written(package);
         QVERIFY(text.contains("number_of_runs:2\n"));
@@ -383,7 +342,7 @@ private Q_SLOTS:
 
     void leavesPackageUnchanged()
     {
-        const HtsPackage package = packageOf(series(QStringLiteral("x")), 2, {1.0, kNaN});
+        const HtsPackage package = packageOf(series(), 2, {1.0, kNaN});
         const HtsPackage copy = package;
         written(package);
         QCOMPARE(difference(package, copy), QString());
@@ -391,7 +350,7 @@ private Q_SLOTS:
 
     void writesUtf8InAnyLocale()
     {
-        HtsSlot slot = series(QString(QChar(0x20ac)));
+        HtsSlot slot = series("\xe2\x82\xac");
         slot.units[0] = QString(QStringLiteral("m") + QChar(0xb3));
         const HtsPackage package = packageOf(slot, 1, {1234567.5});
         QTextCodec* codec = QTextCodec::codecForLocale();
@@ -419,7 +378,7 @@ private Q_SLOTS:
             expected += '\n';
         }
         expected += "END_COLUMN\nEND_SLOT\n";
-        HtsPackage package = packageOf(series(QStringLiteral("x")), 0, values);
+        HtsPackage package = packageOf(series(), 0, values);
         package.runs[0].timeStepCount = 20000;
         QVERIFY(writtenColumns(package) == expected);
     }
@@ -434,7 +393,7 @@ private Q_SLOTS:
         for (int zeros = 1000; zeros < 1030; ++zeros) {
             HtsColumn values(static_cast<std::size_t>(zeros), 0.0);
             values.resize(values.size() + 6, longest);
-            HtsPackage package = packageOf(series(QStringLiteral("x")), 0, values);
+            HtsPackage package = packageOf(series(), 0, values);
             package.runs[0].timeStepCount = zeros + 6;
             const QByteArray expected = "units: cms\nscale: 1\n" + zeroLine.repeated(zeros) +
                                         longestLine.repeated(6) + "END_COLUMN\nEND_SLOT\n";
@@ -446,7 +405,7 @@ private Q_SLOTS:
     {
         QBuffer device;
         QVERIFY(device.open(QIODevice::WriteOnly | QIODevice::Text));
-        const HtsPackage package = packageOf(series(QStringLiteral("x")), 2, {1.0, 2.0});
+        const HtsPackage package = packageOf(series(), 2, {1.0, 2.0});
         QVERIFY(package.write(device).ok());
         QByteArray expected = written(package);
 #ifdef Q_OS_WIN
@@ -458,7 +417,7 @@ private Q_SLOTS:
 
     void writtenFileReadsBack()
     {
-        HtsPackage package = packageOf(series(QStringLiteral("x")), 3, {1.5, kInfinity, -0.25});
+        HtsPackage package = packageOf(series(), 3, {1.5, kInfinity, -0.25});
         package.slots[0].methods[0] = QStringLiteral("Max");
         package.createDate = utc(2001, 1, 1);
         package.runs[0].start = utc(2000, 1, 1, 6);
