@@ -44,6 +44,11 @@ qint64 SlowDevice::readData(char* data, qint64 maxSize)
     return size;
 }
 
+QIODevice::OpenMode readMode(bool isTextMode)
+{
+    return isTextMode ? QIODevice::ReadOnly | QIODevice::Text : QIODevice::ReadOnly;
+}
+
 std::unique_ptr<QIODevice> openDevice(const QByteArray& text, qint64 pieceSize,
                                       QIODevice::OpenMode mode)
 {

@@ -58,6 +58,8 @@ private:
     int m_emptyReadsLeft;
 };
 
+QIODevice::OpenMode readMode(bool isTextMode);
+
 // An open device with `text`: one that returns pieces of `pieceSize` bytes, or a buffer if that is
 // 0.
 std::unique_ptr<QIODevice> openDevice(const QByteArray& text, qint64 pieceSize = 0,

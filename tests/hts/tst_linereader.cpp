@@ -1,16 +1,14 @@
 #include <cmath>
 #include <functional>
-#include <memory>
 #include <utility>
 
 #include <QBuffer>
-#include <QFile>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include "hts/linereader.h"
 #include "hts/linetext.h"
+#include "tests/hts/devicerows.h"
 #include "tests/hts/piecedevice.h"
 #include "tests/support/testmain.h"
 
@@ -28,27 +26,6 @@ QByteArray bytes(std::string_view view)
     return QByteArray(view.data(), static_cast<int>(view.size()));
 }
 
-// Rows of pipes: how many bytes come at once, how they are opened, and the line end in them.
-void addPipeRows()
-{
-    addColumns<int, int, QByteArray>("pieceSize", "mode", "lineEnd");
-    for (const int pieceSize : {1, 2, 7, 1000000}) {
-        for (const QIODevice::OpenMode more :
-             {QIODevice::OpenMode(), QIODevice::OpenMode(QIODevice::Text)}) {
-            for (const QIODevice::OpenMode buffering :
-                 {QIODevice::OpenMode(), QIODevice::OpenMode(QIODevice::Unbuffered)}) {
-                for (const char* lineEnd : {"\n", "\r\n"}) {
-                    QTest::addRow("%d bytes%s%s%s", pieceSize, more == 0 ? "" : ", text mode",
-                                  buffering == 0 ? "" : ", unbuffered",
-                                  lineEnd[0] == '\r' ? ", Windows" : "")
-                        << pieceSize << static_cast<int>(QIODevice::ReadOnly | more | buffering)
-                        << QByteArray(lineEnd);
-                }
-            }
-        }
-    }
-}
-
 } // namespace
 
 class LineReaderTest : public QObject
@@ -56,14 +33,12 @@ class LineReaderTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QVERIFY(m_folder.isValid()); }
-
     void readsLines_data() { addDeviceRows(); }
     void readsLines()
     {
         const char kText[] =
             "first\n\n  inner  blank \t\r\nwindows\r\n\r\n\xc3\x84\xff\na\0b\nlast";
-        const auto device = opened(QByteArray(kText, sizeof kText - 1));
+        const auto device = openRowDevice(QByteArray(kText, sizeof kText - 1));
         LineReader reader(*device);
         QCOMPARE(bytes(reader.line()), QByteArray("first"));
         QCOMPARE(bytes(reader.line()), QByteArray());
@@ -83,7 +58,7 @@ private Q_SLOTS:
         const QByteArray text("one\r\ntwo\n3\n4\r\nlast, without a line end");
         const int lineEnds[] = {0, 5, 9, 11, 14, text.size(), text.size()};
         for (int lines = 0; lines < 7; ++lines) {
-            const auto device = opened(text);
+            const auto device = openRowDevice(text);
             {
                 LineReader reader(*device);
                 for (int line = 0; line < lines; ++line)
@@ -98,15 +73,13 @@ private Q_SLOTS:
 
     void startsAtThePositionOfTheDevice()
     {
-        QBuffer device;
-        device.setData("one\ntwo\nthree\n");
-        QVERIFY(device.open(QIODevice::ReadOnly));
-        QVERIFY(device.seek(4));
-        QCOMPARE(textOf(LineReader(device)), QStringLiteral("two"));
-        QCOMPARE(device.pos(), 8);
-        QCOMPARE(textOf(LineReader(device)), QStringLiteral("three"));
-        QCOMPARE(textOf(LineReader(device)), QString());
-        QCOMPARE(device.pos(), 14);
+        const auto device = openDevice("one\ntwo\nthree\n");
+        QVERIFY(device->seek(4));
+        QCOMPARE(textOf(LineReader(*device)), QStringLiteral("two"));
+        QCOMPARE(device->pos(), 8);
+        QCOMPARE(textOf(LineReader(*device)), QStringLiteral("three"));
+        QCOMPARE(textOf(LineReader(*device)), QString());
+        QCOMPARE(device->pos(), 14);
     }
 
     void readsLinesOfAnyLength_data()
@@ -125,16 +98,14 @@ private Q_SLOTS:
         const QByteArray line(length, 'x');
         for (const char* lineEnd : {"\n", "\r\n"}) {
             const QByteArray text = line + lineEnd + "short" + lineEnd + line + lineEnd + "last";
-            QBuffer device;
-            device.setData(text);
-            QVERIFY(device.open(QIODevice::ReadOnly));
+            const auto device = openDevice(text);
             {
-                LineReader reader(device);
+                LineReader reader(*device);
                 QVERIFY(bytes(reader.line()) == line);
                 QCOMPARE(bytes(reader.line()), QByteArray("short"));
                 QVERIFY(bytes(reader.line()) == line);
             }
-            QCOMPARE(device.pos(), text.size() - 4);
+            QCOMPARE(device->pos(), text.size() - 4);
         }
     }
 
@@ -144,13 +115,13 @@ private Q_SLOTS:
         for (const char* lineEnd : {"\n", "\r\n", " \n"}) {
             QByteArray text = "header\n";
             std::vector<double> expected;
-            for (int i = 0; i < 12000; ++i) {
+            for (int i = 0; i < 8000; ++i) {
                 expected.push_back(i % 7 == 0 ? -i * 0.25 : i / 3.0);
                 text += QByteArray::number(expected.back(), 'g', 17) + lineEnd;
             }
             const int end = text.size();
             text += "END";
-            const auto device = opened(text);
+            const auto device = openRowDevice(text);
             std::vector<double> numbers(expected.size(), -1.0);
             {
                 LineReader reader(*device);
@@ -162,7 +133,7 @@ private Q_SLOTS:
             QCOMPARE(device->readAll(), text.mid(end));
         }
         // Numbers after the end of the input are 0, and a line is a number even without its end.
-        const auto device = opened("1\n\ntext\nNaN\n12");
+        const auto device = openRowDevice("1\n\ntext\nNaN\n12");
         std::vector<double> numbers(7, -1.0);
         LineReader(*device).readNumbers(numbers);
         QVERIFY(std::isnan(numbers[3]));
@@ -174,23 +145,20 @@ private Q_SLOTS:
     void looksAheadForAWord_data()
     {
         addColumns<QByteArray, bool>("text", "isNext");
-        const auto addRow = [](const char* name, const char* text, bool isNext) {
-            QTest::newRow(name) << QByteArray(text) << isNext;
-        };
-        addRow("alone on its line", "END_RUN\nmore", true);
-        addRow("Windows line end", "END_RUN\r\nmore", true);
-        addRow("at the end of the input", "END_RUN", true);
-        addRow("blank and text after", "END_RUN text\n", true);
-        addRow("tab and text after", "END_RUN\ttext\n", true);
-        addRow("blank before", " END_RUN\n", true);
-        addRow("empty line before", "\nEND_RUN\n", true);
-        addRow("two blanks before", "  END_RUN\n", false);
-        addRow("letter after", "END_RUNS\n", false);
-        addRow("cut short", "END_RU\n", false);
-        addRow("cut short at the end of the input", "END_RU", false);
-        addRow("other case", "end_run\n", false);
-        addRow("empty input", "", false);
-        addRow("preamble", "END_RUN_PREAMBLE\n", false);
+        addRows<QByteArray, bool>({{"alone on its line", "END_RUN\nmore", true},
+                                   {"Windows line end", "END_RUN\r\nmore", true},
+                                   {"at the end of the input", "END_RUN", true},
+                                   {"blank and text after", "END_RUN text\n", true},
+                                   {"tab and text after", "END_RUN\ttext\n", true},
+                                   {"blank before", " END_RUN\n", true},
+                                   {"empty line before", "\nEND_RUN\n", true},
+                                   {"two blanks before", "  END_RUN\n", false},
+                                   {"letter after", "END_RUNS\n", false},
+                                   {"cut short", "END_RU\n", false},
+                                   {"cut short at the end of the input", "END_RU", false},
+                                   {"other case", "end_run\n", false},
+                                   {"empty input", "", false},
+                                   {"preamble", "END_RUN_PREAMBLE\n", false}});
     }
 
     void looksAheadForAWord()
@@ -199,23 +167,21 @@ private Q_SLOTS:
         QFETCH(bool, isNext);
         for (const bool isTextMode : {false, true}) {
             for (const qint64 size : {1, 3, 8, 1000}) {
-                PieceDevice device(text, size);
-                const QIODevice::OpenMode mode = QIODevice::ReadOnly;
-                QVERIFY(device.open(isTextMode ? mode | QIODevice::Text : mode));
-                QCOMPARE(LineReader(device).nextIs("END_RUN"), isNext);
-                device.setTextModeEnabled(false);
-                QCOMPARE(device.readAll(), text);
+                const auto device = openDevice(text, size, readMode(isTextMode));
+                QCOMPARE(LineReader(*device).nextIs("END_RUN"), isNext);
+                device->setTextModeEnabled(false);
+                QCOMPARE(device->readAll(), text);
             }
         }
     }
 
-    void looksAheadForAWordAcrossBlocks_data() { addDeviceRows({"buffer", "file", "4096"}); }
+    void looksAheadForAWordAcrossBlocks_data() { addDeviceRows(kQuickKinds); }
     void looksAheadForAWordAcrossBlocks()
     {
         for (int before = 65536 - 12; before <= 65536 + 2; ++before) {
             for (const char* lineEnd : {"\n", "\r\n"}) {
                 const auto device =
-                    opened(QByteArray(before - 1, 'x') + "\nEND_RUN" + lineEnd + "mark\n");
+                    openRowDevice(QByteArray(before - 1, 'x') + "\nEND_RUN" + lineEnd + "mark\n");
                 LineReader reader(*device);
                 reader.line();
                 QVERIFY(!reader.nextIs("END_SET"));
@@ -230,7 +196,7 @@ private Q_SLOTS:
     void looksAtTheNextByte_data() { addDeviceRows(); }
     void looksAtTheNextByte()
     {
-        const auto device = opened("method: x\n method\n\nM\n");
+        const auto device = openRowDevice("method: x\n method\n\nM\n");
         {
             LineReader reader(*device);
             QVERIFY(reader.nextByteIs('m'));
@@ -250,10 +216,8 @@ private Q_SLOTS:
 
     void atEndReadsNothing()
     {
-        QBuffer device;
-        device.setData("one");
-        QVERIFY(device.open(QIODevice::ReadOnly));
-        LineReader reader(device);
+        const auto device = openDevice("one");
+        LineReader reader(*device);
         QVERIFY(!reader.atEnd());
         QVERIFY(!reader.atEnd());
         QCOMPARE(bytes(reader.line()), QByteArray("one"));
@@ -264,13 +228,12 @@ private Q_SLOTS:
 
     void countsLines_data()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<int>("lines"); // of the input
-        QTest::newRow("no byte") << QByteArray() << 0;
-        QTest::newRow("empty line") << QByteArray("\n") << 1;
-        QTest::newRow("lines") << QByteArray("a\n\nb\n") << 3;
-        QTest::newRow("last line without an end") << QByteArray("a\nb") << 2;
-        QTest::newRow("many") << QByteArray("1.5\n").repeated(100000) << 100000;
+        addColumns<QByteArray, int>("text", "lines");
+        addRows<QByteArray, int>({{"no byte", "", 0},
+                                  {"empty line", "\n", 1},
+                                  {"lines", "a\n\nb\n", 3},
+                                  {"last line without an end", "a\nb", 2},
+                                  {"many", QByteArray("1.5\n").repeated(100000), 100000}});
     }
 
     void countsLines()
@@ -278,9 +241,8 @@ private Q_SLOTS:
         QFETCH(QByteArray, text);
         QFETCH(int, lines);
         constexpr int kMore = 5;
-        QBuffer device(&text);
-        device.open(QIODevice::ReadOnly);
-        LineReader reader(device);
+        const auto device = openDevice(text);
+        LineReader reader(*device);
         std::vector<double> numbers(static_cast<std::size_t>(lines / 2));
         reader.readNumbers(numbers);
         reader.skipLines(lines - lines / 2);
@@ -295,13 +257,13 @@ private Q_SLOTS:
     void restoresTextMode_data()
     {
         // Not byte by byte: QIODevice::readLine then ends a line at its "\r".
-        addDeviceRows({"buffer", "file", "4096"});
+        addDeviceRows(kQuickKinds);
     }
 
     void restoresTextMode()
     {
         QFETCH(bool, isTextMode);
-        const auto device = opened("one\r\ntwo\r\nthree\r\n");
+        const auto device = openRowDevice("one\r\ntwo\r\nthree\r\n");
         QCOMPARE(textOf(LineReader(*device)), QStringLiteral("one"));
         QCOMPARE(device->isTextModeEnabled(), isTextMode);
         QCOMPARE(device->readLine(), QByteArray(isTextMode ? "two\n" : "two\r\n"));
@@ -374,46 +336,6 @@ private Q_SLOTS:
         LineReader reader(device);
         QCOMPARE(textOf(reader), QString());
     }
-
-private:
-    // Rows for the kinds of device, each in text mode and not. A number means a sequential device
-    // that returns so many bytes at a time.
-    static void addDeviceRows(std::initializer_list<const char*> kinds = {"buffer", "file", "1",
-                                                                          "7"})
-    {
-        addColumns<QString, bool>("kind", "isTextMode");
-        for (const char* kind : kinds) {
-            QTest::addRow("%s", kind) << QString::fromLatin1(kind) << false;
-            QTest::addRow("%s, text mode", kind) << QString::fromLatin1(kind) << true;
-        }
-    }
-
-    // The device of the current row with `data`.
-    std::unique_ptr<QIODevice> opened(const QByteArray& data)
-    {
-        QFETCH(QString, kind);
-        QFETCH(bool, isTextMode);
-        std::unique_ptr<QIODevice> device;
-        if (kind == QLatin1String("buffer")) {
-            auto buffer = std::make_unique<QBuffer>();
-            buffer->setData(data);
-            device = std::move(buffer);
-        } else if (kind == QLatin1String("file")) {
-            auto file = std::make_unique<QFile>(m_folder.filePath(QStringLiteral("file.txt")));
-            if (!file->open(QIODevice::WriteOnly) || file->write(data) != data.size())
-                qFatal("cannot write %s", qPrintable(file->fileName()));
-            file->close();
-            device = std::move(file);
-        } else {
-            device = std::make_unique<PieceDevice>(data, kind.toInt());
-        }
-        const QIODevice::OpenMode mode = QIODevice::ReadOnly;
-        if (!device->open(isTextMode ? mode | QIODevice::Text : mode))
-            qFatal("cannot open the device");
-        return device;
-    }
-
-    QTemporaryDir m_folder;
 };
 
 HTS_TEST(LineReaderTest, NoApplication)

@@ -8,8 +8,8 @@
 #include <QSet>
 #include <QtTest>
 
+#include "tests/hts/devicerows.h"
 #include "tests/hts/randomhts.h"
-#include "tests/hts/readercompare.h"
 #include "tests/plain/plainreader.h"
 #include "tests/support/testmain.h"
 
@@ -95,7 +95,7 @@ class ReaderAgreementTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void agreesOnGeneratedFiles_data() { addDeviceRows(); }
+    void agreesOnGeneratedFiles_data() { addRows(); }
     void agreesOnGeneratedFiles()
     {
         tryAll([](quint32 seed) { return RandomHts(seed).file(12); }, 4);
@@ -103,7 +103,7 @@ private Q_SLOTS:
         QCOMPARE(m_messages, QSet<QString>{QString()});
     }
 
-    void agreesOnBrokenFiles_data() { addDeviceRows(); }
+    void agreesOnBrokenFiles_data() { addRows(); }
     void agreesOnBrokenFiles()
     {
         tryAll(brokenFile);
@@ -111,14 +111,14 @@ private Q_SLOTS:
         haveReported(6);
     }
 
-    void agreesStepByStep_data() { addDeviceRows(); }
+    void agreesStepByStep_data() { addRows(); }
     void agreesStepByStep()
     {
         tryAll(brokenFile, 1, Reading::StepByStep);
         haveReported(5);
     }
 
-    void agreesOnOddBytesAfterKeys_data() { addDeviceRows(); }
+    void agreesOnOddBytesAfterKeys_data() { addRows(); }
     void agreesOnOddBytesAfterKeys()
     {
         tryAll([](quint32 seed) { return withOddBytesAfterKeys(RandomHts(seed).file(6), seed); },
@@ -137,7 +137,7 @@ private Q_SLOTS:
             2, Reading::StepByStep);
     }
 
-    void agreesOnFilesLongerThanABlock_data() { addDeviceRows(); }
+    void agreesOnFilesLongerThanABlock_data() { addRows(); }
     void agreesOnFilesLongerThanABlock()
     {
         const QByteArray text = RandomHts(kLongSeed).file(4000);
@@ -145,7 +145,7 @@ private Q_SLOTS:
         check(text, "long");
     }
 
-    void agreesOnLineEndsAroundTheEndOfARun_data() { addDeviceRows(); }
+    void agreesOnLineEndsAroundTheEndOfARun_data() { addRows(); }
     // What the look ahead for "END_RUN" sees depends on the device: a file in text mode leaves out
     // every carriage return, a buffer none.
     void agreesOnLineEndsAroundTheEndOfARun()
@@ -162,10 +162,9 @@ private Q_SLOTS:
         }
     }
 
-    void agreesOnFilesCutAtEveryByte_data() { addDeviceRows(); }
+    void agreesOnFilesCutAtEveryByte_data() { addRows(); }
     void agreesOnFilesCutAtEveryByte()
     {
-        QFETCH(int, kind);
         const QByteArray whole =
             "name:cut\nnumber_of_runs:2\nEND_PACKAGE_PREAMBLE\ntime_steps:2\n"
             "END_RUN_PREAMBLE\n2000-1-31 24:00\n2000-2-29 24:00\nobject_type: R\n"
@@ -178,7 +177,7 @@ private Q_SLOTS:
         for (const char* lineEnd : {"\n", "\r\n"}) {
             const QByteArray lines = QByteArray(whole).replace("\n", lineEnd);
             // The devices take turns.
-            for (int length = kind % 3; length <= lines.size(); length += 3)
+            for (int length = rowKind() % 3; length <= lines.size(); length += 3)
                 check(lines.left(length), "cut at " + QByteArray::number(length));
         }
     }
@@ -188,17 +187,11 @@ private:
 
     enum class Reading { Whole, StepByStep };
 
-    void addDeviceRows()
+    void addRows()
     {
         m_messages.clear();
         m_rowsDone = 0;
-        addColumns<int, bool>("kind", "isTextMode");
-        int index = 0;
-        for (const DeviceKind& kind : deviceKinds()) {
-            QTest::addRow("%s", kind.name) << index << false;
-            QTest::addRow("%s, text mode", kind.name) << index << true;
-            ++index;
-        }
+        addDeviceRows();
     }
 
     static QByteArray brokenFile(quint32 seed)
@@ -210,13 +203,10 @@ private:
     // Fails when the two readers do something different on the device of the current data row.
     void check(const QByteArray& text, const QByteArray& what, Reading reading = Reading::Whole)
     {
-        QFETCH(int, kind);
-        QFETCH(bool, isTextMode);
-        const DeviceKind& device = deviceKinds()[static_cast<std::size_t>(kind)];
         const ReaderComparison comparison =
-            reading == Reading::Whole ? compareReaders(device, isTextMode, text)
-                                      : compareReaders(device, isTextMode, text, stepReader(kSteps),
-                                                       stepReader(kPlainSteps));
+            reading == Reading::Whole ? compareReaders(rowDeviceKind(), isRowTextMode(), text)
+                                      : compareReaders(rowDeviceKind(), isRowTextMode(), text,
+                                                       stepReader(kSteps), stepReader(kPlainSteps));
         m_messages.insert(comparison.message);
         QVERIFY2(comparison.difference.isEmpty(),
                  qPrintable(QString::fromLatin1(what + ": ") + comparison.difference));
@@ -226,11 +216,9 @@ private:
     void tryAll(const std::function<QByteArray(quint32 seed)>& make, int divisor = 1,
                 Reading reading = Reading::Whole)
     {
-        QFETCH(int, kind);
-        QFETCH(bool, isTextMode);
         const int wanted = qEnvironmentVariableIntValue("HTS_PROPERTY_CASES");
         const int count = (wanted > 0 ? wanted : kUsualCases) / divisor;
-        const int first = (2 * kind + (isTextMode ? 1 : 0)) * count;
+        const int first = (2 * rowKind() + (isRowTextMode() ? 1 : 0)) * count;
         for (int seed = first; seed < first + count && !QTest::currentTestFailed(); ++seed)
             check(make(static_cast<quint32>(seed)), "seed " + QByteArray::number(seed), reading);
     }
