@@ -95,6 +95,7 @@ void FileCheck::checkSection()
     m_conversion.take(m_walk);
     if (m_walk.place() == HtsWalk::Place::Run) {
         ++m_report.runCount;
+        m_recovery.runRead();
         m_lines.setEndLine(m_reader.lineNumber() - m_walk.run().timesteps.size());
         m_years.beginRun(m_walk.run(), m_conversion, m_context.endMonth);
         forEach(&TopicCheck::runRead);

@@ -83,6 +83,7 @@ public:
 private:
     bool isKeyWithoutValue(std::string_view line);
     bool isEndOfRun(std::string_view line) const;
+    bool isSurplusStep(std::string_view line) const;
     void noteKey(QLatin1String key, std::string_view value);
     void checkValue(const HtsKeyword& keyword, std::string_view value);
     void reportMisplaced(std::string_view line);
@@ -100,6 +101,10 @@ void PreambleCheck::sectionBegins(Section section)
 void PreambleCheck::ignoredLine(std::string_view line)
 {
     const bool isStray = m_context.recovery.takeStrayEndOfRun() && line == bytesOf(kEndRun);
+    if (isSurplusStep(line)) {
+        m_context.recovery.noteSurplusStep();
+        return;
+    }
     if (isStray || !m_context.recovery.isInSync() || isKeyWithoutValue(line))
         return;
     if (belongsElsewhere(line, m_section) || isEndOfRun(line)) {
@@ -116,6 +121,14 @@ void PreambleCheck::ignoredLine(std::string_view line)
     add(kNearKey, number, "%1 is ignored; it is nearly \"%2\"", quoted(line), key);
     if (isEndLine(key))
         m_context.recovery.loseSync();
+}
+
+// Whether timestep lines, and no others, are between it and the run's own.
+bool PreambleCheck::isSurplusStep(std::string_view line) const
+{
+    const qint64 next = m_context.lines.firstLine() + m_context.recovery.surplusSteps();
+    return m_section == Section::Slot && m_context.walk.slotCount() == 0 &&
+           m_context.reader.lineNumber() == next && isTimestepText(toText(line));
 }
 
 // In a slot preamble.

@@ -7,6 +7,7 @@
 // with the file again. Of these consequences only the first is reported. This object knows how far
 // the reader is from the file; its calls follow the order of the file:
 //
+//     for each run: runRead(), then noteSurplusStep() for timestep lines before the first slot
 //     for each slot: slotPreambleRead(), then unless it is a table: beginValues(), for odd lines
 //     noteForeignLine() or noteInsertedLine(), endValues()
 class Recovery
@@ -14,7 +15,7 @@ class Recovery
 public:
     // Whether the reader reads each line as what it is. What is found in lines is reported only
     // then.
-    bool isInSync() const { return m_isInSync; }
+    bool isInSync() const { return m_isInSync && m_surplusSteps == 0; }
     void loseSync() { m_isInSync = false; }
     // The end line of a slot preamble was read: the reader is in sync.
     void slotPreambleRead()
@@ -22,6 +23,13 @@ public:
         Q_ASSERT(!m_isInValues);
         m_isInSync = true;
     }
+
+    void runRead() { m_surplusSteps = 0; }
+    // A timestep follows those that the run announces. Its slots may have as many values too, and
+    // the reader is out of sync up to a slot whose values are as many as announced.
+    void noteSurplusStep() { ++m_surplusSteps; }
+    qint64 surplusSteps() const { return m_surplusSteps; }
+    void noteExactValues() { m_surplusSteps = 0; }
 
     void beginValues()
     {
@@ -76,6 +84,7 @@ private:
     bool m_isInSync = true;
     bool m_isInValues = false;
     bool m_isStrayExpected = false;
+    qint64 m_surplusSteps = 0;
     qint64 m_foreignLines = 0;
     qint64 m_insertedLines = 0;
 };

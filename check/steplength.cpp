@@ -7,6 +7,7 @@
 namespace {
 
 constexpr qint64 kSecondsPerMinute = 60;
+constexpr qint64 kMinutesPerDay = 24 * 60;
 constexpr int kMonthsPerYear = 12;
 
 qint64 minutesBetween(const QDateTime& from, const QDateTime& to)
@@ -53,7 +54,6 @@ qint64 StepLength::stepsBetween(const QDateTime& previous, const QDateTime& next
 
 bool StepLength::isDay() const
 {
-    constexpr qint64 kMinutesPerDay = 24 * 60;
     return !isMonths() && m_minutes == kMinutesPerDay;
 }
 
@@ -66,6 +66,18 @@ qint64 StepLength::stepsBefore(const QDateTime& yearStart, const QDateTime& step
     if (isMonths())
         return (monthIndex(step.addSecs(-1).date()) - monthIndex(yearStart.date())) / m_months;
     return (minutesBetween(yearStart, step) - 1) / m_minutes;
+}
+
+bool StepLength::isRegular() const
+{
+    return isMonths() ? kMonthsPerYear % m_months == 0
+                      : isKnown() && kMinutesPerDay % m_minutes == 0;
+}
+
+QDateTime StepLength::moved(const QDateTime& instant, int count) const
+{
+    return isMonths() ? instant.addMonths(m_months * count)
+                      : instant.addSecs(m_minutes * kSecondsPerMinute * count);
 }
 
 qint64 StepLength::stepsOfYear(const QDateTime& yearStart, const QDateTime& yearEnd,

@@ -25,6 +25,10 @@ public:
     // How many timesteps end after `yearStart` and before `step`, which is one that ends later; 0
     // for an unknown unit.
     qint64 stepsBefore(const QDateTime& yearStart, const QDateTime& step) const;
+    // Whether each day, or each year of months, is a whole number of steps.
+    bool isRegular() const;
+    // The instant `count` steps after `instant`, or before it if the count is negative.
+    QDateTime moved(const QDateTime& instant, int count) const;
 
     // How many timesteps end after `yearStart` and not after `yearEnd`, a year later, if one of
     // them is `step`; 0 for an unknown unit.

@@ -1,12 +1,16 @@
 #include <algorithm>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include <QDateTime>
 
 #include "annualize/timestepunit.h"
+#include "check/knownlines.h"
 #include "check/nearwords.h"
-#include "check/runyears.h"
-#include "check/steplength.h"
+#include "check/runsteps.h"
+#include "check/shortyears.h"
+#include "check/stamps.h"
 #include "check/topic.h"
 #include "hts/datetimetext.h"
 #include "hts/htskeys.h"
@@ -22,12 +26,24 @@ constexpr FindingKind kUnknownUnit = {
 constexpr FindingKind kAlreadyAnnual = {Severity::Error, "already-annual",
                                         "The unit of the timesteps is the year.",
                                         "There is nothing to convert."};
+constexpr FindingKind kStepCount = {
+    Severity::Warning, "step-count",
+    "There are more or fewer timestep lines than `time_steps:` announces, so that lines after them "
+    "are misread.",
+    "Correct the number, or look for a timestep line that is missing or there twice."};
 constexpr FindingKind kNoCompleteYear = {
     Severity::Error, "no-complete-year", "The timesteps contain no complete year.",
     "Look at the end month, at `start:`, and at the first and the last timestep."};
+constexpr FindingKind kStepGap = {
+    Severity::Warning, "step-gap",
+    "Timesteps are missing between two others, and years count as complete without them. After a "
+    "gap of a year or more each timestep counts as a year of its own, until the years have caught "
+    "up with it.",
+    "Add the timesteps, with `NaN` for their values; after a gap of years, put what follows in "
+    "another file."};
 constexpr FindingKind kStepMissing = {
     Severity::Warning, "step-missing",
-    "Timesteps are missing between two others. Their year still counts as complete.",
+    "Timesteps are missing between two others. No complete year lacks them.",
     "Add the timesteps, with `NaN` for their values."};
 constexpr FindingKind kStepRepeated = {Severity::Warning, "step-repeated",
                                        "A timestep occurs twice.",
@@ -39,6 +55,20 @@ constexpr FindingKind kStepIrregular = {
     Severity::Warning, "step-irregular",
     "A timestep does not follow the one before it by the unit and `unit_quantity:`.",
     "Correct the timestep or the unit."};
+constexpr FindingKind kBeginStamp = {
+    Severity::Warning, "begin-stamp",
+    "The timesteps seem to be stamped at their beginning, but a stamp counts as the end: each year "
+    "is a timestep late, and the last may be left out. Noticed where no midnight is written "
+    "`24:00`, if the run starts or ends with a year (of the end month or of the calendar) when "
+    "stamps are beginnings, but not when they are ends; and for months stamped on a first day "
+    "after 0:00 that lose the last year. Not for weeks.",
+    "Write the end of each timestep, for January `2000-1-31 24:00`."};
+constexpr FindingKind kYearLeftOut = {
+    Severity::Warning, "year-left-out",
+    "A year at the start or the end of the run does not count as complete, although it has all "
+    "timesteps: its last is not the end of the year, or a week that ends there; its first is more "
+    "than one unit after the beginning; or `start:` is in a later year.",
+    "Stamp the timesteps at their end; correct `start:`."};
 constexpr FindingKind kStartDiffers = {Severity::Warning, "start-differs",
                                        "`start:` is not the first timestep.",
                                        "Correct it: the years are counted from there."};
@@ -56,7 +86,8 @@ constexpr FindingKind kShortYear = {
     "Add the timesteps, or do not use the year of the result."};
 
 // Checks the timesteps of one run: their unit, whether they follow each other by it, whether start
-// and end agree with them, and whether the years that count as complete have all their timesteps.
+// and end agree with them, whether they are stamped at their ends, and whether the years that count
+// as complete have all their timesteps, and those that do not lack some.
 class TimestepsOfRun
 {
 public:
@@ -65,45 +96,37 @@ public:
     void checkUnit();
     void checkCompleteYears();
     void checkSteps();
-    void checkEnds();
     void checkYearLengths();
+    void checkStart();
+    void checkStamps();
+    void checkFirstYears();
+    bool hasOtherEnd() const;
 
 private:
-    const QString& text(std::size_t index) const
-    {
-        return m_run.timesteps.at(static_cast<int>(index));
-    }
     qint64 lineOfStep(std::size_t index) const
     {
         return m_context.lineOfStep(static_cast<qint64>(index));
     }
-    bool isBackwards(std::size_t index) const;
     void checkStep(std::size_t index);
-    bool isInCompleteYear(std::size_t index) const;
-    void reportGap(std::size_t index, qint64 missing);
-    void checkYear(std::size_t first, std::size_t last);
-    bool isYearOfEarlyStart(std::size_t first) const;
+    void reportGap(std::size_t index, const ShortYears& years);
+    bool isStartEarly() const;
+    void checkLastYear();
+    void reportLeftOut(qint64 line, const WholeYears& years, const QString& reason);
 
     CheckContext& m_context;
     FindingList& m_findings;
     const HtsRun& m_run;
     const CompleteYears& m_years;
-    const StepLength m_length;
-    std::vector<QDateTime> m_steps; // up to the first that is not a date-time
+    const RunSteps m_steps;
+    // Indexes of the timesteps after gaps; 0 if `start:` lies too early.
+    std::vector<std::size_t> m_gaps;
     bool m_hasEarlyStart = false;
 };
 
 TimestepsOfRun::TimestepsOfRun(CheckContext& context)
     : m_context(context), m_findings(context.findings), m_run(context.walk.run()),
-      m_years(context.conversion.runYears()), m_length(m_run.timeStepUnit, m_run.unitQuantity)
+      m_years(context.conversion.runYears()), m_steps(m_run, m_years, context.endMonth)
 {
-    m_steps.reserve(static_cast<std::size_t>(m_run.timesteps.size()));
-    for (const QString& timestep : m_run.timesteps) {
-        const QDateTime step = textToDateTime(timestep);
-        if (!step.isValid())
-            break;
-        m_steps.push_back(step);
-    }
 }
 
 void TimestepsOfRun::checkUnit()
@@ -143,119 +166,166 @@ void TimestepsOfRun::checkCompleteYears()
         reason = QStringLiteral("the run has no valid \"start:\"");
     } else if (count == 0) {
         reason = QStringLiteral("the run has no timesteps");
-    } else if (m_steps.size() < count) {
-        line = lineOfStep(m_steps.size());
-        reason = worded("%1 is not a date-time", quoted(text(m_steps.size())));
+    } else if (m_steps.count() < count) {
+        line = lineOfStep(m_steps.count());
+        reason = worded("%1 is not a date-time", quoted(m_steps.text(m_steps.count())));
     }
     m_findings.add(kNoCompleteYear, line, "%1%2", reason, conversionFails(status.message));
 }
 
 void TimestepsOfRun::checkSteps()
 {
-    for (std::size_t i = 1; i < m_steps.size(); ++i)
+    if (isStartEarly())
+        m_gaps.push_back(0);
+    for (std::size_t i = 1; i < m_steps.count(); ++i)
         checkStep(i);
-}
-
-bool TimestepsOfRun::isBackwards(std::size_t index) const
-{
-    return index > 0 && index < m_steps.size() && m_steps[index] < m_steps[index - 1];
 }
 
 void TimestepsOfRun::checkStep(std::size_t index)
 {
-    const QDateTime& previous = m_steps[index - 1];
-    const QDateTime& step = m_steps[index];
+    const QDateTime& previous = m_steps.at(index - 1);
+    const QDateTime& step = m_steps.at(index);
     const qint64 line = lineOfStep(index);
     if (step == previous) {
-        m_findings.add(kStepRepeated, line, "the timestep %1 occurs twice", text(index));
+        m_findings.add(kStepRepeated, line, "the timestep %1 occurs twice", m_steps.text(index));
         return;
     }
     if (step < previous) {
         m_findings.add(kStepBackwards, line,
-                       "the timestep %1 is earlier than the one before it, %2", text(index),
-                       text(index - 1));
+                       "the timestep %1 is earlier than the one before it, %2", m_steps.text(index),
+                       m_steps.text(index - 1));
         return;
     }
     // A timestep out of order leaves gaps on both sides, which are not reported separately.
-    const qint64 steps = m_length.stepsBetween(previous, step);
-    if (steps == 1 || isBackwards(index - 1) || isBackwards(index + 1))
+    const qint64 steps = m_steps.length().stepsBetween(previous, step);
+    if (steps == 1 || m_steps.isBackwards(index - 1) || m_steps.isBackwards(index + 1))
         return;
     if (steps > 1)
-        reportGap(index, steps - 1);
+        m_gaps.push_back(index);
     else
         m_findings.add(kStepIrregular, line, "the timestep %1 does not follow %2 by %3 %4",
-                       text(index), text(index - 1), std::max(m_run.unitQuantity, 1),
-                       m_run.timeStepUnit);
-}
-
-bool TimestepsOfRun::isInCompleteYear(std::size_t index) const
-{
-    const std::int32_t year = index < m_years.valueMap.size() ? m_years.valueMap[index] : 0;
-    return year >= 1 && year <= m_years.count();
-}
-
-void TimestepsOfRun::reportGap(std::size_t index, qint64 missing)
-{
-    const bool isCounted = isInCompleteYear(index) || isInCompleteYear(index - 1);
-    m_findings.add(kStepMissing, lineOfStep(index), "%1 %2 missing between %3 and %4%5", missing,
-                   missing == 1 ? "timestep is" : "timesteps are", text(index - 1), text(index),
-                   isCounted ? "; the year still counts as complete" : "");
+                       m_steps.text(index), m_steps.text(index - 1),
+                       std::max(m_run.unitQuantity, 1), m_run.timeStepUnit);
 }
 
 void TimestepsOfRun::checkYearLengths()
 {
-    std::size_t first = 0;
-    const std::size_t count = std::min(m_steps.size(), m_years.valueMap.size());
-    for (std::size_t i = 1; i <= count; ++i) {
-        if (i < count && m_years.valueMap[i] == m_years.valueMap[first])
-            continue;
-        if (isInCompleteYear(first))
-            checkYear(first, i);
-        first = i;
+    const ShortYears years(m_steps, std::move(m_gaps));
+    for (const std::size_t gap : years.gaps())
+        reportGap(gap, years);
+    for (const ShortYear& year : years.list()) {
+        if (!year.isExplained)
+            m_findings.add(kShortYear, lineOfStep(year.end - 1),
+                           [&] { return years.textOf(year); });
     }
 }
 
-// Checks the complete year of the timesteps with the indexes `first` to `last` - 1.
-void TimestepsOfRun::checkYear(std::size_t first, std::size_t last)
+void TimestepsOfRun::reportGap(std::size_t index, const ShortYears& years)
 {
-    const QDateTime& end = m_steps[last - 1];
-    const QDateTime yearEnd = yearEndAfter(end, m_context.endMonth);
-    const qint64 expected = m_length.stepsOfYear(yearEnd.addYears(-1), yearEnd, end);
-    const auto count = static_cast<qint64>(last - first);
-    if (count >= expected)
-        return;
-    if (!isYearOfEarlyStart(first)) {
-        m_findings.add(kShortYear, lineOfStep(last - 1),
-                       "the year that ends %1 counts as complete with %2 of %3 timesteps",
-                       text(last - 1), count, expected);
+    const ShortYears::Range range = years.yearsOf(index);
+    if (index == 0) {
+        m_hasEarlyStart = !range.isEmpty();
+        if (m_hasEarlyStart)
+            m_findings.add(kEarlyStart, m_context.lines.lineOf(kStartKey), [&] {
+                const ShortYear& first = years.list().front();
+                const ShortYears::Range others = {range.begin + 1, range.end};
+                return worded("start: lies in an earlier year than the first timestep, %1, so that "
+                              "the first year counts as complete with %2 of %3 timesteps%4%5",
+                              m_steps.text(0), first.count(), first.expected,
+                              others.isEmpty() ? "" : "; ", years.textOf(others));
+            });
         return;
     }
-    m_hasEarlyStart = true;
-    m_findings.add(kEarlyStart, m_context.lines.lineOf(kStartKey),
-                   "start: lies in an earlier year than the first timestep, %1, so that the first "
-                   "year counts as complete with %2 of %3 timesteps",
-                   text(first), count, expected);
+    m_findings.add(range.isEmpty() ? kStepMissing : kStepGap, lineOfStep(index), [&] {
+        const qint64 missing =
+            m_steps.length().stepsBetween(m_steps.at(index - 1), m_steps.at(index)) - 1;
+        return worded("%1 %2 missing between %3 and %4%5%6", missing,
+                      missing == 1 ? "timestep is" : "timesteps are", m_steps.text(index - 1),
+                      m_steps.text(index), range.isEmpty() ? "" : ": ", years.textOf(range));
+    });
 }
 
-bool TimestepsOfRun::isYearOfEarlyStart(std::size_t first) const
+bool TimestepsOfRun::isStartEarly() const
 {
-    return first == 0 && m_run.start < m_steps.front() &&
-           yearEndAfter(m_run.start, m_context.endMonth) <
-               yearEndAfter(m_steps.front(), m_context.endMonth);
+    return m_steps.count() > 0 && m_run.start.isValid() &&
+           m_steps.yearEndAfter(m_run.start) < m_steps.yearEndAfter(m_steps.first());
 }
 
-void TimestepsOfRun::checkEnds()
+void TimestepsOfRun::checkStart()
 {
-    if (m_steps.empty() || m_steps.size() < static_cast<std::size_t>(m_run.timesteps.size()))
-        return;
-    if (m_run.start.isValid() && m_run.start != m_steps.front() && !m_hasEarlyStart)
+    if (m_steps.isWhole() && m_run.start.isValid() && m_run.start != m_steps.first() &&
+        !m_hasEarlyStart)
         m_findings.add(kStartDiffers, m_context.lines.lineOf(kStartKey),
                        "start: %1 is not the first timestep, %2", dateTimeToText(m_run.start),
-                       text(0));
-    if (m_run.end.isValid() && m_run.end != m_steps.back())
-        m_findings.add(kEndDiffers, m_context.lines.lineOf(kEndKey),
-                       "end: %1 is not the last timestep, %2", dateTimeToText(m_run.end),
-                       text(m_steps.size() - 1));
+                       m_steps.text(0));
+}
+
+bool TimestepsOfRun::hasOtherEnd() const
+{
+    return m_steps.isWhole() && m_run.end.isValid() && m_run.end != m_steps.last();
+}
+
+void TimestepsOfRun::checkStamps()
+{
+    if (!seemToBeBeginnings(m_steps)) {
+        checkLastYear();
+        return;
+    }
+    const QDateTime end = m_steps.length().moved(m_steps.last(), 1);
+    m_findings.add(kBeginStamp, lineOfStep(0),
+                   "the timesteps, %1 to %2, seem to be stamped at their beginning; a stamp counts "
+                   "as the end, so that each year is a timestep late%3",
+                   m_steps.text(0), m_steps.text(m_steps.count() - 1),
+                   m_steps.yearEndAfter(end) == end ? ", and the last is left out" : "");
+}
+
+// The last year, if it is left out although it has all timesteps.
+void TimestepsOfRun::checkLastYear()
+{
+    const WholeYears year = wholeYearLeftOutAtEnd(m_steps);
+    if (year.count == 0)
+        return;
+    const qint64 line = lineOfStep(year.end - 1);
+    const QDateTime yearEnd = m_steps.yearEndAfter(m_steps.last());
+    const bool isFirstOfMonth = m_steps.last().date().day() == 1;
+    if (m_steps.length().isMonths() && isFirstOfMonth)
+        m_findings.add(kBeginStamp, lineOfStep(0),
+                       "the timesteps, %1 to %2, seem to be stamped at their beginning; a stamp "
+                       "counts as the end, so that the last year is left out",
+                       m_steps.text(0), m_steps.text(year.end - 1));
+    else if (m_steps.last() == yearEnd)
+        reportLeftOut(line, year, QStringLiteral("the last week must end before the year does"));
+    else
+        reportLeftOut(line, year,
+                      worded("the last is not the end of the year, %1", dateTimeToText(yearEnd)));
+}
+
+// The years before the first that counts as complete, if they have all timesteps.
+void TimestepsOfRun::checkFirstYears()
+{
+    const WholeYears years = wholeYearsLeftOutAtStart(m_steps);
+    if (years.count == 0)
+        return;
+    const QDateTime begin = m_steps.yearEndAfter(m_steps.first()).addYears(-1);
+    const TimestepUnit& unit = timestepUnitOrDay(m_run.timeStepUnit);
+    if (unit.latestEndOfFirst(begin) < m_steps.first())
+        reportLeftOut(lineOfStep(0), years,
+                      worded("the first ends more than one %1 after the beginning of the year, %2",
+                             unit.word, dateTimeToText(begin)));
+    else
+        reportLeftOut(m_context.lineOfRunKey(kStartKey), years,
+                      worded("years are counted from start:, %1", dateTimeToText(m_run.start)));
+}
+
+// Not where there is no complete year: the conversion reports that.
+void TimestepsOfRun::reportLeftOut(qint64 line, const WholeYears& years, const QString& reason)
+{
+    if (m_years.status.ok())
+        m_findings.add(kYearLeftOut, line, "the timesteps %1 to %2 are all of %3: %4",
+                       m_steps.text(years.first), m_steps.text(years.end - 1),
+                       years.count == 1 ? QStringLiteral("a year, which is left out")
+                                        : worded("%1 years, which are left out", years.count),
+                       reason);
 }
 
 class TimestepCheck : public TopicCheck
@@ -263,27 +333,94 @@ class TimestepCheck : public TopicCheck
 public:
     using TopicCheck::TopicCheck;
 
-    // Later runs are compared with the first.
-    void runRead() override
+    void runRead() override;
+    void unexpectedLine(QLatin1String expected, std::string_view line) override;
+    void slotPreambleRead(const HtsSlot&) override { reportEnd(); }
+    void runEnded() override { reportEnd(); }
+    void finish() override { reportEnd(); }
+
+private:
+    qint64 lineOfStepCount() const;
+    void reportEnd();
+
+    // Of the run at hand.
+    bool m_isEndReported = true;
+    qint64 m_countLine = 0;
+    // What `end:` is, and the last timestep, if they differ: whether that is reported depends on
+    // the line after the timesteps.
+    struct OtherEnd
     {
-        if (m_context.walk.runIndex() > 0)
-            return;
-        TimestepsOfRun timesteps(m_context);
-        timesteps.checkUnit();
-        timesteps.checkCompleteYears();
-        timesteps.checkSteps();
-        timesteps.checkYearLengths();
-        timesteps.checkEnds();
-    }
+        qint64 line;
+        QString end;
+        QString lastStep;
+    };
+    std::optional<OtherEnd> m_otherEnd;
 };
+
+// Of the key that counts, which is the last.
+qint64 TimestepCheck::lineOfStepCount() const
+{
+    const PreambleLines& lines = m_context.lines;
+    const qint64 line = std::max(lines.lineOf(kStepCountKey), lines.lineOf(kStepCountSecondKey));
+    return line > 0 ? line : lines.endLine();
+}
+
+void TimestepCheck::runRead()
+{
+    m_isEndReported = false;
+    m_countLine = lineOfStepCount();
+    // Later runs are compared with the first.
+    if (m_context.walk.runIndex() > 0)
+        return;
+    TimestepsOfRun timesteps(m_context);
+    timesteps.checkUnit();
+    timesteps.checkCompleteYears();
+    timesteps.checkSteps();
+    timesteps.checkYearLengths();
+    timesteps.checkStart();
+    timesteps.checkStamps();
+    timesteps.checkFirstYears();
+    const HtsRun& run = m_context.walk.run();
+    if (timesteps.hasOtherEnd())
+        m_otherEnd = {m_context.lines.lineOf(kEndKey), dateTimeToText(run.end),
+                      run.timesteps.last()};
+}
+
+// Fewer timesteps than announced.
+void TimestepCheck::unexpectedLine(QLatin1String expected, std::string_view line)
+{
+    const HtsRun& run = m_context.walk.run();
+    if (expected == HtsReader::kTimestepFormat && isSlotLine(line))
+        add(kStepCount, lineOfStepCount(), "time_steps: announces %1 timesteps, and %2 follow",
+            run.timeStepCount, run.timesteps.size());
+}
+
+// At the first line that is no timestep.
+void TimestepCheck::reportEnd()
+{
+    if (m_isEndReported)
+        return;
+    m_isEndReported = true;
+    const qint64 surplus = m_context.recovery.surplusSteps();
+    if (surplus > 0) {
+        const int count = m_context.walk.run().timeStepCount;
+        add(kStepCount, m_countLine, "time_steps: announces %1 timesteps, and %2 follow", count,
+            std::max(count, 0) + surplus);
+    } else if (m_otherEnd) {
+        add(kEndDiffers, m_otherEnd->line, "end: %1 is not the last timestep, %2", m_otherEnd->end,
+            m_otherEnd->lastStep);
+    }
+    m_otherEnd.reset();
+}
 
 } // namespace
 
 const Topic& timestepTopic()
 {
     static const Topic kTopic = {"Timesteps and years",
-                                 {&kUnknownUnit, &kAlreadyAnnual, &kNoCompleteYear, &kStepMissing,
-                                  &kStepRepeated, &kStepBackwards, &kStepIrregular, &kStartDiffers,
+                                 {&kUnknownUnit, &kAlreadyAnnual, &kStepCount, &kNoCompleteYear,
+                                  &kStepGap, &kStepMissing, &kStepRepeated, &kStepBackwards,
+                                  &kStepIrregular, &kBeginStamp, &kYearLeftOut, &kStartDiffers,
                                   &kEarlyStart, &kEndDiffers, &kShortYear},
                                  makeCheck<TimestepCheck>};
     return kTopic;

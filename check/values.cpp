@@ -213,6 +213,8 @@ void ValueCheck::endLine(QLatin1String expected, std::string_view line)
     Recovery& recovery = m_context.recovery;
     // The end of the input is reported as a missing slot or "END_RUN".
     const bool isRight = line == bytesOf(expected) || m_context.reader.linesPastEnd() > 0;
+    if (isRight && expected == kEndColumn && m_context.walk.slot().isSeries())
+        recovery.noteExactValues();
     const bool isReported = !isRight && recovery.isInSync() && !recovery.hasForeignLines();
     if (expected == kEndColumn) {
         m_isColumnReported = isReported;

@@ -126,9 +126,8 @@ const std::array<HtsKey<HtsRun>, 11> kRunKeys = {{
     dateTime<HtsRun, &HtsRun::end>(kEndKey),
     text<HtsRun, &HtsRun::timeStepUnit>(kUnitKey),
     integer<HtsRun, &HtsRun::unitQuantity>(QLatin1String("unit_quantity:")),
-    integer<HtsRun, &HtsRun::timeStepCount>(QLatin1String("time_steps:")),
-    integer<HtsRun, &HtsRun::timeStepCount>(QLatin1String("timesteps:"),
-                                            never), // accepted second spelling
+    integer<HtsRun, &HtsRun::timeStepCount>(kStepCountKey),
+    integer<HtsRun, &HtsRun::timeStepCount>(kStepCountSecondKey, never),
     integer<HtsRun, &HtsRun::consecutive>(QLatin1String("consecutive:")),
     text<HtsRun, &HtsRun::slotSet>(QLatin1String("slot_set:"),
                                    unlessEmpty<HtsRun, &HtsRun::slotSet>),

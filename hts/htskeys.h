@@ -49,6 +49,8 @@ extern const std::array<HtsKey<HtsSlot>, 6> kSlotKeys;
 inline const QLatin1String kStartKey{"start:"};
 inline const QLatin1String kEndKey{"end:"};
 inline const QLatin1String kUnitKey{"time_step_unit:"};
+inline const QLatin1String kStepCountKey{"time_steps:"};
+inline const QLatin1String kStepCountSecondKey{"timesteps:"}; // accepted second spelling
 inline const QLatin1String kObjectTypeKey{"object_type: "};
 inline const QLatin1String kObjectNameKey{"object_name: "};
 inline const QLatin1String kSlotTypeKey{"slot_type: "};

@@ -26,6 +26,25 @@ QByteArray stepsOf(int year)
         .replace("2000-", QByteArray::number(year) + '-');
 }
 
+// Of two years of months: their day and time.
+QByteArray stampsOf(const QByteArray& dayAndTime)
+{
+    QByteArray steps;
+    for (int month = 0; month < 24; ++month)
+        steps += QByteArray::number(2000 + month / 12) + '-' + QByteArray::number(month % 12 + 1) +
+                 '-' + dayAndTime + '\n';
+    return steps;
+}
+
+// The last is a Saturday, 2005-12-31, the end of that year.
+QByteArray weeksOfTwoYears()
+{
+    QByteArray steps;
+    for (QDate day(2004, 1, 3); day.year() < 2006; day = day.addDays(7))
+        steps += day.toString(QStringLiteral("yyyy-M-d")).toUtf8() + " 24:00\n";
+    return steps;
+}
+
 QByteArray runOf(const QByteArray& start, const QByteArray& steps, const QByteArray& unit = "month")
 {
     const QByteArray lastStep = steps.trimmed().split('\n').last();
@@ -91,6 +110,8 @@ const std::vector<std::pair<const char*, QByteArrayList>>& files()
         {"table with fewer rows",
          {withTable("1 2\nEND_SLOT\n"), withTable("1 2\n3 4\n"),
           withTable("1 2\n3 4\nend_slot\n")}},
+        {"more timestep lines",
+         {changed("2000-12-31 24:00\nobject", "2000-12-31 24:00\n2001-1-31 24:00\nobject")}},
         {"fewer runs announced",
          {usualFile() + runOf("2000-1-31 24:00", kSteps) + slotOf("Flow", kValues) + "END_RUN\n"}},
         {"`end_slot_preamble` in lower case", {changed("END_SLOT_PREAMBLE", "end_slot_preamble")}},
@@ -122,6 +143,9 @@ const std::vector<std::pair<const char*, QByteArrayList>>& files()
          {fileOf("1997-7-31 24:00",
                  kSteps.mid(kSteps.indexOf("2000-7")) + stepsOf(2001) + stepsOf(2002))}},
         {"`start:` in a later year", {fileOf("2001-1-31 24:00", kSteps + stepsOf(2001))}},
+        {"stamps at the beginning", {fileOf("2000-1-1 0:00", stampsOf("1 0:00"))}},
+        {"stamps inside the last", {fileOf("2000-1-15 0:00", stampsOf("15 0:00"))}},
+        {"last week that ends", {fileOf("2004-1-3 24:00", weeksOfTwoYears(), "week")}},
         {"steps of several units",
          {fileOf("2000-3-31 24:00", "2000-3-31 24:00\n2000-6-30 24:00\n2000-9-30 24:00\n"
                                     "2000-12-31 24:00\n2001-3-31 24:00\n2001-6-30 24:00\n"

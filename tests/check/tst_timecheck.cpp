@@ -1,4 +1,4 @@
-// The findings about the timesteps of a run. They are the first run of a file with one slot.
+// The findings about the timesteps of a run, which are in timesteps.txt, and lengths of steps.
 
 #include <QtTest>
 
@@ -6,68 +6,81 @@
 #include "hts/datetimetext.h"
 #include "tests/check/checkedtext.h"
 #include "tests/support/testmain.h"
+#include "tests/support/wholefile.h"
 
 namespace {
 
-struct Timing
-{
-    const char* unit;
-    int quantity;
-    QStringList steps;
-    const char* start = nullptr; // null for the first timestep
-};
+using Settings = QHash<QString, QString>;
 
-// Timesteps every so many minutes, from `first` to `last`.
-QStringList every(qint64 minutes, const char* first, const char* last)
+// "2000-1-31 24:00 .. 2000-12-31 24:00, 2001-3-31 24:00"
+QStringList stepsOf(const QString& text, const QString& unit, int quantity)
 {
-    constexpr qint64 kSecondsPerMinute = 60;
+    const StepLength length(unit, quantity);
     QStringList steps;
-    const QDateTime end = textToDateTime(QString::fromLatin1(last));
-    for (QDateTime step = textToDateTime(QString::fromLatin1(first)); step <= end;
-         step = step.addSecs(minutes * kSecondsPerMinute))
-        steps.append(dateTimeToText(step));
+    for (const QString& part : text.split(QStringLiteral(", "), Qt::SkipEmptyParts)) {
+        const QStringList ends = part.split(QStringLiteral(" .. "));
+        steps.append(ends.first());
+        if (ends.size() == 1)
+            continue;
+        const StepLength known = length.isKnown() ? length : StepLength(QStringLiteral("day"), 1);
+        const bool is24 = ends.first().endsWith(QLatin1String("24:00")) ||
+                          ends.last().endsWith(QLatin1String("24:00"));
+        const QDateTime first = textToDateTime(ends.first());
+        for (int i = 1; known.moved(first, i) <= textToDateTime(ends.last()); ++i) {
+            const QDateTime step = known.moved(first, i);
+            steps.append(is24 ? dateTimeToText(step)
+                              : QLocale::c().toString(step, u"yyyy-M-d h:mm"));
+        }
+    }
     return steps;
 }
 
-QStringList months(const char* first, int count)
+QString slotOf(int number, int run, int valueCount)
 {
-    QStringList steps;
-    const QDateTime start = textToDateTime(QString::fromLatin1(first));
-    for (int i = 0; i < count; ++i)
-        steps.append(dateTimeToText(start.addMonths(i)));
-    return steps;
+    QString text = QStringLiteral("object_type: R\nobject_name: L%1\nslot_name: F\n"
+                                  "END_SLOT_PREAMBLE\nunits: cms\nscale: 1\n")
+                       .arg(number);
+    for (int i = 0; i < valueCount; ++i)
+        text += QStringLiteral("%1.%2\n").arg(i % 90).arg(100 * run + 5 + number);
+    return text + QStringLiteral("END_COLUMN\nEND_SLOT\n");
 }
 
-QByteArray fileOf(const Timing& timing)
+// The run of the settings, with a slot, or as many as they say.
+QByteArray fileOf(const Settings& settings, const QStringList& steps)
 {
-    const QString start =
-        timing.start == nullptr ? timing.steps.first() : QString::fromLatin1(timing.start);
-    const QString text =
-        QStringLiteral("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:%1\nend:%2\ntime_step_unit:%"
-                       "3\nunit_quantity:%4\ntime_steps:%5\nEND_RUN_PREAMBLE\n")
-            .arg(start, timing.steps.last(), QLatin1String(timing.unit))
-            .arg(timing.quantity)
-            .arg(timing.steps.size()) +
-        timing.steps.join(QLatin1Char('\n')) +
-        QStringLiteral("\nobject_type: R\nobject_name: L\nslot_name: F\nEND_SLOT_PREAMBLE\nunits: "
-                       "cms\nscale: 1\n");
-    return text.toUtf8() + QByteArray("1\n").repeated(timing.steps.size()) +
-           "END_COLUMN\nEND_SLOT\nEND_RUN\n";
+    const int count =
+        settings.value(QStringLiteral("announced"), QString::number(steps.size())).toInt();
+    const int values =
+        settings.value(QStringLiteral("values"), QString::number(steps.size())).toInt();
+    const int slotCount = settings.value(QStringLiteral("slots"), QStringLiteral("1")).toInt();
+    const int runs = settings.value(QStringLiteral("runs"), QStringLiteral("1")).toInt();
+    QString text = QStringLiteral("number_of_runs:%1\nEND_PACKAGE_PREAMBLE\n").arg(runs);
+    for (int run = 0; run < runs; ++run) {
+        text += QStringLiteral("start:%1\nend:%2\ntime_step_unit:%3\nunit_quantity:%4\n"
+                               "time_steps:%5\nEND_RUN_PREAMBLE\n")
+                    .arg(settings.value(QStringLiteral("start"), steps.value(0)),
+                         settings.value(QStringLiteral("end"), steps.value(steps.size() - 1)),
+                         settings.value(QStringLiteral("unit")),
+                         settings.value(QStringLiteral("quantity"), QStringLiteral("1")),
+                         QString::number(count));
+        for (const QString& step : steps)
+            text += step + QLatin1Char('\n');
+        for (int slot = 0; slot < slotCount; ++slot)
+            text += slotOf(slot, run, values);
+        text += QStringLiteral("END_RUN\n");
+    }
+    return text.toUtf8();
 }
 
-QStringList texts(std::initializer_list<const char*> steps)
+// "month; quantity=3; start=2000-1-31 24:00"
+Settings settingsOf(const QString& line)
 {
-    QStringList list;
-    for (const char* step : steps)
-        list.append(QString::fromLatin1(step));
-    return list;
-}
-
-QStringList without(QStringList steps, int index, int count = 1)
-{
-    for (int i = 0; i < count; ++i)
-        steps.removeAt(index);
-    return steps;
+    Settings settings;
+    const QString text = QLatin1String("unit=") + line;
+    for (const QString& setting : text.split(QStringLiteral("; ")))
+        settings.insert(setting.section(QLatin1Char('='), 0, 0),
+                        setting.section(QLatin1Char('='), 1));
+    return settings;
 }
 
 } // namespace
@@ -91,127 +104,22 @@ void TimeCheckTest::findsInTimesteps_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<int>("endMonth");
     QTest::addColumn<QStringList>("findings");
-
-    const auto row = [](const char* name, const Timing& timing, int endMonth,
-                        const QStringList& findings) {
-        QTest::newRow(name) << fileOf(timing) << endMonth << findings;
-    };
-    constexpr int kHour = 60, kDay = 1440, kWeek = 7 * kDay;
-    const QStringList twoYears = months("2000-1-31 24:00", 24);
-    const QStringList days = every(kDay, "2000-1-1 24:00", "2001-12-31 24:00");
-
-    row("months", {"month", 1, twoYears}, 12, {});
-    row("months of water years", {"month", 1, months("1999-10-31 24:00", 24)}, 9, {});
-    row("months, partial years at both ends", {"month", 1, months("2000-3-31 24:00", 30)}, 12, {});
-    row("quarters",
-        {"month", 3,
-         texts({"2000-3-31 24:00", "2000-6-30 24:00", "2000-9-30 24:00", "2000-12-31 24:00"})},
-        12,
-        {QStringLiteral(
-            "12: no-complete-year: the timesteps contain no complete year; a conversion fails: "
-            "\"Cannot create a complete year from the input HTS file\"")});
-    row("days", {"day", 1, days}, 12, {});
-    row("weeks", {"week", 1, every(kWeek, "2000-1-7 24:00", "2001-12-30 24:00")}, 12, {});
-    row("six hours", {"hour", 6, every(6 * kHour, "2000-1-1 6:00", "2000-12-31 24:00")}, 12, {});
-    row("minutes", {"minute", 30, every(30, "2000-1-1 0:30", "2000-12-31 24:00")}, 12, {});
-    row("unit without a quantity", {"month", 0, twoYears}, 12, {});
-    row("month missing in a complete year", {"month", 1, without(twoYears, 5)}, 12,
-        {QStringLiteral("14: step-missing: 1 timestep is missing between 2000-5-31 24:00 and "
-                        "2000-7-31 24:00; the year still counts as complete"),
-         QStringLiteral("19: short-year: the year that ends 2000-12-31 24:00 counts as complete "
-                        "with 11 of 12 timesteps")});
-    row("three days missing", {"day", 1, without(days, 40, 3)}, 12,
-        {QStringLiteral("49: step-missing: 3 timesteps are missing between 2000-2-9 24:00 and "
-                        "2000-2-13 24:00; the year still counts as complete"),
-         QStringLiteral("371: short-year: the year that ends 2000-12-31 24:00 counts as complete "
-                        "with 363 of 366 timesteps")});
-    row("leap day left out", {"day", 1, without(days, 59)}, 12,
-        {QStringLiteral("68: step-missing: 1 timestep is missing between 2000-2-28 24:00 and "
-                        "2000-3-1 24:00; the year still counts as complete"),
-         QStringLiteral("373: short-year: the year that ends 2000-12-31 24:00 counts as complete "
-                        "with 365 of 366 timesteps")});
-    row("hours of a first day missing",
-        {"hour", 1, every(kHour, "2000-1-1 24:00", "2000-12-31 24:00")}, 12,
-        {QStringLiteral("8769: short-year: the year that ends 2000-12-31 24:00 counts as complete "
-                        "with 8761 of 8784 timesteps")});
-    row("start in an earlier year", {"month", 1, months("2000-7-31 24:00", 18), "1999-7-31 24:00"},
-        12,
-        {QStringLiteral(
-            "3: early-start: start: lies in an earlier year than the first timestep, 2000-7-31 "
-            "24:00, so that the first year counts as complete with 6 of 12 timesteps")});
-    row("start of another day in the same year", {"month", 1, twoYears, "2000-1-1 0:00"}, 12,
-        {QStringLiteral("3: start-differs: start: 1999-12-31 24:00 is not the first timestep, "
-                        "2000-1-31 24:00")});
-    row("unit in upper case", {"Month", 1, twoYears}, 12,
-        {QStringLiteral("5: unknown-unit: time_step_unit: \"Month\" is not known and counts as "
-                        "\"day\"; is \"month\" meant?")});
-    row("unit in the plural", {"days", 1, days}, 12,
-        {QStringLiteral(
-            "5: unknown-unit: time_step_unit: \"days\" is not known and counts as \"day\"")});
-    row("irregular", {"day", 1, texts({"2000-1-1 24:00", "2000-1-2 12:00"})}, 12,
-        {QStringLiteral(
-             "10: no-complete-year: the timesteps contain no complete year; a conversion fails: "
-             "\"Cannot create a complete year from the input HTS file\""),
-         QStringLiteral("10: step-irregular: the timestep 2000-1-2 12:00 does not follow 2000-1-1 "
-                        "24:00 by 1 day")});
-    const QString noYear = QStringLiteral(
-        "; a conversion fails: \"Cannot create a complete year from the input HTS file\"");
-    row("no start", {"month", 1, twoYears, ""}, 12,
-        {QStringLiteral("3: bad-date: start: \"\" is not a date-time"),
-         QStringLiteral("3: no-complete-year: the run has no valid \"start:\"") + noYear});
-    QTest::newRow("no timesteps")
-        << QByteArray("number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:2000-1-31 "
-                      "24:00\ntime_step_unit:month\ntime_steps:0\nEND_RUN_PREAMBLE\nEND_RUN\n")
-        << 12
-        << QStringList{QStringLiteral("6: no-complete-year: the run has no timesteps") + noYear};
-    row("no unit", {"", 1, days}, 12,
-        {QStringLiteral("5: unknown-unit: no \"time_step_unit:\"; the timesteps count as days")});
-    row("no word for a unit", {"fortnight", 1, days}, 12,
-        {QStringLiteral(
-            "5: unknown-unit: time_step_unit: \"fortnight\" is not known and counts as \"day\"")});
-    row("timestep twice", {"month", 1, twoYears.mid(0, 6) + twoYears.mid(5)}, 12,
-        {QStringLiteral("15: step-repeated: the timestep 2000-6-30 24:00 occurs twice")});
-    row("timesteps changed over",
-        {"month", 1,
-         twoYears.mid(0, 5) + QStringList{twoYears.at(6), twoYears.at(5)} + twoYears.mid(7)},
-        12,
-        {QStringLiteral("15: step-backwards: the timestep 2000-6-30 24:00 is earlier than the one "
-                        "before it, 2000-7-31 24:00")});
-    row("month missing before the first complete year",
-        {"month", 1, without(months("2000-3-31 24:00", 30), 2)}, 12,
-        {QStringLiteral("11: step-missing: 1 timestep is missing between 2000-4-30 24:00 and "
-                        "2000-6-30 24:00")});
-    row("month missing in a water year", {"month", 1, without(months("1999-10-31 24:00", 24), 3)},
-        9,
-        {QStringLiteral("12: step-missing: 1 timestep is missing between 1999-12-31 24:00 and "
-                        "2000-2-29 24:00; the year still counts as complete"),
-         QStringLiteral("19: short-year: the year that ends 2000-9-30 24:00 counts as complete "
-                        "with 11 of 12 timesteps")});
-    row("week missing", {"week", 1, without(every(kWeek, "2000-1-7 24:00", "2001-12-30 24:00"), 9)},
-        12,
-        {QStringLiteral("18: step-missing: 1 timestep is missing between 2000-3-3 24:00 and "
-                        "2000-3-17 24:00; the year still counts as complete"),
-         QStringLiteral("59: short-year: the year that ends 2000-12-29 24:00 counts as complete "
-                        "with 51 of 52 timesteps")});
-    row("start in an earlier water year",
-        {"month", 1, months("2000-7-31 24:00", 15), "1998-7-31 24:00"}, 9,
-        {QStringLiteral(
-            "3: early-start: start: lies in an earlier year than the first timestep, 2000-7-31 "
-            "24:00, so that the first year counts as complete with 3 of 12 timesteps")});
-    row("start in an earlier water year, which is left out",
-        {"month", 1, months("2000-7-31 24:00", 15), "1999-7-31 24:00"}, 9,
-        {QStringLiteral("3: start-differs: start: 1999-7-31 24:00 is not the first timestep, "
-                        "2000-7-31 24:00")});
-    row("irregular, of a quantity of 0", {"day", 0, texts({"2000-1-1 24:00", "2000-1-2 12:00"})},
-        12,
-        {QStringLiteral("10: no-complete-year: the timesteps contain no complete year") + noYear,
-         QStringLiteral("10: step-irregular: the timestep 2000-1-2 12:00 does not follow 2000-1-1 "
-                        "24:00 by 1 day")});
-    row("no such day", {"month", 1, texts({"2000-1-31 24:00", "2000-2-30 24:00"})}, 12,
-        {QStringLiteral(
-             "10: no-complete-year: \"2000-2-30 24:00\" is not a date-time; a conversion fails: "
-             "\"Cannot create a complete year from the input HTS file\""),
-         QStringLiteral("4: bad-date: end: \"2000-2-30 24:00\" is not a date-time")});
+    QStringList lines = QString::fromUtf8(sourceFile(QStringLiteral("tests/check/timesteps.txt")))
+                            .split(QLatin1Char('\n'));
+    while (!lines.isEmpty()) {
+        const QString name = lines.takeFirst();
+        if (!name.startsWith(QLatin1Char('[')))
+            continue;
+        const Settings settings = settingsOf(lines.takeFirst());
+        const QStringList steps = stepsOf(lines.takeFirst(), settings.value(QStringLiteral("unit")),
+                                          settings.value(QStringLiteral("quantity")).toInt());
+        QStringList findings;
+        while (!lines.first().isEmpty())
+            findings.append(lines.takeFirst());
+        QTest::newRow(qPrintable(name))
+            << fileOf(settings, steps)
+            << settings.value(QStringLiteral("month"), QStringLiteral("12")).toInt() << findings;
+    }
 }
 
 void TimeCheckTest::findsInTimesteps()
@@ -219,10 +127,7 @@ void TimeCheckTest::findsInTimesteps()
     QFETCH(QByteArray, text);
     QFETCH(int, endMonth);
     QFETCH(QStringList, findings);
-    QStringList found = findingTexts(checkedText(text, {}, endMonth).findings);
-    found.sort();
-    findings.sort();
-    QCOMPARE(found, findings);
+    QCOMPARE(findingTexts(checkedText(text, {}, endMonth).findings), findings);
 }
 
 void TimeCheckTest::stepsBetween_data()
@@ -232,30 +137,30 @@ void TimeCheckTest::stepsBetween_data()
     QTest::addColumn<QString>("from");
     QTest::addColumn<QString>("to");
     QTest::addColumn<qint64>("steps");
-    QTest::newRow("month") << "month" << 1 << "2000-1-31 24:00"
-                           << "2000-2-29 24:00" << qint64(1);
-    QTest::newRow("last days of months") << "month" << 1 << "2001-1-31 6:00"
-                                         << "2001-2-28 6:00" << qint64(1);
-    QTest::newRow("same day of months") << "month" << 1 << "2001-1-15 0:00"
-                                        << "2001-3-15 0:00" << qint64(2);
-    QTest::newRow("other day") << "month" << 1 << "2001-1-15 0:00"
-                               << "2001-2-16 0:00" << qint64(0);
-    QTest::newRow("other hour") << "month" << 1 << "2001-1-31 6:00"
-                                << "2001-2-28 7:00" << qint64(0);
-    QTest::newRow("quarter") << "month" << 3 << "2000-3-31 24:00"
-                             << "2000-6-30 24:00" << qint64(1);
-    QTest::newRow("no quarter") << "month" << 3 << "2000-3-31 24:00"
-                                << "2000-5-31 24:00" << qint64(0);
-    QTest::newRow("over the year") << "month" << 1 << "2000-12-31 24:00"
-                                   << "2001-1-31 24:00" << qint64(1);
-    QTest::newRow("two weeks") << "week" << 1 << "2000-1-1 24:00"
-                               << "2000-1-15 24:00" << qint64(2);
-    QTest::newRow("half a week") << "week" << 1 << "2000-1-1 24:00"
-                                 << "2000-1-4 24:00" << qint64(0);
-    QTest::newRow("minute") << "minute" << 15 << "2000-1-1 0:00"
-                            << "2000-1-1 0:45" << qint64(3);
-    QTest::newRow("unknown unit") << "fortnight" << 1 << "2000-1-1 0:00"
-                                  << "2003-1-1 0:45" << qint64(1);
+    const struct
+    {
+        const char* name;
+        const char* unit;
+        int quantity;
+        const char* from;
+        const char* to;
+        qint64 steps;
+    } rows[] = {
+        {"month", "month", 1, "2000-1-31 24:00", "2000-2-29 24:00", 1},
+        {"last days of months", "month", 1, "2001-1-31 6:00", "2001-2-28 6:00", 1},
+        {"same day of months", "month", 1, "2001-1-15 0:00", "2001-3-15 0:00", 2},
+        {"other day", "month", 1, "2001-1-15 0:00", "2001-2-16 0:00", 0},
+        {"other hour", "month", 1, "2001-1-31 6:00", "2001-2-28 7:00", 0},
+        {"quarter", "month", 3, "2000-3-31 24:00", "2000-6-30 24:00", 1},
+        {"no quarter", "month", 3, "2000-3-31 24:00", "2000-5-31 24:00", 0},
+        {"over the year", "month", 1, "2000-12-31 24:00", "2001-1-31 24:00", 1},
+        {"two weeks", "week", 1, "2000-1-1 24:00", "2000-1-15 24:00", 2},
+        {"half a week", "week", 1, "2000-1-1 24:00", "2000-1-4 24:00", 0},
+        {"minute", "minute", 15, "2000-1-1 0:00", "2000-1-1 0:45", 3},
+        {"unknown unit", "fortnight", 1, "2000-1-1 0:00", "2003-1-1 0:45", 1},
+    };
+    for (const auto& row : rows)
+        QTest::newRow(row.name) << row.unit << row.quantity << row.from << row.to << row.steps;
 }
 
 void TimeCheckTest::stepsBetween()
@@ -275,28 +180,34 @@ void TimeCheckTest::stepsOfYear_data()
     QTest::addColumn<int>("quantity");
     QTest::addColumn<QString>("step");
     QTest::addColumn<qint64>("steps");
-    const auto row = [](const char* unit, int quantity, const char* step, qint64 steps) {
-        QTest::addRow("%d %s, %s", quantity, unit, step)
-            << QString::fromLatin1(unit) << quantity << QString::fromLatin1(step) << steps;
+    const struct
+    {
+        const char* unit;
+        int quantity;
+        const char* step;
+        qint64 steps;
+    } rows[] = {
+        {"month", 1, "2000-12-31 24:00", 12},
+        {"month", 0, "2000-12-31 24:00", 12},
+        {"month", 3, "2000-12-31 24:00", 4},
+        {"month", 5, "2000-12-31 24:00", 2},
+        {"month", 12, "2000-12-31 24:00", 1},
+        {"month", 24, "2000-12-31 24:00", 1},
+        {"year", 1, "2000-12-31 24:00", 0},
+        {"fortnight", 1, "2000-12-31 24:00", 0},
+        {"day", 1, "2000-12-31 24:00", 366},
+        {"day", 1, "2000-1-1 0:01", 366},
+        {"day", 2, "2000-12-31 24:00", 183},
+        {"day", -1, "2000-12-31 24:00", 366},
+        // In a leap year there may be 52 or 53 weeks.
+        {"week", 1, "2000-1-1 24:00", 53},
+        {"week", 1, "2000-1-2 24:00", 53},
+        {"week", 1, "2000-1-3 24:00", 52},
+        {"hour", 6, "2000-1-1 6:00", 1464},
+        {"minute", 30, "2000-1-1 0:30", 17568},
     };
-    row("month", 1, "2000-12-31 24:00", 12);
-    row("month", 0, "2000-12-31 24:00", 12);
-    row("month", 3, "2000-12-31 24:00", 4);
-    row("month", 5, "2000-12-31 24:00", 2);
-    row("month", 12, "2000-12-31 24:00", 1);
-    row("month", 24, "2000-12-31 24:00", 1);
-    row("year", 1, "2000-12-31 24:00", 0);
-    row("fortnight", 1, "2000-12-31 24:00", 0);
-    row("day", 1, "2000-12-31 24:00", 366);
-    row("day", 1, "2000-1-1 0:01", 366);
-    row("day", 2, "2000-12-31 24:00", 183);
-    row("day", -1, "2000-12-31 24:00", 366);
-    // In a leap year there may be 52 or 53 weeks.
-    row("week", 1, "2000-1-1 24:00", 53);
-    row("week", 1, "2000-1-2 24:00", 53);
-    row("week", 1, "2000-1-3 24:00", 52);
-    row("hour", 6, "2000-1-1 6:00", 1464);
-    row("minute", 30, "2000-1-1 0:30", 17568);
+    for (const auto& [unit, quantity, step, steps] : rows)
+        QTest::addRow("%d %s, %s", quantity, unit, step) << unit << quantity << step << steps;
 }
 
 void TimeCheckTest::stepsOfYear()
@@ -314,8 +225,10 @@ void TimeCheckTest::stepsOfYear()
 
 void TimeCheckTest::plansCompleteYears()
 {
-    const YearPlan plan =
-        checkedText(fileOf({"month", 1, months("2000-3-31 24:00", 42)}), {}, 12).years;
+    const QString month = QStringLiteral("month");
+    const QStringList steps =
+        stepsOf(QStringLiteral("2000-3-31 24:00 .. 2003-8-31 24:00"), month, 1);
+    const YearPlan plan = checkedText(fileOf(settingsOf(month), steps)).years;
     QCOMPARE(plan.count, 2);
     QCOMPARE(plan.first, QStringLiteral("2001-12-31 24:00"));
     QCOMPARE(plan.last, QStringLiteral("2002-12-31 24:00"));
