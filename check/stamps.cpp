@@ -31,9 +31,15 @@ bool seemToBeBeginnings(const RunSteps& steps)
     const auto fit = [&steps](const QDateTime& begin, const QDateTime& end) {
         return int(steps.isEndOfYear(begin)) + int(steps.isEndOfYear(end));
     };
+    const int beginnings = fit(steps.first(), length.moved(steps.last(), 1));
+    if (beginnings <= fit(length.moved(steps.first(), -1), steps.last()))
+        return false;
+    // A run of months starts or ends with a year by chance, one of quarters still more often.
+    constexpr int kMonthsPerYear = 12;
+    const bool startsWithJanuary = steps.expectedInYearOf(0) == kMonthsPerYear &&
+                                   steps.first() == yearEndIn(steps.first().date().year(), 12);
     const QStringList& texts = steps.run().timesteps;
-    return fit(steps.first(), length.moved(steps.last(), 1)) >
-               fit(length.moved(steps.first(), -1), steps.last()) &&
+    return (!length.isMonths() || beginnings == 2 || startsWithJanuary) &&
            std::none_of(texts.begin(), texts.end(), isEndOfDay);
 }
 

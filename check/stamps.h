@@ -9,7 +9,8 @@
 
 // Whether the timesteps seem to be stamped at their beginning: one end of the run or both are ends
 // of years, of a conversion or of the calendar, when a stamp is the beginning of a timestep, and
-// fewer when it is the end. Never if a midnight is written "24:00", which is an end, and for weeks.
+// fewer when it is the end; both for months, unless they start with January. Never if a midnight is
+// written "24:00", which is an end, and for weeks.
 bool seemToBeBeginnings(const RunSteps& steps);
 
 // Years that are left out by a conversion although they have all their timesteps: the indexes of

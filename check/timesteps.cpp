@@ -60,8 +60,9 @@ constexpr FindingKind kBeginStamp = {
     "The timesteps seem to be stamped at their beginning, but a stamp counts as the end: each year "
     "is a timestep late, and the last may be left out. Noticed where no midnight is written "
     "`24:00`, if the run starts or ends with a year (of the end month or of the calendar) when "
-    "stamps are beginnings, but not when they are ends; and for months stamped on a first day "
-    "after 0:00 that lose the last year. Not for weeks.",
+    "stamps are beginnings, but not when they are ends; months must do both, or start with "
+    "January. Also for months stamped on a first day after 0:00 that lose the last year. Not for "
+    "weeks.",
     "Write the end of each timestep, for January `2000-1-31 24:00`."};
 constexpr FindingKind kYearLeftOut = {
     Severity::Warning, "year-left-out",
