@@ -164,9 +164,14 @@ void NearWordsTest::hasAHintAtTheMeaning_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("hint");
     const QString missing = QStringLiteral("a missing value, which is written NaN");
-    for (const char* text : {"NA", "n/a", "#N/A", "-nan", "null", "None", "missing", "-", "***",
-                             "1.#QNAN", "-1.#IND", "..."})
+    for (const char* text :
+         {"NA",         "n/a",     "#N/A",    "-nan",    "null", "None",          "missing",
+          "-",          "***",     "1.#QNAN", "-1.#IND", "...",  "Not Available", "NOT  AVAILABLE",
+          "M",          "--",      "---",     "*",       "?",    "____",          "nan(ind)",
+          "-nan(snan)", "No Data", "#DIV/0!", "Ice",     "EQP",  "ssn",           "Bkw"})
         QTest::newRow(text) << text << missing;
+    for (const char* text : {"Iced", "an M", "nan()x", "not", "-*", "n a"})
+        QTest::newRow(text) << text << QString();
     QTest::newRow("1,5") << "1,5"
                          << "a decimal comma";
     QTest::newRow("-0,25") << "-0,25"
