@@ -35,6 +35,11 @@ constexpr FindingKind kRunUnits = {
     "A slot has other units or another scale than in the first run, whose header is used for all "
     "runs.",
     "Convert the values to one unit."};
+constexpr FindingKind kOtherRunKeys = {
+    Severity::Note, "run-keys",
+    "A run has another `consecutive:`, `slot_set:`, `rule_set:` or `idx_sequential:` than the "
+    "first, whose values the result has for all runs.",
+    "Nothing, if the result of such a run is known by its place."};
 constexpr FindingKind kEndRunLine = {Severity::Note, "end-run",
                                      "`END_RUN` has an empty line before it, or text after it.",
                                      "Remove the line or the text."};
@@ -44,6 +49,22 @@ int stepQuantity(const HtsRun& run)
 {
     return std::max(run.unitQuantity, 1);
 }
+
+// A key of which the result has the first run's value for all runs: see setAnnualTiming().
+struct CopiedKey
+{
+    QLatin1String key;
+    QString (*valueOf)(const HtsRun& run);
+};
+
+const CopiedKey kCopiedKeys[] = {
+    {QLatin1String("consecutive:"),
+     [](const HtsRun& run) { return QString::number(run.consecutive); }},
+    {QLatin1String("slot_set:"), [](const HtsRun& run) { return run.slotSet; }},
+    {QLatin1String("rule_set:"), [](const HtsRun& run) { return run.ruleSet; }},
+    {QLatin1String("idx_sequential:"),
+     [](const HtsRun& run) { return QString::number(run.idxSequential); }},
+};
 
 // Compares later runs with the first, whose slots, headers and years a conversion uses for all of
 // them. The values of a slot go to the slot of the first run in the same position.
@@ -75,6 +96,7 @@ private:
     void compareUnit(const HtsRun& run);
     void compareName(const FirstSlot& first, const HtsSlot& slot);
     void compareHeader(const FirstSlot& first, const HtsSlot& slot);
+    void compareKeys(const HtsRun& run);
 
     HtsRun m_first;
     std::vector<FirstSlot> m_slots;
@@ -88,12 +110,14 @@ void RunCheck::runRead()
     const HtsRun& run = m_context.walk.run();
     m_isOrderReported = false;
     m_isCountReported = false;
-    if (m_context.walk.runIndex() == 0)
+    if (m_context.walk.runIndex() == 0) {
         m_first = run;
-    else if (m_context.conversion.hasFirstTiming())
+    } else if (m_context.conversion.hasFirstTiming()) {
         compareSteps(run);
-    else if (m_context.conversion.annualizedCount() > 0)
+        compareKeys(run);
+    } else if (m_context.conversion.annualizedCount() > 0) {
         reportTiming(run);
+    }
 }
 
 void RunCheck::reportTiming(const HtsRun& run)
@@ -135,6 +159,18 @@ void RunCheck::compareUnit(const HtsRun& run)
         "run are used",
         runNumber(), stepQuantity(run), quoted(run.timeStepUnit), stepQuantity(m_first),
         quoted(m_first.timeStepUnit));
+}
+
+void RunCheck::compareKeys(const HtsRun& run)
+{
+    for (const CopiedKey& copied : kCopiedKeys) {
+        const QString value = copied.valueOf(run);
+        const QString first = copied.valueOf(m_first);
+        if (value != first)
+            add(kOtherRunKeys, m_context.lineOfRunKey(copied.key),
+                "run %1 has %2 %3; the result has the first run's %4 for both", runNumber(),
+                copied.key, quoted(value), quoted(first));
+    }
 }
 
 void RunCheck::slotRead()
@@ -239,7 +275,7 @@ const Topic& runTopic()
 {
     static const Topic kTopic = {"Runs",
                                  {&kRunTiming, &kRunSteps, &kRunSlots, &kRunSlotCount, &kRunValues,
-                                  &kRunUnits, &kEndRunLine},
+                                  &kRunUnits, &kOtherRunKeys, &kEndRunLine},
                                  makeCheck<RunCheck>};
     return kTopic;
 }

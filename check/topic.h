@@ -59,6 +59,7 @@ const Topic& valueTopic();
 const Topic& tableTopic();
 const Topic& timestepTopic();
 const Topic& runTopic();
+const Topic& repeatTopic();
 const Topic& controlTopic();
 const Topic& ruleTopic();
 const Topic& methodTopic();

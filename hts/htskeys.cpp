@@ -121,7 +121,7 @@ const std::array<HtsKey<HtsPackage>, 5> kPackageKeys = {{
 }};
 
 const std::array<HtsKey<HtsRun>, 11> kRunKeys = {{
-    integer<HtsRun, &HtsRun::trace>(QLatin1String("trace:"), hasTrace),
+    integer<HtsRun, &HtsRun::trace>(kTraceKey, hasTrace),
     dateTime<HtsRun, &HtsRun::start>(kStartKey),
     dateTime<HtsRun, &HtsRun::end>(kEndKey),
     text<HtsRun, &HtsRun::timeStepUnit>(kUnitKey),

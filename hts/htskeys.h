@@ -46,6 +46,7 @@ extern const std::array<HtsKey<HtsRun>, 11> kRunKeys;
 extern const std::array<HtsKey<HtsSlot>, 6> kSlotKeys;
 
 // Of the tables, those that are referred to elsewhere.
+inline const QLatin1String kTraceKey{"trace:"};
 inline const QLatin1String kStartKey{"start:"};
 inline const QLatin1String kEndKey{"end:"};
 inline const QLatin1String kUnitKey{"time_step_unit:"};

@@ -309,7 +309,9 @@ void AnnualValuesTest::knowsUnitsPerSecond()
     QFETCH(bool, isRate);
     Series series = months(lacking(12, {}));
     series.units = units;
-    const QByteArray text = fileOf({series, series});
+    Series second = series;
+    second.values[0] = "2";
+    const QByteArray text = fileOf({series, second});
     const QString finding =
         QStringLiteral("sum-of-rate: SumNaN of L.F adds values in \"%1\", which are per second: "
                        "the result is no volume")

@@ -104,6 +104,7 @@ const std::vector<std::pair<const char*, QByteArrayList>>& files()
         {"first value of a slot", {changed("scale: 1\n1\n", "scale: 1\nmissing\n")}},
         {"tab after the colon of a key",
          {changed("slot_name: Flow", "slot_name:\tFlow"), changed("unit:month", "unit:\tmonth")}},
+        {"two slots of one name", {changed("slot_name: Volume", "slot_name: Flow")}},
         {"one value too many", {changed("\n7\n", "\n7\n7\n")}},
         {"one value missing", {changed("\n7\n", "\n")}},
         {"`END_COLUMN` or", {changed("END_COLUMN\n", ""), changed("END_SLOT\n", "")}},

@@ -36,14 +36,15 @@ QByteArray scalar(const QByteArray& name)
            "\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n1\nEND_COLUMN\nEND_SLOT\n";
 }
 
-// Each element is a run with its slots. The second run of a first one with one series begins on
-// line 42, its slots on line 60.
+// Each element is a run with its slots; the first value of a later one is its number. The second
+// run of a first one with one series begins on line 42, its slots on line 60.
 QByteArray fileOf(const QByteArrayList& runs)
 {
     QByteArray text =
         "number_of_runs:" + QByteArray::number(runs.size()) + "\nEND_PACKAGE_PREAMBLE\n";
-    for (const QByteArray& run : runs)
-        text += run + "END_RUN\n";
+    for (int i = 0; i < runs.size(); ++i)
+        text += QByteArray(runs.at(i)).replace("\n1\n", "\n" + QByteArray::number(i + 1) + "\n") +
+                "END_RUN\n";
     return text;
 }
 
@@ -65,6 +66,9 @@ class RunCheckTest : public QObject
 private Q_SLOTS:
     void findsInLaterRuns_data();
     void findsInLaterRuns();
+    void findsRepetitions_data();
+    void findsRepetitions();
+    void hashesTellRunsApart();
     void firstFailureCounts();
 };
 
@@ -170,6 +174,124 @@ void RunCheckTest::findsInLaterRuns()
     QFETCH(QByteArray, text);
     QFETCH(QStringList, findings);
     QCOMPARE(findingTexts(checkedText(text).findings), findings);
+}
+
+void RunCheckTest::findsRepetitions_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QStringList>("findings");
+    const QByteArray flow = series("Flow");
+    const QByteArray table = "object_type: Reservoir\nobject_name: Lake\nslot_name: Flow\nrows: 1\n"
+                             "END_SLOT_PREAMBLE\n1 2\nEND_SLOT\n";
+    const QByteArray withoutName = QByteArray(flow).replace("object_name: Lake\n", "");
+    // A run with keys, and with other values if they do not begin with 1.
+    const auto run = [&](const QByteArray& keys, const char* first = "1") -> QByteArray {
+        return keys + kRun + QByteArray(flow).replace("\n1\n", QByteArray("\n") + first + "\n") +
+               "END_RUN\n";
+    };
+    const struct
+    {
+        const char* name;
+        QByteArrayList runs;
+        const char* findings; // line by line
+    } rows[] = {
+        {"slot",
+         {kRun + flow + series("Level") + flow + "END_RUN\n"},
+         "61: repeated-slot: Lake.Flow is the slot of line 21 once more"},
+        {"slot three times, of another kind once",
+         {kRun + flow + table + flow + "END_RUN\n"},
+         "41: repeated-slot: Lake.Flow is the slot of line 21 once more\n"
+         "48: repeated-slot: Lake.Flow is the slot of line 41 once more"},
+        {"slot of another object type",
+         {kRun + flow + QByteArray(flow).replace("Reservoir", "Reach") + "END_RUN\n"},
+         ""},
+        {"slot without a name",
+         {kRun + withoutName + withoutName + "END_RUN\n"},
+         "23: no-object-name: the slot has no \"object_name:\"\n"
+         "42: no-object-name: the slot has no \"object_name:\""},
+        {"slot in all runs",
+         {kRun + flow + flow + "END_RUN\n",
+          kRun + flow + flow.left(60) + flow.mid(60).replace("\n1\n", "\n2\n") + "END_RUN\n"},
+         "41: repeated-slot: Lake.Flow is the slot of line 21 once more"},
+        {"values",
+         {run(""), run("", "2"), run(""), run("", "2")},
+         "86: repeated-run: run 3 has all values of run 1\n"
+         "125: repeated-run: run 4 has all values of run 2"},
+        {"minus zero is another value", {run("", "0"), run("", "-0")}, ""},
+        {"values that are NaN",
+         {run("", "NaN"), run("", "nan")},
+         "27: missing-values: 1 of 12 values of Lake.Flow are missing (8.3 %)\n"
+         "47: repeated-run: run 2 has all values of run 1\n"
+         "66: missing-values: 1 of 12 values of Lake.Flow are missing (8.3 %)"},
+        {"trace",
+         {run("trace:7\n"), run("trace:8\n", "2"), run("trace:7\n", "3")},
+         "83: repeated-run: run 3 has the trace 7 of run 1"},
+        {"trace and values",
+         {run("trace:7\n"), run("trace:7\n")},
+         "43: repeated-run: run 2 has the trace 7 and all values of run 1"},
+        {"trace of one run and values of another",
+         {run("trace:7\n"), run("trace:8\n", "2"), run("trace:8\n")},
+         "83: repeated-run: run 3 has all values of run 1\n"
+         "83: repeated-run: run 3 has the trace 8 of run 2"},
+        {"runs without values",
+         {kRun + table + "END_RUN\n", kRun + table + "END_RUN\n"},
+         "54: nothing-to-convert: the first run has no series slot; a conversion fails: \"No "
+         "series "
+         "slots with valid methods found in input HTS file\""},
+        {"keys of the first run",
+         {run("consecutive:1\nslot_set:A\nrule_set:B\nidx_sequential:1\n"),
+          run("consecutive:0\nslot_set:a\nrule_set:C\nidx_sequential:2\n", "2"),
+          run("consecutive:1\nslot_set:A\nrule_set:B\n", "3")},
+         "46: run-keys: run 2 has consecutive: \"0\"; the result has the first run's \"1\" for "
+         "both\n"
+         "47: run-keys: run 2 has slot_set: \"a\"; the result has the first run's \"A\" for both\n"
+         "48: run-keys: run 2 has rule_set: \"C\"; the result has the first run's \"B\" for both\n"
+         "49: run-keys: run 2 has idx_sequential: \"2\"; the result has the first run's \"1\" for "
+         "both\n"
+         "97: run-keys: run 3 has idx_sequential: \"-1\"; the result has the first run's \"1\" for "
+         "both"},
+    };
+    for (const auto& row : rows)
+        QTest::newRow(row.name)
+            << "number_of_runs:" + QByteArray::number(row.runs.size()) +
+                   "\nEND_PACKAGE_PREAMBLE\n" + row.runs.join()
+            << QString::fromLatin1(row.findings).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+void RunCheckTest::findsRepetitions()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QStringList, findings);
+    QStringList found = findingTexts(checkedText(text).findings);
+    found.sort();
+    findings.sort();
+    QCOMPARE(found, findings);
+}
+
+// Shifts of one series, as traces of an ensemble are, and runs that differ in two values only.
+void RunCheckTest::hashesTellRunsApart()
+{
+    constexpr int kSteps = 128;
+    QByteArray values;
+    for (int i = 0; i < kSteps; ++i)
+        values += QByteArray::number(i) + '\n';
+    QByteArrayList series;
+    for (int shift = 1; shift < kSteps; ++shift) {
+        const int place = values.indexOf('\n' + QByteArray::number(shift) + '\n') + 1;
+        series.append(values.mid(place) + values.left(place));
+        series.append(QByteArray(values)
+                          .replace("\n64\n", "\n-64\n")
+                          .replace('\n' + QByteArray::number(shift) + '\n', "\n-1\n"));
+    }
+    QByteArray text =
+        "number_of_runs:" + QByteArray::number(series.size()) + "\nEND_PACKAGE_PREAMBLE\n";
+    for (const QByteArray& each : qAsConst(series))
+        text += "time_steps:" + QByteArray::number(kSteps) + "\nEND_RUN_PREAMBLE\n" +
+                QByteArray("2000-1-1 24:00\n").repeated(kSteps) +
+                "object_name: Lake\nslot_name: Flow\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n" +
+                each + "END_COLUMN\nEND_SLOT\nEND_RUN\n";
+    const FindingList findings = checkedText(text).findings;
+    QCOMPARE(findings.count(*findFindingKind(QStringLiteral("repeated-run"))), qint64(0));
 }
 
 void RunCheckTest::firstFailureCounts()

@@ -26,7 +26,8 @@ const QByteArray kEnd = "END_RUN\n";
 // A run with the text between two slots; the text begins on line 40.
 QByteArray between(const QByteArray& text)
 {
-    return kPackage + kRun + kSlot + text + kSlot + kEnd;
+    return kPackage + kRun + QByteArray(kSlot).replace("Flow", "First") + text +
+           QByteArray(kSlot).replace("Flow", "Last") + kEnd;
 }
 
 // The first parts of the findings: line and code.
@@ -145,7 +146,8 @@ void StructureTest::keepsTenOfACodeAndCountsTheRest()
 {
     QByteArray slots;
     for (int i = 0; i < 3; ++i)
-        slots += kPreamble + kHeader + QByteArray("x\n").repeated(12) + kEnds;
+        slots += QByteArray(kPreamble).replace("Flow", QByteArray::number(i)) + kHeader +
+                 QByteArray("x\n").repeated(12) + kEnds;
     const FindingList findings = checkedText(between(slots)).findings;
     QCOMPARE(findings.count(*findFindingKind(QStringLiteral("text-value"))), qint64(36));
     QCOMPARE(findings.sorted().size(), std::size_t(10));
