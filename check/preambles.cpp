@@ -47,7 +47,7 @@ constexpr FindingKind kOddCharacter = {
     "Remove them; a rule of a control file would have to contain them too."};
 constexpr FindingKind kNulByte = {
     Severity::Warning, "nul-byte",
-    "A line other than a value contains a NUL byte; the rest of the line is lost.",
+    "A line contains a NUL byte; the rest of the line is lost, also of a number.",
     "Write the text without it; many NUL bytes mean that the file was damaged by a disk or a "
     "copy."};
 
@@ -79,6 +79,7 @@ public:
     void ignoredLine(std::string_view line) override;
     void keywordLine(const HtsKeyword& keyword, std::string_view value) override;
     void cutLine(std::string_view text) override;
+    void oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line) override;
 
 private:
     bool isKeyWithoutValue(std::string_view line);
@@ -229,6 +230,14 @@ void PreambleCheck::cutLine(std::string_view text)
     if (m_context.recovery.isInSync())
         add(kNulByte, m_context.reader.lineNumber(),
             "%1 ends at a NUL byte; the rest of the line is lost", quoted(text));
+}
+
+// What is left of a value may be a number; else it is reported as text.
+void PreambleCheck::oddValueLine(std::size_t, qint64, std::string_view line)
+{
+    const bool isCut = line.find('\0') != std::string_view::npos && isNumberLine(line);
+    if (isCut && !m_context.recovery.hasForeignLines())
+        cutLine(textBytes(line));
 }
 
 } // namespace
