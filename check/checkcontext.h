@@ -10,6 +10,7 @@
 #include "check/preamblelines.h"
 #include "check/recovery.h"
 #include "check/runyears.h"
+#include "check/sentinels.h"
 #include "hts/htsreader.h"
 #include "hts/htswalk.h"
 
@@ -22,6 +23,7 @@ struct CheckContext
     // Judges the file like a conversion of it, and has taken the section at hand.
     const Conversion& conversion;
     const int endMonth;
+    const Sentinels& sentinels;
     FindingList& findings;
     Recovery& recovery;
     // The keyword lines of the preamble that was read last.

@@ -48,6 +48,7 @@ private:
     void describePlan();
 
     CheckReport m_report;
+    const Sentinels m_sentinels;
     HtsReader m_reader;
     HtsPackage m_package;
     HtsWalk m_walk;
@@ -61,15 +62,15 @@ private:
 };
 
 FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
-    : m_reader(device), m_walk(m_reader, m_package, kWalkOptions),
+    : m_sentinels(options.sentinels), m_reader(device), m_walk(m_reader, m_package, kWalkOptions),
       m_conversion(
           [control = options.control] {
               return control == nullptr ? ruleForAll() : control->file();
           },
           options.endMonth, Conversion::Purpose::Judge),
-      m_context{m_reader,          m_package,  m_walk,  m_conversion,    options.endMonth,
-                m_report.findings, m_recovery, m_lines, options.control, m_years,
-                options.maxMissing}
+      m_context{m_reader,    m_package,         m_walk,     m_conversion, options.endMonth,
+                m_sentinels, m_report.findings, m_recovery, m_lines,      options.control,
+                m_years,     options.maxMissing}
 {
     for (const Topic* topic : findingTopics()) {
         m_checks.push_back(topic->makeCheck(m_context));

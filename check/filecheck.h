@@ -24,6 +24,8 @@ struct CheckOptions
     int endMonth = 12;
     // How many of its values a year may lack.
     MaxMissing maxMissing;
+    // Numbers that mark missing values, in addition to the known ones; finite.
+    std::vector<double> sentinels;
     // Gets the counts of timesteps and missing values, a row for each year of each series slot;
     // null for no counts. Not owned.
     CsvWriter* counts = nullptr;

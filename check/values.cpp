@@ -1,13 +1,12 @@
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdint>
-#include <cstring>
 #include <limits>
+#include <vector>
 
 #include "check/knownlines.h"
 #include "check/nearwords.h"
 #include "check/numberhint.h"
+#include "check/sentinels.h"
 #include "check/topic.h"
 #include "hts/htskeys.h"
 #include "hts/numbertext.h"
@@ -49,42 +48,26 @@ constexpr FindingKind kInfiniteValue = {Severity::Note, "infinite-value",
                                         "Write `NaN`, or the number that is meant."};
 constexpr FindingKind kSentinel = {
     Severity::Note, "sentinel",
-    "A number that often marks a missing value occurs repeatedly; it counts as a number.",
+    "A number that often marks a missing value occurs outside the range of the slot's other "
+    "values, or repeatedly; it counts as a number, and may be one. A number between the others "
+    "that occurs once is not reported, unless `--sentinel` gives it.",
     "Write `NaN` if it marks missing values."};
+constexpr FindingKind kFarSentinel = {
+    Severity::Warning, "far-sentinel",
+    "A number that often marks a missing value lies far outside the slot's other values, and "
+    "counts "
+    "as a number. Far means: it is negative and they are not, or further from their range than the "
+    "range is wide, three times that if it occurs once.",
+    "Write `NaN` for missing values."};
 constexpr FindingKind kMissingValues = {
     Severity::Note, "missing-values", "Values of a slot are missing.",
     "Choose its method accordingly; `--counts` has the numbers for each year."};
-
-// Magnitudes that mark missing values in files of other programs. A float can hold each of them
-// exactly.
-constexpr std::array<double, 8> kSentinels = {
-    99.0,     999.0,     9999.0,  99999.0,
-    999999.0, 9999999.0, 32768.0, double(std::numeric_limits<float>::max())};
 
 bool isNan(std::string_view line)
 {
     constexpr std::size_t kLength = 3;
     return line.size() == kLength && (line[0] | ' ') == 'n' && (line[1] | ' ') == 'a' &&
            (line[2] | ' ') == 'n';
-}
-
-// Whether the number has no bits that only a double can hold. True for hardly any number with
-// decimals, so that this fast test is the only one for nearly all values of a file.
-bool fitsFloat(double value)
-{
-    constexpr std::uint64_t kBitsOfDoublesOnly = 0x1fffffff;
-    std::uint64_t bits = 0;
-    static_assert(sizeof bits == sizeof value);
-    std::memcpy(&bits, &value, sizeof bits);
-    return (bits & kBitsOfDoublesOnly) == 0;
-}
-
-// But not 99 without a sign, which is often a real value.
-bool isSentinel(double value)
-{
-    const bool isKnown = fitsFloat(value) && std::find(kSentinels.begin(), kSentinels.end(),
-                                                       std::fabs(value)) != kSentinels.end();
-    return isKnown && value != kSentinels.front();
 }
 
 // Number of values that are missing: NaN or infinite.
@@ -108,7 +91,9 @@ public:
     void endLine(QLatin1String expected, std::string_view line) override;
 
 private:
+    void checkOddLine(std::size_t index, qint64 lineNumber, std::string_view line);
     void checkNumber(qint64 lineNumber, std::string_view line);
+    void reportText(qint64 lineNumber, std::string_view line);
     void reportMissing(const HtsColumn& values, qint64 firstLine);
     void reportSentinels(const HtsColumn& values, qint64 firstLine);
     void reportEndColumn(std::string_view line);
@@ -118,6 +103,8 @@ private:
     QString m_slotName;
     int m_count = 0; // of its values
     std::size_t m_infiniteValues = 0;
+    std::vector<std::size_t> m_noNumbers; // indexes of lines that are none, and count as 0
+    std::size_t m_ownValues = 0;          // before the first line that is not the slot's
     bool m_isColumnReported = false;
 };
 
@@ -127,26 +114,38 @@ void ValueCheck::beforeValues()
     m_slotName = fullSlotName(walk.slot().objectName, walk.slot().slotName);
     m_count = walk.slot().valueCount(walk.run());
     m_infiniteValues = 0;
+    m_noNumbers.clear();
+    m_ownValues = std::numeric_limits<std::size_t>::max();
     m_context.recovery.beginValues();
     const qint64 firstLine = m_context.reader.lineNumber() + 1;
     const HtsColumn& values = walk.values(); // oddValueLine() sees their lines
-    if (m_context.recovery.hasForeignLines())
-        return;
-    reportMissing(values, firstLine);
+    if (!m_context.recovery.hasForeignLines())
+        reportMissing(values, firstLine);
     reportSentinels(values, firstLine);
 }
 
 void ValueCheck::oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line)
 {
     Recovery& recovery = m_context.recovery;
-    if (m_context.reader.linesPastEnd() > 0) {
+    const bool wasForeign = recovery.hasForeignLines();
+    if (m_context.reader.linesPastEnd() > 0)
         recovery.noteForeignLine(); // reported as a missing slot
-        return;
-    }
-    if (isNan(line) || recovery.hasForeignLines())
-        return;
+    else if (!isNan(line) && !wasForeign)
+        checkOddLine(index, lineNumber, line);
+    if (recovery.hasForeignLines() && !wasForeign)
+        m_ownValues = index;
+}
+
+void ValueCheck::checkOddLine(std::size_t index, qint64 lineNumber, std::string_view line)
+{
+    Recovery& recovery = m_context.recovery;
     std::string_view rest = line;
     const bool isFirst = static_cast<qint64>(index) == recovery.insertedLines();
+    if (isNumberLine(line)) {
+        checkNumber(lineNumber, line);
+        return;
+    }
+    m_noNumbers.push_back(index);
     if (isFirst && takeKey(rest, kMethodLine.key)) {
         recovery.noteInsertedLine();
         add(kMethodLineAsValue, lineNumber, "%1 is read as a value: nothing may come before it",
@@ -160,22 +159,25 @@ void ValueCheck::oddValueLine(std::size_t index, qint64 lineNumber, std::string_
         add(kBlankValue, lineNumber, "an empty line among the values of %1 counts as 0",
             m_slotName);
     } else {
-        checkNumber(lineNumber, line);
+        reportText(lineNumber, line);
     }
 }
 
 void ValueCheck::checkNumber(qint64 lineNumber, std::string_view line)
 {
-    if (!isNumberLine(line)) {
-        add(kTextValue, lineNumber, [&]() -> QString {
-            const QString hint = numberHint(line);
-            return worded("%1 is not a number and counts as 0%2", quoted(line),
-                          hint.isEmpty() ? hint : QLatin1String("; it may be ") + hint);
-        });
-    } else if (std::isinf(lineToNumber(line))) {
-        ++m_infiniteValues;
-        add(kInfiniteValue, lineNumber, "%1 is infinite and counts as missing", quoted(line));
-    }
+    if (!std::isinf(lineToNumber(line)))
+        return;
+    ++m_infiniteValues;
+    add(kInfiniteValue, lineNumber, "%1 is infinite and counts as missing", quoted(line));
+}
+
+void ValueCheck::reportText(qint64 lineNumber, std::string_view line)
+{
+    add(kTextValue, lineNumber, [&]() -> QString {
+        const QString hint = numberHint(line);
+        return worded("%1 is not a number and counts as 0%2", quoted(line),
+                      hint.isEmpty() ? hint : QLatin1String("; it may be ") + hint);
+    });
 }
 
 void ValueCheck::reportMissing(const HtsColumn& values, qint64 firstLine)
@@ -190,21 +192,24 @@ void ValueCheck::reportMissing(const HtsColumn& values, qint64 firstLine)
     });
 }
 
-// Only the first sentinel that occurs twice.
 void ValueCheck::reportSentinels(const HtsColumn& values, qint64 firstLine)
 {
-    for (auto value = values.begin(); value != values.end(); ++value) {
-        if (!isSentinel(*value) || std::find(values.begin(), value, *value) != value)
-            continue;
-        const auto count = std::count(value, values.end(), *value);
-        if (count < 2)
-            continue;
-        constexpr int kDigits = 7; // all that a sentinel has
-        add(kSentinel, firstLine + (value - values.begin()),
-            "%1 occurs %2 times among the values of %3 and counts as a number; "
-            "does it mark missing values?",
-            QString::number(*value, 'g', kDigits), count, m_slotName);
-        return;
+    const std::size_t count = std::min(m_ownValues, values.size());
+    for (const auto& found : m_context.sentinels.findIn({values, count, m_noNumbers})) {
+        const qint64 line = firstLine + static_cast<qint64>(found.first);
+        const QString number = sentinelText(found.number);
+        const QString times =
+            found.count == 1 ? QStringLiteral("once") : worded("%1 times", found.count);
+        if (found.isFar)
+            add(kFarSentinel, line,
+                "%1 occurs %2 among the values of %3 and counts as a number; all others are from "
+                "%4 to %5",
+                number, times, m_slotName, QString::number(found.low), QString::number(found.high));
+        else
+            add(kSentinel, line,
+                "%1 occurs %2 among the values of %3 and counts as a number; "
+                "does it mark missing values?",
+                number, times, m_slotName);
     }
 }
 
@@ -255,7 +260,7 @@ const Topic& valueTopic()
     static const Topic kTopic = {"Values",
                                  {&kEndColumnLine, &kEndSlotLine, &kTooFewValues, &kTooManyValues,
                                   &kBlankValue, &kMethodLineAsValue, &kTextValue, &kInfiniteValue,
-                                  &kSentinel, &kMissingValues},
+                                  &kSentinel, &kFarSentinel, &kMissingValues},
                                  makeCheck<ValueCheck>};
     return kTopic;
 }

@@ -100,6 +100,7 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
     options.control = m_control ? &*m_control : nullptr;
     options.endMonth = m_options.endMonth;
     options.maxMissing = m_options.maxMissing;
+    options.sentinels = m_options.sentinels;
     options.counts = counts;
     options.fileName = path;
     QString problem;

@@ -1,6 +1,7 @@
 #include "tool/tooloptions.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include <QCommandLineOption>
@@ -37,6 +38,8 @@ const QString kCheckHelp = QStringLiteral(
     "      --max-missing MAX   How many values a year may lack: a number, a percentage such as\n"
     "                          5%, or wmo: a month that lacks 11 days, or 5 in a row, is missing,\n"
     "                          and so is its year. Years that lack more are warnings.\n"
+    "      --sentinel VALUE    A number that marks missing values in the files, besides the known\n"
+    "                          ones such as -999; may be given more than once.\n"
     "      --counts OUT.csv    Write what each annual value rests on: the timesteps and missing\n"
     "                          values of each year of each slot, the result and more.\n"
     "  -h, --help              Show this text.\n"
@@ -145,6 +148,18 @@ QString readMaxMissing(const QCommandLineParser& parser, ToolOptions& options)
     return {};
 }
 
+QString readSentinels(const QCommandLineParser& parser, ToolOptions& options)
+{
+    for (const QString& text : parser.values(QStringLiteral("sentinel"))) {
+        bool isNumber = false;
+        const double number = text.toDouble(&isNumber);
+        if (!isNumber || !std::isfinite(number))
+            return worded("the sentinel \"%1\" is not a number", text);
+        options.sentinels.push_back(number);
+    }
+    return {};
+}
+
 QString readCheck(const QCommandLineParser& parser, ToolOptions& options)
 {
     options.files = expandedPaths(parser.positionalArguments());
@@ -157,6 +172,8 @@ QString readCheck(const QCommandLineParser& parser, ToolOptions& options)
         problem = readFormat(parser, ToolOptions::Format::Json, "json", options);
     if (problem.isEmpty())
         problem = readMaxMissing(parser, options);
+    if (problem.isEmpty())
+        problem = readSentinels(parser, options);
     return problem.isEmpty() ? readPath(parser, "counts", "for the counts", options.countsPath)
                              : problem;
 }
@@ -217,6 +234,7 @@ const std::vector<Command>& commands()
           {"y end-month", "MONTH"},
           {"f format", "FORMAT"},
           {"max-missing", "MAX"},
+          {"sentinel", "VALUE"},
           {"counts", "OUT.csv"}},
          readCheck},
         {"explain",

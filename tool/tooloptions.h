@@ -1,6 +1,8 @@
 #ifndef TOOL_TOOLOPTIONS_H
 #define TOOL_TOOLOPTIONS_H
 
+#include <vector>
+
 #include <QString>
 #include <QStringList>
 
@@ -30,6 +32,7 @@ struct ToolOptions
     MaxMissing maxMissing;
     Format format = Format::Text;
     QString countsPath;
+    std::vector<double> sentinels; // finite
 
     // For an export.
     QString outputPath; // "-" is the standard output

@@ -122,7 +122,7 @@ const std::vector<std::pair<const char*, QByteArrayList>>& files()
           changed("\n7\n", "\n0x7\n"), changed("\n7\n", "\nNA\n"), changed("\n7\n", "\n-nan\n"),
           changed("\n7\n", "\n1.#QNAN\n"), changed("\n7\n", "\n\"7\"\n"),
           changed("\n7\n", "\n7 cms\n")}},
-        {"-999", {changed("7\n8\n", "-999\n-999\n")}},
+        {"-999", {changed("7\n8\n", "-999\n-999\n"), changed("7\n8\n", "-50\n-99\n")}},
         {"month left out",
          {fileOf("2000-1-31 24:00", QByteArray(kSteps).replace("2000-5-31 24:00\n", "")),
           fileOf("2000-1-31 24:00", QByteArray(kSteps).replace("2000-5-31", "2000-4-30")),

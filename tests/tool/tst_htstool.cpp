@@ -45,6 +45,7 @@ class HtstoolTest : public QObject
 private Q_SLOTS:
     void showsTexts_data();
     void showsTexts();
+    void sentinelsAreAdded();
     void endMonthOfMinusOneIsDecember();
     void rulesAreNotJudgedWhenTheFirstRunCannotBeRead();
     void rulesAreJudgedOverAllFiles_data();
@@ -109,6 +110,17 @@ void HtstoolTest::showsTexts()
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.output.split('\n').first(), firstLine);
     QVERIFY(run.output.endsWith('\n'));
+}
+
+void HtstoolTest::sentinelsAreAdded()
+{
+    ToolRun run;
+    writePond(run);
+    run.start(words("check pond.hts --sentinel 13.25 --sentinel -77 --sentinel=21"));
+    for (const QByteArray number : {"13.25", "21"})
+        QVERIFY(run.output.contains(": note: " + number +
+                                    " occurs once among the values of Mill Pond.Outflow and"));
+    QCOMPARE(run.output.count("-77"), 0);
 }
 
 void HtstoolTest::endMonthOfMinusOneIsDecember()
@@ -226,6 +238,8 @@ void HtstoolTest::wrongUsageIsRefused_data()
         "\"\" is not a number of values, a percentage such as 5% or wmo");
     row("check a.hts --counts=", "the path for the counts is empty");
     row("check a.hts --format=xml", "the format \"xml\" is not text or json");
+    row("check a.hts --sentinel 7,5", "the sentinel \"7,5\" is not a number");
+    row("check a.hts --sentinel -7 --sentinel=inf", "the sentinel \"inf\" is not a number");
     row("export --all a.hts", "Unknown option 'all'.");
     row("export a.hts -o b.csv --run", "Missing value after '--run'.");
     row("export a.hts", "export needs a file to write, with -o");
@@ -659,7 +673,7 @@ void HtstoolTest::failedExportLeavesTheFileAsItWas_data()
         3);
     row("limit; $PROGRAM export pond.hts -o k.csv", "htstool: k.csv: File too large\n", 3);
     row("limit; $PROGRAM check pond.hts --counts k.csv > /dev/null",
-        "pond.hts: 0 errors, 3 warnings, 2 notes\nhtstool: k.csv: File too large\n", 3);
+        "pond.hts: 0 errors, 4 warnings, 1 note\nhtstool: k.csv: File too large\n", 3);
 }
 
 void HtstoolTest::failedExportLeavesTheFileAsItWas()

@@ -1,0 +1,179 @@
+#include "check/sentinels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+constexpr double kMaxFloat = double(std::numeric_limits<float>::max());
+
+// The numbers that fill arrays of 32 bits come with six or seven digits too.
+constexpr double kOfEitherSign[] = {
+    999.0,      9999.0,      99999.0,   999999.0, 9999999.0,  32768.0,
+    3.40282e38, 3.402823e38, kMaxFloat, 1e20,     9.96921e36, 9.969209968386869e36,
+};
+// The first of those with the same value in 32 bits is found. Without their sign these are often
+// real values.
+constexpr double kNegative[] = {
+    -9.99,   -99.0,   -99.9,   -99.99,   -901.0,   -902.0,        -999.9,
+    -999.99, -9998.0, -9999.9, -9999.99, -32767.0, -2147483648.0, -2147483647.0,
+};
+
+bool isFinite(double value)
+{
+    return std::fabs(value) <= std::numeric_limits<double>::max();
+}
+
+// The number, and what is read from texts of seven digits and more that a program prints after it
+// held the number in 32 bits.
+std::vector<double> readingsOf(double number)
+{
+    std::vector<double> readings = {number};
+    if (std::fabs(number) > kMaxFloat)
+        return readings;
+    constexpr int kLeastDigits = 7;
+    const auto held = double(static_cast<float>(number));
+    const double half = std::ldexp(std::fabs(held), -std::numeric_limits<float>::digits - 1);
+    for (int digits = kLeastDigits; digits <= std::numeric_limits<double>::max_digits10; ++digits) {
+        const double reading = QString::number(held, 'g', digits).toDouble();
+        if (std::fabs(reading - held) <= half) // else it is the text of another number
+            readings.push_back(reading);
+    }
+    return readings;
+}
+
+// Of the values of a slot that are finite numbers, and no sentinels.
+struct Range
+{
+    double low = std::numeric_limits<double>::infinity();
+    double high = -std::numeric_limits<double>::infinity();
+
+    void add(double value)
+    {
+        low = std::min(low, value);
+        high = std::max(high, value);
+    }
+    bool isEmpty() const { return low > high; }
+    bool contains(double value) const { return low <= value && value <= high; }
+};
+
+bool isFar(const Sentinels::Occurrence& occurrence, const Range& others)
+{
+    // A series of two different numbers, one of them a sentinel, may be one that is on or off.
+    if (others.isEmpty() || (others.low == 0.0 && others.high == 0.0))
+        return false;
+    if (occurrence.number < 0.0 && others.low >= 0.0)
+        return true;
+    constexpr double kWidthsIfSingle = 3.0; // more than a flood stands out
+    const double width = others.high - others.low;
+    const double distance =
+        std::max(others.low - occurrence.number, occurrence.number - others.high);
+    return width > 0.0 && distance > width * (occurrence.count == 1 ? kWidthsIfSingle : 1.0);
+}
+
+} // namespace
+
+Sentinels::Sentinels(const std::vector<double>& given)
+{
+    for (const double number : given) // first, so that they are found before equal ones
+        add(number, true);
+    for (const double number : kOfEitherSign) {
+        add(number, false);
+        add(-number, false);
+    }
+    for (const double number : kNegative)
+        add(number, false);
+    std::stable_sort(m_readings.begin(), m_readings.end(),
+                     [](const Reading& a, const Reading& b) { return a.value < b.value; });
+}
+
+void Sentinels::add(double number, bool isGiven)
+{
+    Q_ASSERT(isFinite(number));
+    for (const double value : readingsOf(number)) {
+        m_readings.push_back({value, number, isGiven});
+        const std::size_t index = filterIndex(value);
+        m_filter[index / 64] |= std::uint64_t(1) << index % 64;
+    }
+}
+
+std::size_t Sentinels::filterIndex(double value)
+{
+    std::uint64_t bits = 0;
+    static_assert(sizeof bits == sizeof value);
+    std::memcpy(&bits, &value, sizeof bits);
+    constexpr std::uint64_t kGoldenRatio = 0x9e3779b97f4a7c15; // in units of 2^-64
+    return static_cast<std::size_t>(bits * kGoldenRatio >> (64 - kFilterBits));
+}
+
+inline bool Sentinels::passesFilter(double value) const
+{
+    const std::size_t index = filterIndex(value);
+    return (m_filter[index / 64] >> index % 64 & 1) != 0;
+}
+
+// Null if the value is none of the numbers.
+const Sentinels::Reading* Sentinels::readingOf(double value) const
+{
+    if (!passesFilter(value))
+        return nullptr;
+    const auto reading =
+        std::lower_bound(m_readings.begin(), m_readings.end(), value,
+                         [](const Reading& a, double wanted) { return a.value < wanted; });
+    return reading != m_readings.end() && reading->value == value ? &*reading : nullptr;
+}
+
+std::vector<Sentinels::Occurrence> Sentinels::occurrencesIn(const Slot& slot) const
+{
+    std::vector<Occurrence> found;
+    for (std::size_t i = 0; i < slot.count; ++i) {
+        if (!passesFilter(slot.values[i]))
+            continue;
+        const Reading* reading = readingOf(slot.values[i]);
+        if (reading == nullptr ||
+            std::binary_search(slot.noNumbers.begin(), slot.noNumbers.end(), i))
+            continue;
+        const auto known = std::find_if(found.begin(), found.end(), [reading](const auto& other) {
+            return other.number == reading->number;
+        });
+        if (known != found.end())
+            ++known->count;
+        else
+            found.push_back({reading->number, reading->isGiven, i, 1});
+    }
+    return found;
+}
+
+std::vector<Sentinels::Occurrence> Sentinels::findIn(const Slot& slot) const
+{
+    Q_ASSERT(slot.count <= slot.values.size());
+    std::vector<Occurrence> found = occurrencesIn(slot);
+    if (found.empty())
+        return found;
+    Range others;
+    for (std::size_t i = 0; i < slot.count; ++i) {
+        if (isFinite(slot.values[i]) && readingOf(slot.values[i]) == nullptr &&
+            !std::binary_search(slot.noNumbers.begin(), slot.noNumbers.end(), i))
+            others.add(slot.values[i]);
+    }
+    for (Occurrence& each : found) {
+        each.isFar = isFar(each, others);
+        each.low = others.low;
+        each.high = others.high;
+    }
+    const auto isOrdinary = [&others](const Occurrence& each) {
+        return each.count == 1 && !each.isGiven &&
+               (others.isEmpty() || others.contains(each.number));
+    };
+    found.erase(std::remove_if(found.begin(), found.end(), isOrdinary), found.end());
+    return found;
+}
+
+QString sentinelText(double number)
+{
+    constexpr double kMaxShort = 1e10;
+    constexpr int kShortDigits = 10, kDigits = 7; // all that the numbers have
+    return QString::number(number, 'g', std::fabs(number) < kMaxShort ? kShortDigits : kDigits);
+}
