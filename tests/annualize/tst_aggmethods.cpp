@@ -31,18 +31,18 @@ private Q_SLOTS:
         QTest::addColumn<bool>("isTotal");
 
         const double nan = std::numeric_limits<double>::quiet_NaN();
-        QTest::newRow("Sum") << 12.0 << nan << true;
-        QTest::newRow("SumNaN") << 12.0 << 12.0 << true;
-        QTest::newRow("Average") << 3.0 << nan << false;
-        QTest::newRow("AverageNaN") << 3.0 << 12.0 / 5.0 << false;
-        QTest::newRow("Max") << 5.0 << nan << false;
-        QTest::newRow("MaxNaN") << 5.0 << 5.0 << false;
-        QTest::newRow("Min") << 1.0 << nan << false;
-        QTest::newRow("MinNaN") << 1.0 << 1.0 << false;
-        QTest::newRow("End") << 2.0 << nan << false;
-        QTest::newRow("EndNaN") << 2.0 << 2.0 << false;
-        QTest::newRow("Begin") << 5.0 << nan << false;
-        QTest::newRow("BeginNaN") << 5.0 << 5.0 << false;
+        addRows<double, double, bool>({{"Sum", 12.0, nan, true},
+                                       {"SumNaN", 12.0, 12.0, true},
+                                       {"Average", 3.0, nan, false},
+                                       {"AverageNaN", 3.0, 12.0 / 5.0, false},
+                                       {"Max", 5.0, nan, false},
+                                       {"MaxNaN", 5.0, 5.0, false},
+                                       {"Min", 1.0, nan, false},
+                                       {"MinNaN", 1.0, 1.0, false},
+                                       {"End", 2.0, nan, false},
+                                       {"EndNaN", 2.0, 2.0, false},
+                                       {"Begin", 5.0, nan, false},
+                                       {"BeginNaN", 5.0, 5.0, false}});
     }
 
     void wordSelectsItsResult()
@@ -72,45 +72,30 @@ private Q_SLOTS:
         QVERIFY(!findMethod(QStringLiteral("Salinity"))->isTotal);
     }
 
-    void findsWordInAnyCase_data()
-    {
-        addColumns<QString, QString>("text", "word");
-
-        for (const AggMethod& method : aggMethods()) {
-            const QString& word = method.word;
-            QTest::addRow("%s", qPrintable(word)) << word << word;
-            QTest::addRow("%s in lower case", qPrintable(word)) << word.toLower() << word;
-            QTest::addRow("%s in upper case", qPrintable(word)) << word.toUpper() << word;
-        }
-        QTest::newRow("mixed case") << "sUmNan"
-                                    << "SumNaN";
-    }
-
     void findsWordInAnyCase()
     {
-        QFETCH(QString, text);
-        const AggMethod* method = findMethodIgnoringCase(text.toStdString());
-        QVERIFY(method != nullptr);
-        QTEST(QString(method->word), "word");
+        for (const AggMethod& method : aggMethods()) {
+            const QString& word = method.word;
+            for (const QString& text : {word, word.toLower(), word.toUpper()})
+                QCOMPARE(findMethodIgnoringCase(text.toStdString()), &method);
+        }
+        QCOMPARE(findMethodIgnoringCase("sUmNan"), findMethod(QStringLiteral("SumNaN")));
     }
 
     void otherWordsAreNotMethods_data()
     {
         QTest::addColumn<QString>("text");
-
-        QTest::newRow("empty") << "";
-        QTest::newRow("unknown") << "Median";
-        QTest::newRow("part of a word") << "Su";
-        QTest::newRow("more than a word") << "Sums";
-        QTest::newRow("blank before") << " Sum";
-        QTest::newRow("blank after") << "Sum ";
-        QTest::newRow("suffix alone") << "NaN";
-        QTest::newRow("long s") << QString(QChar(0x017f)) + QStringLiteral("um");
-        QTest::newRow("dotted capital i")
-            << QLatin1String("M") + QString(QChar(0x0130)) + QLatin1Char('n');
-        QTest::newRow("dotless small i")
-            << QLatin1String("M") + QString(QChar(0x0131)) + QLatin1Char('n');
-        QTest::newRow("full-width letters") << QString(QChar(0xff33)) + QStringLiteral("um");
+        addRows<const char*>({{"empty", ""},
+                              {"unknown", "Median"},
+                              {"part of a word", "Su"},
+                              {"more than a word", "Sums"},
+                              {"blank before", " Sum"},
+                              {"blank after", "Sum "},
+                              {"suffix alone", "NaN"},
+                              {"long s", "\xc5\xbfum"},
+                              {"dotted capital i", "M\xc4\xb0n"},
+                              {"dotless small i", "M\xc4\xb1n"},
+                              {"full-width letters", "\xef\xbc\xb3um"}});
     }
 
     void otherWordsAreNotMethods()

@@ -2,6 +2,8 @@
 
 #include <QtTest>
 
+#include "tests/annualize/conversioncompare.h"
+#include "tests/hts/htstext.h"
 #include "tests/support/logcollector.h"
 #include "tests/support/testmain.h"
 
@@ -34,32 +36,21 @@ private Q_SLOTS:
     void decidesByKindAndMethod_data()
     {
         addColumns<QString, QString, bool, QString>("type", "word", "isAnnualized", "logLine");
-
-        const QString noSeries =
-            QStringLiteral("\"Lake A.Outflow is not a series slot and won't be annualized\" ");
-        const QString salinity = QStringLiteral(
-            "\"Lake A.Outflow has a method of Salinity, which is not supported in the "
-            "HtsAnnualizer\" ");
-        QTest::newRow("series") << "SeriesSlot"
-                                << "Sum" << true << QString();
-        QTest::newRow("no type") << ""
-                                 << "Average" << true << QString();
-        QTest::newRow("series without a method") << "SeriesSlot"
-                                                 << "" << false << QString();
-        QTest::newRow("series with Salinity") << "SeriesSlot"
-                                              << "Salinity" << false << salinity;
-        QTest::newRow("table") << "TableSlot"
-                               << "Sum" << false << noSeries;
-        QTest::newRow("scalar") << "ScalarSlot"
-                                << "Sum" << false << noSeries;
-        QTest::newRow("scalar without a method") << "ScalarSlot"
-                                                 << "" << false << noSeries;
-        QTest::newRow("table with Salinity") << "TableSlot"
-                                             << "Salinity" << false << noSeries;
-        QTest::newRow("type in other case") << "seriesslot"
-                                            << "Sum" << false << noSeries;
-        QTest::newRow("word that is no method") << "SeriesSlot"
-                                                << "Median" << true << QString();
+        const char* const noSeries =
+            "\"Lake A.Outflow is not a series slot and won't be annualized\" ";
+        const char* const salinity = "\"Lake A.Outflow has a method of Salinity, which is not "
+                                     "supported in the HtsAnnualizer\" ";
+        addRows<const char*, const char*, bool, const char*>(
+            {{"series", "SeriesSlot", "Sum", true, ""},
+             {"no type", "", "Average", true, ""},
+             {"series without a method", "SeriesSlot", "", false, ""},
+             {"series with Salinity", "SeriesSlot", "Salinity", false, salinity},
+             {"table", "TableSlot", "Sum", false, noSeries},
+             {"scalar", "ScalarSlot", "Sum", false, noSeries},
+             {"scalar without a method", "ScalarSlot", "", false, noSeries},
+             {"table with Salinity", "TableSlot", "Salinity", false, noSeries},
+             {"type in other case", "seriesslot", "Sum", false, noSeries},
+             {"word that is no method", "SeriesSlot", "Median", true, ""}});
     }
 
     void decidesByKindAndMethod()
@@ -67,7 +58,6 @@ private Q_SLOTS:
         QFETCH(QString, type);
         QFETCH(QString, word);
         QFETCH(QString, logLine);
-
         const SlotPlan plan(slotOfType(type), word);
         QTEST(plan.isAnnualized(), "isAnnualized");
         const LogCollector log;
@@ -78,14 +68,13 @@ private Q_SLOTS:
     void annualSlotHasTheMethodAndItsUnits_data()
     {
         addColumns<QString, QStringList, QStringList>("word", "units", "annualUnits");
-
-        const QStringList cms{QStringLiteral("cms")};
-        const QStringList summed{QStringLiteral("cms summed over the year")};
-        QTest::newRow("total") << "Sum" << cms << summed;
-        QTest::newRow("total without missing values") << "SumNaN" << cms << summed;
-        QTest::newRow("no total") << "Average" << cms << cms;
-        QTest::newRow("total of a slot without units")
-            << "SumNaN" << QStringList() << QStringList{QStringLiteral(" summed over the year")};
+        const QStringList cms = texts("cms");
+        const QStringList summed = texts("cms summed over the year");
+        addRows<const char*, QStringList, QStringList>(
+            {{"total", "Sum", cms, summed},
+             {"total without missing values", "SumNaN", cms, summed},
+             {"no total", "Average", cms, cms},
+             {"total of a slot without units", "SumNaN", {}, texts(" summed over the year")}});
     }
 
     void annualSlotHasTheMethodAndItsUnits()
@@ -101,30 +90,17 @@ private Q_SLOTS:
         QCOMPARE(annual.scales, slot.scales);
     }
 
-    void wordThatIsNotAMethodEndsTheConversion_data()
-    {
-        QTest::addColumn<QString>("word");
-        QTest::newRow("unknown") << QStringLiteral("Median");
-        QTest::newRow("lower case") << QStringLiteral("sum");
-        QTest::newRow("blank after it") << QStringLiteral("Sum ");
-    }
-
-    void wordThatIsNotAMethodEndsTheConversion()
-    {
-        QFETCH(QString, word);
-        AggValues aggregated;
-        const Status status =
-            SlotPlan(seriesSlot(), word).aggregate({1.0, 2.0, 3.0}, {1, 1, 2}, 2, aggregated);
-        QCOMPARE(status.message, QStringLiteral("Unknown method specified"));
-    }
-
-    void slotWithoutValuesEndsTheRun()
+    void refusesWhatCannotBeAggregated()
     {
         AggValues aggregated;
-        const Status status =
-            SlotPlan(seriesSlot(), QStringLiteral("Sum")).aggregate({}, {1, 1, 2}, 2, aggregated);
-        QCOMPARE(status.message,
-                 QStringLiteral("Sizes of input value and value map vectors are mismatched"));
+        for (const QString& word : texts("Median|sum|Sum ")) {
+            const SlotPlan plan(seriesSlot(), word);
+            QCOMPARE(plan.aggregate({1.0, 2.0, 3.0}, {1, 1, 2}, 2, aggregated).message,
+                     QStringLiteral("Unknown method specified"));
+        }
+        const SlotPlan plan(seriesSlot(), QStringLiteral("Sum"));
+        QCOMPARE(plan.aggregate({}, {1, 1, 2}, 2, aggregated).message,
+                 QString::fromLatin1(kUnequalSizes));
     }
 
     void annualizesByTheMethod()

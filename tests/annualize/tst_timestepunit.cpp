@@ -1,74 +1,37 @@
 #include <QtTest>
 
 #include "annualize/timestepunit.h"
+#include "tests/hts/htstext.h"
 #include "tests/support/testmain.h"
-
-namespace {
-
-QDateTime utc(int year, int month, int day, int hour = 0, int minute = 0)
-{
-    return QDateTime(QDate(year, month, day), QTime(hour, minute), Qt::UTC);
-}
-
-void addUnitRows()
-{
-    QTest::addColumn<QString>("word");
-    for (const TimestepUnit& unit : timestepUnits())
-        QTest::newRow(unit.word.data()) << QString(unit.word);
-}
-
-} // namespace
 
 class TimestepUnitTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void findsEveryUnitByItsWord_data() { addUnitRows(); }
+    // The only literal list of all units.
     void findsEveryUnitByItsWord()
     {
-        QFETCH(QString, word);
-        const TimestepUnit* unit = findTimestepUnit(word);
-        QVERIFY(unit != nullptr);
-        QCOMPARE(QString(unit->word), word);
-        QCOMPARE(QString(timestepUnitOrDay(word).word), word);
-    }
-
-    // The only literal list of all units.
-    void tableHoldsNoOtherUnits()
-    {
         QStringList words;
-        for (const TimestepUnit& unit : timestepUnits())
+        for (const TimestepUnit& unit : timestepUnits()) {
             words.append(unit.word);
+            QCOMPARE(findTimestepUnit(words.last()), &unit);
+            QCOMPARE(&timestepUnitOrDay(words.last()), &unit);
+            // Only the year needs no conversion.
+            QCOMPARE(unit.isYear(), unit.word == QLatin1String("year"));
+            QCOMPARE(unit.completesYear == nullptr, unit.isYear());
+        }
         words.sort();
-        QCOMPARE(words.join(QLatin1Char(' ')), QStringLiteral("day hour minute month week year"));
-    }
-
-    void unknownUnitCountsAsDay_data()
-    {
-        QTest::addColumn<QString>("word");
-        for (const char* word :
-             {"fortnight", "days", "Month", "YEAR", " week", "week ", "second", "0"})
-            QTest::newRow(word) << QString::fromLatin1(word);
-        QTest::newRow("(empty)") << QString();
+        QCOMPARE(words, texts("day|hour|minute|month|week|year"));
     }
 
     void unknownUnitCountsAsDay()
     {
-        QFETCH(QString, word);
-        QVERIFY(findTimestepUnit(word) == nullptr);
-        QCOMPARE(QString(timestepUnitOrDay(word).word), QStringLiteral("day"));
-        QVERIFY(!timestepUnitOrDay(word).isYear());
-    }
-
-    void onlyTheYearNeedsNoConversion_data() { addUnitRows(); }
-    void onlyTheYearNeedsNoConversion()
-    {
-        QFETCH(QString, word);
-        const TimestepUnit& unit = timestepUnitOrDay(word);
-        const bool isYear = word == QLatin1String("year");
-        QCOMPARE(unit.isYear(), isYear);
-        QCOMPARE(unit.completesYear == nullptr, isYear);
+        for (const QString& word : texts("|fortnight|days|Month|YEAR| week|week |second|0")) {
+            QVERIFY2(findTimestepUnit(word) == nullptr, qPrintable(word));
+            QCOMPARE(QString(timestepUnitOrDay(word).word), QStringLiteral("day"));
+            QVERIFY(!timestepUnitOrDay(word).isYear());
+        }
     }
 
     void firstTimestepMayEndOneUnitAfterTheStartOfTheYear_data()
@@ -76,7 +39,7 @@ private Q_SLOTS:
         addColumns<QString, QDateTime, QDateTime>("word", "yearStart", "latest");
         const auto row = [](const char* word, const QDateTime& yearStart, const QDateTime& latest) {
             QTest::addRow("%s from %s", word, qPrintable(yearStart.toString(Qt::ISODate)))
-                << QString::fromLatin1(word) << yearStart << latest;
+                << word << yearStart << latest;
         };
         row("month", utc(2001, 1, 1), utc(2001, 2, 1));
         row("month", utc(2000, 2, 1), utc(2000, 3, 1));
@@ -96,33 +59,28 @@ private Q_SLOTS:
         QTEST(timestepUnitOrDay(word).latestEndOfFirst(yearStart), "latest");
     }
 
-    void lastTimestepEndsWithTheYear_data()
-    {
-        QTest::addColumn<QString>("word");
-        for (const char* word : {"month", "day", "hour", "minute", "fortnight"})
-            QTest::newRow(word) << QString::fromLatin1(word);
-    }
-
     void lastTimestepEndsWithTheYear()
     {
-        QFETCH(QString, word);
-        const auto completesYear = timestepUnitOrDay(word).completesYear;
         const QDateTime yearEnd = utc(2001, 1, 1);
-        QVERIFY(completesYear(yearEnd, yearEnd));
-        QVERIFY(!completesYear(yearEnd.addSecs(-60), yearEnd));
-        QVERIFY(!completesYear(yearEnd.addSecs(60), yearEnd));
-        QVERIFY(!completesYear(utc(2000, 12, 31), yearEnd));
+        for (const QString& word : texts("month|day|hour|minute|fortnight")) {
+            const auto completesYear = timestepUnitOrDay(word).completesYear;
+            QVERIFY2(completesYear(yearEnd, yearEnd), qPrintable(word));
+            for (const QDateTime& other :
+                 {yearEnd.addSecs(-60), yearEnd.addSecs(60), utc(2000, 12, 31)})
+                QVERIFY2(!completesYear(other, yearEnd), qPrintable(word));
+        }
     }
 
     void lastWeekEndsLessThanAWeekBeforeTheYear_data()
     {
         addColumns<QDateTime, bool>("timestep", "isComplete");
-        QTest::newRow("a week before") << utc(2000, 12, 25) << false;
-        QTest::newRow("a minute less than a week before") << utc(2000, 12, 25, 0, 1) << true;
-        QTest::newRow("a day before") << utc(2000, 12, 31) << true;
-        QTest::newRow("a minute before") << utc(2000, 12, 31, 23, 59) << true;
-        QTest::newRow("with the year") << utc(2001, 1, 1) << false;
-        QTest::newRow("a minute after") << utc(2001, 1, 1, 0, 1) << false;
+        addRows<QDateTime, bool>(
+            {{"a week before", utc(2000, 12, 25), false},
+             {"a minute less than a week before", utc(2000, 12, 25, 0, 1), true},
+             {"a day before", utc(2000, 12, 31), true},
+             {"a minute before", utc(2000, 12, 31, 23, 59), true},
+             {"with the year", utc(2001, 1, 1), false},
+             {"a minute after", utc(2001, 1, 1, 0, 1), false}});
     }
 
     void lastWeekEndsLessThanAWeekBeforeTheYear()

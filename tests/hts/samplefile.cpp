@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include <QDateTime>
+#include "tests/hts/htstext.h"
 
 const QByteArray kSampleFile =
     "name:Basin study\nowner:planning\ndescription:monthly flows\n"
@@ -17,28 +17,23 @@ const QByteArray kSampleFile =
 
 HtsPackage samplePackage()
 {
-    const auto midnight = [](int year, int month) {
-        return QDateTime(QDate(year, month, 1), QTime(0, 0), Qt::UTC);
-    };
     HtsPackage package;
     package.preambleRead = true;
     package.name = QStringLiteral("Basin study");
     package.owner = QStringLiteral("planning");
     package.description = QStringLiteral("monthly flows");
-    package.createDate = midnight(2015, 4);
+    package.createDate = utc(2015, 4, 1);
     package.numberOfRuns = 1;
     HtsRun run;
     run.complete = true;
-    run.start = midnight(2000, 2);
-    run.end = midnight(2000, 4);
+    run.start = utc(2000, 2, 1);
+    run.end = utc(2000, 4, 1);
     run.timeStepUnit = QStringLiteral("month");
     run.unitQuantity = 1;
     run.timeStepCount = 3;
     run.consecutive = 1;
     run.idxSequential = 1;
-    run.timesteps =
-        QStringList{QStringLiteral("2000-1-31 24:00"), QStringLiteral("2000-2-29 24:00"),
-                    QStringLiteral("2000-3-31 24:00")};
+    run.timesteps = texts("2000-1-31 24:00|2000-2-29 24:00|2000-3-31 24:00");
     package.runs.append(run);
     HtsSlot slot;
     slot.preambleRead = true;
@@ -46,9 +41,9 @@ HtsPackage samplePackage()
     slot.objectName = QStringLiteral("Lake A");
     slot.slotType = QStringLiteral("SeriesSlot");
     slot.slotName = QStringLiteral("Outflow");
-    slot.units = QStringList{QStringLiteral("cms")};
+    slot.units = texts("cms");
     slot.scales = QList<double>{1.0};
-    slot.methods = QStringList{QStringLiteral("Average")};
+    slot.methods = texts("Average");
     package.slots.append(slot);
     package.values = {{{{12.5, std::numeric_limits<double>::quiet_NaN(), 14.0}}}};
     return package;
