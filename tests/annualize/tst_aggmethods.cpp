@@ -44,7 +44,6 @@ private Q_SLOTS:
                                        {"Begin", 5.0, nan, false},
                                        {"BeginNaN", 5.0, 5.0, false}});
     }
-
     void wordSelectsItsResult()
     {
         QFETCH(double, ofWholeYear);
@@ -97,7 +96,6 @@ private Q_SLOTS:
                               {"dotless small i", "M\xc4\xb1n"},
                               {"full-width letters", "\xef\xbc\xb3um"}});
     }
-
     void otherWordsAreNotMethods()
     {
         QFETCH(QString, text);

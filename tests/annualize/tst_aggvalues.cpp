@@ -216,7 +216,6 @@ private Q_SLOTS:
         row("no values", {}, {}, 3, "");
         row("no values and no years", {}, {}, 0, "");
     }
-
     void givesOneResultForEachYear()
     {
         QFETCH(Values, values);
@@ -247,7 +246,6 @@ private Q_SLOTS:
             }
         }
     }
-
     void agreesWithSlowReference()
     {
         QFETCH(Values, values);
@@ -277,7 +275,6 @@ private Q_SLOTS:
              {"least count", {1}, {1}, std::numeric_limits<int>::min(), negative},
              {"sizes before count", {1}, {}, -1, kUnequalSizes}});
     }
-
     void refusesBadSizes()
     {
         QFETCH(Values, values);

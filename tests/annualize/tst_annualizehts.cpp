@@ -144,7 +144,6 @@ private Q_SLOTS:
                 << "month" << month
                 << "Integer for the end of year month is out of the range 1 to 12";
     }
-
     void settersRefuseBadValues()
     {
         QFETCH(QString, setting);
@@ -186,7 +185,6 @@ private Q_SLOTS:
                       {"month", kMonth},
                       {"all", kAllSettings}});
     }
-
     void missingSettingIsReported()
     {
         QFETCH(int, missing);
@@ -221,7 +219,6 @@ private Q_SLOTS:
                                          {"Begin", units, "3.000000000000;NaN"},
                                          {"BeginNaN", units, "3.000000000000;20.000000000000"}});
     }
-
     void everyMethodWritesItsResult()
     {
         const QByteArray method = QTest::currentDataTag();
@@ -297,83 +294,6 @@ private Q_SLOTS:
                             kStartingSlots + skipped + skipped + skipped + successLog(2, 4));
     }
 
-    void laterRunThatDoesNotFitFails_data()
-    {
-        addColumns<QByteArray, QString, QStringList>("secondRun", "message", "log");
-        const QByteArray slotTexts = countedSlot("A.Flow", 14) + countedSlot("A.Level", 14);
-        const QByteArray same = monthlyRun(14, slotTexts);
-        const QByteArray other = countedSlot("A.Flow", 14);
-        // The years of a run of other timing are calculated, without a result.
-        const QStringList years = calculationLog(true);
-        const QStringList none =
-            years.mid(0, 3) + texts("Ignoring partial year at end of timesteps ");
-        const QByteArray later = runText(monthlyTimesteps(2001, 1, 14), "month", slotTexts);
-        const QStringList laterYears =
-            QStringList(years).replaceInStrings(QStringLiteral("2000"), QStringLiteral("2001"));
-        addRows<QByteArray, const char*, QStringList>({
-            {"longer", monthlyRun(15, ""), kUnequalSizes, years},
-            {"shorter", monthlyRun(13, ""), kUnequalSizes, years},
-            {"later", later, kUnequalSizes, laterYears},
-            {"other start", QByteArray(same).replace("start:2000-1-31", "start:2000-1-30"),
-             kUnequalSizes, years},
-            {"other end", QByteArray(same).replace("end:2001-2-28", "end:2001-2-27"), kUnequalSizes,
-             years},
-            {"no complete year", monthlyRun(11, ""), kNoCompleteYear, none},
-            {"fewer slots", monthlyRun(14, other), kUnequalSizes, {}},
-            {"no slots", monthlyRun(14, ""), kUnequalSizes, {}},
-            {"scalar in place of a series",
-             monthlyRun(14, other + slotText("A.Level", kHeader + ";1", "ScalarSlot")),
-             kUnequalSizes,
-             {}},
-            {"table in place of a series",
-             monthlyRun(14, tableText("A.Flow") + other),
-             kUnequalSizes,
-             {}},
-        });
-    }
-
-    void laterRunThatDoesNotFitFails()
-    {
-        QFETCH(QByteArray, secondRun);
-        QFETCH(QStringList, log);
-        convert(packageText(2) +
-                    monthlyRun(14, countedSlot("A.Flow", 14) + countedSlot("A.Level", 14)) +
-                    secondRun,
-                "*.*: Sum");
-        QTEST(m_message, "message");
-        QCOMPARE(m_result, QByteArray());
-        QCOMPARE(m_log, calculationLog(true) + assignmentLog("A.Flow Sum|A.Level Sum") +
-                            kStartingSlots + log);
-    }
-
-    void noUsableSlotFails_data()
-    {
-        addColumns<QByteArray, QByteArray, QStringList>("slots", "control", "log");
-        const QByteArray series = countedSlot("A.Flow");
-        const QByteArray others =
-            tableText("A.Table") + slotText("A.One", kHeader + ";4", "ScalarSlot");
-        addRows<QByteArray, QByteArray, QStringList>(
-            {{"no slots", "", "*.*: Sum", assignmentLog("")},
-             {"no series", others, "*.*: Sum", assignmentLog("A.Table Sum|A.One Sum")},
-             {"no method", series, "B.Flow: Sum", assignmentLog("A.Flow")},
-             {"empty control file", series, "", assignmentLog("A.Flow")},
-             {"Salinity alone", series, "*.*: Salinity", assignmentLog("A.Flow Salinity")},
-             {"no control file", series, QByteArray(), {}},
-             {"bad line after a good one", series, "*.*: Sum\nbad\n",
-              assignmentLog("").mid(0, 1)}});
-    }
-
-    void noUsableSlotFails()
-    {
-        QFETCH(QByteArray, slots);
-        QFETCH(QByteArray, control);
-        QFETCH(QStringList, log);
-        convert(packageText(1) + monthlyRun(12, slots), control);
-        QCOMPARE(m_message, QString::fromLatin1(kNoSlots));
-        QCOMPARE(m_result, QByteArray());
-        QCOMPARE(m_log, calculationLog() + log);
-    }
-
     void inputFailuresArePassedOn_data()
     {
         addColumns<QByteArray, QString, int>("input", "message", "logLines");
@@ -397,7 +317,6 @@ private Q_SLOTS:
              4},
         });
     }
-
     void inputFailuresArePassedOn()
     {
         QFETCH(QByteArray, input);

@@ -244,7 +244,6 @@ private Q_SLOTS:
              "2001-12-31 24:00", false},
         });
     }
-
     void findsCompleteYears()
     {
         QFETCH(int, endMonth);
@@ -281,7 +280,6 @@ private Q_SLOTS:
              "1x2", true},
         });
     }
-
     void findsNoCompleteYear()
     {
         QFETCH(int, endMonth);
@@ -299,7 +297,6 @@ private Q_SLOTS:
         for (const int year : {1, 2, 9, 10, 69, 70, 98, 99, 100, 101, 499, 998, 999})
             QTest::addRow("year %d", year) << year;
     }
-
     // A year of fewer than four digits is no year of this century or the last.
     void earlyYearsAreYears()
     {
@@ -339,7 +336,6 @@ private Q_SLOTS:
              {"11", "November", "0x11 1x12 2x1", "2001-11-30 24:00"},
              {"12", "December", "1x12 2x12", "2000-12-31 24:00|2001-12-31 24:00"}});
     }
-
     void namesEndMonth()
     {
         QFETCH(QString, name);
@@ -500,7 +496,6 @@ private Q_SLOTS:
               "AAA-9BBB,J274/12,J90/3"},
              {"daylight-saving time ends with the water year", "AAA3BBB,J90/0,J274/0"}});
     }
-
     void timeZoneDoesNotMatter()
     {
         QFETCH(QByteArray, zone);

@@ -54,7 +54,6 @@ private Q_SLOTS:
         row("input unread", kUnreadable, "result.hts", unread);
         row("input unread, output full", kUnreadable, kFull, unread);
     }
-
     void firstFaultThatCountsIsTheReason()
     {
         QFETCH(QString, inputName);

@@ -156,7 +156,6 @@ private Q_SLOTS:
         row("long file", QByteArray("No.Such: Sum\n").repeated(20000) + "A.Flow: Max\n", "A.Flow",
             "Max");
     }
-
     void assignsMethods()
     {
         QFETCH(QByteArray, contents);
@@ -176,7 +175,6 @@ private Q_SLOTS:
         for (const AggMethod& method : aggMethods())
             QTest::newRow(qPrintable(method.word)) << method.word;
     }
-
     void acceptsEveryWordInAnyCase()
     {
         QFETCH(QString, word);
@@ -254,7 +252,6 @@ private Q_SLOTS:
              {"first bad line of two", "*.*: Sum\r\nfirst bad line\r\n*.x\r\n*.*: Max\r\n", colon,
               "first bad line"}});
     }
-
     void refusesBadLines()
     {
         QFETCH(QByteArray, contents);
@@ -315,7 +312,6 @@ private Q_SLOTS:
                               {"missing folder", "missing/methods.txt"},
                               {"folder", ""}});
     }
-
     void unopenedFileGivesItsErrorText()
     {
         QFETCH(QString, path);
@@ -350,7 +346,6 @@ private Q_SLOTS:
         for (unsigned seed = 1; seed <= 100; ++seed)
             QTest::addRow("seed %u", seed) << seed;
     }
-
     void agreesWithNaiveFirstMatch()
     {
         QFETCH(unsigned, seed);

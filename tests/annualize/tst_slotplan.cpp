@@ -52,7 +52,6 @@ private Q_SLOTS:
              {"type in other case", "seriesslot", "Sum", false, noSeries},
              {"word that is no method", "SeriesSlot", "Median", true, ""}});
     }
-
     void decidesByKindAndMethod()
     {
         QFETCH(QString, type);
@@ -76,7 +75,6 @@ private Q_SLOTS:
              {"no total", "Average", cms, cms},
              {"total of a slot without units", "SumNaN", {}, texts(" summed over the year")}});
     }
-
     void annualSlotHasTheMethodAndItsUnits()
     {
         QFETCH(QString, word);

@@ -51,7 +51,6 @@ private Q_SLOTS:
             row(word, utc(2000, 2, 29), utc(2000, 3, 1));
         }
     }
-
     void firstTimestepMayEndOneUnitAfterTheStartOfTheYear()
     {
         QFETCH(QString, word);
@@ -82,7 +81,6 @@ private Q_SLOTS:
              {"with the year", utc(2001, 1, 1), false},
              {"a minute after", utc(2001, 1, 1, 0, 1), false}});
     }
-
     void lastWeekEndsLessThanAWeekBeforeTheYear()
     {
         QFETCH(QDateTime, timestep);

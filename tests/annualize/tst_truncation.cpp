@@ -257,7 +257,6 @@ private Q_SLOTS:
              {"buffer in text mode, Windows line ends", "\r\n", true, false, 5},
              {"file in text mode, Windows line ends", "\r\n", true, true, 1}});
     }
-
     void cutFileIsRefused()
     {
         QFETCH(QByteArray, lineEnd);
@@ -300,7 +299,6 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("lineEnd");
         addRows<QByteArray>({{"Unix line ends", "\n"}, {"Windows line ends", "\r\n"}});
     }
-
     // For every cut, also those of the other classes: their reading ends. The range is found in the
     // text: from a table's preamble on, up to its "END_SLOT".
     void cutsInATableAreReadWithoutEnd()
@@ -340,7 +338,6 @@ private Q_SLOTS:
                                          {"Windows line ends", "\r\n", ""},
                                          {"byte order mark", "\n", "\xef\xbb\xbf"}});
     }
-
     // A cut control file is still good when its last line is a rule, complete or not: rules after
     // the cut are missing, and "SumNaN" may have become "Sum".
     void cutControlFile()

@@ -47,7 +47,6 @@ private Q_SLOTS:
                     "END_SLOT_PREAMBLE\n",
               kBadColumnHeader}});
     }
-
     void failsInLittleMemory()
     {
         QFETCH(QByteArray, text);

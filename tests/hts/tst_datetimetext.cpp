@@ -86,7 +86,6 @@ private Q_SLOTS:
              {"early year", utc(987, 6, 5, 4, 3), "0987-6-5 4:03"},
              {"null", QDateTime(), ""}});
     }
-
     void writesDateTimes()
     {
         QFETCH(QDateTime, dateTime);
@@ -123,7 +122,6 @@ private Q_SLOTS:
         for (const auto& [text, expected] : kCases)
             QTest::newRow(text) << QString::fromLatin1(text) << expected;
     }
-
     void readsDateTimes()
     {
         QFETCH(QString, text);
@@ -174,7 +172,6 @@ private Q_SLOTS:
                 << QStringLiteral("2000-1-1 ") + inDigitsFrom(zero, QStringLiteral("6:00"));
         }
     }
-
     void refusesTexts()
     {
         QFETCH(QString, text);
@@ -224,7 +221,6 @@ private Q_SLOTS:
                 << inDigitsFrom(zero, QStringLiteral("2000-12-31 24:00")) << true;
         QTest::newRow("NUL at the end") << QStringLiteral("2000-1-1 6:00") + QChar(0) << false;
     }
-
     void recognisesTimestepTexts()
     {
         QFETCH(QString, text);
@@ -289,7 +285,6 @@ private Q_SLOTS:
         QTest::newRow("named") << QByteArray("America/Denver");
         QTest::newRow("with rules") << QByteArray("MST7MDT,M3.2.0,M11.1.0");
     }
-
     void hoursInADaylightSavingGapAreTheSameEverywhere()
     {
         QFETCH(QByteArray, zone);

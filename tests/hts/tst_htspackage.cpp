@@ -224,7 +224,6 @@ private Q_SLOTS:
              {"other case", "seriesslot", false, false, 1, 1},
              {"with a blank", " TableSlot", false, false, 1, 1}});
     }
-
     void slotKindFollowsFromItsType()
     {
         QFETCH(QString, slotType);

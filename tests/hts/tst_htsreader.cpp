@@ -78,7 +78,6 @@ private Q_SLOTS:
                                    {"plain line ends, text mode", "\n", true},
                                    {"Windows line ends, text mode", "\r\n", true}});
     }
-
     void readsWholeFile()
     {
         QFETCH(QByteArray, lineEnd);
@@ -139,7 +138,6 @@ private Q_SLOTS:
             {"input ends before the column header", run + "END_SLOT_PREAMBLE\n|", kBadColumnHeader},
         });
     }
-
     void endsReading()
     {
         QFETCH(QByteArray, text);
@@ -192,7 +190,6 @@ private Q_SLOTS:
             << "name:" + kMark + "x\nnumber_of_runs:" + kMark + "2\nEND_PACKAGE_PREAMBLE\n|"
             << "" << QString(QChar(QChar::ByteOrderMark) + QStringLiteral("x")) << 0;
     }
-
     void readsPackagePreamble()
     {
         QFETCH(QByteArray, text);
@@ -250,7 +247,6 @@ private Q_SLOTS:
              kBadRunPreamble, six},
         });
     }
-
     void readsRunPreamble()
     {
         QFETCH(QByteArray, text);
@@ -341,7 +337,6 @@ private Q_SLOTS:
              texts("1  2||||")},
         });
     }
-
     void readsSlotPreamble()
     {
         QFETCH(QByteArray, text);
@@ -403,7 +398,6 @@ private Q_SLOTS:
             QTest::newRow(name) << QByteArray(text) << kBadColumnHeader << "before" << -1.0
                                 << "before";
     }
-
     void readsColumnHeader()
     {
         QFETCH(QByteArray, text);

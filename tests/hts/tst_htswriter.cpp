@@ -155,7 +155,6 @@ private Q_SLOTS:
              {"morning", utc(2001, 1, 1, 6, 5), -1,
               "create_date:2001-1-1 6:05\nnumber_of_runs:-1\n"}});
     }
-
     void writesPackagePreamble()
     {
         QFETCH(QDateTime, createDate);
@@ -182,7 +181,6 @@ private Q_SLOTS:
              {"negative trace", -2, "", "rules",
               "trace:-2\n" + common + "rule_set:rules\n" + tail}});
     }
-
     void writesRunPreamble()
     {
         QFETCH(int, trace);
@@ -212,7 +210,6 @@ private Q_SLOTS:
              {"table", "TableSlot", "slot_type: TableSlot\n",
               "rows: 4\ncols: 3\n" + end + "1 2 3\n\n"}});
     }
-
     void writesSlotPreamble()
     {
         QFETCH(QString, slotType);
@@ -286,7 +283,6 @@ private Q_SLOTS:
         other.cols = 7;
         row("scalar", packageOf(other, 3, {5.0}), "scale: 1;5.000000000000");
     }
-
     void writesColumns()
     {
         QFETCH(HtsPackage, package);

@@ -91,7 +91,6 @@ private Q_SLOTS:
                 QTest::addRow("%d", length) << length;
         }
     }
-
     void readsLinesOfAnyLength()
     {
         QFETCH(int, length);
@@ -160,7 +159,6 @@ private Q_SLOTS:
                                    {"empty input", "", false},
                                    {"preamble", "END_RUN_PREAMBLE\n", false}});
     }
-
     void looksAheadForAWord()
     {
         QFETCH(QByteArray, text);
@@ -235,7 +233,6 @@ private Q_SLOTS:
                                   {"last line without an end", "a\nb", 2},
                                   {"many", QByteArray("1.5\n").repeated(100000), 100000}});
     }
-
     void countsLines()
     {
         QFETCH(QByteArray, text);
@@ -259,7 +256,6 @@ private Q_SLOTS:
         // Not byte by byte: QIODevice::readLine then ends a line at its "\r".
         addDeviceRows(kQuickKinds);
     }
-
     void restoresTextMode()
     {
         QFETCH(bool, isTextMode);

@@ -78,7 +78,6 @@ private Q_SLOTS:
              {"next line is none", "\x85", "\x85"},
              {"other control bytes are none", "\x08\x0e\x1f", "\x08\x0e\x1f"}});
     }
-
     void stripsWhiteSpaceAtBothEnds()
     {
         QFETCH(QByteArray, bytes);
@@ -102,7 +101,6 @@ private Q_SLOTS:
              {"ends at NUL", QByteArray("ab\0cd", 5), QStringLiteral("ab")},
              {"NUL only", QByteArray("\0", 1), QString()}});
     }
-
     void decodesLines()
     {
         QFETCH(QByteArray, bytes);
@@ -159,7 +157,6 @@ private Q_SLOTS:
             addRow(text, 0.0);
         QTest::newRow("after NUL") << QByteArray("12\0.5", 5) << 12.0;
     }
-
     void readsNumbers()
     {
         QFETCH(QByteArray, text);
@@ -225,7 +222,6 @@ private Q_SLOTS:
               "1.234567890123x", "+1.234567890123", "--1.234567890123"})
             QTest::newRow(text) << QByteArray(text);
     }
-
     void readsNumbersOfTwelveDecimals()
     {
         QFETCH(QByteArray, text);
@@ -251,7 +247,6 @@ private Q_SLOTS:
                                  "123.456789012345", "-1234.567890123456"})
             QTest::newRow(text) << QByteArray(text);
     }
-
     void readsAnyByteAnywhereInANumber()
     {
         QFETCH(QByteArray, text);
@@ -288,7 +283,6 @@ private Q_SLOTS:
              {"", "-", "+1", " 1", "nan", "-nan", "inf", "-inf", "infinity", "1e400", "."})
             QTest::addRow("'%s' is none", text) << QByteArray(text) << 0 << -7.0;
     }
-
     void readsPlainNumberUpToItsEnd()
     {
         QFETCH(QByteArray, text);
@@ -356,7 +350,6 @@ private Q_SLOTS:
                           "332123348274797826204144723168738177180919299881250404026184124858368"
                           ".000000000000");
     }
-
     void writesNumbers()
     {
         QFETCH(double, value);
@@ -409,7 +402,6 @@ private Q_SLOTS:
             QTest::newRow(name) << values;
         }
     }
-
     void writesRandomNumbersLikeTheToolkit()
     {
         QFETCH(std::vector<double>, values);

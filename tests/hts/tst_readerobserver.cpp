@@ -147,7 +147,6 @@ private Q_SLOTS:
              "11 cut: method: Sum", "11 key: method: |Sum", "13 end: END_COLUMN|END_COLUMN",
              "14 end: END_SLOT|END_SLOT"});
     }
-
     void isShown()
     {
         QFETCH(QByteArray, text);

@@ -31,7 +31,6 @@ private Q_SLOTS:
             "rows: 0\nEND_SLOT_PREAMBLE\nEND_SLOT\nrows: 0\nEND_SLOT_PREAMBLE\nEND_SLOT\n", false);
         row("more rows than lines", "rows: 2000000000\nEND_SLOT_PREAMBLE\nEND_SLOT\n", true);
     }
-
     void findsEndlessTexts()
     {
         QFETCH(QByteArray, slotLines);
