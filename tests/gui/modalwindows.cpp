@@ -118,6 +118,16 @@ Step click(QMessageBox::StandardButton button)
     };
 }
 
+void compareWarning(const Box& box, const char* title, const QString& text)
+{
+    QCOMPARE(box.title, QLatin1String(title));
+    QCOMPARE(box.text, text);
+    QCOMPARE(box.icon, QMessageBox::Warning);
+    QCOMPARE(box.textFormat, Qt::PlainText);
+    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QVERIFY(!box.hasOverrideCursor);
+}
+
 Step readBox(Box* box)
 {
     return [box](QWidget& window) {

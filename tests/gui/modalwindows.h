@@ -50,6 +50,9 @@ struct Box
     QVector<QsLogging::Level> levelsBefore;
 };
 
+// Expects a warning as plain text with an OK button.
+void compareWarning(const Box& box, const char* title, const QString& text);
+
 // Notes the texts of a message box, without the lines of the log, and clicks OK.
 Step readBox(Box* box);
 

@@ -53,15 +53,11 @@ QString openError(const QString& path, QIODevice::OpenMode mode)
     return file.open(mode) ? QString() : file.errorString();
 }
 
+// A box of the main window, which has no parent on purpose.
 void compareBox(const Box& box, const char* title, const QString& text)
 {
-    QCOMPARE(box.title, QLatin1String(title));
-    QCOMPARE(box.text, text);
-    QCOMPARE(box.icon, QMessageBox::Warning);
-    QCOMPARE(box.textFormat, Qt::PlainText);
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    compareWarning(box, title, text);
     QVERIFY(!box.hasParent);
-    QVERIFY(!box.hasOverrideCursor);
 }
 
 // The widgets of the form, in the order in which they are made.

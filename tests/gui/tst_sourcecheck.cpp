@@ -241,11 +241,8 @@ void TestSourceCheck::reportsWhatPreventsIt()
     f.enterPaths(source, control, QString());
     Box box;
     QVERIFY(actThrough([&f] { f.check(); }, {readBox(&box)}));
-    QCOMPARE(box.title, title);
-    QCOMPARE(box.text, text);
-    QCOMPARE(box.icon, QMessageBox::Warning);
+    compareWarning(box, qPrintable(title), text);
     QVERIFY(box.hasParent);
-    QVERIFY(!box.hasOverrideCursor);
     QTRY_COMPARE(f.rows(), QStringList(QStringLiteral("r ERROR %1 ").arg(text)));
     QVERIFY(QDir::setCurrent(QDir::tempPath())); // the folder can be removed
 }
