@@ -1,8 +1,8 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <functional>
 #include <iostream>
-#include <memory>
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -58,7 +58,11 @@ private:
 class Console
 {
 public:
-    Console() { m_isOpen = ::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, m_ends) == 0; }
+    Console()
+    {
+        if (::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, m_ends) != 0)
+            qFatal("no socket pair");
+    }
     ~Console()
     {
         ::close(m_ends[0]);
@@ -67,7 +71,6 @@ public:
     Console(const Console&) = delete;
     Console& operator=(const Console&) = delete;
 
-    bool isOpen() const { return m_isOpen; }
     int descriptor() const { return m_ends[0]; }
 
     // The pieces that have come since the last call.
@@ -85,7 +88,6 @@ public:
 
 private:
     int m_ends[2] = {-1, -1};
-    bool m_isOpen = false;
 };
 
 // An output that every write to fails.
@@ -116,6 +118,28 @@ void put(std::ostream& stream, const QByteArray& bytes)
     stream.write(bytes.constData(), bytes.size());
 }
 
+// What a function writes to a console, the pieces of each flush or full buffer. The function gets a
+// buffer of its own.
+QByteArrayList written(const std::function<void(OpenConsoleBuf&)>& write)
+{
+    Console console;
+    {
+        const OutputTo output(console.descriptor());
+        OpenConsoleBuf buffer;
+        write(buffer);
+    }
+    return console.takePieces();
+}
+
+// The same for a function that writes to a stream on the buffer.
+QByteArrayList streamed(const std::function<void(std::ostream&)>& write)
+{
+    return written([&write](OpenConsoleBuf& buffer) {
+        std::ostream stream(&buffer);
+        write(stream);
+    });
+}
+
 QList<int> sizesOf(const QByteArrayList& pieces)
 {
     QList<int> sizes;
@@ -138,16 +162,8 @@ void drainAtSecondSignal(int)
     }
 }
 
-// How much is written to an output that fails.
-void addSizes()
-{
-    QTest::addColumn<int>("size");
-    QTest::newRow("one byte") << 1;
-    QTest::newRow("ten bytes") << 10;
-    QTest::newRow("full buffer") << 1023;
-    QTest::newRow("more than the buffer takes") << 3000;
-    QTest::newRow("many bytes") << 100000;
-}
+// How much is written to an output that fails: up to and beyond what the buffer takes.
+constexpr int kFailingSizes[] = {1, 10, 1023, 3000, 100000};
 
 } // namespace
 
@@ -156,348 +172,212 @@ class ConsoleBufTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void writesNothingBeforeFlush_data();
-    void writesNothingBeforeFlush();
-    void unflushedTextIsNotWrittenAtTheEnd();
-    void unusedBufferWritesNothing();
-    void longMessageArrivesInPieces_data();
-    void longMessageArrivesInPieces();
-    void singleCharactersArriveInPieces();
-    void eachFlushWritesWhatHasGathered();
-    void emptyFlushSucceedsWithoutWriting();
-    void overflowWithCharacterWritesIt();
-    void overflowAtEndOfFileFlushes();
-    void bytesArriveUnchanged();
-    void servesTheStandardStreams();
-    void failedFlushMakesStreamBad_data();
-    void failedFlushMakesStreamBad();
-    void failedFlushKeepsContents();
-    void fullBufferTakesNothingAfterFailure_data();
-    void fullBufferTakesNothingAfterFailure();
-    void otherStreamOnFullBufferBecomesBad();
+    void unflushedTextIsNotWrittenAtTheEnd()
+    {
+        QCOMPARE(streamed([](std::ostream& stream) {
+                     stream << "flushed" << std::endl << "unflushed";
+                 }),
+                 QByteArrayList{"flushed\n"});
+        QCOMPARE(written([](OpenConsoleBuf&) {}), QByteArrayList());
+    }
+
+    void longMessageArrivesInPieces()
+    {
+        const struct
+        {
+            int size;
+            QList<int> beforeFlush;
+            QList<int> atFlush; // with the line feed
+        } rows[] = {
+            {1, {}, {2}},
+            {1022, {}, {1023}},
+            {1023, {}, {1024}},
+            {1024, {1024}, {1}},
+            {1025, {1024}, {2}},
+            {3000, {1024, 1024}, {953}},
+            {4096, {1024, 1024, 1024, 1024}, {1}},
+        };
+        for (const auto& row : rows) {
+            Console console;
+            QByteArrayList before;
+            {
+                const OutputTo output(console.descriptor());
+                consolebuf buffer;
+                std::ostream stream(&buffer);
+                put(stream, text(row.size));
+                before = console.takePieces();
+                stream << '\n' << std::flush;
+            }
+            // The line feed itself may be what fills the buffer; its piece comes before the flush
+            // then.
+            const QByteArrayList after = console.takePieces();
+            QCOMPARE(sizesOf(before), row.beforeFlush);
+            QCOMPARE(sizesOf(after), row.atFlush);
+            QCOMPARE(QByteArray((before + after).join()), QByteArray(text(row.size) + '\n'));
+        }
+    }
+
+    void singleCharactersArriveInPieces()
+    {
+        const QByteArray message = text(2500);
+        const QByteArrayList pieces = streamed([&message](std::ostream& stream) {
+            for (const char c : message)
+                stream.put(c);
+            stream << std::flush;
+        });
+        const QList<int> expected{1024, 1024, 452};
+        QCOMPARE(sizesOf(pieces), expected);
+        QCOMPARE(pieces.join(), message);
+    }
+
+    void eachFlushWritesWhatHasGathered()
+    {
+        const QByteArrayList expected{"one\n", "\n", "two 3", text(1023)};
+        QCOMPARE(streamed([](std::ostream& stream) {
+                     stream << "one" << std::endl << std::endl << "two " << 3 << std::flush;
+                     // A flush makes room for a whole buffer again.
+                     put(stream, text(1023));
+                     stream << std::flush;
+                 }),
+                 expected);
+    }
+
+    void syncAndOverflowWriteAndSayWhat()
+    {
+        const struct
+        {
+            QByteArray gathered;
+            QList<int> overflowed;
+            QByteArrayList written;
+        } rows[] = {
+            {"", {kEof}, {}},
+            {"ab", {kEof}, {"ab"}},
+            // The highest byte is not to be taken for the end of the file.
+            {"ab", {'c', 0xff}, {"abc", "\xff"}},
+        };
+        for (const auto& row : rows) {
+            QList<int> results;
+            int synced = 1;
+            const QByteArrayList pieces = written([&](OpenConsoleBuf& buffer) {
+                buffer.sputn(row.gathered.constData(), row.gathered.size());
+                for (const int c : row.overflowed)
+                    results.append(buffer.overflow(c));
+                synced = buffer.sync();
+            });
+            QCOMPARE(results, row.overflowed);
+            QCOMPARE(synced, 0);
+            QCOMPARE(pieces, row.written);
+        }
+    }
+
+    void bytesArriveUnchanged()
+    {
+        QByteArray message;
+        for (int i = 0; i < 8 * 256; ++i)
+            message.append(static_cast<char>(i));
+        QCOMPARE(streamed([&message](std::ostream& stream) {
+                     put(stream, message);
+                     stream << std::flush;
+                 }).join(),
+                 message);
+    }
+
+    void servesTheStandardStreams()
+    {
+        const QByteArrayList expected{"log out\n", "err", "\n"};
+        QCOMPARE(written([](OpenConsoleBuf& buffer) {
+                     std::streambuf* out = std::cout.rdbuf(&buffer);
+                     std::streambuf* err = std::cerr.rdbuf(&buffer);
+                     std::streambuf* log = std::clog.rdbuf(&buffer);
+                     std::clog << "log ";
+                     std::cout << "out" << std::endl;
+                     std::cerr << "err" << std::endl; // flushes after each item
+                     std::cout.rdbuf(out);
+                     std::cerr.rdbuf(err);
+                     std::clog.rdbuf(log);
+                 }),
+                 expected);
+    }
+
+    // The standard streams share a buffer, but not their state.
+    void failedFlushMakesStreamsBad()
+    {
+        const BrokenOutput broken;
+        for (const int size : kFailingSizes) {
+            bool isBad = false;
+            bool isOtherBad = false;
+            int synced = 1;
+            int overflowed = 1;
+            {
+                const OutputTo output(broken.descriptor());
+                consolebuf streamBuffer;
+                std::ostream stream(&streamBuffer);
+                std::ostream other(&streamBuffer);
+                put(stream, text(size));
+                stream << std::flush;
+                isBad = stream.bad();
+                put(other, text(3000));
+                isOtherBad = other.bad();
+
+                OpenConsoleBuf buffer;
+                buffer.sputn(text(size).constData(), size);
+                synced = buffer.sync();
+                overflowed = buffer.overflow('c');
+            }
+            QVERIFY(isBad);
+            QVERIFY(isOtherBad);
+            QCOMPARE(synced, -1);
+            QCOMPARE(overflowed, kEof);
+        }
+    }
+
+    void failedFlushKeepsContents()
+    {
+        const BrokenOutput broken;
+        OpenConsoleBuf buffer;
+        int failed = 0;
+        {
+            const OutputTo output(broken.descriptor());
+            buffer.sputn("kept", 4);
+            failed = buffer.sync();
+        }
+        int synced = -1;
+        QCOMPARE(written([&](OpenConsoleBuf&) { synced = buffer.sync(); }), QByteArrayList{"kept"});
+        QCOMPARE(failed, -1);
+        QCOMPARE(synced, 0);
+    }
+
+    void fullBufferTakesNothingAfterFailure()
+    {
+        const BrokenOutput broken;
+        for (const int size : kFailingSizes) {
+            OpenConsoleBuf buffer;
+            std::streamsize taken = -1;
+            int put = 0;
+            int overflowed = 0;
+            {
+                const OutputTo output(broken.descriptor());
+                // The last of these characters takes the spare byte before the flush fails.
+                buffer.sputn(text(1024).constData(), 1024);
+                taken = buffer.sputn(QByteArray(size, '!').constData(), size);
+                put = buffer.sputc('?');
+                overflowed = buffer.overflow(kEof);
+            }
+            int synced = -1;
+            const QByteArrayList pieces = written([&](OpenConsoleBuf&) {
+                buffer.sputn("next", 4);
+                synced = buffer.sync();
+            });
+            QCOMPARE(taken, std::streamsize(0));
+            QCOMPARE(put, kEof);
+            QCOMPARE(overflowed, kEof);
+            QCOMPARE(synced, 0);
+            QCOMPARE(pieces.join(), QByteArray(text(1024) + "next"));
+        }
+    }
+
     void interruptedWriteContinues();
 };
-
-void ConsoleBufTest::writesNothingBeforeFlush_data()
-{
-    QTest::addColumn<int>("size");
-    QTest::newRow("one byte") << 1;
-    QTest::newRow("as many as the buffer takes") << 1023;
-}
-
-void ConsoleBufTest::writesNothingBeforeFlush()
-{
-    QFETCH(int, size);
-    Console console;
-    QVERIFY(console.isOpen());
-    QByteArrayList before;
-    QByteArrayList after;
-    {
-        const OutputTo output(console.descriptor());
-        consolebuf buffer;
-        std::ostream stream(&buffer);
-        put(stream, text(size));
-        before = console.takePieces();
-        stream << std::flush;
-        after = console.takePieces();
-    }
-    QCOMPARE(before, QByteArrayList());
-    QCOMPARE(after, QByteArrayList{text(size)});
-}
-
-void ConsoleBufTest::unflushedTextIsNotWrittenAtTheEnd()
-{
-    Console console;
-    QVERIFY(console.isOpen());
-    {
-        const OutputTo output(console.descriptor());
-        consolebuf buffer;
-        std::ostream stream(&buffer);
-        stream << "flushed" << std::endl << "unflushed";
-    }
-    QCOMPARE(console.takePieces(), QByteArrayList{"flushed\n"});
-}
-
-void ConsoleBufTest::unusedBufferWritesNothing()
-{
-    Console console;
-    QVERIFY(console.isOpen());
-    {
-        const OutputTo output(console.descriptor());
-        const consolebuf buffer;
-    }
-    QCOMPARE(console.takePieces(), QByteArrayList());
-}
-
-void ConsoleBufTest::longMessageArrivesInPieces_data()
-{
-    QTest::addColumn<int>("size");
-    QTest::addColumn<QList<int>>("beforeFlush");
-    QTest::addColumn<QList<int>>("atFlush"); // with the line feed
-    QTest::newRow("1022") << 1022 << QList<int>() << QList<int>{1023};
-    QTest::newRow("1023") << 1023 << QList<int>() << QList<int>{1024};
-    QTest::newRow("1024") << 1024 << QList<int>{1024} << QList<int>{1};
-    QTest::newRow("1025") << 1025 << QList<int>{1024} << QList<int>{2};
-    QTest::newRow("3000") << 3000 << QList<int>{1024, 1024} << QList<int>{953};
-    QTest::newRow("4096") << 4096 << QList<int>{1024, 1024, 1024, 1024} << QList<int>{1};
-}
-
-void ConsoleBufTest::longMessageArrivesInPieces()
-{
-    QFETCH(int, size);
-    Console console;
-    QVERIFY(console.isOpen());
-    QByteArrayList before;
-    QByteArrayList after;
-    {
-        const OutputTo output(console.descriptor());
-        consolebuf buffer;
-        std::ostream stream(&buffer);
-        put(stream, text(size));
-        before = console.takePieces();
-        stream << '\n' << std::flush;
-        after = console.takePieces();
-    }
-    // The line feed itself may be what fills the buffer; its piece comes before the flush then.
-    QTEST(sizesOf(before), "beforeFlush");
-    QTEST(sizesOf(after), "atFlush");
-    QCOMPARE(QByteArray((before + after).join()), QByteArray(text(size) + '\n'));
-}
-
-void ConsoleBufTest::singleCharactersArriveInPieces()
-{
-    Console console;
-    QVERIFY(console.isOpen());
-    const QByteArray message = text(2500);
-    {
-        const OutputTo output(console.descriptor());
-        consolebuf buffer;
-        std::ostream stream(&buffer);
-        for (const char c : message)
-            stream.put(c);
-        stream << std::flush;
-    }
-    const QByteArrayList pieces = console.takePieces();
-    const QList<int> expected{1024, 1024, 452};
-    QCOMPARE(sizesOf(pieces), expected);
-    QCOMPARE(pieces.join(), message);
-}
-
-void ConsoleBufTest::eachFlushWritesWhatHasGathered()
-{
-    Console console;
-    QVERIFY(console.isOpen());
-    {
-        const OutputTo output(console.descriptor());
-        consolebuf buffer;
-        std::ostream stream(&buffer);
-        stream << "one" << std::endl << std::endl << "two " << 3 << std::flush;
-        // A flush makes room for a whole buffer again.
-        put(stream, text(1023));
-        stream << std::flush;
-    }
-    const QByteArrayList expected{"one\n", "\n", "two 3", text(1023)};
-    QCOMPARE(console.takePieces(), expected);
-}
-
-void ConsoleBufTest::emptyFlushSucceedsWithoutWriting()
-{
-    Console console;
-    QVERIFY(console.isOpen());
-    int synced = 1;
-    int overflowed = 1;
-    {
-        const OutputTo output(console.descriptor());
-        OpenConsoleBuf buffer;
-        synced = buffer.sync();
-        overflowed = buffer.overflow(kEof);
-    }
-    QCOMPARE(synced, 0);
-    QCOMPARE(overflowed, kEof);
-    QCOMPARE(console.takePieces(), QByteArrayList());
-}
-
-void ConsoleBufTest::overflowWithCharacterWritesIt()
-{
-    Console console;
-    QVERIFY(console.isOpen());
-    int overflowed = 1;
-    int highest = 1;
-    {
-        const OutputTo output(console.descriptor());
-        OpenConsoleBuf buffer;
-        buffer.sputn("ab", 2);
-        overflowed = buffer.overflow('c');
-        // Not to be taken for the end of the file.
-        highest = buffer.overflow(0xff);
-    }
-    QCOMPARE(overflowed, int('c'));
-    QCOMPARE(highest, 0xff);
-    const QByteArrayList expected{"abc", "\xff"};
-    QCOMPARE(console.takePieces(), expected);
-}
-
-void ConsoleBufTest::overflowAtEndOfFileFlushes()
-{
-    Console console;
-    QVERIFY(console.isOpen());
-    int overflowed = 1;
-    {
-        const OutputTo output(console.descriptor());
-        OpenConsoleBuf buffer;
-        buffer.sputn("ab", 2);
-        overflowed = buffer.overflow(kEof);
-    }
-    QCOMPARE(overflowed, kEof);
-    QCOMPARE(console.takePieces(), QByteArrayList{"ab"});
-}
-
-void ConsoleBufTest::bytesArriveUnchanged()
-{
-    QByteArray message;
-    for (int i = 0; i < 8 * 256; ++i)
-        message.append(static_cast<char>(i));
-    Console console;
-    QVERIFY(console.isOpen());
-    {
-        const OutputTo output(console.descriptor());
-        consolebuf buffer;
-        std::ostream stream(&buffer);
-        put(stream, message);
-        stream << std::flush;
-    }
-    QCOMPARE(console.takePieces().join(), message);
-}
-
-void ConsoleBufTest::servesTheStandardStreams()
-{
-    Console console;
-    QVERIFY(console.isOpen());
-    {
-        const OutputTo output(console.descriptor());
-        consolebuf buffer;
-        std::streambuf* out = std::cout.rdbuf(&buffer);
-        std::streambuf* err = std::cerr.rdbuf(&buffer);
-        std::streambuf* log = std::clog.rdbuf(&buffer);
-        std::clog << "log ";
-        std::cout << "out" << std::endl;
-        std::cerr << "err" << std::endl; // flushes after each item
-        std::cout.rdbuf(out);
-        std::cerr.rdbuf(err);
-        std::clog.rdbuf(log);
-    }
-    const QByteArrayList expected{"log out\n", "err", "\n"};
-    QCOMPARE(console.takePieces(), expected);
-}
-
-void ConsoleBufTest::failedFlushMakesStreamBad_data()
-{
-    addSizes();
-}
-
-void ConsoleBufTest::failedFlushMakesStreamBad()
-{
-    QFETCH(int, size);
-    const BrokenOutput broken;
-    bool isBad = false;
-    int synced = 1;
-    int overflowed = 1;
-    {
-        const OutputTo output(broken.descriptor());
-        consolebuf streamBuffer;
-        std::ostream stream(&streamBuffer);
-        put(stream, text(size));
-        stream << std::flush;
-        isBad = stream.bad();
-
-        OpenConsoleBuf buffer;
-        buffer.sputn(text(size).constData(), size);
-        synced = buffer.sync();
-        overflowed = buffer.overflow('c');
-    }
-    QVERIFY(isBad);
-    QCOMPARE(synced, -1);
-    QCOMPARE(overflowed, kEof);
-}
-
-void ConsoleBufTest::failedFlushKeepsContents()
-{
-    const BrokenOutput broken;
-    Console console;
-    QVERIFY(console.isOpen());
-    OpenConsoleBuf buffer;
-    int failed = 0;
-    {
-        const OutputTo output(broken.descriptor());
-        buffer.sputn("kept", 4);
-        failed = buffer.sync();
-    }
-    int synced = -1;
-    {
-        const OutputTo output(console.descriptor());
-        synced = buffer.sync();
-    }
-    QCOMPARE(failed, -1);
-    QCOMPARE(synced, 0);
-    QCOMPARE(console.takePieces(), QByteArrayList{"kept"});
-}
-
-void ConsoleBufTest::fullBufferTakesNothingAfterFailure_data()
-{
-    addSizes();
-}
-
-void ConsoleBufTest::fullBufferTakesNothingAfterFailure()
-{
-    QFETCH(int, size);
-    const BrokenOutput broken;
-    Console console;
-    QVERIFY(console.isOpen());
-    const QByteArray more(size, '!');
-    OpenConsoleBuf buffer;
-    std::streamsize taken = -1;
-    int put = 0;
-    int overflowed = 0;
-    {
-        const OutputTo output(broken.descriptor());
-        // The last of these characters takes the spare byte before the flush fails.
-        buffer.sputn(text(1024).constData(), 1024);
-        taken = buffer.sputn(more.constData(), more.size());
-        put = buffer.sputc('?');
-        overflowed = buffer.overflow(kEof);
-    }
-    int synced = -1;
-    {
-        const OutputTo output(console.descriptor());
-        buffer.sputn("next", 4);
-        synced = buffer.sync();
-    }
-    QCOMPARE(taken, std::streamsize(0));
-    QCOMPARE(put, kEof);
-    QCOMPARE(overflowed, kEof);
-    QCOMPARE(synced, 0);
-    QCOMPARE(console.takePieces().join(), QByteArray(text(1024) + "next"));
-}
-
-// The standard streams share a buffer, but not their state.
-void ConsoleBufTest::otherStreamOnFullBufferBecomesBad()
-{
-    const BrokenOutput broken;
-    bool isBad = false;
-    bool isOtherBad = false;
-    {
-        const OutputTo output(broken.descriptor());
-        consolebuf buffer;
-        std::ostream stream(&buffer);
-        std::ostream other(&buffer);
-        put(stream, text(3000));
-        isBad = stream.bad();
-        put(other, text(3000));
-        isOtherBad = other.bad();
-    }
-    QVERIFY(isBad);
-    QVERIFY(isOtherBad);
-}
 
 void ConsoleBufTest::interruptedWriteContinues()
 {

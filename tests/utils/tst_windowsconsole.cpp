@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
-#include <string>
 
 #include <QByteArray>
 #include <QObject>
@@ -116,6 +115,15 @@ QString writeOf(int count)
     return QStringLiteral("WriteFile %1 to output").arg(count);
 }
 
+// Writes the text and flushes it. Returns whether std::cout is good until it ends.
+bool print(FakeCalls& calls, const QByteArray& text)
+{
+    WindowsConsole console(calls);
+    const CoutBuffer cout(console);
+    std::cout << text.constData() << std::flush;
+    return !std::cout.bad();
+}
+
 } // namespace
 
 class WindowsConsoleTest : public QObject
@@ -123,191 +131,146 @@ class WindowsConsoleTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void createsNothingWithoutFlush();
-    void createdConsoleWaitsForOneKey();
-    void existingConsoleIsUsedWithoutWaiting();
-    void failsWithoutAnyOutput();
-    void emptyFlushSetsUpTheConsole_data();
-    void emptyFlushSetsUpTheConsole();
-    void isSetUpOnceForAllBuffers();
-    void longMessageIsWrittenInPieces();
-    void incompleteWriteFails_data();
-    void incompleteWriteFails();
-    void waitsForNoKeyWithoutAKeyboard();
-    void textWithoutABufferWaitsForNoKey();
-};
-
-void WindowsConsoleTest::createsNothingWithoutFlush()
-{
-    FakeCalls calls;
-    WindowsConsole console(calls);
+    void createsNothingWithoutFlush()
     {
-        const CoutBuffer cout(console);
-        std::cout << "kept back";
-    }
-    QCOMPARE(calls.log, QStringList());
-}
-
-void WindowsConsoleTest::createdConsoleWaitsForOneKey()
-{
-    FakeCalls calls;
-    WindowsConsole console(calls);
-    QStringList before;
-    {
-        const CoutBuffer cout(console);
-        std::cout << "text" << std::endl;
-        before = calls.log;
-    }
-    QCOMPARE(before, QStringList({kAlloc, writeOf(5)}));
-    QCOMPARE(calls.log, QStringList({kAlloc, writeOf(5), writeOf(25), kSetMode, kRead}));
-    QCOMPARE(calls.written, "text\n" + kPressAnyKey);
-}
-
-void WindowsConsoleTest::existingConsoleIsUsedWithoutWaiting()
-{
-    FakeCalls calls;
-    calls.canAllocate = false;
-    WindowsConsole console(calls);
-    {
-        const CoutBuffer cout(console);
-        std::cout << "text" << std::endl;
-    }
-    QCOMPARE(calls.log, QStringList({kAlloc, writeOf(5)}));
-    QCOMPARE(calls.written, QByteArray("text\n"));
-}
-
-void WindowsConsoleTest::failsWithoutAnyOutput()
-{
-    FakeCalls calls;
-    calls.canAllocate = false;
-    calls.hasOutput = false;
-    WindowsConsole console(calls);
-    bool isBad = false;
-    {
-        const CoutBuffer cout(console);
-        std::cout << "text" << std::endl;
-        isBad = std::cout.bad();
-    }
-    QVERIFY(isBad);
-    QCOMPARE(calls.log, QStringList{kAlloc});
-}
-
-void WindowsConsoleTest::emptyFlushSetsUpTheConsole_data()
-{
-    QTest::addColumn<bool>("canAllocate");
-    QTest::addColumn<int>("synced");
-    QTest::newRow("console") << true << 0;
-    QTest::newRow("no console") << false << -1;
-}
-
-void WindowsConsoleTest::emptyFlushSetsUpTheConsole()
-{
-    QFETCH(bool, canAllocate);
-    FakeCalls calls;
-    calls.canAllocate = canAllocate;
-    calls.hasOutput = false;
-    calls.canWrite = false;
-    WindowsConsole console(calls);
-    int synced = 1;
-    QStringList log;
-    {
-        CoutBuffer cout(console);
-        synced = cout.buffer().pubsync();
-        log = calls.log;
-    }
-    QTEST(synced, "synced");
-    QCOMPARE(log, QStringList{kAlloc});
-}
-
-void WindowsConsoleTest::isSetUpOnceForAllBuffers()
-{
-    FakeCalls calls;
-    calls.canAllocate = false;
-    WindowsConsole console(calls);
-    {
-        consolebuf first(console);
-        consolebuf second(console);
-        first.sputn("one", 3);
-        second.sputn("second", 6);
-        QCOMPARE(second.pubsync(), 0);
-        QCOMPARE(first.pubsync(), 0);
-    }
-    QCOMPARE(calls.log, QStringList({kAlloc, writeOf(6), writeOf(3)}));
-}
-
-void WindowsConsoleTest::longMessageIsWrittenInPieces()
-{
-    FakeCalls calls;
-    calls.canAllocate = false;
-    WindowsConsole console(calls);
-    const std::string text(3000, 'x');
-    {
-        const CoutBuffer cout(console);
-        std::cout << text << std::endl;
-    }
-    QCOMPARE(calls.log, QStringList({kAlloc, writeOf(1024), writeOf(1024), writeOf(953)}));
-    QCOMPARE(calls.written, QByteArray(text.c_str()) + '\n');
-}
-
-void WindowsConsoleTest::incompleteWriteFails_data()
-{
-    QTest::addColumn<bool>("canWrite");
-    QTest::newRow("fails") << false;
-    QTest::newRow("takes some bytes") << true;
-}
-
-// The bytes stay in the buffer, and std::cout, which is bad now, writes nothing more; but the user
-// still has to press a key, to see what there is.
-void WindowsConsoleTest::incompleteWriteFails()
-{
-    QFETCH(bool, canWrite);
-    FakeCalls calls;
-    calls.canWrite = canWrite;
-    calls.maxWritten = 3;
-    WindowsConsole console(calls);
-    bool isBad = false;
-    int overflowed = 0;
-    {
-        CoutBuffer cout(console);
-        std::cout << "text" << std::endl;
-        isBad = std::cout.bad();
-        std::cout << "more" << std::endl;
-        calls.canWrite = true;
-        calls.maxWritten = 100;
-        overflowed = cout.buffer().sputc('!');
-        cout.buffer().pubsync();
-    }
-    QVERIFY(isBad);
-    QCOMPARE(overflowed, int('!'));
-    QCOMPARE(calls.log, QStringList({kAlloc, writeOf(5), writeOf(6), kSetMode, kRead}));
-}
-
-void WindowsConsoleTest::waitsForNoKeyWithoutAKeyboard()
-{
-    FakeCalls calls;
-    calls.canSetMode = false;
-    WindowsConsole console(calls);
-    {
-        const CoutBuffer cout(console);
-        std::cout << "text" << std::endl;
-    }
-    QCOMPARE(calls.log, QStringList({kAlloc, writeOf(5), writeOf(25), kSetMode}));
-}
-
-// As the texts of fatal messages.
-void WindowsConsoleTest::textWithoutABufferWaitsForNoKey()
-{
-    FakeCalls calls;
-    {
+        FakeCalls calls;
         WindowsConsole console(calls);
-        QVERIFY(!console.isCreated());
-        QVERIFY(console.open());
-        QVERIFY(console.write("the end\n", 8));
-        QVERIFY(console.isCreated());
+        {
+            const CoutBuffer cout(console);
+            std::cout << "kept back";
+        }
+        QCOMPARE(calls.log, QStringList());
     }
-    QCOMPARE(calls.log, QStringList({kAlloc, writeOf(8)}));
-    QCOMPARE(calls.written, QByteArray("the end\n"));
-}
+
+    void createdConsoleWaitsForOneKey()
+    {
+        FakeCalls calls;
+        WindowsConsole console(calls);
+        QStringList before;
+        {
+            const CoutBuffer cout(console);
+            std::cout << "text" << std::endl;
+            before = calls.log;
+        }
+        QCOMPARE(before, QStringList({kAlloc, writeOf(5)}));
+        QCOMPARE(calls.log, QStringList({kAlloc, writeOf(5), writeOf(25), kSetMode, kRead}));
+        QCOMPARE(calls.written, "text\n" + kPressAnyKey);
+    }
+
+    void existingConsoleIsUsedWithoutWaiting()
+    {
+        FakeCalls calls;
+        calls.canAllocate = false;
+        QVERIFY(print(calls, "text\n"));
+        QCOMPARE(calls.log, QStringList({kAlloc, writeOf(5)}));
+        QCOMPARE(calls.written, QByteArray("text\n"));
+    }
+
+    void failsWithoutAnyOutput()
+    {
+        FakeCalls calls;
+        calls.canAllocate = false;
+        calls.hasOutput = false;
+        QVERIFY(!print(calls, "text\n"));
+        QCOMPARE(calls.log, QStringList{kAlloc});
+    }
+
+    void emptyFlushSetsUpTheConsole()
+    {
+        for (const bool canAllocate : {true, false}) {
+            FakeCalls calls;
+            calls.canAllocate = canAllocate;
+            calls.hasOutput = false;
+            calls.canWrite = false;
+            WindowsConsole console(calls);
+            int synced = 1;
+            QStringList log;
+            {
+                CoutBuffer cout(console);
+                synced = cout.buffer().pubsync();
+                log = calls.log;
+            }
+            QCOMPARE(synced, canAllocate ? 0 : -1);
+            QCOMPARE(log, QStringList{kAlloc});
+        }
+    }
+
+    void isSetUpOnceForAllBuffers()
+    {
+        FakeCalls calls;
+        calls.canAllocate = false;
+        WindowsConsole console(calls);
+        {
+            consolebuf first(console);
+            consolebuf second(console);
+            first.sputn("one", 3);
+            second.sputn("second", 6);
+            QCOMPARE(second.pubsync(), 0);
+            QCOMPARE(first.pubsync(), 0);
+        }
+        QCOMPARE(calls.log, QStringList({kAlloc, writeOf(6), writeOf(3)}));
+    }
+
+    void longMessageIsWrittenInPieces()
+    {
+        FakeCalls calls;
+        calls.canAllocate = false;
+        const QByteArray text = QByteArray(3000, 'x') + '\n';
+        QVERIFY(print(calls, text));
+        QCOMPARE(calls.log, QStringList({kAlloc, writeOf(1024), writeOf(1024), writeOf(953)}));
+        QCOMPARE(calls.written, text);
+    }
+
+    // The bytes stay in the buffer, and std::cout, which is bad now, writes nothing more; but the
+    // user still has to press a key, to see what there is.
+    void incompleteWriteFails()
+    {
+        for (const bool canWrite : {false, true}) { // not at all, or some bytes
+            FakeCalls calls;
+            calls.canWrite = canWrite;
+            calls.maxWritten = 3;
+            WindowsConsole console(calls);
+            bool isBad = false;
+            int overflowed = 0;
+            {
+                CoutBuffer cout(console);
+                std::cout << "text" << std::endl;
+                isBad = std::cout.bad();
+                std::cout << "more" << std::endl;
+                calls.canWrite = true;
+                calls.maxWritten = 100;
+                overflowed = cout.buffer().sputc('!');
+                cout.buffer().pubsync();
+            }
+            QVERIFY(isBad);
+            QCOMPARE(overflowed, int('!'));
+            QCOMPARE(calls.log, QStringList({kAlloc, writeOf(5), writeOf(6), kSetMode, kRead}));
+        }
+    }
+
+    void waitsForNoKeyWithoutAKeyboard()
+    {
+        FakeCalls calls;
+        calls.canSetMode = false;
+        QVERIFY(print(calls, "text\n"));
+        QCOMPARE(calls.log, QStringList({kAlloc, writeOf(5), writeOf(25), kSetMode}));
+    }
+
+    // As the texts of fatal messages.
+    void textWithoutABufferWaitsForNoKey()
+    {
+        FakeCalls calls;
+        {
+            WindowsConsole console(calls);
+            QVERIFY(!console.isCreated());
+            QVERIFY(console.open());
+            QVERIFY(console.write("the end\n", 8));
+            QVERIFY(console.isCreated());
+        }
+        QCOMPARE(calls.log, QStringList({kAlloc, writeOf(8)}));
+        QCOMPARE(calls.written, QByteArray("the end\n"));
+    }
+};
 
 HTS_TEST(WindowsConsoleTest, QCoreApplication)
 
