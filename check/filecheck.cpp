@@ -7,6 +7,7 @@
 #include <QBuffer>
 
 #include "check/control.h"
+#include "check/filekind.h"
 #include "check/topic.h"
 #include "check/yearcounts.h"
 
@@ -49,6 +50,7 @@ private:
 
     CheckReport m_report;
     const Sentinels m_sentinels;
+    const QByteArray m_firstBlock;
     HtsReader m_reader;
     HtsPackage m_package;
     HtsWalk m_walk;
@@ -62,7 +64,8 @@ private:
 };
 
 FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
-    : m_sentinels(options.sentinels), m_reader(device), m_walk(m_reader, m_package, kWalkOptions),
+    : m_sentinels(options.sentinels), m_firstBlock(firstBlockOf(device)), m_reader(device),
+      m_walk(m_reader, m_package, kWalkOptions),
       m_conversion(
           [control = options.control] {
               return control == nullptr ? ruleForAll() : control->file();
@@ -120,6 +123,12 @@ void FileCheck::finish()
     if (!m_report.neverEnds)
         m_report.conversionMessage = m_conversion.verdict().message;
     forEach(&TopicCheck::finish);
+    if (m_walk.status().ok() || m_walk.place() != HtsWalk::Place::PackagePreamble)
+        return;
+    const QString otherFile = otherFileText(m_firstBlock);
+    m_report.isOtherFile = !otherFile.isEmpty();
+    if (m_report.isOtherFile)
+        reportOtherFile(otherFile, m_report.conversionMessage, m_report.findings);
 }
 
 void FileCheck::describePlan()

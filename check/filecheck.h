@@ -62,6 +62,8 @@ struct CheckReport
     FindingList findings;
     // The message with which a conversion fails; empty if it succeeds or never ends.
     QString conversionMessage;
+    // Whether the file is not an HTS file; there is then one finding, which says what it is.
+    bool isOtherFile = false;
     // Whether a conversion never ends, because it searches for the missing end of a table.
     bool neverEnds = false;
     YearPlan years;

@@ -18,9 +18,9 @@ const char* severityName(Severity severity)
 const std::vector<const Topic*>& findingTopics()
 {
     static const std::vector<const Topic*> kTopics = {
-        &readingTopic(), &packageTopic(),  &preambleTopic(),    &slotTopic(),   &valueTopic(),
-        &tableTopic(),   &timestepTopic(), &runTopic(),         &repeatTopic(), &controlTopic(),
-        &ruleTopic(),    &methodTopic(),   &annualValueTopic(),
+        &fileKindTopic(), &readingTopic(), &packageTopic(),  &preambleTopic(),    &slotTopic(),
+        &valueTopic(),    &tableTopic(),   &timestepTopic(), &runTopic(),         &repeatTopic(),
+        &controlTopic(),  &ruleTopic(),    &methodTopic(),   &annualValueTopic(),
     };
     return kTopics;
 }

@@ -65,6 +65,12 @@ QString keyName(QLatin1String key)
     return QString(key).trimmed();
 }
 
+bool isKnownLine(std::string_view line)
+{
+    return isSlotLine(line) || isAnyOf(line, knownLinesOf(Section::PackagePreamble)) ||
+           isAnyOf(line, knownLinesOf(Section::Run));
+}
+
 bool isSlotLine(std::string_view line)
 {
     return isAnyOf(line, columnLines()) || isAnyOf(line, knownLinesOf(Section::Slot)) ||

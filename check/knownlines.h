@@ -20,6 +20,9 @@ bool isEndLine(QLatin1String known);
 // The key without the blank after its colon, for reports.
 QString keyName(QLatin1String key);
 
+// Whether `line` is an end line or begins with a key, of whatever section.
+bool isKnownLine(std::string_view line);
+
 // Whether `line` is an end line, or begins with a key of a slot preamble or a column header: such a
 // line is among values only if lines were lost.
 bool isSlotLine(std::string_view line);

@@ -51,6 +51,7 @@ std::unique_ptr<TopicCheck> makeCheck(CheckContext& context)
     return std::make_unique<Check>(context);
 }
 
+const Topic& fileKindTopic();
 const Topic& readingTopic();
 const Topic& packageTopic();
 const Topic& preambleTopic();

@@ -10,7 +10,6 @@
 
 namespace {
 
-const QLatin1String kBadPackagePreamble("Cannot read package preamble");
 const QLatin1String kBadSlotPreamble("Cannot read slot preamble");
 const QLatin1String kBadColumnHeader("Cannot read HTS file: Missing units or scale");
 

@@ -74,7 +74,8 @@ public:
     // they were added.
     void addObserver(Observer& observer) { m_observers.push_back(&observer); }
 
-    // Reads the package preamble. Fails with "Cannot read package preamble".
+    static inline const QLatin1String kBadPackagePreamble{"Cannot read package preamble"};
+    // Reads the package preamble. Fails with kBadPackagePreamble.
     Status readPackagePreamble(HtsPackage& package);
 
     // Reads the run preamble and the timestep lines. Fails with HtsRun::kBadPreamble; the timesteps

@@ -41,6 +41,8 @@ public:
     CheckCommand(const ToolOptions& options, const ToolIo& io) : m_options(options), m_io(io) {}
 
     int run(CsvWriter* counts);
+    // Whether no file was an HTS file.
+    bool hasOnlyOtherFiles() const { return m_otherFiles == m_options.files.size(); }
 
 private:
     bool readControl();
@@ -56,6 +58,7 @@ private:
     // Of m_control, after all files; taken into the report of the file if there is only one.
     std::optional<FindingList> m_controlFindings;
     QJsonArray m_files;
+    int m_otherFiles = 0;
     int m_exitCode = ExitCode::kNoWorseThanNotes;
 };
 
@@ -123,6 +126,7 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
 
 void CheckCommand::report(const CheckReport& report, const ReportNames& names)
 {
+    m_otherFiles += report.isOtherFile ? 1 : 0;
     // A bad control file has its error there.
     const int exitCode =
         report.conversionMessage.isEmpty() ? exitCodeOf(report.findings) : ExitCode::kErrors;
@@ -195,5 +199,8 @@ int runCheck(const ToolOptions& options, const ToolIo& io)
         YearCounts::writeHeader(counts);
         exitCode = command.run(&counts);
     }
+    // There is nothing to count.
+    if (command.hasOnlyOtherFiles() && file.isDroppable())
+        return exitCode;
     return file.finish() ? exitCode : ExitCode::kUnusable;
 }

@@ -1,6 +1,8 @@
 #include "tool/exportcommand.h"
 
+#include "check/filekind.h"
 #include "exchange/csvexport.h"
+#include "hts/htsreader.h"
 #include "tool/outputfile.h"
 #include "tool/toolfiles.h"
 #include "tool/toolio.h"
@@ -17,6 +19,7 @@ int runExport(const ToolOptions& options, const ToolIo& io)
     ExportOptions exportOptions;
     exportOptions.isWide = options.isWide;
     exportOptions.run = options.run;
+    const QByteArray firstBlock = firstBlockOf(input);
     const ExportOutcome outcome = exportCsv(input, output.device(), exportOptions);
     if (!output.isWritten())
         return ExitCode::kUnusable;
@@ -27,7 +30,11 @@ int runExport(const ToolOptions& options, const ToolIo& io)
     if (!outcome.status.ok()) {
         const QLatin1String rest(output.isDroppable() ? "; nothing is exported"
                                                       : "; the export is not complete");
-        reportProblem(path, outcome.status.message + rest, io);
+        const QString otherFile = outcome.status.message == HtsReader::kBadPackagePreamble
+                                      ? otherFileText(firstBlock)
+                                      : QString();
+        const QLatin1String colon(otherFile.isEmpty() ? "" : ": ");
+        reportProblem(path, outcome.status.message + colon + otherFile + rest, io);
         return ExitCode::kErrors;
     }
     if (!output.finish())

@@ -126,10 +126,9 @@ void StructureTest::defectHasItsFindings_data()
     row("cut after the values", kPackage + kRun + kPreamble + kHeader + kValues,
         "37: slot-preamble");
     row("cut in the timesteps", kPackage + kRun.left(120), "9: timestep-line");
-    row("no byte", "", "1: package-preamble");
+    row("no byte", "", "1: not-hts");
     row("only an end", "END_PACKAGE_PREAMBLE\n", "1: no-runs");
-    row("text that is no HTS file", "<html>\n<body>\n\n",
-        "1: ignored-line;2: ignored-line;3: package-preamble");
+    row("text that is no HTS file", "<html>\n<body>\n\n", "1: not-hts");
 }
 
 void StructureTest::defectHasItsFindings()

@@ -73,7 +73,7 @@ QByteArray typed(AnnualizerRun& run, const QByteArray& terminal)
     return shown;
 }
 
-const char kBadFile[] = "no HTS file\n";
+const char kBadFile[] = "number_of_runs:1\n";
 const char kBadFileError[] =
     "in/bad.hts:1: error: the file ends where \"END_PACKAGE_PREAMBLE\" is expected; a conversion "
     "fails: \"Cannot read package preamble\" [package-preamble]\n";

@@ -664,11 +664,18 @@ void HtstoolTest::failedExportLeavesTheFileAsItWas_data()
         QTest::newRow(command) << QString::fromLatin1(command) << QByteArray(errors) << exitCode;
     };
     row("$PROGRAM export empty.hts -o k.csv",
-        "htstool: empty.hts: Cannot read package preamble; nothing is exported\n", 2);
+        "htstool: empty.hts: Cannot read package preamble: the file is empty; get it again; "
+        "nothing is "
+        "exported\n",
+        2);
     row("$PROGRAM export cut.hts -o link.csv",
         "htstool: cut.hts: Cannot read slot preamble; nothing is exported\n", 2);
     row("$PROGRAM export -w -r 2 cut.hts -o k.csv",
         "htstool: cut.hts: The file has 1 runs; nothing is exported\n", 2);
+    row("$PROGRAM check empty.hts --counts k.csv > /dev/null",
+        "empty.hts: 1 error, 0 warnings, 0 notes; a conversion fails: \"Cannot read package "
+        "preamble\"\n",
+        2);
     row("$PROGRAM export /proc/self/mem -o k.csv", "htstool: /proc/self/mem: Input/output error\n",
         3);
     row("limit; $PROGRAM export pond.hts -o k.csv", "htstool: k.csv: File too large\n", 3);
