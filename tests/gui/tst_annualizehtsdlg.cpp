@@ -578,8 +578,52 @@ private Q_SLOTS:
         }
     }
 
-    void takesPastedPathAsPath_data();
-    void takesPastedPathAsPath();
+    void takesPastedPathAsPath_data()
+    {
+        QTest::addColumn<QString>("pasted");
+        QTest::addColumn<QString>("path");
+        const auto row = [](const char* pasted, const char* path) {
+            QTest::newRow(pasted) << QString::fromLatin1(pasted) << QString::fromLatin1(path);
+        };
+        row("\"C:\\my data\\a.hts\"", "C:\\my data\\a.hts");
+        row("'/my data/a.hts'\n", "/my data/a.hts");
+        row("file:///my%20data/a.hts", "/my data/a.hts");
+        row("\"file:///a.hts\"", "/a.hts");
+        row("FILE:///100%/a#1?.hts", "/100%/a#1?.hts");
+        // Not a path in quotes or a URL.
+        for (const char* text : {"/my data/a.hts", " a.hts", "\"", "\"\"", "\"a.hts", "\"a\"b\"",
+                                 "a\"b\"", "\"a.hts'", "\"a.hts\"\n\"b.hts\"", "file:a.hts",
+                                 "file://", "http://a.org/b.hts", "$FOLDER/a.hts"})
+            row(text, text);
+    }
+
+    void takesPastedPathAsPath()
+    {
+        QFETCH(const QString, pasted);
+        QFETCH(const QString, path);
+        const Fixture f;
+        QGuiApplication::clipboard()->setText(pasted);
+        for (const char* field : kEdits) {
+            QLineEdit* edit = f.lineEdit(field);
+            const std::function<void()> ways[] = {
+                [edit] { QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier); },
+                [edit] { edit->paste(); }};
+            for (const auto& paste : ways) {
+                for (const char* tail : {"bcd", "d", ""}) { // that stays after the cursor
+                    const int selected = 3 - int(qstrlen(tail));
+                    edit->clear();
+                    QTest::keyClicks(edit, text("abcd"));
+                    edit->setCursorPosition(1);
+                    edit->cursorForward(true, selected);
+                    paste();
+                    QCOMPARE(edit->text(), QLatin1Char('a') + path + QLatin1String(tail));
+                    QCOMPARE(edit->cursorPosition(), path.size() + 1);
+                    edit->undo();
+                    QCOMPARE(edit->text(), QLatin1String("abcd"));
+                }
+            }
+        }
+    }
 
     // Also when it is what could be pasted.
     void leavesTextThatIsNotPasted()
@@ -693,8 +737,47 @@ private Q_SLOTS:
                         text("Integer for the end of year month is out of the range 1 to 12"));
     }
 
-    void refusesResultThatIsInput_data();
-    void refusesResultThatIsInput();
+    void refusesResultThatIsInput_data()
+    {
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<QString>("role");
+        QTest::addColumn<QString>("way");
+        QStringList ways = {text("same path"), text("other spelling")};
+        for (const Link kind : kindsOfLinks())
+            ways += kind == Link::Symbolic ? kSymbolicLink : kHardLink;
+        for (const QString& way : qAsConst(ways)) {
+            QTest::addRow("source by %s", qPrintable(way)) << "monthly.hts"
+                                                           << "source HTS file" << way;
+            QTest::addRow("control file by %s", qPrintable(way)) << "methods.txt"
+                                                                 << "method control file" << way;
+        }
+    }
+
+    void refusesResultThatIsInput()
+    {
+        QFETCH(const QString, input);
+        QFETCH(const QString, role);
+        QFETCH(const QString, way);
+
+        const Fixture f;
+        f.writeInputsAndEnterPaths();
+        const QString path = f.folder.filePath(input);
+        QString result = f.path("link.hts");
+        if (way == kSymbolicLink)
+            QVERIFY(makeLink(Link::Symbolic, path, result));
+        else if (way == kHardLink)
+            QVERIFY(makeLink(Link::Hard, path, result));
+        else if (way == QLatin1String("other spelling"))
+            result = f.folder.path() + QLatin1String("/.//") + input;
+        else
+            result = path;
+        f.lineEdit(kResultEdit)->setText(result);
+
+        f.expectFailure("Annualizer Configuration Error",
+                        QStringLiteral("The result HTS file is the %1 %2").arg(role, path));
+        QCOMPARE(f.content("monthly.hts"), monthlySource());
+        QCOMPARE(f.content("methods.txt"), monthlyControl());
+    }
 
     // Opening the result would create an empty control file.
     void refusesResultThatIsControlFileStillMissing()
@@ -770,7 +853,30 @@ private Q_SLOTS:
         QTest::newRow("as preset") << "" << decemberResult();
         QTest::newRow("September") << "September" << septemberResult();
     }
-    void convertsWithMonth();
+    void convertsWithMonth()
+    {
+        QFETCH(const QString, month);
+        QFETCH(const QByteArray, result);
+
+        const Fixture f;
+        f.writeInputsAndEnterPaths();
+        // Longer than the new result, which replaces all of it.
+        writeFile(f.path("annual.hts"), QByteArray(10000, 'x'));
+        if (!month.isEmpty())
+            QTest::keyClicks(f.months(), month);
+        const LogCollector log;
+        const QVector<Box> boxes = clickAndReadBoxes(f.button("_okButton"), log);
+        QCOMPARE(boxes.size(), 1);
+        compareBox(boxes.first(), "Annualize HTS", text("Annual HTS file successfully created!"));
+        const QStringList lines = boxes.first().linesBefore;
+        QCOMPARE(lines.constLast(), QLatin1String("Annual HTs file successfully created\n "));
+        QCOMPARE(lines.value(lines.size() - 2),
+                 QLatin1String("\"Successfully wrote 2 out of 2 slots\" "));
+        QCOMPARE(log.lines(), lines);
+        QCOMPARE(log.levels().count(QsLogging::InfoLevel), lines.size());
+        QCOMPARE(fromTextMode(f.content("annual.hts")), result);
+        QCOMPARE(f.content("monthly.hts"), monthlySource());
+    }
 
     void substitutesVariablesInAllPaths()
     {
@@ -886,7 +992,28 @@ private Q_SLOTS:
         QTest::newRow("title bar, diagnostics open") << true << false;
         QTest::newRow("button, diagnostics hidden") << false << true;
     }
-    void closingMainWindowEndsEventLoop();
+    void closingMainWindowEndsEventLoop()
+    {
+        QFETCH(const bool, withDiagnostics);
+        QFETCH(const bool, byButton);
+
+        const Fixture f;
+        const QPointer<UtilsNS::MessageViewer> diagnostics = f.diagnostics();
+        if (withDiagnostics)
+            f.click("_diagButton");
+        QCOMPARE(diagnostics->isVisible(), withDiagnostics);
+        QTimer::singleShot(0, f.window.get(), [&] {
+            if (byButton)
+                f.click("_cancelButton");
+            else
+                f.window->close();
+        });
+        constexpr int kGaveUp = 1;
+        QTimer::singleShot(20000, f.window.get(), [] { QCoreApplication::exit(kGaveUp); });
+        QCOMPARE(QApplication::exec(), 0);
+        QVERIFY(!f.window->isVisible());
+        QVERIFY(diagnostics == nullptr);
+    }
 
     void deletesDiagnosticsWindowWhenNeverClosed()
     {
@@ -923,173 +1050,35 @@ private Q_SLOTS:
                                 "F1 in _endMonthComboBox", "F1 in diagnostics"})
             QTest::newRow(way) << way;
     }
-    void opensHelp();
-};
+    void opensHelp()
+    {
+        QFETCH(const QString, way);
 
-void AnnualizeHtsDlgTest::takesPastedPathAsPath_data()
-{
-    QTest::addColumn<QString>("pasted");
-    QTest::addColumn<QString>("path");
-    const auto row = [](const char* pasted, const char* path) {
-        QTest::newRow(pasted) << QString::fromLatin1(pasted) << QString::fromLatin1(path);
-    };
-    row("\"C:\\my data\\a.hts\"", "C:\\my data\\a.hts");
-    row("'/my data/a.hts'\n", "/my data/a.hts");
-    row("file:///my%20data/a.hts", "/my data/a.hts");
-    row("\"file:///a.hts\"", "/a.hts");
-    row("FILE:///100%/a#1?.hts", "/100%/a#1?.hts");
-    // Not a path in quotes or a URL.
-    for (const char* text :
-         {"/my data/a.hts", " a.hts", "\"", "\"\"", "\"a.hts", "\"a\"b\"", "a\"b\"", "\"a.hts'",
-          "\"a.hts\"\n\"b.hts\"", "file:a.hts", "file://", "http://a.org/b.hts", "$FOLDER/a.hts"})
-        row(text, text);
-}
-
-void AnnualizeHtsDlgTest::takesPastedPathAsPath()
-{
-    QFETCH(const QString, pasted);
-    QFETCH(const QString, path);
-    const Fixture f;
-    QGuiApplication::clipboard()->setText(pasted);
-    for (const char* field : kEdits) {
-        QLineEdit* edit = f.lineEdit(field);
-        const std::function<void()> ways[] = {
-            [edit] { QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier); },
-            [edit] { edit->paste(); }};
-        for (const auto& paste : ways) {
-            for (const char* tail : {"bcd", "d", ""}) { // that stays after the cursor
-                const int selected = 3 - int(qstrlen(tail));
-                edit->clear();
-                QTest::keyClicks(edit, text("abcd"));
-                edit->setCursorPosition(1);
-                edit->cursorForward(true, selected);
-                paste();
-                QCOMPARE(edit->text(), QLatin1Char('a') + path + QLatin1String(tail));
-                QCOMPARE(edit->cursorPosition(), path.size() + 1);
-                edit->undo();
-                QCOMPARE(edit->text(), QLatin1String("abcd"));
-            }
+        const Fixture f;
+        const HelpRecorder recorder(f.folder.path());
+        QWidget* widget = f.window->findChild<QWidget*>(way.section(QLatin1Char(' '), -1));
+        if (widget == nullptr) {
+            f.click("_diagButton");
+            QVERIFY(QTest::qWaitForWindowActive(f.diagnostics()));
+            widget = f.diagnostics()->findChild<QTreeWidget*>();
         }
-    }
-}
-
-void AnnualizeHtsDlgTest::refusesResultThatIsInput_data()
-{
-    QTest::addColumn<QString>("input");
-    QTest::addColumn<QString>("role");
-    QTest::addColumn<QString>("way");
-    QStringList ways = {text("same path"), text("other spelling")};
-    for (const Link kind : kindsOfLinks())
-        ways += kind == Link::Symbolic ? kSymbolicLink : kHardLink;
-    for (const QString& way : qAsConst(ways)) {
-        QTest::addRow("source by %s", qPrintable(way)) << "monthly.hts"
-                                                       << "source HTS file" << way;
-        QTest::addRow("control file by %s", qPrintable(way)) << "methods.txt"
-                                                             << "method control file" << way;
-    }
-}
-
-void AnnualizeHtsDlgTest::refusesResultThatIsInput()
-{
-    QFETCH(const QString, input);
-    QFETCH(const QString, role);
-    QFETCH(const QString, way);
-
-    const Fixture f;
-    f.writeInputsAndEnterPaths();
-    const QString path = f.folder.filePath(input);
-    QString result = f.path("link.hts");
-    if (way == kSymbolicLink)
-        QVERIFY(makeLink(Link::Symbolic, path, result));
-    else if (way == kHardLink)
-        QVERIFY(makeLink(Link::Hard, path, result));
-    else if (way == QLatin1String("other spelling"))
-        result = f.folder.path() + QLatin1String("/.//") + input;
-    else
-        result = path;
-    f.lineEdit(kResultEdit)->setText(result);
-
-    f.expectFailure("Annualizer Configuration Error",
-                    QStringLiteral("The result HTS file is the %1 %2").arg(role, path));
-    QCOMPARE(f.content("monthly.hts"), monthlySource());
-    QCOMPARE(f.content("methods.txt"), monthlyControl());
-}
-
-void AnnualizeHtsDlgTest::convertsWithMonth()
-{
-    QFETCH(const QString, month);
-    QFETCH(const QByteArray, result);
-
-    const Fixture f;
-    f.writeInputsAndEnterPaths();
-    // Longer than the new result, which replaces all of it.
-    writeFile(f.path("annual.hts"), QByteArray(10000, 'x'));
-    if (!month.isEmpty())
-        QTest::keyClicks(f.months(), month);
-    const LogCollector log;
-    const QVector<Box> boxes = clickAndReadBoxes(f.button("_okButton"), log);
-    QCOMPARE(boxes.size(), 1);
-    compareBox(boxes.first(), "Annualize HTS", text("Annual HTS file successfully created!"));
-    const QStringList lines = boxes.first().linesBefore;
-    QCOMPARE(lines.constLast(), QLatin1String("Annual HTs file successfully created\n "));
-    QCOMPARE(lines.value(lines.size() - 2),
-             QLatin1String("\"Successfully wrote 2 out of 2 slots\" "));
-    QCOMPARE(log.lines(), lines);
-    QCOMPARE(log.levels().count(QsLogging::InfoLevel), lines.size());
-    QCOMPARE(fromTextMode(f.content("annual.hts")), result);
-    QCOMPARE(f.content("monthly.hts"), monthlySource());
-}
-
-void AnnualizeHtsDlgTest::closingMainWindowEndsEventLoop()
-{
-    QFETCH(const bool, withDiagnostics);
-    QFETCH(const bool, byButton);
-
-    const Fixture f;
-    const QPointer<UtilsNS::MessageViewer> diagnostics = f.diagnostics();
-    if (withDiagnostics)
-        f.click("_diagButton");
-    QCOMPARE(diagnostics->isVisible(), withDiagnostics);
-    QTimer::singleShot(0, f.window.get(), [&] {
-        if (byButton)
-            f.click("_cancelButton");
+        const LogCollector log;
+        widget->setFocus();
+        if (way == QLatin1String("_helpButton"))
+            QTest::mouseClick(widget, Qt::LeftButton);
         else
-            f.window->close();
-    });
-    constexpr int kGaveUp = 1;
-    QTimer::singleShot(20000, f.window.get(), [] { QCoreApplication::exit(kGaveUp); });
-    QCOMPARE(QApplication::exec(), 0);
-    QVERIFY(!f.window->isVisible());
-    QVERIFY(diagnostics == nullptr);
-}
+            QTest::keyClick(widget, Qt::Key_F1);
 
-void AnnualizeHtsDlgTest::opensHelp()
-{
-    QFETCH(const QString, way);
-
-    const Fixture f;
-    const HelpRecorder recorder(f.folder.path());
-    QWidget* widget = f.window->findChild<QWidget*>(way.section(QLatin1Char(' '), -1));
-    if (widget == nullptr) {
-        f.click("_diagButton");
-        QVERIFY(QTest::qWaitForWindowActive(f.diagnostics()));
-        widget = f.diagnostics()->findChild<QTreeWidget*>();
+        const QString folder = QCoreApplication::applicationDirPath();
+        const QString logged = AnnualizeHtsDlg::helpPageUrl(folder);
+        QCOMPARE(log.lines(), QStringList(QStringLiteral("Opening help file %1 ").arg(logged)));
+        QCOMPARE(log.levels(), QVector<QsLogging::Level>{QsLogging::InfoLevel});
+        QTRY_VERIFY_WITH_TIMEOUT(recorder.hasOpened(), 60000);
+        QCOMPARE(recorder.opened(),
+                 "1|file:///" + folder.toUtf8() + "/Help/HtsAnnualizerHelp.html");
+        QVERIFY(QApplication::activeModalWidget() == nullptr);
     }
-    const LogCollector log;
-    widget->setFocus();
-    if (way == QLatin1String("_helpButton"))
-        QTest::mouseClick(widget, Qt::LeftButton);
-    else
-        QTest::keyClick(widget, Qt::Key_F1);
-
-    const QString folder = QCoreApplication::applicationDirPath();
-    const QString logged = AnnualizeHtsDlg::helpPageUrl(folder);
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("Opening help file %1 ").arg(logged)));
-    QCOMPARE(log.levels(), QVector<QsLogging::Level>{QsLogging::InfoLevel});
-    QTRY_VERIFY_WITH_TIMEOUT(recorder.hasOpened(), 60000);
-    QCOMPARE(recorder.opened(), "1|file:///" + folder.toUtf8() + "/Help/HtsAnnualizerHelp.html");
-    QVERIFY(QApplication::activeModalWidget() == nullptr);
-}
+};
 
 HTS_TEST(AnnualizeHtsDlgTest, QApplication)
 #include "tst_annualizehtsdlg.moc"

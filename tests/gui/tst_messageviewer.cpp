@@ -298,9 +298,57 @@ private Q_SLOTS:
         }
     }
 
-    void rowsAreReadable_data();
-    void rowsAreReadable();
-    void paintsRowsOnALightBackground_data();
+    void rowsAreReadable_data()
+    {
+        QTest::addColumn<bool>("isDark");
+        QTest::addColumn<bool>("isDarkBefore"); // the window is made
+        QTest::newRow("usual desktop") << false << false;
+        QTest::newRow("dark desktop") << true << true;
+        QTest::newRow("desktop that turns dark") << true << false;
+    }
+
+    void rowsAreReadable()
+    {
+        QFETCH(const bool, isDark);
+        QFETCH(const bool, isDarkBefore);
+
+        const QPalette usual = QApplication::palette();
+        const ApplicationPalette atFirst(isDarkBefore ? darkPalette() : usual);
+        Fixture f;
+        for (const QsLogging::Level level : kShownLevels)
+            f.viewer.addMessage(level, kOneColumn);
+        const ApplicationPalette later(isDark ? darkPalette() : usual);
+        f.show();
+
+        constexpr double kMinContrast = 4.5;
+        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+            const auto color = [&](QPalette::ColorRole role) {
+                return f.tree->palette().color(group, role);
+            };
+            for (int row = 0; row < f.tree->topLevelItemCount(); ++row) {
+                const QColor text = f.tree->topLevelItem(row)->foreground(0).color();
+                QVERIFY(contrast(text, color(QPalette::Base)) >= kMinContrast);
+                QVERIFY(contrast(text, color(QPalette::AlternateBase)) >= kMinContrast);
+                // Some styles keep a row's colour when it is selected.
+                QVERIFY(contrast(text, color(QPalette::Highlight)) >= kMinContrast);
+            }
+            QVERIFY(contrast(color(QPalette::HighlightedText), color(QPalette::Highlight)) >=
+                    kMinContrast);
+            const QPalette header = f.tree->header()->palette();
+            QVERIFY(contrast(header.color(group, QPalette::ButtonText),
+                             header.color(group, QPalette::Button)) >= kMinContrast);
+            const QPalette bar = f.scrollBar->palette();
+            QCOMPARE(bar.color(group, QPalette::Window), header.color(group, QPalette::Window));
+        }
+    }
+
+    void paintsRowsOnALightBackground_data()
+    {
+        QTest::addColumn<bool>("isActive");
+        QTest::newRow("active") << true;
+        QTest::newRow("inactive") << false;
+    }
+
     void paintsRowsOnALightBackground();
 
     void dropsRowsOfOtherLength()
@@ -317,12 +365,151 @@ private Q_SLOTS:
         }
     }
 
-    void sectionsFitAllRows_data();
-    void sectionsFitAllRows();
-    void sectionsFitAllScripts_data();
-    void sectionsFitAllScripts();
-    void sectionsFitRowsThatComeIntoView_data();
-    void sectionsFitRowsThatComeIntoView();
+    void sectionsFitAllRows_data()
+    {
+        QTest::addColumn<int>("rowCount");
+        QTest::addColumn<int>("wideRow");
+        QTest::addColumn<QString>("wideText");
+        QTest::addColumn<bool>("isShown");
+
+        const QString latin(60, QLatin1Char('W'));
+        const QString other(60, QChar(0x6c34)); // as wide as it is high
+        for (const bool isShown : {false, true}) {
+            const char* state = isShown ? "shown" : "hidden";
+            const auto add = [&](const char* name, int rowCount, int wideRow, const QString& text) {
+                QTest::addRow("%s, %s", name, state) << rowCount << wideRow << text << isShown;
+            };
+            add("single row", 1, 0, latin);
+            add("narrower than the header", 1, 0, QStringLiteral("x"));
+            add("first row of a short list", 40, 0, latin);
+            add("last row of a short list", 40, 39, latin);
+            add("first row of a long list", 3000, 0, latin);
+            add("middle row of a long list", 3000, 1500, latin);
+            add("last row of a long list", 3000, 2999, latin);
+            add("not of Latin letters", 3000, 1500, other);
+            add("two lines in a row", 40, 20, latin + QLatin1Char('\n') + latin);
+        }
+    }
+
+    void sectionsFitAllRows()
+    {
+        QFETCH(const int, rowCount);
+        QFETCH(const int, wideRow);
+        QFETCH(const QString, wideText);
+        QFETCH(const bool, isShown);
+
+        Fixture f;
+        if (isShown)
+            f.show();
+        for (int row = 0; row < rowCount; ++row)
+            f.add({row == wideRow ? wideText : QStringLiteral("line %1").arg(row)});
+        // A short list is updated at once, a long one in the event loop.
+        if (rowCount > 50)
+            QApplication::processEvents();
+
+        QCOMPARE(f.tree->header()->sectionSize(0), f.neededWidth());
+        QCOMPARE(f.tree->header()->sectionResizeMode(0), QHeaderView::Fixed);
+    }
+
+    void sectionsFitAllScripts_data()
+    {
+        QTest::addColumn<QString>("common"); // in most rows
+        QTest::addColumn<QString>("widest"); // in one of them
+        QTest::addColumn<int>("rowCount");
+
+        const auto add = [](const char* name, const char* common, const char* widest) {
+            for (const int rowCount : {20, 200}) {
+                QTest::addRow("%s, %d rows", name, rowCount)
+                    << QString::fromUtf8(common) << QString::fromUtf8(widest) << rowCount;
+            }
+        };
+        const char* const latin =
+            "INFO  Slot Reservoir of the Upper Basin.Outflow is aggregated with "
+            "AverageNaN over each year ";
+        add("Cyrillic and a longer Latin row",
+            "INFO  Водохранилище Верхнее.Расход воды усредняется по годам", latin);
+        add("Latin and a longer Cyrillic row", "INFO  Slot Lake.Outflow",
+            "INFO  Водохранилище Верхнее.Расход воды усредняется по годам");
+        add("thin and wide letters of one number", "iiiiiiiiiiiiiiiiiiii", "WWWWWWWWWWWWWWWWWWWW");
+        add("pairs that are moved together", "VAVAVAVAVAVAVAVAVAVA", "AAAAAAAAAAVVVVVVVVVV");
+        add("ligatures", "fifififififlflflflfl", "ififififiilflflflflf");
+        add("Greek, Han and kana", "Ταμιευτήρας 水庫の水", "Ταμιευτήρας 水庫の水 ダム");
+        add("Arabic", "خزان خزان خزان خزان", "خزان المياه في الوادي الكبير");
+        add("Devanagari", "जलाशय जलाशय", "जलाशय क्षेत्र विद्युत्");
+        add("Thai and Hebrew", "อ่างเก็บน้ำ", "אֲגַם הַמַּיִם הַגָּדוֹל אֲגַם");
+        add("combining marks", "e\u0301e\u0301e\u0301", "a\u0302\u0301a\u0302\u0301a\u0302\u0301b");
+        add("signs beyond the basic plane", "\U0001F30A\U0001F30A",
+            "\U0001F30A\U0001D49C\U0001F30A");
+        add("tabs", "a\tb", "a\tb\tc\td");
+        add("several lines", "one\ntwo", "one\ntwo and three\nfour");
+        add("blanks at the end", "Reservoir                                ",
+            "Reservoir Upper Basin");
+        add("other blanks at the end", "Reservoir\u3000\u3000\u3000\u3000\u3000\u00a0\u2003\u2003",
+            "Reservoir Upper Basin");
+        add("blanks at the start", "Reservoir", "           Reservoir");
+    }
+
+    // One row of another script or shape must not be cut off, in any list.
+    void sectionsFitAllScripts()
+    {
+        QFETCH(const QString, common);
+        QFETCH(const QString, widest);
+        QFETCH(const int, rowCount);
+
+        Fixture f;
+        const auto addRows = [&](int widestRow) {
+            for (int row = 0; row < rowCount; ++row)
+                f.add({row == widestRow ? widest : common + QString::number(row)});
+            QApplication::processEvents();
+        };
+        for (const int widestRow : {0, rowCount / 2, rowCount - 1}) {
+            f.action("Clear")->trigger();
+            addRows(widestRow);
+            QTRY_COMPARE(f.tree->columnWidth(0), f.neededWidth());
+        }
+    }
+
+    void sectionsFitRowsThatComeIntoView_data()
+    {
+        QTest::addColumn<int>("wideRow");
+        QTest::addColumn<int>("height"); // of the window
+        QTest::addColumn<int>("letterSpacing");
+        QTest::addColumn<Qt::LayoutDirection>("direction");
+        QTest::newRow("scrolled to") << 1500 << 300 << 100 << Qt::LeftToRight;
+        // That the screen of a test on Windows has room for.
+        QTest::newRow("in a higher window") << 35 << 900 << 100 << Qt::LeftToRight;
+        QTest::newRow("in another font") << 1500 << 300 << 150 << Qt::LeftToRight;
+        QTest::newRow("from right to left") << 1500 << 300 << 100 << Qt::RightToLeft;
+    }
+
+    // Nothing distinguishes the wide row but the width of its letters.
+    void sectionsFitRowsThatComeIntoView()
+    {
+        QFETCH(const int, wideRow);
+        QFETCH(const int, height);
+        QFETCH(const int, letterSpacing);
+        QFETCH(const Qt::LayoutDirection, direction);
+
+        Fixture f;
+        f.viewer.setLayoutDirection(direction);
+        f.show();
+        f.checkBox->click(); // no automatic scrolling
+        for (int row = 0; row < 3000; ++row)
+            f.add({QString(20, QLatin1Char(row == wideRow ? 'W' : 'i'))});
+        QApplication::processEvents();
+        f.viewer.resize(600, height);
+        QApplication::processEvents();
+        QTreeWidgetItem* wide = f.tree->topLevelItem(wideRow);
+        f.tree->scrollToItem(wide);
+        if (letterSpacing != 100) {
+            QFont font = f.viewer.font();
+            font.setLetterSpacing(QFont::PercentageSpacing, letterSpacing);
+            f.viewer.setFont(font);
+        }
+        const QModelIndex index = f.tree->model()->index(wideRow, 0);
+        QTRY_COMPARE(f.tree->columnWidth(0), f.tree->sizeHintForIndex(index).width());
+        QCOMPARE(f.scrollBar->value() > 0, wideRow > 35);
+    }
 
     void sectionsFitRowsAfterClear()
     {
@@ -376,8 +563,47 @@ private Q_SLOTS:
         }
     }
 
-    void scrollsToTheLastRow_data();
-    void scrollsToTheLastRow();
+    void scrollsToTheLastRow_data()
+    {
+        QTest::addColumn<int>("rowCount");
+        QTest::addColumn<QString>("lastText");
+        QTest::addColumn<bool>("isShown");
+
+        const QString tooWide(200, QLatin1Char('W')); // a horizontal scroll bar covers the bottom
+        for (const bool isShown : {false, true}) {
+            const char* state = isShown ? "shown" : "hidden";
+            const auto add = [&](const char* name, int rowCount, const QString& text) {
+                QTest::addRow("%s, %s", name, state) << rowCount << text << isShown;
+            };
+            add("short list", 40, QStringLiteral("last"));
+            add("long list", 3000, QStringLiteral("last"));
+            add("short list, wide last row", 40, tooWide);
+            add("long list, wide last row", 3000, tooWide);
+        }
+    }
+
+    void scrollsToTheLastRow()
+    {
+        QFETCH(const int, rowCount);
+        QFETCH(const QString, lastText);
+        QFETCH(const bool, isShown);
+
+        Fixture f;
+        if (isShown)
+            f.show();
+        f.addLines(rowCount - 1);
+        f.add({lastText});
+        if (rowCount <= 50)
+            QVERIFY(f.isLastRowInView());
+        for (int i = 0; i < 5; ++i) {
+            QApplication::processEvents();
+            // The rest of a hidden window's geometry follows when it is shown.
+            if (isShown || lastText == QLatin1String("last"))
+                QVERIFY(f.isLastRowInView());
+        }
+        f.show();
+        QTRY_VERIFY(f.isLastRowInView());
+    }
 
     void showsTheLastRowAfterHiddenTimes()
     {
@@ -774,57 +1000,6 @@ private Q_SLOTS:
     }
 };
 
-void TestMessageViewer::rowsAreReadable_data()
-{
-    QTest::addColumn<bool>("isDark");
-    QTest::addColumn<bool>("isDarkBefore"); // the window is made
-    QTest::newRow("usual desktop") << false << false;
-    QTest::newRow("dark desktop") << true << true;
-    QTest::newRow("desktop that turns dark") << true << false;
-}
-
-void TestMessageViewer::rowsAreReadable()
-{
-    QFETCH(const bool, isDark);
-    QFETCH(const bool, isDarkBefore);
-
-    const QPalette usual = QApplication::palette();
-    const ApplicationPalette atFirst(isDarkBefore ? darkPalette() : usual);
-    Fixture f;
-    for (const QsLogging::Level level : kShownLevels)
-        f.viewer.addMessage(level, kOneColumn);
-    const ApplicationPalette later(isDark ? darkPalette() : usual);
-    f.show();
-
-    constexpr double kMinContrast = 4.5;
-    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-        const auto color = [&](QPalette::ColorRole role) {
-            return f.tree->palette().color(group, role);
-        };
-        for (int row = 0; row < f.tree->topLevelItemCount(); ++row) {
-            const QColor text = f.tree->topLevelItem(row)->foreground(0).color();
-            QVERIFY(contrast(text, color(QPalette::Base)) >= kMinContrast);
-            QVERIFY(contrast(text, color(QPalette::AlternateBase)) >= kMinContrast);
-            // Some styles keep a row's colour when it is selected.
-            QVERIFY(contrast(text, color(QPalette::Highlight)) >= kMinContrast);
-        }
-        QVERIFY(contrast(color(QPalette::HighlightedText), color(QPalette::Highlight)) >=
-                kMinContrast);
-        const QPalette header = f.tree->header()->palette();
-        QVERIFY(contrast(header.color(group, QPalette::ButtonText),
-                         header.color(group, QPalette::Button)) >= kMinContrast);
-        const QPalette bar = f.scrollBar->palette();
-        QCOMPARE(bar.color(group, QPalette::Window), header.color(group, QPalette::Window));
-    }
-}
-
-void TestMessageViewer::paintsRowsOnALightBackground_data()
-{
-    QTest::addColumn<bool>("isActive");
-    QTest::newRow("active") << true;
-    QTest::newRow("inactive") << false;
-}
-
 void TestMessageViewer::paintsRowsOnALightBackground()
 {
     QFETCH(const bool, isActive);
@@ -878,191 +1053,6 @@ void TestMessageViewer::paintsRowsOnALightBackground()
         QVERIFY(selectedColors.count(ground) > selectedColors.size() / 3);
         QVERIFY(strongest(selectedColors, ground) >= 4.5);
     }
-}
-
-void TestMessageViewer::sectionsFitAllRows_data()
-{
-    QTest::addColumn<int>("rowCount");
-    QTest::addColumn<int>("wideRow");
-    QTest::addColumn<QString>("wideText");
-    QTest::addColumn<bool>("isShown");
-
-    const QString latin(60, QLatin1Char('W'));
-    const QString other(60, QChar(0x6c34)); // as wide as it is high
-    for (const bool isShown : {false, true}) {
-        const char* state = isShown ? "shown" : "hidden";
-        const auto add = [&](const char* name, int rowCount, int wideRow, const QString& text) {
-            QTest::addRow("%s, %s", name, state) << rowCount << wideRow << text << isShown;
-        };
-        add("single row", 1, 0, latin);
-        add("narrower than the header", 1, 0, QStringLiteral("x"));
-        add("first row of a short list", 40, 0, latin);
-        add("last row of a short list", 40, 39, latin);
-        add("first row of a long list", 3000, 0, latin);
-        add("middle row of a long list", 3000, 1500, latin);
-        add("last row of a long list", 3000, 2999, latin);
-        add("not of Latin letters", 3000, 1500, other);
-        add("two lines in a row", 40, 20, latin + QLatin1Char('\n') + latin);
-    }
-}
-
-void TestMessageViewer::sectionsFitAllRows()
-{
-    QFETCH(const int, rowCount);
-    QFETCH(const int, wideRow);
-    QFETCH(const QString, wideText);
-    QFETCH(const bool, isShown);
-
-    Fixture f;
-    if (isShown)
-        f.show();
-    for (int row = 0; row < rowCount; ++row)
-        f.add({row == wideRow ? wideText : QStringLiteral("line %1").arg(row)});
-    // A short list is updated at once, a long one in the event loop.
-    if (rowCount > 50)
-        QApplication::processEvents();
-
-    QCOMPARE(f.tree->header()->sectionSize(0), f.neededWidth());
-    QCOMPARE(f.tree->header()->sectionResizeMode(0), QHeaderView::Fixed);
-}
-
-void TestMessageViewer::sectionsFitAllScripts_data()
-{
-    QTest::addColumn<QString>("common"); // in most rows
-    QTest::addColumn<QString>("widest"); // in one of them
-    QTest::addColumn<int>("rowCount");
-
-    const auto add = [](const char* name, const char* common, const char* widest) {
-        for (const int rowCount : {20, 200}) {
-            QTest::addRow("%s, %d rows", name, rowCount)
-                << QString::fromUtf8(common) << QString::fromUtf8(widest) << rowCount;
-        }
-    };
-    const char* const latin = "INFO  Slot Reservoir of the Upper Basin.Outflow is aggregated with "
-                              "AverageNaN over each year ";
-    add("Cyrillic and a longer Latin row",
-        "INFO  Водохранилище Верхнее.Расход воды усредняется по годам", latin);
-    add("Latin and a longer Cyrillic row", "INFO  Slot Lake.Outflow",
-        "INFO  Водохранилище Верхнее.Расход воды усредняется по годам");
-    add("thin and wide letters of one number", "iiiiiiiiiiiiiiiiiiii", "WWWWWWWWWWWWWWWWWWWW");
-    add("pairs that are moved together", "VAVAVAVAVAVAVAVAVAVA", "AAAAAAAAAAVVVVVVVVVV");
-    add("ligatures", "fifififififlflflflfl", "ififififiilflflflflf");
-    add("Greek, Han and kana", "Ταμιευτήρας 水庫の水", "Ταμιευτήρας 水庫の水 ダム");
-    add("Arabic", "خزان خزان خزان خزان", "خزان المياه في الوادي الكبير");
-    add("Devanagari", "जलाशय जलाशय", "जलाशय क्षेत्र विद्युत्");
-    add("Thai and Hebrew", "อ่างเก็บน้ำ", "אֲגַם הַמַּיִם הַגָּדוֹל אֲגַם");
-    add("combining marks", "e\u0301e\u0301e\u0301", "a\u0302\u0301a\u0302\u0301a\u0302\u0301b");
-    add("signs beyond the basic plane", "\U0001F30A\U0001F30A", "\U0001F30A\U0001D49C\U0001F30A");
-    add("tabs", "a\tb", "a\tb\tc\td");
-    add("several lines", "one\ntwo", "one\ntwo and three\nfour");
-    add("blanks at the end", "Reservoir                                ", "Reservoir Upper Basin");
-    add("other blanks at the end", "Reservoir\u3000\u3000\u3000\u3000\u3000\u00a0\u2003\u2003",
-        "Reservoir Upper Basin");
-    add("blanks at the start", "Reservoir", "           Reservoir");
-}
-
-// One row of another script or shape must not be cut off, in any list.
-void TestMessageViewer::sectionsFitAllScripts()
-{
-    QFETCH(const QString, common);
-    QFETCH(const QString, widest);
-    QFETCH(const int, rowCount);
-
-    Fixture f;
-    const auto addRows = [&](int widestRow) {
-        for (int row = 0; row < rowCount; ++row)
-            f.add({row == widestRow ? widest : common + QString::number(row)});
-        QApplication::processEvents();
-    };
-    for (const int widestRow : {0, rowCount / 2, rowCount - 1}) {
-        f.action("Clear")->trigger();
-        addRows(widestRow);
-        QTRY_COMPARE(f.tree->columnWidth(0), f.neededWidth());
-    }
-}
-
-void TestMessageViewer::sectionsFitRowsThatComeIntoView_data()
-{
-    QTest::addColumn<int>("wideRow");
-    QTest::addColumn<int>("height"); // of the window
-    QTest::addColumn<int>("letterSpacing");
-    QTest::addColumn<Qt::LayoutDirection>("direction");
-    QTest::newRow("scrolled to") << 1500 << 300 << 100 << Qt::LeftToRight;
-    // That the screen of a test on Windows has room for.
-    QTest::newRow("in a higher window") << 35 << 900 << 100 << Qt::LeftToRight;
-    QTest::newRow("in another font") << 1500 << 300 << 150 << Qt::LeftToRight;
-    QTest::newRow("from right to left") << 1500 << 300 << 100 << Qt::RightToLeft;
-}
-
-// Nothing distinguishes the wide row but the width of its letters.
-void TestMessageViewer::sectionsFitRowsThatComeIntoView()
-{
-    QFETCH(const int, wideRow);
-    QFETCH(const int, height);
-    QFETCH(const int, letterSpacing);
-    QFETCH(const Qt::LayoutDirection, direction);
-
-    Fixture f;
-    f.viewer.setLayoutDirection(direction);
-    f.show();
-    f.checkBox->click(); // no automatic scrolling
-    for (int row = 0; row < 3000; ++row)
-        f.add({QString(20, QLatin1Char(row == wideRow ? 'W' : 'i'))});
-    QApplication::processEvents();
-    f.viewer.resize(600, height);
-    QApplication::processEvents();
-    QTreeWidgetItem* wide = f.tree->topLevelItem(wideRow);
-    f.tree->scrollToItem(wide);
-    if (letterSpacing != 100) {
-        QFont font = f.viewer.font();
-        font.setLetterSpacing(QFont::PercentageSpacing, letterSpacing);
-        f.viewer.setFont(font);
-    }
-    const QModelIndex index = f.tree->model()->index(wideRow, 0);
-    QTRY_COMPARE(f.tree->columnWidth(0), f.tree->sizeHintForIndex(index).width());
-    QCOMPARE(f.scrollBar->value() > 0, wideRow > 35);
-}
-
-void TestMessageViewer::scrollsToTheLastRow_data()
-{
-    QTest::addColumn<int>("rowCount");
-    QTest::addColumn<QString>("lastText");
-    QTest::addColumn<bool>("isShown");
-
-    const QString tooWide(200, QLatin1Char('W')); // a horizontal scroll bar covers the bottom
-    for (const bool isShown : {false, true}) {
-        const char* state = isShown ? "shown" : "hidden";
-        const auto add = [&](const char* name, int rowCount, const QString& text) {
-            QTest::addRow("%s, %s", name, state) << rowCount << text << isShown;
-        };
-        add("short list", 40, QStringLiteral("last"));
-        add("long list", 3000, QStringLiteral("last"));
-        add("short list, wide last row", 40, tooWide);
-        add("long list, wide last row", 3000, tooWide);
-    }
-}
-
-void TestMessageViewer::scrollsToTheLastRow()
-{
-    QFETCH(const int, rowCount);
-    QFETCH(const QString, lastText);
-    QFETCH(const bool, isShown);
-
-    Fixture f;
-    if (isShown)
-        f.show();
-    f.addLines(rowCount - 1);
-    f.add({lastText});
-    if (rowCount <= 50)
-        QVERIFY(f.isLastRowInView());
-    for (int i = 0; i < 5; ++i) {
-        QApplication::processEvents();
-        // The rest of a hidden window's geometry follows when it is shown.
-        if (isShown || lastText == QLatin1String("last"))
-            QVERIFY(f.isLastRowInView());
-    }
-    f.show();
-    QTRY_VERIFY(f.isLastRowInView());
 }
 
 HTS_TEST(TestMessageViewer, QApplication)

@@ -47,198 +47,167 @@ class TestMessageWatcher : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void signalHasItsSignature();
-    void removesTheTimeStamp_data();
-    void removesTheTimeStamp();
-    void narrowsTheLevel_data();
-    void narrowsTheLevel();
-    void emitsOnTheLoggingThread();
-    void takesLinesOfSeveralThreadsAtOnce();
-    void losesLinesWithoutReceiver();
-    void setsTheThreshold_data();
-    void setsTheThreshold();
-    void servesTheLogger();
-};
-
-void TestMessageWatcher::signalHasItsSignature()
-{
-    const QMetaObject& meta = UtilsNS::MessageWatcher::staticMetaObject;
-    QCOMPARE(meta.methodCount() - meta.methodOffset(), 1);
-    const QMetaMethod method = meta.method(meta.methodOffset());
-    QCOMPARE(method.methodType(), QMetaMethod::Signal);
-    QCOMPARE(method.methodSignature(), QByteArray("message(QsLogging::Level,QString)"));
-    QVERIFY(messageWatcher.parent() == nullptr);
-}
-
-void TestMessageWatcher::removesTheTimeStamp_data()
-{
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QString>("expected");
-
-    const auto add = [](const char* name, const char* line, const char* expected) {
-        QTest::newRow(name) << QString::fromUtf8(line) << QString::fromUtf8(expected);
-    };
-    add("stamp and three blanks", "2015-06-30T14:05:09.123   Cannot read file", "Cannot read file");
-    add("level name before the stamp", "WARN  2015-06-30T14:05:09.123 Text", "WARN  Text");
-    add("one blank before the stamp", "ERROR 2015-06-30T14:05:09.123 Text", "ERROR Text");
-    add("tab and line feed after", "2015-06-30T14:05:09.123\t\n Text", "Text");
-    add("blanks at the end stay", "2015-06-30T14:05:09.123 Text  ", "Text  ");
-    add("in the middle", "a 2015-06-30T14:05:09.123 b", "a b");
-    add("nothing after the blank", "2015-06-30T14:05:09.123 ", "");
-    add("first of two", "2015-06-30T14:05:09.123 2016-07-31T15:06:10.456 Text",
-        "2016-07-31T15:06:10.456 Text");
-    add("first that is whole", "2015-06-30T14:05:09 2016-07-31T15:06:10.456 Text",
-        "2015-06-30T14:05:09 Text");
-    add("more digits in front", "12015-06-30T14:05:09.123 Text", "1Text");
-    add("two digits of milliseconds", "2015-06-30T14:05:09.12 Text", "2015-06-30T14:05:09.12 Text");
-    add("four digits of milliseconds", "2015-06-30T14:05:09.1234 Text",
-        "2015-06-30T14:05:09.1234 Text");
-    add("no milliseconds", "2015-06-30T14:05:09 Text", "2015-06-30T14:05:09 Text");
-    add("no white space after", "2015-06-30T14:05:09.123Text", "2015-06-30T14:05:09.123Text");
-    add("stamp at the end", "Text 2015-06-30T14:05:09.123", "Text 2015-06-30T14:05:09.123");
-    add("lower case t", "2015-06-30t14:05:09.123 Text", "2015-06-30t14:05:09.123 Text");
-    add("comma for the point", "2015-06-30T14:05:09,123 Text", "2015-06-30T14:05:09,123 Text");
-    add("digits of another script", "2015-06-30T14:05:09.12\xd9\xa3 Text", "Text");
-    add("no-break space", "2015-06-30T14:05:09.123\xc2\xa0Text", "Text");
-    add("next line", "2015-06-30T14:05:09.123\xc2\x85Text", "Text");
-    add("line separator", "2015-06-30T14:05:09.123\xe2\x80\xa8Text", "Text");
-    add("zero-width space is none", "2015-06-30T14:05:09.123\xe2\x80\x8bText",
-        "2015-06-30T14:05:09.123\xe2\x80\x8bText");
-    add("letters outside the first plane", "2015-06-30T14:05:09.123 \xf0\x9d\x84\x9e",
-        "\xf0\x9d\x84\x9e");
-    QTest::newRow("name that is not UTF-8")
-        << QStringLiteral("2015-06-30T14:05:09.123 ") + QChar(0xdcff) << QString(QChar(0xdcff));
-    add("no stamp", "INFO  Text", "INFO  Text");
-    add("empty", "", "");
-}
-
-void TestMessageWatcher::removesTheTimeStamp()
-{
-    QFETCH(const QString, line);
-    QFETCH(const QString, expected);
-
-    const Recorder recorder;
-    watcherDestination(line, QsLogging::InfoLevel);
-    QCOMPARE(recorder.lines.size(), 1);
-    QCOMPARE(recorder.lines.first().text, expected);
-}
-
-void TestMessageWatcher::narrowsTheLevel_data()
-{
-    QTest::addColumn<int>("level");
-    QTest::addColumn<int>("expected");
-
-    QTest::newRow("trace") << int(QsLogging::TraceLevel) << 2;
-    QTest::newRow("debug") << int(QsLogging::DebugLevel) << 2;
-    QTest::newRow("info") << int(QsLogging::InfoLevel) << 2;
-    QTest::newRow("warn") << int(QsLogging::WarnLevel) << 3;
-    QTest::newRow("error") << int(QsLogging::ErrorLevel) << 4;
-    QTest::newRow("fatal") << int(QsLogging::FatalLevel) << 4;
-}
-
-void TestMessageWatcher::narrowsTheLevel()
-{
-    QFETCH(const int, level);
-    QFETCH(const int, expected);
-
-    const Recorder recorder;
-    watcherDestination(QStringLiteral("Text"), static_cast<QsLogging::Level>(level));
-    QCOMPARE(recorder.lines.size(), 1);
-    QCOMPARE(int(recorder.lines.first().level), expected);
-}
-
-void TestMessageWatcher::emitsOnTheLoggingThread()
-{
-    const Recorder recorder;
-    const std::unique_ptr<QThread> thread(
-        QThread::create([] { watcherDestination(QStringLiteral("Text"), QsLogging::InfoLevel); }));
-    thread->start();
-    QVERIFY(thread->wait());
-    QCOMPARE(recorder.lines.size(), 1);
-    QCOMPARE(recorder.thread, thread.get());
-}
-
-// Without the logger's lock: a matcher shared by the threads would cut the lines in wrong places.
-void TestMessageWatcher::takesLinesOfSeveralThreadsAtOnce()
-{
-    std::atomic<int> good{0};
-    std::atomic<int> bad{0};
-    QObject receiver;
-    connect(
-        &messageWatcher, &UtilsNS::MessageWatcher::message, &receiver,
-        [&](QsLogging::Level, const QString& text) {
-            const QString expected = QString(text.size() - 1, QLatin1Char('a')) + QLatin1Char('b');
-            ++(text == expected ? good : bad);
-        },
-        Qt::DirectConnection);
-
-    const int threadCount = 4;
-    const int lineCount = 2000;
-    std::vector<std::unique_ptr<QThread>> threads;
-    for (int i = 0; i < threadCount; ++i) {
-        const QString line = QString(i * 7, QLatin1Char('a')) +
-                             QStringLiteral("2015-06-30T14:05:09.123") +
-                             QString(i + 1, QLatin1Char(' ')) + QLatin1Char('b');
-        threads.emplace_back(QThread::create([line] {
-            for (int k = 0; k < lineCount; ++k)
-                watcherDestination(line, QsLogging::InfoLevel);
-        }));
-        threads.back()->start();
+    void signalHasItsSignature()
+    {
+        const QMetaObject& meta = UtilsNS::MessageWatcher::staticMetaObject;
+        QCOMPARE(meta.methodCount() - meta.methodOffset(), 1);
+        const QMetaMethod method = meta.method(meta.methodOffset());
+        QCOMPARE(method.methodType(), QMetaMethod::Signal);
+        QCOMPARE(method.methodSignature(), QByteArray("message(QsLogging::Level,QString)"));
+        QVERIFY(messageWatcher.parent() == nullptr);
     }
-    for (const auto& thread : threads)
+
+    void removesTheTimeStamp_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("expected");
+
+        const auto add = [](const char* name, const char* line, const char* expected) {
+            QTest::newRow(name) << QString::fromUtf8(line) << QString::fromUtf8(expected);
+        };
+        add("stamp and three blanks", "2015-06-30T14:05:09.123   Cannot read file",
+            "Cannot read file");
+        add("level name before the stamp", "WARN  2015-06-30T14:05:09.123 Text", "WARN  Text");
+        add("one blank before the stamp", "ERROR 2015-06-30T14:05:09.123 Text", "ERROR Text");
+        add("tab and line feed after", "2015-06-30T14:05:09.123\t\n Text", "Text");
+        add("blanks at the end stay", "2015-06-30T14:05:09.123 Text  ", "Text  ");
+        add("in the middle", "a 2015-06-30T14:05:09.123 b", "a b");
+        add("nothing after the blank", "2015-06-30T14:05:09.123 ", "");
+        add("first of two", "2015-06-30T14:05:09.123 2016-07-31T15:06:10.456 Text",
+            "2016-07-31T15:06:10.456 Text");
+        add("first that is whole", "2015-06-30T14:05:09 2016-07-31T15:06:10.456 Text",
+            "2015-06-30T14:05:09 Text");
+        add("more digits in front", "12015-06-30T14:05:09.123 Text", "1Text");
+        add("two digits of milliseconds", "2015-06-30T14:05:09.12 Text",
+            "2015-06-30T14:05:09.12 Text");
+        add("four digits of milliseconds", "2015-06-30T14:05:09.1234 Text",
+            "2015-06-30T14:05:09.1234 Text");
+        add("no milliseconds", "2015-06-30T14:05:09 Text", "2015-06-30T14:05:09 Text");
+        add("no white space after", "2015-06-30T14:05:09.123Text", "2015-06-30T14:05:09.123Text");
+        add("stamp at the end", "Text 2015-06-30T14:05:09.123", "Text 2015-06-30T14:05:09.123");
+        add("lower case t", "2015-06-30t14:05:09.123 Text", "2015-06-30t14:05:09.123 Text");
+        add("comma for the point", "2015-06-30T14:05:09,123 Text", "2015-06-30T14:05:09,123 Text");
+        add("digits of another script", "2015-06-30T14:05:09.12\xd9\xa3 Text", "Text");
+        add("no-break space", "2015-06-30T14:05:09.123\xc2\xa0Text", "Text");
+        add("next line", "2015-06-30T14:05:09.123\xc2\x85Text", "Text");
+        add("line separator", "2015-06-30T14:05:09.123\xe2\x80\xa8Text", "Text");
+        add("zero-width space is none", "2015-06-30T14:05:09.123\xe2\x80\x8bText",
+            "2015-06-30T14:05:09.123\xe2\x80\x8bText");
+        add("letters outside the first plane", "2015-06-30T14:05:09.123 \xf0\x9d\x84\x9e",
+            "\xf0\x9d\x84\x9e");
+        QTest::newRow("name that is not UTF-8")
+            << QStringLiteral("2015-06-30T14:05:09.123 ") + QChar(0xdcff) << QString(QChar(0xdcff));
+        add("no stamp", "INFO  Text", "INFO  Text");
+        add("empty", "", "");
+    }
+
+    void removesTheTimeStamp()
+    {
+        QFETCH(const QString, line);
+        QFETCH(const QString, expected);
+
+        const Recorder recorder;
+        watcherDestination(line, QsLogging::InfoLevel);
+        QCOMPARE(recorder.lines.size(), 1);
+        QCOMPARE(recorder.lines.first().text, expected);
+    }
+
+    void narrowsTheLevel()
+    {
+        const int expected[] = {2, 2, 2, 3, 4, 4}; // from Trace to Fatal
+        const Recorder recorder;
+        for (int level = QsLogging::TraceLevel; level <= QsLogging::FatalLevel; ++level) {
+            watcherDestination(QStringLiteral("Text"), static_cast<QsLogging::Level>(level));
+            QCOMPARE(recorder.lines.size(), level + 1);
+            QCOMPARE(int(recorder.lines.last().level), expected[level]);
+        }
+    }
+
+    void emitsOnTheLoggingThread()
+    {
+        const Recorder recorder;
+        const std::unique_ptr<QThread> thread(QThread::create(
+            [] { watcherDestination(QStringLiteral("Text"), QsLogging::InfoLevel); }));
+        thread->start();
         QVERIFY(thread->wait());
-    QCOMPARE(bad.load(), 0);
-    QCOMPARE(good.load(), threadCount * lineCount);
-}
+        QCOMPARE(recorder.lines.size(), 1);
+        QCOMPARE(recorder.thread, thread.get());
+    }
 
-void TestMessageWatcher::losesLinesWithoutReceiver()
-{
-    watcherDestination(QStringLiteral("Lost"), QsLogging::InfoLevel);
-    const Recorder recorder;
-    watcherDestination(QStringLiteral("Kept"), QsLogging::InfoLevel);
-    QCOMPARE(recorder.lines.size(), 1);
-    QCOMPARE(recorder.lines.first().text, QStringLiteral("Kept"));
-}
+    // Without the logger's lock: a matcher shared by the threads would cut the lines in wrong
+    // places.
+    void takesLinesOfSeveralThreadsAtOnce()
+    {
+        std::atomic<int> good{0};
+        std::atomic<int> bad{0};
+        QObject receiver;
+        connect(
+            &messageWatcher, &UtilsNS::MessageWatcher::message, &receiver,
+            [&](QsLogging::Level, const QString& text) {
+                const QString expected =
+                    QString(text.size() - 1, QLatin1Char('a')) + QLatin1Char('b');
+                ++(text == expected ? good : bad);
+            },
+            Qt::DirectConnection);
 
-void TestMessageWatcher::setsTheThreshold_data()
-{
-    QTest::addColumn<bool>("verbose");
-    QTest::addColumn<int>("expected");
+        const int threadCount = 4;
+        const int lineCount = 2000;
+        std::vector<std::unique_ptr<QThread>> threads;
+        for (int i = 0; i < threadCount; ++i) {
+            const QString line = QString(i * 7, QLatin1Char('a')) +
+                                 QStringLiteral("2015-06-30T14:05:09.123") +
+                                 QString(i + 1, QLatin1Char(' ')) + QLatin1Char('b');
+            threads.emplace_back(QThread::create([line] {
+                for (int k = 0; k < lineCount; ++k)
+                    watcherDestination(line, QsLogging::InfoLevel);
+            }));
+            threads.back()->start();
+        }
+        for (const auto& thread : threads)
+            QVERIFY(thread->wait());
+        QCOMPARE(bad.load(), 0);
+        QCOMPARE(good.load(), threadCount * lineCount);
+    }
 
-    QTest::newRow("verbose") << true << 0;
-    QTest::newRow("quiet") << false << 3;
-}
+    void losesLinesWithoutReceiver()
+    {
+        watcherDestination(QStringLiteral("Lost"), QsLogging::InfoLevel);
+        const Recorder recorder;
+        watcherDestination(QStringLiteral("Kept"), QsLogging::InfoLevel);
+        QCOMPARE(recorder.lines.size(), 1);
+        QCOMPARE(recorder.lines.first().text, QStringLiteral("Kept"));
+    }
 
-void TestMessageWatcher::setsTheThreshold()
-{
-    QFETCH(const bool, verbose);
-    QFETCH(const int, expected);
+    void setsTheThreshold()
+    {
+        for (const bool verbose : {true, false}) {
+            QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
+            UtilsNS::setVerboseLogging(verbose);
+            QCOMPARE(int(QsLogging::Logger::instance().loggingLevel()), verbose ? 0 : 3);
+        }
+    }
 
-    QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
-    UtilsNS::setVerboseLogging(verbose);
-    QCOMPARE(int(QsLogging::Logger::instance().loggingLevel()), expected);
-}
+    // From end to end: the logger's line format, its threshold and the destination's type.
+    void servesTheLogger()
+    {
+        QsLogging::Logger::instance().addDestination(
+            QsLogging::DestinationFactory::MakeFunctorDestination(watcherDestination));
+        const Recorder recorder;
 
-// From end to end: the logger's line format, its threshold and the destination's type.
-void TestMessageWatcher::servesTheLogger()
-{
-    QsLogging::Logger::instance().addDestination(
-        QsLogging::DestinationFactory::MakeFunctorDestination(watcherDestination));
-    const Recorder recorder;
+        UtilsNS::setVerboseLogging(false);
+        QLOG_INFO() << "Below the threshold";
+        QLOG_FATAL() << "Cannot"
+                     << "go on";
+        UtilsNS::setVerboseLogging(true);
+        QLOG_TRACE() << "Step" << 3;
 
-    UtilsNS::setVerboseLogging(false);
-    QLOG_INFO() << "Below the threshold";
-    QLOG_FATAL() << "Cannot"
-                 << "go on";
-    UtilsNS::setVerboseLogging(true);
-    QLOG_TRACE() << "Step" << 3;
-
-    QCOMPARE(recorder.lines.size(), 2);
-    QCOMPARE(recorder.lines.at(0).text, QStringLiteral("FATAL Cannot go on "));
-    QCOMPARE(recorder.lines.at(0).level, QsLogging::ErrorLevel);
-    QCOMPARE(recorder.lines.at(1).text, QStringLiteral("TRACE Step 3 "));
-    QCOMPARE(recorder.lines.at(1).level, QsLogging::InfoLevel);
-}
+        QCOMPARE(recorder.lines.size(), 2);
+        QCOMPARE(recorder.lines.at(0).text, QStringLiteral("FATAL Cannot go on "));
+        QCOMPARE(recorder.lines.at(0).level, QsLogging::ErrorLevel);
+        QCOMPARE(recorder.lines.at(1).text, QStringLiteral("TRACE Step 3 "));
+        QCOMPARE(recorder.lines.at(1).level, QsLogging::InfoLevel);
+    }
+};
 
 HTS_TEST(TestMessageWatcher, QCoreApplication)
 

@@ -77,8 +77,76 @@ private Q_SLOTS:
         QVERIFY(actions.first()->isEnabled());
     }
 
-    void showsReportAsRows_data();
-    void showsReportAsRows();
+    void showsReportAsRows_data()
+    {
+        QTest::addColumn<QByteArray>("before"); // in the source
+        QTest::addColumn<QByteArray>("after");
+        QTest::addColumn<QByteArray>("control"); // empty for no such file
+        QTest::addColumn<int>("month");
+        QTest::addColumn<QByteArray>("report");
+        const QByteArray years =
+            "b monthly.hts: plan: 2 years, from 2000-12-31 24:00 to 2001-12-31 24:00; "
+            "left out: 0 timesteps at the start, 3 timesteps at the end\n";
+        const QByteArray waterYears =
+            "b monthly.hts: plan: 1 year, from 2001-9-30 24:00 to 2001-9-30 24:00; "
+            "left out: 9 timesteps at the start, 6 timesteps at the end\n";
+        const QByteArray methods = "b monthly.hts: plan: Lake A.Outflow: Sum, rule of line 1\n"
+                                   "b monthly.hts: plan: Lake A.Level: Average, rule of line 2\n";
+        const QByteArray none = "b monthly.hts: 0 errors, 0 warnings, 0 notes\n";
+        QTest::newRow("nothing found")
+            << QByteArray() << QByteArray() << monthlyControl() << 12 << years + methods + none;
+        QTest::newRow("water years")
+            << QByteArray() << QByteArray() << monthlyControl() << 9 << waterYears + methods + none;
+        QTest::newRow("no control file")
+            << QByteArray("\n5\n") << QByteArray("\n7,5\n") << QByteArray() << 12
+            << QByteArray("a monthly.hts:53: warning: \"7,5\" is not a number and counts as 0; "
+                          "it may be a decimal comma [text-value]\n"
+                          "a monthly.hts: 0 errors, 1 warning, 0 notes\n");
+        QTest::newRow("error and note")
+            << QByteArray("runs:1") << QByteArray("runs:2") << QByteArray("*.Outflow: Sum\n") << 12
+            << "b monthly.hts:78: note: no rule fits Lake A.Level, which is left out "
+               "[slot-without-rule]\n"
+               "r monthly.hts:114: error: the file ends after 1 of 2 runs; a conversion fails: "
+               "\"Cannot read run preamble\" [fewer-runs]\n" +
+                   years +
+                   "b monthly.hts: plan: Lake A.Outflow: Sum, rule of line 1\n"
+                   "b monthly.hts: plan: Lake A.Level: left out, no rule\n"
+                   "r monthly.hts: 1 error, 0 warnings, 1 note; a conversion fails: "
+                   "\"Cannot read run preamble\"\n";
+        QByteArray listed;
+        for (int line = 49; line < 59; ++line)
+            listed += "a monthly.hts:" + QByteArray::number(line) +
+                      ": warning: \"x\" is not a number and counts as 0 [text-value]\n";
+        QTest::newRow("more than are listed")
+            << QByteArray("\n1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n")
+            << '\n' + QByteArray("x\n").repeated(12) << QByteArray() << 12
+            << listed + "a monthly.hts: warning: 2 more [text-value]\n"
+                        "a monthly.hts: 0 errors, 12 warnings, 0 notes\n";
+    }
+
+    void showsReportAsRows()
+    {
+        QFETCH(const QByteArray, before);
+        QFETCH(const QByteArray, after);
+        QFETCH(const QByteArray, control);
+        QFETCH(const int, month);
+        QFETCH(const QByteArray, report);
+
+        const Fixture f;
+        writeFile(f.path("monthly.hts"),
+                  before.isEmpty() ? monthlySource() : monthlySource().replace(before, after));
+        writeFile(f.path("methods.txt"), control);
+        if (control.isEmpty())
+            f.lineEdit("_methodControlLineEdit")->clear();
+        f.lineEdit("_annualResultHtsLineEdit")->clear();
+        f.months()->setCurrentIndex(month - 1);
+        QCOMPARE(f.check(), QString::fromUtf8(report).split(QLatin1Char('\n'), Qt::SkipEmptyParts));
+
+        const QString saved = f.path("saved.txt");
+        QVERIFY(actThrough([&f] { f.action("Save All &As")->trigger(); }, {typePath(saved)}));
+        QCOMPARE(readFile(saved), f.diagnostics()->collectText(true).toUtf8());
+        QCOMPARE(readFile(saved).count('\n'), report.count('\n'));
+    }
 
     void takesPathsAsAConversionDoes()
     {
@@ -122,130 +190,56 @@ private Q_SLOTS:
         QVERIFY(QApplication::overrideCursor() == nullptr);
     }
 
-    void reportsWhatPreventsIt_data();
-    void reportsWhatPreventsIt();
-};
-
-void TestSourceCheck::showsReportAsRows_data()
-{
-    QTest::addColumn<QByteArray>("before"); // in the source
-    QTest::addColumn<QByteArray>("after");
-    QTest::addColumn<QByteArray>("control"); // empty for no such file
-    QTest::addColumn<int>("month");
-    QTest::addColumn<QByteArray>("report");
-    const QByteArray years =
-        "b monthly.hts: plan: 2 years, from 2000-12-31 24:00 to 2001-12-31 24:00; "
-        "left out: 0 timesteps at the start, 3 timesteps at the end\n";
-    const QByteArray waterYears =
-        "b monthly.hts: plan: 1 year, from 2001-9-30 24:00 to 2001-9-30 24:00; "
-        "left out: 9 timesteps at the start, 6 timesteps at the end\n";
-    const QByteArray methods = "b monthly.hts: plan: Lake A.Outflow: Sum, rule of line 1\n"
-                               "b monthly.hts: plan: Lake A.Level: Average, rule of line 2\n";
-    const QByteArray none = "b monthly.hts: 0 errors, 0 warnings, 0 notes\n";
-    QTest::newRow("nothing found")
-        << QByteArray() << QByteArray() << monthlyControl() << 12 << years + methods + none;
-    QTest::newRow("water years") << QByteArray() << QByteArray() << monthlyControl() << 9
-                                 << waterYears + methods + none;
-    QTest::newRow("no control file")
-        << QByteArray("\n5\n") << QByteArray("\n7,5\n") << QByteArray() << 12
-        << QByteArray("a monthly.hts:53: warning: \"7,5\" is not a number and counts as 0; "
-                      "it may be a decimal comma [text-value]\n"
-                      "a monthly.hts: 0 errors, 1 warning, 0 notes\n");
-    QTest::newRow("error and note")
-        << QByteArray("runs:1") << QByteArray("runs:2") << QByteArray("*.Outflow: Sum\n") << 12
-        << "b monthly.hts:78: note: no rule fits Lake A.Level, which is left out "
-           "[slot-without-rule]\n"
-           "r monthly.hts:114: error: the file ends after 1 of 2 runs; a conversion fails: "
-           "\"Cannot read run preamble\" [fewer-runs]\n" +
-               years +
-               "b monthly.hts: plan: Lake A.Outflow: Sum, rule of line 1\n"
-               "b monthly.hts: plan: Lake A.Level: left out, no rule\n"
-               "r monthly.hts: 1 error, 0 warnings, 1 note; a conversion fails: "
-               "\"Cannot read run preamble\"\n";
-    QByteArray listed;
-    for (int line = 49; line < 59; ++line)
-        listed += "a monthly.hts:" + QByteArray::number(line) +
-                  ": warning: \"x\" is not a number and counts as 0 [text-value]\n";
-    QTest::newRow("more than are listed")
-        << QByteArray("\n1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n")
-        << '\n' + QByteArray("x\n").repeated(12) << QByteArray() << 12
-        << listed + "a monthly.hts: warning: 2 more [text-value]\n"
-                    "a monthly.hts: 0 errors, 12 warnings, 0 notes\n";
-}
-
-void TestSourceCheck::showsReportAsRows()
-{
-    QFETCH(const QByteArray, before);
-    QFETCH(const QByteArray, after);
-    QFETCH(const QByteArray, control);
-    QFETCH(const int, month);
-    QFETCH(const QByteArray, report);
-
-    const Fixture f;
-    writeFile(f.path("monthly.hts"),
-              before.isEmpty() ? monthlySource() : monthlySource().replace(before, after));
-    writeFile(f.path("methods.txt"), control);
-    if (control.isEmpty())
-        f.lineEdit("_methodControlLineEdit")->clear();
-    f.lineEdit("_annualResultHtsLineEdit")->clear();
-    f.months()->setCurrentIndex(month - 1);
-    QCOMPARE(f.check(), QString::fromUtf8(report).split(QLatin1Char('\n'), Qt::SkipEmptyParts));
-
-    const QString saved = f.path("saved.txt");
-    QVERIFY(actThrough([&f] { f.action("Save All &As")->trigger(); }, {typePath(saved)}));
-    QCOMPARE(readFile(saved), f.diagnostics()->collectText(true).toUtf8());
-    QCOMPARE(readFile(saved).count('\n'), report.count('\n'));
-}
-
-void TestSourceCheck::reportsWhatPreventsIt_data()
-{
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<QString>("control");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("text");
-    QFile missing(QStringLiteral("missing.hts"));
-    QVERIFY(!missing.open(QIODevice::ReadOnly));
-    const QByteArray notOpened = missing.errorString().toUtf8();
-    const struct
+    void reportsWhatPreventsIt_data()
     {
-        const char* source;
-        const char* control;
-        const char* title;
-        const char* text;
-    } rows[] = {
-        {"", "methods.txt", "Incomplete Information", "Source File name is not specified"},
-        {"$HTS_UNDEFINED.hts", "methods.txt", "Information Error",
-         "Source HTS file environment variables could not be substituted"},
-        {"missing.hts", "$HTS_UNDEFINED.txt", "Information Error",
-         "Method control file environment variables could not be substituted"},
-        {"missing.hts", "", "Annualizer Configuration Error", notOpened.constData()},
-        {"long.hts", "methods.txt", "Check HTS Error",
-         "Problem reading the input hts file: a line is longer than 64 MiB"},
-    };
-    for (const auto& row : rows)
-        QTest::addRow("%s, %s", row.source, row.control)
-            << row.source << row.control << row.title << row.text;
-}
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("control");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("text");
+        QFile missing(QStringLiteral("missing.hts"));
+        QVERIFY(!missing.open(QIODevice::ReadOnly));
+        const QByteArray notOpened = missing.errorString().toUtf8();
+        const struct
+        {
+            const char* source;
+            const char* control;
+            const char* title;
+            const char* text;
+        } rows[] = {
+            {"", "methods.txt", "Incomplete Information", "Source File name is not specified"},
+            {"$HTS_UNDEFINED.hts", "methods.txt", "Information Error",
+             "Source HTS file environment variables could not be substituted"},
+            {"missing.hts", "$HTS_UNDEFINED.txt", "Information Error",
+             "Method control file environment variables could not be substituted"},
+            {"missing.hts", "", "Annualizer Configuration Error", notOpened.constData()},
+            {"long.hts", "methods.txt", "Check HTS Error",
+             "Problem reading the input hts file: a line is longer than 64 MiB"},
+        };
+        for (const auto& row : rows)
+            QTest::addRow("%s, %s", row.source, row.control)
+                << row.source << row.control << row.title << row.text;
+    }
 
-void TestSourceCheck::reportsWhatPreventsIt()
-{
-    QFETCH(const QString, source);
-    QFETCH(const QString, control);
-    QFETCH(const QString, title);
-    QFETCH(const QString, text);
+    void reportsWhatPreventsIt()
+    {
+        QFETCH(const QString, source);
+        QFETCH(const QString, control);
+        QFETCH(const QString, title);
+        QFETCH(const QString, text);
 
-    const Fixture f;
-    writeFile(f.path("long.hts"), QByteArray());
-    QVERIFY(QFile::resize(f.path("long.hts"), qint64(65) * 1024 * 1024));
-    QVERIFY(QDir::setCurrent(f.folder.path()));
-    f.enterPaths(source, control, QString());
-    Box box;
-    QVERIFY(actThrough([&f] { f.check(); }, {readBox(&box)}));
-    compareWarning(box, qPrintable(title), text);
-    QVERIFY(box.hasParent);
-    QTRY_COMPARE(f.rows(), QStringList(QStringLiteral("r ERROR %1 ").arg(text)));
-    QVERIFY(QDir::setCurrent(QDir::tempPath())); // the folder can be removed
-}
+        const Fixture f;
+        writeFile(f.path("long.hts"), QByteArray());
+        QVERIFY(QFile::resize(f.path("long.hts"), qint64(65) * 1024 * 1024));
+        QVERIFY(QDir::setCurrent(f.folder.path()));
+        f.enterPaths(source, control, QString());
+        Box box;
+        QVERIFY(actThrough([&f] { f.check(); }, {readBox(&box)}));
+        compareWarning(box, qPrintable(title), text);
+        QVERIFY(box.hasParent);
+        QTRY_COMPARE(f.rows(), QStringList(QStringLiteral("r ERROR %1 ").arg(text)));
+        QVERIFY(QDir::setCurrent(QDir::tempPath())); // the folder can be removed
+    }
+};
 
 HTS_TEST(TestSourceCheck, QApplication)
 #include "tst_sourcecheck.moc"

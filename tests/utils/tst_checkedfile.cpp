@@ -37,10 +37,37 @@ class CheckedFileTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init()
+    {
+        m_folder.reset(new QTemporaryDir);
+        QVERIFY(m_folder->isValid());
+    }
+
     void cleanup() { m_folder.reset(); }
-    void readsAndWritesLikeAnyFile();
-    void writeOfNoBytesIsAFailure();
+    void readsAndWritesLikeAnyFile()
+    {
+        CheckedFile written(path("file"));
+        QVERIFY(written.open(QIODevice::WriteOnly));
+        written.write("one\ntwo\n");
+        QCOMPARE(written.finish().message, QString());
+
+        CheckedFile read(path("file"));
+        QVERIFY(read.open(QIODevice::ReadOnly | QIODevice::Text));
+        QCOMPARE(read.readLine(), QByteArray("one\n"));
+        QCOMPARE(read.readAll(), QByteArray("two\n"));
+        QCOMPARE(read.read(1), QByteArray());
+        QCOMPARE(read.problem(), QString());
+    }
+
+    void writeOfNoBytesIsAFailure()
+    {
+        StallingFile file(path("file"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(QByteArray(100, 'x')), qint64(-1));
+        QCOMPARE(file.problem(), QStringLiteral("Unknown error"));
+        QCOMPARE(file.finish().message, QStringLiteral("Unknown error"));
+        QCOMPARE(file.size(), qint64(StallingFile::kTakenBytes));
+    }
 
 private:
     QString path(const char* name) const
@@ -50,37 +77,6 @@ private:
 
     QScopedPointer<QTemporaryDir> m_folder;
 };
-
-void CheckedFileTest::init()
-{
-    m_folder.reset(new QTemporaryDir);
-    QVERIFY(m_folder->isValid());
-}
-
-void CheckedFileTest::readsAndWritesLikeAnyFile()
-{
-    CheckedFile written(path("file"));
-    QVERIFY(written.open(QIODevice::WriteOnly));
-    written.write("one\ntwo\n");
-    QCOMPARE(written.finish().message, QString());
-
-    CheckedFile read(path("file"));
-    QVERIFY(read.open(QIODevice::ReadOnly | QIODevice::Text));
-    QCOMPARE(read.readLine(), QByteArray("one\n"));
-    QCOMPARE(read.readAll(), QByteArray("two\n"));
-    QCOMPARE(read.read(1), QByteArray());
-    QCOMPARE(read.problem(), QString());
-}
-
-void CheckedFileTest::writeOfNoBytesIsAFailure()
-{
-    StallingFile file(path("file"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(QByteArray(100, 'x')), qint64(-1));
-    QCOMPARE(file.problem(), QStringLiteral("Unknown error"));
-    QCOMPARE(file.finish().message, QStringLiteral("Unknown error"));
-    QCOMPARE(file.size(), qint64(StallingFile::kTakenBytes));
-}
 
 HTS_TEST(CheckedFileTest, QCoreApplication)
 #include "tst_checkedfile.moc"

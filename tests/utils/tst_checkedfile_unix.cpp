@@ -57,18 +57,154 @@ class CheckedFileFaultsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init()
+    {
+        m_folder.reset(new QTemporaryDir);
+        QVERIFY(m_folder->isValid());
+    }
+
     void cleanup() { m_folder.reset(); }
-    void takesWhatIsInAPipe_data();
-    void takesWhatIsInAPipe();
-    void remembersAFailedReadOfAPipe();
-    void remembersAFailedRead();
-    void readsNothingAfterAFailedRead();
-    void remembersAFailedWrite();
-    void reportsADiskThatFillsUp_data();
-    void reportsADiskThatFillsUp();
-    void opensOnlyWhatCanBeAFileName_data();
-    void opensOnlyWhatCanBeAFileName();
+    void takesWhatIsInAPipe_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::newRow("buffered") << static_cast<int>(QIODevice::ReadOnly);
+        QTest::newRow("unbuffered")
+            << static_cast<int>(QIODevice::ReadOnly | QIODevice::Unbuffered);
+        QTest::newRow("text mode, unbuffered")
+            << static_cast<int>(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered);
+    }
+
+    // A read that waits for more than is there hangs: the writer is this process.
+    void takesWhatIsInAPipe()
+    {
+        QFETCH(int, mode);
+        int ends[2] = {};
+        QCOMPARE(::pipe(ends), 0);
+        CheckedFile file;
+        QVERIFY(file.open(ends[0], static_cast<QIODevice::OpenMode>(mode),
+                          QFileDevice::AutoCloseHandle));
+        QCOMPARE(::write(ends[1], "one\n", 4), ssize_t(4));
+        QCOMPARE(file.read(100000), QByteArray("one\n"));
+        QCOMPARE(::write(ends[1], "two", 3), ssize_t(3));
+        QCOMPARE(file.read(100000), QByteArray("two"));
+        ::close(ends[1]);
+        QCOMPARE(file.read(100000), QByteArray());
+        QCOMPARE(file.problem(), QString());
+    }
+
+    void remembersAFailedReadOfAPipe()
+    {
+        int ends[2] = {};
+        QCOMPARE(::pipe(ends), 0);
+        CheckedFile file;
+        QVERIFY(file.open(ends[0], QIODevice::ReadOnly | QIODevice::Unbuffered));
+        QVERIFY(file.isSequential());
+        ::close(ends[0]);
+        QCOMPARE(file.read(10), QByteArray());
+        QCOMPARE(file.problem(), QStringLiteral("Bad file descriptor"));
+        ::close(ends[1]);
+    }
+
+    void remembersAFailedRead()
+    {
+        CheckedFile file(kUnreadable);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.problem(), QString());
+        QCOMPARE(file.read(100000), QByteArray());
+        file.unsetError(); // as the next call does
+        QCOMPARE(file.problem(), kReadError);
+    }
+
+    void readsNothingAfterAFailedRead()
+    {
+        const char text[] = "can be read";
+        const auto address = static_cast<qint64>(reinterpret_cast<quintptr>(text));
+        CheckedFile file(kUnreadable);
+        QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+        QVERIFY(file.seek(address));
+        QCOMPARE(file.read(3), QByteArray("can"));
+        QVERIFY(file.seek(0));
+        QCOMPARE(file.read(3), QByteArray());
+        QVERIFY(file.seek(address));
+        QCOMPARE(file.read(3), QByteArray());
+        QCOMPARE(file.problem(), kReadError);
+    }
+
+    void remembersAFailedWrite()
+    {
+        CheckedFile file(kFull);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(100000, 'x'));
+        file.unsetError();
+        QCOMPARE(file.problem(), kFullError);
+        QCOMPARE(file.finish().message, kFullError);
+    }
+
+    void reportsADiskThatFillsUp_data()
+    {
+        QTest::addColumn<int>("limit");
+        QTest::addColumn<QString>("problem");
+        // The text is 100,000 bytes long and is written 16 KiB at a time.
+        for (const int limit : {0, 1, 16383, 16384, 16385, 50000, 98304, 98305, 99999})
+            QTest::addRow("%d bytes", limit) << limit << QStringLiteral("File too large");
+        QTest::newRow("just enough") << 100000 << QString();
+    }
+
+    void reportsADiskThatFillsUp()
+    {
+        QFETCH(int, limit);
+        QFETCH(QString, problem);
+        CheckedFile file(path("file"));
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Text));
+        {
+            const FileSizeLimit fileSizeLimit(static_cast<rlim_t>(limit));
+            QTextStream stream(&file);
+            for (int line = 0; line < 10000; ++line)
+                stream << QStringLiteral("123456789\n");
+            stream.flush();
+            QCOMPARE(file.finish().message, problem);
+        }
+        QCOMPARE(file.size(), qint64(limit));
+    }
+
+    void opensOnlyWhatCanBeAFileName_data()
+    {
+        QTest::addColumn<QByteArray>("encoding");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>(
+            "bytes"); // of the name on the disk; none if there can be no file
+        const QString a = QString::fromUtf8("\xc3\xa4");
+        const QString day = QString::fromUtf8("\xe6\x97\xa5");
+        const QString replaced(QChar(0xfffd));
+        const QString surrogate(QChar(0xdce9));
+        QTest::newRow("UTF-8") << QByteArray("UTF-8") << a + day + replaced
+                               << QByteArray("\xc3\xa4\xe6\x97\xa5\xef\xbf\xbd");
+        QTest::newRow("UTF-8, no text") << QByteArray("UTF-8") << surrogate << QByteArray();
+        QTest::newRow("Latin-1") << QByteArray("ISO-8859-1") << a << QByteArray("\xe4");
+        QTest::newRow("Latin-1, not in it") << QByteArray("ISO-8859-1") << day << QByteArray();
+    }
+
+    void opensOnlyWhatCanBeAFileName()
+    {
+        QFETCH(QByteArray, encoding);
+        QFETCH(QString, name);
+        QFETCH(QByteArray, bytes);
+        QTextCodec* const before = QTextCodec::codecForLocale();
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName(encoding));
+        const auto restore = qScopeGuard([before] { QTextCodec::setCodecForLocale(before); });
+
+        CheckedFile file(m_folder->filePath(name));
+        QCOMPARE(file.open(QIODevice::WriteOnly), !bytes.isEmpty());
+        QCOMPARE(file.errorString(),
+                 bytes.isEmpty()
+                     ? QStringLiteral("The name is not text in the encoding of file names")
+                     : QStringLiteral("Unknown error"));
+        file.close();
+        const QByteArray created = m_folder->path().toLatin1() + '/' + bytes;
+        QCOMPARE(::access(created.constData(), F_OK), 0);
+        QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::System).size(),
+                 bytes.isEmpty() ? 0 : 1);
+    }
 
 private:
     QString path(const char* name) const
@@ -78,151 +214,6 @@ private:
 
     QScopedPointer<QTemporaryDir> m_folder;
 };
-
-void CheckedFileFaultsTest::init()
-{
-    m_folder.reset(new QTemporaryDir);
-    QVERIFY(m_folder->isValid());
-}
-
-void CheckedFileFaultsTest::takesWhatIsInAPipe_data()
-{
-    QTest::addColumn<int>("mode");
-    QTest::newRow("buffered") << static_cast<int>(QIODevice::ReadOnly);
-    QTest::newRow("unbuffered") << static_cast<int>(QIODevice::ReadOnly | QIODevice::Unbuffered);
-    QTest::newRow("text mode, unbuffered")
-        << static_cast<int>(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered);
-}
-
-// A read that waits for more than is there hangs: the writer is this process.
-void CheckedFileFaultsTest::takesWhatIsInAPipe()
-{
-    QFETCH(int, mode);
-    int ends[2] = {};
-    QCOMPARE(::pipe(ends), 0);
-    CheckedFile file;
-    QVERIFY(
-        file.open(ends[0], static_cast<QIODevice::OpenMode>(mode), QFileDevice::AutoCloseHandle));
-    QCOMPARE(::write(ends[1], "one\n", 4), ssize_t(4));
-    QCOMPARE(file.read(100000), QByteArray("one\n"));
-    QCOMPARE(::write(ends[1], "two", 3), ssize_t(3));
-    QCOMPARE(file.read(100000), QByteArray("two"));
-    ::close(ends[1]);
-    QCOMPARE(file.read(100000), QByteArray());
-    QCOMPARE(file.problem(), QString());
-}
-
-void CheckedFileFaultsTest::remembersAFailedReadOfAPipe()
-{
-    int ends[2] = {};
-    QCOMPARE(::pipe(ends), 0);
-    CheckedFile file;
-    QVERIFY(file.open(ends[0], QIODevice::ReadOnly | QIODevice::Unbuffered));
-    QVERIFY(file.isSequential());
-    ::close(ends[0]);
-    QCOMPARE(file.read(10), QByteArray());
-    QCOMPARE(file.problem(), QStringLiteral("Bad file descriptor"));
-    ::close(ends[1]);
-}
-
-void CheckedFileFaultsTest::remembersAFailedRead()
-{
-    CheckedFile file(kUnreadable);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.problem(), QString());
-    QCOMPARE(file.read(100000), QByteArray());
-    file.unsetError(); // as the next call does
-    QCOMPARE(file.problem(), kReadError);
-}
-
-void CheckedFileFaultsTest::readsNothingAfterAFailedRead()
-{
-    const char text[] = "can be read";
-    const auto address = static_cast<qint64>(reinterpret_cast<quintptr>(text));
-    CheckedFile file(kUnreadable);
-    QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
-    QVERIFY(file.seek(address));
-    QCOMPARE(file.read(3), QByteArray("can"));
-    QVERIFY(file.seek(0));
-    QCOMPARE(file.read(3), QByteArray());
-    QVERIFY(file.seek(address));
-    QCOMPARE(file.read(3), QByteArray());
-    QCOMPARE(file.problem(), kReadError);
-}
-
-void CheckedFileFaultsTest::remembersAFailedWrite()
-{
-    CheckedFile file(kFull);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray(100000, 'x'));
-    file.unsetError();
-    QCOMPARE(file.problem(), kFullError);
-    QCOMPARE(file.finish().message, kFullError);
-}
-
-void CheckedFileFaultsTest::reportsADiskThatFillsUp_data()
-{
-    QTest::addColumn<int>("limit");
-    QTest::addColumn<QString>("problem");
-    // The text is 100,000 bytes long and is written 16 KiB at a time.
-    for (const int limit : {0, 1, 16383, 16384, 16385, 50000, 98304, 98305, 99999})
-        QTest::addRow("%d bytes", limit) << limit << QStringLiteral("File too large");
-    QTest::newRow("just enough") << 100000 << QString();
-}
-
-void CheckedFileFaultsTest::reportsADiskThatFillsUp()
-{
-    QFETCH(int, limit);
-    QFETCH(QString, problem);
-    CheckedFile file(path("file"));
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Text));
-    {
-        const FileSizeLimit fileSizeLimit(static_cast<rlim_t>(limit));
-        QTextStream stream(&file);
-        for (int line = 0; line < 10000; ++line)
-            stream << QStringLiteral("123456789\n");
-        stream.flush();
-        QCOMPARE(file.finish().message, problem);
-    }
-    QCOMPARE(file.size(), qint64(limit));
-}
-
-void CheckedFileFaultsTest::opensOnlyWhatCanBeAFileName_data()
-{
-    QTest::addColumn<QByteArray>("encoding");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("bytes"); // of the name on the disk; none if there can be no file
-    const QString a = QString::fromUtf8("\xc3\xa4");
-    const QString day = QString::fromUtf8("\xe6\x97\xa5");
-    const QString replaced(QChar(0xfffd));
-    const QString surrogate(QChar(0xdce9));
-    QTest::newRow("UTF-8") << QByteArray("UTF-8") << a + day + replaced
-                           << QByteArray("\xc3\xa4\xe6\x97\xa5\xef\xbf\xbd");
-    QTest::newRow("UTF-8, no text") << QByteArray("UTF-8") << surrogate << QByteArray();
-    QTest::newRow("Latin-1") << QByteArray("ISO-8859-1") << a << QByteArray("\xe4");
-    QTest::newRow("Latin-1, not in it") << QByteArray("ISO-8859-1") << day << QByteArray();
-}
-
-void CheckedFileFaultsTest::opensOnlyWhatCanBeAFileName()
-{
-    QFETCH(QByteArray, encoding);
-    QFETCH(QString, name);
-    QFETCH(QByteArray, bytes);
-    QTextCodec* const before = QTextCodec::codecForLocale();
-    QTextCodec::setCodecForLocale(QTextCodec::codecForName(encoding));
-    const auto restore = qScopeGuard([before] { QTextCodec::setCodecForLocale(before); });
-
-    CheckedFile file(m_folder->filePath(name));
-    QCOMPARE(file.open(QIODevice::WriteOnly), !bytes.isEmpty());
-    QCOMPARE(file.errorString(),
-             bytes.isEmpty() ? QStringLiteral("The name is not text in the encoding of file names")
-                             : QStringLiteral("Unknown error"));
-    file.close();
-    const QByteArray created = m_folder->path().toLatin1() + '/' + bytes;
-    QCOMPARE(::access(created.constData(), F_OK), 0);
-    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::System).size(),
-             bytes.isEmpty() ? 0 : 1);
-}
 
 HTS_TEST(CheckedFileFaultsTest, QCoreApplication)
 #include "tst_checkedfile_unix.moc"

@@ -376,53 +376,51 @@ private Q_SLOTS:
         }
     }
 
-    void interruptedWriteContinues();
-};
-
-void ConsoleBufTest::interruptedWriteContinues()
-{
-    int ends[2];
-    QCOMPARE(::pipe(ends), 0);
-    // Fill the pipe.
-    QCOMPARE(::fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
-    const std::array<char, 4096> filling{};
-    while (::write(ends[1], filling.data(), filling.size()) > 0) {
-    }
-    QCOMPARE(::fcntl(ends[1], F_SETFL, 0), 0);
-
-    signalsSeen = 0;
-    pipeToDrain = ends[0];
-    struct sigaction action = {};
-    struct sigaction oldAction = {};
-    action.sa_handler = drainAtSecondSignal; // without SA_RESTART, so that it ends a write
-    QCOMPARE(::sigaction(SIGALRM, &action, &oldAction), 0);
-    itimerval timer = {};
-    timer.it_value.tv_usec = timer.it_interval.tv_usec = 5000;
-    bool isGood = false;
+    void interruptedWriteContinues()
     {
-        const OutputTo output(ends[1]);
-        consolebuf buffer;
-        std::ostream stream(&buffer);
-        stream << "message";
-        ::setitimer(ITIMER_REAL, &timer, nullptr);
-        stream << std::flush;
-        isGood = stream.good();
-        const itimerval noTimer = {};
-        ::setitimer(ITIMER_REAL, &noTimer, nullptr);
+        int ends[2];
+        QCOMPARE(::pipe(ends), 0);
+        // Fill the pipe.
+        QCOMPARE(::fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
+        const std::array<char, 4096> filling{};
+        while (::write(ends[1], filling.data(), filling.size()) > 0) {
+        }
+        QCOMPARE(::fcntl(ends[1], F_SETFL, 0), 0);
+
+        signalsSeen = 0;
+        pipeToDrain = ends[0];
+        struct sigaction action = {};
+        struct sigaction oldAction = {};
+        action.sa_handler = drainAtSecondSignal; // without SA_RESTART, so that it ends a write
+        QCOMPARE(::sigaction(SIGALRM, &action, &oldAction), 0);
+        itimerval timer = {};
+        timer.it_value.tv_usec = timer.it_interval.tv_usec = 5000;
+        bool isGood = false;
+        {
+            const OutputTo output(ends[1]);
+            consolebuf buffer;
+            std::ostream stream(&buffer);
+            stream << "message";
+            ::setitimer(ITIMER_REAL, &timer, nullptr);
+            stream << std::flush;
+            isGood = stream.good();
+            const itimerval noTimer = {};
+            ::setitimer(ITIMER_REAL, &noTimer, nullptr);
+        }
+        ::sigaction(SIGALRM, &oldAction, nullptr);
+        ::close(ends[1]);
+        QByteArray arrived;
+        char bytes[4096];
+        for (ssize_t size = 1; size > 0;) {
+            size = ::read(ends[0], bytes, sizeof bytes);
+            arrived.append(bytes, static_cast<int>(qMax<ssize_t>(size, 0)));
+        }
+        ::close(ends[0]);
+        QVERIFY(isGood);
+        QVERIFY(signalsSeen >= 2);
+        QVERIFY(arrived.endsWith("fmessage") || arrived == "message");
     }
-    ::sigaction(SIGALRM, &oldAction, nullptr);
-    ::close(ends[1]);
-    QByteArray arrived;
-    char bytes[4096];
-    for (ssize_t size = 1; size > 0;) {
-        size = ::read(ends[0], bytes, sizeof bytes);
-        arrived.append(bytes, static_cast<int>(qMax<ssize_t>(size, 0)));
-    }
-    ::close(ends[0]);
-    QVERIFY(isGood);
-    QVERIFY(signalsSeen >= 2);
-    QVERIFY(arrived.endsWith("fmessage") || arrived == "message");
-}
+};
 
 HTS_TEST(ConsoleBufTest, QCoreApplication)
 

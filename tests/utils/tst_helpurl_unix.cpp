@@ -121,156 +121,143 @@ class TestHelpUrl : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void startsTheBrowser_data();
-    void startsTheBrowser();
-    void fallsBackToXdgOpen_data();
-    void fallsBackToXdgOpen();
-    void succeedsWithoutAnything();
-    void browserRunsIndependently_data();
-    void browserRunsIndependently();
-    void knowsTheTextsOfTheUnit();
-};
+    void startsTheBrowser_data()
+    {
+        QTest::addColumn<QByteArray>("id");
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QByteArray>("exec");
+        QTest::addColumn<QString>("url");
+        QTest::addColumn<QByteArray>("arguments");
 
-void TestHelpUrl::startsTheBrowser_data()
-{
-    QTest::addColumn<QByteArray>("id");
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QByteArray>("exec");
-    QTest::addColumn<QString>("url");
-    QTest::addColumn<QByteArray>("arguments");
+        const auto add = [](const char* name, const char* id, const char* file, const char* exec,
+                            const char* url, const char* arguments) {
+            QTest::newRow(name) << QByteArray(id) << QByteArray(file) << QByteArray(exec)
+                                << QString::fromUtf8(url) << QByteArray(arguments);
+        };
+        add("plain", "web.desktop", "web.desktop", "web %u", "file:////opt/conv/Help/a.html",
+            "file:////opt/conv/Help/a.html\n");
+        add("fragment", "web.desktop", "web.desktop", "web %u", "file:////opt/Help/a.html#part-2",
+            "file:////opt/Help/a.html#part-2\n");
+        add("fragment for a program of files", "web.desktop", "web.desktop", "web %F",
+            "file:////opt/Help/a.html#part-2", "//opt/Help/a.html\n");
+        add("between quotes", "web.desktop", "web.desktop", "web %u",
+            "\"file:////opt/My Conv/Help/a.html\"", "file:////opt/My Conv/Help/a.html\n");
+        add("quotes, blank and fragment", "web.desktop", "web.desktop", "web --new-tab %U",
+            "\"file:////opt/My Conv/Help/a.html#x\"",
+            "--new-tab\nfile:////opt/My Conv/Help/a.html#x\n");
+        add("quoted argument", "web.desktop", "web.desktop", "web \"a b\" %u",
+            "file:////opt/a.html", "a b\nfile:////opt/a.html\n");
+        add("blank without quotes", "web.desktop", "web.desktop", "web %u", "file:////opt/a b.html",
+            "file:////opt/a b.html\n");
+        add("one quote stays", "web.desktop", "web.desktop", "web %u", "\"file:////opt/a.html",
+            "\"file:////opt/a.html\n");
+        add("a quote alone", "web.desktop", "web.desktop", "web %u", "\"", "\"\n");
+        add("signs of a shell", "web.desktop", "web.desktop", "web %u",
+            "file:////opt/$HOME;`a`&'.html", "file:////opt/$HOME;`a`&'.html\n");
+        add("other letters", "web.desktop", "web.desktop", "web %u",
+            "file:////opt/a%20b/\u00e9.html", "file:////opt/a%20b/\u00e9.html\n");
+        add("no field code", "web.desktop", "web.desktop", "web -x", "file:////opt/a.html",
+            "-x\n//opt/a.html\n");
+        add("entry in a subfolder", "vendor-web.desktop", "vendor/web.desktop", "web %u",
+            "file:////opt/a.html", "file:////opt/a.html\n");
+    }
 
-    const auto add = [](const char* name, const char* id, const char* file, const char* exec,
-                        const char* url, const char* arguments) {
-        QTest::newRow(name) << QByteArray(id) << QByteArray(file) << QByteArray(exec)
-                            << QString::fromUtf8(url) << QByteArray(arguments);
-    };
-    add("plain", "web.desktop", "web.desktop", "web %u", "file:////opt/conv/Help/a.html",
-        "file:////opt/conv/Help/a.html\n");
-    add("fragment", "web.desktop", "web.desktop", "web %u", "file:////opt/Help/a.html#part-2",
-        "file:////opt/Help/a.html#part-2\n");
-    add("fragment for a program of files", "web.desktop", "web.desktop", "web %F",
-        "file:////opt/Help/a.html#part-2", "//opt/Help/a.html\n");
-    add("between quotes", "web.desktop", "web.desktop", "web %u",
-        "\"file:////opt/My Conv/Help/a.html\"", "file:////opt/My Conv/Help/a.html\n");
-    add("quotes, blank and fragment", "web.desktop", "web.desktop", "web --new-tab %U",
-        "\"file:////opt/My Conv/Help/a.html#x\"",
-        "--new-tab\nfile:////opt/My Conv/Help/a.html#x\n");
-    add("quoted argument", "web.desktop", "web.desktop", "web \"a b\" %u", "file:////opt/a.html",
-        "a b\nfile:////opt/a.html\n");
-    add("blank without quotes", "web.desktop", "web.desktop", "web %u", "file:////opt/a b.html",
-        "file:////opt/a b.html\n");
-    add("one quote stays", "web.desktop", "web.desktop", "web %u", "\"file:////opt/a.html",
-        "\"file:////opt/a.html\n");
-    add("a quote alone", "web.desktop", "web.desktop", "web %u", "\"", "\"\n");
-    add("signs of a shell", "web.desktop", "web.desktop", "web %u", "file:////opt/$HOME;`a`&'.html",
-        "file:////opt/$HOME;`a`&'.html\n");
-    add("other letters", "web.desktop", "web.desktop", "web %u", "file:////opt/a%20b/\u00e9.html",
-        "file:////opt/a%20b/\u00e9.html\n");
-    add("no field code", "web.desktop", "web.desktop", "web -x", "file:////opt/a.html",
-        "-x\n//opt/a.html\n");
-    add("entry in a subfolder", "vendor-web.desktop", "vendor/web.desktop", "web %u",
-        "file:////opt/a.html", "file:////opt/a.html\n");
-}
+    void startsTheBrowser()
+    {
+        QFETCH(const QByteArray, id);
+        QFETCH(const QByteArray, file);
+        QFETCH(const QByteArray, exec);
+        QFETCH(const QString, url);
+        QFETCH(const QByteArray, arguments);
 
-void TestHelpUrl::startsTheBrowser()
-{
-    QFETCH(const QByteArray, id);
-    QFETCH(const QByteArray, file);
-    QFETCH(const QByteArray, exec);
-    QFETCH(const QString, url);
-    QFETCH(const QByteArray, arguments);
-
-    const Desktop desktop;
-    desktop.addRecorders();
-    desktop.addAssociation(id);
-    desktop.addEntry(file, exec);
-    Opener opener(desktop, url);
-    QTRY_VERIFY(QFile::exists(desktop.path("web.out")));
-    opener.finish();
-    QCOMPARE(readFile(desktop.path("web.out")), arguments);
-    QVERIFY(!QFile::exists(desktop.path("open.out")));
-}
-
-void TestHelpUrl::fallsBackToXdgOpen_data()
-{
-    QTest::addColumn<QByteArray>("id");   // of the entry for http; no association when empty
-    QTest::addColumn<QByteArray>("exec"); // of the entry web.desktop; no entry when empty
-
-    const QByteArray id("web.desktop");
-    QTest::newRow("no association") << QByteArray() << QByteArray("web %u");
-    QTest::newRow("no entry") << id << QByteArray();
-    QTest::newRow("no such program") << id << QByteArray("gone %u");
-    QTest::newRow("command with an open quote") << id << QByteArray("\"web %u");
-}
-
-void TestHelpUrl::fallsBackToXdgOpen()
-{
-    QFETCH(const QByteArray, id);
-    QFETCH(const QByteArray, exec);
-
-    const Desktop desktop;
-    desktop.addRecorders();
-    if (!id.isEmpty())
+        const Desktop desktop;
+        desktop.addRecorders();
         desktop.addAssociation(id);
-    if (!exec.isEmpty())
-        desktop.addEntry("web.desktop", exec);
-    Opener opener(desktop, QStringLiteral("\"file:////opt/My Conv/a.html#x\""));
-    QTRY_VERIFY(QFile::exists(desktop.path("open.out")));
-    opener.finish();
-    QCOMPARE(readFile(desktop.path("open.out")), QByteArray("file:////opt/My Conv/a.html#x\n"));
-    QVERIFY(!QFile::exists(desktop.path("web.out")));
-}
-
-void TestHelpUrl::succeedsWithoutAnything()
-{
-    const Desktop desktop;
-    Opener(desktop, QStringLiteral("file:////opt/a.html")).finish();
-}
-
-void TestHelpUrl::browserRunsIndependently_data()
-{
-    QTest::addColumn<bool>("isXdgOpen");
-    QTest::newRow("browser") << false;
-    QTest::newRow("xdg-open") << true;
-}
-
-// The call returns while the browser runs, and the browser outlives the program, Ctrl+C in its
-// console and the end of that.
-void TestHelpUrl::browserRunsIndependently()
-{
-    QFETCH(const bool, isXdgOpen);
-
-    const Desktop desktop;
-    const QByteArray pidFile = QFile::encodeName(desktop.path("pid"));
-    desktop.addProgram(isXdgOpen ? "xdg-open" : "web",
-                       "#!/bin/sh\necho $$ > '" + pidFile + ".part'\n/bin/mv '" + pidFile +
-                           ".part' '" + pidFile + "'\nexec /bin/sleep 600\n");
-    if (!isXdgOpen) {
-        desktop.addAssociation("web.desktop");
-        desktop.addEntry("web.desktop", "web %u");
+        desktop.addEntry(file, exec);
+        Opener opener(desktop, url);
+        QTRY_VERIFY(QFile::exists(desktop.path("web.out")));
+        opener.finish();
+        QCOMPARE(readFile(desktop.path("web.out")), arguments);
+        QVERIFY(!QFile::exists(desktop.path("open.out")));
     }
-    Opener opener(desktop, QStringLiteral("file:////opt/a.html"));
-    QTRY_VERIFY(QFile::exists(desktop.path("pid")));
-    const pid_t pid = readFile(desktop.path("pid")).trimmed().toInt();
-    QVERIFY(pid > 0);
-    const auto kill = qScopeGuard([pid] { ::kill(pid, SIGKILL); });
-    QVERIFY(getsid(pid) > 0);
-    QVERIFY(getsid(pid) != getsid(opener.id()));
-    for (const char* descriptor : {"0", "1", "2"}) {
-        const QString link =
-            QStringLiteral("/proc/%1/fd/%2").arg(pid).arg(QLatin1String(descriptor));
-        QCOMPARE(QFile::symLinkTarget(link), QStringLiteral("/dev/null"));
-    }
-    opener.finish();
-    QCOMPARE(::kill(pid, 0), 0);
-}
 
-void TestHelpUrl::knowsTheTextsOfTheUnit()
-{
-    QCOMPARE(QByteArray(UtilsNS::kHelpIndexTemplate),
-             QByteArray("file:///%1/Help/index.html#%2/VetrixHelp/%3"));
-    QCOMPARE(QByteArray(UtilsNS::kHomeVariable), QByteArray("CASEDESK_HOME"));
-}
+    void fallsBackToXdgOpen()
+    {
+        const struct
+        {
+            const char* id;   // of the entry for http; no association when empty
+            const char* exec; // of the entry web.desktop; no entry when empty
+        } rows[] = {{"", "web %u"},
+                    {"web.desktop", ""},
+                    {"web.desktop", "gone %u"},
+                    {"web.desktop", "\"web %u"}};
+        for (const auto& row : rows) {
+            const Desktop desktop;
+            desktop.addRecorders();
+            if (*row.id != '\0')
+                desktop.addAssociation(row.id);
+            if (*row.exec != '\0')
+                desktop.addEntry("web.desktop", row.exec);
+            Opener opener(desktop, QStringLiteral("\"file:////opt/My Conv/a.html#x\""));
+            QTRY_VERIFY(QFile::exists(desktop.path("open.out")));
+            opener.finish();
+            QCOMPARE(readFile(desktop.path("open.out")),
+                     QByteArray("file:////opt/My Conv/a.html#x\n"));
+            QVERIFY(!QFile::exists(desktop.path("web.out")));
+        }
+    }
+
+    void succeedsWithoutAnything()
+    {
+        const Desktop desktop;
+        Opener(desktop, QStringLiteral("file:////opt/a.html")).finish();
+    }
+
+    void browserRunsIndependently_data()
+    {
+        QTest::addColumn<bool>("isXdgOpen");
+        QTest::newRow("browser") << false;
+        QTest::newRow("xdg-open") << true;
+    }
+
+    // The call returns while the browser runs, and the browser outlives the program, Ctrl+C in its
+    // console and the end of that.
+    void browserRunsIndependently()
+    {
+        QFETCH(const bool, isXdgOpen);
+
+        const Desktop desktop;
+        const QByteArray pidFile = QFile::encodeName(desktop.path("pid"));
+        desktop.addProgram(isXdgOpen ? "xdg-open" : "web",
+                           "#!/bin/sh\necho $$ > '" + pidFile + ".part'\n/bin/mv '" + pidFile +
+                               ".part' '" + pidFile + "'\nexec /bin/sleep 600\n");
+        if (!isXdgOpen) {
+            desktop.addAssociation("web.desktop");
+            desktop.addEntry("web.desktop", "web %u");
+        }
+        Opener opener(desktop, QStringLiteral("file:////opt/a.html"));
+        QTRY_VERIFY(QFile::exists(desktop.path("pid")));
+        const pid_t pid = readFile(desktop.path("pid")).trimmed().toInt();
+        QVERIFY(pid > 0);
+        const auto kill = qScopeGuard([pid] { ::kill(pid, SIGKILL); });
+        QVERIFY(getsid(pid) > 0);
+        QVERIFY(getsid(pid) != getsid(opener.id()));
+        for (const char* descriptor : {"0", "1", "2"}) {
+            const QString link =
+                QStringLiteral("/proc/%1/fd/%2").arg(pid).arg(QLatin1String(descriptor));
+            QCOMPARE(QFile::symLinkTarget(link), QStringLiteral("/dev/null"));
+        }
+        opener.finish();
+        QCOMPARE(::kill(pid, 0), 0);
+    }
+
+    void knowsTheTextsOfTheUnit()
+    {
+        QCOMPARE(QByteArray(UtilsNS::kHelpIndexTemplate),
+                 QByteArray("file:///%1/Help/index.html#%2/VetrixHelp/%3"));
+        QCOMPARE(QByteArray(UtilsNS::kHomeVariable), QByteArray("CASEDESK_HOME"));
+    }
+};
 
 HTS_TEST(TestHelpUrl, QCoreApplication)
 
