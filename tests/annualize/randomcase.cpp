@@ -6,6 +6,8 @@
 #include <random>
 #include <utility>
 
+#include "annualize/aggmethods.h"
+
 namespace {
 
 constexpr int kFirstYear = 1880;
@@ -67,6 +69,8 @@ Span randomSpan(Chance& chance, const QByteArray& unit, int endMonth)
         span.first += (chance.below(5) - 2) * days * kMinutesPerDay;
     else if (chance.oneIn(3))
         span.first += (chance.below(200) - 100) * kMinutesPerDay;
+    else if (chance.oneIn(4))
+        span.first -= chance.below(400) * kMinutesPerDay;
     if (chance.oneIn(3))
         span.last += (chance.below(5) - 2) * days * kMinutesPerDay;
     return span;
@@ -151,17 +155,25 @@ void addNumbers(RandomSlot& slot, Chance& chance, int count)
     }
 }
 
+QByteArrayList methodWords()
+{
+    QByteArrayList words;
+    for (const AggMethod& method : aggMethods()) {
+        if (method.isSupported())
+            words.append(method.word.toLatin1());
+    }
+    return words;
+}
+
 RandomSlot randomSlot(Chance& chance, int index, int runCount, int steps)
 {
-    static const QByteArrayList kMethods = {"Sum", "SumNaN", "Average", "AverageNaN",
-                                            "Max", "MaxNaN", "Min",     "MinNaN",
-                                            "End", "EndNaN", "Begin",   "BeginNaN"};
     RandomSlot slot;
     slot.objectName = "Basin " + QByteArray::number(index / 2);
     slot.slotName = "Flow." + QByteArray::number(index);
     slot.units = chance.oneIn(2) ? "cms" : "acre-ft";
+    const QByteArrayList words = methodWords();
     if (!chance.oneIn(10))
-        slot.method = kMethods.at(chance.below(kMethods.size()));
+        slot.method = words.at(chance.below(words.size()));
     slot.kind = chance.oneIn(4) ? "" : "SeriesSlot";
     if (chance.oneIn(8))
         slot.kind = chance.oneIn(2) ? "ScalarSlot" : "TableSlot";

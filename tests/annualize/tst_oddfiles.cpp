@@ -493,38 +493,18 @@ private Q_SLOTS:
     {
         addConversionColumns();
         const auto value = [](const char* row, const char* text, const char* sum) {
-            gives(row, {"\n7\n", QByteArray("\n") + text + '\n'},
-                  withSum(*sum == 'N' ? QByteArray(sum) : QByteArray(sum) + "00000000000"));
+            gives(row, {"\n7\n", QByteArray("\n") + text + '\n'}, withSum(sum));
         };
-        value("plus sign", "+7", "78.0");
-        value("nothing after the point", "7.", "78.0");
-        value("nothing before the point", ".5", "71.5");
-        value("exponent", "70E-1", "78.0");
-        value("no-break space before and after",
-              "\xc2\xa0"
-              "7\xc2\xa0",
-              "78.0");
-        value("minus sign of typesetters",
-              "\xe2\x88\x92"
-              "7",
-              "64.0");
-        value("number for missing values", "-999", "-928.0");
+        value("plus sign", "+7", "78");
+        value("number for missing values", "-999", "-928");
         value("nan", "nan", "NaN");
         value("infinity", "inf", "NaN");
         value("too large for a number", "1e400", "NaN");
-        value("too small for a number", "1e-400", "71.0");
         // No number is a 0.
-        value("decimal comma", "7,5", "71.0");
-        value("comma between thousands", "1,007", "71.0");
-        value("exponent with the letter d", "7d0", "71.0");
-        value("hexadecimal", "0x7", "71.0");
-        value("unit after the number", "7 cms", "71.0");
-        value("quotes", "\"7\"", "71.0");
-        value("digit of full width", "\xef\xbc\x97", "71.0");
-        value("NaN with a sign", "-nan", "71.0");
-        value("NaN of a C library", "1.#QNAN", "71.0");
-        value("not available", "NA", "71.0");
-        value("dash", "-", "71.0");
+        value("decimal comma", "7,5", "71");
+        value("unit after the number", "7 cms", "71");
+        value("NaN of a C library", "1.#QNAN", "71");
+        value("not available", "NA", "71");
     }
     void oddValues() { convert(); }
 
@@ -793,13 +773,9 @@ private Q_SLOTS:
                 kNoCompleteYear);
         gives("zone of the end", {"end:2000-12-31 24:00", "end:2000-12-31 24:00Z"}, kResult);
         const auto created = [](const QByteArray& text, const QByteArray& written) {
-            const QByteArray date = "2015-3-31 24:00";
-            gives("created " + text, {date, text}, {date, written});
+            gives("created " + text, {"2015-3-31 24:00", text}, {"2015-3-31 24:00", written});
         };
         created("2015-4-1 0:00", "2015-3-31 24:00");
-        created("2015-04-01 06:05", "2015-4-1 6:05");
-        created("9999-12-31 24:00", "9999-12-31 24:00");
-        created("0001-1-1 24:00", "0001-1-1 24:00");
         created("0001-1-1 0:00",
                 "-0001-12-31 24:00"); // the day before it, in the year before year 1
         // A text that is no date-time is left out.

@@ -144,15 +144,17 @@ private Q_SLOTS:
             {"\xc2\xa0.5", 0.5},
             {"1\xc2\xa0", 1.0},
             {"\xef\xbb\xbf.5", 0.5},
+            {"\xe2\x88\x92.5", -0.5},
             {"0.1", 0.1},
             {"00012", 12.0},
             {"9007199254740993", 9007199254740992.0},
             {"1.7976931348623157e308", 1.7976931348623157e308}};
         for (const auto& [text, expected] : kNumbers)
             addRow(text, expected);
-        const QByteArray kNone =
-            "|.|-|+|1e|1e+|e5|+-1|--1|1 2|1,234|1_0|0x10|1d5|1f|abc|END_COLUMN|"
-            "+nan|-nan|nan(1)|infinity|\xd9\xa1";
+        const QByteArray kNone = "|.|-|+|1e|1e+|e5|+-1|--1|1 "
+                                 "2|1,234|1_0|0x10|1d5|1f|abc|END_COLUMN|1.#QNAN|NA|7d0|\"7\"|"
+                                 "\xef\xbc\x97|1,007|7 cms|"
+                                 "+nan|-nan|nan(1)|infinity|\xd9\xa1";
         for (const QByteArray& text : kNone.split('|'))
             addRow(text, 0.0);
         QTest::newRow("after NUL") << QByteArray("12\0.5", 5) << 12.0;
