@@ -330,7 +330,7 @@ private Q_SLOTS:
     void agreesOnRunsThatDoNotMatch()
     {
         QSet<QString> messages;
-        tryAll([](quint32 seed) { return RandomRuns(seed); }, messages);
+        tryAll([](quint32 seed) { return RandomRuns(seed); }, messages, 2);
         // Every outcome that a whole file can have has been seen.
         for (const char* message :
              {kSuccess, kBadRunPreamble, kAlreadyAnnual, kNoCompleteYear, kNoSlots, kUnequalSizes})
@@ -366,13 +366,13 @@ private Q_SLOTS:
                 conversion.fileText = RandomHts(seed).file(6);
                 return conversion;
             },
-            messages);
+            messages, 2);
         QVERIFY(messages.contains(QString::fromLatin1(kNoCompleteYear)));
     }
 
     void agreesOnConversionsThatSucceed()
     {
-        const auto count = static_cast<quint32>(qMax(caseCount() / 25, 1));
+        const auto count = static_cast<quint32>(qMax(caseCount() / 60, 1));
         for (quint32 seed = 1; seed <= count; ++seed) {
             const RandomCase conversion(seed);
             writeFile(m_rules, conversion.controlText());
@@ -522,10 +522,11 @@ private:
         return {};
     }
 
-    // Tries all seeds; the messages seen go to `messages`.
-    void tryAll(const std::function<RandomRuns(quint32 seed)>& make, QSet<QString>& messages) const
+    // Tries the usual number of seeds, divided by `divisor`; the messages seen go to `messages`.
+    void tryAll(const std::function<RandomRuns(quint32 seed)>& make, QSet<QString>& messages,
+                int divisor = 1) const
     {
-        const auto count = static_cast<quint32>(caseCount());
+        const auto count = static_cast<quint32>(qMax(caseCount() / divisor, 1));
         for (quint32 seed = 1; seed <= count; ++seed) {
             const RandomRuns conversion = make(seed);
             writeFile(m_rules, conversion.controlText);
