@@ -47,9 +47,19 @@ void YearCounts::beginRun()
     m_run = m_file + ',' + QByteArray::number(walk.runIndex() + 1) + ',';
     if (walk.run().trace != -1)
         m_run += QByteArray::number(walk.run().trace);
-    m_yearEnds.clear();
-    for (const QString& timestep : m_context.conversion.runYears().timesteps)
-        m_yearEnds.push_back(csvField(textToDateTime(timestep)));
+    if (walk.run().timesteps != m_steps) {
+        m_steps = walk.run().timesteps;
+        m_stepFields.assign(static_cast<std::size_t>(m_steps.size()), {});
+    }
+    m_years.clear();
+    for (const QString& timestep : m_context.conversion.runYears().timesteps) {
+        const RunYear& year = m_context.years.years()[m_years.size()];
+        const QByteArray end = csvField(textToDateTime(timestep));
+        const QByteArray name = QByteArray::number(year.name);
+        const QByteArray expected = QByteArray::number(year.expected);
+        m_years.push_back(
+            {end, name, end + ',' + expected + ",0," + name, expected + ',' + expected + ",0"});
+    }
 }
 
 void YearCounts::addSlot()
@@ -67,10 +77,11 @@ void YearCounts::addSlot()
         m_aggValues.aggregate(walk.values(), years.valueMap, years.count(), message);
         counts = &m_aggValues.years();
     }
-    Q_ASSERT(counts->size() == m_yearEnds.size());
+    Q_ASSERT(counts->size() == m_years.size());
     const bool hasMethod = isConverted && m_context.control != nullptr;
     const AggMethod* method =
         hasMethod ? m_context.conversion.plans().at(outcome.slot).method : nullptr;
+    m_method = method == nullptr ? QByteArray() : csvField(method->word);
     const QByteArray fields =
         m_run + ',' + csvField(slot.objectName) + ',' + csvField(slot.slotName);
     for (std::size_t i = 0; i < counts->size(); ++i) {
@@ -83,15 +94,21 @@ void YearCounts::addSlot()
 void YearCounts::addYear(std::size_t index, const YearValues& counts, const AggMethod* method)
 {
     const RunYear& year = m_context.years.years()[index];
-    m_writer.addFields(m_yearEnds[index]);
-    m_writer.add(qint64(counts.count));
-    m_writer.add(qint64(counts.missing));
-    m_writer.add(qint64(year.name));
-    m_writer.add(method == nullptr ? QString() : method->word);
-    m_writer.add(year.expected);
-    m_writer.add(RunYear::presentOf(counts));
-    const bool isWhole = year.lackingOf(counts) == 0;
-    m_writer.add(isWhole ? qint64(0) : longestGap(year, m_context.walk.values()));
+    const YearFields& fields = m_years[index];
+    if (counts.count == year.expected && counts.missing == 0) { // faster
+        m_writer.addFields(fields.wholeStart);
+        m_writer.addFields(m_method);
+        m_writer.addFields(fields.wholeRest);
+    } else {
+        m_writer.addFields(fields.end);
+        m_writer.add(qint64(counts.count));
+        m_writer.add(qint64(counts.missing));
+        m_writer.addFields(fields.name);
+        m_writer.addFields(m_method);
+        m_writer.add(year.expected);
+        m_writer.add(RunYear::presentOf(counts));
+        m_writer.add(longestGap(year, m_context.walk.values()));
+    }
     if (method == nullptr)
         m_writer.addFields({});
     else
@@ -109,11 +126,15 @@ void YearCounts::addExtremes(const RunYear& year, const YearValues& counts)
     const auto first = begin + static_cast<std::ptrdiff_t>(year.first);
     const auto end = begin + static_cast<std::ptrdiff_t>(year.end);
     for (const double extreme : {counts.max(), counts.min()}) {
-        const auto index = std::find(first, end, extreme) - begin;
-        if (RunYear::presentOf(counts) == 0)
-            m_writer.addFields({});
-        else
-            m_writer.add(
-                textToDateTime(m_context.walk.run().timesteps.at(static_cast<int>(index))));
+        const auto index = static_cast<std::size_t>(std::find(first, end, extreme) - begin);
+        m_writer.addFields(RunYear::presentOf(counts) == 0 ? QByteArray() : fieldOfStep(index));
     }
+}
+
+const QByteArray& YearCounts::fieldOfStep(std::size_t index)
+{
+    QByteArray& field = m_stepFields[index];
+    if (field.isEmpty())
+        field = csvField(textToDateTime(m_steps.at(static_cast<int>(index))));
+    return field;
 }

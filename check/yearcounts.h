@@ -30,13 +30,29 @@ public:
 private:
     void addYear(std::size_t index, const YearValues& counts, const AggMethod* method);
     void addExtremes(const RunYear& year, const YearValues& counts);
+    const QByteArray& fieldOfStep(std::size_t index);
 
     CsvWriter& m_writer;
     const CheckContext& m_context;
-    // CSV fields: the file; file, run and trace; the end of each year.
+    // CSV fields of a year: its end, its name, and of one with all its values those up to the name,
+    // and from the number of timesteps expected to the longest gap.
+    struct YearFields
+    {
+        QByteArray end;
+        QByteArray name;
+        QByteArray wholeStart;
+        QByteArray wholeRest;
+    };
+
+    // CSV fields: the file; file, run and trace; of each year.
     const QByteArray m_file;
     QByteArray m_run;
-    std::vector<QByteArray> m_yearEnds;
+    std::vector<YearFields> m_years;
+    QByteArray m_method; // of the slot at hand
+    // The timesteps of the run, and those of their fields that were needed: extremes often share
+    // one.
+    QStringList m_steps;
+    std::vector<QByteArray> m_stepFields;
     AggValues m_aggValues; // a buffer
 };
 

@@ -43,7 +43,7 @@ void CsvWriter::flush()
 void CsvWriter::startField()
 {
     if (m_isRowStarted)
-        m_text += ',';
+        m_text.push_back(',');
     m_isRowStarted = true;
 }
 
@@ -63,7 +63,7 @@ void CsvWriter::add(qint64 number)
     startField();
     char digits[24]; // sign and 19 digits at most
     const auto result = std::to_chars(digits, digits + sizeof digits, number);
-    m_text.append(digits, result.ptr);
+    m_text.append(digits, static_cast<std::size_t>(result.ptr - digits));
 }
 
 void CsvWriter::add(double number)
@@ -73,7 +73,7 @@ void CsvWriter::add(double number)
         return;
     char digits[32]; // a double needs 24 at most
     const auto result = std::to_chars(digits, digits + sizeof digits, number);
-    m_text.append(digits, result.ptr);
+    m_text.append(digits, static_cast<std::size_t>(result.ptr - digits));
 }
 
 void CsvWriter::add(const QDateTime& dateTime)
