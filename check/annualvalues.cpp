@@ -235,8 +235,9 @@ void AnnualValueCheck::runRead()
 void AnnualValueCheck::slotRead()
 {
     const Conversion::SlotOutcome& outcome = m_context.conversion.outcome();
-    // Values that are read from other lines have been reported.
-    if (outcome.slot < 0 || !outcome.status.ok() || !m_context.recovery.isInSync())
+    // Values that are read from other lines have been reported; a table has none.
+    if (outcome.slot < 0 || !outcome.status.ok() || m_context.walk.slot().isTable() ||
+        m_context.recovery.hasForeignLines())
         return;
     const SlotPlan& plan = m_context.conversion.plans().at(outcome.slot);
     m_tallies = {};

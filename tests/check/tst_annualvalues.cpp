@@ -275,7 +275,8 @@ void AnnualValuesTest::saysWhichYears_data()
         {QStringLiteral("extreme-of-part: run 2: MaxNaN of L.F knows a part of the values of 2000; "
                         "there are 11 of 12 values")});
     QTest::newRow("values that are other lines")
-        << fileOf({months(lacking(12, {3}))}).replace("NaN\n", "") << QByteArray("AverageNaN")
+        << fileOf({months(lacking(12, {3, 5}))}).replace("NaN\n1\nNaN\n", "NaN\nNaN\n")
+        << QByteArray("AverageNaN")
         << QStringList{
                QStringLiteral("too-few-values: \"END_COLUMN\" instead of value 12 of 12 of L.F"),
                QStringLiteral("slot-preamble: the file ends where a slot or \"END_RUN\" is "
