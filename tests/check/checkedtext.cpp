@@ -7,6 +7,7 @@
 
 #include "annualize/annualizehts.h"
 #include "tests/plain/plainreader.h"
+#include "tests/support/wholefile.h"
 
 namespace {
 
@@ -90,6 +91,19 @@ QStringList findingTexts(const CheckedText& report)
     for (const QString& text : findingTexts(report.controlFindings))
         texts.append(QLatin1String("control ") + text);
     return texts;
+}
+
+QVector<TextCase> textCases(const QString& fileName)
+{
+    QVector<TextCase> cases;
+    const QByteArray text = sourceFile(QLatin1String("tests/check/") + fileName);
+    for (const QString& line : QString::fromUtf8(text).chopped(1).split(QLatin1Char('\n'))) {
+        if (line.startsWith(QLatin1String("== ")))
+            cases.append(TextCase{line.mid(3).toUtf8(), {}});
+        else if (!cases.isEmpty())
+            cases.last().lines.append(line);
+    }
+    return cases;
 }
 
 ConvertedText convertedText(const QByteArray& text, const QString& controlPath, int endMonth)

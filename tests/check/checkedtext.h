@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 #include "check/control.h"
 #include "check/filecheck.h"
@@ -34,6 +35,14 @@ CheckedText checkedFile(const QString& path, const QString& controlPath,
 // as "control 3: code: text".
 QStringList findingTexts(const FindingList& findings);
 QStringList findingTexts(const CheckedText& report);
+
+// A case of a file of tests/check: the lines after "== name", up to the next.
+struct TextCase
+{
+    QByteArray name;
+    QStringList lines;
+};
+QVector<TextCase> textCases(const QString& fileName);
 
 // The outcome of a conversion of a text.
 struct ConvertedText

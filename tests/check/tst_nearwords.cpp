@@ -41,36 +41,32 @@ void NearWordsTest::editDistance_data()
     QTest::addColumn<QString>("b");
     QTest::addColumn<int>("limit");
     QTest::addColumn<int>("distance");
-    QTest::newRow("equal") << "flow"
-                           << "flow" << 3 << 0;
-    QTest::newRow("both empty") << ""
-                                << "" << 3 << 0;
-    QTest::newRow("one empty") << ""
-                               << "abc" << 3 << 3;
-    QTest::newRow("replaced") << "flow"
-                              << "glow" << 3 << 1;
-    QTest::newRow("inserted") << "flow"
-                              << "flows" << 3 << 1;
-    QTest::newRow("taken out") << "flow"
-                               << "fow" << 3 << 1;
-    QTest::newRow("swapped") << "flow"
-                             << "folw" << 3 << 1;
-    QTest::newRow("swapped at the start and at the end") << "flow"
-                                                         << "lfwo" << 3 << 2;
-    QTest::newRow("swapped, with a letter between") << "abc"
-                                                    << "cba" << 3 << 2;
-    QTest::newRow("swapped, past the limit") << "abcdef"
-                                             << "badcfe" << 2 << 3;
-    QTest::newRow("other words") << "kitten"
-                                 << "sitting" << 3 << 3;
-    QTest::newRow("past the limit") << "kitten"
-                                    << "sitting" << 2 << 3;
-    QTest::newRow("as long as the limit allows") << "a"
-                                                 << "abc" << 2 << 2;
-    QTest::newRow("nothing in common") << "abcd"
-                                       << "wxyz" << 4 << 4;
-    QTest::newRow("too long") << "a"
-                              << "abcdef" << 2 << 3;
+    const struct
+    {
+        const char* name;
+        const char* a;
+        const char* b;
+        int limit;
+        int distance;
+    } rows[] = {
+        {"equal", "flow", "flow", 3, 0},
+        {"both empty", "", "", 3, 0},
+        {"one empty", "", "abc", 3, 3},
+        {"replaced", "flow", "glow", 3, 1},
+        {"inserted", "flow", "flows", 3, 1},
+        {"taken out", "flow", "fow", 3, 1},
+        {"swapped", "flow", "folw", 3, 1},
+        {"swapped at the start and at the end", "flow", "lfwo", 3, 2},
+        {"swapped, with a letter between", "abc", "cba", 3, 2},
+        {"swapped, past the limit", "abcdef", "badcfe", 2, 3},
+        {"other words", "kitten", "sitting", 3, 3},
+        {"past the limit", "kitten", "sitting", 2, 3},
+        {"as long as the limit allows", "a", "abc", 2, 2},
+        {"nothing in common", "abcd", "wxyz", 4, 4},
+        {"too long", "a", "abcdef", 2, 3},
+    };
+    for (const auto& row : rows)
+        QTest::newRow(row.name) << row.a << row.b << row.limit << row.distance;
 }
 
 void NearWordsTest::editDistance()
@@ -87,62 +83,33 @@ void NearWordsTest::nearestKeyOfALine_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("key");
-    QTest::newRow("blank lost") << "object_type:Lake"
-                                << "object_type: ";
-    QTest::newRow("tab after the colon") << "object_type:\tLake"
-                                         << "object_type: ";
-    QTest::newRow("blank before the colon") << "slot_name : Flow"
-                                            << "slot_name: ";
-    QTest::newRow("blank inside") << "slot name: Flow"
-                                  << "slot_name: ";
-    QTest::newRow("letter case") << "Object_Name: Lake"
-                                 << "object_name: ";
-    QTest::newRow("typo") << "object_nane: Lake"
-                          << "object_name: ";
-    QTest::newRow("letter lost") << "objectname: Lake"
-                                 << "object_name: ";
-    QTest::newRow("letter too many") << "object__name: Lake"
-                                     << "object_name: ";
-    QTest::newRow("no colon") << "object_name Lake"
-                              << "object_name: ";
-    QTest::newRow("comma for the colon") << "slot_type, SeriesSlot"
-                                         << "slot_type: ";
-    QTest::newRow("cut") << "slot_na"
-                         << "slot_name: ";
-    QTest::newRow("end line in lower case") << "end_slot_preamble"
-                                            << "END_SLOT_PREAMBLE";
-    QTest::newRow("end line, letters swapped") << "END_SLOT_PREAMBEL"
-                                               << "END_SLOT_PREAMBLE";
-    QTest::newRow("end line, one letter") << "END_SLOT_PREAMBL"
-                                          << "END_SLOT_PREAMBLE";
-    QTest::newRow("end line, cut") << "END_SLO"
-                                   << "END_SLOT_PREAMBLE";
-    QTest::newRow("end of the run") << "END RUN"
-                                    << "END_RUN";
-    QTest::newRow("letters swapped") << "obejct_name: Lake"
-                                     << "object_name: ";
-    QTest::newRow("two typos") << "objekt_nane: Lake"
-                               << "";
-    QTest::newRow("comment") << "# object_name: Lake"
-                             << "object_name: ";
-    QTest::newRow("other text") << "made by hand"
-                                << "";
-    QTest::newRow("one letter") << "s"
-                                << "";
-    QTest::newRow("longer word") << "object_names_and_types: 3"
-                                 << "";
-    QTest::newRow("digit after the key") << "object_name2 Lake"
-                                         << "";
-    QTest::newRow("underscore after the key") << "object_name_ Lake"
-                                              << "";
-    QTest::newRow("two letters") << "sl"
-                                 << "slot_type: ";
-    QTest::newRow("colon of the value") << "slot_name Flow: daily"
-                                        << "slot_name: ";
-    QTest::newRow("blanks around") << "  slot_name Flow  "
-                                   << "slot_name: ";
-    QTest::newRow("after 200 blanks")
-        << QString(200, QLatin1Char(' ')) + QLatin1String("slot_na") << "";
+    const struct
+    {
+        const char* key;
+        std::vector<const char*> lines;
+    } rows[] = {
+        {"object_type: ", {"object_type:Lake", "object_type:\tLake"}},
+        {"object_name: ",
+         {"Object_Name: Lake", "object_nane: Lake", "objectname: Lake", "object__name: Lake",
+          "object_name Lake", "obejct_name: Lake", "# object_name: Lake"}},
+        {"slot_name: ",
+         {"slot_name : Flow", "slot name: Flow", "slot_na", "slot_name Flow: daily",
+          "  slot_name Flow  "}},
+        {"slot_type: ", {"slot_type, SeriesSlot", "sl"}},
+        {"END_SLOT_PREAMBLE",
+         {"end_slot_preamble", "END_SLOT_PREAMBEL", "END_SLOT_PREAMBL", "END_SLO"}},
+        {"END_RUN", {"END RUN"}},
+        // Two typos, other texts, a letter, longer words.
+        {"",
+         {"objekt_nane: Lake", "made by hand", "s", "object_names_and_types: 3",
+          "object_name2 Lake", "object_name_ Lake"}},
+    };
+    for (const auto& row : rows) {
+        for (const char* line : row.lines)
+            QTest::newRow(line) << line << row.key;
+    }
+    const QString blanks(200, QLatin1Char(' '));
+    QTest::newRow("after 200 blanks") << blanks + QLatin1String("slot_na") << "";
 }
 
 void NearWordsTest::nearestKeyOfALine()
@@ -163,64 +130,33 @@ void NearWordsTest::hasAHintAtTheMeaning_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("hint");
-    const QString missing = QStringLiteral("a missing value, which is written NaN");
-    for (const char* text :
+    const struct
+    {
+        const char* hint;
+        std::vector<const char*> texts;
+    } rows[] = {
+        {"a missing value, which is written NaN",
          {"NA",         "n/a",     "#N/A",    "-nan",    "null", "None",          "missing",
           "-",          "***",     "1.#QNAN", "-1.#IND", "...",  "Not Available", "NOT  AVAILABLE",
           "M",          "--",      "---",     "*",       "?",    "____",          "nan(ind)",
-          "-nan(snan)", "No Data", "#DIV/0!", "Ice",     "EQP",  "ssn",           "Bkw"})
-        QTest::newRow(text) << text << missing;
-    for (const char* text : {"Iced", "an M", "nan()x", "not", "-*", "n a"})
-        QTest::newRow(text) << text << QString();
-    QTest::newRow("1,5") << "1,5"
-                         << "a decimal comma";
-    QTest::newRow("-0,25") << "-0,25"
-                           << "a decimal comma";
-    QTest::newRow("1.234,5") << "1.234,5"
-                             << "a decimal comma";
-    QTest::newRow("1,234") << "1,234"
-                           << "a decimal comma or a thousands separator";
-    QTest::newRow("1,234,567") << "1,234,567"
-                               << "a thousands separator";
-    QTest::newRow("1,234.5") << "1,234.5"
-                             << "a thousands separator";
-    QTest::newRow("1 234") << "1 234"
-                           << "a thousands separator";
-    QTest::newRow("2000-01-31") << "2000-01-31"
-                                << "a date";
-    QTest::newRow("31.1.2000") << "31.1.2000"
-                               << "a date";
-    QTest::newRow("1/31/2000 24:00") << "1/31/2000 24:00"
-                                     << "a date";
-    QTest::newRow("1.5D+03") << "1.5D+03"
-                             << "an exponent that begins with D instead of E";
-    QTest::newRow("quoted") << "\"1.5\""
-                            << "quotes around a number";
-    QTest::newRow("1.5 2.5") << "1.5 2.5"
-                             << "more than one number";
-    QTest::newRow("1.5;2.5") << "1.5;2.5"
-                             << "more than one number";
-    QTest::newRow("12.5 cms") << "12.5 cms"
-                              << "something after a number";
-    QTest::newRow("12.5*") << "12.5*"
-                           << "something after a number";
-    QTest::newRow("-.5e3 kg") << "-.5e3 kg"
-                              << "something after a number";
-    QTest::newRow("+5.e-2, 1") << "+5.e-2, 1"
-                               << "more than one number";
-    QTest::newRow("-.5d-2") << "-.5d-2"
-                            << "an exponent that begins with D instead of E";
-    QTest::newRow("1.234.567,8") << "1.234.567,8"
-                                 << "a decimal comma";
-    QTest::newRow("1,5e-3") << "1,5e-3"
-                            << "a decimal comma";
-    QTest::newRow("1'234.5") << "1'234.5"
-                             << "a thousands separator";
-    QTest::newRow("no-break space") << QStringLiteral("1\u00a0234") << "a thousands separator";
-    QTest::newRow("abc") << "abc"
-                         << "";
-    QTest::newRow("letter before a number") << "v1.5"
-                                            << "";
+          "-nan(snan)", "No Data", "#DIV/0!", "Ice",     "EQP",  "ssn",           "Bkw"}},
+        {"a decimal comma", {"1,5", "-0,25", "1.234,5", "1.234.567,8", "1,5e-3"}},
+        {"a decimal comma or a thousands separator", {"1,234"}},
+        {"a thousands separator",
+         {"1,234,567", "1,234.5", "1 234", "1'234.5",
+          "1\xc2\xa0"
+          "234"}},
+        {"a date", {"2000-01-31", "31.1.2000", "1/31/2000 24:00"}},
+        {"an exponent that begins with D instead of E", {"1.5D+03", "-.5d-2"}},
+        {"quotes around a number", {"\"1.5\""}},
+        {"more than one number", {"1.5 2.5", "1.5;2.5", "+5.e-2, 1"}},
+        {"something after a number", {"12.5 cms", "12.5*", "-.5e3 kg"}},
+        {"", {"abc", "v1.5", "Iced", "an M", "nan()x", "not", "-*", "n a"}},
+    };
+    for (const auto& row : rows) {
+        for (const char* text : row.texts)
+            QTest::newRow(text) << text << row.hint;
+    }
     // Longer than what hints are for.
     QTest::newRow("100 bytes") << QStringLiteral("1,") + QString(98, QLatin1Char('5'))
                                << "a decimal comma";
@@ -238,24 +174,29 @@ void NearWordsTest::quotesOnOneLine_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("text");
-    QTest::newRow("plain") << QByteArray("Lake A") << "\"Lake A\"";
-    QTest::newRow("empty") << QByteArray() << "\"\"";
-    QTest::newRow("tab") << QByteArray("a\tb") << "\"a\\tb\"";
-    QTest::newRow("escape") << QByteArray("a\x1b[31m") << "\"a\\u001b[31m\"";
-    QTest::newRow("UTF-8") << QByteArray("\xc3\x84") << QStringLiteral("\"\u00c4\"");
-    QTest::newRow("60 characters")
-        << QByteArray(60, 'x')
-        << QLatin1Char('"') + QString(60, QLatin1Char('x')) + QLatin1Char('"');
-    QTest::newRow("character beyond 16 bits")
-        << QByteArray("\xf0\x9f\x92\xa7") << QStringLiteral("\"\U0001f4a7\"");
-    QTest::newRow("not UTF-8") << QByteArray("a\xff") << QStringLiteral("\"a\ufffd\"");
-    QTest::newRow("no character") << QByteArray("a\xef\xbf\xbf") << "\"a\\uffff\"";
-    QTest::newRow("more than is looked at, stripped")
-        << QByteArray(390, ' ') + QByteArray(20, 'x')
-        << QLatin1Char('"') + QString(10, QLatin1Char('x')) + QLatin1Char('"');
-    QTest::newRow("long") << QByteArray(100, 'x')
-                          << QLatin1Char('"') + QString(60, QLatin1Char('x')) +
-                                 QLatin1String("...\"");
+    const QString x60(60, QLatin1Char('x'));
+    const struct
+    {
+        const char* name;
+        QByteArray bytes;
+        QString text;
+    } rows[] = {
+        {"plain", "Lake A", QStringLiteral("Lake A")},
+        {"empty", "", QString()},
+        {"tab", "a\tb", QStringLiteral("a\\tb")},
+        {"escape", "a\x1b[31m", QStringLiteral("a\\u001b[31m")},
+        {"UTF-8", "\xc3\x84", QStringLiteral("\u00c4")},
+        {"60 characters", QByteArray(60, 'x'), x60},
+        {"character beyond 16 bits", "\xf0\x9f\x92\xa7", QStringLiteral("\U0001f4a7")},
+        {"not UTF-8", "a\xff", QStringLiteral("a\ufffd")},
+        {"no character", "a\xef\xbf\xbf", QStringLiteral("a\\uffff")},
+        {"more than is looked at, stripped", QByteArray(390, ' ') + QByteArray(20, 'x'),
+         x60.left(10)},
+        {"long", QByteArray(100, 'x'), x60 + QLatin1String("...")},
+    };
+    for (const auto& row : rows)
+        QTest::newRow(row.name) << row.bytes
+                                << QString(QLatin1Char('"') + row.text + QLatin1Char('"'));
 }
 
 void NearWordsTest::quotesOnOneLine()

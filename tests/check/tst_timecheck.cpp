@@ -6,7 +6,6 @@
 #include "hts/datetimetext.h"
 #include "tests/check/checkedtext.h"
 #include "tests/support/testmain.h"
-#include "tests/support/wholefile.h"
 
 namespace {
 
@@ -104,21 +103,14 @@ void TimeCheckTest::findsInTimesteps_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<int>("endMonth");
     QTest::addColumn<QStringList>("findings");
-    QStringList lines = QString::fromUtf8(sourceFile(QStringLiteral("tests/check/timesteps.txt")))
-                            .split(QLatin1Char('\n'));
-    while (!lines.isEmpty()) {
-        const QString name = lines.takeFirst();
-        if (!name.startsWith(QLatin1Char('[')))
-            continue;
-        const Settings settings = settingsOf(lines.takeFirst());
-        const QStringList steps = stepsOf(lines.takeFirst(), settings.value(QStringLiteral("unit")),
+    for (const TextCase& row : textCases(QStringLiteral("timesteps.txt"))) {
+        const Settings settings = settingsOf(row.lines.at(0));
+        const QStringList steps = stepsOf(row.lines.at(1), settings.value(QStringLiteral("unit")),
                                           settings.value(QStringLiteral("quantity")).toInt());
-        QStringList findings;
-        while (!lines.first().isEmpty())
-            findings.append(lines.takeFirst());
-        QTest::newRow(qPrintable(name))
+        QTest::newRow(row.name)
             << fileOf(settings, steps)
-            << settings.value(QStringLiteral("month"), QStringLiteral("12")).toInt() << findings;
+            << settings.value(QStringLiteral("month"), QStringLiteral("12")).toInt()
+            << QStringList(row.lines.mid(2));
     }
 }
 
