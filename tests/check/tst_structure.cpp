@@ -103,6 +103,8 @@ void StructureTest::defectHasItsFindings_data()
         between(QByteArray(kPreamble).replace("slot_name: Flow", "slot_name: ") + kHeader +
                 kValues + kEnds),
         "42: no-slot-name");
+    row("timestep before a slot that is not the first", between("2000-1-31 24:00\n"),
+        "40: misplaced-line");
     row("timestep too many",
         QByteArray(between("")).replace("2000-5-31 24:00\n", "2000-5-31 24:00\n2000-5-31 24:00\n"),
         "6: step-count;13: step-repeated;19: no-complete-year");

@@ -34,38 +34,42 @@ QStringList stepsOf(const QString& text, const QString& unit, int quantity)
     return steps;
 }
 
-QString slotOf(int number, int run, int valueCount)
+QString slotOf(int number, int run, int valueCount, const char* type = "SeriesSlot")
 {
-    QString text = QStringLiteral("object_type: R\nobject_name: L%1\nslot_name: F\n"
+    QString text = QStringLiteral("object_type: R\nobject_name: L%1\nslot_type: %2\nslot_name: F\n"
                                   "END_SLOT_PREAMBLE\nunits: cms\nscale: 1\n")
-                       .arg(number);
+                       .arg(QString::number(number), QLatin1String(type));
     for (int i = 0; i < valueCount; ++i)
         text += QStringLiteral("%1.%2\n").arg(i % 90).arg(100 * run + 5 + number);
     return text + QStringLiteral("END_COLUMN\nEND_SLOT\n");
 }
 
-// The run of the settings, with a slot, or as many as they say.
+// The runs of the settings, with a slot, or as many as they say.
 QByteArray fileOf(const Settings& settings, const QStringList& steps)
 {
-    const int count =
-        settings.value(QStringLiteral("announced"), QString::number(steps.size())).toInt();
-    const int values =
-        settings.value(QStringLiteral("values"), QString::number(steps.size())).toInt();
-    const int slotCount = settings.value(QStringLiteral("slots"), QStringLiteral("1")).toInt();
-    const int runs = settings.value(QStringLiteral("runs"), QStringLiteral("1")).toInt();
-    QString text = QStringLiteral("number_of_runs:%1\nEND_PACKAGE_PREAMBLE\n").arg(runs);
-    for (int run = 0; run < runs; ++run) {
-        text += QStringLiteral("start:%1\nend:%2\ntime_step_unit:%3\nunit_quantity:%4\n"
-                               "time_steps:%5\nEND_RUN_PREAMBLE\n")
-                    .arg(settings.value(QStringLiteral("start"), steps.value(0)),
-                         settings.value(QStringLiteral("end"), steps.value(steps.size() - 1)),
-                         settings.value(QStringLiteral("unit")),
-                         settings.value(QStringLiteral("quantity"), QStringLiteral("1")),
-                         QString::number(count));
+    const auto setting = [&settings](const char* name, const QString& usual) {
+        return settings.value(QLatin1String(name), usual);
+    };
+    const auto number = [&setting](const char* name, int usual) {
+        return setting(name, QString::number(usual)).toInt();
+    };
+    const QString announced = setting("announced", QString::number(steps.size()));
+    QString text =
+        QStringLiteral("number_of_runs:%1\nEND_PACKAGE_PREAMBLE\n").arg(number("runs", 1));
+    for (int run = 0; run < number("runs", 1); ++run) {
+        text += QStringLiteral("start:%1\nend:%2\ntime_step_unit:%3\nunit_quantity:%4\n")
+                    .arg(setting("start", steps.value(0)),
+                         setting("end", steps.value(steps.size() - 1)), setting("unit", {}),
+                         setting("quantity", QStringLiteral("1")));
+        if (!announced.isEmpty())
+            text += QLatin1String("time_steps:") + announced + QLatin1Char('\n');
+        text += QStringLiteral("END_RUN_PREAMBLE\n");
         for (const QString& step : steps)
             text += step + QLatin1Char('\n');
-        for (int slot = 0; slot < slotCount; ++slot)
-            text += slotOf(slot, run, values);
+        for (int slot = 0; slot < number("scalars", 0); ++slot)
+            text += slotOf(50 + slot, run, 1, "ScalarSlot");
+        for (int slot = 0; slot < number("slots", 1); ++slot)
+            text += slotOf(slot, run, number("values", steps.size()));
         text += QStringLiteral("END_RUN\n");
     }
     return text.toUtf8();
