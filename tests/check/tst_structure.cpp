@@ -105,6 +105,10 @@ void StructureTest::defectHasItsFindings_data()
         "42: no-slot-name");
     row("timestep before a slot that is not the first", between("2000-1-31 24:00\n"),
         "40: misplaced-line");
+    row("timestep too many, and a fault of a later slot",
+        QByteArray(between(kPreamble + kHeader + kValues + "END_COLUMN\n*\n"))
+            .replace("12-31 24:00\nobject", "12-31 24:00\n2001-1-31 24:00\nobject"),
+        "6: step-count;60: end-slot");
     row("timestep too many",
         QByteArray(between("")).replace("2000-5-31 24:00\n", "2000-5-31 24:00\n2000-5-31 24:00\n"),
         "6: step-count;13: step-repeated;19: no-complete-year");
