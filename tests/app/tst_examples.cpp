@@ -12,50 +12,47 @@ class TestExamples : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void conversionGivesTheComputedResult_data();
-    void conversionGivesTheComputedResult();
-};
+    void conversionGivesTheComputedResult_data()
+    {
+        addColumns<QString, QString, QString, QByteArray>("input", "control", "endMonth",
+                                                          "lineEnd");
 
-void TestExamples::conversionGivesTheComputedResult_data()
-{
-    QTest::addColumn<QString>("input");
-    QTest::addColumn<QString>("control");
-    QTest::addColumn<QString>("endMonth");
-    QTest::addColumn<QByteArray>("lineEnd");
-
-    const QString cases = QString::fromUtf8(sourceFile(QStringLiteral(GOLDEN_DIR "/cases.tsv")));
-    for (const QString& line : cases.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-        const QStringList fields = line.split(QLatin1Char('\t'));
-        QCOMPARE(fields.size(), 4);
-        const QByteArray name = fields.at(0).toUtf8();
-        for (const char* lineEnd : {"\n", "\r\n"}) {
-            const bool isUnix = qstrlen(lineEnd) == 1;
-            QTest::addRow("%s%s", name.constData(), isUnix ? "" : ", Windows line ends")
-                << fields.at(1) << fields.at(2) << fields.at(3) << QByteArray(lineEnd);
+        const QString cases =
+            QString::fromUtf8(sourceFile(QStringLiteral(GOLDEN_DIR "/cases.tsv")));
+        for (const QString& line : cases.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+            const QStringList fields = line.split(QLatin1Char('\t'));
+            QCOMPARE(fields.size(), 4);
+            const QByteArray name = fields.at(0).toUtf8();
+            for (const char* lineEnd : {"\n", "\r\n"}) {
+                const bool isUnix = qstrlen(lineEnd) == 1;
+                QTest::addRow("%s%s", name.constData(), isUnix ? "" : ", Windows line ends")
+                    << fields.at(1) << fields.at(2) << fields.at(3) << QByteArray(lineEnd);
+            }
         }
     }
-}
 
-void TestExamples::conversionGivesTheComputedResult()
-{
-    QFETCH(QString, input);
-    QFETCH(QString, control);
-    QFETCH(QString, endMonth);
-    QFETCH(QByteArray, lineEnd);
+    void conversionGivesTheComputedResult()
+    {
+        QFETCH(QString, input);
+        QFETCH(QString, control);
+        QFETCH(QString, endMonth);
+        QFETCH(QByteArray, lineEnd);
 
-    const QString root = QStringLiteral(SOURCE_DIR "/");
-    AnnualizerRun run;
-    run.write(QStringLiteral("a.hts"), sourceFile(root + input).replace("\n", lineEnd));
-    run.write(QStringLiteral("c.txt"), sourceFile(root + control).replace("\n", lineEnd));
-    run.start({QStringLiteral("-i"), QStringLiteral("a.hts"), QStringLiteral("-o"),
-               QStringLiteral("b.hts"), QStringLiteral("-c"), QStringLiteral("c.txt"),
-               QStringLiteral("-y"), endMonth});
-    QCOMPARE(run.output, QByteArray());
-    QCOMPARE(run.exitCode, 0);
-    const QString name = QString::fromUtf8(QTest::currentDataTag()).section(QLatin1Char(','), 0, 0);
-    QCOMPARE(run.read(QStringLiteral("b.hts")),
-             sourceFile(QStringLiteral(GOLDEN_DIR "/") + name + QStringLiteral(".expected")));
-}
+        const QString root = QStringLiteral(SOURCE_DIR "/");
+        AnnualizerRun run;
+        run.write(QStringLiteral("a.hts"), sourceFile(root + input).replace("\n", lineEnd));
+        run.write(QStringLiteral("c.txt"), sourceFile(root + control).replace("\n", lineEnd));
+        run.start({QStringLiteral("-i"), QStringLiteral("a.hts"), QStringLiteral("-o"),
+                   QStringLiteral("b.hts"), QStringLiteral("-c"), QStringLiteral("c.txt"),
+                   QStringLiteral("-y"), endMonth});
+        QCOMPARE(run.output, QByteArray());
+        QCOMPARE(run.exitCode, 0);
+        const QString name =
+            QString::fromUtf8(QTest::currentDataTag()).section(QLatin1Char(','), 0, 0);
+        QCOMPARE(run.read(QStringLiteral("b.hts")),
+                 sourceFile(QStringLiteral(GOLDEN_DIR "/") + name + QStringLiteral(".expected")));
+    }
+};
 
 HTS_TEST(TestExamples, QCoreApplication)
 

@@ -25,10 +25,57 @@ class TestFaultsMemory : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void limitsAroundTheLowestThatSuffices();
-    void fileWithoutEnd_data();
-    void fileWithoutEnd();
+    void initTestCase()
+    {
+        constexpr int kSlots = 3000;
+        m_input = withSlots(monthlyFile(), kSlots);
+        m_result = withSlots(monthlySums(), kSlots);
+    }
+
+    void limitsAroundTheLowestThatSuffices()
+    {
+        const int least = lowestSufficientLimit();
+        QVERIFY2(least > 0, m_details);
+        int successes = 0;
+        int failures = 0;
+        for (int limit = least - 2 * kCoarse; limit <= least + kFine; limit += kFine) {
+            const Outcome outcome = runWithLimit(limit);
+            QVERIFY2(outcome != Outcome::Wrong, m_details);
+            successes += outcome == Outcome::Success ? 1 : 0;
+            failures += outcome == Outcome::NoMemory ? 1 : 0;
+        }
+        QVERIFY(successes > 0);
+        QVERIFY(failures > 0);
+    }
+
+    void fileWithoutEnd_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::newRow("input") << QByteArray("a.hts");
+        QTest::newRow("control file") << QByteArray("c.txt");
+    }
+
+    // A device that returns bytes for ever, without a line end, fills any memory.
+    void fileWithoutEnd()
+    {
+        QFETCH(QByteArray, file);
+        const int limit = lowestSufficientLimit();
+        QVERIFY2(limit > 0, m_details);
+        AnnualizerRun run;
+        writeInputs(run);
+        QByteArray arguments = "-i a.hts -o b.hts -c c.txt";
+        arguments.replace(file, "/dev/zero");
+        run.startShell(
+            QStringLiteral("ulimit -c 0; ulimit -v %1; exec \"$PROGRAM\" ").arg(limit + 16 * 1024) +
+            QString::fromLatin1(arguments));
+        QCOMPARE(run.output, QByteArray());
+        QCOMPARE(run.errors, QByteArray());
+        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
+                 logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n")
+                     .replace(file, "/dev/zero"));
+        QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
+    }
 
 private:
     enum class Outcome {
@@ -38,128 +85,74 @@ private:
         Wrong
     };
 
-    Outcome runWithLimit(int kilobytes);
-    int lowestSufficientLimit();
+    Outcome runWithLimit(int kilobytes)
+    {
+        AnnualizerRun run;
+        run.write(QStringLiteral("a.hts"), m_input);
+        run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
+        run.write(QStringLiteral("b.hts"), kOldResult);
+        // Without the counts of a coverage build.
+        run.environment.insert(QStringLiteral("GCOV_PREFIX"), run.path(QStringLiteral("counts")));
+        run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1 || exit 127; "
+                                      "exec \"$PROGRAM\" -i a.hts -o b.hts -c c.txt")
+                           .arg(kilobytes));
+        const QByteArray result = run.read(QStringLiteral("b.hts"));
+        const QByteArray log = withoutTime(run.read(QStringLiteral("b.log")));
+        m_details = QByteArray::number(kilobytes) + " KiB: exit code " +
+                    QByteArray::number(run.exitCode) + ", result of " +
+                    QByteArray::number(result.size()) + " bytes\n" + run.output + run.errors + log;
+        if (run.exitCode == 0) {
+            const bool isWhole =
+                result == m_result && log == logWithOutcome(kCreated) && run.output.isEmpty();
+            return isWhole ? Outcome::Success : Outcome::Wrong;
+        }
+        if (run.exitCode == 127)
+            return result == kOldResult ? Outcome::NotStarted : Outcome::Wrong;
+        // The platform plugin is a library that the toolkit loads by itself. With still less memory
+        // it does not list those that there are.
+        const QByteArray noPlatform(kNoPlatform);
+        const QByteArray toolkitText = withoutPluginList(run.errors);
+        const bool isWithoutPlatform =
+            run.exitCode == -1 && run.output.isEmpty() &&
+            (toolkitText == noPlatform ||
+             toolkitText == noPlatform.left(noPlatform.indexOf("Available platform plugins")));
+        // GLib, which is started with the toolkit, has its own text.
+        static const QRegularExpression glibText(
+            QStringLiteral("^[./]*glib/gprintf\\.c:\\d+: failed to allocate memory\n$"));
+        const bool isWithoutGlib = run.exitCode == -1 && run.output.isEmpty() &&
+                                   glibText.match(QString::fromLatin1(run.errors)).hasMatch();
+        if (isWithoutPlatform || isWithoutGlib)
+            return result == kOldResult && log == "(no file)" ? Outcome::NotStarted
+                                                              : Outcome::Wrong;
+        const bool isReportedInTheLog =
+            log == logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n") &&
+            run.output.isEmpty();
+        const bool isReportedOnTheConsole = run.output == kNoMemory;
+        const bool isReported = run.exitCode == 1 && (isReportedInTheLog || isReportedOnTheConsole);
+        const bool isResultUnfinished = result == kOldResult || m_result.startsWith(result);
+        return isReported && isResultUnfinished ? Outcome::NoMemory : Outcome::Wrong;
+    }
+
+    // Found by bisection; -1 when a run went wrong.
+    int lowestSufficientLimit()
+    {
+        int tooLittle = 0;
+        int enough = kMaxLimit;
+        while (enough - tooLittle > kCoarse) {
+            const int middle = tooLittle + (enough - tooLittle) / 2;
+            const Outcome outcome = runWithLimit(middle);
+            if (outcome == Outcome::Wrong)
+                return -1;
+            (outcome == Outcome::Success ? enough : tooLittle) = middle;
+        }
+        return enough;
+    }
 
     QByteArray m_input;
     QByteArray m_result;
     // Of the last run, for messages.
     QByteArray m_details;
 };
-
-void TestFaultsMemory::initTestCase()
-{
-    constexpr int kSlots = 3000;
-    m_input = withSlots(monthlyFile(), kSlots);
-    m_result = withSlots(monthlySums(), kSlots);
-}
-
-TestFaultsMemory::Outcome TestFaultsMemory::runWithLimit(int kilobytes)
-{
-    AnnualizerRun run;
-    run.write(QStringLiteral("a.hts"), m_input);
-    run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
-    run.write(QStringLiteral("b.hts"), kOldResult);
-    // Without the counts of a coverage build.
-    run.environment.insert(QStringLiteral("GCOV_PREFIX"), run.path(QStringLiteral("counts")));
-    run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1 || exit 127; "
-                                  "exec \"$PROGRAM\" -i a.hts -o b.hts -c c.txt")
-                       .arg(kilobytes));
-    const QByteArray result = run.read(QStringLiteral("b.hts"));
-    const QByteArray log = withoutTime(run.read(QStringLiteral("b.log")));
-    m_details = QByteArray::number(kilobytes) + " KiB: exit code " +
-                QByteArray::number(run.exitCode) + ", result of " +
-                QByteArray::number(result.size()) + " bytes\n" + run.output + run.errors + log;
-    if (run.exitCode == 0) {
-        const bool isWhole =
-            result == m_result && log == logWithOutcome(kCreated) && run.output.isEmpty();
-        return isWhole ? Outcome::Success : Outcome::Wrong;
-    }
-    if (run.exitCode == 127)
-        return result == kOldResult ? Outcome::NotStarted : Outcome::Wrong;
-    // The platform plugin is a library that the toolkit loads by itself. With still less memory it
-    // does not list those that there are.
-    const QByteArray noPlatform(kNoPlatform);
-    const QByteArray toolkitText = withoutPluginList(run.errors);
-    const bool isWithoutPlatform =
-        run.exitCode == -1 && run.output.isEmpty() &&
-        (toolkitText == noPlatform ||
-         toolkitText == noPlatform.left(noPlatform.indexOf("Available platform plugins")));
-    // GLib, which is started with the toolkit, has its own text.
-    static const QRegularExpression glibText(
-        QStringLiteral("^[./]*glib/gprintf\\.c:\\d+: failed to allocate memory\n$"));
-    const bool isWithoutGlib = run.exitCode == -1 && run.output.isEmpty() &&
-                               glibText.match(QString::fromLatin1(run.errors)).hasMatch();
-    if (isWithoutPlatform || isWithoutGlib)
-        return result == kOldResult && log == "(no file)" ? Outcome::NotStarted : Outcome::Wrong;
-    const bool isReportedInTheLog =
-        log == logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n") &&
-        run.output.isEmpty();
-    const bool isReportedOnTheConsole = run.output == kNoMemory;
-    const bool isReported = run.exitCode == 1 && (isReportedInTheLog || isReportedOnTheConsole);
-    const bool isResultUnfinished = result == kOldResult || m_result.startsWith(result);
-    return isReported && isResultUnfinished ? Outcome::NoMemory : Outcome::Wrong;
-}
-
-// Found by bisection; -1 when a run went wrong.
-int TestFaultsMemory::lowestSufficientLimit()
-{
-    int tooLittle = 0;
-    int enough = kMaxLimit;
-    while (enough - tooLittle > kCoarse) {
-        const int middle = tooLittle + (enough - tooLittle) / 2;
-        const Outcome outcome = runWithLimit(middle);
-        if (outcome == Outcome::Wrong)
-            return -1;
-        (outcome == Outcome::Success ? enough : tooLittle) = middle;
-    }
-    return enough;
-}
-
-void TestFaultsMemory::limitsAroundTheLowestThatSuffices()
-{
-    const int least = lowestSufficientLimit();
-    QVERIFY2(least > 0, m_details);
-    int successes = 0;
-    int failures = 0;
-    for (int limit = least - 2 * kCoarse; limit <= least + kFine; limit += kFine) {
-        const Outcome outcome = runWithLimit(limit);
-        QVERIFY2(outcome != Outcome::Wrong, m_details);
-        successes += outcome == Outcome::Success ? 1 : 0;
-        failures += outcome == Outcome::NoMemory ? 1 : 0;
-    }
-    QVERIFY(successes > 0);
-    QVERIFY(failures > 0);
-}
-
-void TestFaultsMemory::fileWithoutEnd_data()
-{
-    QTest::addColumn<QByteArray>("file");
-    QTest::newRow("input") << QByteArray("a.hts");
-    QTest::newRow("control file") << QByteArray("c.txt");
-}
-
-// A device that returns bytes for ever, without a line end, fills any memory.
-void TestFaultsMemory::fileWithoutEnd()
-{
-    QFETCH(QByteArray, file);
-    const int limit = lowestSufficientLimit();
-    QVERIFY2(limit > 0, m_details);
-    AnnualizerRun run;
-    writeInputs(run);
-    QByteArray arguments = "-i a.hts -o b.hts -c c.txt";
-    arguments.replace(file, "/dev/zero");
-    run.startShell(
-        QStringLiteral("ulimit -c 0; ulimit -v %1; exec \"$PROGRAM\" ").arg(limit + 16 * 1024) +
-        QString::fromLatin1(arguments));
-    QCOMPARE(run.output, QByteArray());
-    QCOMPARE(run.errors, QByteArray());
-    QCOMPARE(run.exitCode, 1);
-    QCOMPARE(
-        withoutTime(run.read(QStringLiteral("b.log"))),
-        logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n").replace(file, "/dev/zero"));
-    QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
-}
 
 HTS_TEST(TestFaultsMemory, QCoreApplication)
 

@@ -56,64 +56,64 @@ class TestHugeInput : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void gigabyteOfDaysFromAPipeNeedsLittleMemory();
-    void slotsThatLaterRunsLackTakeNoTime();
-};
+    void gigabyteOfDaysFromAPipeNeedsLittleMemory()
+    {
+        AnnualizerRun few;
+        few.write(QStringLiteral("c.txt"), "*.*: Average\n");
+        few.startShell(generate(kColumns) +
+                       QStringLiteral(" > a.hts; \"$PROGRAM\" -i a.hts -o b.hts "
+                                      "-c c.txt"));
+        QCOMPARE(few.exitCode, 0);
+        const QByteArray input = few.read(QStringLiteral("a.hts"));
+        const qint64 slotSize = (input.size() - input.indexOf("object_type: ")) / kColumns;
+        QVERIFY2(slotSize * kSlots >= kInputSize, QByteArray::number(slotSize));
+        const QByteArray expected = repeated(few.read(QStringLiteral("b.hts")));
 
-void TestHugeInput::gigabyteOfDaysFromAPipeNeedsLittleMemory()
-{
-    AnnualizerRun few;
-    few.write(QStringLiteral("c.txt"), "*.*: Average\n");
-    few.startShell(generate(kColumns) + QStringLiteral(" > a.hts; \"$PROGRAM\" -i a.hts -o b.hts "
-                                                       "-c c.txt"));
-    QCOMPARE(few.exitCode, 0);
-    const QByteArray input = few.read(QStringLiteral("a.hts"));
-    const qint64 slotSize = (input.size() - input.indexOf("object_type: ")) / kColumns;
-    QVERIFY2(slotSize * kSlots >= kInputSize, QByteArray::number(slotSize));
-    const QByteArray expected = repeated(few.read(QStringLiteral("b.hts")));
-
-    AnnualizerRun many;
-    many.write(QStringLiteral("c.txt"), "*.*: Average\n");
-    many.startShell(generate(kSlots) +
-                    QStringLiteral(" | { ulimit -v %1 && exec \"$PROGRAM\" -i /dev/stdin -o b.hts "
-                                   "-c c.txt; }")
-                        .arg(kMemory));
-    QCOMPARE(many.output, QByteArray());
-    QCOMPARE(many.errors, QByteArray());
-    QCOMPARE(many.exitCode, 0);
-    QVERIFY(many.read(QStringLiteral("b.log")).endsWith(kCreated));
-    // Not printed when they differ: there are megabytes of them.
-    QVERIFY(many.read(QStringLiteral("b.hts")) == expected);
-}
-
-// The engine's log has a line for each slot that is left out in each run, and nobody sees it.
-void TestHugeInput::slotsThatLaterRunsLackTakeNoTime()
-{
-    constexpr int kCount = 6000;
-    QByteArray runStart = "start:2000-1-31 24:00\nend:2000-12-31 24:00\ntime_step_unit:month\n"
-                          "time_steps:12\nEND_RUN_PREAMBLE\n";
-    QByteArray series = "object_name: Lake\nslot_name: Inflow\nEND_SLOT_PREAMBLE\nunits: cms\n"
-                        "scale: 1\n";
-    const int ends[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    for (int month = 1; month <= 12; ++month) {
-        runStart += "2000-" + QByteArray::number(month) + '-' +
-                    QByteArray::number(ends[month - 1]) + " 24:00\n";
-        series += "1\n";
+        AnnualizerRun many;
+        many.write(QStringLiteral("c.txt"), "*.*: Average\n");
+        many.startShell(
+            generate(kSlots) +
+            QStringLiteral(" | { ulimit -v %1 && exec \"$PROGRAM\" -i /dev/stdin -o b.hts "
+                           "-c c.txt; }")
+                .arg(kMemory));
+        QCOMPARE(many.output, QByteArray());
+        QCOMPARE(many.errors, QByteArray());
+        QCOMPARE(many.exitCode, 0);
+        QVERIFY(many.read(QStringLiteral("b.log")).endsWith(kCreated));
+        // Not printed when they differ: there are megabytes of them.
+        QVERIFY(many.read(QStringLiteral("b.hts")) == expected);
     }
-    series += "END_COLUMN\nEND_SLOT\n";
-    const QByteArray scalar = "object_name: Lake\nslot_type: ScalarSlot\nslot_name: Area\n"
-                              "END_SLOT_PREAMBLE\nunits: km2\nscale: 1\n1\nEND_COLUMN\nEND_SLOT\n";
-    AnnualizerRun run;
-    run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
-    run.write(QStringLiteral("a.hts"),
-              "number_of_runs:" + QByteArray::number(kCount + 1) + "\nEND_PACKAGE_PREAMBLE\n" +
-                  runStart + series + scalar.repeated(kCount) + "END_RUN\n" +
-                  QByteArray(runStart + series + "END_RUN\n").repeated(kCount));
-    run.startShell(QStringLiteral("ulimit -c 0; ulimit -t 5; "
-                                  "exec \"$PROGRAM\" -i a.hts -o b.hts -c c.txt"));
-    QCOMPARE(run.exitCode, 0);
-    QCOMPARE(run.read(QStringLiteral("b.hts")).count("\n12.000000000000\n"), kCount + 1);
-}
+
+    // The engine's log has a line for each slot that is left out in each run, and nobody sees it.
+    void slotsThatLaterRunsLackTakeNoTime()
+    {
+        constexpr int kCount = 6000;
+        QByteArray runStart = "start:2000-1-31 24:00\nend:2000-12-31 24:00\ntime_step_unit:month\n"
+                              "time_steps:12\nEND_RUN_PREAMBLE\n";
+        QByteArray series = "object_name: Lake\nslot_name: Inflow\nEND_SLOT_PREAMBLE\nunits: cms\n"
+                            "scale: 1\n";
+        const int ends[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+        for (int month = 1; month <= 12; ++month) {
+            runStart += "2000-" + QByteArray::number(month) + '-' +
+                        QByteArray::number(ends[month - 1]) + " 24:00\n";
+            series += "1\n";
+        }
+        series += "END_COLUMN\nEND_SLOT\n";
+        const QByteArray scalar =
+            "object_name: Lake\nslot_type: ScalarSlot\nslot_name: Area\n"
+            "END_SLOT_PREAMBLE\nunits: km2\nscale: 1\n1\nEND_COLUMN\nEND_SLOT\n";
+        AnnualizerRun run;
+        run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
+        run.write(QStringLiteral("a.hts"),
+                  "number_of_runs:" + QByteArray::number(kCount + 1) + "\nEND_PACKAGE_PREAMBLE\n" +
+                      runStart + series + scalar.repeated(kCount) + "END_RUN\n" +
+                      QByteArray(runStart + series + "END_RUN\n").repeated(kCount));
+        run.startShell(QStringLiteral("ulimit -c 0; ulimit -t 5; "
+                                      "exec \"$PROGRAM\" -i a.hts -o b.hts -c c.txt"));
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.read(QStringLiteral("b.hts")).count("\n12.000000000000\n"), kCount + 1);
+    }
+};
 
 HTS_TEST(TestHugeInput, QCoreApplication)
 

@@ -10,34 +10,31 @@ class TestPlatform : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void endWithoutACatcher_data();
-    void endWithoutACatcher();
+    void endWithoutACatcher_data()
+    {
+        QTest::addColumn<int>("exitCode"); // -1 for an end by a signal
+        QTest::addColumn<QByteArray>("console");
+        const QByteArray noMemory = "HtsAnnualizer Error: Not enough memory\n\n";
+        QTest::newRow("bad_alloc") << 1 << noMemory;
+        QTest::newRow("bad_array_new_length") << 1 << noMemory;
+        QTest::newRow("logic_error") << -1 << QByteArray();
+        QTest::newRow("terminate") << -1 << QByteArray();
+        QTest::newRow("nothing") << 0 << QByteArray();
+    }
+
+    void endWithoutACatcher()
+    {
+        QFETCH(int, exitCode);
+        QFETCH(QByteArray, console);
+        QProcess process;
+        process.start(QStringLiteral(ENDBY), {QString::fromLatin1(QTest::currentDataTag())});
+        QVERIFY(process.waitForFinished(-1));
+        const bool isNormalExit = process.exitStatus() == QProcess::NormalExit;
+        QCOMPARE(isNormalExit ? process.exitCode() : -1, exitCode);
+        QCOMPARE(process.readAllStandardOutput(), console);
+        QCOMPARE(process.readAllStandardError(), QByteArray());
+    }
 };
-
-void TestPlatform::endWithoutACatcher_data()
-{
-    QTest::addColumn<int>("exitCode"); // -1 for an end by a signal
-    QTest::addColumn<QByteArray>("console");
-    const QByteArray noMemory = "HtsAnnualizer Error: Not enough memory\n\n";
-    QTest::newRow("bad_alloc") << 1 << noMemory;
-    QTest::newRow("bad_array_new_length") << 1 << noMemory;
-    QTest::newRow("logic_error") << -1 << QByteArray();
-    QTest::newRow("terminate") << -1 << QByteArray();
-    QTest::newRow("nothing") << 0 << QByteArray();
-}
-
-void TestPlatform::endWithoutACatcher()
-{
-    QFETCH(int, exitCode);
-    QFETCH(QByteArray, console);
-    QProcess process;
-    process.start(QStringLiteral(ENDBY), {QString::fromLatin1(QTest::currentDataTag())});
-    QVERIFY(process.waitForFinished(-1));
-    const bool isNormalExit = process.exitStatus() == QProcess::NormalExit;
-    QCOMPARE(isNormalExit ? process.exitCode() : -1, exitCode);
-    QCOMPARE(process.readAllStandardOutput(), console);
-    QCOMPARE(process.readAllStandardError(), QByteArray());
-}
 
 HTS_TEST(TestPlatform, QCoreApplication)
 

@@ -86,33 +86,458 @@ class TestBatch : public QObject
 
 private Q_SLOTS:
     void goodFilesAreAllConverted_data() { addRecipes(); }
-    void goodFilesAreAllConverted();
+
+    void goodFilesAreAllConverted()
+    {
+        QFETCH(QString, recipe);
+        Batch batch;
+        batch.addInput(QStringLiteral("a.hts"));
+        batch.addInput(QStringLiteral("b.hts"));
+        batch.startShell(recipe);
+        QCOMPARE(batch.errors, QByteArray());
+        QVERIFY2(batch.output.endsWith("2 of 2 files converted, 0 failed\n"), batch.output);
+        QCOMPARE(batch.exitCode, 0);
+        for (const QString& name : {QStringLiteral("a"), QStringLiteral("b")}) {
+            QCOMPARE(batch.result(name + QStringLiteral(".hts")), monthlySums());
+            QVERIFY(batch.result(name + QStringLiteral(".log")).endsWith(kCreated));
+            QVERIFY(batch.result(name + QStringLiteral(".check")).contains("Lake A.Outflow: Sum"));
+        }
+    }
+
     void badFileIsNamedAndTheOthersAreConverted_data() { addRecipes(); }
-    void badFileIsNamedAndTheOthersAreConverted();
+
+    void badFileIsNamedAndTheOthersAreConverted()
+    {
+        QFETCH(QString, recipe);
+        QFETCH(int, failure);
+        Batch batch;
+        batch.addInput(QStringLiteral("a.hts"));
+        batch.addInput(QStringLiteral("bad.hts"), kBadFile);
+        batch.addInput(QStringLiteral("c.hts"));
+        batch.startShell(recipe);
+        const QByteArray summary = QByteArray("FAILED in/bad.hts\n       ") + kBadFileError +
+                                   "2 of 3 files converted, 1 failed\n";
+        QVERIFY2(batch.output.endsWith(summary), batch.output);
+        QCOMPARE(batch.exitCode, failure);
+        QCOMPARE(batch.result(QStringLiteral("a.hts")), monthlySums());
+        QCOMPARE(batch.result(QStringLiteral("c.hts")), monthlySums());
+        QVERIFY(!batch.exists(QStringLiteral("out/bad.hts")));
+
+        if (recipe == kMake)
+            return;
+        QByteArrayList rows = batch.result(QStringLiteral("jobs.tsv")).trimmed().split('\n');
+        QVERIFY(rows.takeFirst().startsWith("Seq\tHost\tStarttime\tJobRuntime\t"));
+        QMap<QByteArray, QByteArray> exitCodes;
+        for (const QByteArray& row : rows) {
+            const QByteArrayList fields = row.split('\t');
+            QCOMPARE(fields.size(), 9);
+            exitCodes.insert(fields.at(0), fields.at(6));
+        }
+        QCOMPARE(exitCodes, (QMap<QByteArray, QByteArray>{{"1", "0"}, {"2", "1"}, {"3", "0"}}));
+    }
+
     void wrongFoldersAndMethodsAreRefused_data() { addRecipes(); }
-    void wrongFoldersAndMethodsAreRefused();
-    void parallelTakesAnyName_data();
-    void parallelTakesAnyName();
-    void argumentsAreRefusedBeforeResultsAreRemoved_data();
-    void argumentsAreRefusedBeforeResultsAreRemoved();
-    void oneFileIsRefused_data();
-    void oneFileIsRefused();
-    void makeRefusesNames_data();
-    void makeRefusesNames();
-    void makeRefusesItsVariables_data();
-    void makeRefusesItsVariables();
-    void makeTakesNamesThatMeanSomethingToAShell();
-    void onlyWhatChangedIsConverted_data();
-    void onlyWhatChangedIsConverted();
-    void allIsConvertedAfterOtherParameters_data();
-    void allIsConvertedAfterOtherParameters();
-    void runThatEndsEarlyLeavesNoOldResult();
-    void summaryNamesAResultThatIsTooOld();
-    void summaryGivesTheReason_data();
-    void summaryGivesTheReason();
-    void summaryCountsWarnings();
-    void documentShowsWhatParallelPrints();
-    void documentShowsWhatMakePrints();
+
+    void wrongFoldersAndMethodsAreRefused()
+    {
+        QFETCH(QString, recipe);
+        QFETCH(int, failure);
+        Batch batch;
+        batch.startShell(recipe);
+        QVERIFY2(batch.output.endsWith("no HTS files in in\n"), batch.output);
+        QCOMPARE(batch.exitCode, failure);
+
+        batch.addInput(QStringLiteral("a.hts"));
+        batch.startShell(QString(recipe).replace(QStringLiteral("out"), QStringLiteral("in")));
+        QCOMPARE(batch.exitCode, failure);
+        QCOMPARE(batch.read(QStringLiteral("in/a.hts")), monthlyFile());
+
+        batch.startShell(
+            QString(recipe).replace(QStringLiteral("c.txt"), QStringLiteral("none.txt")));
+        QVERIFY2(batch.errors.contains("none.txt"), batch.errors);
+        QCOMPARE(batch.exitCode, failure);
+        QVERIFY(!batch.exists(QStringLiteral("out/a.hts")));
+    }
+
+    void parallelTakesAnyName_data()
+    {
+        QTest::addColumn<QString>("methods");
+        QTest::addColumn<QString>("results");
+        QTest::addColumn<QString>("recipes"); // the folder of the recipes
+        const auto row = [](const char* name, const char* methods, const char* results,
+                            const char* recipes) {
+            QTest::newRow(name) << QString::fromLatin1(methods) << QString::fromLatin1(results)
+                                << QString::fromLatin1(recipes);
+        };
+        row("for a shell", "it's m;touch X;`touch X`.txt", "a & b | c > \"d\"",
+            "$(touch X) 'my' tools");
+        row("for GNU parallel", "m{}{.}{= system('touch X') =}.txt", "+{}/::: %1", "{} tools");
+        row("blanks", "the methods.txt", "annual new", "my tools");
+    }
+
+    void parallelTakesAnyName()
+    {
+        QFETCH(QString, methods);
+        QFETCH(QString, results);
+        QFETCH(QString, recipes);
+        Batch batch;
+        const QStringList names{QStringLiteral("my lake.hts"), QStringLiteral("-x.hts"),
+                                QStringLiteral(" it's 50%; {}(a & b)%1.hts")};
+        for (const QString& name : names)
+            batch.addInput(name);
+        batch.environment.insert(QStringLiteral("METHODS"), methods);
+        batch.environment.insert(QStringLiteral("RESULTS"), results);
+        batch.environment.insert(QStringLiteral("RECIPES"), recipes);
+        // Of "annual new" a shell makes two names, and GNU parallel another folder of "{}".
+        batch.startShell(QStringLiteral(
+            "mkdir '{}' '{}/annual'; echo kept >'{}/annual/-x.hts'; mv in '{}'; "
+            "cp -r \"$BATCH/.\" \"$RECIPES\"; mv c.txt \"{}/$METHODS\"; cd '{}'; "
+            "\"../$RECIPES/convert-parallel\" in \"$METHODS\" \"$RESULTS\"; echo $?"));
+        QCOMPARE(batch.errors, QByteArray());
+        QVERIFY2(batch.output.endsWith("3 of 3 files converted, 0 failed\n0\n"), batch.output);
+        for (const QString& name : names)
+            QCOMPARE(batch.read(QStringLiteral("{}/%1/%2").arg(results, name)), monthlySums());
+        QCOMPARE(batch.read(QStringLiteral("{}/annual/-x.hts")), QByteArray("kept\n"));
+        QVERIFY(!batch.exists(QStringLiteral("{}/X")));
+    }
+
+    void argumentsAreRefusedBeforeResultsAreRemoved_data()
+    {
+        addColumns<QString, QByteArray>("command", "reason");
+        const auto row = [](const char* name, const char* command, const char* reason) {
+            QTest::newRow(name) << QString::fromLatin1(command) << QByteArray(reason) + '\n';
+        };
+        // "parallel" and "sbatch" are those of the folder "bin", first on the PATH.
+        row("control file, parallel", "parallel in none.txt out", "cannot read none.txt");
+        row("control file, slurm", "slurm in none.txt out", "cannot read none.txt");
+        row("control file is a folder", "parallel in in out", "cannot read in");
+        row("control file with a variable", "parallel in 'm$(touch X).txt' out",
+            "m$(touch X).txt: the program replaces $NAME in a path by an environment variable");
+        row("month", "parallel in c.txt out 13", "END_MONTH is 1 to 12, not \"13\"");
+        row("month is empty of digits", "slurm in c.txt out '1;x'",
+            "END_MONTH is 1 to 12, not \"1;x\"");
+        row("folder like an option", "parallel -in c.txt out",
+            "\"-\" begins an option, for a name write ./-in/.");
+        row("no folder", "parallel '' c.txt out", "a name is empty");
+        row("tab", "parallel 'a\tb' c.txt out",
+            "control character in a name (a tab, a line break): a?b/.");
+        row("line break in a file's name", "parallel odd c.txt out",
+            "control characters in names (a tab, a line break), rename the files: odd/a?b.hts");
+        row("results over the control file", "parallel in out/a.log out",
+            "out/a.log would be overwritten");
+        row("no GNU parallel", "parallel in c.txt out",
+            "GNU parallel is missing (Debian: the package parallel)");
+        row("no htstool", "parallel in c.txt out", "none: not found");
+        row("no file for a task", "slurm in c.txt out",
+            "FILES_PER_TASK is a number from 1 on, not \"0\"");
+        row("no job taken", "slurm in c.txt out", "sbatch: error: no partition");
+    }
+
+    void argumentsAreRefusedBeforeResultsAreRemoved()
+    {
+        QFETCH(QString, command);
+        QFETCH(QByteArray, reason);
+        Batch batch;
+        batch.addInput(QStringLiteral("a.hts"));
+        for (const char* file : {"out/a.hts", "out/a.log", "out/summary.txt"}) {
+            QDir(batch.path(QStringLiteral("."))).mkdir(QStringLiteral("out"));
+            batch.write(QString::fromLatin1(file), "old\n");
+        }
+        batch.startShell(QStringLiteral("mkdir bin odd; touch \"$(printf 'odd/a\\nb.hts')\"\n"
+                                        "printf '#!/bin/sh\\necho sbatch: error: no partition >&2; "
+                                        "exit 1\\n' >bin/sbatch; chmod +x bin/sbatch"));
+        const QByteArray row = QTest::currentDataTag();
+        if (row == "no GNU parallel")
+            batch.startShell(QStringLiteral("cp bin/sbatch bin/parallel"));
+        else if (row == "no htstool")
+            batch.environment.insert(QStringLiteral("HTSTOOL"), QStringLiteral("none"));
+        else if (row == "no file for a task")
+            batch.environment.insert(QStringLiteral("FILES_PER_TASK"), QStringLiteral("0"));
+        batch.startShell(QStringLiteral("PATH=$PWD/bin:$PATH; \"$BATCH\"/convert-") + command);
+        QCOMPARE(batch.errors, reason);
+        QCOMPARE(batch.output, QByteArray());
+        QCOMPARE(batch.exitCode, 1);
+        for (const char* file : {"a.hts", "a.log", "summary.txt"})
+            QCOMPARE(batch.result(QString::fromLatin1(file)), QByteArray("old\n"));
+    }
+
+    void oneFileIsRefused_data()
+    {
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<QByteArray>("errors");
+        QTest::addColumn<QByteArray>("check"); // what it holds
+        const QByteArray none = "(no file)";
+        QTest::newRow("like an option")
+            << QStringLiteral("-x.hts c.txt out")
+            << QByteArray("\"-\" begins an option, for a name write ./-x.hts\n") << none;
+        QTest::newRow("tab") << QStringLiteral("\"in/a\tb.hts\" c.txt out")
+                             << QByteArray("control character in a name (a tab, a line break): "
+                                           "in/a?b.hts\n")
+                             << none;
+        // The program would convert another file than the check reads.
+        QTest::newRow("variable") << QStringLiteral("'in/$HOME.hts' c.txt out") << QByteArray()
+                                  << QByteArray(
+                                         "in/$HOME.hts: error: the program replaces $NAME in a "
+                                         "path by an environment variable\n");
+    }
+
+    void oneFileIsRefused()
+    {
+        QFETCH(QString, arguments);
+        QFETCH(QByteArray, errors);
+        QFETCH(QByteArray, check);
+        Batch batch;
+        for (const char* name : {"-x.hts", "a\tb.hts", "$HOME.hts"})
+            batch.addInput(QString::fromLatin1(name));
+        batch.startShell(QStringLiteral("\"$BATCH/convert-one\" ") + arguments);
+        QCOMPARE(batch.errors, errors);
+        QCOMPARE(batch.exitCode, 1);
+        QCOMPARE(batch.result(QStringLiteral("$HOME.check")), check);
+        QVERIFY(!batch.exists(QStringLiteral("out/$HOME.hts")));
+    }
+
+    void makeRefusesNames_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char* name :
+             {"my lake.hts", "a:b.hts", "a;b.hts", "100%.hts", "a*.hts", "a?.hts", "a#1.hts",
+              "a|b.hts", "a$b.hts", "it's.hts", "a[1].hts", "a\\b.hts"})
+            QTest::newRow(name) << QString::fromLatin1(name);
+    }
+
+    void makeRefusesNames()
+    {
+        QFETCH(QString, name);
+        Batch batch;
+        batch.addInput(QStringLiteral("a.hts"));
+        batch.addInput(name);
+        batch.startShell(kMake);
+        QVERIFY2(batch.errors.contains("make cannot handle these names, rename the files: in/" +
+                                       name.toUtf8() + '.'),
+                 batch.errors);
+        QCOMPARE(batch.exitCode, 2);
+        QVERIFY(!batch.exists(QStringLiteral("out/a.hts")));
+    }
+
+    void makeRefusesItsVariables_data()
+    {
+        addColumns<QString, QByteArray>("variable", "reason");
+        const auto row = [](const char* variable, const char* reason) {
+            QTest::newRow(variable) << QString::fromLatin1(variable) << QByteArray(reason);
+        };
+        row("RESULTS=annual new", "make cannot handle this name: RESULTS=annual new.");
+        row("INPUTS=`touch X`", "make cannot handle this name: INPUTS=`touch X`.");
+        row("METHODS=m$(shell touch X).txt",
+            "make cannot handle this name: METHODS=m$(shell touch X).txt.");
+        row("INPUTS=-in", "\"-\" begins an option, for a name write ./-in/.\n");
+        row("END_MONTH=13", "END_MONTH is 1 to 12, not \"13\"\n");
+    }
+
+    void makeRefusesItsVariables()
+    {
+        QFETCH(QString, variable);
+        QFETCH(QByteArray, reason);
+        Batch batch;
+        batch.addInput(QStringLiteral("a.hts"));
+        batch.environment.insert(QStringLiteral("VARIABLE"), variable);
+        batch.startShell(kMake + QStringLiteral(" \"$VARIABLE\""));
+        QVERIFY2(batch.errors.contains(reason), batch.errors);
+        QCOMPARE(batch.exitCode, 2);
+        QVERIFY(!batch.exists(QStringLiteral("X")));
+        QVERIFY(!batch.exists(QStringLiteral("out")));
+    }
+
+    void makeTakesNamesThatMeanSomethingToAShell()
+    {
+        Batch batch;
+        const QString name =
+            QStringLiteral("a&b(1)`touch made`\"<>~!.hts").remove(QLatin1Char(' '));
+        batch.addInput(name);
+        batch.startShell(kMake);
+        QCOMPARE(batch.exitCode, 0);
+        QVERIFY(batch.exists(QStringLiteral("out/") + name));
+    }
+
+    void onlyWhatChangedIsConverted_data()
+    {
+        addColumns<QString, QString>("first", "again");
+        QTest::newRow("make") << kMake << kMake;
+        QTest::newRow("parallel") << kParallel << kResume;
+        QTest::newRow("make, parallel") << kMake << kResume;
+        QTest::newRow("parallel, make") << kParallel << kMake;
+    }
+
+    void onlyWhatChangedIsConverted()
+    {
+        QFETCH(QString, first);
+        QFETCH(QString, again);
+        Batch batch;
+        const auto names = {"a.hts", "b.hts", "c.hts"};
+        for (const char* name : names)
+            batch.addInput(QLatin1String(name));
+        batch.startShell(first);
+        QCOMPARE(batch.exitCode, 0);
+
+        const QByteArray kept = "not converted again\n";
+        for (const char* name : names)
+            batch.write(QStringLiteral("out/") + QLatin1String(name), kept);
+        batch.startShell(again);
+        QCOMPARE(batch.output, QByteArray("3 of 3 files converted, 0 failed\n"));
+        QCOMPARE(batch.exitCode, 0);
+        for (const char* name : names)
+            QCOMPARE(batch.result(QLatin1String(name)), kept);
+
+        batch.startShell(QStringLiteral("touch -d 2001-01-01 out/a.hts in/b.hts out/b.hts; ") +
+                         again);
+        QCOMPARE(batch.exitCode, 0);
+        QCOMPARE(batch.result(QStringLiteral("a.hts")), monthlySums()); // older than its input
+        QCOMPARE(batch.result(QStringLiteral("b.hts")), monthlySums()); // older than the methods
+        QCOMPARE(batch.result(QStringLiteral("c.hts")), kept);
+    }
+
+    void allIsConvertedAfterOtherParameters_data()
+    {
+        QTest::addColumn<QString>("first");
+        QTest::addColumn<QString>("again");
+        QTest::addColumn<QByteArray>("line"); // of the results then
+        const QByteArray year = "end:2001-6-30 24:00";
+        const QByteArray method = "method: Max";
+        const QString resume =
+            QString(kResume).replace(QStringLiteral("c.txt"), QStringLiteral("d.txt"));
+        QTest::newRow("make, month") << kMake << kMake + QStringLiteral(" END_MONTH=6") << year;
+        QTest::newRow("parallel, month") << kParallel << kResume + QStringLiteral(" 06") << year;
+        QTest::newRow("make, methods")
+            << kMake << kMake + QStringLiteral(" METHODS=d.txt") << method;
+        QTest::newRow("parallel, methods") << kParallel << resume << method;
+    }
+
+    void allIsConvertedAfterOtherParameters()
+    {
+        QFETCH(QString, first);
+        QFETCH(QString, again);
+        QFETCH(QByteArray, line);
+        Batch batch;
+        batch.addInput(QStringLiteral("a.hts"));
+        batch.write(QStringLiteral("d.txt"), "*.*: Max\n"); // older than the results
+        batch.startShell(first);
+        QCOMPARE(batch.result(QStringLiteral("a.hts")), monthlySums());
+        batch.startShell(again);
+        QCOMPARE(batch.exitCode, 0);
+        QVERIFY(batch.result(QStringLiteral("a.hts")).contains('\n' + line + '\n'));
+    }
+
+    void runThatEndsEarlyLeavesNoOldResult()
+    {
+        Batch batch;
+        batch.addInput(QStringLiteral("a.hts"));
+        batch.addInput(QStringLiteral("b.hts"));
+        batch.startShell(kParallel);
+        QCOMPARE(batch.exitCode, 0);
+        batch.addInput(QStringLiteral("a.hts"), kBadFile);
+        batch.startShell(QStringLiteral("PARALLEL='--jobs 1 --halt now,fail=1' ") + kParallel +
+                         QStringLiteral(" 6 2>parallel.txt"));
+        const QByteArray first = QByteArray("FAILED in/a.hts\n       ") +
+                                 QByteArray(kBadFileError).replace("bad.hts", "a.hts");
+        QCOMPARE(batch.output, first + "FAILED in/b.hts\n       not run\n"
+                                       "0 of 2 files converted, 2 failed\n");
+        QCOMPARE(batch.exitCode, 1);
+        for (const char* name : {"a.hts", "a.log", "b.hts"})
+            QVERIFY(!batch.exists(QStringLiteral("out/") + QLatin1String(name)));
+        batch.startShell(kResume + QStringLiteral(" 6"));
+        QCOMPARE(batch.output, first + "1 of 2 files converted, 1 failed\n");
+    }
+
+    void summaryNamesAResultThatIsTooOld()
+    {
+        Batch batch;
+        batch.addInput(QStringLiteral("a.hts"));
+        batch.addInput(QStringLiteral("b.hts"));
+        batch.startShell(
+            QStringLiteral("mkdir out; touch out/a.hts; touch -d 2001-01-01 out/b.hts; "
+                           "\"$BATCH/summary\" in c.txt out"));
+        QCOMPARE(batch.output,
+                 QByteArray("FAILED in/b.hts\n       its result is older than it or than c.txt\n"
+                            "1 of 2 files converted, 1 failed\n"));
+        QCOMPARE(batch.exitCode, 1);
+    }
+
+    void summaryGivesTheReason_data()
+    {
+        addColumns<QByteArray, QByteArray, QByteArray>("check", "log", "reason");
+        const QByteArray report = "in/a.hts: 0 errors, 1 warning, 0 notes\n"
+                                  "in/a.hts:9: warning: \"x: error: y\" is text [text-value]\n"
+                                  "in/a.hts: plan: Lake A.Outflow: Sum, rule of line 1\n";
+        const QByteArray success = kCreated;
+        QTest::newRow("empty last line")
+            << report + "b.log: No space left on device\n\n"
+            << QByteArray() << QByteArray("b.log: No space left on device");
+        QTest::newRow("log") << report << QByteArray("Error:\nNo series\n\n")
+                             << QByteArray("No series");
+        QTest::newRow("after the log") << report + "mv: cannot move\n"
+                                       << success << QByteArray("mv: cannot move");
+        QTest::newRow("bytes that are no text")
+            << QByteArray("a\xff: error: b\xff\n") << QByteArray()
+            << QByteArray("a\xff: error: b\xff");
+        QTest::newRow("nothing") << QByteArray() << QByteArray()
+                                 << QByteArray(
+                                        "no reason in out/a.check: was it interrupted, or is the "
+                                        "disk full?");
+    }
+
+    void summaryGivesTheReason()
+    {
+        QFETCH(QByteArray, check);
+        QFETCH(QByteArray, log);
+        QFETCH(QByteArray, reason);
+        Batch batch;
+        batch.startShell(QStringLiteral("mkdir out; ln -s none in/a.hts; ln -s none in/b.hts"));
+        batch.write(QStringLiteral("out/a.check"), check);
+        batch.write(QStringLiteral("out/a.log"), log);
+        batch.startShell(QStringLiteral("\"$BATCH/summary\" in c.txt out"));
+        QCOMPARE(batch.output, "FAILED in/a.hts\n       " + reason +
+                                   "\nFAILED in/b.hts\n       not run\n"
+                                   "0 of 2 files converted, 2 failed\n");
+        QCOMPARE(batch.exitCode, 1);
+    }
+
+    void summaryCountsWarnings()
+    {
+        Batch batch;
+        batch.addInput(QStringLiteral("a.hts"));
+        batch.addInput(QStringLiteral("b.hts"), monthlyFile().replace(".000000000000\n", ",0\n"));
+        batch.startShell(
+            QStringLiteral("for file in a b; do \"$BATCH/convert-one\" in/$file.hts c.txt "
+                           "out >>jobs.txt; done; \"$BATCH/summary\" in c.txt out"));
+        QCOMPARE(batch.output, QByteArray("WARNED in/b.hts\n       24 warnings: out/b.check\n"
+                                          "2 of 2 files converted, 0 failed, 1 with warnings\n"));
+        QCOMPARE(batch.exitCode, 0);
+    }
+
+    void documentShowsWhatParallelPrints()
+    {
+        Batch batch;
+        for (const char* name : {"lower.hts", "mid basin.hts", "upper.hts"})
+            batch.addInput(QString::fromLatin1(name));
+        batch.addInput(QStringLiteral("cut.hts"), kBadFile);
+        batch.startShell(
+            QStringLiteral("mv in daily; mv c.txt methods.txt; ln -s \"$BATCH/..\" examples"));
+        const QByteArray terminal = terminalOf("GNU parallel");
+        QVERIFY(!terminal.isEmpty());
+        QCOMPARE(typed(batch, terminal), terminal);
+    }
+
+    void documentShowsWhatMakePrints()
+    {
+        Batch batch;
+        for (const char* name : {"lower.hts", "middle.hts", "upper.hts"})
+            batch.addInput(QString::fromLatin1(name));
+        batch.startShell(
+            QStringLiteral("mv in daily; mv c.txt methods.txt; ln -s \"$BATCH/..\" examples"));
+        const QByteArray terminal = terminalOf("make");
+        QVERIFY(!terminal.isEmpty());
+        typed(batch, terminal); // the conversions of the first time end in any order
+        QCOMPARE(typed(batch, terminal), terminal);
+    }
 
 private:
     static void addRecipes()
@@ -123,450 +548,6 @@ private:
         QTest::newRow("make") << kMake << 2;
     }
 };
-
-void TestBatch::goodFilesAreAllConverted()
-{
-    QFETCH(QString, recipe);
-    Batch batch;
-    batch.addInput(QStringLiteral("a.hts"));
-    batch.addInput(QStringLiteral("b.hts"));
-    batch.startShell(recipe);
-    QCOMPARE(batch.errors, QByteArray());
-    QVERIFY2(batch.output.endsWith("2 of 2 files converted, 0 failed\n"), batch.output);
-    QCOMPARE(batch.exitCode, 0);
-    for (const QString& name : {QStringLiteral("a"), QStringLiteral("b")}) {
-        QCOMPARE(batch.result(name + QStringLiteral(".hts")), monthlySums());
-        QVERIFY(batch.result(name + QStringLiteral(".log")).endsWith(kCreated));
-        QVERIFY(batch.result(name + QStringLiteral(".check")).contains("Lake A.Outflow: Sum"));
-    }
-}
-
-void TestBatch::badFileIsNamedAndTheOthersAreConverted()
-{
-    QFETCH(QString, recipe);
-    QFETCH(int, failure);
-    Batch batch;
-    batch.addInput(QStringLiteral("a.hts"));
-    batch.addInput(QStringLiteral("bad.hts"), kBadFile);
-    batch.addInput(QStringLiteral("c.hts"));
-    batch.startShell(recipe);
-    const QByteArray summary = QByteArray("FAILED in/bad.hts\n       ") + kBadFileError +
-                               "2 of 3 files converted, 1 failed\n";
-    QVERIFY2(batch.output.endsWith(summary), batch.output);
-    QCOMPARE(batch.exitCode, failure);
-    QCOMPARE(batch.result(QStringLiteral("a.hts")), monthlySums());
-    QCOMPARE(batch.result(QStringLiteral("c.hts")), monthlySums());
-    QVERIFY(!batch.exists(QStringLiteral("out/bad.hts")));
-
-    if (recipe == kMake)
-        return;
-    QByteArrayList rows = batch.result(QStringLiteral("jobs.tsv")).trimmed().split('\n');
-    QVERIFY(rows.takeFirst().startsWith("Seq\tHost\tStarttime\tJobRuntime\t"));
-    QMap<QByteArray, QByteArray> exitCodes;
-    for (const QByteArray& row : rows) {
-        const QByteArrayList fields = row.split('\t');
-        QCOMPARE(fields.size(), 9);
-        exitCodes.insert(fields.at(0), fields.at(6));
-    }
-    QCOMPARE(exitCodes, (QMap<QByteArray, QByteArray>{{"1", "0"}, {"2", "1"}, {"3", "0"}}));
-}
-
-void TestBatch::wrongFoldersAndMethodsAreRefused()
-{
-    QFETCH(QString, recipe);
-    QFETCH(int, failure);
-    Batch batch;
-    batch.startShell(recipe);
-    QVERIFY2(batch.output.endsWith("no HTS files in in\n"), batch.output);
-    QCOMPARE(batch.exitCode, failure);
-
-    batch.addInput(QStringLiteral("a.hts"));
-    batch.startShell(QString(recipe).replace(QStringLiteral("out"), QStringLiteral("in")));
-    QCOMPARE(batch.exitCode, failure);
-    QCOMPARE(batch.read(QStringLiteral("in/a.hts")), monthlyFile());
-
-    batch.startShell(QString(recipe).replace(QStringLiteral("c.txt"), QStringLiteral("none.txt")));
-    QVERIFY2(batch.errors.contains("none.txt"), batch.errors);
-    QCOMPARE(batch.exitCode, failure);
-    QVERIFY(!batch.exists(QStringLiteral("out/a.hts")));
-}
-
-void TestBatch::parallelTakesAnyName_data()
-{
-    QTest::addColumn<QString>("methods");
-    QTest::addColumn<QString>("results");
-    QTest::addColumn<QString>("recipes"); // the folder of the recipes
-    const auto row = [](const char* name, const char* methods, const char* results,
-                        const char* recipes) {
-        QTest::newRow(name) << QString::fromLatin1(methods) << QString::fromLatin1(results)
-                            << QString::fromLatin1(recipes);
-    };
-    row("for a shell", "it's m;touch X;`touch X`.txt", "a & b | c > \"d\"",
-        "$(touch X) 'my' tools");
-    row("for GNU parallel", "m{}{.}{= system('touch X') =}.txt", "+{}/::: %1", "{} tools");
-    row("blanks", "the methods.txt", "annual new", "my tools");
-}
-
-void TestBatch::parallelTakesAnyName()
-{
-    QFETCH(QString, methods);
-    QFETCH(QString, results);
-    QFETCH(QString, recipes);
-    Batch batch;
-    const QStringList names{QStringLiteral("my lake.hts"), QStringLiteral("-x.hts"),
-                            QStringLiteral(" it's 50%; {}(a & b)%1.hts")};
-    for (const QString& name : names)
-        batch.addInput(name);
-    batch.environment.insert(QStringLiteral("METHODS"), methods);
-    batch.environment.insert(QStringLiteral("RESULTS"), results);
-    batch.environment.insert(QStringLiteral("RECIPES"), recipes);
-    // Of "annual new" a shell makes two names, and GNU parallel another folder of "{}".
-    batch.startShell(
-        QStringLiteral("mkdir '{}' '{}/annual'; echo kept >'{}/annual/-x.hts'; mv in '{}'; "
-                       "cp -r \"$BATCH/.\" \"$RECIPES\"; mv c.txt \"{}/$METHODS\"; cd '{}'; "
-                       "\"../$RECIPES/convert-parallel\" in \"$METHODS\" \"$RESULTS\"; echo $?"));
-    QCOMPARE(batch.errors, QByteArray());
-    QVERIFY2(batch.output.endsWith("3 of 3 files converted, 0 failed\n0\n"), batch.output);
-    for (const QString& name : names)
-        QCOMPARE(batch.read(QStringLiteral("{}/%1/%2").arg(results, name)), monthlySums());
-    QCOMPARE(batch.read(QStringLiteral("{}/annual/-x.hts")), QByteArray("kept\n"));
-    QVERIFY(!batch.exists(QStringLiteral("{}/X")));
-}
-
-void TestBatch::argumentsAreRefusedBeforeResultsAreRemoved_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QByteArray>("reason");
-    const auto row = [](const char* name, const char* command, const char* reason) {
-        QTest::newRow(name) << QString::fromLatin1(command) << QByteArray(reason) + '\n';
-    };
-    // "parallel" and "sbatch" are those of the folder "bin", first on the PATH.
-    row("control file, parallel", "parallel in none.txt out", "cannot read none.txt");
-    row("control file, slurm", "slurm in none.txt out", "cannot read none.txt");
-    row("control file is a folder", "parallel in in out", "cannot read in");
-    row("control file with a variable", "parallel in 'm$(touch X).txt' out",
-        "m$(touch X).txt: the program replaces $NAME in a path by an environment variable");
-    row("month", "parallel in c.txt out 13", "END_MONTH is 1 to 12, not \"13\"");
-    row("month is empty of digits", "slurm in c.txt out '1;x'",
-        "END_MONTH is 1 to 12, not \"1;x\"");
-    row("folder like an option", "parallel -in c.txt out",
-        "\"-\" begins an option, for a name write ./-in/.");
-    row("no folder", "parallel '' c.txt out", "a name is empty");
-    row("tab", "parallel 'a\tb' c.txt out",
-        "control character in a name (a tab, a line break): a?b/.");
-    row("line break in a file's name", "parallel odd c.txt out",
-        "control characters in names (a tab, a line break), rename the files: odd/a?b.hts");
-    row("results over the control file", "parallel in out/a.log out",
-        "out/a.log would be overwritten");
-    row("no GNU parallel", "parallel in c.txt out",
-        "GNU parallel is missing (Debian: the package parallel)");
-    row("no htstool", "parallel in c.txt out", "none: not found");
-    row("no file for a task", "slurm in c.txt out",
-        "FILES_PER_TASK is a number from 1 on, not \"0\"");
-    row("no job taken", "slurm in c.txt out", "sbatch: error: no partition");
-}
-
-void TestBatch::argumentsAreRefusedBeforeResultsAreRemoved()
-{
-    QFETCH(QString, command);
-    QFETCH(QByteArray, reason);
-    Batch batch;
-    batch.addInput(QStringLiteral("a.hts"));
-    for (const char* file : {"out/a.hts", "out/a.log", "out/summary.txt"}) {
-        QDir(batch.path(QStringLiteral("."))).mkdir(QStringLiteral("out"));
-        batch.write(QString::fromLatin1(file), "old\n");
-    }
-    batch.startShell(QStringLiteral("mkdir bin odd; touch \"$(printf 'odd/a\\nb.hts')\"\n"
-                                    "printf '#!/bin/sh\\necho sbatch: error: no partition >&2; "
-                                    "exit 1\\n' >bin/sbatch; chmod +x bin/sbatch"));
-    const QByteArray row = QTest::currentDataTag();
-    if (row == "no GNU parallel")
-        batch.startShell(QStringLiteral("cp bin/sbatch bin/parallel"));
-    else if (row == "no htstool")
-        batch.environment.insert(QStringLiteral("HTSTOOL"), QStringLiteral("none"));
-    else if (row == "no file for a task")
-        batch.environment.insert(QStringLiteral("FILES_PER_TASK"), QStringLiteral("0"));
-    batch.startShell(QStringLiteral("PATH=$PWD/bin:$PATH; \"$BATCH\"/convert-") + command);
-    QCOMPARE(batch.errors, reason);
-    QCOMPARE(batch.output, QByteArray());
-    QCOMPARE(batch.exitCode, 1);
-    for (const char* file : {"a.hts", "a.log", "summary.txt"})
-        QCOMPARE(batch.result(QString::fromLatin1(file)), QByteArray("old\n"));
-}
-
-void TestBatch::oneFileIsRefused_data()
-{
-    QTest::addColumn<QString>("arguments");
-    QTest::addColumn<QByteArray>("errors");
-    QTest::addColumn<QByteArray>("check"); // what it holds
-    const QByteArray none = "(no file)";
-    QTest::newRow("like an option")
-        << QStringLiteral("-x.hts c.txt out")
-        << QByteArray("\"-\" begins an option, for a name write ./-x.hts\n") << none;
-    QTest::newRow("tab") << QStringLiteral("\"in/a\tb.hts\" c.txt out")
-                         << QByteArray("control character in a name (a tab, a line break): "
-                                       "in/a?b.hts\n")
-                         << none;
-    // The program would convert another file than the check reads.
-    QTest::newRow("variable") << QStringLiteral("'in/$HOME.hts' c.txt out") << QByteArray()
-                              << QByteArray("in/$HOME.hts: error: the program replaces $NAME in a "
-                                            "path by an environment variable\n");
-}
-
-void TestBatch::oneFileIsRefused()
-{
-    QFETCH(QString, arguments);
-    QFETCH(QByteArray, errors);
-    QFETCH(QByteArray, check);
-    Batch batch;
-    for (const char* name : {"-x.hts", "a\tb.hts", "$HOME.hts"})
-        batch.addInput(QString::fromLatin1(name));
-    batch.startShell(QStringLiteral("\"$BATCH/convert-one\" ") + arguments);
-    QCOMPARE(batch.errors, errors);
-    QCOMPARE(batch.exitCode, 1);
-    QCOMPARE(batch.result(QStringLiteral("$HOME.check")), check);
-    QVERIFY(!batch.exists(QStringLiteral("out/$HOME.hts")));
-}
-
-void TestBatch::makeRefusesNames_data()
-{
-    QTest::addColumn<QString>("name");
-    for (const char* name : {"my lake.hts", "a:b.hts", "a;b.hts", "100%.hts", "a*.hts", "a?.hts",
-                             "a#1.hts", "a|b.hts", "a$b.hts", "it's.hts", "a[1].hts", "a\\b.hts"})
-        QTest::newRow(name) << QString::fromLatin1(name);
-}
-
-void TestBatch::makeRefusesNames()
-{
-    QFETCH(QString, name);
-    Batch batch;
-    batch.addInput(QStringLiteral("a.hts"));
-    batch.addInput(name);
-    batch.startShell(kMake);
-    QVERIFY2(batch.errors.contains("make cannot handle these names, rename the files: in/" +
-                                   name.toUtf8() + '.'),
-             batch.errors);
-    QCOMPARE(batch.exitCode, 2);
-    QVERIFY(!batch.exists(QStringLiteral("out/a.hts")));
-}
-
-void TestBatch::makeRefusesItsVariables_data()
-{
-    QTest::addColumn<QString>("variable");
-    QTest::addColumn<QByteArray>("reason");
-    const auto row = [](const char* variable, const char* reason) {
-        QTest::newRow(variable) << QString::fromLatin1(variable) << QByteArray(reason);
-    };
-    row("RESULTS=annual new", "make cannot handle this name: RESULTS=annual new.");
-    row("INPUTS=`touch X`", "make cannot handle this name: INPUTS=`touch X`.");
-    row("METHODS=m$(shell touch X).txt",
-        "make cannot handle this name: METHODS=m$(shell touch X).txt.");
-    row("INPUTS=-in", "\"-\" begins an option, for a name write ./-in/.\n");
-    row("END_MONTH=13", "END_MONTH is 1 to 12, not \"13\"\n");
-}
-
-void TestBatch::makeRefusesItsVariables()
-{
-    QFETCH(QString, variable);
-    QFETCH(QByteArray, reason);
-    Batch batch;
-    batch.addInput(QStringLiteral("a.hts"));
-    batch.environment.insert(QStringLiteral("VARIABLE"), variable);
-    batch.startShell(kMake + QStringLiteral(" \"$VARIABLE\""));
-    QVERIFY2(batch.errors.contains(reason), batch.errors);
-    QCOMPARE(batch.exitCode, 2);
-    QVERIFY(!batch.exists(QStringLiteral("X")));
-    QVERIFY(!batch.exists(QStringLiteral("out")));
-}
-
-void TestBatch::makeTakesNamesThatMeanSomethingToAShell()
-{
-    Batch batch;
-    const QString name = QStringLiteral("a&b(1)`touch made`\"<>~!.hts").remove(QLatin1Char(' '));
-    batch.addInput(name);
-    batch.startShell(kMake);
-    QCOMPARE(batch.exitCode, 0);
-    QVERIFY(batch.exists(QStringLiteral("out/") + name));
-}
-
-void TestBatch::onlyWhatChangedIsConverted_data()
-{
-    QTest::addColumn<QString>("first");
-    QTest::addColumn<QString>("again");
-    QTest::newRow("make") << kMake << kMake;
-    QTest::newRow("parallel") << kParallel << kResume;
-    QTest::newRow("make, parallel") << kMake << kResume;
-    QTest::newRow("parallel, make") << kParallel << kMake;
-}
-
-void TestBatch::onlyWhatChangedIsConverted()
-{
-    QFETCH(QString, first);
-    QFETCH(QString, again);
-    Batch batch;
-    const auto names = {"a.hts", "b.hts", "c.hts"};
-    for (const char* name : names)
-        batch.addInput(QLatin1String(name));
-    batch.startShell(first);
-    QCOMPARE(batch.exitCode, 0);
-
-    const QByteArray kept = "not converted again\n";
-    for (const char* name : names)
-        batch.write(QStringLiteral("out/") + QLatin1String(name), kept);
-    batch.startShell(again);
-    QCOMPARE(batch.output, QByteArray("3 of 3 files converted, 0 failed\n"));
-    QCOMPARE(batch.exitCode, 0);
-    for (const char* name : names)
-        QCOMPARE(batch.result(QLatin1String(name)), kept);
-
-    batch.startShell(QStringLiteral("touch -d 2001-01-01 out/a.hts in/b.hts out/b.hts; ") + again);
-    QCOMPARE(batch.exitCode, 0);
-    QCOMPARE(batch.result(QStringLiteral("a.hts")), monthlySums()); // older than its input
-    QCOMPARE(batch.result(QStringLiteral("b.hts")), monthlySums()); // older than the methods
-    QCOMPARE(batch.result(QStringLiteral("c.hts")), kept);
-}
-
-void TestBatch::allIsConvertedAfterOtherParameters_data()
-{
-    QTest::addColumn<QString>("first");
-    QTest::addColumn<QString>("again");
-    QTest::addColumn<QByteArray>("line"); // of the results then
-    const QByteArray year = "end:2001-6-30 24:00";
-    const QByteArray method = "method: Max";
-    const QString resume =
-        QString(kResume).replace(QStringLiteral("c.txt"), QStringLiteral("d.txt"));
-    QTest::newRow("make, month") << kMake << kMake + QStringLiteral(" END_MONTH=6") << year;
-    QTest::newRow("parallel, month") << kParallel << kResume + QStringLiteral(" 06") << year;
-    QTest::newRow("make, methods") << kMake << kMake + QStringLiteral(" METHODS=d.txt") << method;
-    QTest::newRow("parallel, methods") << kParallel << resume << method;
-}
-
-void TestBatch::allIsConvertedAfterOtherParameters()
-{
-    QFETCH(QString, first);
-    QFETCH(QString, again);
-    QFETCH(QByteArray, line);
-    Batch batch;
-    batch.addInput(QStringLiteral("a.hts"));
-    batch.write(QStringLiteral("d.txt"), "*.*: Max\n"); // older than the results
-    batch.startShell(first);
-    QCOMPARE(batch.result(QStringLiteral("a.hts")), monthlySums());
-    batch.startShell(again);
-    QCOMPARE(batch.exitCode, 0);
-    QVERIFY(batch.result(QStringLiteral("a.hts")).contains('\n' + line + '\n'));
-}
-
-void TestBatch::runThatEndsEarlyLeavesNoOldResult()
-{
-    Batch batch;
-    batch.addInput(QStringLiteral("a.hts"));
-    batch.addInput(QStringLiteral("b.hts"));
-    batch.startShell(kParallel);
-    QCOMPARE(batch.exitCode, 0);
-    batch.addInput(QStringLiteral("a.hts"), kBadFile);
-    batch.startShell(QStringLiteral("PARALLEL='--jobs 1 --halt now,fail=1' ") + kParallel +
-                     QStringLiteral(" 6 2>parallel.txt"));
-    const QByteArray first = QByteArray("FAILED in/a.hts\n       ") +
-                             QByteArray(kBadFileError).replace("bad.hts", "a.hts");
-    QCOMPARE(batch.output, first + "FAILED in/b.hts\n       not run\n"
-                                   "0 of 2 files converted, 2 failed\n");
-    QCOMPARE(batch.exitCode, 1);
-    for (const char* name : {"a.hts", "a.log", "b.hts"})
-        QVERIFY(!batch.exists(QStringLiteral("out/") + QLatin1String(name)));
-    batch.startShell(kResume + QStringLiteral(" 6"));
-    QCOMPARE(batch.output, first + "1 of 2 files converted, 1 failed\n");
-}
-
-void TestBatch::summaryNamesAResultThatIsTooOld()
-{
-    Batch batch;
-    batch.addInput(QStringLiteral("a.hts"));
-    batch.addInput(QStringLiteral("b.hts"));
-    batch.startShell(QStringLiteral("mkdir out; touch out/a.hts; touch -d 2001-01-01 out/b.hts; "
-                                    "\"$BATCH/summary\" in c.txt out"));
-    QCOMPARE(batch.output,
-             QByteArray("FAILED in/b.hts\n       its result is older than it or than c.txt\n"
-                        "1 of 2 files converted, 1 failed\n"));
-    QCOMPARE(batch.exitCode, 1);
-}
-
-void TestBatch::summaryGivesTheReason_data()
-{
-    QTest::addColumn<QByteArray>("check");
-    QTest::addColumn<QByteArray>("log");
-    QTest::addColumn<QByteArray>("reason");
-    const QByteArray report = "in/a.hts: 0 errors, 1 warning, 0 notes\n"
-                              "in/a.hts:9: warning: \"x: error: y\" is text [text-value]\n"
-                              "in/a.hts: plan: Lake A.Outflow: Sum, rule of line 1\n";
-    const QByteArray success = kCreated;
-    QTest::newRow("empty last line")
-        << report + "b.log: No space left on device\n\n"
-        << QByteArray() << QByteArray("b.log: No space left on device");
-    QTest::newRow("log") << report << QByteArray("Error:\nNo series\n\n")
-                         << QByteArray("No series");
-    QTest::newRow("after the log") << report + "mv: cannot move\n"
-                                   << success << QByteArray("mv: cannot move");
-    QTest::newRow("bytes that are no text")
-        << QByteArray("a\xff: error: b\xff\n") << QByteArray() << QByteArray("a\xff: error: b\xff");
-    QTest::newRow("nothing") << QByteArray() << QByteArray()
-                             << QByteArray(
-                                    "no reason in out/a.check: was it interrupted, or is the "
-                                    "disk full?");
-}
-
-void TestBatch::summaryGivesTheReason()
-{
-    QFETCH(QByteArray, check);
-    QFETCH(QByteArray, log);
-    QFETCH(QByteArray, reason);
-    Batch batch;
-    batch.startShell(QStringLiteral("mkdir out; ln -s none in/a.hts; ln -s none in/b.hts"));
-    batch.write(QStringLiteral("out/a.check"), check);
-    batch.write(QStringLiteral("out/a.log"), log);
-    batch.startShell(QStringLiteral("\"$BATCH/summary\" in c.txt out"));
-    QCOMPARE(batch.output, "FAILED in/a.hts\n       " + reason +
-                               "\nFAILED in/b.hts\n       not run\n"
-                               "0 of 2 files converted, 2 failed\n");
-    QCOMPARE(batch.exitCode, 1);
-}
-
-void TestBatch::summaryCountsWarnings()
-{
-    Batch batch;
-    batch.addInput(QStringLiteral("a.hts"));
-    batch.addInput(QStringLiteral("b.hts"), monthlyFile().replace(".000000000000\n", ",0\n"));
-    batch.startShell(QStringLiteral("for file in a b; do \"$BATCH/convert-one\" in/$file.hts c.txt "
-                                    "out >>jobs.txt; done; \"$BATCH/summary\" in c.txt out"));
-    QCOMPARE(batch.output, QByteArray("WARNED in/b.hts\n       24 warnings: out/b.check\n"
-                                      "2 of 2 files converted, 0 failed, 1 with warnings\n"));
-    QCOMPARE(batch.exitCode, 0);
-}
-
-void TestBatch::documentShowsWhatParallelPrints()
-{
-    Batch batch;
-    for (const char* name : {"lower.hts", "mid basin.hts", "upper.hts"})
-        batch.addInput(QString::fromLatin1(name));
-    batch.addInput(QStringLiteral("cut.hts"), kBadFile);
-    batch.startShell(
-        QStringLiteral("mv in daily; mv c.txt methods.txt; ln -s \"$BATCH/..\" examples"));
-    const QByteArray terminal = terminalOf("GNU parallel");
-    QVERIFY(!terminal.isEmpty());
-    QCOMPARE(typed(batch, terminal), terminal);
-}
-
-void TestBatch::documentShowsWhatMakePrints()
-{
-    Batch batch;
-    for (const char* name : {"lower.hts", "middle.hts", "upper.hts"})
-        batch.addInput(QString::fromLatin1(name));
-    batch.startShell(
-        QStringLiteral("mv in daily; mv c.txt methods.txt; ln -s \"$BATCH/..\" examples"));
-    const QByteArray terminal = terminalOf("make");
-    QVERIFY(!terminal.isEmpty());
-    typed(batch, terminal); // the conversions of the first time end in any order
-    QCOMPARE(typed(batch, terminal), terminal);
-}
 
 HTS_TEST(TestBatch, QCoreApplication)
 

@@ -97,120 +97,116 @@ class TestArchitecture : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void filesAreThere();
-    void foldersUseWhatTheyLinkAndInclude();
-    void foldersUseThoseBelowThem();
-    void stepsAreInTheirFiles();
-    void valueIsThatOfTheExample();
+    void filesAreThere()
+    {
+        int count = 0;
+        for (const QString& code : codes(m_document)) {
+            if (!isFileName(code))
+                continue;
+            ++count;
+            QVERIFY2(QFile::exists(QStringLiteral(SOURCE_DIR "/") + code), qPrintable(code));
+        }
+        QVERIFY(count > 30);
+    }
+
+    void foldersUseWhatTheyLinkAndInclude()
+    {
+        const auto folders = uses();
+        QCOMPARE(QStringList(folders.keys()), productFolders());
+        for (auto folder = folders.begin(); folder != folders.end(); ++folder) {
+            const auto text = [&](const QStringList& used) -> QString {
+                return folder.key() + QLatin1String(": ") + used.join(QLatin1Char(' '));
+            };
+            QCOMPARE(text(linkedFolders(folder.key(), folders.keys())), text(folder.value()));
+            QCOMPARE(text(includedFolders(folder.key())), text(folder.value()));
+        }
+    }
+
+    // In the picture; logging, which is beside it, is used by those that the line after it names.
+    void foldersUseThoseBelowThem()
+    {
+        const QString document = QString::fromUtf8(m_document);
+        const QStringList picture =
+            document.left(document.indexOf(QLatin1String("\n| folder"))).split(QLatin1Char('\n'));
+        const auto lineOf = [&](const QString& folder) {
+            return picture.indexOf(
+                QRegularExpression(QStringLiteral("^ {4}(.*[ >])?%1( .*)?$").arg(folder)));
+        };
+        const auto folders = uses();
+        QStringList usersOfLogging;
+        for (auto folder = folders.begin(); folder != folders.end(); ++folder) {
+            const int line = lineOf(folder.key());
+            QVERIFY2(line >= 0 || folder.key() == QLatin1String("logging"),
+                     qPrintable(folder.key()));
+            for (const QString& used : folder.value()) {
+                if (used == QLatin1String("logging"))
+                    usersOfLogging.append(folder.key());
+                else
+                    QVERIFY2(lineOf(used) > line, qPrintable(folder.key() + used));
+            }
+        }
+        static const QRegularExpression besides(
+            QStringLiteral("    logging, which (.+) use, is beside"));
+        QStringList named = besides.match(document).captured(1).split(
+            QRegularExpression(QStringLiteral(", | and ")));
+        named.sort();
+        QCOMPARE(named, usersOfLogging);
+    }
+
+    void stepsAreInTheirFiles()
+    {
+        static const QRegularExpression identifier(QStringLiteral(R"(^\w+(::\w+)*$)"));
+        const auto rows = tableRows(m_document, "| step | where | what happens |");
+        QVERIFY(rows.size() > 10);
+        int steps = 0;
+        for (const QByteArrayList& row : rows) {
+            QCOMPARE(row.value(0), QByteArray::number(++steps));
+            const QString name = codes(row.value(2)).value(0);
+            if (!identifier.match(name).hasMatch())
+                continue;
+            const QRegularExpression word(QStringLiteral("\\b%1\\b").arg(name));
+            for (const QString& file : codes(row.value(1)))
+                QVERIFY2(QString::fromUtf8(sourceFile(file)).contains(word),
+                         qPrintable(file + name));
+        }
+    }
+
+    void valueIsThatOfTheExample()
+    {
+        static const QRegularExpression place(
+            QStringLiteral(R"(line (\d+) of\s`(examples/\w+\.hts)`: `([\d.]+)`)"));
+        const QRegularExpressionMatch match = place.match(QString::fromUtf8(m_document));
+        QVERIFY(match.hasMatch());
+        const QByteArrayList lines = sourceFile(match.captured(2)).split('\n');
+        QCOMPARE(QString::fromUtf8(lines.value(match.captured(1).toInt() - 1)), match.captured(3));
+        // It is the first of its slot's values.
+        QCOMPARE(lines.value(match.captured(1).toInt() - 2), QByteArray("method: Mean"));
+
+        const auto rows = tableRows(m_document, "| step | where | what happens |");
+        const QByteArray result = codes(rows.last().value(2)).last().toUtf8();
+        const QByteArrayList annual =
+            sourceFile(QStringLiteral("tests/app/golden/rivers_september.expected")).split('\n');
+        QCOMPARE(annual.value(annual.indexOf("method: Average") + 1), result);
+    }
+
     void textsAreFilledAtOnce();
 
 private:
     // Of each folder those that the table says it uses.
-    QMap<QString, QStringList> uses() const;
+    QMap<QString, QStringList> uses() const
+    {
+        QMap<QString, QStringList> found;
+        for (const QByteArrayList& row :
+             tableRows(m_document, "| folder | what it holds | uses |")) {
+            QStringList used = codes(row.value(2));
+            used.sort();
+            found.insert(codes(row.value(0)).value(0).remove(QLatin1Char('/')), used);
+        }
+        return found;
+    }
 
     QByteArray m_document = sourceFile(QStringLiteral("docs/architecture.md"));
 };
-
-void TestArchitecture::filesAreThere()
-{
-    int count = 0;
-    for (const QString& code : codes(m_document)) {
-        if (!isFileName(code))
-            continue;
-        ++count;
-        QVERIFY2(QFile::exists(QStringLiteral(SOURCE_DIR "/") + code), qPrintable(code));
-    }
-    QVERIFY(count > 30);
-}
-
-QMap<QString, QStringList> TestArchitecture::uses() const
-{
-    QMap<QString, QStringList> found;
-    for (const QByteArrayList& row : tableRows(m_document, "| folder | what it holds | uses |")) {
-        QStringList used = codes(row.value(2));
-        used.sort();
-        found.insert(codes(row.value(0)).value(0).remove(QLatin1Char('/')), used);
-    }
-    return found;
-}
-
-void TestArchitecture::foldersUseWhatTheyLinkAndInclude()
-{
-    const auto folders = uses();
-    QCOMPARE(QStringList(folders.keys()), productFolders());
-    for (auto folder = folders.begin(); folder != folders.end(); ++folder) {
-        const auto text = [&](const QStringList& used) -> QString {
-            return folder.key() + QLatin1String(": ") + used.join(QLatin1Char(' '));
-        };
-        QCOMPARE(text(linkedFolders(folder.key(), folders.keys())), text(folder.value()));
-        QCOMPARE(text(includedFolders(folder.key())), text(folder.value()));
-    }
-}
-
-// In the picture; logging, which is beside it, is used by those that the line after it names.
-void TestArchitecture::foldersUseThoseBelowThem()
-{
-    const QString document = QString::fromUtf8(m_document);
-    const QStringList picture =
-        document.left(document.indexOf(QLatin1String("\n| folder"))).split(QLatin1Char('\n'));
-    const auto lineOf = [&](const QString& folder) {
-        return picture.indexOf(
-            QRegularExpression(QStringLiteral("^ {4}(.*[ >])?%1( .*)?$").arg(folder)));
-    };
-    const auto folders = uses();
-    QStringList usersOfLogging;
-    for (auto folder = folders.begin(); folder != folders.end(); ++folder) {
-        const int line = lineOf(folder.key());
-        QVERIFY2(line >= 0 || folder.key() == QLatin1String("logging"), qPrintable(folder.key()));
-        for (const QString& used : folder.value()) {
-            if (used == QLatin1String("logging"))
-                usersOfLogging.append(folder.key());
-            else
-                QVERIFY2(lineOf(used) > line, qPrintable(folder.key() + used));
-        }
-    }
-    static const QRegularExpression besides(
-        QStringLiteral("    logging, which (.+) use, is beside"));
-    QStringList named =
-        besides.match(document).captured(1).split(QRegularExpression(QStringLiteral(", | and ")));
-    named.sort();
-    QCOMPARE(named, usersOfLogging);
-}
-
-void TestArchitecture::stepsAreInTheirFiles()
-{
-    static const QRegularExpression identifier(QStringLiteral(R"(^\w+(::\w+)*$)"));
-    const auto rows = tableRows(m_document, "| step | where | what happens |");
-    QVERIFY(rows.size() > 10);
-    int steps = 0;
-    for (const QByteArrayList& row : rows) {
-        QCOMPARE(row.value(0), QByteArray::number(++steps));
-        const QString name = codes(row.value(2)).value(0);
-        if (!identifier.match(name).hasMatch())
-            continue;
-        const QRegularExpression word(QStringLiteral("\\b%1\\b").arg(name));
-        for (const QString& file : codes(row.value(1)))
-            QVERIFY2(QString::fromUtf8(sourceFile(file)).contains(word), qPrintable(file + name));
-    }
-}
-
-void TestArchitecture::valueIsThatOfTheExample()
-{
-    static const QRegularExpression place(
-        QStringLiteral(R"(line (\d+) of\s`(examples/\w+\.hts)`: `([\d.]+)`)"));
-    const QRegularExpressionMatch match = place.match(QString::fromUtf8(m_document));
-    QVERIFY(match.hasMatch());
-    const QByteArrayList lines = sourceFile(match.captured(2)).split('\n');
-    QCOMPARE(QString::fromUtf8(lines.value(match.captured(1).toInt() - 1)), match.captured(3));
-    // It is the first of its slot's values.
-    QCOMPARE(lines.value(match.captured(1).toInt() - 2), QByteArray("method: Mean"));
-
-    const auto rows = tableRows(m_document, "| step | where | what happens |");
-    const QByteArray result = codes(rows.last().value(2)).last().toUtf8();
-    const QByteArrayList annual =
-        sourceFile(QStringLiteral("tests/app/golden/rivers_september.expected")).split('\n');
-    QCOMPARE(annual.value(annual.indexOf("method: Average") + 1), result);
-}
 
 // A chain of arg() takes a "%2" in the text that it has filled in for a place.
 void TestArchitecture::textsAreFilledAtOnce()

@@ -138,271 +138,259 @@ class TestFormatDocs : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void examplesPrintWhatIsShown_data();
-    void examplesPrintWhatIsShown();
-    void linesOfTheExampleAreRight();
-    void keysAreThoseOfTheProgram();
-    void unitsAreThoseOfTheProgram();
-    void dateTimesAreRight();
-    void valuesAreReadAsShown();
-    void integersAreReadAsShown();
-    void numbersAreWrittenAsShown();
-    void refusedFilesHaveTheMessages();
-    void toleratedFilesAreRead();
-    void codesExist();
-    void methodsAreThoseOfTheProgram();
-    void grammarHasAllMethods();
-    void badLinesHaveTheReasons();
-    void rulesOfTheTableAreRules();
-};
+    void examplesPrintWhatIsShown_data()
+    {
+        QTest::addColumn<QByteArray>("document");
+        QTest::addColumn<QByteArray>("fileStart"); // how the block with the example's file begins
+        QTest::addColumn<QString>("fileName");
+        QTest::addColumn<QByteArrayList>(
+            "otherStarts"); // those of blocks that nothing is done with
+        QTest::addColumn<int>("consoleCount");
 
-void TestFormatDocs::examplesPrintWhatIsShown_data()
-{
-    QTest::addColumn<QByteArray>("document");
-    QTest::addColumn<QByteArray>("fileStart"); // how the block with the example's file begins
-    QTest::addColumn<QString>("fileName");
-    QTest::addColumn<QByteArrayList>("otherStarts"); // those of blocks that nothing is done with
-    QTest::addColumn<int>("consoleCount");
+        QTest::newRow("HTS file") << formatDocument() << QByteArray("name:") << "lake.hts"
+                                  << QByteArrayList{"file ", "yyyy-M-d"} << 4;
+        QTest::newRow("control file") << controlDocument() << QByteArray("Upper Basin.")
+                                      << "methods.txt" << QByteArrayList{"file "} << 5;
+    }
 
-    QTest::newRow("HTS file") << formatDocument() << QByteArray("name:") << "lake.hts"
-                              << QByteArrayList{"file ", "yyyy-M-d"} << 4;
-    QTest::newRow("control file") << controlDocument() << QByteArray("Upper Basin.")
-                                  << "methods.txt" << QByteArrayList{"file "} << 5;
-}
+    void examplesPrintWhatIsShown()
+    {
+        QFETCH(QByteArray, document);
+        QFETCH(QByteArray, fileStart);
+        QFETCH(QString, fileName);
+        QFETCH(QByteArrayList, otherStarts);
+        QFETCH(int, consoleCount);
 
-void TestFormatDocs::examplesPrintWhatIsShown()
-{
-    QFETCH(QByteArray, document);
-    QFETCH(QByteArray, fileStart);
-    QFETCH(QString, fileName);
-    QFETCH(QByteArrayList, otherStarts);
-    QFETCH(int, consoleCount);
-
-    AnnualizerRun run;
-    makeExampleFolder(run);
-    int consoles = 0;
-    for (const QByteArray& block : codeBlocks(document)) {
-        if (block.startsWith("$ ")) {
-            QCOMPARE(typed(run, block), block);
-            ++consoles;
-        } else if (block.startsWith(fileStart)) {
-            QVERIFY(!run.exists(fileName));
-            run.write(fileName, block + '\n');
-        } else {
-            const bool isOther =
-                std::any_of(otherStarts.begin(), otherStarts.end(),
-                            [&](const QByteArray& start) { return block.startsWith(start); });
-            QVERIFY2(isOther, block.constData());
+        AnnualizerRun run;
+        makeExampleFolder(run);
+        int consoles = 0;
+        for (const QByteArray& block : codeBlocks(document)) {
+            if (block.startsWith("$ ")) {
+                QCOMPARE(typed(run, block), block);
+                ++consoles;
+            } else if (block.startsWith(fileStart)) {
+                QVERIFY(!run.exists(fileName));
+                run.write(fileName, block + '\n');
+            } else {
+                const bool isOther =
+                    std::any_of(otherStarts.begin(), otherStarts.end(),
+                                [&](const QByteArray& start) { return block.startsWith(start); });
+                QVERIFY2(isOther, block.constData());
+            }
         }
+        QCOMPARE(consoles, consoleCount);
     }
-    QCOMPARE(consoles, consoleCount);
-}
 
-void TestFormatDocs::linesOfTheExampleAreRight()
-{
-    QByteArrayList lines;
-    for (const QByteArray& block : codeBlocks(formatDocument())) {
-        if (block.startsWith("name:"))
-            lines = block.split('\n');
-    }
-    // The last line of each part; the parts have no gaps.
-    const QByteArrayList ends = {"END_PACKAGE_PREAMBLE",
-                                 "END_RUN_PREAMBLE",
-                                 "2000-12-31 24:00",
-                                 "END_SLOT",
-                                 "END_SLOT",
-                                 "END_RUN"};
-    int before = 0;
-    QByteArrayList found;
-    for (const QByteArrayList& row : tableRows(formatDocument(), "| lines | part |")) {
-        const QByteArrayList numbers = row.value(0).split(' '); // "7 to 15", or "60"
-        QCOMPARE(numbers.first().toInt(), before + 1);
-        before = numbers.last().toInt();
-        found.append(lines.value(before - 1));
-    }
-    QCOMPARE(found, ends);
-    QCOMPARE(before, lines.size());
-}
-
-void TestFormatDocs::keysAreThoseOfTheProgram()
-{
-    QCOMPARE(documentedKeys("Keys of a package, in the order of the writer:"),
-             expectedKeys(kPackageKeys));
-    QCOMPARE(documentedKeys("Keys of a run:"), expectedKeys(kRunKeys));
-    QCOMPARE(documentedKeys("Keys of a slot:"), expectedKeys(kSlotKeys));
-}
-
-void TestFormatDocs::unitsAreThoseOfTheProgram()
-{
-    QStringList expected;
-    for (const TimestepUnit& unit : timestepUnits())
-        expected.prepend(unit.word);
-    QStringList documented;
-    for (const QByteArray& line : formatDocument().split('\n')) {
-        if (line.startsWith("| `time_step_unit:` |"))
-            documented = codes(line).mid(1);
-    }
-    QCOMPARE(documented, expected);
-    QCOMPARE(codes(findFindingKind(QString::fromUtf8("unknown-unit"))->meaning).mid(1), expected);
-}
-
-void TestFormatDocs::dateTimesAreRight()
-{
-    const auto rows = tableRows(formatDocument(), "| text | instant | written |");
-    QCOMPARE(rows.size(), 4);
-    for (const QByteArrayList& row : rows) {
-        for (const QString& text : codes(row.value(0))) {
-            const QDateTime instant = textToDateTime(text);
-            const QString shown =
-                QLocale::c().toString(instant, QStringLiteral("yyyy-MM-ddThh:mm"));
-            QCOMPARE(instant.isValid() ? shown : QStringLiteral("none"),
-                     QString::fromUtf8(row.value(1)));
-            QCOMPARE(dateTimeToText(instant), QString::fromUtf8(code(row.value(2))));
+    void linesOfTheExampleAreRight()
+    {
+        QByteArrayList lines;
+        for (const QByteArray& block : codeBlocks(formatDocument())) {
+            if (block.startsWith("name:"))
+                lines = block.split('\n');
         }
-    }
-}
-
-void TestFormatDocs::valuesAreReadAsShown()
-{
-    const auto rows = tableRows(formatDocument(), "| value line | read as |");
-    QCOMPARE(rows.size(), 5);
-    for (const QByteArrayList& row : rows) {
-        for (const QString& text : codes(row.value(0)))
-            QCOMPARE(valueText(lineToNumber(text.toStdString())), row.value(1));
-    }
-}
-
-void TestFormatDocs::integersAreReadAsShown()
-{
-    const auto rows = tableRows(formatDocument(), "| integer | read as |");
-    QCOMPARE(rows.size(), 4);
-    for (const QByteArrayList& row : rows) {
-        for (const QString& text : codes(row.value(0))) {
-            QByteArray preamble = "number_of_runs:" + text.toUtf8() + "\nEND_PACKAGE_PREAMBLE\n";
-            QBuffer file(&preamble);
-            file.open(QIODevice::ReadOnly);
-            HtsPackage package;
-            QVERIFY(package.readPreamble(file).ok());
-            QCOMPARE(QByteArray::number(package.numberOfRuns), row.value(1));
+        // The last line of each part; the parts have no gaps.
+        const QByteArrayList ends = {"END_PACKAGE_PREAMBLE",
+                                     "END_RUN_PREAMBLE",
+                                     "2000-12-31 24:00",
+                                     "END_SLOT",
+                                     "END_SLOT",
+                                     "END_RUN"};
+        int before = 0;
+        QByteArrayList found;
+        for (const QByteArrayList& row : tableRows(formatDocument(), "| lines | part |")) {
+            const QByteArrayList numbers = row.value(0).split(' '); // "7 to 15", or "60"
+            QCOMPARE(numbers.first().toInt(), before + 1);
+            before = numbers.last().toInt();
+            found.append(lines.value(before - 1));
         }
+        QCOMPARE(found, ends);
+        QCOMPARE(before, lines.size());
     }
-}
 
-void TestFormatDocs::numbersAreWrittenAsShown()
-{
-    const auto rows =
-        tableRows(formatDocument(), "| number | written as a value | written as a scale |");
-    QCOMPARE(rows.size(), 8);
-    for (const QByteArrayList& row : rows) {
-        const QByteArrayList lines = writtenLines(code(row.value(0)).toDouble());
-        const int scale = lines.indexOf("scale: " + code(row.value(2)));
-        QVERIFY2(scale >= 0, lines.join('\n').constData());
-        QCOMPARE(lines.value(scale + 1), code(row.value(1)));
+    void keysAreThoseOfTheProgram()
+    {
+        QCOMPARE(documentedKeys("Keys of a package, in the order of the writer:"),
+                 expectedKeys(kPackageKeys));
+        QCOMPARE(documentedKeys("Keys of a run:"), expectedKeys(kRunKeys));
+        QCOMPARE(documentedKeys("Keys of a slot:"), expectedKeys(kSlotKeys));
     }
-}
 
-void TestFormatDocs::refusedFilesHaveTheMessages()
-{
-    const auto rows = tableRows(formatDocument(), "| in the file | message | code |");
-    QCOMPARE(rows.size(), 6);
-    for (const QByteArrayList& row : rows) {
-        const QByteArray name = code(row.value(2));
-        QCOMPARE(readMessage(name), QString::fromUtf8(code(row.value(1))));
-        QVERIFY2(findFindingKind(QString::fromUtf8(name))->severity == Severity::Error,
-                 name.constData());
+    void unitsAreThoseOfTheProgram()
+    {
+        QStringList expected;
+        for (const TimestepUnit& unit : timestepUnits())
+            expected.prepend(unit.word);
+        QStringList documented;
+        for (const QByteArray& line : formatDocument().split('\n')) {
+            if (line.startsWith("| `time_step_unit:` |"))
+                documented = codes(line).mid(1);
+        }
+        QCOMPARE(documented, expected);
+        QCOMPARE(codes(findFindingKind(QString::fromUtf8("unknown-unit"))->meaning).mid(1),
+                 expected);
     }
-}
 
-void TestFormatDocs::toleratedFilesAreRead()
-{
-    const auto rows = tableRows(formatDocument(), "| in the file | what it is read as | code |");
-    QVERIFY(rows.size() > 20);
-    for (const QByteArrayList& row : rows) {
-        const QByteArray name = code(row.value(2));
-        if (name == "table-without-end")
-            continue; // reading it never ends
-        QVERIFY2(readMessage(name).isEmpty(), name.constData());
-        QVERIFY2(findFindingKind(QString::fromUtf8(name))->severity != Severity::Error,
-                 name.constData());
-    }
-}
-
-void TestFormatDocs::codesExist()
-{
-    // "[`text-value`, `blank-value`]", which may go over a line end.
-    const QRegularExpression brackets(QStringLiteral(R"(\[(`[a-z-]+`(,\s`[a-z-]+`)*)\])"));
-    int count = 0;
-    for (const QByteArray& document : {formatDocument(), controlDocument()}) {
-        auto match = brackets.globalMatch(QString::fromUtf8(document));
-        while (match.hasNext()) {
-            for (const QString& name : match.next().captured(1).split(QLatin1Char(','))) {
-                const QByteArray bare = code(name.trimmed().toUtf8());
-                QVERIFY2(findFindingKind(QString::fromUtf8(bare)) != nullptr, bare.constData());
-                ++count;
+    void dateTimesAreRight()
+    {
+        const auto rows = tableRows(formatDocument(), "| text | instant | written |");
+        QCOMPARE(rows.size(), 4);
+        for (const QByteArrayList& row : rows) {
+            for (const QString& text : codes(row.value(0))) {
+                const QDateTime instant = textToDateTime(text);
+                const QString shown =
+                    QLocale::c().toString(instant, QStringLiteral("yyyy-MM-ddThh:mm"));
+                QCOMPARE(instant.isValid() ? shown : QStringLiteral("none"),
+                         QString::fromUtf8(row.value(1)));
+                QCOMPARE(dateTimeToText(instant), QString::fromUtf8(code(row.value(2))));
             }
         }
     }
-    QVERIFY(count > 30);
-}
 
-void TestFormatDocs::methodsAreThoseOfTheProgram()
-{
-    const QByteArray document = controlDocument();
-    const int begin = document.indexOf("| method | result | with missing values | units |");
-    const QByteArray header = document.mid(begin, document.indexOf('\n', begin) - begin);
-    const QByteArrayList years = header.split('|').mid(5);
-    QVERIFY(years.size() > 4);
-
-    QByteArrayList documented;
-    for (const QByteArrayList& row : tableRows(document, header))
-        documented.append(row.mid(0, 1).join() + '|' + row.mid(2).join('|'));
-
-    QByteArrayList expected;
-    for (const AggMethod& method : aggMethods()) {
-        const bool isIgnored = method.missingValues == AggMethod::MissingValues::Ignored;
-        QByteArrayList cells = {'`' + method.word.toUtf8() + '`', isIgnored ? "ignored" : "NaN",
-                                method.isTotal ? "extended" : "kept"};
-        if (!method.isSupported())
-            cells = {cells.first(), QByteArray(), QByteArray()};
-        for (int i = 0; i < years.size() - 1; ++i) // nothing follows the last bar
-            cells.append(result(method, years.at(i)));
-        expected.append(cells.join('|'));
+    void valuesAreReadAsShown()
+    {
+        const auto rows = tableRows(formatDocument(), "| value line | read as |");
+        QCOMPARE(rows.size(), 5);
+        for (const QByteArrayList& row : rows) {
+            for (const QString& text : codes(row.value(0)))
+                QCOMPARE(valueText(lineToNumber(text.toStdString())), row.value(1));
+        }
     }
-    QCOMPARE(documented, expected);
-}
 
-void TestFormatDocs::grammarHasAllMethods()
-{
-    QStringList words;
-    for (const AggMethod& method : aggMethods())
-        words.append(QLatin1Char('"') + method.word + QLatin1Char('"'));
-    QString grammar = QString::fromUtf8(codeBlocks(controlDocument()).first());
-    grammar = grammar.section(QStringLiteral("method = "), 1).section(QStringLiteral(" ;"), 0, 0);
-    QCOMPARE(grammar.simplified(), words.join(QStringLiteral(" | ")));
-}
-
-void TestFormatDocs::badLinesHaveTheReasons()
-{
-    const auto rows = tableRows(controlDocument(), "| line | reason |");
-    QCOMPARE(rows.size(), 6);
-    for (const QByteArrayList& row : rows) {
-        const QByteArray line = code(row.value(0));
-        MethodRule rule;
-        QCOMPARE(ruleFaultText(parseMethodRule(line.constData(), rule)),
-                 QString::fromUtf8("Method Control File Error: " + row.value(1) + " in line"));
+    void integersAreReadAsShown()
+    {
+        const auto rows = tableRows(formatDocument(), "| integer | read as |");
+        QCOMPARE(rows.size(), 4);
+        for (const QByteArrayList& row : rows) {
+            for (const QString& text : codes(row.value(0))) {
+                QByteArray preamble =
+                    "number_of_runs:" + text.toUtf8() + "\nEND_PACKAGE_PREAMBLE\n";
+                QBuffer file(&preamble);
+                file.open(QIODevice::ReadOnly);
+                HtsPackage package;
+                QVERIFY(package.readPreamble(file).ok());
+                QCOMPARE(QByteArray::number(package.numberOfRuns), row.value(1));
+            }
+        }
     }
-}
 
-void TestFormatDocs::rulesOfTheTableAreRules()
-{
-    const auto rows = tableRows(controlDocument(), "| rule | fits |");
-    QCOMPARE(rows.size(), 6);
-    for (const QByteArrayList& row : rows) {
-        const QByteArray line = code(row.value(0));
-        MethodRule rule;
-        QVERIFY2(parseMethodRule(line.constData(), rule) == RuleFault::None, line.constData());
+    void numbersAreWrittenAsShown()
+    {
+        const auto rows =
+            tableRows(formatDocument(), "| number | written as a value | written as a scale |");
+        QCOMPARE(rows.size(), 8);
+        for (const QByteArrayList& row : rows) {
+            const QByteArrayList lines = writtenLines(code(row.value(0)).toDouble());
+            const int scale = lines.indexOf("scale: " + code(row.value(2)));
+            QVERIFY2(scale >= 0, lines.join('\n').constData());
+            QCOMPARE(lines.value(scale + 1), code(row.value(1)));
+        }
     }
-}
+
+    void refusedFilesHaveTheMessages()
+    {
+        const auto rows = tableRows(formatDocument(), "| in the file | message | code |");
+        QCOMPARE(rows.size(), 6);
+        for (const QByteArrayList& row : rows) {
+            const QByteArray name = code(row.value(2));
+            QCOMPARE(readMessage(name), QString::fromUtf8(code(row.value(1))));
+            QVERIFY2(findFindingKind(QString::fromUtf8(name))->severity == Severity::Error,
+                     name.constData());
+        }
+    }
+
+    void toleratedFilesAreRead()
+    {
+        const auto rows =
+            tableRows(formatDocument(), "| in the file | what it is read as | code |");
+        QVERIFY(rows.size() > 20);
+        for (const QByteArrayList& row : rows) {
+            const QByteArray name = code(row.value(2));
+            if (name == "table-without-end")
+                continue; // reading it never ends
+            QVERIFY2(readMessage(name).isEmpty(), name.constData());
+            QVERIFY2(findFindingKind(QString::fromUtf8(name))->severity != Severity::Error,
+                     name.constData());
+        }
+    }
+
+    void codesExist()
+    {
+        // "[`text-value`, `blank-value`]", which may go over a line end.
+        const QRegularExpression brackets(QStringLiteral(R"(\[(`[a-z-]+`(,\s`[a-z-]+`)*)\])"));
+        int count = 0;
+        for (const QByteArray& document : {formatDocument(), controlDocument()}) {
+            auto match = brackets.globalMatch(QString::fromUtf8(document));
+            while (match.hasNext()) {
+                for (const QString& name : match.next().captured(1).split(QLatin1Char(','))) {
+                    const QByteArray bare = code(name.trimmed().toUtf8());
+                    QVERIFY2(findFindingKind(QString::fromUtf8(bare)) != nullptr, bare.constData());
+                    ++count;
+                }
+            }
+        }
+        QVERIFY(count > 30);
+    }
+
+    void methodsAreThoseOfTheProgram()
+    {
+        const QByteArray document = controlDocument();
+        const int begin = document.indexOf("| method | result | with missing values | units |");
+        const QByteArray header = document.mid(begin, document.indexOf('\n', begin) - begin);
+        const QByteArrayList years = header.split('|').mid(5);
+        QVERIFY(years.size() > 4);
+
+        QByteArrayList documented;
+        for (const QByteArrayList& row : tableRows(document, header))
+            documented.append(row.mid(0, 1).join() + '|' + row.mid(2).join('|'));
+
+        QByteArrayList expected;
+        for (const AggMethod& method : aggMethods()) {
+            const bool isIgnored = method.missingValues == AggMethod::MissingValues::Ignored;
+            QByteArrayList cells = {'`' + method.word.toUtf8() + '`', isIgnored ? "ignored" : "NaN",
+                                    method.isTotal ? "extended" : "kept"};
+            if (!method.isSupported())
+                cells = {cells.first(), QByteArray(), QByteArray()};
+            for (int i = 0; i < years.size() - 1; ++i) // nothing follows the last bar
+                cells.append(result(method, years.at(i)));
+            expected.append(cells.join('|'));
+        }
+        QCOMPARE(documented, expected);
+    }
+
+    void grammarHasAllMethods()
+    {
+        QStringList words;
+        for (const AggMethod& method : aggMethods())
+            words.append(QLatin1Char('"') + method.word + QLatin1Char('"'));
+        QString grammar = QString::fromUtf8(codeBlocks(controlDocument()).first());
+        grammar =
+            grammar.section(QStringLiteral("method = "), 1).section(QStringLiteral(" ;"), 0, 0);
+        QCOMPARE(grammar.simplified(), words.join(QStringLiteral(" | ")));
+    }
+
+    void badLinesHaveTheReasons()
+    {
+        const auto rows = tableRows(controlDocument(), "| line | reason |");
+        QCOMPARE(rows.size(), 6);
+        for (const QByteArrayList& row : rows) {
+            const QByteArray line = code(row.value(0));
+            MethodRule rule;
+            QCOMPARE(ruleFaultText(parseMethodRule(line.constData(), rule)),
+                     QString::fromUtf8("Method Control File Error: " + row.value(1) + " in line"));
+        }
+    }
+
+    void rulesOfTheTableAreRules()
+    {
+        const auto rows = tableRows(controlDocument(), "| rule | fits |");
+        QCOMPARE(rows.size(), 6);
+        for (const QByteArrayList& row : rows) {
+            const QByteArray line = code(row.value(0));
+            MethodRule rule;
+            QVERIFY2(parseMethodRule(line.constData(), rule) == RuleFault::None, line.constData());
+        }
+    }
+};
 
 HTS_TEST(TestFormatDocs, QCoreApplication)
 

@@ -155,568 +155,539 @@ class TestHelpPage : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void isValidHtml();
-    void isMadeFromItsTextAndPictures();
-    void isBesideTheProgram();
-    void isSmall();
-    void needsNoOtherFileAndNoScript();
-    void linksLeadToPlacesInThePage();
-    void contentsReachEveryHeading();
-    void messagesHavePlaces_data();
-    void messagesHavePlaces();
-    void wideBlocksScrollByKeyboard();
-    void namesOfPlacesAreUnique();
-    void picturesHaveTheirSizeAndAText();
-    void headingsSkipNoLevel();
-    void tableHeadersHaveAScope();
-    void adaptsToPhonesAndDarkness();
-    void namesEveryMethod();
-    void hasARowForEveryRuleOfUnits();
-    void namesEveryOption();
-    void hasMessage_data();
-    void hasMessage();
-    void hasEveryMessageOfTheSources();
-    void exampleGivesTheResultShown();
-    void methodsGiveTheNumbersShown();
-    void shellExampleConvertsAFolder();
-    void shellExampleReportsAnEmptyFolder();
-    void pipeExampleGivesTheResultShown();
-    void logOfTheExampleIsTheOneShown();
-    void monthGluedToItsOptionIsIgnored_data();
-    void monthGluedToItsOptionIsIgnored();
+    void initTestCase() { QCOMPARE(m_page.error, QString()); }
+
+    void isValidHtml()
+    {
+        QProcess tidy;
+        tidy.setStandardInputFile(kPage); // tidy opens a file that is named for writing, too
+        tidy.start(QStringLiteral("tidy"),
+                   {QStringLiteral("-errors"), QStringLiteral("-quiet"), QStringLiteral("-utf8"),
+                    QStringLiteral("--doctype"), QStringLiteral("html5")});
+        QVERIFY2(tidy.waitForStarted(), "tidy is missing; install the package tidy");
+        QVERIFY(tidy.waitForFinished());
+        QCOMPARE(QString::fromUtf8(tidy.readAllStandardError()), QString());
+        QCOMPARE(tidy.exitCode(), 0);
+    }
+
+    void isMadeFromItsTextAndPictures()
+    {
+        QProcess check;
+        check.start(QStringLiteral("bash"),
+                    {QStringLiteral(SOURCE_DIR "/Help/make-help"), QStringLiteral("--check")});
+        QVERIFY(check.waitForFinished());
+        QCOMPARE(QString::fromUtf8(check.readAllStandardError()), QString());
+        QCOMPARE(check.exitCode(), 0);
+    }
+
+    void isBesideTheProgram()
+    {
+        const QString folder = QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path();
+        QVERIFY(sourceFile(folder + QLatin1String("/Help/HtsAnnualizerHelp.html")) ==
+                sourceFile(kPage));
+    }
+
+    void isSmall() { QVERIFY(sourceFile(kPage).size() < kLargestPage); }
+
+    void needsNoOtherFileAndNoScript()
+    {
+        const QStringList allowed = {
+            QStringLiteral("a"),       QStringLiteral("body"),   QStringLiteral("br"),
+            QStringLiteral("caption"), QStringLiteral("code"),   QStringLiteral("dd"),
+            QStringLiteral("details"), QStringLiteral("dl"),     QStringLiteral("dt"),
+            QStringLiteral("em"),      QStringLiteral("figure"), QStringLiteral("figcaption"),
+            QStringLiteral("h1"),      QStringLiteral("h2"),     QStringLiteral("h3"),
+            QStringLiteral("head"),    QStringLiteral("header"), QStringLiteral("html"),
+            QStringLiteral("img"),     QStringLiteral("div"),    QStringLiteral("li"),
+            QStringLiteral("line"),    QStringLiteral("main"),   QStringLiteral("meta"),
+            QStringLiteral("nav"),     QStringLiteral("ol"),     QStringLiteral("p"),
+            QStringLiteral("pre"),     QStringLiteral("rect"),   QStringLiteral("section"),
+            QStringLiteral("strong"),  QStringLiteral("style"),  QStringLiteral("summary"),
+            QStringLiteral("svg"),     QStringLiteral("table"),  QStringLiteral("tbody"),
+            QStringLiteral("td"),      QStringLiteral("text"),   QStringLiteral("th"),
+            QStringLiteral("thead"),   QStringLiteral("title"),  QStringLiteral("tr"),
+            QStringLiteral("ul")};
+        for (const PageElement& element : qAsConst(m_page.elements)) {
+            QVERIFY2(allowed.contains(element.name), qPrintable(element.name));
+            for (auto i = element.attributes.cbegin(); i != element.attributes.cend(); ++i) {
+                const QString shown = i.key() + QLatin1String("=") + i.value().left(60);
+                if (i.key() == QLatin1String("src"))
+                    QVERIFY2(i.value().startsWith(kPictureStart), qPrintable(shown));
+                else if (i.key() == QLatin1String("href"))
+                    QVERIFY2(i.value().startsWith(QLatin1Char('#')), qPrintable(shown));
+                else
+                    QVERIFY2(!i.value().contains(QLatin1String("://")), qPrintable(shown));
+                QVERIFY2(!i.key().startsWith(QLatin1String("on")), qPrintable(shown));
+                QVERIFY2(i.key() != QLatin1String("srcset"), qPrintable(shown));
+                QVERIFY2(i.key() != QLatin1String("http-equiv"), qPrintable(shown));
+                QVERIFY2(i.key() != QLatin1String("style"), qPrintable(shown));
+            }
+        }
+        const QString style = m_page.named(QStringLiteral("style")).first().text;
+        QVERIFY(!style.contains(QLatin1String("url(")));
+        QVERIFY(!style.contains(QLatin1String("@import")));
+    }
+
+    void linksLeadToPlacesInThePage()
+    {
+        QStringList places;
+        for (const PageElement& element : qAsConst(m_page.elements))
+            places.append(element.attributes.value(QStringLiteral("id")));
+        for (const PageElement& element : qAsConst(m_page.elements)) {
+            const QString link = element.attributes.value(QStringLiteral("href")).mid(1);
+            const QString label = element.attributes.value(QStringLiteral("aria-labelledby"));
+            QVERIFY2(places.contains(link), qPrintable(link));
+            QVERIFY2(places.contains(label), qPrintable(label));
+        }
+    }
+
+    void contentsReachEveryHeading()
+    {
+        QStringList headings;
+        QStringList contents;
+        for (const PageElement& element : qAsConst(m_page.elements)) {
+            const bool isHeading =
+                element.name == QLatin1String("h2") || element.name == QLatin1String("h3");
+            if (isHeading && !element.path.contains(QStringLiteral("nav")))
+                headings.append(QLatin1Char('#') + element.attributes.value(kId) +
+                                QLatin1Char(' ') + element.text);
+            if (element.name == QLatin1String("a") && element.path.contains(QStringLiteral("nav")))
+                contents.append(element.attributes.value(QStringLiteral("href")) +
+                                QLatin1Char(' ') + element.text);
+        }
+        QVERIFY(headings.size() > 25);
+        QCOMPARE(contents, headings);
+    }
+
+    void messagesHavePlaces_data()
+    {
+        QTest::addColumn<QString>("firstHeading"); // place of a section or of a part of one
+        QTest::addColumn<QString>("lastHeading");
+        QTest::addColumn<QString>("around"); // what holds the texts
+        addColumns<QString, int>("prefix", "least");
+        QTest::newRow("messages") << "messages-conversion"
+                                  << "messages-command-line"
+                                  << "dt"
+                                  << "message-" << 40;
+        QTest::newRow("faults of the program") << "messages-internal"
+                                               << "messages-internal"
+                                               << "li"
+                                               << "message-" << 7;
+        QTest::newRow("diagnostic lines") << "diagnostic-lines"
+                                          << "diagnostic-lines"
+                                          << "th"
+                                          << "line-" << 17;
+    }
+
+    void messagesHavePlaces()
+    {
+        QFETCH(QString, firstHeading);
+        QFETCH(QString, lastHeading);
+        QFETCH(QString, around);
+        QFETCH(QString, prefix);
+        QFETCH(int, least);
+
+        QString heading;
+        bool isInside = false;
+        QStringList places;
+        for (const PageElement& element : qAsConst(m_page.elements)) {
+            if (element.name == QLatin1String("h2") || element.name == QLatin1String("h3")) {
+                isInside = (isInside && heading != lastHeading) ||
+                           element.attributes.value(kId) == firstHeading;
+                heading = element.attributes.value(kId);
+            }
+            if (!isInside || element.name != QLatin1String("code") ||
+                !element.path.contains(around))
+                continue;
+            const QString expected = prefix + placeName(element.text);
+            const QString place = element.attributes.value(kId);
+            // The title of a box that shows several messages has its place at the first of them.
+            const bool isRepeated = place.isEmpty() && places.contains(expected);
+            QCOMPARE(isRepeated ? expected : place, expected);
+            places.append(expected);
+        }
+        places.removeDuplicates();
+        QVERIFY2(places.size() >= least, qPrintable(QString::number(places.size())));
+    }
+
+    void wideBlocksScrollByKeyboard()
+    {
+        const QString style = m_page.named(QStringLiteral("style")).first().text;
+        QStringList labels;
+        int scrollers = 0;
+        for (const PageElement& element : qAsConst(m_page.elements)) {
+            const bool isScroller =
+                element.attributes.value(QStringLiteral("class")) == QLatin1String("scroll");
+            if (element.name == QLatin1String("table"))
+                QCOMPARE(element.path.last(), QStringLiteral("div"));
+            if (element.name != QLatin1String("pre") && !isScroller)
+                continue;
+            const QString label = element.attributes.value(QStringLiteral("aria-label"));
+            QCOMPARE(element.attributes.value(QStringLiteral("tabindex")), QStringLiteral("0"));
+            QCOMPARE(element.attributes.value(QStringLiteral("role")), QStringLiteral("region"));
+            QVERIFY2(!label.isEmpty() && !labels.contains(label), qPrintable(label));
+            labels.append(label);
+            scrollers += isScroller ? 1 : 0;
+        }
+        QCOMPARE(scrollers, m_page.named(QStringLiteral("table")).size());
+        QVERIFY(labels.size() > 20);
+        for (const char* selector : {"pre", ".scroll"}) {
+            const QRegularExpression rule(
+                QStringLiteral(R"(^%1 \{[^}]*overflow-x: auto)")
+                    .arg(QRegularExpression::escape(QLatin1String(selector))),
+                QRegularExpression::MultilineOption);
+            QVERIFY2(style.contains(rule), selector);
+        }
+    }
+
+    void namesOfPlacesAreUnique()
+    {
+        QStringList places;
+        for (const PageElement& element : qAsConst(m_page.elements)) {
+            if (element.attributes.contains(QStringLiteral("id")))
+                places.append(element.attributes.value(QStringLiteral("id")));
+        }
+        QVERIFY(!places.isEmpty());
+        QCOMPARE(places.removeDuplicates(), 0);
+    }
+
+    void picturesHaveTheirSizeAndAText()
+    {
+        const QVector<PageElement> pictures = m_page.named(QStringLiteral("img"));
+        QCOMPARE(pictures.size(), 5);
+        for (const PageElement& picture : pictures) {
+            const QByteArray base64 = picture.attributes.value(QStringLiteral("src"))
+                                          .mid(kPictureStart.size())
+                                          .toLatin1();
+            const QImage image = QImage::fromData(QByteArray::fromBase64(base64), "PNG");
+            QVERIFY(!image.isNull());
+            QCOMPARE(picture.attributes.value(QStringLiteral("width")),
+                     QString::number(image.width()));
+            QCOMPARE(picture.attributes.value(QStringLiteral("height")),
+                     QString::number(image.height()));
+            QVERIFY(picture.attributes.value(QStringLiteral("alt")).size() > 20);
+        }
+        for (const PageElement& drawing : m_page.named(QStringLiteral("svg"))) {
+            QCOMPARE(drawing.attributes.value(QStringLiteral("role")), QStringLiteral("img"));
+            QVERIFY(drawing.attributes.value(QStringLiteral("aria-label")).size() > 20);
+        }
+    }
+
+    void headingsSkipNoLevel()
+    {
+        int level = 0;
+        int topHeadings = 0;
+        static const QRegularExpression heading(QStringLiteral("^h([1-6])$"));
+        for (const PageElement& element : qAsConst(m_page.elements)) {
+            const QRegularExpressionMatch match = heading.match(element.name);
+            if (!match.hasMatch())
+                continue;
+            const int next = match.captured(1).toInt();
+            QVERIFY2(next <= level + 1, qPrintable(element.text));
+            level = next;
+            topHeadings += level == 1 ? 1 : 0;
+        }
+        QCOMPARE(topHeadings, 1);
+    }
+
+    void tableHeadersHaveAScope()
+    {
+        for (const PageElement& header : m_page.named(QStringLiteral("th"))) {
+            const bool isColumn = header.path.contains(QStringLiteral("thead"));
+            QVERIFY2(header.attributes.value(QStringLiteral("scope")) ==
+                         (isColumn ? QLatin1String("col") : QLatin1String("row")),
+                     qPrintable(header.text));
+        }
+        QCOMPARE(m_page.named(QStringLiteral("caption")).size(),
+                 m_page.named(QStringLiteral("table")).size());
+    }
+
+    void adaptsToPhonesAndDarkness()
+    {
+        QString viewport;
+        for (const PageElement& meta : m_page.named(QStringLiteral("meta"))) {
+            if (meta.attributes.value(QStringLiteral("name")) == QLatin1String("viewport"))
+                viewport = meta.attributes.value(QStringLiteral("content"));
+        }
+        QCOMPARE(viewport, QStringLiteral("width=device-width, initial-scale=1"));
+        const QString style = m_page.named(QStringLiteral("style")).first().text;
+        QVERIFY(style.contains(QLatin1String("@media (prefers-color-scheme: dark)")));
+    }
+
+    void namesEveryMethod()
+    {
+        const QStringList codes = m_page.codes();
+        for (const AggMethod& method : aggMethods())
+            QVERIFY2(codes.contains(method.word), qPrintable(method.word));
+        QCOMPARE(
+            sorted(rowCodes(m_page, QStringLiteral("What a missing value does, method by method"))),
+            sorted(supportedMethods()));
+    }
+
+    void hasARowForEveryRuleOfUnits()
+    {
+        QStringList expected = {QStringLiteral("day"),
+                                QStringLiteral("hour")}; // "any other, such as"
+        for (const TimestepUnit& unit : timestepUnits()) {
+            if (!isSameRule(unit, timestepUnitOrDay(QString())))
+                expected.append(unit.word);
+        }
+        QCOMPARE(sorted(rowCodes(
+                     m_page, QStringLiteral("When the first and the last year count as complete"))),
+                 sorted(expected));
+    }
+
+    void namesEveryOption()
+    {
+        const QStringList codes = m_page.codes();
+        for (const Option& option : kOptions) {
+            const QString text = QLatin1Char('-') + QString(QLatin1Char(option.letter));
+            QVERIFY2(codes.contains(text), qPrintable(text));
+        }
+    }
+
+    void hasMessage_data()
+    {
+        QTest::addColumn<QString>("text");
+        for (const char* text : {
+                 // reading a file
+                 "Cannot read package preamble",
+                 "Cannot read run preamble",
+                 "Cannot read slot preamble",
+                 "Cannot read HTS file: Missing units or scale",
+                 // years
+                 "Source HTS File already in annual timestep",
+                 "Cannot create a complete year from the input HTS file",
+                 // methods
+                 "Method Control File Error:",
+                 "Colon not found",
+                 "Method is blank",
+                 "Unknown method specified",
+                 "Dot separator not found",
+                 "Slot name is blank",
+                 "Object name is blank",
+                 // conversion
+                 "Sizes of input value and value map vectors are mismatched",
+                 "Number of new values cannot be negative",
+                 "No series slots with valid methods found in input HTS file",
+                 "Input HTS file device, output annual file device, control file path, or end year "
+                 "month not set",
+                 "Source HTS device pointer cannot be NULL",
+                 "Result annual HTS device pointer cannot be NULL",
+                 "Method specification file name cannot be blank",
+                 "Integer for the end of year month is out of the range 1 to 12",
+                 // window
+                 "Incomplete Information",
+                 "Source, Result, or Control File name is not specified",
+                 "Information Error",
+                 "Source HTS file environment variables could not be substituted",
+                 "Result HTS file environment variables could not be substituted",
+                 "Method control file environment variables could not be substituted",
+                 "Annualizer Configuration Error",
+                 "Annualize HTS Error",
+                 "Annualize HTS",
+                 "Annual HTS file successfully created!",
+                 "Copy Message Error",
+                 "Cannot access the clipboard",
+                 "Save Diagnostics Error",
+                 // command line
+                 "HtsAnnualizer: Invalid Usage. Use '-h' for help.",
+                 "HtsAnnualizer Error: Input hts file must be specified with -i option",
+                 "HtsAnnualizer Error: Output HTS file must be specified with -o option",
+                 "HtsAnnualizer Error: Method control file must be specified with -o option",
+                 "HtsAnnualizer Error: Input hts path environment variables could not be "
+                 "substituted:",
+                 "HtsAnnualizer Error: Output hts path environment variables could not be "
+                 "substituted:",
+                 "HtsAnnualizer Error: Method control path environment variables could not be "
+                 "substituted:",
+                 "HtsAnnualizer Error: Log file path environment variables could not be "
+                 "substituted:",
+                 "HtsAnnualizer Error: Input hts file could not be opened for reading:",
+                 "HtsAnnualizer Error: Output hts file could not be opened for writing:",
+                 "HtsAnnualizer Error: Invalid end month for year specified with -y option:",
+                 "HtsAnnualizer: Annual HTs file successfully created",
+             })
+            QTest::newRow(text) << QString::fromLatin1(text);
+    }
+
+    void hasMessage()
+    {
+        QFETCH(QString, text);
+        const QVector<PageElement> codes = m_page.named(QStringLiteral("code"));
+        QVERIFY2(std::any_of(codes.begin(), codes.end(),
+                             [&](const PageElement& code) {
+                                 return code.text.simplified().contains(text) &&
+                                        code.attributes.value(kId).startsWith(
+                                            QLatin1String("message-"));
+                             }),
+                 "not in the page, or without a place that a link can lead to");
+
+        static const QString literals = [] {
+            QStringList all;
+            for (const QString& path : sourceFiles())
+                all += stringLiterals(sourceFile(path));
+            return all.join(QLatin1Char('\n'));
+        }();
+        QVERIFY2(literals.contains(text), "the program has no such text");
+    }
+
+    // A new message in the sources must be in the page, or be listed here.
+    void hasEveryMessageOfTheSources()
+    {
+        const QStringList noMessages = {
+            QStringLiteral("contains undefined environment variable(s):"),
+            QStringLiteral("HTS Files (*.hts);;All Files (*)"),
+            QStringLiteral("HTS Files (*.hts)"),
+            QStringLiteral("HTS Files (*.hts);;"),
+            QStringLiteral("All Files (*)"),
+            QStringLiteral("HTS Annualizer (v"),
+            QStringLiteral("Save Diagnostic Output"),
+            // of htstool alone
+            QStringLiteral("a line is longer than 64 MiB"),
+            // pieces of messages that the page has in full
+            QStringLiteral("in line \""),
+            QStringLiteral("HtsAnnualizer Error: Problem"),
+        };
+        const QString page = m_page.bodyText();
+        int count = 0;
+        QStringList missing;
+        for (const QString& path : sourceFiles()) {
+            for (QString text : messageTexts(sourceFile(path))) {
+                ++count;
+                text.remove(QLatin1Char('&')); // marks the key of a menu entry
+                if (!noMessages.contains(text) && !page.contains(text))
+                    missing.append(QFileInfo(path).fileName() + QLatin1String(": ") + text);
+            }
+        }
+        QCOMPARE(missing.join(QLatin1Char('\n')), QString());
+        QVERIFY(count > 50);
+        for (const char* verb : {"opening", "writing"}) {
+            const QString text = QStringLiteral("HtsAnnualizer Error: Problem %1 log file named")
+                                     .arg(QLatin1String(verb));
+            QVERIFY2(page.contains(text), qPrintable(text));
+        }
+    }
+
+    void exampleGivesTheResultShown()
+    {
+        AnnualizerRun run;
+        writeExample(m_page, run);
+        const QString command = QStringLiteral("HtsAnnualizer ") + kExampleArguments;
+        QVERIFY(m_page.codes().contains(command));
+        run.startShell(command);
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(QString::fromUtf8(run.read(QStringLiteral("annual.hts"))),
+                 m_page.textOf(QStringLiteral("example-result")));
+    }
+
+    void methodsGiveTheNumbersShown()
+    {
+        QStringList methods;
+        for (const MethodRow& row : methodRows(m_page)) {
+            methods.append(row.method);
+            AnnualizerRun run;
+            run.write(QStringLiteral("a.hts"),
+                      m_page.textOf(QStringLiteral("example-input")).toUtf8());
+            run.write(QStringLiteral("c.txt"),
+                      QStringLiteral("Mill Creek.Flow: %1\n").arg(row.method).toUtf8());
+            run.start({QStringLiteral("-i"), QStringLiteral("a.hts"), QStringLiteral("-o"),
+                       QStringLiteral("b.hts"), QStringLiteral("-c"), QStringLiteral("c.txt"),
+                       QStringLiteral("-y"), QStringLiteral("9")});
+            QCOMPARE(run.exitCode, 0);
+            QVERIFY(run.read(QStringLiteral("b.hts")).contains("\nmethod: " + row.method.toUtf8()));
+            QCOMPARE(firstValues(run.read(QStringLiteral("b.hts"))), row.values);
+        }
+        QCOMPARE(methods, supportedMethods());
+    }
+
+    void shellExampleConvertsAFolder()
+    {
+        AnnualizerRun run;
+        QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("daily"));
+        run.write(QStringLiteral("daily/my lake.hts"),
+                  m_page.textOf(QStringLiteral("example-input")).toUtf8());
+        writeExample(m_page, run);
+        const QString example = m_page.textOf(QStringLiteral("shell-example"));
+        run.startShell(example);
+        QCOMPARE(run.errors, QByteArray());
+        QCOMPARE(run.output, QByteArray("daily/my lake.hts: done\n"));
+        QCOMPARE(run.exitCode, 0);
+
+        run.write(QStringLiteral("daily/none.hts"), "no HTS file\n");
+        run.startShell(example);
+        QCOMPARE(run.exitCode, 1);
+        const QStringList lines = QString::fromUtf8(run.output).split(QLatin1Char('\n'));
+        QCOMPARE(lines.value(0), QStringLiteral("daily/my lake.hts: done"));
+        QCOMPARE(lines.value(1), QStringLiteral("daily/none.hts: FAILED"));
+        QVERIFY(lines.contains(QStringLiteral("Cannot read package preamble")));
+        QCOMPARE(QString::fromUtf8(run.read(QStringLiteral("annual/my lake.hts"))),
+                 m_page.textOf(QStringLiteral("example-result")));
+    }
+
+    void shellExampleReportsAnEmptyFolder()
+    {
+        AnnualizerRun run;
+        QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("daily"));
+        writeExample(m_page, run);
+        run.startShell(m_page.textOf(QStringLiteral("shell-example")));
+        QCOMPARE(run.errors, QByteArray());
+        QCOMPARE(run.output, QByteArray("no HTS files in daily\n"));
+        QCOMPARE(run.exitCode, 1);
+    }
+
+    void pipeExampleGivesTheResultShown()
+    {
+        AnnualizerRun run;
+        writeExample(m_page, run);
+        run.startShell(QStringLiteral("gzip lake.hts"));
+        run.startShell(m_page.textOf(QStringLiteral("pipe-example")));
+        QCOMPARE(run.errors, QByteArray());
+        QCOMPARE(run.exitCode, 0);
+        run.startShell(QStringLiteral("zcat annual.hts.gz"));
+        QCOMPARE(QString::fromUtf8(run.output), m_page.textOf(QStringLiteral("example-result")));
+        QVERIFY(run.read(QStringLiteral("lake.log")).endsWith(kCreated));
+    }
+
+    void logOfTheExampleIsTheOneShown()
+    {
+        AnnualizerRun run;
+        writeExample(m_page, run);
+        run.startShell(QStringLiteral("HtsAnnualizer ") + kExampleArguments);
+        const QByteArray shown = m_page.textOf(QStringLiteral("example-log")).toUtf8() + '\n';
+        QVERIFY(shown.contains("Fri Mar 1 09:30:00 2024"));
+        QCOMPARE(withoutTime(run.read(QStringLiteral("annual.log"))), withoutTime(shown));
+    }
+
+    void monthGluedToItsOptionIsIgnored_data()
+    {
+        addColumns<QString, QByteArray>("arguments", "lastYear");
+        QTest::newRow("-y 9") << QStringLiteral("-y 9") << QByteArray("end:2001-9-30 24:00");
+        for (const char* glued : {"-y9", "-y=9"})
+            QTest::newRow(glued) << QString::fromLatin1(glued)
+                                 << QByteArray("end:2001-12-31 24:00");
+    }
+
+    void monthGluedToItsOptionIsIgnored()
+    {
+        QFETCH(QString, arguments);
+        QFETCH(QByteArray, lastYear);
+        QVERIFY(m_page.codes().contains(arguments));
+
+        AnnualizerRun run;
+        writeExample(m_page, run);
+        run.startShell(QStringLiteral("HtsAnnualizer -i lake.hts -c methods.txt -o annual.hts ") +
+                       arguments);
+        QCOMPARE(run.output, QByteArray());
+        QCOMPARE(run.errors, QByteArray());
+        QCOMPARE(run.exitCode, 0);
+        const QByteArrayList result = run.read(QStringLiteral("annual.hts")).split('\n');
+        QVERIFY(result.contains(lastYear));
+    }
 
 private:
     HelpPage m_page{sourceFile(kPage)};
 };
-
-void TestHelpPage::initTestCase()
-{
-    QCOMPARE(m_page.error, QString());
-}
-
-void TestHelpPage::isValidHtml()
-{
-    QProcess tidy;
-    tidy.setStandardInputFile(kPage); // tidy opens a file that is named for writing, too
-    tidy.start(QStringLiteral("tidy"),
-               {QStringLiteral("-errors"), QStringLiteral("-quiet"), QStringLiteral("-utf8"),
-                QStringLiteral("--doctype"), QStringLiteral("html5")});
-    QVERIFY2(tidy.waitForStarted(), "tidy is missing; install the package tidy");
-    QVERIFY(tidy.waitForFinished());
-    QCOMPARE(QString::fromUtf8(tidy.readAllStandardError()), QString());
-    QCOMPARE(tidy.exitCode(), 0);
-}
-
-void TestHelpPage::isMadeFromItsTextAndPictures()
-{
-    QProcess check;
-    check.start(QStringLiteral("bash"),
-                {QStringLiteral(SOURCE_DIR "/Help/make-help"), QStringLiteral("--check")});
-    QVERIFY(check.waitForFinished());
-    QCOMPARE(QString::fromUtf8(check.readAllStandardError()), QString());
-    QCOMPARE(check.exitCode(), 0);
-}
-
-void TestHelpPage::isBesideTheProgram()
-{
-    const QString folder = QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path();
-    QVERIFY(sourceFile(folder + QLatin1String("/Help/HtsAnnualizerHelp.html")) ==
-            sourceFile(kPage));
-}
-
-void TestHelpPage::isSmall()
-{
-    QVERIFY(sourceFile(kPage).size() < kLargestPage);
-}
-
-void TestHelpPage::needsNoOtherFileAndNoScript()
-{
-    const QStringList allowed = {
-        QStringLiteral("a"),       QStringLiteral("body"),   QStringLiteral("br"),
-        QStringLiteral("caption"), QStringLiteral("code"),   QStringLiteral("dd"),
-        QStringLiteral("details"), QStringLiteral("dl"),     QStringLiteral("dt"),
-        QStringLiteral("em"),      QStringLiteral("figure"), QStringLiteral("figcaption"),
-        QStringLiteral("h1"),      QStringLiteral("h2"),     QStringLiteral("h3"),
-        QStringLiteral("head"),    QStringLiteral("header"), QStringLiteral("html"),
-        QStringLiteral("img"),     QStringLiteral("div"),    QStringLiteral("li"),
-        QStringLiteral("line"),    QStringLiteral("main"),   QStringLiteral("meta"),
-        QStringLiteral("nav"),     QStringLiteral("ol"),     QStringLiteral("p"),
-        QStringLiteral("pre"),     QStringLiteral("rect"),   QStringLiteral("section"),
-        QStringLiteral("strong"),  QStringLiteral("style"),  QStringLiteral("summary"),
-        QStringLiteral("svg"),     QStringLiteral("table"),  QStringLiteral("tbody"),
-        QStringLiteral("td"),      QStringLiteral("text"),   QStringLiteral("th"),
-        QStringLiteral("thead"),   QStringLiteral("title"),  QStringLiteral("tr"),
-        QStringLiteral("ul")};
-    for (const PageElement& element : qAsConst(m_page.elements)) {
-        QVERIFY2(allowed.contains(element.name), qPrintable(element.name));
-        for (auto i = element.attributes.cbegin(); i != element.attributes.cend(); ++i) {
-            const QString shown = i.key() + QLatin1String("=") + i.value().left(60);
-            if (i.key() == QLatin1String("src"))
-                QVERIFY2(i.value().startsWith(kPictureStart), qPrintable(shown));
-            else if (i.key() == QLatin1String("href"))
-                QVERIFY2(i.value().startsWith(QLatin1Char('#')), qPrintable(shown));
-            else
-                QVERIFY2(!i.value().contains(QLatin1String("://")), qPrintable(shown));
-            QVERIFY2(!i.key().startsWith(QLatin1String("on")), qPrintable(shown));
-            QVERIFY2(i.key() != QLatin1String("srcset"), qPrintable(shown));
-            QVERIFY2(i.key() != QLatin1String("http-equiv"), qPrintable(shown));
-            QVERIFY2(i.key() != QLatin1String("style"), qPrintable(shown));
-        }
-    }
-    const QString style = m_page.named(QStringLiteral("style")).first().text;
-    QVERIFY(!style.contains(QLatin1String("url(")));
-    QVERIFY(!style.contains(QLatin1String("@import")));
-}
-
-void TestHelpPage::linksLeadToPlacesInThePage()
-{
-    QStringList places;
-    for (const PageElement& element : qAsConst(m_page.elements))
-        places.append(element.attributes.value(QStringLiteral("id")));
-    for (const PageElement& element : qAsConst(m_page.elements)) {
-        const QString link = element.attributes.value(QStringLiteral("href")).mid(1);
-        const QString label = element.attributes.value(QStringLiteral("aria-labelledby"));
-        QVERIFY2(places.contains(link), qPrintable(link));
-        QVERIFY2(places.contains(label), qPrintable(label));
-    }
-}
-
-void TestHelpPage::contentsReachEveryHeading()
-{
-    QStringList headings;
-    QStringList contents;
-    for (const PageElement& element : qAsConst(m_page.elements)) {
-        const bool isHeading =
-            element.name == QLatin1String("h2") || element.name == QLatin1String("h3");
-        if (isHeading && !element.path.contains(QStringLiteral("nav")))
-            headings.append(QLatin1Char('#') + element.attributes.value(kId) + QLatin1Char(' ') +
-                            element.text);
-        if (element.name == QLatin1String("a") && element.path.contains(QStringLiteral("nav")))
-            contents.append(element.attributes.value(QStringLiteral("href")) + QLatin1Char(' ') +
-                            element.text);
-    }
-    QVERIFY(headings.size() > 25);
-    QCOMPARE(contents, headings);
-}
-
-void TestHelpPage::messagesHavePlaces_data()
-{
-    QTest::addColumn<QString>("firstHeading"); // place of a section or of a part of one
-    QTest::addColumn<QString>("lastHeading");
-    QTest::addColumn<QString>("around"); // what holds the texts
-    QTest::addColumn<QString>("prefix");
-    QTest::addColumn<int>("least");
-    QTest::newRow("messages") << "messages-conversion"
-                              << "messages-command-line"
-                              << "dt"
-                              << "message-" << 40;
-    QTest::newRow("faults of the program") << "messages-internal"
-                                           << "messages-internal"
-                                           << "li"
-                                           << "message-" << 7;
-    QTest::newRow("diagnostic lines") << "diagnostic-lines"
-                                      << "diagnostic-lines"
-                                      << "th"
-                                      << "line-" << 17;
-}
-
-void TestHelpPage::messagesHavePlaces()
-{
-    QFETCH(QString, firstHeading);
-    QFETCH(QString, lastHeading);
-    QFETCH(QString, around);
-    QFETCH(QString, prefix);
-    QFETCH(int, least);
-
-    QString heading;
-    bool isInside = false;
-    QStringList places;
-    for (const PageElement& element : qAsConst(m_page.elements)) {
-        if (element.name == QLatin1String("h2") || element.name == QLatin1String("h3")) {
-            isInside = (isInside && heading != lastHeading) ||
-                       element.attributes.value(kId) == firstHeading;
-            heading = element.attributes.value(kId);
-        }
-        if (!isInside || element.name != QLatin1String("code") || !element.path.contains(around))
-            continue;
-        const QString expected = prefix + placeName(element.text);
-        const QString place = element.attributes.value(kId);
-        // The title of a box that shows several messages has its place at the first of them.
-        const bool isRepeated = place.isEmpty() && places.contains(expected);
-        QCOMPARE(isRepeated ? expected : place, expected);
-        places.append(expected);
-    }
-    places.removeDuplicates();
-    QVERIFY2(places.size() >= least, qPrintable(QString::number(places.size())));
-}
-
-void TestHelpPage::wideBlocksScrollByKeyboard()
-{
-    const QString style = m_page.named(QStringLiteral("style")).first().text;
-    QStringList labels;
-    int scrollers = 0;
-    for (const PageElement& element : qAsConst(m_page.elements)) {
-        const bool isScroller =
-            element.attributes.value(QStringLiteral("class")) == QLatin1String("scroll");
-        if (element.name == QLatin1String("table"))
-            QCOMPARE(element.path.last(), QStringLiteral("div"));
-        if (element.name != QLatin1String("pre") && !isScroller)
-            continue;
-        const QString label = element.attributes.value(QStringLiteral("aria-label"));
-        QCOMPARE(element.attributes.value(QStringLiteral("tabindex")), QStringLiteral("0"));
-        QCOMPARE(element.attributes.value(QStringLiteral("role")), QStringLiteral("region"));
-        QVERIFY2(!label.isEmpty() && !labels.contains(label), qPrintable(label));
-        labels.append(label);
-        scrollers += isScroller ? 1 : 0;
-    }
-    QCOMPARE(scrollers, m_page.named(QStringLiteral("table")).size());
-    QVERIFY(labels.size() > 20);
-    for (const char* selector : {"pre", ".scroll"}) {
-        const QRegularExpression rule(QStringLiteral(R"(^%1 \{[^}]*overflow-x: auto)")
-                                          .arg(QRegularExpression::escape(QLatin1String(selector))),
-                                      QRegularExpression::MultilineOption);
-        QVERIFY2(style.contains(rule), selector);
-    }
-}
-
-void TestHelpPage::namesOfPlacesAreUnique()
-{
-    QStringList places;
-    for (const PageElement& element : qAsConst(m_page.elements)) {
-        if (element.attributes.contains(QStringLiteral("id")))
-            places.append(element.attributes.value(QStringLiteral("id")));
-    }
-    QVERIFY(!places.isEmpty());
-    QCOMPARE(places.removeDuplicates(), 0);
-}
-
-void TestHelpPage::picturesHaveTheirSizeAndAText()
-{
-    const QVector<PageElement> pictures = m_page.named(QStringLiteral("img"));
-    QCOMPARE(pictures.size(), 5);
-    for (const PageElement& picture : pictures) {
-        const QByteArray base64 =
-            picture.attributes.value(QStringLiteral("src")).mid(kPictureStart.size()).toLatin1();
-        const QImage image = QImage::fromData(QByteArray::fromBase64(base64), "PNG");
-        QVERIFY(!image.isNull());
-        QCOMPARE(picture.attributes.value(QStringLiteral("width")), QString::number(image.width()));
-        QCOMPARE(picture.attributes.value(QStringLiteral("height")),
-                 QString::number(image.height()));
-        QVERIFY(picture.attributes.value(QStringLiteral("alt")).size() > 20);
-    }
-    for (const PageElement& drawing : m_page.named(QStringLiteral("svg"))) {
-        QCOMPARE(drawing.attributes.value(QStringLiteral("role")), QStringLiteral("img"));
-        QVERIFY(drawing.attributes.value(QStringLiteral("aria-label")).size() > 20);
-    }
-}
-
-void TestHelpPage::headingsSkipNoLevel()
-{
-    int level = 0;
-    int topHeadings = 0;
-    static const QRegularExpression heading(QStringLiteral("^h([1-6])$"));
-    for (const PageElement& element : qAsConst(m_page.elements)) {
-        const QRegularExpressionMatch match = heading.match(element.name);
-        if (!match.hasMatch())
-            continue;
-        const int next = match.captured(1).toInt();
-        QVERIFY2(next <= level + 1, qPrintable(element.text));
-        level = next;
-        topHeadings += level == 1 ? 1 : 0;
-    }
-    QCOMPARE(topHeadings, 1);
-}
-
-void TestHelpPage::tableHeadersHaveAScope()
-{
-    for (const PageElement& header : m_page.named(QStringLiteral("th"))) {
-        const bool isColumn = header.path.contains(QStringLiteral("thead"));
-        QVERIFY2(header.attributes.value(QStringLiteral("scope")) ==
-                     (isColumn ? QLatin1String("col") : QLatin1String("row")),
-                 qPrintable(header.text));
-    }
-    QCOMPARE(m_page.named(QStringLiteral("caption")).size(),
-             m_page.named(QStringLiteral("table")).size());
-}
-
-void TestHelpPage::adaptsToPhonesAndDarkness()
-{
-    QString viewport;
-    for (const PageElement& meta : m_page.named(QStringLiteral("meta"))) {
-        if (meta.attributes.value(QStringLiteral("name")) == QLatin1String("viewport"))
-            viewport = meta.attributes.value(QStringLiteral("content"));
-    }
-    QCOMPARE(viewport, QStringLiteral("width=device-width, initial-scale=1"));
-    const QString style = m_page.named(QStringLiteral("style")).first().text;
-    QVERIFY(style.contains(QLatin1String("@media (prefers-color-scheme: dark)")));
-}
-
-void TestHelpPage::namesEveryMethod()
-{
-    const QStringList codes = m_page.codes();
-    for (const AggMethod& method : aggMethods())
-        QVERIFY2(codes.contains(method.word), qPrintable(method.word));
-    QCOMPARE(
-        sorted(rowCodes(m_page, QStringLiteral("What a missing value does, method by method"))),
-        sorted(supportedMethods()));
-}
-
-void TestHelpPage::hasARowForEveryRuleOfUnits()
-{
-    QStringList expected = {QStringLiteral("day"), QStringLiteral("hour")}; // "any other, such as"
-    for (const TimestepUnit& unit : timestepUnits()) {
-        if (!isSameRule(unit, timestepUnitOrDay(QString())))
-            expected.append(unit.word);
-    }
-    QCOMPARE(sorted(rowCodes(m_page,
-                             QStringLiteral("When the first and the last year count as complete"))),
-             sorted(expected));
-}
-
-void TestHelpPage::namesEveryOption()
-{
-    const QStringList codes = m_page.codes();
-    for (const Option& option : kOptions) {
-        const QString text = QLatin1Char('-') + QString(QLatin1Char(option.letter));
-        QVERIFY2(codes.contains(text), qPrintable(text));
-    }
-}
-
-void TestHelpPage::hasMessage_data()
-{
-    QTest::addColumn<QString>("text");
-    for (const char* text : {
-             // reading a file
-             "Cannot read package preamble",
-             "Cannot read run preamble",
-             "Cannot read slot preamble",
-             "Cannot read HTS file: Missing units or scale",
-             // years
-             "Source HTS File already in annual timestep",
-             "Cannot create a complete year from the input HTS file",
-             // methods
-             "Method Control File Error:",
-             "Colon not found",
-             "Method is blank",
-             "Unknown method specified",
-             "Dot separator not found",
-             "Slot name is blank",
-             "Object name is blank",
-             // conversion
-             "Sizes of input value and value map vectors are mismatched",
-             "Number of new values cannot be negative",
-             "No series slots with valid methods found in input HTS file",
-             "Input HTS file device, output annual file device, control file path, or end year "
-             "month not set",
-             "Source HTS device pointer cannot be NULL",
-             "Result annual HTS device pointer cannot be NULL",
-             "Method specification file name cannot be blank",
-             "Integer for the end of year month is out of the range 1 to 12",
-             // window
-             "Incomplete Information",
-             "Source, Result, or Control File name is not specified",
-             "Information Error",
-             "Source HTS file environment variables could not be substituted",
-             "Result HTS file environment variables could not be substituted",
-             "Method control file environment variables could not be substituted",
-             "Annualizer Configuration Error",
-             "Annualize HTS Error",
-             "Annualize HTS",
-             "Annual HTS file successfully created!",
-             "Copy Message Error",
-             "Cannot access the clipboard",
-             "Save Diagnostics Error",
-             // command line
-             "HtsAnnualizer: Invalid Usage. Use '-h' for help.",
-             "HtsAnnualizer Error: Input hts file must be specified with -i option",
-             "HtsAnnualizer Error: Output HTS file must be specified with -o option",
-             "HtsAnnualizer Error: Method control file must be specified with -o option",
-             "HtsAnnualizer Error: Input hts path environment variables could not be substituted:",
-             "HtsAnnualizer Error: Output hts path environment variables could not be substituted:",
-             "HtsAnnualizer Error: Method control path environment variables could not be "
-             "substituted:",
-             "HtsAnnualizer Error: Log file path environment variables could not be substituted:",
-             "HtsAnnualizer Error: Input hts file could not be opened for reading:",
-             "HtsAnnualizer Error: Output hts file could not be opened for writing:",
-             "HtsAnnualizer Error: Invalid end month for year specified with -y option:",
-             "HtsAnnualizer: Annual HTs file successfully created",
-         })
-        QTest::newRow(text) << QString::fromLatin1(text);
-}
-
-void TestHelpPage::hasMessage()
-{
-    QFETCH(QString, text);
-    const QVector<PageElement> codes = m_page.named(QStringLiteral("code"));
-    QVERIFY2(std::any_of(codes.begin(), codes.end(),
-                         [&](const PageElement& code) {
-                             return code.text.simplified().contains(text) &&
-                                    code.attributes.value(kId).startsWith(
-                                        QLatin1String("message-"));
-                         }),
-             "not in the page, or without a place that a link can lead to");
-
-    static const QString literals = [] {
-        QStringList all;
-        for (const QString& path : sourceFiles())
-            all += stringLiterals(sourceFile(path));
-        return all.join(QLatin1Char('\n'));
-    }();
-    QVERIFY2(literals.contains(text), "the program has no such text");
-}
-
-// A new message in the sources must be in the page, or be listed here.
-void TestHelpPage::hasEveryMessageOfTheSources()
-{
-    const QStringList noMessages = {
-        QStringLiteral("contains undefined environment variable(s):"),
-        QStringLiteral("HTS Files (*.hts);;All Files (*)"),
-        QStringLiteral("HTS Files (*.hts)"),
-        QStringLiteral("HTS Files (*.hts);;"),
-        QStringLiteral("All Files (*)"),
-        QStringLiteral("HTS Annualizer (v"),
-        QStringLiteral("Save Diagnostic Output"),
-        // of htstool alone
-        QStringLiteral("a line is longer than 64 MiB"),
-        // pieces of messages that the page has in full
-        QStringLiteral("in line \""),
-        QStringLiteral("HtsAnnualizer Error: Problem"),
-    };
-    const QString page = m_page.bodyText();
-    int count = 0;
-    QStringList missing;
-    for (const QString& path : sourceFiles()) {
-        for (QString text : messageTexts(sourceFile(path))) {
-            ++count;
-            text.remove(QLatin1Char('&')); // marks the key of a menu entry
-            if (!noMessages.contains(text) && !page.contains(text))
-                missing.append(QFileInfo(path).fileName() + QLatin1String(": ") + text);
-        }
-    }
-    QCOMPARE(missing.join(QLatin1Char('\n')), QString());
-    QVERIFY(count > 50);
-    for (const char* verb : {"opening", "writing"}) {
-        const QString text = QStringLiteral("HtsAnnualizer Error: Problem %1 log file named")
-                                 .arg(QLatin1String(verb));
-        QVERIFY2(page.contains(text), qPrintable(text));
-    }
-}
-
-void TestHelpPage::exampleGivesTheResultShown()
-{
-    AnnualizerRun run;
-    writeExample(m_page, run);
-    const QString command = QStringLiteral("HtsAnnualizer ") + kExampleArguments;
-    QVERIFY(m_page.codes().contains(command));
-    run.startShell(command);
-    QCOMPARE(run.exitCode, 0);
-    QCOMPARE(QString::fromUtf8(run.read(QStringLiteral("annual.hts"))),
-             m_page.textOf(QStringLiteral("example-result")));
-}
-
-void TestHelpPage::methodsGiveTheNumbersShown()
-{
-    QStringList methods;
-    for (const MethodRow& row : methodRows(m_page)) {
-        methods.append(row.method);
-        AnnualizerRun run;
-        run.write(QStringLiteral("a.hts"), m_page.textOf(QStringLiteral("example-input")).toUtf8());
-        run.write(QStringLiteral("c.txt"),
-                  QStringLiteral("Mill Creek.Flow: %1\n").arg(row.method).toUtf8());
-        run.start({QStringLiteral("-i"), QStringLiteral("a.hts"), QStringLiteral("-o"),
-                   QStringLiteral("b.hts"), QStringLiteral("-c"), QStringLiteral("c.txt"),
-                   QStringLiteral("-y"), QStringLiteral("9")});
-        QCOMPARE(run.exitCode, 0);
-        QVERIFY(run.read(QStringLiteral("b.hts")).contains("\nmethod: " + row.method.toUtf8()));
-        QCOMPARE(firstValues(run.read(QStringLiteral("b.hts"))), row.values);
-    }
-    QCOMPARE(methods, supportedMethods());
-}
-
-void TestHelpPage::shellExampleConvertsAFolder()
-{
-    AnnualizerRun run;
-    QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("daily"));
-    run.write(QStringLiteral("daily/my lake.hts"),
-              m_page.textOf(QStringLiteral("example-input")).toUtf8());
-    writeExample(m_page, run);
-    const QString example = m_page.textOf(QStringLiteral("shell-example"));
-    run.startShell(example);
-    QCOMPARE(run.errors, QByteArray());
-    QCOMPARE(run.output, QByteArray("daily/my lake.hts: done\n"));
-    QCOMPARE(run.exitCode, 0);
-
-    run.write(QStringLiteral("daily/none.hts"), "no HTS file\n");
-    run.startShell(example);
-    QCOMPARE(run.exitCode, 1);
-    const QStringList lines = QString::fromUtf8(run.output).split(QLatin1Char('\n'));
-    QCOMPARE(lines.value(0), QStringLiteral("daily/my lake.hts: done"));
-    QCOMPARE(lines.value(1), QStringLiteral("daily/none.hts: FAILED"));
-    QVERIFY(lines.contains(QStringLiteral("Cannot read package preamble")));
-    QCOMPARE(QString::fromUtf8(run.read(QStringLiteral("annual/my lake.hts"))),
-             m_page.textOf(QStringLiteral("example-result")));
-}
-
-void TestHelpPage::shellExampleReportsAnEmptyFolder()
-{
-    AnnualizerRun run;
-    QDir(run.path(QStringLiteral("."))).mkdir(QStringLiteral("daily"));
-    writeExample(m_page, run);
-    run.startShell(m_page.textOf(QStringLiteral("shell-example")));
-    QCOMPARE(run.errors, QByteArray());
-    QCOMPARE(run.output, QByteArray("no HTS files in daily\n"));
-    QCOMPARE(run.exitCode, 1);
-}
-
-void TestHelpPage::pipeExampleGivesTheResultShown()
-{
-    AnnualizerRun run;
-    writeExample(m_page, run);
-    run.startShell(QStringLiteral("gzip lake.hts"));
-    run.startShell(m_page.textOf(QStringLiteral("pipe-example")));
-    QCOMPARE(run.errors, QByteArray());
-    QCOMPARE(run.exitCode, 0);
-    run.startShell(QStringLiteral("zcat annual.hts.gz"));
-    QCOMPARE(QString::fromUtf8(run.output), m_page.textOf(QStringLiteral("example-result")));
-    QVERIFY(run.read(QStringLiteral("lake.log")).endsWith(kCreated));
-}
-
-void TestHelpPage::logOfTheExampleIsTheOneShown()
-{
-    AnnualizerRun run;
-    writeExample(m_page, run);
-    run.startShell(QStringLiteral("HtsAnnualizer ") + kExampleArguments);
-    const QByteArray shown = m_page.textOf(QStringLiteral("example-log")).toUtf8() + '\n';
-    QVERIFY(shown.contains("Fri Mar 1 09:30:00 2024"));
-    QCOMPARE(withoutTime(run.read(QStringLiteral("annual.log"))), withoutTime(shown));
-}
-
-void TestHelpPage::monthGluedToItsOptionIsIgnored_data()
-{
-    QTest::addColumn<QString>("arguments");
-    QTest::addColumn<QByteArray>("lastYear");
-    QTest::newRow("-y 9") << QStringLiteral("-y 9") << QByteArray("end:2001-9-30 24:00");
-    for (const char* glued : {"-y9", "-y=9"})
-        QTest::newRow(glued) << QString::fromLatin1(glued) << QByteArray("end:2001-12-31 24:00");
-}
-
-void TestHelpPage::monthGluedToItsOptionIsIgnored()
-{
-    QFETCH(QString, arguments);
-    QFETCH(QByteArray, lastYear);
-    QVERIFY(m_page.codes().contains(arguments));
-
-    AnnualizerRun run;
-    writeExample(m_page, run);
-    run.startShell(QStringLiteral("HtsAnnualizer -i lake.hts -c methods.txt -o annual.hts ") +
-                   arguments);
-    QCOMPARE(run.output, QByteArray());
-    QCOMPARE(run.errors, QByteArray());
-    QCOMPARE(run.exitCode, 0);
-    const QByteArrayList result = run.read(QStringLiteral("annual.hts")).split('\n');
-    QVERIFY(result.contains(lastYear));
-}
 
 HTS_TEST(TestHelpPage, QCoreApplication)
 #include "tst_helppage.moc"

@@ -39,63 +39,58 @@ class TestManExamples : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void programConvertsTheExample();
-    void programReadsACompressedFile();
-    void toolChecksAndExportsTheExample();
-    void formatExampleIsReadAsItSays();
+    void programConvertsTheExample()
+    {
+        AnnualizerRun run;
+        makeExampleFolder(run);
+        run.startShell(typed(run, examples("HtsAnnualizer.1").value(0)));
+        QCOMPARE(run.output + run.errors, QByteArray());
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.read(QStringLiteral("tmp/annual.hts")),
+                 sourceFile(QStringLiteral("tests/app/golden/rivers_september.expected")));
+    }
+
+    void programReadsACompressedFile()
+    {
+        QCOMPARE(examples("HtsAnnualizer.1").size(), 2);
+        AnnualizerRun run;
+        makeExampleFolder(run);
+        run.startShell(QStringLiteral("gzip -c examples/basins_monthly.hts >big.hts.gz; "
+                                      "cp examples/basins_monthly_methods.txt methods.txt"));
+        run.startShell(typed(run, examples("HtsAnnualizer.1").value(1)));
+        QCOMPARE(run.output + run.errors, QByteArray());
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.read(QStringLiteral("annual.hts")),
+                 sourceFile(QStringLiteral("tests/app/golden/basins_december.expected")));
+    }
+
+    void toolChecksAndExportsTheExample()
+    {
+        QCOMPARE(examples("htstool.1").size(), 1);
+        AnnualizerRun run;
+        makeExampleFolder(run);
+        run.startShell(typed(run, examples("htstool.1").value(0)));
+        QVERIFY(run.output.contains(": plan: Choptank.Flow: Average, rule of line 4\n"));
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(run.read(QStringLiteral("tmp/rivers.csv")).startsWith("run,trace,time,"));
+    }
+
+    void formatExampleIsReadAsItSays()
+    {
+        QCOMPARE(examples("hts.5").size(), 1);
+        AnnualizerRun run;
+        makeExampleFolder(run);
+        run.write(QStringLiteral("a.hts"), examples("hts.5").value(0).toUtf8());
+        // Three months are no year, and one value is missing; nothing else is wrong.
+        run.startShell(QStringLiteral("htstool check a.hts | grep -o '[[][a-z-]*[]]$'"));
+        QCOMPARE(run.output, QByteArray("[no-complete-year]\n[missing-values]\n"));
+        run.startShell(QStringLiteral("htstool export --wide -o - a.hts"));
+        QCOMPARE(run.output.replace('\r', ""), QByteArray("run,trace,time,Lake A.Outflow [cms]\n"
+                                                          "1,,2000-02-01T00:00:00,12.5\n"
+                                                          "1,,2000-03-01T00:00:00,\n"
+                                                          "1,,2000-04-01T00:00:00,14\n"));
+    }
 };
-
-void TestManExamples::programConvertsTheExample()
-{
-    AnnualizerRun run;
-    makeExampleFolder(run);
-    run.startShell(typed(run, examples("HtsAnnualizer.1").value(0)));
-    QCOMPARE(run.output + run.errors, QByteArray());
-    QCOMPARE(run.exitCode, 0);
-    QCOMPARE(run.read(QStringLiteral("tmp/annual.hts")),
-             sourceFile(QStringLiteral("tests/app/golden/rivers_september.expected")));
-}
-
-void TestManExamples::programReadsACompressedFile()
-{
-    QCOMPARE(examples("HtsAnnualizer.1").size(), 2);
-    AnnualizerRun run;
-    makeExampleFolder(run);
-    run.startShell(QStringLiteral("gzip -c examples/basins_monthly.hts >big.hts.gz; "
-                                  "cp examples/basins_monthly_methods.txt methods.txt"));
-    run.startShell(typed(run, examples("HtsAnnualizer.1").value(1)));
-    QCOMPARE(run.output + run.errors, QByteArray());
-    QCOMPARE(run.exitCode, 0);
-    QCOMPARE(run.read(QStringLiteral("annual.hts")),
-             sourceFile(QStringLiteral("tests/app/golden/basins_december.expected")));
-}
-
-void TestManExamples::toolChecksAndExportsTheExample()
-{
-    QCOMPARE(examples("htstool.1").size(), 1);
-    AnnualizerRun run;
-    makeExampleFolder(run);
-    run.startShell(typed(run, examples("htstool.1").value(0)));
-    QVERIFY(run.output.contains(": plan: Choptank.Flow: Average, rule of line 4\n"));
-    QCOMPARE(run.exitCode, 0);
-    QVERIFY(run.read(QStringLiteral("tmp/rivers.csv")).startsWith("run,trace,time,"));
-}
-
-void TestManExamples::formatExampleIsReadAsItSays()
-{
-    QCOMPARE(examples("hts.5").size(), 1);
-    AnnualizerRun run;
-    makeExampleFolder(run);
-    run.write(QStringLiteral("a.hts"), examples("hts.5").value(0).toUtf8());
-    // Three months are no year, and one value is missing; nothing else is wrong.
-    run.startShell(QStringLiteral("htstool check a.hts | grep -o '[[][a-z-]*[]]$'"));
-    QCOMPARE(run.output, QByteArray("[no-complete-year]\n[missing-values]\n"));
-    run.startShell(QStringLiteral("htstool export --wide -o - a.hts"));
-    QCOMPARE(run.output.replace('\r', ""), QByteArray("run,trace,time,Lake A.Outflow [cms]\n"
-                                                      "1,,2000-02-01T00:00:00,12.5\n"
-                                                      "1,,2000-03-01T00:00:00,\n"
-                                                      "1,,2000-04-01T00:00:00,14\n"));
-}
 
 HTS_TEST(TestManExamples, QCoreApplication)
 

@@ -51,221 +51,209 @@ class TestReadme : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyBlockIsTested();
-    void everyTerminalHasATest_data();
-    void everyTerminalHasATest();
-    void conversionGivesTheLinesShown();
-    void failureShowsWhatIsShown();
-    void pipesGiveTheSameResult();
-    void checkShowsWhatIsShown();
-    void uncheckedFileGivesTheAverageShown();
-    void exampleCommandGivesTheComputedResult();
-    void pandasReadsTheExport();
-    void resultIsDrawn();
-    void saferCommandsConvert();
+    void everyBlockIsTested()
+    {
+        QByteArrayList starts;
+        for (const QByteArray& block : m_blocks)
+            starts.append(block.split(' ').first());
+        QCOMPARE(starts.join('|'),
+                 QByteArray("git|scripts/test|"
+                            "build/release/app/HtsAnnualizer|object_type:|"
+                            "Choptank.Volume.Daily:|units:|cat|$|(cd|pond.hts:32:|export"));
+    }
+
+    void everyTerminalHasATest_data()
+    {
+        QTest::addColumn<QString>("document");
+        const QString root = QStringLiteral(SOURCE_DIR "/");
+        for (const char* folder : {"", "docs/", "examples/"}) {
+            for (const QString& name :
+                 QDir(root + QLatin1String(folder)).entryList({QStringLiteral("*.md")}))
+                QTest::newRow(qPrintable(QLatin1String(folder) + name))
+                    << QLatin1String(folder) + name;
+        }
+    }
+
+    // A terminal is a block that shows commands and what they print. A new one needs a test that
+    // types it; this one only counts.
+    void everyTerminalHasATest()
+    {
+        const QMap<QString, int> tested = {
+            {QStringLiteral("README.md"), 1},            // here
+            {QStringLiteral("docs/hts-format.md"), 4},   // tst_formatdocs
+            {QStringLiteral("docs/control-file.md"), 5}, // tst_formatdocs
+            {QStringLiteral("docs/htstool.md"), 1},      // tst_tooldoc
+            {QStringLiteral("docs/batch.md"), 3},        // tst_batch, and tests/examples/test-slurm
+        };
+        QFETCH(QString, document);
+        int terminals = 0;
+        for (const QByteArray& block : codeBlocks(sourceFile(document)))
+            terminals += block.startsWith("$ ") || block.contains("\n$ ") ? 1 : 0;
+        QCOMPARE(terminals, tested.value(document));
+    }
+
+    void conversionGivesTheLinesShown()
+    {
+        QVERIFY(hasLines(example("rivers_daily.hts"), block("object_type: ")));
+        QCOMPARE(block("Choptank.Volume.Daily: ") + '\n', example("rivers_daily_methods.txt"));
+
+        AnnualizerRun run;
+        makeSourceTree(run);
+        run.startShell(QString::fromUtf8(block("build/release/app/HtsAnnualizer ")));
+        QCOMPARE(run.errors, QByteArray());
+        QCOMPARE(run.output, QByteArray());
+        QCOMPARE(run.exitCode, 0);
+        const QByteArray result = run.read(QStringLiteral("build/rivers_annual.hts"));
+        QCOMPARE(result, golden("rivers_september.expected"));
+        QVERIFY(hasLines(result, block("units: ")));
+        QVERIFY(run.read(QStringLiteral("build/rivers_annual.log")).endsWith(kCreated));
+    }
+
+    void failureShowsWhatIsShown()
+    {
+        AnnualizerRun run;
+        makeSourceTree(run);
+        QByteArrayList console;
+        for (const QByteArray& line : block("$ ").split('\n')) {
+            if (!line.startsWith("$ "))
+                continue;
+            run.startShell(QString::fromUtf8(line.mid(2)));
+            QCOMPARE(run.errors, QByteArray());
+            console << line << asShown(run.output);
+        }
+        QCOMPARE(console.join('\n'), block("$ "));
+    }
+
+    void pipesGiveTheSameResult()
+    {
+        AnnualizerRun run;
+        makeSourceTree(run);
+        run.startShell(QString::fromUtf8(block("cat ")));
+        QCOMPARE(run.errors, QByteArray());
+        QCOMPARE(run.output, QByteArray());
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.read(QStringLiteral("build/piped.hts")), golden("rivers_september.expected"));
+        QVERIFY(run.read(QStringLiteral("build/piped.log")).endsWith(kCreated));
+    }
+
+    void checkShowsWhatIsShown()
+    {
+        AnnualizerRun run;
+        makeSourceTree(run);
+        const QString files = QStringLiteral("tests/tool/files/");
+        QVERIFY(QDir(run.path(QStringLiteral("."))).mkpath(files));
+        for (const char* name : {"pond.hts", "pond_methods.txt"}) {
+            const QString path = files + QLatin1String(name);
+            run.write(path, sourceFile(path));
+        }
+        run.startShell(QString::fromUtf8(block("(cd ")));
+        QCOMPARE(asShown(run.output), block("pond.hts:32: "));
+        QCOMPARE(run.exitCode, 1);
+    }
+
+    void uncheckedFileGivesTheAverageShown()
+    {
+        AnnualizerRun run;
+        run.startShell(QStringLiteral("$PROGRAM -i '" SOURCE_DIR
+                                      "/tests/tool/files/pond.hts' -c '" SOURCE_DIR
+                                      "/tests/tool/files/pond_methods.txt' -o annual.hts"));
+        QCOMPARE(run.output + run.errors, QByteArray());
+        QCOMPARE(run.exitCode, 0);
+        const QByteArray text = sourceFile(QStringLiteral("docs/htstool.md"));
+        const int begin = text.indexOf("the average of 2022 is\n") + 23;
+        const QByteArray shown = text.mid(begin, text.indexOf(".\n", begin) - begin);
+        const QByteArrayList lines = run.read(QStringLiteral("annual.hts")).split('\n');
+        // Of the years 2021, 2022 and 2023 that slot has one value each.
+        QCOMPARE(lines.value(lines.indexOf("method: Average") + 2), shown);
+    }
+
+    void exampleCommandGivesTheComputedResult()
+    {
+        const QByteArrayList blocks = codeBlocks(sourceFile(QStringLiteral("examples/README.md")));
+        QCOMPARE(blocks.size(), 1);
+        AnnualizerRun run;
+        makeSourceTree(run);
+        run.startShell(QString::fromUtf8(blocks.first()));
+        QCOMPARE(run.errors, QByteArray());
+        QCOMPARE(run.output, QByteArray());
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.read(QStringLiteral("build/basins_annual.hts")),
+                 golden("basins_december.expected"));
+    }
+
+    void pandasReadsTheExport()
+    {
+        QByteArray program;
+        for (const QByteArray& block : codeBlocks(sourceFile(QStringLiteral("docs/htstool.md")))) {
+            if (block.startsWith("table = pandas."))
+                program = block;
+        }
+        const int lastLine = program.lastIndexOf('\n') + 1;
+        QVERIFY(lastLine > 0);
+        AnnualizerRun run;
+        writeInputs(run);
+        run.write(QStringLiteral("mean.py"), "import pandas\n" + program.left(lastLine) + "print(" +
+                                                 program.mid(lastLine) + ".to_dict())\n");
+        run.startShell(QStringLiteral("'" HTSTOOL "' export -o flows.csv a.hts && "
+                                      "/usr/bin/python3 mean.py"));
+        QCOMPARE(run.errors, QByteArray());
+        QCOMPARE(run.output, QByteArray("{'Lake A': 12.5}\n"));
+    }
+
+    // The commands of docs/reliability.md that keep an old result, and conversions, from each
+    // other.
+    void resultIsDrawn()
+    {
+        AnnualizerRun run;
+        makeSourceTree(run);
+        // Debian's Python has the packages.
+        run.environment.insert(QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin"));
+        run.environment.insert(QStringLiteral("HOME"), run.path(QStringLiteral("home")));
+        run.startShell(QString::fromUtf8(block("build/release/app/HtsAnnualizer ")));
+        const QString draw = QString::fromUtf8(block("export "));
+        for (const QString& command :
+             {draw,
+              QString(draw).replace(QLatin1String("plot.py"), QLatin1String("plot-gnuplot"))}) {
+            run.startShell(QStringLiteral("rm -f build/plot.png\n") + command);
+            QCOMPARE(run.errors, QByteArray());
+            QCOMPARE(run.exitCode, 0);
+            QVERIFY(run.read(QStringLiteral("build/plot.png")).startsWith("\x89PNG"));
+        }
+    }
+
+    void saferCommandsConvert()
+    {
+        const QByteArrayList blocks = codeBlocks(sourceFile(QStringLiteral("docs/reliability.md")));
+        QCOMPARE(blocks.size(), 2);
+        for (const QByteArray& block : blocks) {
+            AnnualizerRun run;
+            writeInputs(run);
+            run.environment.insert(QStringLiteral("PATH"),
+                                   QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path() +
+                                       QStringLiteral(":/usr/bin:/bin"));
+            run.startShell(QString::fromUtf8(block));
+            QCOMPARE(run.output + run.errors, QByteArray());
+            QCOMPARE(run.exitCode, 0);
+            QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+            QVERIFY(!run.exists(QStringLiteral("b.new")));
+            QVERIFY(run.read(QStringLiteral("b.log")).endsWith(kCreated));
+        }
+    }
 
 private:
     // The only block that begins with `start`; empty when there is none, or more than one.
-    QByteArray block(const QByteArray& start) const;
+    QByteArray block(const QByteArray& start) const
+    {
+        QByteArrayList found;
+        for (const QByteArray& block : m_blocks) {
+            if (block.startsWith(start))
+                found.append(block);
+        }
+        return found.size() == 1 ? found.first() : QByteArray();
+    }
 
     QByteArrayList m_blocks = codeBlocks(sourceFile(QStringLiteral("README.md")));
 };
-
-QByteArray TestReadme::block(const QByteArray& start) const
-{
-    QByteArrayList found;
-    for (const QByteArray& block : m_blocks) {
-        if (block.startsWith(start))
-            found.append(block);
-    }
-    return found.size() == 1 ? found.first() : QByteArray();
-}
-
-void TestReadme::everyBlockIsTested()
-{
-    QByteArrayList starts;
-    for (const QByteArray& block : m_blocks)
-        starts.append(block.split(' ').first());
-    QCOMPARE(starts.join('|'),
-             QByteArray("git|scripts/test|"
-                        "build/release/app/HtsAnnualizer|object_type:|"
-                        "Choptank.Volume.Daily:|units:|cat|$|(cd|pond.hts:32:|export"));
-}
-
-void TestReadme::everyTerminalHasATest_data()
-{
-    QTest::addColumn<QString>("document");
-    const QString root = QStringLiteral(SOURCE_DIR "/");
-    for (const char* folder : {"", "docs/", "examples/"}) {
-        for (const QString& name :
-             QDir(root + QLatin1String(folder)).entryList({QStringLiteral("*.md")}))
-            QTest::newRow(qPrintable(QLatin1String(folder) + name)) << QLatin1String(folder) + name;
-    }
-}
-
-// A terminal is a block that shows commands and what they print. A new one needs a test that types
-// it; this one only counts.
-void TestReadme::everyTerminalHasATest()
-{
-    const QMap<QString, int> tested = {
-        {QStringLiteral("README.md"), 1},            // here
-        {QStringLiteral("docs/hts-format.md"), 4},   // tst_formatdocs
-        {QStringLiteral("docs/control-file.md"), 5}, // tst_formatdocs
-        {QStringLiteral("docs/htstool.md"), 1},      // tst_tooldoc
-        {QStringLiteral("docs/batch.md"), 3},        // tst_batch, and tests/examples/test-slurm
-    };
-    QFETCH(QString, document);
-    int terminals = 0;
-    for (const QByteArray& block : codeBlocks(sourceFile(document)))
-        terminals += block.startsWith("$ ") || block.contains("\n$ ") ? 1 : 0;
-    QCOMPARE(terminals, tested.value(document));
-}
-
-void TestReadme::conversionGivesTheLinesShown()
-{
-    QVERIFY(hasLines(example("rivers_daily.hts"), block("object_type: ")));
-    QCOMPARE(block("Choptank.Volume.Daily: ") + '\n', example("rivers_daily_methods.txt"));
-
-    AnnualizerRun run;
-    makeSourceTree(run);
-    run.startShell(QString::fromUtf8(block("build/release/app/HtsAnnualizer ")));
-    QCOMPARE(run.errors, QByteArray());
-    QCOMPARE(run.output, QByteArray());
-    QCOMPARE(run.exitCode, 0);
-    const QByteArray result = run.read(QStringLiteral("build/rivers_annual.hts"));
-    QCOMPARE(result, golden("rivers_september.expected"));
-    QVERIFY(hasLines(result, block("units: ")));
-    QVERIFY(run.read(QStringLiteral("build/rivers_annual.log")).endsWith(kCreated));
-}
-
-void TestReadme::failureShowsWhatIsShown()
-{
-    AnnualizerRun run;
-    makeSourceTree(run);
-    QByteArrayList console;
-    for (const QByteArray& line : block("$ ").split('\n')) {
-        if (!line.startsWith("$ "))
-            continue;
-        run.startShell(QString::fromUtf8(line.mid(2)));
-        QCOMPARE(run.errors, QByteArray());
-        console << line << asShown(run.output);
-    }
-    QCOMPARE(console.join('\n'), block("$ "));
-}
-
-void TestReadme::pipesGiveTheSameResult()
-{
-    AnnualizerRun run;
-    makeSourceTree(run);
-    run.startShell(QString::fromUtf8(block("cat ")));
-    QCOMPARE(run.errors, QByteArray());
-    QCOMPARE(run.output, QByteArray());
-    QCOMPARE(run.exitCode, 0);
-    QCOMPARE(run.read(QStringLiteral("build/piped.hts")), golden("rivers_september.expected"));
-    QVERIFY(run.read(QStringLiteral("build/piped.log")).endsWith(kCreated));
-}
-
-void TestReadme::checkShowsWhatIsShown()
-{
-    AnnualizerRun run;
-    makeSourceTree(run);
-    const QString files = QStringLiteral("tests/tool/files/");
-    QVERIFY(QDir(run.path(QStringLiteral("."))).mkpath(files));
-    for (const char* name : {"pond.hts", "pond_methods.txt"}) {
-        const QString path = files + QLatin1String(name);
-        run.write(path, sourceFile(path));
-    }
-    run.startShell(QString::fromUtf8(block("(cd ")));
-    QCOMPARE(asShown(run.output), block("pond.hts:32: "));
-    QCOMPARE(run.exitCode, 1);
-}
-
-void TestReadme::uncheckedFileGivesTheAverageShown()
-{
-    AnnualizerRun run;
-    run.startShell(QStringLiteral("$PROGRAM -i '" SOURCE_DIR
-                                  "/tests/tool/files/pond.hts' -c '" SOURCE_DIR
-                                  "/tests/tool/files/pond_methods.txt' -o annual.hts"));
-    QCOMPARE(run.output + run.errors, QByteArray());
-    QCOMPARE(run.exitCode, 0);
-    const QByteArray text = sourceFile(QStringLiteral("docs/htstool.md"));
-    const int begin = text.indexOf("the average of 2022 is\n") + 23;
-    const QByteArray shown = text.mid(begin, text.indexOf(".\n", begin) - begin);
-    const QByteArrayList lines = run.read(QStringLiteral("annual.hts")).split('\n');
-    // Of the years 2021, 2022 and 2023 that slot has one value each.
-    QCOMPARE(lines.value(lines.indexOf("method: Average") + 2), shown);
-}
-
-void TestReadme::exampleCommandGivesTheComputedResult()
-{
-    const QByteArrayList blocks = codeBlocks(sourceFile(QStringLiteral("examples/README.md")));
-    QCOMPARE(blocks.size(), 1);
-    AnnualizerRun run;
-    makeSourceTree(run);
-    run.startShell(QString::fromUtf8(blocks.first()));
-    QCOMPARE(run.errors, QByteArray());
-    QCOMPARE(run.output, QByteArray());
-    QCOMPARE(run.exitCode, 0);
-    QCOMPARE(run.read(QStringLiteral("build/basins_annual.hts")),
-             golden("basins_december.expected"));
-}
-
-void TestReadme::pandasReadsTheExport()
-{
-    QByteArray program;
-    for (const QByteArray& block : codeBlocks(sourceFile(QStringLiteral("docs/htstool.md")))) {
-        if (block.startsWith("table = pandas."))
-            program = block;
-    }
-    const int lastLine = program.lastIndexOf('\n') + 1;
-    QVERIFY(lastLine > 0);
-    AnnualizerRun run;
-    writeInputs(run);
-    run.write(QStringLiteral("mean.py"), "import pandas\n" + program.left(lastLine) + "print(" +
-                                             program.mid(lastLine) + ".to_dict())\n");
-    run.startShell(QStringLiteral("'" HTSTOOL "' export -o flows.csv a.hts && "
-                                  "/usr/bin/python3 mean.py"));
-    QCOMPARE(run.errors, QByteArray());
-    QCOMPARE(run.output, QByteArray("{'Lake A': 12.5}\n"));
-}
-
-// The commands of docs/reliability.md that keep an old result, and conversions, from each other.
-void TestReadme::resultIsDrawn()
-{
-    AnnualizerRun run;
-    makeSourceTree(run);
-    // Debian's Python has the packages.
-    run.environment.insert(QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin"));
-    run.environment.insert(QStringLiteral("HOME"), run.path(QStringLiteral("home")));
-    run.startShell(QString::fromUtf8(block("build/release/app/HtsAnnualizer ")));
-    const QString draw = QString::fromUtf8(block("export "));
-    for (const QString& command :
-         {draw, QString(draw).replace(QLatin1String("plot.py"), QLatin1String("plot-gnuplot"))}) {
-        run.startShell(QStringLiteral("rm -f build/plot.png\n") + command);
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 0);
-        QVERIFY(run.read(QStringLiteral("build/plot.png")).startsWith("\x89PNG"));
-    }
-}
-
-void TestReadme::saferCommandsConvert()
-{
-    const QByteArrayList blocks = codeBlocks(sourceFile(QStringLiteral("docs/reliability.md")));
-    QCOMPARE(blocks.size(), 2);
-    for (const QByteArray& block : blocks) {
-        AnnualizerRun run;
-        writeInputs(run);
-        run.environment.insert(QStringLiteral("PATH"),
-                               QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path() +
-                                   QStringLiteral(":/usr/bin:/bin"));
-        run.startShell(QString::fromUtf8(block));
-        QCOMPARE(run.output + run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 0);
-        QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
-        QVERIFY(!run.exists(QStringLiteral("b.new")));
-        QVERIFY(run.read(QStringLiteral("b.log")).endsWith(kCreated));
-    }
-}
 
 HTS_TEST(TestReadme, QCoreApplication)
 

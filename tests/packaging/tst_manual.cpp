@@ -133,150 +133,138 @@ class TestManual : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void programPageListsItsOptions();
-    void programPageNamesItsMethods();
-    void toolPageListsItsOptions_data();
-    void toolPageListsItsOptions();
-    void completionOffersTheProgramsOptions();
-    void completionOffersTheToolsOptions_data();
-    void completionOffersTheToolsOptions();
-    void completionOffersValues_data();
-    void completionOffersValues();
-    void readmeHasTheVersions();
-    void copyrightHasTheLicencesOfTheData();
+    void programPageListsItsOptions()
+    {
+        QStringList expected;
+        for (const Option& option : kOptions) {
+            QString tag = QLatin1Char('-') + QString(QLatin1Char(option.letter));
+            if (!option.isFlag())
+                tag += QLatin1Char(' ') + QLatin1String(option.valueName);
+            expected.append(tag);
+        }
+        QCOMPARE(tags(manPage(QStringLiteral("HtsAnnualizer.1")), QStringLiteral("OPTIONS")),
+                 expected);
+    }
+
+    void programPageNamesItsMethods()
+    {
+        const QString page = manPage(QStringLiteral("HtsAnnualizer.1"));
+        for (const AggMethod& method : aggMethods()) {
+            QString word = method.word;
+            word.replace(QLatin1String("NaN"), QLatin1String("Nan")); // as the usage text has it
+            const QRegularExpression name(QStringLiteral("^\\.BR? %1( ,)?$").arg(word),
+                                          QRegularExpression::MultilineOption);
+            QVERIFY2(page.contains(name) == method.isSupported(), qPrintable(word));
+        }
+    }
+
+    void toolPageListsItsOptions_data()
+    {
+        addColumns<QString, QStringList, QStringList>("heading", "arguments", "listedElsewhere");
+
+        QTest::newRow("of both") << QStringLiteral("OPTIONS") << QStringList{kHelp}
+                                 << QStringList{};
+        for (const char* command : {"check", "export"}) {
+            QTest::newRow(command)
+                << QStringLiteral("Options of ") + QLatin1String(command)
+                << QStringList{QLatin1String(command), kHelp} << QStringList{kHelpOption};
+        }
+    }
+
+    void toolPageListsItsOptions()
+    {
+        QFETCH(const QString, heading);
+        QFETCH(const QStringList, arguments);
+        QFETCH(const QStringList, listedElsewhere);
+        const QStringList listed = tags(manPage(QStringLiteral("htstool.1")), heading);
+        QCOMPARE(listed + listedElsewhere, listedOptions(toolOutput(arguments)));
+        QVERIFY(listed.size() > 1);
+    }
+
+    void completionOffersTheProgramsOptions()
+    {
+        QStringList expected;
+        for (const Option& option : kOptions)
+            expected.append(QLatin1Char('-') + QString(QLatin1Char(option.letter)));
+        QCOMPARE(offeredByProgram({QString()}), expected);
+    }
+
+    void completionOffersTheToolsOptions_data()
+    {
+        QTest::addColumn<QStringList>("command");
+
+        QTest::newRow("check") << QStringList{QStringLiteral("check")};
+        QTest::newRow("export") << QStringList{QStringLiteral("export")};
+    }
+
+    void completionOffersTheToolsOptions()
+    {
+        QFETCH(const QStringList, command);
+        const QStringList options = listedOptions(toolOutput(command + QStringList{kHelp}));
+        QCOMPARE(offeredByTool(command + QStringList{QStringLiteral("-")}),
+                 spellings(options) + kVersionSpellings);
+        QVERIFY(offeredByTool({QString()}).contains(command.first()));
+    }
+
+    void completionOffersValues_data()
+    {
+        addColumns<bool, QString, QString>("isTool", "words", "expected");
+
+        const QString months = QStringLiteral("1 2 3 4 5 6 7 8 9 10 11 12");
+        const QString file = QStringLiteral("basins_monthly.hts");
+        QTest::newRow("a file") << false << QStringLiteral("-i basins_monthly.h") << file;
+        QTest::newRow("a month") << false << QStringLiteral("-y ") << months;
+        QTest::newRow("a file to check")
+            << true << QStringLiteral("check basins_monthly.h") << file;
+        QTest::newRow("a control file") << true << QStringLiteral("check --control basins_monthly_")
+                                        << QStringLiteral("basins_monthly_methods.txt");
+        QTest::newRow("a month to check") << true << QStringLiteral("check --end-month ") << months;
+        QTest::newRow("what may be missing")
+            << true << QStringLiteral("check --max-missing ") << QStringLiteral("wmo");
+        QTest::newRow("a format") << true << QStringLiteral("check -f j") << QStringLiteral("json");
+        QTest::newRow("a run") << true << QStringLiteral("export -r ") << QString();
+    }
+
+    void completionOffersValues()
+    {
+        QFETCH(const bool, isTool);
+        QFETCH(const QString, words);
+        QFETCH(const QString, expected);
+        const QStringList line = words.split(QLatin1Char(' '));
+        QCOMPARE((isTool ? offeredByTool(line) : offeredByProgram(line)).join(QLatin1Char(' ')),
+                 expected);
+    }
+
+    void readmeHasTheVersions()
+    {
+        const QString package = QStringLiteral(PACKAGE_VERSION);
+        QCOMPARE(toolOutput({QStringLiteral("--version")}),
+                 QStringLiteral("htstool %1\n").arg(package));
+        const QString readme = sourceText(QStringLiteral("README.md"));
+        QVERIFY(readme.contains(
+            QStringLiteral("| the package, and `htstool --version` | %1 |\n").arg(package)));
+        for (const char* file :
+             {"htsannualizer_%1-1_amd64.deb", "htsannualizer-%1-Linux-x86_64.tar.gz"})
+            QVERIFY2(readme.contains(QString::fromLatin1(file).arg(package)), file);
+        // Tests of the window and of the command line know these by themselves.
+        QVERIFY(readme.contains(QLatin1String("| the window, in its title | 1.1 |\n")));
+        QVERIFY(readme.contains(QLatin1String("| the command line, `HtsAnnualizer -v` | 1.0 |\n")));
+    }
+
+    // README of the examples ends the source of a number with its licence.
+    void copyrightHasTheLicencesOfTheData()
+    {
+        const QString copyright = sourceText(QStringLiteral("packaging/debian/copyright.in"));
+        for (const char* licence : {"Open Government Licence - Canada", "CC BY"}) {
+            QVERIFY2(
+                sourceText(QStringLiteral("examples/README.md")).contains(QLatin1String(licence)),
+                licence);
+            const QString name =
+                QString(QLatin1String(licence)).replace(QLatin1String("CC "), QLatin1String("CC-"));
+            QVERIFY2(copyright.contains(name), licence);
+        }
+    }
 };
-
-void TestManual::programPageListsItsOptions()
-{
-    QStringList expected;
-    for (const Option& option : kOptions) {
-        QString tag = QLatin1Char('-') + QString(QLatin1Char(option.letter));
-        if (!option.isFlag())
-            tag += QLatin1Char(' ') + QLatin1String(option.valueName);
-        expected.append(tag);
-    }
-    QCOMPARE(tags(manPage(QStringLiteral("HtsAnnualizer.1")), QStringLiteral("OPTIONS")), expected);
-}
-
-void TestManual::programPageNamesItsMethods()
-{
-    const QString page = manPage(QStringLiteral("HtsAnnualizer.1"));
-    for (const AggMethod& method : aggMethods()) {
-        QString word = method.word;
-        word.replace(QLatin1String("NaN"), QLatin1String("Nan")); // as the usage text has it
-        const QRegularExpression name(QStringLiteral("^\\.BR? %1( ,)?$").arg(word),
-                                      QRegularExpression::MultilineOption);
-        QVERIFY2(page.contains(name) == method.isSupported(), qPrintable(word));
-    }
-}
-
-void TestManual::toolPageListsItsOptions_data()
-{
-    QTest::addColumn<QString>("heading");
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QStringList>("listedElsewhere");
-
-    QTest::newRow("of both") << QStringLiteral("OPTIONS") << QStringList{kHelp} << QStringList{};
-    for (const char* command : {"check", "export"}) {
-        QTest::newRow(command) << QStringLiteral("Options of ") + QLatin1String(command)
-                               << QStringList{QLatin1String(command), kHelp}
-                               << QStringList{kHelpOption};
-    }
-}
-
-void TestManual::toolPageListsItsOptions()
-{
-    QFETCH(const QString, heading);
-    QFETCH(const QStringList, arguments);
-    QFETCH(const QStringList, listedElsewhere);
-    const QStringList listed = tags(manPage(QStringLiteral("htstool.1")), heading);
-    QCOMPARE(listed + listedElsewhere, listedOptions(toolOutput(arguments)));
-    QVERIFY(listed.size() > 1);
-}
-
-void TestManual::completionOffersTheProgramsOptions()
-{
-    QStringList expected;
-    for (const Option& option : kOptions)
-        expected.append(QLatin1Char('-') + QString(QLatin1Char(option.letter)));
-    QCOMPARE(offeredByProgram({QString()}), expected);
-}
-
-void TestManual::completionOffersTheToolsOptions_data()
-{
-    QTest::addColumn<QStringList>("command");
-
-    QTest::newRow("check") << QStringList{QStringLiteral("check")};
-    QTest::newRow("export") << QStringList{QStringLiteral("export")};
-}
-
-void TestManual::completionOffersTheToolsOptions()
-{
-    QFETCH(const QStringList, command);
-    const QStringList options = listedOptions(toolOutput(command + QStringList{kHelp}));
-    QCOMPARE(offeredByTool(command + QStringList{QStringLiteral("-")}),
-             spellings(options) + kVersionSpellings);
-    QVERIFY(offeredByTool({QString()}).contains(command.first()));
-}
-
-void TestManual::completionOffersValues_data()
-{
-    QTest::addColumn<bool>("isTool");
-    QTest::addColumn<QString>("words");
-    QTest::addColumn<QString>("expected");
-
-    const QString months = QStringLiteral("1 2 3 4 5 6 7 8 9 10 11 12");
-    const QString file = QStringLiteral("basins_monthly.hts");
-    QTest::newRow("a file") << false << QStringLiteral("-i basins_monthly.h") << file;
-    QTest::newRow("a month") << false << QStringLiteral("-y ") << months;
-    QTest::newRow("a file to check") << true << QStringLiteral("check basins_monthly.h") << file;
-    QTest::newRow("a control file") << true << QStringLiteral("check --control basins_monthly_")
-                                    << QStringLiteral("basins_monthly_methods.txt");
-    QTest::newRow("a month to check") << true << QStringLiteral("check --end-month ") << months;
-    QTest::newRow("what may be missing")
-        << true << QStringLiteral("check --max-missing ") << QStringLiteral("wmo");
-    QTest::newRow("a format") << true << QStringLiteral("check -f j") << QStringLiteral("json");
-    QTest::newRow("a run") << true << QStringLiteral("export -r ") << QString();
-}
-
-void TestManual::completionOffersValues()
-{
-    QFETCH(const bool, isTool);
-    QFETCH(const QString, words);
-    QFETCH(const QString, expected);
-    const QStringList line = words.split(QLatin1Char(' '));
-    QCOMPARE((isTool ? offeredByTool(line) : offeredByProgram(line)).join(QLatin1Char(' ')),
-             expected);
-}
-
-void TestManual::readmeHasTheVersions()
-{
-    const QString package = QStringLiteral(PACKAGE_VERSION);
-    QCOMPARE(toolOutput({QStringLiteral("--version")}),
-             QStringLiteral("htstool %1\n").arg(package));
-    const QString readme = sourceText(QStringLiteral("README.md"));
-    QVERIFY(readme.contains(
-        QStringLiteral("| the package, and `htstool --version` | %1 |\n").arg(package)));
-    for (const char* file :
-         {"htsannualizer_%1-1_amd64.deb", "htsannualizer-%1-Linux-x86_64.tar.gz"})
-        QVERIFY2(readme.contains(QString::fromLatin1(file).arg(package)), file);
-    // Tests of the window and of the command line know these by themselves.
-    QVERIFY(readme.contains(QLatin1String("| the window, in its title | 1.1 |\n")));
-    QVERIFY(readme.contains(QLatin1String("| the command line, `HtsAnnualizer -v` | 1.0 |\n")));
-}
-
-// README of the examples ends the source of a number with its licence.
-void TestManual::copyrightHasTheLicencesOfTheData()
-{
-    const QString copyright = sourceText(QStringLiteral("packaging/debian/copyright.in"));
-    for (const char* licence : {"Open Government Licence - Canada", "CC BY"}) {
-        QVERIFY2(sourceText(QStringLiteral("examples/README.md")).contains(QLatin1String(licence)),
-                 licence);
-        const QString name =
-            QString(QLatin1String(licence)).replace(QLatin1String("CC "), QLatin1String("CC-"));
-        QVERIFY2(copyright.contains(name), licence);
-    }
-}
 
 HTS_TEST(TestManual, QCoreApplication)
 
