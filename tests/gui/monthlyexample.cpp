@@ -26,6 +26,19 @@ QByteArray series(const QByteArray& unit, const QByteArray& values)
     return "units: " + unit + "\nscale: 1\n" + values + "END_COLUMN\nEND_SLOT\n";
 }
 
+// The annual file with these lines.
+QByteArray annual(const QByteArray& timesteps, const QByteArray& outflow, const QByteArray& level)
+{
+    const QByteArrayList years = timesteps.split('\n'); // and an empty text
+    return kPackagePreamble + "start:" + years.first() + "\nend:" + years.at(years.size() - 2) +
+           "\ntime_step_unit:year\nunit_quantity:1\ntime_steps:" +
+           QByteArray::number(years.size() - 1) +
+           "\nconsecutive:1\nidx_sequential:1\nEND_RUN_PREAMBLE\n" + timesteps +
+           slotPreamble("Outflow") +
+           series("acre-ft summed over the year", "method: Sum\n" + outflow) +
+           slotPreamble("Level") + series("ft", "method: Average\n" + level) + "END_RUN\n";
+}
+
 } // namespace
 
 QByteArray monthlySource()
@@ -61,61 +74,11 @@ QByteArray monthlyControl()
 
 QByteArray decemberResult()
 {
-    return kPackagePreamble +
-           "start:2000-12-31 24:00\n"
-           "end:2001-12-31 24:00\n"
-           "time_step_unit:year\n"
-           "unit_quantity:1\n"
-           "time_steps:2\n"
-           "consecutive:1\n"
-           "idx_sequential:1\n"
-           "END_RUN_PREAMBLE\n"
-           "2000-12-31 24:00\n"
-           "2001-12-31 24:00\n" +
-           slotPreamble("Outflow") +
-           "units: acre-ft summed over the year\n"
-           "scale: 1\n"
-           "method: Sum\n"
-           "78.000000000000\n"
-           "222.000000000000\n"
-           "END_COLUMN\n"
-           "END_SLOT\n" +
-           slotPreamble("Level") +
-           "units: ft\n"
-           "scale: 1\n"
-           "method: Average\n"
-           "65.000000000000\n"
-           "185.000000000000\n"
-           "END_COLUMN\n"
-           "END_SLOT\n"
-           "END_RUN\n";
+    return annual("2000-12-31 24:00\n2001-12-31 24:00\n", "78.000000000000\n222.000000000000\n",
+                  "65.000000000000\n185.000000000000\n");
 }
 
 QByteArray septemberResult()
 {
-    return kPackagePreamble +
-           "start:2001-9-30 24:00\n"
-           "end:2001-9-30 24:00\n"
-           "time_step_unit:year\n"
-           "unit_quantity:1\n"
-           "time_steps:1\n"
-           "consecutive:1\n"
-           "idx_sequential:1\n"
-           "END_RUN_PREAMBLE\n"
-           "2001-9-30 24:00\n" +
-           slotPreamble("Outflow") +
-           "units: acre-ft summed over the year\n"
-           "scale: 1\n"
-           "method: Sum\n"
-           "186.000000000000\n"
-           "END_COLUMN\n"
-           "END_SLOT\n" +
-           slotPreamble("Level") +
-           "units: ft\n"
-           "scale: 1\n"
-           "method: Average\n"
-           "155.000000000000\n"
-           "END_COLUMN\n"
-           "END_SLOT\n"
-           "END_RUN\n";
+    return annual("2001-9-30 24:00\n", "186.000000000000\n", "155.000000000000\n");
 }

@@ -2,6 +2,7 @@
 #include <QtTest>
 
 #include <atomic>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -57,59 +58,47 @@ private Q_SLOTS:
         QVERIFY(messageWatcher.parent() == nullptr);
     }
 
-    void removesTheTimeStamp_data()
-    {
-        QTest::addColumn<QString>("line");
-        QTest::addColumn<QString>("expected");
-
-        const auto add = [](const char* name, const char* line, const char* expected) {
-            QTest::newRow(name) << QString::fromUtf8(line) << QString::fromUtf8(expected);
-        };
-        add("stamp and three blanks", "2015-06-30T14:05:09.123   Cannot read file",
-            "Cannot read file");
-        add("level name before the stamp", "WARN  2015-06-30T14:05:09.123 Text", "WARN  Text");
-        add("one blank before the stamp", "ERROR 2015-06-30T14:05:09.123 Text", "ERROR Text");
-        add("tab and line feed after", "2015-06-30T14:05:09.123\t\n Text", "Text");
-        add("blanks at the end stay", "2015-06-30T14:05:09.123 Text  ", "Text  ");
-        add("in the middle", "a 2015-06-30T14:05:09.123 b", "a b");
-        add("nothing after the blank", "2015-06-30T14:05:09.123 ", "");
-        add("first of two", "2015-06-30T14:05:09.123 2016-07-31T15:06:10.456 Text",
-            "2016-07-31T15:06:10.456 Text");
-        add("first that is whole", "2015-06-30T14:05:09 2016-07-31T15:06:10.456 Text",
-            "2015-06-30T14:05:09 Text");
-        add("more digits in front", "12015-06-30T14:05:09.123 Text", "1Text");
-        add("two digits of milliseconds", "2015-06-30T14:05:09.12 Text",
-            "2015-06-30T14:05:09.12 Text");
-        add("four digits of milliseconds", "2015-06-30T14:05:09.1234 Text",
-            "2015-06-30T14:05:09.1234 Text");
-        add("no milliseconds", "2015-06-30T14:05:09 Text", "2015-06-30T14:05:09 Text");
-        add("no white space after", "2015-06-30T14:05:09.123Text", "2015-06-30T14:05:09.123Text");
-        add("stamp at the end", "Text 2015-06-30T14:05:09.123", "Text 2015-06-30T14:05:09.123");
-        add("lower case t", "2015-06-30t14:05:09.123 Text", "2015-06-30t14:05:09.123 Text");
-        add("comma for the point", "2015-06-30T14:05:09,123 Text", "2015-06-30T14:05:09,123 Text");
-        add("digits of another script", "2015-06-30T14:05:09.12\xd9\xa3 Text", "Text");
-        add("no-break space", "2015-06-30T14:05:09.123\xc2\xa0Text", "Text");
-        add("next line", "2015-06-30T14:05:09.123\xc2\x85Text", "Text");
-        add("line separator", "2015-06-30T14:05:09.123\xe2\x80\xa8Text", "Text");
-        add("zero-width space is none", "2015-06-30T14:05:09.123\xe2\x80\x8bText",
-            "2015-06-30T14:05:09.123\xe2\x80\x8bText");
-        add("letters outside the first plane", "2015-06-30T14:05:09.123 \xf0\x9d\x84\x9e",
-            "\xf0\x9d\x84\x9e");
-        QTest::newRow("name that is not UTF-8")
-            << QStringLiteral("2015-06-30T14:05:09.123 ") + QChar(0xdcff) << QString(QChar(0xdcff));
-        add("no stamp", "INFO  Text", "INFO  Text");
-        add("empty", "", "");
-    }
-
     void removesTheTimeStamp()
     {
-        QFETCH(const QString, line);
-        QFETCH(const QString, expected);
-
+        const char* const rows[][2] = {
+            {"2015-06-30T14:05:09.123   Cannot read file", "Cannot read file"},
+            {"WARN  2015-06-30T14:05:09.123 Text", "WARN  Text"},
+            {"ERROR 2015-06-30T14:05:09.123 Text", "ERROR Text"},
+            {"2015-06-30T14:05:09.123\t\n Text", "Text"},
+            {"2015-06-30T14:05:09.123 Text  ", "Text  "},
+            {"a 2015-06-30T14:05:09.123 b", "a b"},
+            {"2015-06-30T14:05:09.123 ", ""},
+            {"2015-06-30T14:05:09.123 2016-07-31T15:06:10.456 Text",
+             "2016-07-31T15:06:10.456 Text"},
+            {"2015-06-30T14:05:09 2016-07-31T15:06:10.456 Text", "2015-06-30T14:05:09 Text"},
+            {"12015-06-30T14:05:09.123 Text", "1Text"},
+            {"2015-06-30T14:05:09.12 Text", "2015-06-30T14:05:09.12 Text"},
+            {"2015-06-30T14:05:09.1234 Text", "2015-06-30T14:05:09.1234 Text"},
+            {"2015-06-30T14:05:09 Text", "2015-06-30T14:05:09 Text"},
+            {"2015-06-30T14:05:09.123Text", "2015-06-30T14:05:09.123Text"},
+            {"Text 2015-06-30T14:05:09.123", "Text 2015-06-30T14:05:09.123"},
+            {"2015-06-30t14:05:09.123 Text", "2015-06-30t14:05:09.123 Text"},
+            {"2015-06-30T14:05:09,123 Text", "2015-06-30T14:05:09,123 Text"},
+            {"2015-06-30T14:05:09.12\xd9\xa3 Text", "Text"},
+            {"2015-06-30T14:05:09.123\xc2\xa0Text", "Text"},
+            {"2015-06-30T14:05:09.123\xc2\x85Text", "Text"},
+            {"2015-06-30T14:05:09.123\xe2\x80\xa8Text", "Text"},
+            {"2015-06-30T14:05:09.123\xe2\x80\x8bText",
+             "2015-06-30T14:05:09.123\xe2\x80\x8bText"}, // a zero-width space is none
+            {"2015-06-30T14:05:09.123 \xf0\x9d\x84\x9e", "\xf0\x9d\x84\x9e"},
+            {"INFO  Text", "INFO  Text"},
+            {"", ""},
+        };
         const Recorder recorder;
-        watcherDestination(line, QsLogging::InfoLevel);
-        QCOMPARE(recorder.lines.size(), 1);
-        QCOMPARE(recorder.lines.first().text, expected);
+        for (const auto& [line, expected] : rows) {
+            watcherDestination(QString::fromUtf8(line), QsLogging::InfoLevel);
+            QCOMPARE(recorder.lines.last().text, QString::fromUtf8(expected));
+        }
+        QCOMPARE(recorder.lines.size(), int(std::size(rows)));
+        // A name that is not UTF-8.
+        watcherDestination(QStringLiteral("2015-06-30T14:05:09.123 ") + QChar(0xdcff),
+                           QsLogging::InfoLevel);
+        QCOMPARE(recorder.lines.last().text, QString(QChar(0xdcff)));
     }
 
     void narrowsTheLevel()

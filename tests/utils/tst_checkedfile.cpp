@@ -37,21 +37,15 @@ class CheckedFileTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_folder.reset(new QTemporaryDir);
-        QVERIFY(m_folder->isValid());
-    }
-
-    void cleanup() { m_folder.reset(); }
     void readsAndWritesLikeAnyFile()
     {
-        CheckedFile written(path("file"));
+        const QTemporaryDir folder;
+        CheckedFile written(folder.filePath(QStringLiteral("file")));
         QVERIFY(written.open(QIODevice::WriteOnly));
         written.write("one\ntwo\n");
         QCOMPARE(written.finish().message, QString());
 
-        CheckedFile read(path("file"));
+        CheckedFile read(folder.filePath(QStringLiteral("file")));
         QVERIFY(read.open(QIODevice::ReadOnly | QIODevice::Text));
         QCOMPARE(read.readLine(), QByteArray("one\n"));
         QCOMPARE(read.readAll(), QByteArray("two\n"));
@@ -61,21 +55,14 @@ private Q_SLOTS:
 
     void writeOfNoBytesIsAFailure()
     {
-        StallingFile file(path("file"));
+        const QTemporaryDir folder;
+        StallingFile file(folder.filePath(QStringLiteral("file")));
         QVERIFY(file.open(QIODevice::WriteOnly));
         QCOMPARE(file.write(QByteArray(100, 'x')), qint64(-1));
         QCOMPARE(file.problem(), QStringLiteral("Unknown error"));
         QCOMPARE(file.finish().message, QStringLiteral("Unknown error"));
         QCOMPARE(file.size(), qint64(StallingFile::kTakenBytes));
     }
-
-private:
-    QString path(const char* name) const
-    {
-        return m_folder->path() + QLatin1Char('/') + QLatin1String(name);
-    }
-
-    QScopedPointer<QTemporaryDir> m_folder;
 };
 
 HTS_TEST(CheckedFileTest, QCoreApplication)

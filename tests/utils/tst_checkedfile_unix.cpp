@@ -57,39 +57,25 @@ class CheckedFileFaultsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_folder.reset(new QTemporaryDir);
-        QVERIFY(m_folder->isValid());
-    }
-
-    void cleanup() { m_folder.reset(); }
-    void takesWhatIsInAPipe_data()
-    {
-        QTest::addColumn<int>("mode");
-        QTest::newRow("buffered") << static_cast<int>(QIODevice::ReadOnly);
-        QTest::newRow("unbuffered")
-            << static_cast<int>(QIODevice::ReadOnly | QIODevice::Unbuffered);
-        QTest::newRow("text mode, unbuffered")
-            << static_cast<int>(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered);
-    }
-
     // A read that waits for more than is there hangs: the writer is this process.
     void takesWhatIsInAPipe()
     {
-        QFETCH(int, mode);
-        int ends[2] = {};
-        QCOMPARE(::pipe(ends), 0);
-        CheckedFile file;
-        QVERIFY(file.open(ends[0], static_cast<QIODevice::OpenMode>(mode),
-                          QFileDevice::AutoCloseHandle));
-        QCOMPARE(::write(ends[1], "one\n", 4), ssize_t(4));
-        QCOMPARE(file.read(100000), QByteArray("one\n"));
-        QCOMPARE(::write(ends[1], "two", 3), ssize_t(3));
-        QCOMPARE(file.read(100000), QByteArray("two"));
-        ::close(ends[1]);
-        QCOMPARE(file.read(100000), QByteArray());
-        QCOMPARE(file.problem(), QString());
+        const QIODevice::OpenMode modes[] = {
+            QIODevice::ReadOnly, QIODevice::ReadOnly | QIODevice::Unbuffered,
+            QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered};
+        for (const QIODevice::OpenMode mode : modes) {
+            int ends[2] = {};
+            QCOMPARE(::pipe(ends), 0);
+            CheckedFile file;
+            QVERIFY(file.open(ends[0], mode, QFileDevice::AutoCloseHandle));
+            QCOMPARE(::write(ends[1], "one\n", 4), ssize_t(4));
+            QCOMPARE(file.read(100000), QByteArray("one\n"));
+            QCOMPARE(::write(ends[1], "two", 3), ssize_t(3));
+            QCOMPARE(file.read(100000), QByteArray("two"));
+            ::close(ends[1]);
+            QCOMPARE(file.read(100000), QByteArray());
+            QCOMPARE(file.problem(), QString());
+        }
     }
 
     void remembersAFailedReadOfAPipe()
@@ -154,7 +140,8 @@ private Q_SLOTS:
     {
         QFETCH(int, limit);
         QFETCH(QString, problem);
-        CheckedFile file(path("file"));
+        const QTemporaryDir folder;
+        CheckedFile file(folder.filePath(QStringLiteral("file")));
         QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Text));
         {
             const FileSizeLimit fileSizeLimit(static_cast<rlim_t>(limit));
@@ -193,26 +180,19 @@ private Q_SLOTS:
         QTextCodec::setCodecForLocale(QTextCodec::codecForName(encoding));
         const auto restore = qScopeGuard([before] { QTextCodec::setCodecForLocale(before); });
 
-        CheckedFile file(m_folder->filePath(name));
+        const QTemporaryDir folder;
+        CheckedFile file(folder.filePath(name));
         QCOMPARE(file.open(QIODevice::WriteOnly), !bytes.isEmpty());
         QCOMPARE(file.errorString(),
                  bytes.isEmpty()
                      ? QStringLiteral("The name is not text in the encoding of file names")
                      : QStringLiteral("Unknown error"));
         file.close();
-        const QByteArray created = m_folder->path().toLatin1() + '/' + bytes;
+        const QByteArray created = folder.path().toLatin1() + '/' + bytes;
         QCOMPARE(::access(created.constData(), F_OK), 0);
-        QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::System).size(),
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::System).size(),
                  bytes.isEmpty() ? 0 : 1);
     }
-
-private:
-    QString path(const char* name) const
-    {
-        return m_folder->path() + QLatin1Char('/') + QLatin1String(name);
-    }
-
-    QScopedPointer<QTemporaryDir> m_folder;
 };
 
 HTS_TEST(CheckedFileFaultsTest, QCoreApplication)

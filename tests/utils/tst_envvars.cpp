@@ -36,101 +36,68 @@ private Q_SLOTS:
         m_names.clear();
     }
 
-    void replacesReferences_data()
+    void replacesReferencesAndListsUndefinedOnes()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("expected");
-
         const struct
         {
-            const char* name;
             const char* text;
             const char* expected;
+            const char* undefined = nullptr; // names; null for none
         } rows[] = {
-            {"empty text", "", ""},
-            {"no reference", "/data/a.hts", "/data/a.hts"},
-            {"plain", "$HTS_DIR/data.hts", "/home/u/data.hts"},
-            {"round brackets", "$(HTS_DIR)/data.hts", "/home/u/data.hts"},
-            {"curly brackets", "${HTS_DIR}/data.hts", "/home/u/data.hts"},
-            {"round and curly bracket", "$(HTS_DIR}/data.hts", "/home/u/data.hts"},
-            {"curly and round bracket", "${HTS_DIR)/data.hts", "/home/u/data.hts"},
-            {"whole text", "$HTS_DIR", "/home/u"},
-            {"at the end", "/data$HTS_DIR", "/data/home/u"},
-            {"several", "$HTS_DIR/${HTS_A}/$(HTS_1).hts", "/home/u/alpha/one.hts"},
-            {"twice the same", "$HTS_A$HTS_A", "alphaalpha"},
-            {"one after the other", "${HTS_A}${HTS_1}", "alphaone"},
-            {"name ends at another character", "$HTS_A-x.$HTS_1", "alpha-x.one"},
-            {"name takes what follows in brackets", "${HTS_A}X", "alphaX"},
-            {"name that is an underscore", "$_", "underscore"},
-            {"name that is a digit", "${9}", "nine"},
-            {"missing bracket costs a letter", "${HTS_A", "short"},
-            {"missing bracket before a slash", "$(HTS_1/x", "short/x"},
-            {"lone dollar", "a$", "a$"},
-            {"dollar before a slash", "$/a", "$/a"},
-            {"dollar before a blank", "$ HTS_A", "$ HTS_A"},
-            {"empty brackets", "${}$()", "${}$()"},
-            {"square brackets", "$[HTS_A]", "$[HTS_A]"},
-            {"two opening brackets", "$({HTS_A})", "$({HTS_A})"},
-            {"two dollars", "$$HTS_A", "$alpha"},
-            {"letter of another script", "$\xc3\xa4", "$\xc3\xa4"},
-            {"percent signs", "%HTS_A%", "%HTS_A%"},
-            {"rest of the text is kept", "/\xc3\xa4/$HTS_A/\xe6\xb0\xb4",
-             "/\xc3\xa4/alpha/\xe6\xb0\xb4"},
+            {"", ""},
+            {"/data/a.hts", "/data/a.hts"},
+            {"$HTS_DIR/data.hts", "/home/u/data.hts"},
+            {"$(HTS_DIR)/data.hts", "/home/u/data.hts"},
+            {"${HTS_DIR}/data.hts", "/home/u/data.hts"},
+            {"$(HTS_DIR}/data.hts", "/home/u/data.hts"},
+            {"${HTS_DIR)/data.hts", "/home/u/data.hts"},
+            {"$HTS_DIR", "/home/u"},
+            {"/data$HTS_DIR", "/data/home/u"},
+            {"$HTS_DIR/${HTS_A}/$(HTS_1).hts", "/home/u/alpha/one.hts"},
+            {"$HTS_A$HTS_A", "alphaalpha"},
+            {"${HTS_A}${HTS_1}", "alphaone"},
+            {"$HTS_A-x.$HTS_1", "alpha-x.one"},
+            {"${HTS_A}X", "alphaX"},
+            {"$_", "underscore"},
+            {"${9}", "nine"},
+            {"${HTS_A", "short"},
+            {"$(HTS_1/x", "short/x"},
+            {"a$", "a$"},
+            {"$/a", "$/a"},
+            {"$ HTS_A", "$ HTS_A"},
+            {"${}$()", "${}$()"},
+            {"$[HTS_A]", "$[HTS_A]"},
+            {"$({HTS_A})", "$({HTS_A})"},
+            {"$$HTS_A", "$alpha"},
+            {"$\xc3\xa4", "$\xc3\xa4"},
+            {"%HTS_A%", "%HTS_A%"},
+            {"/\xc3\xa4/$HTS_A/\xe6\xb0\xb4", "/\xc3\xa4/alpha/\xe6\xb0\xb4"},
+            // What is undefined stays, and is listed once for each occurrence, in text order.
+            {"$HTS_XYZ/a.hts", "$HTS_XYZ/a.hts", "HTS_XYZ"},
+            {"$(HTS_XYZ)/a.hts", "$(HTS_XYZ)/a.hts", "HTS_XYZ"},
+            {"${HTS_XYZ}/a.hts", "${HTS_XYZ}/a.hts", "HTS_XYZ"},
+            {"$(HTS_XYZ}${HTS_ABC)", "$(HTS_XYZ}${HTS_ABC)", "HTS_XYZ, HTS_ABC"},
+            {"$HTS_XYZ/$HTS_ABC", "$HTS_XYZ/$HTS_ABC", "HTS_XYZ, HTS_ABC"},
+            {"$HTS_XYZ/$HTS_ABC/${HTS_XYZ}", "$HTS_XYZ/$HTS_ABC/${HTS_XYZ}",
+             "HTS_XYZ, HTS_ABC, HTS_XYZ"},
+            {"$HTS_EMPTY/a.hts", "$HTS_EMPTY/a.hts", "HTS_EMPTY"},
+            {"$HTS_DIRX", "$HTS_DIRX", "HTS_DIRX"},
+            {"$HTS_DIR)", "$HTS_DIR)", "HTS_DIR)"},
+            {"$HTS_DIR}/a", "$HTS_DIR}/a", "HTS_DIR}"},
+            {"${HTS_DIR", "${HTS_DIR", "HTS_DI"},
+            {"$(A", "$(A", ""},
+            {"$HTS_XYZ/$HTS_A/$HTS_ABC", "$HTS_XYZ/alpha/$HTS_ABC", "HTS_XYZ, HTS_ABC"},
+            {"$HTS_1/$HTS_DIR/$HTS_XYZ", "one//home/u/$HTS_XYZ", "HTS_XYZ"},
         };
-        for (const auto& row : rows)
-            QTest::newRow(row.name)
-                << QString::fromUtf8(row.text) << QString::fromUtf8(row.expected);
-    }
-
-    void replacesReferences()
-    {
-        QFETCH(QString, text);
-        QString result = QStringLiteral("before");
-        const Status status = UtilsNS::substituteEnvVars(text, result);
-        QTEST(result, "expected");
-        QCOMPARE(status.message, QString());
-        QVERIFY(!status.flag);
-    }
-
-    void listsUndefinedVariables_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("expected");
-        QTest::addColumn<QString>("names");
-
-        const auto kept = [](const char* name, const char* text, const char* names) {
-            QTest::newRow(name) << text << text << names;
-        };
-        kept("plain", "$HTS_XYZ/a.hts", "HTS_XYZ");
-        kept("round brackets", "$(HTS_XYZ)/a.hts", "HTS_XYZ");
-        kept("curly brackets", "${HTS_XYZ}/a.hts", "HTS_XYZ");
-        kept("disagreeing brackets", "$(HTS_XYZ}${HTS_ABC)", "HTS_XYZ, HTS_ABC");
-        kept("two", "$HTS_XYZ/$HTS_ABC", "HTS_XYZ, HTS_ABC");
-        kept("once for each occurrence, in text order", "$HTS_XYZ/$HTS_ABC/${HTS_XYZ}",
-             "HTS_XYZ, HTS_ABC, HTS_XYZ");
-        kept("empty value", "$HTS_EMPTY/a.hts", "HTS_EMPTY");
-        kept("longer name", "$HTS_DIRX", "HTS_DIRX");
-        kept("closing bracket belongs to the name", "$HTS_DIR)", "HTS_DIR)");
-        kept("closing curly bracket belongs to the name", "$HTS_DIR}/a", "HTS_DIR}");
-        kept("missing bracket costs a letter", "${HTS_DIR", "HTS_DI");
-        kept("missing bracket costs the only letter", "$(A", "");
-        QTest::newRow("beside a defined one") << "$HTS_XYZ/$HTS_A/$HTS_ABC"
-                                              << "$HTS_XYZ/alpha/$HTS_ABC"
-                                              << "HTS_XYZ, HTS_ABC";
-        QTest::newRow("after a longer value") << "$HTS_1/$HTS_DIR/$HTS_XYZ"
-                                              << "one//home/u/$HTS_XYZ"
-                                              << "HTS_XYZ";
-    }
-
-    void listsUndefinedVariables()
-    {
-        QFETCH(QString, text);
-        QFETCH(QString, names);
-        QString result;
-        const Status status = UtilsNS::substituteEnvVars(text, result);
-        QTEST(result, "expected");
-        QCOMPARE(status.message, QString(kUndefined + names));
-        QVERIFY(!status.flag);
+        for (const auto& row : rows) {
+            QString result = QStringLiteral("before");
+            const Status status = UtilsNS::substituteEnvVars(QString::fromUtf8(row.text), result);
+            QCOMPARE(result, QString::fromUtf8(row.expected));
+            QCOMPARE(status.message, row.undefined == nullptr
+                                         ? QString()
+                                         : kUndefined + QString::fromLatin1(row.undefined));
+            QVERIFY(!status.flag);
+        }
     }
 
     void letterCaseCountsAsInTheSystem()

@@ -121,64 +121,44 @@ class TestHelpUrl : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void startsTheBrowser_data()
-    {
-        QTest::addColumn<QByteArray>("id");
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QByteArray>("exec");
-        QTest::addColumn<QString>("url");
-        QTest::addColumn<QByteArray>("arguments");
-
-        const auto add = [](const char* name, const char* id, const char* file, const char* exec,
-                            const char* url, const char* arguments) {
-            QTest::newRow(name) << QByteArray(id) << QByteArray(file) << QByteArray(exec)
-                                << QString::fromUtf8(url) << QByteArray(arguments);
-        };
-        add("plain", "web.desktop", "web.desktop", "web %u", "file:////opt/conv/Help/a.html",
-            "file:////opt/conv/Help/a.html\n");
-        add("fragment", "web.desktop", "web.desktop", "web %u", "file:////opt/Help/a.html#part-2",
-            "file:////opt/Help/a.html#part-2\n");
-        add("fragment for a program of files", "web.desktop", "web.desktop", "web %F",
-            "file:////opt/Help/a.html#part-2", "//opt/Help/a.html\n");
-        add("between quotes", "web.desktop", "web.desktop", "web %u",
-            "\"file:////opt/My Conv/Help/a.html\"", "file:////opt/My Conv/Help/a.html\n");
-        add("quotes, blank and fragment", "web.desktop", "web.desktop", "web --new-tab %U",
-            "\"file:////opt/My Conv/Help/a.html#x\"",
-            "--new-tab\nfile:////opt/My Conv/Help/a.html#x\n");
-        add("quoted argument", "web.desktop", "web.desktop", "web \"a b\" %u",
-            "file:////opt/a.html", "a b\nfile:////opt/a.html\n");
-        add("blank without quotes", "web.desktop", "web.desktop", "web %u", "file:////opt/a b.html",
-            "file:////opt/a b.html\n");
-        add("one quote stays", "web.desktop", "web.desktop", "web %u", "\"file:////opt/a.html",
-            "\"file:////opt/a.html\n");
-        add("a quote alone", "web.desktop", "web.desktop", "web %u", "\"", "\"\n");
-        add("signs of a shell", "web.desktop", "web.desktop", "web %u",
-            "file:////opt/$HOME;`a`&'.html", "file:////opt/$HOME;`a`&'.html\n");
-        add("other letters", "web.desktop", "web.desktop", "web %u",
-            "file:////opt/a%20b/\u00e9.html", "file:////opt/a%20b/\u00e9.html\n");
-        add("no field code", "web.desktop", "web.desktop", "web -x", "file:////opt/a.html",
-            "-x\n//opt/a.html\n");
-        add("entry in a subfolder", "vendor-web.desktop", "vendor/web.desktop", "web %u",
-            "file:////opt/a.html", "file:////opt/a.html\n");
-    }
-
     void startsTheBrowser()
     {
-        QFETCH(const QByteArray, id);
-        QFETCH(const QByteArray, file);
-        QFETCH(const QByteArray, exec);
-        QFETCH(const QString, url);
-        QFETCH(const QByteArray, arguments);
-
-        const Desktop desktop;
-        desktop.addRecorders();
-        desktop.addAssociation(id);
-        desktop.addEntry(file, exec);
-        Opener opener(desktop, url);
-        QTRY_VERIFY(QFile::exists(desktop.path("web.out")));
-        opener.finish();
-        QCOMPARE(readFile(desktop.path("web.out")), arguments);
-        QVERIFY(!QFile::exists(desktop.path("open.out")));
+        const struct
+        {
+            const char* exec;
+            const char* url;
+            const char* arguments;
+            const char* id = "web.desktop";
+            const char* file = "web.desktop";
+        } rows[] = {
+            {"web %u", "file:////opt/conv/Help/a.html", "file:////opt/conv/Help/a.html\n"},
+            {"web %u", "file:////opt/Help/a.html#part-2", "file:////opt/Help/a.html#part-2\n"},
+            {"web %F", "file:////opt/Help/a.html#part-2", "//opt/Help/a.html\n"},
+            {"web %u", "\"file:////opt/My Conv/Help/a.html\"",
+             "file:////opt/My Conv/Help/a.html\n"},
+            {"web --new-tab %U", "\"file:////opt/My Conv/Help/a.html#x\"",
+             "--new-tab\nfile:////opt/My Conv/Help/a.html#x\n"},
+            {"web \"a b\" %u", "file:////opt/a.html", "a b\nfile:////opt/a.html\n"},
+            {"web %u", "file:////opt/a b.html", "file:////opt/a b.html\n"},
+            {"web %u", "\"file:////opt/a.html", "\"file:////opt/a.html\n"},
+            {"web %u", "\"", "\"\n"},
+            {"web %u", "file:////opt/$HOME;`a`&'.html", "file:////opt/$HOME;`a`&'.html\n"},
+            {"web %u", "file:////opt/a%20b/\u00e9.html", "file:////opt/a%20b/\u00e9.html\n"},
+            {"web -x", "file:////opt/a.html", "-x\n//opt/a.html\n"},
+            {"web %u", "file:////opt/a.html", "file:////opt/a.html\n", "vendor-web.desktop",
+             "vendor/web.desktop"},
+        };
+        for (const auto& row : rows) {
+            const Desktop desktop;
+            desktop.addRecorders();
+            desktop.addAssociation(row.id);
+            desktop.addEntry(row.file, row.exec);
+            Opener opener(desktop, QString::fromUtf8(row.url));
+            QTRY_VERIFY(QFile::exists(desktop.path("web.out")));
+            opener.finish();
+            QCOMPARE(readFile(desktop.path("web.out")), QByteArray(row.arguments));
+            QVERIFY(!QFile::exists(desktop.path("open.out")));
+        }
     }
 
     void fallsBackToXdgOpen()
