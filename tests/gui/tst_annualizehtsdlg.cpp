@@ -33,9 +33,6 @@ constexpr const char* kControlEdit = "_methodControlLineEdit";
 constexpr const char* kResultEdit = "_annualResultHtsLineEdit";
 constexpr const char* kEdits[] = {kSourceEdit, kControlEdit, kResultEdit};
 
-const QString kSymbolicLink = QStringLiteral("symbolic link");
-const QString kHardLink = QStringLiteral("hard link");
-
 QString text(const char* utf8)
 {
     return QString::fromUtf8(utf8);
@@ -138,6 +135,28 @@ Qt::DropAction dropOn(QWidget* widget, const QMimeData& data, Qt::DropAction pro
             return Qt::IgnoreAction;
     }
     return drop.dropAction();
+}
+
+// Pastes in both ways, after the first of four letters and in place of some of the others, and
+// expects the text there.
+void comparePasted(QLineEdit* edit, const QString& expected)
+{
+    const std::function<void()> ways[] = {
+        [edit] { QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier); },
+        [edit] { edit->paste(); }};
+    for (const auto& paste : ways) {
+        for (const char* tail : {"bcd", "d", ""}) { // that stays after the cursor
+            edit->clear();
+            QTest::keyClicks(edit, text("abcd"));
+            edit->setCursorPosition(1);
+            edit->cursorForward(true, 3 - int(qstrlen(tail)));
+            paste();
+            QCOMPARE(edit->text(), QLatin1Char('a') + expected + QLatin1String(tail));
+            QCOMPARE(edit->cursorPosition(), expected.size() + 1);
+            edit->undo();
+            QCOMPARE(edit->text(), QLatin1String("abcd"));
+        }
+    }
 }
 
 QMimeData* newData(const QList<QUrl>& urls, const QString& text)
@@ -578,50 +597,37 @@ private Q_SLOTS:
         }
     }
 
-    void takesPastedPathAsPath_data()
-    {
-        QTest::addColumn<QString>("pasted");
-        QTest::addColumn<QString>("path");
-        const auto row = [](const char* pasted, const char* path) {
-            QTest::newRow(pasted) << QString::fromLatin1(pasted) << QString::fromLatin1(path);
-        };
-        row("\"C:\\my data\\a.hts\"", "C:\\my data\\a.hts");
-        row("'/my data/a.hts'\n", "/my data/a.hts");
-        row("file:///my%20data/a.hts", "/my data/a.hts");
-        row("\"file:///a.hts\"", "/a.hts");
-        row("FILE:///100%/a#1?.hts", "/100%/a#1?.hts");
-        // Not a path in quotes or a URL.
-        for (const char* text : {"/my data/a.hts", " a.hts", "\"", "\"\"", "\"a.hts", "\"a\"b\"",
-                                 "a\"b\"", "\"a.hts'", "\"a.hts\"\n\"b.hts\"", "file:a.hts",
-                                 "file://", "http://a.org/b.hts", "$FOLDER/a.hts"})
-            row(text, text);
-    }
-
     void takesPastedPathAsPath()
     {
-        QFETCH(const QString, pasted);
-        QFETCH(const QString, path);
+        const struct
+        {
+            const char* pasted;
+            const char* path = nullptr; // null for what is no path in quotes and no URL
+        } rows[] = {
+            {"\"C:\\my data\\a.hts\"", "C:\\my data\\a.hts"},
+            {"'/my data/a.hts'\n", "/my data/a.hts"},
+            {"file:///my%20data/a.hts", "/my data/a.hts"},
+            {"\"file:///a.hts\"", "/a.hts"},
+            {"FILE:///100%/a#1?.hts", "/100%/a#1?.hts"},
+            {"/my data/a.hts"},
+            {" a.hts"},
+            {"\""},
+            {"\"\""},
+            {"\"a.hts"},
+            {"\"a\"b\""},
+            {"a\"b\""},
+            {"\"a.hts'"},
+            {"\"a.hts\"\n\"b.hts\""},
+            {"file:a.hts"},
+            {"file://"},
+            {"http://a.org/b.hts"},
+            {"$FOLDER/a.hts"},
+        };
         const Fixture f;
-        QGuiApplication::clipboard()->setText(pasted);
-        for (const char* field : kEdits) {
-            QLineEdit* edit = f.lineEdit(field);
-            const std::function<void()> ways[] = {
-                [edit] { QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier); },
-                [edit] { edit->paste(); }};
-            for (const auto& paste : ways) {
-                for (const char* tail : {"bcd", "d", ""}) { // that stays after the cursor
-                    const int selected = 3 - int(qstrlen(tail));
-                    edit->clear();
-                    QTest::keyClicks(edit, text("abcd"));
-                    edit->setCursorPosition(1);
-                    edit->cursorForward(true, selected);
-                    paste();
-                    QCOMPARE(edit->text(), QLatin1Char('a') + path + QLatin1String(tail));
-                    QCOMPARE(edit->cursorPosition(), path.size() + 1);
-                    edit->undo();
-                    QCOMPARE(edit->text(), QLatin1String("abcd"));
-                }
-            }
+        for (const auto& row : rows) {
+            QGuiApplication::clipboard()->setText(text(row.pasted));
+            for (const char* field : kEdits)
+                comparePasted(f.lineEdit(field), text(row.path ? row.path : row.pasted));
         }
     }
 
@@ -737,46 +743,27 @@ private Q_SLOTS:
                         text("Integer for the end of year month is out of the range 1 to 12"));
     }
 
-    void refusesResultThatIsInput_data()
-    {
-        QTest::addColumn<QString>("input");
-        QTest::addColumn<QString>("role");
-        QTest::addColumn<QString>("way");
-        QStringList ways = {text("same path"), text("other spelling")};
-        for (const Link kind : kindsOfLinks())
-            ways += kind == Link::Symbolic ? kSymbolicLink : kHardLink;
-        for (const QString& way : qAsConst(ways)) {
-            QTest::addRow("source by %s", qPrintable(way)) << "monthly.hts"
-                                                           << "source HTS file" << way;
-            QTest::addRow("control file by %s", qPrintable(way)) << "methods.txt"
-                                                                 << "method control file" << way;
-        }
-    }
-
     void refusesResultThatIsInput()
     {
-        QFETCH(const QString, input);
-        QFETCH(const QString, role);
-        QFETCH(const QString, way);
-
-        const Fixture f;
-        f.writeInputsAndEnterPaths();
-        const QString path = f.folder.filePath(input);
-        QString result = f.path("link.hts");
-        if (way == kSymbolicLink)
-            QVERIFY(makeLink(Link::Symbolic, path, result));
-        else if (way == kHardLink)
-            QVERIFY(makeLink(Link::Hard, path, result));
-        else if (way == QLatin1String("other spelling"))
-            result = f.folder.path() + QLatin1String("/.//") + input;
-        else
-            result = path;
-        f.lineEdit(kResultEdit)->setText(result);
-
-        f.expectFailure("Annualizer Configuration Error",
-                        QStringLiteral("The result HTS file is the %1 %2").arg(role, path));
-        QCOMPARE(f.content("monthly.hts"), monthlySource());
-        QCOMPARE(f.content("methods.txt"), monthlyControl());
+        const char* const inputs[][2] = {{"monthly.hts", "source HTS file"},
+                                         {"methods.txt", "method control file"}};
+        for (const auto& [input, role] : inputs) {
+            const Fixture f;
+            f.writeInputsAndEnterPaths();
+            QStringList results = {f.path(input), f.path(".//") + QLatin1String(input)};
+            for (const Link kind : kindsOfLinks()) {
+                results.append(f.path(kind == Link::Hard ? "hard.hts" : "symbolic.hts"));
+                QVERIFY(makeLink(kind, f.path(input), results.last()));
+            }
+            for (const QString& result : qAsConst(results)) {
+                f.lineEdit(kResultEdit)->setText(result);
+                f.expectFailure("Annualizer Configuration Error",
+                                QStringLiteral("The result HTS file is the %1 %2")
+                                    .arg(QLatin1String(role), f.path(input)));
+                QCOMPARE(f.content("monthly.hts"), monthlySource());
+                QCOMPARE(f.content("methods.txt"), monthlyControl());
+            }
+        }
     }
 
     // Opening the result would create an empty control file.
@@ -846,36 +833,29 @@ private Q_SLOTS:
 
     // ---- conversions ----
 
-    void convertsWithMonth_data()
-    {
-        QTest::addColumn<QString>("month");
-        QTest::addColumn<QByteArray>("result");
-        QTest::newRow("as preset") << "" << decemberResult();
-        QTest::newRow("September") << "September" << septemberResult();
-    }
     void convertsWithMonth()
     {
-        QFETCH(const QString, month);
-        QFETCH(const QByteArray, result);
-
-        const Fixture f;
-        f.writeInputsAndEnterPaths();
-        // Longer than the new result, which replaces all of it.
-        writeFile(f.path("annual.hts"), QByteArray(10000, 'x'));
-        if (!month.isEmpty())
-            QTest::keyClicks(f.months(), month);
-        const LogCollector log;
-        const QVector<Box> boxes = clickAndReadBoxes(f.button("_okButton"), log);
-        QCOMPARE(boxes.size(), 1);
-        compareBox(boxes.first(), "Annualize HTS", text("Annual HTS file successfully created!"));
-        const QStringList lines = boxes.first().linesBefore;
-        QCOMPARE(lines.constLast(), QLatin1String("Annual HTs file successfully created\n "));
-        QCOMPARE(lines.value(lines.size() - 2),
-                 QLatin1String("\"Successfully wrote 2 out of 2 slots\" "));
-        QCOMPARE(log.lines(), lines);
-        QCOMPARE(log.levels().count(QsLogging::InfoLevel), lines.size());
-        QCOMPARE(fromTextMode(f.content("annual.hts")), result);
-        QCOMPARE(f.content("monthly.hts"), monthlySource());
+        for (const char* month : {"", "September"}) {
+            const QByteArray result = *month == '\0' ? decemberResult() : septemberResult();
+            const Fixture f;
+            f.writeInputsAndEnterPaths();
+            // Longer than the new result, which replaces all of it.
+            writeFile(f.path("annual.hts"), QByteArray(10000, 'x'));
+            QTest::keyClicks(f.months(), text(month));
+            const LogCollector log;
+            const QVector<Box> boxes = clickAndReadBoxes(f.button("_okButton"), log);
+            QCOMPARE(boxes.size(), 1);
+            compareBox(boxes.first(), "Annualize HTS",
+                       text("Annual HTS file successfully created!"));
+            const QStringList lines = boxes.first().linesBefore;
+            QCOMPARE(lines.constLast(), QLatin1String("Annual HTs file successfully created\n "));
+            QCOMPARE(lines.value(lines.size() - 2),
+                     QLatin1String("\"Successfully wrote 2 out of 2 slots\" "));
+            QCOMPARE(log.lines(), lines);
+            QCOMPARE(log.levels().count(QsLogging::InfoLevel), lines.size());
+            QCOMPARE(fromTextMode(f.content("annual.hts")), result);
+            QCOMPARE(f.content("monthly.hts"), monthlySource());
+        }
     }
 
     void substitutesVariablesInAllPaths()
@@ -984,35 +964,28 @@ private Q_SLOTS:
         QVERIFY(!f.diagnostics()->isMinimized());
     }
 
-    void closingMainWindowEndsEventLoop_data()
-    {
-        QTest::addColumn<bool>("withDiagnostics");
-        QTest::addColumn<bool>("byButton");
-        QTest::newRow("button, diagnostics open") << true << true;
-        QTest::newRow("title bar, diagnostics open") << true << false;
-        QTest::newRow("button, diagnostics hidden") << false << true;
-    }
     void closingMainWindowEndsEventLoop()
     {
-        QFETCH(const bool, withDiagnostics);
-        QFETCH(const bool, byButton);
-
-        const Fixture f;
-        const QPointer<UtilsNS::MessageViewer> diagnostics = f.diagnostics();
-        if (withDiagnostics)
-            f.click("_diagButton");
-        QCOMPARE(diagnostics->isVisible(), withDiagnostics);
-        QTimer::singleShot(0, f.window.get(), [&] {
-            if (byButton)
-                f.click("_cancelButton");
-            else
-                f.window->close();
-        });
-        constexpr int kGaveUp = 1;
-        QTimer::singleShot(20000, f.window.get(), [] { QCoreApplication::exit(kGaveUp); });
-        QCOMPARE(QApplication::exec(), 0);
-        QVERIFY(!f.window->isVisible());
-        QVERIFY(diagnostics == nullptr);
+        for (const bool withDiagnostics : {true, false}) {
+            for (const bool byButton : {true, false}) {
+                const Fixture f;
+                const QPointer<UtilsNS::MessageViewer> diagnostics = f.diagnostics();
+                if (withDiagnostics)
+                    f.click("_diagButton");
+                QCOMPARE(diagnostics->isVisible(), withDiagnostics);
+                QTimer::singleShot(0, f.window.get(), [&] {
+                    if (byButton)
+                        f.click("_cancelButton");
+                    else
+                        f.window->close();
+                });
+                constexpr int kGaveUp = 1;
+                QTimer::singleShot(20000, f.window.get(), [] { QCoreApplication::exit(kGaveUp); });
+                QCOMPARE(QApplication::exec(), 0);
+                QVERIFY(!f.window->isVisible());
+                QVERIFY(diagnostics == nullptr);
+            }
+        }
     }
 
     void deletesDiagnosticsWindowWhenNeverClosed()

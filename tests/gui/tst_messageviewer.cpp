@@ -201,6 +201,9 @@ private Q_SLOTS:
         QVERIFY(!header->sectionsMovable());
         QVERIFY(!header->stretchLastSection());
         QCOMPARE(header->sectionSize(0), header->sectionSizeHint(0));
+        QCOMPARE(f.tree->palette().color(QPalette::Window), QColor(239, 239, 239));
+        QCOMPARE(f.tree->palette().color(QPalette::Highlight), QColor(190, 220, 255));
+        QCOMPARE(f.tree->palette().color(QPalette::HighlightedText), QColor(Qt::black));
     }
 
     void checkBoxIsAtTheRight()
