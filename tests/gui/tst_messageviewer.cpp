@@ -301,47 +301,42 @@ private Q_SLOTS:
         }
     }
 
-    void rowsAreReadable_data()
-    {
-        QTest::addColumn<bool>("isDark");
-        QTest::addColumn<bool>("isDarkBefore"); // the window is made
-        QTest::newRow("usual desktop") << false << false;
-        QTest::newRow("dark desktop") << true << true;
-        QTest::newRow("desktop that turns dark") << true << false;
-    }
-
     void rowsAreReadable()
     {
-        QFETCH(const bool, isDark);
-        QFETCH(const bool, isDarkBefore);
+        const struct
+        {
+            bool isDarkBefore; // the window is made
+            bool isDark;
+        } desktops[] = {{false, false}, {true, true}, {false, true}};
+        for (const auto& desktop : desktops) {
+            const QPalette usual = QApplication::palette();
+            const ApplicationPalette atFirst(desktop.isDarkBefore ? darkPalette() : usual);
+            Fixture f;
+            for (const QsLogging::Level level : kShownLevels)
+                f.viewer.addMessage(level, kOneColumn);
+            const ApplicationPalette later(desktop.isDark ? darkPalette() : usual);
+            f.show();
 
-        const QPalette usual = QApplication::palette();
-        const ApplicationPalette atFirst(isDarkBefore ? darkPalette() : usual);
-        Fixture f;
-        for (const QsLogging::Level level : kShownLevels)
-            f.viewer.addMessage(level, kOneColumn);
-        const ApplicationPalette later(isDark ? darkPalette() : usual);
-        f.show();
-
-        constexpr double kMinContrast = 4.5;
-        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-            const auto color = [&](QPalette::ColorRole role) {
-                return f.tree->palette().color(group, role);
-            };
-            for (int row = 0; row < f.tree->topLevelItemCount(); ++row) {
-                const QColor text = f.tree->topLevelItem(row)->foreground(0).color();
-                QVERIFY(contrast(text, color(QPalette::Base)) >= kMinContrast);
-                QVERIFY(contrast(text, color(QPalette::AlternateBase)) >= kMinContrast);
-                // Some styles keep a row's colour when it is selected.
-                QVERIFY(contrast(text, color(QPalette::Highlight)) >= kMinContrast);
+            constexpr double kMinContrast = 4.5;
+            for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+                const auto color = [&](QPalette::ColorRole role) {
+                    return f.tree->palette().color(group, role);
+                };
+                for (int row = 0; row < f.tree->topLevelItemCount(); ++row) {
+                    const QColor text = f.tree->topLevelItem(row)->foreground(0).color();
+                    QVERIFY(contrast(text, color(QPalette::Base)) >= kMinContrast);
+                    QVERIFY(contrast(text, color(QPalette::AlternateBase)) >= kMinContrast);
+                    // Some styles keep a row's colour when it is selected.
+                    QVERIFY(contrast(text, color(QPalette::Highlight)) >= kMinContrast);
+                }
+                QVERIFY(contrast(color(QPalette::HighlightedText), color(QPalette::Highlight)) >=
+                        kMinContrast);
+                const QPalette header = f.tree->header()->palette();
+                QVERIFY(contrast(header.color(group, QPalette::ButtonText),
+                                 header.color(group, QPalette::Button)) >= kMinContrast);
+                const QPalette bar = f.scrollBar->palette();
+                QCOMPARE(bar.color(group, QPalette::Window), header.color(group, QPalette::Window));
             }
-            QVERIFY(contrast(color(QPalette::HighlightedText), color(QPalette::Highlight)) >=
-                    kMinContrast);
-            const QPalette header = f.tree->header()->palette();
-            QVERIFY(contrast(header.color(group, QPalette::ButtonText),
-                             header.color(group, QPalette::Button)) >= kMinContrast);
-            const QPalette bar = f.scrollBar->palette();
-            QCOMPARE(bar.color(group, QPalette::Window), header.color(group, QPalette::Window));
         }
     }
 
@@ -368,50 +363,37 @@ private Q_SLOTS:
         }
     }
 
-    void sectionsFitAllRows_data()
-    {
-        QTest::addColumn<int>("rowCount");
-        QTest::addColumn<int>("wideRow");
-        QTest::addColumn<QString>("wideText");
-        QTest::addColumn<bool>("isShown");
-
-        const QString latin(60, QLatin1Char('W'));
-        const QString other(60, QChar(0x6c34)); // as wide as it is high
-        for (const bool isShown : {false, true}) {
-            const char* state = isShown ? "shown" : "hidden";
-            const auto add = [&](const char* name, int rowCount, int wideRow, const QString& text) {
-                QTest::addRow("%s, %s", name, state) << rowCount << wideRow << text << isShown;
-            };
-            add("single row", 1, 0, latin);
-            add("narrower than the header", 1, 0, QStringLiteral("x"));
-            add("first row of a short list", 40, 0, latin);
-            add("last row of a short list", 40, 39, latin);
-            add("first row of a long list", 3000, 0, latin);
-            add("middle row of a long list", 3000, 1500, latin);
-            add("last row of a long list", 3000, 2999, latin);
-            add("not of Latin letters", 3000, 1500, other);
-            add("two lines in a row", 40, 20, latin + QLatin1Char('\n') + latin);
-        }
-    }
-
     void sectionsFitAllRows()
     {
-        QFETCH(const int, rowCount);
-        QFETCH(const int, wideRow);
-        QFETCH(const QString, wideText);
-        QFETCH(const bool, isShown);
-
-        Fixture f;
-        if (isShown)
-            f.show();
-        for (int row = 0; row < rowCount; ++row)
-            f.add({row == wideRow ? wideText : QStringLiteral("line %1").arg(row)});
-        // A short list is updated at once, a long one in the event loop.
-        if (rowCount > 50)
-            QApplication::processEvents();
-
-        QCOMPARE(f.tree->header()->sectionSize(0), f.neededWidth());
-        QCOMPARE(f.tree->header()->sectionResizeMode(0), QHeaderView::Fixed);
+        const QString latin(60, QLatin1Char('W'));
+        const QString other(60, QChar(0x6c34)); // as wide as it is high
+        const struct
+        {
+            int rowCount;
+            int wideRow;
+            QString wideText;
+        } lists[] = {
+            {1, 0, latin},       {1, 0, QStringLiteral("x")},
+            {40, 0, latin},      {40, 20, latin + QLatin1Char('\n') + latin},
+            {40, 39, latin},     {3000, 0, latin},
+            {3000, 1500, latin}, {3000, 1500, other},
+            {3000, 2999, latin},
+        };
+        for (const bool isShown : {false, true}) {
+            for (const auto& list : lists) {
+                Fixture f;
+                if (isShown)
+                    f.show();
+                for (int row = 0; row < list.rowCount; ++row)
+                    f.add(
+                        {row == list.wideRow ? list.wideText : QStringLiteral("line %1").arg(row)});
+                // A short list is updated at once, a long one in the event loop.
+                if (list.rowCount > 50)
+                    QApplication::processEvents();
+                QCOMPARE(f.tree->columnWidth(0), f.neededWidth());
+                QCOMPARE(f.tree->header()->sectionResizeMode(0), QHeaderView::Fixed);
+            }
+        }
     }
 
     void sectionsFitAllScripts_data()
@@ -566,46 +548,30 @@ private Q_SLOTS:
         }
     }
 
-    void scrollsToTheLastRow_data()
-    {
-        QTest::addColumn<int>("rowCount");
-        QTest::addColumn<QString>("lastText");
-        QTest::addColumn<bool>("isShown");
-
-        const QString tooWide(200, QLatin1Char('W')); // a horizontal scroll bar covers the bottom
-        for (const bool isShown : {false, true}) {
-            const char* state = isShown ? "shown" : "hidden";
-            const auto add = [&](const char* name, int rowCount, const QString& text) {
-                QTest::addRow("%s, %s", name, state) << rowCount << text << isShown;
-            };
-            add("short list", 40, QStringLiteral("last"));
-            add("long list", 3000, QStringLiteral("last"));
-            add("short list, wide last row", 40, tooWide);
-            add("long list, wide last row", 3000, tooWide);
-        }
-    }
-
     void scrollsToTheLastRow()
     {
-        QFETCH(const int, rowCount);
-        QFETCH(const QString, lastText);
-        QFETCH(const bool, isShown);
-
-        Fixture f;
-        if (isShown)
-            f.show();
-        f.addLines(rowCount - 1);
-        f.add({lastText});
-        if (rowCount <= 50)
-            QVERIFY(f.isLastRowInView());
-        for (int i = 0; i < 5; ++i) {
-            QApplication::processEvents();
-            // The rest of a hidden window's geometry follows when it is shown.
-            if (isShown || lastText == QLatin1String("last"))
-                QVERIFY(f.isLastRowInView());
+        const QString tooWide(200, QLatin1Char('W')); // a horizontal scroll bar covers the bottom
+        for (const int rowCount : {40, 3000}) {
+            for (const QString& lastText : {QStringLiteral("last"), tooWide}) {
+                for (const bool isShown : {false, true}) {
+                    Fixture f;
+                    if (isShown)
+                        f.show();
+                    f.addLines(rowCount - 1);
+                    f.add({lastText});
+                    if (rowCount <= 50)
+                        QVERIFY(f.isLastRowInView());
+                    for (int i = 0; i < 5; ++i) {
+                        QApplication::processEvents();
+                        // The rest of a hidden window's geometry follows when it is shown.
+                        if (isShown || lastText != tooWide)
+                            QVERIFY(f.isLastRowInView());
+                    }
+                    f.show();
+                    QTRY_VERIFY(f.isLastRowInView());
+                }
+            }
         }
-        f.show();
-        QTRY_VERIFY(f.isLastRowInView());
     }
 
     void showsTheLastRowAfterHiddenTimes()
