@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -347,15 +346,9 @@ private:
     // Of the run at hand.
     bool m_isEndReported = true;
     qint64 m_countLine = 0;
-    // What `end:` is, and the last timestep, if they differ: whether that is reported depends on
-    // the line after the timesteps.
-    struct OtherEnd
-    {
-        qint64 line;
-        QString end;
-        QString lastStep;
-    };
-    std::optional<OtherEnd> m_otherEnd;
+    // The line of an `end:` that is not the last timestep, else 0: whether that is reported depends
+    // on the line after the timesteps.
+    qint64 m_otherEndLine = 0;
 };
 
 // Of the key that counts, which is the last.
@@ -369,6 +362,7 @@ qint64 TimestepCheck::lineOfStepCount() const
 void TimestepCheck::runRead()
 {
     m_isEndReported = false;
+    m_otherEndLine = 0;
     m_countLine = lineOfStepCount();
     // Later runs are compared with the first.
     if (m_context.walk.runIndex() > 0)
@@ -381,10 +375,8 @@ void TimestepCheck::runRead()
     timesteps.checkStart();
     timesteps.checkStamps();
     timesteps.checkFirstYears();
-    const HtsRun& run = m_context.walk.run();
     if (timesteps.hasOtherEnd())
-        m_otherEnd = {m_context.lines.lineOf(kEndKey), dateTimeToText(run.end),
-                      run.timesteps.last()};
+        m_otherEndLine = m_context.lines.lineOf(kEndKey);
 }
 
 // Fewer timesteps than announced.
@@ -402,16 +394,14 @@ void TimestepCheck::reportEnd()
     if (m_isEndReported)
         return;
     m_isEndReported = true;
+    const HtsRun& run = m_context.walk.run();
     const qint64 surplus = m_context.recovery.surplusSteps();
-    if (surplus > 0) {
-        const int count = m_context.walk.run().timeStepCount;
-        add(kStepCount, m_countLine, "time_steps: announces %1 timesteps, and %2 follow", count,
-            std::max(count, 0) + surplus);
-    } else if (m_otherEnd) {
-        add(kEndDiffers, m_otherEnd->line, "end: %1 is not the last timestep, %2", m_otherEnd->end,
-            m_otherEnd->lastStep);
-    }
-    m_otherEnd.reset();
+    if (surplus > 0)
+        add(kStepCount, m_countLine, "time_steps: announces %1 timesteps, and %2 follow",
+            run.timeStepCount, run.timesteps.size() + surplus);
+    else if (m_otherEndLine > 0)
+        add(kEndDiffers, m_otherEndLine, "end: %1 is not the last timestep, %2",
+            dateTimeToText(run.end), run.timesteps.last());
 }
 
 } // namespace
