@@ -9,7 +9,6 @@
 #include <vector>
 
 #include <QBuffer>
-#include <QFile>
 #include <QHash>
 #include <QObject>
 #include <QTemporaryDir>
@@ -23,6 +22,7 @@
 #include "tests/annualize/conversioncompare.h"
 #include "tests/annualize/randomcase.h"
 #include "tests/hts/packagecompare.h"
+#include "tests/hts/piecedevice.h"
 #include "tests/support/hostsystem.h"
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
@@ -415,7 +415,7 @@ private Q_SLOTS:
     void resultSurvivesFile()
     {
         tryConversions([this](const RandomCase& conversion) -> QString {
-            const QByteArray firstText = convertFile(conversion, conversion.fileText());
+            const QByteArray firstText = convertText(conversion, conversion.fileText());
             HtsPackage first;
             QString message = read(firstText, first);
             if (!message.isEmpty())
@@ -528,20 +528,13 @@ private:
         return status.message;
     }
 
-    // Converts from file to file, as the front ends do. Returns the result or the message.
-    QByteArray convertFile(const RandomCase& conversion, const QByteArray& file)
+    // Converts the text of a file to that of the result. Returns it or the message.
+    QByteArray convertText(const RandomCase& conversion, const QByteArray& file)
     {
-        const QString inputPath = m_folder.filePath(QStringLiteral("input.hts"));
-        const QString resultPath = m_folder.filePath(QStringLiteral("result.hts"));
-        writeFile(inputPath, file);
-        QFile source(inputPath);
-        QFile result(resultPath);
-        if (!source.open(QIODevice::ReadOnly | QIODevice::Text) ||
-            !result.open(QIODevice::WriteOnly | QIODevice::Text | QIODevice::Truncate))
-            qFatal("cannot open the files");
-        const Status status = convertDevices(source, controlPath(), result, conversion.endMonth);
-        result.close();
-        return status.ok() ? fromTextMode(readFile(resultPath)) : status.message.toUtf8();
+        const auto source = openDevice(file, 0, readMode(true));
+        const ConversionOutcome outcome =
+            convertInOnePass(*source, controlPath(), conversion.endMonth);
+        return outcome.status.ok() ? outcome.written : outcome.status.message.toUtf8();
     }
 
     QString controlPath() const { return m_folder.filePath(QStringLiteral("methods.txt")); }

@@ -278,17 +278,6 @@ private Q_SLOTS:
         other.shareTexts(negative);
         QVERIFY(other.scales.isSharedWith(negative.scales));
     }
-
-    void statusIsSuccessWithoutMessage()
-    {
-        const Status success;
-        QVERIFY(success.ok());
-        QVERIFY(!success.flag);
-        const Status failed = failure(QStringLiteral("reason"));
-        QVERIFY(!failed.ok());
-        QCOMPARE(failed.message, QStringLiteral("reason"));
-        QVERIFY(!failed.flag);
-    }
 };
 
 HTS_TEST(HtsPackageTest, NoApplication)

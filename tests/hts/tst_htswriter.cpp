@@ -336,14 +336,6 @@ private Q_SLOTS:
         QCOMPARE(HtsPackage().read(device).message, QStringLiteral("Cannot read run preamble"));
     }
 
-    void leavesPackageUnchanged()
-    {
-        const HtsPackage package = packageOf(series(), 2, {1.0, kNaN});
-        const HtsPackage copy = package;
-        written(package);
-        QCOMPARE(difference(package, copy), QString());
-    }
-
     void writesUtf8InAnyLocale()
     {
         HtsSlot slot = series("\xe2\x82\xac");

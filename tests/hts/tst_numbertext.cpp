@@ -89,7 +89,7 @@ private Q_SLOTS:
     void decodesLines_data()
     {
         addColumns<QByteArray, QString>("bytes", "expected");
-        const QString mark(QChar(QChar::ByteOrderMark));
+        const QString marked = QStringLiteral("a") + QChar(QChar::ByteOrderMark);
         addRows<QByteArray, QString>(
             {{"empty", "", QString()},
              {"letters", "Lake A", QStringLiteral("Lake A")},
@@ -97,7 +97,7 @@ private Q_SLOTS:
              {"outside the basic plane", "\xf0\x9f\x8c\x8a", QStringLiteral("\U0001f30a")},
              {"bad bytes", "a\xff\xfe-", QStringLiteral("a\ufffd\ufffd-")},
              {"byte order mark at the start", "\xef\xbb\xbfname:", QStringLiteral("name:")},
-             {"byte order mark inside", "a\xef\xbb\xbf", QStringLiteral("a") + mark},
+             {"byte order mark inside", "a\xef\xbb\xbf", marked},
              {"ends at NUL", QByteArray("ab\0cd", 5), QStringLiteral("ab")},
              {"NUL only", QByteArray("\0", 1), QString()}});
     }
@@ -319,6 +319,9 @@ private Q_SLOTS:
             {-kNaN, "NaN"},
             {kInfinity, "NaN"},
             {-kInfinity, "NaN"},
+            // Decimals that round to a whole.
+            {0.9999999999999, "1.000000000000"},
+            {-2.9999999999999, "-3.000000000000"},
             // Exact halves of the last digit are rounded away from zero.
             {1.0 / 8192, "0.000122070313"},
             {-1.0 / 8192, "-0.000122070313"},
