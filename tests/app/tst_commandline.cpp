@@ -224,9 +224,7 @@ private Q_SLOTS:
         run.environment.insert(QStringLiteral("XDG_RUNTIME_DIR"),
                                QStringLiteral("/no/such/folder"));
         run.start(words("-i a.hts -o b.hts -c c.txt"));
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.ended(), QByteArray("exit 0"));
     }
 
     void needsNoDisplay()
@@ -268,9 +266,7 @@ private Q_SLOTS:
         AnnualizerRun run;
         writeInputs(run);
         run.start(words("-i a.hts -o b.hts -c c.txt"));
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.ended(), QByteArray("exit 0"));
         QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
         QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))), logWithOutcome(kCreated));
         QCOMPARE(run.files(), (QStringList{QStringLiteral("a.hts"), QStringLiteral("b.hts"),
@@ -331,9 +327,7 @@ private Q_SLOTS:
         AnnualizerRun run;
         writeInputs(run);
         run.start(words("-i a.hts -o b.hts -c c.txt -y") + QStringList{given});
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.ended(), QByteArray("exit 1"));
         QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
                  logWithOutcome("HtsAnnualizer Error: Invalid end month for year specified with -y "
                                 "option: " +
@@ -479,9 +473,7 @@ private Q_SLOTS:
         run.write(QStringLiteral("a.hts"), input);
         run.write(QStringLiteral("c.txt"), control);
         run.start(words("-i a.hts -o b.hts -c c.txt"));
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.ended(), QByteArray("exit 1"));
         QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
                  logWithOutcome("HtsAnnualizer Error: \n" + message + "\n\n"));
         QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
@@ -515,9 +507,7 @@ private Q_SLOTS:
         run.write(QStringLiteral("run.sh"), "exec \"$PROGRAM\" -i a.hts -o d\xc3\xa9"
                                             "bit.hts -c c.txt\n");
         run.startShell(QStringLiteral(". ./run.sh; "));
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.ended(), QByteArray("exit 0"));
         run.startShell(QStringLiteral("mv d*.hts b.hts; mv d*.log b.log"));
         QCOMPARE(run.read(QStringLiteral("b.hts")),
                  monthlySums().replace("Lake A", lake).replace("units: cms", "units: " + unit));

@@ -221,9 +221,7 @@ private Q_SLOTS:
         run.write(QStringLiteral("b.hts"), kOldResult);
         run.startShell(QStringLiteral("%1\n%2 \"$PROGRAM\" -i a.hts -o b.hts -c c.txt")
                            .arg(preparation, withPermissionsThatCount()));
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.ended(), QByteArray("exit 1"));
         QCOMPARE(withoutTime(bytes(run, "b.log")), logWithError(kNoMethods));
         QCOMPARE(bytes(run, "b.hts"), QByteArray());
     }
@@ -308,9 +306,7 @@ private Q_SLOTS:
                                        "\"$PROGRAM\" -i p -o b.hts -c c.txt")
                             .arg(size));
         for (const AnnualizerRun* run : {&file, &pipe}) {
-            QCOMPARE(run->output, QByteArray());
-            QCOMPARE(run->errors, QByteArray());
-            QCOMPARE(run->exitCode, 1);
+            QCOMPARE(run->ended(), QByteArray("exit 1"));
             QCOMPARE(withoutTime(bytes(*run, "b.log")).replace("\np\n", "\na.hts\n"),
                      logWithError(message));
             QCOMPARE(bytes(*run, "b.hts"), QByteArray());
@@ -354,9 +350,7 @@ private Q_SLOTS:
         const int size = bytes(run, "c.txt").size();
         preload(run, {"c.txt", "read", at < 0 ? size + at : at, count});
         run.start(words("-i a.hts -o b.hts -c c.txt"));
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.ended(), QByteArray("exit 1"));
         QCOMPARE(withoutTime(bytes(run, "b.log")), logWithError(kNoMethods));
         QCOMPARE(bytes(run, "b.hts"), QByteArray());
     }
@@ -393,9 +387,7 @@ private Q_SLOTS:
         const QByteArray callName = call.toLatin1();
         preload(run, {"b.hts", callName.constData(), at, kAlways, error});
         run.start(words("-i a.hts -o b.hts -c c.txt"));
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.ended(), QByteArray("exit 1"));
         QCOMPARE(withoutTime(bytes(run, "b.log")), logWithError(message));
         // What the disk has accepted stays.
         const QByteArray sums = withSlots(monthlySums(), kManySlots);
@@ -577,9 +569,7 @@ private Q_SLOTS:
         writeManySlots(run);
         preload(run, {"b.hts", "write", 20000, 1, 0, signal});
         run.start(words("-i a.hts -o b.hts -c c.txt"));
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, -1);
+        QCOMPARE(run.ended(), QByteArray("exit -1"));
         QCOMPARE(withoutTime(bytes(run, "b.log")), logWithOutcome(""));
         QCOMPARE(bytes(run, "b.hts"), withSlots(monthlySums(), kManySlots).left(20000));
     }

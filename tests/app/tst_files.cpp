@@ -34,9 +34,7 @@ private Q_SLOTS:
         AnnualizerRun run;
         writeInputs(run);
         run.startShell(command);
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.ended(), QByteArray("exit 0"));
         QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
         QVERIFY(run.read(QStringLiteral("b.log")).endsWith(kCreated));
     }
@@ -197,9 +195,7 @@ private Q_SLOTS:
         AnnualizerRun run;
         writeInputs(run);
         run.start(words("-i a.hts -o /dev/full -c c.txt -l b.log"));
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 1);
+        QCOMPARE(run.ended(), QByteArray("exit 1"));
         QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
                  logWithOutcome("HtsAnnualizer Error: \nNo space left on device\n\n")
                      .replace("b.hts", "/dev/full"));

@@ -44,9 +44,7 @@ private Q_SLOTS:
         AnnualizerRun run;
         writeBothInputs(run);
         run.startShell(commandWithOpenPipe(writer));
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.ended(), QByteArray("exit 0"));
         QCOMPARE(run.read(QStringLiteral("b.hts")), expectedResult(writer));
         QVERIFY(run.read(QStringLiteral("b.log")).endsWith(kCreated));
     }
@@ -67,9 +65,7 @@ private Q_SLOTS:
             AnnualizerRun run;
             writeBothInputs(run);
             run.startShell(QString::fromLatin1(command).arg(exchange));
-            QCOMPARE(run.output, QByteArray());
-            QCOMPARE(run.errors, QByteArray());
-            QCOMPARE(run.exitCode, 0);
+            QCOMPARE(run.ended(), QByteArray("exit 0"));
             QCOMPARE(run.read(QStringLiteral("b.hts")), expectedResult(writer));
             QVERIFY(run.read(QStringLiteral("b.log")).endsWith(kCreated));
         }

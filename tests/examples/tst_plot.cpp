@@ -171,9 +171,7 @@ private Q_SLOTS:
         plot.prepare(example(name + QStringLiteral(".hts")), qPrintable(endMonth),
                      example(name + QStringLiteral("_methods.txt")));
         draw(plot, recipe);
-        QCOMPARE(plot.errors, QByteArray());
-        QCOMPARE(plot.output, QByteArray());
-        QCOMPARE(plot.exitCode, 0);
+        QCOMPARE(plot.ended(), QByteArray("exit 0"));
         const QImage picture = plot.picture();
         QCOMPARE(picture.size(), size);
         QVERIFY(count(picture, kInput) > 100);

@@ -100,9 +100,7 @@ private Q_SLOTS:
         AnnualizerRun run;
         makeSourceTree(run);
         run.startShell(QString::fromUtf8(block("build/release/app/HtsAnnualizer ")));
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.ended(), QByteArray("exit 0"));
         const QByteArray result = run.read(QStringLiteral("build/rivers_annual.hts"));
         QCOMPARE(result, golden("rivers_september.expected"));
         QVERIFY(hasLines(result, block("units: ")));
@@ -129,9 +127,7 @@ private Q_SLOTS:
         AnnualizerRun run;
         makeSourceTree(run);
         run.startShell(QString::fromUtf8(block("cat ")));
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.ended(), QByteArray("exit 0"));
         QCOMPARE(run.read(QStringLiteral("build/piped.hts")), golden("rivers_september.expected"));
         QVERIFY(run.read(QStringLiteral("build/piped.log")).endsWith(kCreated));
     }
@@ -157,8 +153,7 @@ private Q_SLOTS:
         run.startShell(QStringLiteral("$PROGRAM -i '" SOURCE_DIR
                                       "/tests/tool/files/pond.hts' -c '" SOURCE_DIR
                                       "/tests/tool/files/pond_methods.txt' -o annual.hts"));
-        QCOMPARE(run.output + run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.ended(), QByteArray("exit 0"));
         const QByteArray text = sourceFile(QStringLiteral("docs/htstool.md"));
         const int begin = text.indexOf("the average of 2022 is\n") + 23;
         const QByteArray shown = text.mid(begin, text.indexOf(".\n", begin) - begin);
@@ -174,9 +169,7 @@ private Q_SLOTS:
         AnnualizerRun run;
         makeSourceTree(run);
         run.startShell(QString::fromUtf8(blocks.first()));
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.output, QByteArray());
-        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.ended(), QByteArray("exit 0"));
         QCOMPARE(run.read(QStringLiteral("build/basins_annual.hts")),
                  golden("basins_december.expected"));
     }
@@ -232,8 +225,7 @@ private Q_SLOTS:
                                    QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path() +
                                        QStringLiteral(":/usr/bin:/bin"));
             run.startShell(QString::fromUtf8(block));
-            QCOMPARE(run.output + run.errors, QByteArray());
-            QCOMPARE(run.exitCode, 0);
+            QCOMPARE(run.ended(), QByteArray("exit 0"));
             QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
             QVERIFY(!run.exists(QStringLiteral("b.new")));
             QVERIFY(run.read(QStringLiteral("b.log")).endsWith(kCreated));

@@ -51,6 +51,11 @@ void ProcessRun::execute(const QString& program, const QStringList& arguments,
     errors = process.readAllStandardError();
 }
 
+QByteArray ProcessRun::ended() const
+{
+    return output + errors + "exit " + QByteArray::number(exitCode);
+}
+
 QString ProcessRun::path(const QString& name) const
 {
     return m_folder.filePath(name);

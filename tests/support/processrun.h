@@ -27,6 +27,9 @@ public:
     // The same through a shell, for redirections; $PROGRAM is the program.
     void startShell(const QString& command);
 
+    // What the run printed, and its exit code: "exit 0" for a success without a word.
+    QByteArray ended() const;
+
     QString path(const QString& name) const;
     void write(const QString& name, const QByteArray& content) const;
     // Content of a file, "(no file)" when there is none.
