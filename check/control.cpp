@@ -26,7 +26,11 @@ bool isUtf8(std::string_view bytes)
 class LineCollector : public MethodControl::Observer
 {
 public:
-    explicit LineCollector(std::vector<RuleLine>& lines) : m_lines(lines) {}
+    // `none` is an empty list with the options for the bad lines.
+    LineCollector(std::vector<RuleLine>& lines, const FindingList& none)
+        : badLines(none), m_lines(lines)
+    {
+    }
 
     void ruleRead(RuleId rule, qint64 lineNumber, std::string_view line) override
     {
@@ -58,7 +62,7 @@ private:
 // Appends the line of each rule to `lines`, and reports why there are no rules.
 ControlFile readFile(const QString& path, std::vector<RuleLine>& lines, FindingList& findings)
 {
-    LineCollector collector(lines);
+    LineCollector collector(lines, findings);
     ControlFile control = readControlFile(path, &collector);
     if (control.isRead)
         findings = collector.badLines;
@@ -79,8 +83,9 @@ const Topic& controlTopic()
     return kTopic;
 }
 
-ControlCheck::ControlCheck(const QString& path)
-    : m_file(readFile(path, m_lines, m_findings)), m_uses(m_file.rules, m_lines)
+ControlCheck::ControlCheck(const QString& path, const FindingOptions& options)
+    : m_findings(options), m_file(readFile(path, m_lines, m_findings)),
+      m_uses(m_file.rules, m_lines)
 {
 }
 

@@ -22,7 +22,7 @@ class ControlCheck
 {
 public:
     // Reads the file as a conversion does.
-    explicit ControlCheck(const QString& path);
+    explicit ControlCheck(const QString& path, const FindingOptions& options = {});
     Q_DISABLE_COPY(ControlCheck)
 
     const ControlFile& file() const { return m_file; }

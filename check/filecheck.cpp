@@ -28,6 +28,13 @@ ControlFile ruleForAll()
     return control;
 }
 
+CheckReport reportWith(const FindingOptions& findings)
+{
+    CheckReport report;
+    report.findings = FindingList(findings);
+    return report;
+}
+
 // One walk over a file: a conversion judges each section, then the checks of all topics look at it.
 // As observers of the reader they also see each line.
 class FileCheck
@@ -64,7 +71,8 @@ private:
 };
 
 FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
-    : m_sentinels(options.sentinels), m_firstBlock(firstBlockOf(device)), m_reader(device),
+    : m_report(reportWith(options.findings)), m_sentinels(options.sentinels),
+      m_firstBlock(firstBlockOf(device)), m_reader(device),
       m_walk(m_reader, m_package, kWalkOptions),
       m_conversion(
           [control = options.control] {
@@ -75,6 +83,12 @@ FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
                 m_sentinels, m_report.findings, m_recovery, m_lines,      options.control,
                 m_years,     options.maxMissing}
 {
+    // The findings of such a file may have to make way for one.
+    if (!otherFileText(m_firstBlock).isEmpty()) {
+        FindingOptions kept;
+        kept.ignored = options.findings.ignored;
+        m_report.findings = FindingList(kept);
+    }
     for (const Topic* topic : findingTopics()) {
         m_checks.push_back(topic->makeCheck(m_context));
         m_reader.addObserver(*m_checks.back());

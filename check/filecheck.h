@@ -26,6 +26,7 @@ struct CheckOptions
     MaxMissing maxMissing;
     // Numbers that mark missing values, in addition to the known ones; finite.
     std::vector<double> sentinels;
+    FindingOptions findings;
     // Gets the counts of timesteps and missing values, a row for each year of each series slot;
     // null for no counts. Not owned.
     CsvWriter* counts = nullptr;

@@ -1,5 +1,6 @@
 #include "check/finding.h"
 
+#include "check/nearwords.h"
 #include "check/topic.h"
 
 const char* severityName(Severity severity)
@@ -34,4 +35,33 @@ const FindingKind* findFindingKind(const QString& code)
         }
     }
     return nullptr;
+}
+
+const FindingKind* nearestFindingKind(const QString& code)
+{
+    const FindingKind* nearest = nullptr;
+    int limit = code.size() / 2;
+    for (const Topic* topic : findingTopics()) {
+        for (const FindingKind* kind : topic->kinds) {
+            const int distance =
+                editDistance(code.toLower(), QString::fromLatin1(kind->code), limit);
+            if (distance <= limit) {
+                nearest = kind;
+                limit = distance - 1;
+            }
+        }
+    }
+    return nearest;
+}
+
+FindingKinds findingKindsFrom(Severity severity)
+{
+    FindingKinds kinds;
+    for (const Topic* topic : findingTopics()) {
+        for (const FindingKind* kind : topic->kinds) {
+            if (kind->severity >= severity)
+                kinds.insert(kind);
+        }
+    }
+    return kinds;
 }

@@ -1,6 +1,8 @@
 #ifndef CHECK_FINDING_H
 #define CHECK_FINDING_H
 
+#include <set>
+
 #include <QString>
 #include <QtGlobal>
 
@@ -24,8 +26,14 @@ struct FindingKind
     const char* advice;
 };
 
+using FindingKinds = std::set<const FindingKind*>;
+
 // The kind with that code, or null.
 const FindingKind* findFindingKind(const QString& code);
+// The kind whose code is the most like the text, or null if it has little in common with any.
+const FindingKind* nearestFindingKind(const QString& code);
+// All kinds that are that severe or worse.
+FindingKinds findingKindsFrom(Severity severity);
 
 // One thing that was found.
 struct Finding

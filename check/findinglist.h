@@ -1,8 +1,11 @@
 #ifndef CHECK_FINDINGLIST_H
 #define CHECK_FINDINGLIST_H
 
+#include <functional>
+#include <limits>
 #include <map>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <QLatin1String>
@@ -38,12 +41,34 @@ QString worded(const char* pattern, const Arguments&... arguments)
 // read run preamble"".
 QString conversionFails(const QString& message);
 
-// Collects what is found in one file. The first ten of each kind are kept, the others only counted,
-// so that a file with a million defects takes no more memory than one with ten.
+// What a FindingList does with what is found.
+struct FindingOptions
+{
+    static constexpr qint64 kAll = std::numeric_limits<qint64>::max();
+
+    // Kinds that are left out as if they did not exist.
+    FindingKinds ignored;
+    // How many findings of a kind are kept.
+    qint64 maxKeptPerKind = 10;
+    // Gets each finding when it is found, in place of keeping it; may be empty.
+    std::function<void(const Finding&)> sink;
+};
+
+// How many findings of a kind there are.
+struct FindingCount
+{
+    const FindingKind* kind;
+    qint64 count;
+};
+
+// Collects what is found in one file. Unless the options say otherwise, the first ten of each kind
+// are kept, the others only counted, so that a file with a million defects takes no more memory
+// than one with ten.
 class FindingList
 {
 public:
-    static constexpr qint64 kMaxKeptPerKind = 10;
+    FindingList() = default;
+    explicit FindingList(FindingOptions options) : m_options(std::move(options)) {}
 
     // Adds a finding with the text that `makeText()` returns, which is called only if the finding
     // is kept; or with the text worded(pattern, arguments...).
@@ -53,20 +78,26 @@ public:
         if (!countOne(kind))
             return;
         if constexpr (std::is_invocable_v<Text>)
-            m_kept.push_back({&kind, line, text()});
+            keep({&kind, line, text()});
         else
-            m_kept.push_back({&kind, line, worded(text, arguments...)});
+            keep({&kind, line, worded(text, arguments...)});
     }
 
     // How many findings of a kind there are, kept or not.
     qint64 count(const FindingKind& kind) const;
     qint64 count(Severity severity) const;
+    bool hasAnyOf(const FindingKinds& kinds) const;
+    // The kinds of which there are findings that were neither kept nor taken by the sink, and how
+    // many; in the order in which people read them.
+    std::vector<FindingCount> notShown() const;
     // The findings that are kept, in the order of lines.
     std::vector<Finding> sorted() const;
 
 private:
     bool countOne(const FindingKind& kind);
+    void keep(Finding finding);
 
+    FindingOptions m_options;
     std::map<const FindingKind*, qint64> m_counts;
     std::vector<Finding> m_kept;
 };

@@ -45,20 +45,25 @@ QString countsText(const QString& file, qint64 errors, qint64 warnings, qint64 n
 
 } // namespace
 
+ReportLine findingLine(const Finding& finding, const QString& file)
+{
+    return {worded("%1:%2", file, finding.line), finding.severity(),
+            worded("%1 [%2]", finding.text, finding.code())};
+}
+
+ReportLine restLine(const FindingCount& rest, const QString& file)
+{
+    return {worded("%1", file), rest.kind->severity,
+            worded("%1 more [%2]", rest.count, rest.kind->code)};
+}
+
 std::vector<ReportLine> findingLines(const FindingList& findings, const QString& file)
 {
     std::vector<ReportLine> lines;
     for (const Finding& finding : findings.sorted())
-        lines.push_back({worded("%1:%2", file, finding.line), finding.severity(),
-                         worded("%1 [%2]", finding.text, finding.code())});
-    for (const Topic* topic : findingTopics()) {
-        for (const FindingKind* kind : topic->kinds) {
-            const qint64 rest = findings.count(*kind) - FindingList::kMaxKeptPerKind;
-            if (rest > 0)
-                lines.push_back(
-                    {worded("%1", file), kind->severity, worded("%1 more [%2]", rest, kind->code)});
-        }
-    }
+        lines.push_back(findingLine(finding, file));
+    for (const FindingCount& rest : findings.notShown())
+        lines.push_back(restLine(rest, file));
     return lines;
 }
 

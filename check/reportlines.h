@@ -6,7 +6,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "check/finding.h"
+#include "check/findinglist.h"
 
 class FindingList;
 struct CheckReport;
@@ -25,6 +25,10 @@ struct ReportLine
     Severity severity;
     QString text; // ends with the code in brackets
 };
+
+ReportLine findingLine(const Finding& finding, const QString& file);
+// How many more findings of a kind there are than are kept.
+ReportLine restLine(const FindingCount& rest, const QString& file);
 
 // The findings about a file; then, for each code with more findings than are kept, how many more
 // there are.

@@ -99,6 +99,28 @@ void checkProgram(const QList<QByteArray>& arguments)
                        described(readPlainly(arguments)));
 }
 
+QString formatWord(ToolOptions::Format format)
+{
+    switch (format) {
+    case ToolOptions::Format::Json:
+        return QStringLiteral("json");
+    case ToolOptions::Format::Sarif:
+        return QStringLiteral("sarif");
+    case ToolOptions::Format::Github:
+        return QStringLiteral("github");
+    default:
+        return QStringLiteral("text");
+    }
+}
+
+QString codesOf(const FindingKinds& kinds)
+{
+    QStringList codes;
+    for (const FindingKind* kind : kinds)
+        codes.append(QString::fromLatin1(kind->code));
+    return codes.join(QLatin1Char(','));
+}
+
 // Arguments that ask for what the options say. Long names, and "--" before the files, leave nothing
 // to the letters that a value begins with.
 QStringList argumentsFor(const ToolOptions& options)
@@ -113,9 +135,12 @@ QStringList argumentsFor(const ToolOptions& options)
         arguments.append(QStringLiteral("check"));
         add("--control", options.controlPath);
         add("--end-month", QString::number(options.endMonth));
-        add("--format", options.format == ToolOptions::Format::Json ? QStringLiteral("json")
-                                                                    : QStringLiteral("text"));
         add("--max-missing", options.maxMissing.text());
+        add("--format", formatWord(options.format));
+        add("--ignore", codesOf(options.ignored));
+        add("--fail-on", codesOf(options.failing));
+        if (options.hasAllFindings)
+            arguments.append(QStringLiteral("--all"));
         add("--counts", options.countsPath);
     } else {
         arguments.append(QStringLiteral("export"));

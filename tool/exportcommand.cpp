@@ -7,12 +7,11 @@
 #include "tool/toolfiles.h"
 #include "tool/toolio.h"
 #include "tool/tooloptions.h"
-#include "utils/checkedfile.h"
 
 int runExport(const ToolOptions& options, const ToolIo& io)
 {
     const QString& path = options.files.first();
-    UtilsNS::CheckedFile input;
+    InputFile input(io);
     OutputFile output(io);
     if (!openInput(path, input, io) || !output.open(options.outputPath, {path}))
         return ExitCode::kUnusable;

@@ -1,22 +1,41 @@
 #ifndef TOOL_JSONREPORT_H
 #define TOOL_JSONREPORT_H
 
-#include <QJsonArray>
-#include <QJsonObject>
+#include "tool/reportwriter.h"
 
-class FindingList;
-struct CheckReport;
-struct ReportNames;
+class QJsonValue;
 
-// The entry for one file in the document of htstool check --format json, which docs/htstool.md
-// describes.
-QJsonObject jsonReport(const CheckReport& report, const ReportNames& names, int exitCode);
+// The document of htstool check --format json, which docs/htstool.md describes, and
+// docs/htstool-check.schema.json for programs.
+class JsonReport : public ReportWriter
+{
+public:
+    // Raised when a key goes or means something else.
+    static constexpr int kFormat = 2;
 
-// The findings about a file, and how often each code was found.
-QJsonArray jsonFindings(const FindingList& findings, const QString& file);
-QJsonObject jsonCounts(const FindingList& findings);
+    JsonReport(const ToolOptions& options, QIODevice& device)
+        : ReportWriter(device), m_options(options)
+    {
+    }
 
-// The entry for a file that could not be opened or read.
-QJsonObject jsonUnreadable(const ReportNames& names, const QString& problem, int exitCode);
+    void begin() override;
+    void add(const Finding& finding) override;
+    void endFile(const CheckReport& report, const FindingList* control, int exitCode) override;
+    void endUnreadable(const QString& problem, int exitCode) override;
+    void end(const FindingList& control, int exitCode) override;
+
+protected:
+    void fileBegun() override;
+
+private:
+    void writeRest(const CheckReport& report, const QJsonValue& conversion,
+                   const QJsonValue& problem, int exitCode);
+    void writePlan(const CheckReport& report);
+    void writeFinding(const Finding& finding, const QString& file);
+
+    const ToolOptions& m_options;
+    bool m_hasFile = false;    // before the file at hand
+    bool m_hasFinding = false; // in the array at hand
+};
 
 #endif // TOOL_JSONREPORT_H

@@ -1,10 +1,11 @@
-// The entry of htstool: standard streams, colour, and the exit code.
+// The entry of htstool: standard streams, colour, progress, and the exit code.
 
 #include <cstdio>
 
 #include <QCoreApplication>
 #include <QString>
 
+#include "tool/progress.h"
 #include "tool/terminal.h"
 #include "tool/tool.h"
 #include "tool/toolfiles.h"
@@ -16,6 +17,7 @@ namespace {
 
 void showNoMemory()
 {
+    wipeTerminalLine();
     std::fputs("htstool: not enough memory\n", stderr);
 }
 
@@ -33,8 +35,12 @@ int main(int argc, char* argv[])
         !errors.openStream(stderr, QIODevice::WriteOnly | QIODevice::Unbuffered))
         return ExitCode::kUnusable;
     const OutputColour colour;
-    const ToolIo io{output, errors, colour.isWanted()};
+    Progress progress(terminalLine());
+    WipingDevice shownOutput(output, progress);
+    WipingDevice shownErrors(errors, progress);
+    const ToolIo io{shownOutput, shownErrors, colour.isWanted(), &progress};
     const int exitCode = runTool(processArguments(argc, argv), io);
+    progress.wipe();
     // An incomplete report must not look like a good one.
     const bool isWhole = finishOutput(QStringLiteral("standard output"), output, io);
     return isWhole && errors.finish().ok() ? exitCode : ExitCode::kUnusable;

@@ -6,7 +6,9 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include "tool/progress.h"
 #include "tool/toolfiles.h"
+#include "tool/toolio.h"
 #include "utils/checkedfile.h"
 #include "utils/fileroles.h"
 #include "utils/processsetup.h"
@@ -117,6 +119,8 @@ bool OutputFile::openDirectly()
                             : m_direct->open(QIODevice::WriteOnly);
     if (!isOpen)
         reportProblem(m_path, m_direct->errorString(), m_io);
+    else if (m_io.progress != nullptr && isTerminal(m_direct->handle()))
+        m_io.progress->stop();
     return isOpen;
 }
 

@@ -1,6 +1,9 @@
 #ifndef TOOL_TERMINAL_H
 #define TOOL_TERMINAL_H
 
+#include <memory>
+
+#include <QString>
 #include <QStringList>
 
 // What a process has of the terminal or console that it runs in, in the way of each system.
@@ -20,6 +23,29 @@ public:
 private:
     bool m_isWanted = false;
 };
+
+// Where one line is shown until another takes its place, or it is wiped.
+class StatusLine
+{
+public:
+    StatusLine() = default;
+    virtual ~StatusLine() = default;
+    Q_DISABLE_COPY(StatusLine)
+
+    // How many there are for the line and the cursor after it.
+    virtual int columns() const = 0;
+    virtual void show(const QString& text) = 0;
+    virtual void wipe() = 0;
+};
+
+// The line of the terminal that is the standard error; null if that is none, or one that cannot
+// wipe. A signal or an interrupt that ends the process wipes it, too. Call it once.
+std::unique_ptr<StatusLine> terminalLine();
+// Wipes that line, where there is no object at hand. Takes no memory.
+void wipeTerminalLine();
+
+// Whether what is written to the descriptor, which may be -1, comes to a terminal.
+bool isTerminal(int descriptor);
 
 // The arguments of the process, given those of main().
 QStringList processArguments(int argc, const char* const* argv);

@@ -1,9 +1,6 @@
 #include "tool/textreport.h"
 
-#include <QIODevice>
-
 #include "check/filecheck.h"
-#include "tool/toolio.h"
 
 namespace {
 
@@ -28,26 +25,39 @@ QString nameOf(Severity severity, bool hasColour)
     return QLatin1String(colourOf(severity)) + name + QLatin1String("\033[0m");
 }
 
-QString textOf(const ReportLine& line, bool hasColour)
-{
-    return line.place + QLatin1String(": ") + nameOf(line.severity, hasColour) +
-           QLatin1String(": ") + line.text + QLatin1Char('\n');
-}
-
 } // namespace
 
-void writeFindings(const FindingList& findings, const QString& file, const ToolIo& io)
+void TextReport::writeReportLine(const ReportLine& line)
 {
-    for (const ReportLine& line : findingLines(findings, file))
-        io.output.write(textOf(line, io.hasColour).toUtf8());
+    const QString text = line.place + QLatin1String(": ") + nameOf(line.severity, m_hasColour) +
+                         QLatin1String(": ") + line.text;
+    writeLine(text.toUtf8());
 }
 
-// Line by line: a plan can be long.
-void writeReport(const CheckReport& report, const FindingList& control, const ReportNames& names,
-                 const ToolIo& io)
+void TextReport::add(const Finding& finding)
 {
-    writeFindings(report.findings, names.file, io);
-    writeFindings(control, names.control, io);
-    for (const QString& line : planLines(report, names))
-        io.output.write(line.toUtf8() + '\n');
+    writeReportLine(findingLine(finding, names().file));
+}
+
+void TextReport::endFile(const CheckReport& report, const FindingList* control, int /*exitCode*/)
+{
+    for (const FindingCount& rest : report.findings.notShown())
+        writeReportLine(restLine(rest, names().file));
+    if (control != nullptr)
+        writeControl(*control);
+    for (const QString& line : planLines(report, names()))
+        writeLine(line.toUtf8());
+}
+
+void TextReport::end(const FindingList& control, int /*exitCode*/)
+{
+    if (!m_hasControl)
+        writeControl(control);
+}
+
+void TextReport::writeControl(const FindingList& control)
+{
+    for (const ReportLine& line : findingLines(control, names().control))
+        writeReportLine(line);
+    m_hasControl = true;
 }

@@ -1,18 +1,25 @@
 #ifndef TOOL_TEXTREPORT_H
 #define TOOL_TEXTREPORT_H
 
-#include "check/reportlines.h"
+#include "tool/reportwriter.h"
 
-class FindingList;
-struct CheckReport;
-struct ToolIo;
+// A report for people: the findings, one on each line; then, for each code with more findings than
+// are listed, how many more there are; then, with a control file, the plan of the conversion.
+class TextReport : public ReportWriter
+{
+public:
+    TextReport(QIODevice& device, bool hasColour) : ReportWriter(device), m_hasColour(hasColour) {}
 
-// Writes the findings about a file, one on each line, as findingLines() has them.
-void writeFindings(const FindingList& findings, const QString& file, const ToolIo& io);
+    void add(const Finding& finding) override;
+    void endFile(const CheckReport& report, const FindingList* control, int exitCode) override;
+    void end(const FindingList& control, int exitCode) override;
 
-// Writes the findings about an HTS file; then those of `control`, which are about the control file;
-// then, with a control file, the plan of the conversion.
-void writeReport(const CheckReport& report, const FindingList& control, const ReportNames& names,
-                 const ToolIo& io);
+private:
+    void writeReportLine(const ReportLine& line);
+    void writeControl(const FindingList& control);
+
+    const bool m_hasColour;
+    bool m_hasControl = false; // written
+};
 
 #endif // TOOL_TEXTREPORT_H

@@ -7,6 +7,7 @@
 #include "tool/checkcommand.h"
 #include "tool/explaincommand.h"
 #include "tool/exportcommand.h"
+#include "tool/progress.h"
 #include "tool/toolio.h"
 #include "tool/tooloptions.h"
 
@@ -32,6 +33,8 @@ int runTool(const QStringList& arguments, const ToolIo& io)
     // The engine's log lines are about conversions.
     QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
     const ToolOptions options = parseToolOptions(arguments);
+    if (io.progress != nullptr)
+        io.progress->begin(options.files);
     switch (options.request) {
     case ToolOptions::Request::Text:
         return showText(options.text, io);

@@ -3,8 +3,8 @@
 #include <cstdio>
 
 #include "hts/quotedtext.h"
+#include "tool/progress.h"
 #include "tool/toolio.h"
-#include "utils/checkedfile.h"
 #include "utils/processsetup.h"
 
 void reportProblem(const QString& path, const QString& text, const ToolIo& io)
@@ -12,7 +12,15 @@ void reportProblem(const QString& path, const QString& text, const ToolIo& io)
     io.errors.write(QStringLiteral("htstool: %1: %2\n").arg(shown(path), shown(text)).toUtf8());
 }
 
-bool openInput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io)
+qint64 InputFile::readData(char* data, qint64 maxSize)
+{
+    const qint64 count = CheckedFile::readData(data, maxSize);
+    if (m_io.progress != nullptr && count > 0)
+        m_io.progress->addBytes(count);
+    return count;
+}
+
+bool openInput(const QString& path, InputFile& file, const ToolIo& io)
 {
     constexpr auto kMode = QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered;
     file.setFileName(path);
@@ -20,6 +28,8 @@ bool openInput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io
     if (path == kStandardStream)
         UtilsNS::useBinaryMode(stdin);
     const bool isOpen = path == kStandardStream ? file.openStream(stdin, kMode) : file.open(kMode);
+    if (io.progress != nullptr)
+        io.progress->beginFile(file);
     if (!isOpen)
         reportProblem(path, file.errorString(), io);
     return isOpen;

@@ -4,17 +4,29 @@
 #include <QLatin1String>
 #include <QString>
 
-namespace UtilsNS {
-class CheckedFile;
-}
+#include "utils/checkedfile.h"
+
 struct ToolIo;
 
 // The path that stands for the standard input or output.
 inline const QLatin1String kStandardStream("-");
 
+// An input of a command, whose progress counts what is read.
+class InputFile : public UtilsNS::CheckedFile
+{
+public:
+    explicit InputFile(const ToolIo& io) : m_io(io) {}
+
+protected:
+    qint64 readData(char* data, qint64 maxSize) override;
+
+private:
+    const ToolIo& m_io;
+};
+
 // Opens `path`, or the standard input for "-", for reading in the same way as a conversion, but for
 // a limit of the lines. Reports a failure to io.errors and returns false.
-bool openInput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io);
+bool openInput(const QString& path, InputFile& file, const ToolIo& io);
 
 // Flushes and closes a file that was written. Reports a failure to io.errors and returns false.
 bool finishOutput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io);

@@ -9,6 +9,7 @@
 
 #include "annualize/months.h"
 #include "check/findinglist.h"
+#include "check/nearwords.h"
 #include "tool/terminal.h"
 
 namespace {
@@ -34,7 +35,14 @@ const QString kCheckHelp = QStringLiteral(
     "Options:\n"
     "  -c, --control METHODS   Method control file; without it methods are not judged.\n"
     "  -y, --end-month MONTH   Month that each year ends with, 1 to 12; 12 if not given.\n"
-    "  -f, --format FORMAT     text, or json for one JSON document; text if not given.\n"
+    "  -f, --format FORMAT     text, json, sarif (2.1.0), or github for its workflow commands;\n"
+    "                          text if not given.\n"
+    "  -a, --all               Report each finding, as it is found; without it ten of each code\n"
+    "                          for each file, by line.\n"
+    "      --ignore CODES      Leave out the findings with these codes, separated by commas.\n"
+    "      --fail-on WHAT      What exit code 1 is for: note, warning or error (findings that\n"
+    "                          severe or worse) or codes, separated by commas; warning if not\n"
+    "                          given.\n"
     "      --max-missing MAX   How many values a year may lack: a number, a percentage such as\n"
     "                          5%, or wmo: a month that lacks 11 days, or 5 in a row, is missing,\n"
     "                          and so is its year. Years that lack more are warnings.\n"
@@ -44,8 +52,8 @@ const QString kCheckHelp = QStringLiteral(
     "                          values of each year of each slot, the result and more.\n"
     "  -h, --help              Show this text.\n"
     "\n"
-    "Exit code: 0 for nothing worse than notes, 1 for warnings, 2 for an error (a conversion\n"
-    "fails or never ends), 3 for wrong usage, or a file or report that\n"
+    "Exit code: 0 for nothing worse than notes, 1 for warnings (or see --fail-on), 2 for an error\n"
+    "(a conversion fails or never ends), 3 for wrong usage, or a file or report that\n"
     "cannot be opened, read or written.\n");
 
 const QString kExplainHelp = QStringLiteral(
@@ -113,14 +121,89 @@ QString readPath(const QCommandLineParser& parser, const char* name, const char*
     return isSet(parser, name) && path.isEmpty() ? worded("the path %1 is empty", what) : QString();
 }
 
-QString readFormat(const QCommandLineParser& parser, ToolOptions::Format otherFormat,
-                   const char* otherWord, ToolOptions& options)
+struct FormatName
 {
+    const char* word;
+    ToolOptions::Format format;
+};
+
+QString readFormat(const QCommandLineParser& parser, const std::vector<FormatName>& formats,
+                   ToolOptions& options)
+{
+    if (!isSet(parser, "format"))
+        return {};
     const QString word = valueOf(parser, "format");
-    if (word == QLatin1String(otherWord))
-        options.format = otherFormat;
-    else if (isSet(parser, "format") && word != QLatin1String("text"))
-        return worded("the format \"%1\" is not text or %2", word, otherWord);
+    QStringList words;
+    for (const FormatName& name : formats) {
+        if (word == QLatin1String(name.word)) {
+            options.format = name.format;
+            return {};
+        }
+        words.append(QString::fromLatin1(name.word));
+    }
+    const QString last = words.takeLast();
+    return worded("the format \"%1\" is not %2 or %3", word, words.join(QLatin1String(", ")), last);
+}
+
+QString unknownCode(const QString& code)
+{
+    const FindingKind* nearest = nearestFindingKind(code);
+    return nearest == nullptr
+               ? worded("\"%1\" is not a code; htstool explain --all lists them", code)
+               : worded("\"%1\" is not a code; the nearest is \"%2\"", code, nearest->code);
+}
+
+QString unknownSeverityOrCode(const QString& word)
+{
+    std::vector<QLatin1String> severities;
+    for (const Severity severity : {Severity::Note, Severity::Warning, Severity::Error})
+        severities.emplace_back(severityName(severity));
+    const QLatin1String nearest = nearestWord(word, severities);
+    return nearest.isEmpty() ? unknownCode(word)
+                             : worded("\"%1\" is not a code; the nearest is \"%2\"", word, nearest);
+}
+
+// The words of a comma-separated list, which may be given in parts.
+QStringList listOf(const QCommandLineParser& parser, const char* name)
+{
+    QStringList list;
+    for (const QString& part : parser.values(QString::fromLatin1(name))) {
+        for (const QString& word : part.split(QLatin1Char(',')))
+            list.append(word.trimmed());
+    }
+    return list;
+}
+
+QString readIgnored(const QCommandLineParser& parser, ToolOptions& options)
+{
+    for (const QString& code : listOf(parser, "ignore")) {
+        const FindingKind* kind = findFindingKind(code);
+        if (kind == nullptr)
+            return unknownCode(code);
+        if (kind->severity == Severity::Error)
+            return worded("\"%1\" is an error, which cannot be ignored", code);
+        options.ignored.insert(kind);
+    }
+    return {};
+}
+
+QString readFailing(const QCommandLineParser& parser, ToolOptions& options)
+{
+    if (!isSet(parser, "fail-on"))
+        return {};
+    options.failing.clear();
+    for (const QString& word : listOf(parser, "fail-on")) {
+        FindingKinds kinds;
+        for (const Severity severity : {Severity::Note, Severity::Warning, Severity::Error}) {
+            if (word == QLatin1String(severityName(severity)))
+                kinds = findingKindsFrom(severity);
+        }
+        if (const FindingKind* kind = findFindingKind(word))
+            kinds = {kind};
+        if (kinds.empty())
+            return unknownSeverityOrCode(word);
+        options.failing.insert(kinds.begin(), kinds.end());
+    }
     return {};
 }
 
@@ -169,11 +252,21 @@ QString readCheck(const QCommandLineParser& parser, ToolOptions& options)
     if (problem.isEmpty())
         problem = readMonth(parser, options);
     if (problem.isEmpty())
-        problem = readFormat(parser, ToolOptions::Format::Json, "json", options);
+        problem = readFormat(parser,
+                             {{"text", ToolOptions::Format::Text},
+                              {"json", ToolOptions::Format::Json},
+                              {"sarif", ToolOptions::Format::Sarif},
+                              {"github", ToolOptions::Format::Github}},
+                             options);
     if (problem.isEmpty())
         problem = readMaxMissing(parser, options);
     if (problem.isEmpty())
         problem = readSentinels(parser, options);
+    options.hasAllFindings = isSet(parser, "all");
+    if (problem.isEmpty())
+        problem = readIgnored(parser, options);
+    if (problem.isEmpty())
+        problem = readFailing(parser, options);
     return problem.isEmpty() ? readPath(parser, "counts", "for the counts", options.countsPath)
                              : problem;
 }
@@ -202,9 +295,11 @@ QString readExplain(const QCommandLineParser& parser, ToolOptions& options)
         return QStringLiteral("explain needs either codes or --all");
     for (const QString& code : qAsConst(options.codes)) {
         if (findFindingKind(code) == nullptr)
-            return worded("\"%1\" is not a code; htstool explain --all lists them", code);
+            return unknownCode(code);
     }
-    return readFormat(parser, ToolOptions::Format::Markdown, "markdown", options);
+    return readFormat(
+        parser, {{"text", ToolOptions::Format::Text}, {"markdown", ToolOptions::Format::Markdown}},
+        options);
 }
 
 // An option: its names, separated by blanks, and the name of its value in error texts; null for
@@ -233,6 +328,9 @@ const std::vector<Command>& commands()
          {{"c control", "METHODS"},
           {"y end-month", "MONTH"},
           {"f format", "FORMAT"},
+          {"a all", nullptr},
+          {"ignore", "CODES"},
+          {"fail-on", "WHAT"},
           {"max-missing", "MAX"},
           {"sentinel", "VALUE"},
           {"counts", "OUT.csv"}},

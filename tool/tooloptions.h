@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "check/finding.h"
 #include "check/maxmissing.h"
 
 // What the command line asks for.
@@ -18,7 +19,7 @@ struct ToolOptions
         Export,
         Explain,
     };
-    enum class Format { Text, Json, Markdown };
+    enum class Format { Text, Json, Sarif, Github, Markdown };
 
     Request request = Request::Invalid;
     QString text;
@@ -30,7 +31,11 @@ struct ToolOptions
     QString controlPath;
     int endMonth = 12; // 1 to 12
     MaxMissing maxMissing;
-    Format format = Format::Text;
+    Format format = Format::Text; // not Markdown
+    bool hasAllFindings = false;
+    FindingKinds ignored; // none is an error
+    // The kinds for which the exit code is kWarnings; one for errors is kErrors all the same.
+    FindingKinds failing = findingKindsFrom(Severity::Warning);
     QString countsPath;
     std::vector<double> sentinels; // finite
 
@@ -39,7 +44,7 @@ struct ToolOptions
     bool isWide = false;
     int run = 0; // counted from 1; 0 for all
 
-    // For an explanation.
+    // For an explanation, with the format Text or Markdown.
     QStringList codes;
     bool isForAll = false;
 };

@@ -221,7 +221,7 @@ void HtstoolTest::wrongUsageIsRefused_data()
     row("explain -a -x", "Unknown option 'x'.");
     row("list a.hts", "\"list\" is not one of the commands check, explain and export");
     row("check", "check needs a file");
-    row("check --all a.hts", "Unknown option 'all'.");
+    row("check --wide a.hts", "Unknown option 'wide'.");
     row("check a.hts -y", "Missing value after '-y'.");
     for (const QByteArray option : {"-y9", "-y=9", "-y-1"})
         row("check a.hts " + option,
@@ -237,9 +237,22 @@ void HtstoolTest::wrongUsageIsRefused_data()
     row("check a.hts --max-missing=",
         "\"\" is not a number of values, a percentage such as 5% or wmo");
     row("check a.hts --counts=", "the path for the counts is empty");
-    row("check a.hts --format=xml", "the format \"xml\" is not text or json");
     row("check a.hts --sentinel 7,5", "the sentinel \"7,5\" is not a number");
     row("check a.hts --sentinel -7 --sentinel=inf", "the sentinel \"inf\" is not a number");
+    row("check a.hts --format=xml", "the format \"xml\" is not text, json, sarif or github");
+    row("check a.hts --format=markdown",
+        "the format \"markdown\" is not text, json, sarif or github");
+    row("check a.hts --ignore text-value,Text-valeu",
+        "\"Text-valeu\" is not a code; the nearest is \"text-value\"");
+    row("check a.hts --ignore=", "\"\" is not a code; htstool explain --all lists them");
+    row("check a.hts --ignore note", "\"note\" is not a code; htstool explain --all lists them");
+    row("check a.hts --ignore sentinel --ignore no-runs",
+        "\"no-runs\" is an error, which cannot be ignored");
+    row("check a.hts --fail-on warnings,note",
+        "\"warnings\" is not a code; the nearest is \"warning\"");
+    row("check a.hts --fail-on note,missing-value",
+        "\"missing-value\" is not a code; the nearest is \"missing-values\"");
+    row("explain sentinal", "\"sentinal\" is not a code; the nearest is \"sentinel\"");
     row("export --all a.hts", "Unknown option 'all'.");
     row("export a.hts -o b.csv --run", "Missing value after '--run'.");
     row("export a.hts", "export needs a file to write, with -o");
@@ -284,6 +297,19 @@ void HtstoolTest::exitCodeIsTheWorst_data()
     row("check clean.hts warning.hts note.hts", 1, clean + warning + note);
     row("check error.hts warning.hts", 2, error + warning);
     row("check none.hts error.hts clean.hts", 3, none + error + clean);
+    row("check warning.hts --fail-on error", 0, warning);
+    row("check warning.hts --fail-on sentinel,slot-preamble", 0, warning);
+    row("check warning.hts --fail-on sentinel --fail-on text-value", 1, warning);
+    row("check note.hts --fail-on warning", 0, note);
+    row("check note.hts warning.hts --fail-on missing-values", 1, note + warning);
+    row("check note.hts --fail-on error,note", 1, note);
+    row("check error.hts warning.hts --fail-on note", 2, error + warning);
+    row("check warning.hts --ignore text-value", 0, "warning.hts: 0 errors, 0 warnings, 0 notes\n");
+    row("check note.hts --fail-on note --ignore sentinel,missing-values", 0,
+        "note.hts: 0 errors, 0 warnings, 0 notes\n");
+    row("check clean.hts -c bare.txt --ignore rule-without-slot,slot-without-rule", 2,
+        "clean.hts: 1 error, 0 warnings, 0 notes; a conversion fails: \"No series slots with valid "
+        "methods found in input HTS file\"\n");
     row("check . clean.hts", 3, "htstool: .: file to open is a directory\n" + clean);
     row("check clean.hts -c none.txt", 2,
         "clean.hts: 1 error, 0 warnings, 0 notes; a conversion fails: \"No series slots with valid "
@@ -304,6 +330,7 @@ void HtstoolTest::exitCodeIsTheWorst()
     run.write(QStringLiteral("warning.hts"), codeFile("text-value"));
     run.write(QStringLiteral("error.hts"), codeFile("slot-preamble"));
     run.write(QStringLiteral("endless.hts"), codeFile("table-without-end"));
+    run.write(QStringLiteral("bare.txt"), "Sea.Level: End\n");
     run.start(arguments);
     QCOMPARE(run.errors, errors);
     QCOMPARE(run.exitCode, exitCode);
@@ -357,6 +384,11 @@ void HtstoolTest::countsWhatIsNotShown()
     QCOMPARE(lines.size(), 11);
     QCOMPARE(lines.last(), QByteArray("a.hts: warning: 13 more [text-value]"));
     QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 23 warnings, 0 notes\n"));
+    run.start(words("check a.hts --all"));
+    QVERIFY(run.output.startsWith(lines.mid(0, 10).join('\n') + '\n'));
+    QCOMPARE(run.output.count(" [text-value]\n"), 23);
+    run.start(words("check a.hts --ignore text-value"));
+    QCOMPARE(run.output, QByteArray());
 }
 
 void HtstoolTest::showsAPlanWithoutYears()
