@@ -1,5 +1,7 @@
 // The recipes of examples/plot: what they draw of the examples and of small files.
 
+#include <algorithm>
+
 #include <QDate>
 #include <QImage>
 #include <QJsonArray>
