@@ -161,6 +161,22 @@ struct Fixture
     QScrollBar* scrollBar;
 };
 
+// Expects the section to fit lists of rows with one that is wider.
+void compareWidths(const QString& common, const QString& widest, int rowCount)
+{
+    Fixture f;
+    const auto addRows = [&](int widestRow) {
+        for (int row = 0; row < rowCount; ++row)
+            f.add({row == widestRow ? widest : common + QString::number(row)});
+        QApplication::processEvents();
+    };
+    for (const int widestRow : {0, rowCount / 2, rowCount - 1}) {
+        f.action("Clear")->trigger();
+        addRows(widestRow);
+        QTRY_COMPARE(f.tree->columnWidth(0), f.neededWidth());
+    }
+}
+
 } // namespace
 
 class TestMessageViewer : public QObject
@@ -396,104 +412,75 @@ private Q_SLOTS:
         }
     }
 
-    void sectionsFitAllScripts_data()
-    {
-        QTest::addColumn<QString>("common"); // in most rows
-        QTest::addColumn<QString>("widest"); // in one of them
-        QTest::addColumn<int>("rowCount");
-
-        const auto add = [](const char* name, const char* common, const char* widest) {
-            for (const int rowCount : {20, 200}) {
-                QTest::addRow("%s, %d rows", name, rowCount)
-                    << QString::fromUtf8(common) << QString::fromUtf8(widest) << rowCount;
-            }
-        };
-        const char* const latin =
-            "INFO  Slot Reservoir of the Upper Basin.Outflow is aggregated with "
-            "AverageNaN over each year ";
-        add("Cyrillic and a longer Latin row",
-            "INFO  Водохранилище Верхнее.Расход воды усредняется по годам", latin);
-        add("Latin and a longer Cyrillic row", "INFO  Slot Lake.Outflow",
-            "INFO  Водохранилище Верхнее.Расход воды усредняется по годам");
-        add("thin and wide letters of one number", "iiiiiiiiiiiiiiiiiiii", "WWWWWWWWWWWWWWWWWWWW");
-        add("pairs that are moved together", "VAVAVAVAVAVAVAVAVAVA", "AAAAAAAAAAVVVVVVVVVV");
-        add("ligatures", "fifififififlflflflfl", "ififififiilflflflflf");
-        add("Greek, Han and kana", "Ταμιευτήρας 水庫の水", "Ταμιευτήρας 水庫の水 ダム");
-        add("Arabic", "خزان خزان خزان خزان", "خزان المياه في الوادي الكبير");
-        add("Devanagari", "जलाशय जलाशय", "जलाशय क्षेत्र विद्युत्");
-        add("Thai and Hebrew", "อ่างเก็บน้ำ", "אֲגַם הַמַּיִם הַגָּדוֹל אֲגַם");
-        add("combining marks", "e\u0301e\u0301e\u0301", "a\u0302\u0301a\u0302\u0301a\u0302\u0301b");
-        add("signs beyond the basic plane", "\U0001F30A\U0001F30A",
-            "\U0001F30A\U0001D49C\U0001F30A");
-        add("tabs", "a\tb", "a\tb\tc\td");
-        add("several lines", "one\ntwo", "one\ntwo and three\nfour");
-        add("blanks at the end", "Reservoir                                ",
-            "Reservoir Upper Basin");
-        add("other blanks at the end", "Reservoir\u3000\u3000\u3000\u3000\u3000\u00a0\u2003\u2003",
-            "Reservoir Upper Basin");
-        add("blanks at the start", "Reservoir", "           Reservoir");
-    }
-
     // One row of another script or shape must not be cut off, in any list.
     void sectionsFitAllScripts()
     {
-        QFETCH(const QString, common);
-        QFETCH(const QString, widest);
-        QFETCH(const int, rowCount);
-
-        Fixture f;
-        const auto addRows = [&](int widestRow) {
-            for (int row = 0; row < rowCount; ++row)
-                f.add({row == widestRow ? widest : common + QString::number(row)});
-            QApplication::processEvents();
+        const char* const latin =
+            "INFO  Slot Reservoir of the Upper Basin.Outflow is aggregated with "
+            "AverageNaN over each year ";
+        const char* const rows[][2] = {
+            // most rows, and the widest one
+            {"INFO  Водохранилище Верхнее.Расход воды усредняется по годам", latin},
+            {"INFO  Slot Lake.Outflow",
+             "INFO  Водохранилище Верхнее.Расход воды усредняется по годам"},
+            {"iiiiiiiiiiiiiiiiiiii", "WWWWWWWWWWWWWWWWWWWW"}, // thin and wide letters of one number
+            {"VAVAVAVAVAVAVAVAVAVA", "AAAAAAAAAAVVVVVVVVVV"}, // pairs that are moved together
+            {"fifififififlflflflfl", "ififififiilflflflflf"}, // ligatures
+            {"Ταμιευτήρας 水庫の水", "Ταμιευτήρας 水庫の水 ダム"},
+            {"خزان خزان خزان خزان", "خزان المياه في الوادي الكبير"},
+            {"जलाशय जलाशय", "जलाशय क्षेत्र विद्युत्"},
+            {"อ่างเก็บน้ำ", "אֲגַם הַמַּיִם הַגָּדוֹל אֲגַם"},
+            {"e\u0301e\u0301e\u0301",
+             "a\u0302\u0301a\u0302\u0301a\u0302\u0301b"}, // combining marks
+            {"\U0001F30A\U0001F30A", "\U0001F30A\U0001D49C\U0001F30A"},
+            {"a\tb", "a\tb\tc\td"}, // tabs
+            {"one\ntwo", "one\ntwo and three\nfour"},
+            {"Reservoir                                ",
+             "Reservoir Upper Basin"}, // blanks at the end
+            {"Reservoir\u3000\u3000\u3000\u3000\u3000\u00a0\u2003\u2003",
+             "Reservoir Upper Basin"}, // other blanks at the end
+            {"Reservoir", "           Reservoir"},
         };
-        for (const int widestRow : {0, rowCount / 2, rowCount - 1}) {
-            f.action("Clear")->trigger();
-            addRows(widestRow);
-            QTRY_COMPARE(f.tree->columnWidth(0), f.neededWidth());
+        for (const auto& [common, widest] : rows) {
+            for (const int rowCount : {20, 200})
+                compareWidths(QString::fromUtf8(common), QString::fromUtf8(widest), rowCount);
         }
-    }
-
-    void sectionsFitRowsThatComeIntoView_data()
-    {
-        QTest::addColumn<int>("wideRow");
-        QTest::addColumn<int>("height"); // of the window
-        QTest::addColumn<int>("letterSpacing");
-        QTest::addColumn<Qt::LayoutDirection>("direction");
-        QTest::newRow("scrolled to") << 1500 << 300 << 100 << Qt::LeftToRight;
-        // That the screen of a test on Windows has room for.
-        QTest::newRow("in a higher window") << 35 << 900 << 100 << Qt::LeftToRight;
-        QTest::newRow("in another font") << 1500 << 300 << 150 << Qt::LeftToRight;
-        QTest::newRow("from right to left") << 1500 << 300 << 100 << Qt::RightToLeft;
     }
 
     // Nothing distinguishes the wide row but the width of its letters.
     void sectionsFitRowsThatComeIntoView()
     {
-        QFETCH(const int, wideRow);
-        QFETCH(const int, height);
-        QFETCH(const int, letterSpacing);
-        QFETCH(const Qt::LayoutDirection, direction);
-
-        Fixture f;
-        f.viewer.setLayoutDirection(direction);
-        f.show();
-        f.checkBox->click(); // no automatic scrolling
-        for (int row = 0; row < 3000; ++row)
-            f.add({QString(20, QLatin1Char(row == wideRow ? 'W' : 'i'))});
-        QApplication::processEvents();
-        f.viewer.resize(600, height);
-        QApplication::processEvents();
-        QTreeWidgetItem* wide = f.tree->topLevelItem(wideRow);
-        f.tree->scrollToItem(wide);
-        if (letterSpacing != 100) {
-            QFont font = f.viewer.font();
-            font.setLetterSpacing(QFont::PercentageSpacing, letterSpacing);
-            f.viewer.setFont(font);
+        const struct
+        {
+            int wideRow;
+            int height; // of the window; that the screen of a test on Windows has room for
+            int letterSpacing;
+            Qt::LayoutDirection direction;
+        } ways[] = {{1500, 300, 100, Qt::LeftToRight},
+                    {35, 900, 100, Qt::LeftToRight},
+                    {1500, 300, 150, Qt::LeftToRight},
+                    {1500, 300, 100, Qt::RightToLeft}};
+        for (const auto& how : ways) {
+            Fixture f;
+            f.viewer.setLayoutDirection(how.direction);
+            f.show();
+            f.checkBox->click(); // no automatic scrolling
+            for (int row = 0; row < 3000; ++row)
+                f.add({QString(20, QLatin1Char(row == how.wideRow ? 'W' : 'i'))});
+            QApplication::processEvents();
+            f.viewer.resize(600, how.height);
+            QApplication::processEvents();
+            QTreeWidgetItem* wide = f.tree->topLevelItem(how.wideRow);
+            f.tree->scrollToItem(wide);
+            if (how.letterSpacing != 100) {
+                QFont font = f.viewer.font();
+                font.setLetterSpacing(QFont::PercentageSpacing, how.letterSpacing);
+                f.viewer.setFont(font);
+            }
+            const QModelIndex index = f.tree->model()->index(how.wideRow, 0);
+            QTRY_COMPARE(f.tree->columnWidth(0), f.tree->sizeHintForIndex(index).width());
+            QCOMPARE(f.scrollBar->value() > 0, how.wideRow > 35);
         }
-        const QModelIndex index = f.tree->model()->index(wideRow, 0);
-        QTRY_COMPARE(f.tree->columnWidth(0), f.tree->sizeHintForIndex(index).width());
-        QCOMPARE(f.scrollBar->value() > 0, wideRow > 35);
     }
 
     void sectionsFitRowsAfterClear()
