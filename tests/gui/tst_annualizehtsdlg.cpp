@@ -137,24 +137,25 @@ Qt::DropAction dropOn(QWidget* widget, const QMimeData& data, Qt::DropAction pro
     return drop.dropAction();
 }
 
-// Pastes in both ways, after the first of four letters and in place of some of the others, and
-// expects the text there.
+// Pastes in both ways, before and after the first of four letters and in place of some of the
+// others, and expects the text there.
 void comparePasted(QLineEdit* edit, const QString& expected)
 {
     const std::function<void()> ways[] = {
         [edit] { QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier); },
         [edit] { edit->paste(); }};
     for (const auto& paste : ways) {
-        for (const char* tail : {"bcd", "d", ""}) { // that stays after the cursor
-            edit->clear();
-            QTest::keyClicks(edit, text("abcd"));
-            edit->setCursorPosition(1);
-            edit->cursorForward(true, 3 - int(qstrlen(tail)));
-            paste();
-            QCOMPARE(edit->text(), QLatin1Char('a') + expected + QLatin1String(tail));
-            QCOMPARE(edit->cursorPosition(), expected.size() + 1);
-            edit->undo();
-            QCOMPARE(edit->text(), QLatin1String("abcd"));
+        for (const char* head : {"", "a"}) {
+            for (const char* tail : {"bcd", "d", ""}) { // that stays after the cursor
+                edit->clear();
+                QTest::keyClicks(edit, text("abcd"));
+                edit->setSelection(int(qstrlen(head)), 4 - int(qstrlen(head) + qstrlen(tail)));
+                paste();
+                QCOMPARE(edit->text(), text(head) + expected + text(tail));
+                QCOMPARE(edit->cursorPosition(), int(qstrlen(head)) + expected.size());
+                edit->undo();
+                QCOMPARE(edit->text(), QLatin1String("abcd"));
+            }
         }
     }
 }
@@ -608,6 +609,7 @@ private Q_SLOTS:
             {"'/my data/a.hts'\n", "/my data/a.hts"},
             {"file:///my%20data/a.hts", "/my data/a.hts"},
             {"\"file:///a.hts\"", "/a.hts"},
+            {"'a'", "a"},
             {"FILE:///100%/a#1?.hts", "/100%/a#1?.hts"},
             {"/my data/a.hts"},
             {" a.hts"},
