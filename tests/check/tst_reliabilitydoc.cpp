@@ -7,6 +7,7 @@
 
 #include "check/findinglist.h"
 #include "tests/check/checkedtext.h"
+#include "tests/check/stepfile.h"
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
@@ -17,33 +18,6 @@ const QByteArray kSteps =
     "2000-6-30 24:00\n2000-7-31 24:00\n2000-8-31 24:00\n2000-9-30 24:00\n2000-10-31 24:00\n"
     "2000-11-30 24:00\n2000-12-31 24:00\n";
 const QByteArray kValues = "1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n";
-
-// Not of a leap year.
-QByteArray stepsOf(int year)
-{
-    return QByteArray(kSteps)
-        .replace("2-29", "2-28")
-        .replace("2000-", QByteArray::number(year) + '-');
-}
-
-// Of two years of months: their day and time.
-QByteArray stampsOf(const QByteArray& dayAndTime)
-{
-    QByteArray steps;
-    for (int month = 0; month < 24; ++month)
-        steps += QByteArray::number(2000 + month / 12) + '-' + QByteArray::number(month % 12 + 1) +
-                 '-' + dayAndTime + '\n';
-    return steps;
-}
-
-// The last is a Saturday, 2005-12-31, the end of that year.
-QByteArray weeksOfTwoYears()
-{
-    QByteArray steps;
-    for (QDate day(2004, 1, 3); day.year() < 2006; day = day.addDays(7))
-        steps += day.toString(QStringLiteral("yyyy-M-d")).toUtf8() + " 24:00\n";
-    return steps;
-}
 
 QByteArray runOf(const QByteArray& start, const QByteArray& steps, const QByteArray& unit = "month")
 {
@@ -66,11 +40,12 @@ QByteArray usualFile()
            slotOf("Flow", kValues) + slotOf("Volume", kValues) + "END_RUN\n";
 }
 
-QByteArray fileOf(const QByteArray& start, const QByteArray& steps,
-                  const QByteArray& unit = "month")
+QByteArray months(const char* steps, const char* start = nullptr)
 {
-    return "number_of_runs:1\nEND_PACKAGE_PREAMBLE\n" + runOf(start, steps, unit) +
-           slotOf("Flow", QByteArray("1\n").repeated(steps.count('\n'))) + "END_RUN\n";
+    const QString settings =
+        QLatin1String("month") +
+        (start == nullptr ? QString() : QLatin1String("; start=") + QLatin1String(start));
+    return stepFile(settings, QLatin1String(steps));
 }
 
 // A table, as the first slot of the usual file.
@@ -124,33 +99,30 @@ const std::vector<std::pair<const char*, QByteArrayList>>& files()
           changed("\n7\n", "\n7 cms\n")}},
         {"-999", {changed("7\n8\n", "-999\n-999\n"), changed("7\n8\n", "-50\n-99\n")}},
         {"month left out",
-         {fileOf("2000-1-31 24:00", QByteArray(kSteps).replace("2000-5-31 24:00\n", "")),
-          fileOf("2000-1-31 24:00", QByteArray(kSteps).replace("2000-5-31", "2000-4-30")),
-          fileOf("2000-1-31 24:00", QByteArray(kSteps).replace("2000-4-30 24:00\n2000-5-31",
-                                                               "2000-5-31 24:00\n2000-4-30"))}},
+         {months("2000-1-31 24:00 .. 2000-4-30 24:00, 2000-6-30 24:00 .. 2000-12-31 24:00"),
+          changed("2000-5-31", "2000-4-30"),
+          changed("2000-4-30 24:00\n2000-5-31", "2000-5-31 24:00\n2000-4-30")}},
         {"December left out",
-         {fileOf("2000-1-31 24:00",
-                 QByteArray(kSteps).replace("2000-12-31 24:00\n", "") + stepsOf(2001)),
-          fileOf("2000-1-31 24:00",
-                 QByteArray(kSteps + stepsOf(2001))
-                     .replace("2000-12-31 24:00\n2001-1-31", "2001-1-31 24:00\n2000-12-31"))}},
+         {months("2000-1-31 24:00 .. 2000-11-30 24:00, 2001-1-31 24:00 .. 2001-12-31 24:00"),
+          months("2000-1-31 24:00 .. 2000-11-30 24:00, 2001-1-31 24:00, 2000-12-31 24:00, "
+                 "2001-2-28 24:00 .. 2001-12-31 24:00")}},
         {"one or more years left out",
-         {fileOf("2000-1-31 24:00", kSteps + stepsOf(2002) + stepsOf(2003))}},
+         {months("2000-1-31 24:00 .. 2000-12-31 24:00, 2002-1-31 24:00 .. 2003-12-31 24:00")}},
         {"back to an earlier year",
-         {fileOf("2000-1-31 24:00", kSteps + stepsOf(2001) + kSteps + stepsOf(2001))}},
+         {months("2000-1-31 24:00 .. 2001-12-31 24:00, 2000-1-31 24:00 .. 2001-12-31 24:00")}},
         {"`start:` in the calendar year before",
-         {fileOf("1999-7-31 24:00", kSteps.mid(kSteps.indexOf("2000-7")) + stepsOf(2001))}},
+         {months("2000-7-31 24:00 .. 2001-12-31 24:00", "1999-7-31 24:00")}},
         {"`start:` two or more",
-         {fileOf("1997-7-31 24:00",
-                 kSteps.mid(kSteps.indexOf("2000-7")) + stepsOf(2001) + stepsOf(2002))}},
-        {"`start:` in a later year", {fileOf("2001-1-31 24:00", kSteps + stepsOf(2001))}},
-        {"stamps at the beginning", {fileOf("2000-1-1 0:00", stampsOf("1 0:00"))}},
-        {"stamps inside the last", {fileOf("2000-1-15 0:00", stampsOf("15 0:00"))}},
-        {"last week that ends", {fileOf("2004-1-3 24:00", weeksOfTwoYears(), "week")}},
+         {months("2000-7-31 24:00 .. 2002-12-31 24:00", "1997-7-31 24:00")}},
+        {"`start:` in a later year",
+         {months("2000-1-31 24:00 .. 2001-12-31 24:00", "2001-1-31 24:00")}},
+        {"stamps at the beginning", {months("2000-1-1 0:00 .. 2001-12-1 0:00")}},
+        {"stamps inside the last", {months("2000-1-15 0:00 .. 2001-12-15 0:00")}},
+        {"last week that ends",
+         {stepFile(QStringLiteral("week"), QStringLiteral("2004-1-3 24:00 .. 2005-12-31 24:00"))}},
         {"steps of several units",
-         {fileOf("2000-3-31 24:00", "2000-3-31 24:00\n2000-6-30 24:00\n2000-9-30 24:00\n"
-                                    "2000-12-31 24:00\n2001-3-31 24:00\n2001-6-30 24:00\n"
-                                    "2001-9-30 24:00\n2001-12-31 24:00\n")}},
+         {months("2000-3-31 24:00, 2000-6-30 24:00, 2000-9-30 24:00, 2000-12-31 24:00, "
+                 "2001-3-31 24:00, 2001-6-30 24:00, 2001-9-30 24:00, 2001-12-31 24:00")}},
         {"later run with other timesteps in between",
          {"number_of_runs:2\nEND_PACKAGE_PREAMBLE\n" + runOf("2000-1-31 24:00", kSteps) +
               slotOf("Flow", kValues) + "END_RUN\n" +
