@@ -216,7 +216,7 @@ void AnnualizeHtsDlg::okButtonHandler(bool)
     UtilsNS::showWarning(nullptr, kSuccessTitle, kSuccess); // a warning box too, on purpose
 }
 
-void AnnualizeHtsDlg::showFailure(const Failure& failure, QWidget* parent) const
+void AnnualizeHtsDlg::showFailure(const Failure& failure, QWidget* parent)
 {
     QLOG_ERROR().noquote() << failure.text;
     UtilsNS::showWarning(parent, failure.title, failure.text);

@@ -61,7 +61,7 @@ private:
     void createDiagnosticsWindow();
     void selectFile(const FileDialogTexts& texts, QLineEdit* lineEdit);
     Failure readPaths(Paths& paths) const;
-    void showFailure(const Failure& failure, QWidget* parent) const;
+    static void showFailure(const Failure& failure, QWidget* parent);
     Failure convert();
     Failure checkSource();
 
