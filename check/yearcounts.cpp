@@ -1,6 +1,7 @@
 #include "check/yearcounts.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "exchange/csvwriter.h"
 #include "hts/datetimetext.h"
@@ -8,13 +9,23 @@
 
 namespace {
 
-// The number that a reader of the annual file gets for a result: that has a fixed number of digits
-// after the point.
-double asInAnnualFile(double result)
+// Adds the number that a reader of the annual file gets for a result: that has a fixed number of
+// digits after the point.
+void addAsInAnnualFile(CsvWriter& writer, double result)
 {
     char text[kMaxNumberLength];
     const char* end = writeNumber(text, result);
-    return lineToNumber({text, static_cast<std::size_t>(end - text)});
+    const std::string_view whole(text, static_cast<std::size_t>(end - text));
+    // Faster: of so few digits none can be left out, and an exponent would make none of these
+    // numbers shorter.
+    constexpr std::ptrdiff_t kMaxLength = 15 + 1; // with the point
+    while (end > text && *(end - 1) == '0')
+        --end;
+    const bool isFraction = *(end - 1) != '.' && text[0] >= '1' && text[0] <= '9';
+    if (isFraction && end - text <= kMaxLength)
+        writer.addFields(QByteArray(text, static_cast<int>(end - text)));
+    else
+        writer.add(lineToNumber(whole));
 }
 
 qint64 longestGap(const RunYear& year, const HtsColumn& values)
@@ -112,7 +123,7 @@ void YearCounts::addYear(std::size_t index, const YearValues& counts, const AggM
     if (method == nullptr)
         m_writer.addFields({});
     else
-        m_writer.add(asInAnnualFile(method->resultFor(counts)));
+        addAsInAnnualFile(m_writer, method->resultFor(counts));
     addExtremes(year, counts);
     m_writer.endRow();
 }
