@@ -241,7 +241,9 @@ def main():
             document = check_same(tool, arguments, validator.validate, sarif.validate)
             types_seen(document, "", seen)
         check_rejects(validator, json.loads(tool.run("-f", "json", "text-value.hts", "-c", "all.txt")[1]))
-        check_rejects(sarif, json.loads(tool.run("-f", "sarif", "missing-values.hts", "none.hts")[1]))
+        document = json.loads(tool.run("-f", "sarif", "missing-values.hts", "none.hts")[1])
+        del document["runs"][0]["tool"]["driver"]["rules"][2:]
+        check_rejects(sarif, document)
         check_all(tool)
     assert seen == {key: set(types.split(" or ")) for key, types, _ in rows}
     print(f"{len(runs)} runs in four formats")
