@@ -1,6 +1,7 @@
 #include "check/nearnames.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 
 #include "check/nearwords.h"
@@ -58,7 +59,9 @@ bool NearNames::hasNear(const QString& wanted, qint64& effort) const
     for (const QString& name : m_names) {
         if (effort <= 0)
             return false;
-        effort -= std::min(wanted.size(), name.size()) + 1;
+        // Names of another length are not compared.
+        const bool isCompared = std::abs(wanted.size() - name.size()) <= limit;
+        effort -= isCompared ? wanted.size() : 1;
         if (isNear(name))
             return true;
     }

@@ -19,8 +19,8 @@ public:
     // near.
     QString nearest(const QString& wanted) const;
     // Whether one is near; false if that is not known after as many characters as `effort`, from
-    // which the characters that were compared are subtracted. A name that is nearly the same up to
-    // its last characters is found in any case.
+    // which what was compared is subtracted. A name that is nearly the same up to its last
+    // characters is found in any case.
     bool hasNear(const QString& wanted, qint64& effort) const;
 
 private:
