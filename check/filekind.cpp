@@ -10,6 +10,7 @@
 #include "annualize/methodcontrol.h"
 #include "check/findinglist.h"
 #include "check/knownlines.h"
+#include "check/nearwords.h"
 #include "check/topic.h"
 #include "hts/linetext.h"
 
@@ -115,6 +116,17 @@ const char* textFormat(const QByteArrayList& lines)
     return "has no line of an HTS file in its first lines; look at what it is";
 }
 
+// Whether the line is one of an HTS file, or nearly one of its first lines.
+bool isHtsLine(const QByteArray& line)
+{
+    const std::string_view bytes(line.constData(), static_cast<std::size_t>(line.size()));
+    if (isKnownLine(bytes))
+        return true;
+    constexpr std::size_t kMaxBytes = 100; // longer than any key
+    const QString start = toText(bytes.substr(0, std::min(bytes.find(':'), kMaxBytes) + 1));
+    return !nearestWord(start, knownLinesOf(HtsReader::Section::PackagePreamble)).isEmpty();
+}
+
 // The lines, stripped, without empty ones and without the last of a whole block, which may be cut.
 QByteArrayList linesOf(const QByteArray& block)
 {
@@ -142,9 +154,7 @@ const char* formatOf(const QByteArray& block)
     if (!block.contains('\n') && block.count('\r') > 1)
         return "has lines that end with CR alone; save it with LF or CR LF";
     const QByteArrayList lines = linesOf(block);
-    if (std::any_of(lines.begin(), lines.end(), [](const QByteArray& line) {
-            return isKnownLine({line.constData(), static_cast<std::size_t>(line.size())});
-        }))
+    if (std::any_of(lines.begin(), lines.end(), isHtsLine))
         return nullptr;
     if (block.contains('\0'))
         return "is binary data, not text; look at what it is";

@@ -130,6 +130,9 @@ void FileKindTest::htsFileIsTakenForWhatItIs_data()
         {"CSV, and an empty line", "a,b\n1,2\n\n" + kHts, "ignored-line"},
         {"without the end of the preamble", withoutEnd, "package-preamble"},
         {"cut in the preamble", kHts.left(kHts.indexOf("END_PACKAGE")), "package-preamble"},
+        {"keys in upper case", kHts.toUpper() + "\n", "near-key"},
+        {"block of lines that are nearly keys",
+         QByteArray("Name: a\n").repeated(9000) + "\n" + kHts, "near-key"},
         {"years", sourceFile(QStringLiteral("tests/check/files/already-annual.hts")),
          "already-annual"},
     };
