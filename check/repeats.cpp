@@ -2,9 +2,10 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <map>
+#include <string_view>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 #include "check/topic.h"
@@ -22,8 +23,23 @@ constexpr FindingKind kRepeatedRun = {
     "A run has the trace of an earlier one, or all its values; rows of tables are not compared.",
     "Check whether one of them should be another run."};
 
-// A hash of 64 bits of numbers in their order. All of their bits count for it, so that two
-// different series have the same one only by a chance of next to nothing.
+std::uint64_t mixed(std::uint64_t hash, std::uint64_t bits)
+{
+    constexpr std::uint64_t kOddFactor = 0xff51afd7ed558ccd;
+    const std::uint64_t product = (hash ^ bits) * kOddFactor;
+    return product ^ product >> 32; // only the high bits depend on all bits of the factors
+}
+
+std::uint64_t bitsOf(double value)
+{
+    std::uint64_t bits = 0;
+    static_assert(sizeof bits == sizeof value);
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+}
+
+// A hash of 64 bits of numbers in their order. All of their bits count for it, so that different
+// series have the same one only by a chance of next to nothing.
 class SeriesHash
 {
 public:
@@ -48,24 +64,22 @@ public:
     std::uint64_t value() const { return m_hash; }
 
 private:
-    static std::uint64_t bitsOf(double value)
-    {
-        std::uint64_t bits = 0;
-        static_assert(sizeof bits == sizeof value);
-        std::memcpy(&bits, &value, sizeof bits);
-        return bits;
-    }
-
-    static std::uint64_t mixed(std::uint64_t hash, std::uint64_t bits)
-    {
-        constexpr std::uint64_t kOddFactor = 0xff51afd7ed558ccd;
-        const std::uint64_t product = (hash ^ bits) * kOddFactor;
-        return product ^ product >> 32; // the high bits alone depend on all bits of the factors
-    }
-
     std::uint64_t m_hash = 0;
     bool m_isEmpty = true;
 };
+
+// Of object, slot and type; the toolkit's hashes have 32 bits, too few for a million slots.
+std::uint64_t nameHash(const HtsSlot& slot)
+{
+    static_assert(sizeof(std::size_t) == sizeof(std::uint64_t));
+    std::uint64_t hash = 0;
+    for (const QString* text : {&slot.objectName, &slot.slotName, &slot.objectType}) {
+        const std::string_view bytes(reinterpret_cast<const char*>(text->constData()),
+                                     static_cast<std::size_t>(text->size()) * sizeof(QChar));
+        hash = mixed(hash, std::hash<std::string_view>()(bytes));
+    }
+    return hash;
+}
 
 // Finds slots of the first run, and runs, that occur twice. Later runs whose slots are not those of
 // the first are found by their places.
@@ -81,12 +95,9 @@ public:
 private:
     struct Slot
     {
-        QString objectName;
-        QString slotName;
-        QString objectType;
-        qint64 line = 0; // its first
-
-        auto name() const { return std::tie(objectName, slotName, objectType); }
+        std::uint64_t hash = 0; // of its name
+        qint64 line = 0;        // its first
+        int index = 0;
     };
 
     void reportSlots();
@@ -109,12 +120,12 @@ void RepeatCheck::runRead()
 
 void RepeatCheck::slotRead()
 {
-    const HtsSlot& slot = m_context.walk.slot();
+    const HtsWalk& walk = m_context.walk;
     // Slots that have lost their names are not the same.
-    const bool hasName = !slot.objectName.isEmpty() && !slot.slotName.isEmpty();
-    if (m_context.walk.runIndex() == 0 && hasName)
+    const bool hasName = !walk.slot().objectName.isEmpty() && !walk.slot().slotName.isEmpty();
+    if (walk.runIndex() == 0 && hasName)
         m_slots.push_back(
-            {slot.objectName, slot.slotName, slot.objectType, m_context.lines.firstLine()});
+            {nameHash(walk.slot()), m_context.lines.firstLine(), walk.slotCount() - 1});
     if (m_context.package.numberOfRuns > 1)
         m_values.add(m_context.walk.values());
 }
@@ -128,23 +139,16 @@ void RepeatCheck::runEnded()
 
 void RepeatCheck::reportSlots()
 {
-    using Entry = std::pair<uint, const Slot*>;
-    std::vector<Entry> entries; // with hashes, which are compared faster than names
-    entries.reserve(m_slots.size());
-    for (const Slot& slot : m_slots)
-        entries.emplace_back(qHash(slot.objectName, qHash(slot.slotName)), &slot);
-    std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
-        if (a.first != b.first)
-            return a.first < b.first;
-        return std::make_pair(a.second->name(), a.second) <
-               std::make_pair(b.second->name(), b.second);
+    std::sort(m_slots.begin(), m_slots.end(), [](const Slot& a, const Slot& b) {
+        return std::tie(a.hash, a.line) < std::tie(b.hash, b.line);
     });
-    for (std::size_t i = 1; i < entries.size(); ++i) {
-        const Slot& before = *entries[i - 1].second;
-        const Slot& slot = *entries[i].second;
-        if (entries[i].first == entries[i - 1].first && slot.name() == before.name())
-            add(kRepeatedSlot, slot.line, "%1 is the slot of line %2 once more",
-                fullSlotName(slot.objectName, slot.slotName), before.line);
+    for (std::size_t i = 1; i < m_slots.size(); ++i) {
+        const Slot& slot = m_slots[i];
+        if (slot.hash != m_slots[i - 1].hash)
+            continue;
+        const SlotPlan& plan = m_context.conversion.plans().at(slot.index);
+        add(kRepeatedSlot, slot.line, "%1 is the slot of line %2 once more",
+            fullSlotName(plan.objectName, plan.slotName), m_slots[i - 1].line);
     }
 }
 

@@ -75,6 +75,22 @@ bool isFar(const Sentinels::Occurrence& occurrence, const Range& others)
 
 } // namespace
 
+// Both are called for each value of a file: without "inline" the calls would stay.
+inline std::size_t Sentinels::filterIndex(double value)
+{
+    std::uint64_t bits = 0;
+    static_assert(sizeof bits == sizeof value);
+    std::memcpy(&bits, &value, sizeof bits);
+    constexpr std::uint64_t kGoldenRatio = 0x9e3779b97f4a7c15; // in units of 2^-64
+    return static_cast<std::size_t>(bits * kGoldenRatio >> (64 - kFilterBits));
+}
+
+inline bool Sentinels::passesFilter(double value) const
+{
+    const std::size_t index = filterIndex(value);
+    return (m_filter[index / 64] >> index % 64 & 1) != 0;
+}
+
 Sentinels::Sentinels(const std::vector<double>& given)
 {
     for (const double number : given) // first, so that they are found before equal ones
@@ -97,21 +113,6 @@ void Sentinels::add(double number, bool isGiven)
         const std::size_t index = filterIndex(value);
         m_filter[index / 64] |= std::uint64_t(1) << index % 64;
     }
-}
-
-std::size_t Sentinels::filterIndex(double value)
-{
-    std::uint64_t bits = 0;
-    static_assert(sizeof bits == sizeof value);
-    std::memcpy(&bits, &value, sizeof bits);
-    constexpr std::uint64_t kGoldenRatio = 0x9e3779b97f4a7c15; // in units of 2^-64
-    return static_cast<std::size_t>(bits * kGoldenRatio >> (64 - kFilterBits));
-}
-
-inline bool Sentinels::passesFilter(double value) const
-{
-    const std::size_t index = filterIndex(value);
-    return (m_filter[index / 64] >> index % 64 & 1) != 0;
 }
 
 // Null if the value is none of the numbers.
