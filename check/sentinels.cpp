@@ -50,21 +50,16 @@ struct Range
     double low = std::numeric_limits<double>::infinity();
     double high = -std::numeric_limits<double>::infinity();
 
-    void add(double value)
-    {
-        low = std::min(low, value);
-        high = std::max(high, value);
-    }
     bool isEmpty() const { return low > high; }
-    bool contains(double value) const { return low <= value && value <= high; }
+    bool contains(double number) const { return low <= number && number <= high; }
 };
 
 bool isFar(const Sentinels::Occurrence& occurrence, const Range& others)
 {
-    // A series of two different numbers, one of them a sentinel, may be one that is on or off.
-    if (others.isEmpty() || (others.low == 0.0 && others.high == 0.0))
+    if (others.isEmpty())
         return false;
-    if (occurrence.number < 0.0 && others.low >= 0.0)
+    // A series of 0 and one other number may be one that is on or off.
+    if (occurrence.number < 0.0 && others.low >= 0.0 && others.high > 0.0)
         return true;
     constexpr double kWidthsIfSingle = 3.0; // more than a flood stands out
     const double width = others.high - others.low;
@@ -116,7 +111,7 @@ void Sentinels::add(double number, bool isGiven)
 }
 
 // Null if the value is none of the numbers.
-const Sentinels::Reading* Sentinels::readingOf(double value) const
+inline const Sentinels::Reading* Sentinels::readingOf(double value) const
 {
     if (!passesFilter(value))
         return nullptr;
@@ -147,6 +142,39 @@ std::vector<Sentinels::Occurrence> Sentinels::occurrencesIn(const Slot& slot) co
     return found;
 }
 
+// Calls take(value) for each value that is a finite number, and no sentinel.
+template<typename Take>
+void Sentinels::forEachOther(const Slot& slot, Take take) const
+{
+    const std::size_t* noNumber = slot.noNumbers.data();
+    const std::size_t* const end = noNumber + slot.noNumbers.size();
+    for (std::size_t i = 0; i < slot.count; ++i) {
+        if (noNumber != end && *noNumber == i)
+            ++noNumber;
+        else if (isFinite(slot.values[i]) && readingOf(slot.values[i]) == nullptr)
+            take(slot.values[i]);
+    }
+}
+
+// How often the most frequent of the other values within a hundredth of `number` occurs.
+std::size_t Sentinels::countNear(const Slot& slot, double number) const
+{
+    constexpr double kNear = 0.01;
+    std::vector<double> near;
+    forEachOther(slot, [&near, number](double value) {
+        if (std::fabs(value - number) <= std::fabs(number) * kNear)
+            near.push_back(value);
+    });
+    std::sort(near.begin(), near.end());
+    std::size_t count = 0;
+    for (auto value = near.begin(); value != near.end();) {
+        const auto next = std::upper_bound(value, near.end(), *value);
+        count = std::max(count, static_cast<std::size_t>(next - value));
+        value = next;
+    }
+    return count;
+}
+
 std::vector<Sentinels::Occurrence> Sentinels::findIn(const Slot& slot) const
 {
     Q_ASSERT(slot.count <= slot.values.size());
@@ -154,21 +182,22 @@ std::vector<Sentinels::Occurrence> Sentinels::findIn(const Slot& slot) const
     if (found.empty())
         return found;
     Range others;
-    for (std::size_t i = 0; i < slot.count; ++i) {
-        if (isFinite(slot.values[i]) && readingOf(slot.values[i]) == nullptr &&
-            !std::binary_search(slot.noNumbers.begin(), slot.noNumbers.end(), i))
-            others.add(slot.values[i]);
-    }
+    forEachOther(slot, [&others](double value) {
+        others.low = value < others.low ? value : others.low;
+        others.high = value > others.high ? value : others.high;
+    });
+    const auto isOrdinary = [&](const Occurrence& each) {
+        const bool isBetween = others.contains(each.number);
+        if (each.isGiven || (!isBetween && !others.isEmpty()))
+            return false;
+        return each.count == 1 || (isBetween && each.count <= countNear(slot, each.number));
+    };
+    found.erase(std::remove_if(found.begin(), found.end(), isOrdinary), found.end());
     for (Occurrence& each : found) {
         each.isFar = isFar(each, others);
         each.low = others.low;
         each.high = others.high;
     }
-    const auto isOrdinary = [&others](const Occurrence& each) {
-        return each.count == 1 && !each.isGiven &&
-               (others.isEmpty() || others.contains(each.number));
-    };
-    found.erase(std::remove_if(found.begin(), found.end(), isOrdinary), found.end());
     return found;
 }
 

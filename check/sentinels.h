@@ -44,7 +44,8 @@ public:
         double high = 0.0;
     };
     // Those that may mark missing values, in the order of their first place. A number that was not
-    // given must occur twice if it lies between other values, or if there are none.
+    // given must occur twice if it lies between other values, or if there are none, and more often
+    // than any value within a hundredth of it.
     std::vector<Occurrence> findIn(const Slot& slot) const;
 
 private:
@@ -63,6 +64,9 @@ private:
     bool passesFilter(double value) const;
     const Reading* readingOf(double value) const;
     std::vector<Occurrence> occurrencesIn(const Slot& slot) const;
+    template<typename Take>
+    void forEachOther(const Slot& slot, Take take) const;
+    std::size_t countNear(const Slot& slot, double number) const;
 
     std::vector<Reading> m_readings; // by value
     // A bit for each hash of kFilterBits, set if a reading has it. It rules out nearly all values

@@ -49,8 +49,9 @@ constexpr FindingKind kInfiniteValue = {Severity::Note, "infinite-value",
 constexpr FindingKind kSentinel = {
     Severity::Note, "sentinel",
     "A number that often marks a missing value occurs outside the range of the slot's other "
-    "values, or repeatedly; it counts as a number, and may be one. A number between the others "
-    "that occurs once is not reported, unless `--sentinel` gives it.",
+    "values, or repeatedly; it counts as a number, and may be one. Between the other values it is "
+    "reported if it occurs twice, and more often than any value within 1 % of it; or if "
+    "`--sentinel` gives it.",
     "Write `NaN` if it marks missing values."};
 constexpr FindingKind kFarSentinel = {
     Severity::Warning, "far-sentinel",

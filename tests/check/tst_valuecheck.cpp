@@ -104,6 +104,9 @@ void ValueCheckTest::findsInNumbers_data()
     row("two kinds", {-99, -999, -999, -99}, {sentinel(10, "-99", 2), sentinel(11, "-999", 2)});
     row("once between others", {950, 998, 999, 1001, 1050}, {});
     row("twice between others", {-1200, -999, -999, 300}, {sentinel(11, "-999", 2)});
+    row("as often as a value near to it", {950, 999, 999, 990, 990, 1050}, {});
+    row("more often than a value near to it", {950, 999, 999, 999, 1008, 1008, 989, 989, 989, 1050},
+        {sentinel(11, "999", 3)});
     row("once beyond the others", {900, 950, 999, 980}, {sentinel(12, "999", 1)});
     row("elevation of 9999", {9990.5, 9999, 10001.25}, {});
     row("on and off", {0, -99, 0, -99}, {sentinel(11, "-99", 2)});
