@@ -24,6 +24,7 @@ constexpr std::uint64_t kUnits = 1000000000000; // 10^kDecimals, units of the la
 
 // A double can hold every integer up to this one.
 constexpr std::uint64_t kMaxExact = std::uint64_t(1) << 53;
+constexpr int kMaxWholeDigits = 4; // of numbers with twelve decimals up to 9007, which are exact
 
 // From 2^53 on a double has no fraction.
 constexpr double kMinWithoutFraction = 9007199254740992.0;
@@ -87,6 +88,60 @@ std::uint64_t firstDigits(std::uint64_t characters, int count)
 {
     Q_ASSERT(count >= 1 && count <= 8);
     return eightDigits(characters << (64 - 8 * count)); // zero bytes count as zeros before them
+}
+
+// Reads `wholeDigits` digits, the point after them and twelve decimals at the end of a line. The
+// caller has seen the point, and 13 characters follow it. Returns where the number ends; nullptr if
+// the text has another form or a double can't hold its digits exactly.
+template<int wholeDigits>
+const char* readFixed(const char* text, double& magnitude)
+{
+    static_assert(wholeDigits <= kMaxWholeDigits);
+    std::uint64_t whole = 0;
+    bool isWhole = true;
+    for (int i = 0; i < wholeDigits; ++i) {
+        isWhole = isWhole && isDigit(text[i]);
+        whole = whole * 10 + static_cast<unsigned char>(text[i]) - '0';
+    }
+    const char* decimals = text + wholeDigits + 1;
+    const char* end = decimals + kDecimals;
+    const std::uint64_t first = eightCharacters(decimals);
+    const std::uint64_t last = eightCharacters(end - 8); // the first four a second time
+    if (!isWhole || otherThanDigits(first) != 0 || otherThanDigits(last) != 0 ||
+        (*end != '\n' && *end != '\r'))
+        return nullptr;
+    const std::uint64_t number = whole * kUnits + eightDigits(first) * 10000 + lastFourDigits(last);
+    if (number > kMaxExact)
+        return nullptr;
+    magnitude = static_cast<double>(static_cast<std::int64_t>(number)) / double(kUnits);
+    return end;
+}
+
+// Reads a number in the form of writeNumber, at the end of a line, as nearly every value of an HTS
+// file is, of up to four whole digits. The point is found by branches, which the processor
+// predicts; reading the next line would have to wait for a length that is computed. Returns `first`
+// for any other number.
+const char* readWrittenNumber(const char* first, const char* last, double& value)
+{
+    constexpr std::ptrdiff_t kRoom = 1 + kMaxWholeDigits + 1 + kDecimals + 1; // sign to line end
+    if (last - first < kRoom || FLT_EVAL_METHOD != 0)
+        return first;
+    const bool isNegative = *first == '-';
+    const char* text = first + (isNegative ? 1 : 0);
+    const char* end = nullptr;
+    double magnitude = 0.0;
+    if (text[3] == '.')
+        end = readFixed<3>(text, magnitude);
+    else if (text[2] == '.')
+        end = readFixed<2>(text, magnitude);
+    else if (text[1] == '.')
+        end = readFixed<1>(text, magnitude);
+    else if (text[4] == '.')
+        end = readFixed<4>(text, magnitude);
+    if (end == nullptr)
+        return first;
+    value = isNegative ? -magnitude : magnitude;
+    return end;
 }
 
 __extension__ typedef unsigned __int128 Uint128; // GCC and Clang have it, as an extension
@@ -192,10 +247,11 @@ Magnitude readRest(const char* text, std::uint64_t whole)
     return scaled(number, exponent, text);
 }
 
-// Reads a number at the end of a line: up to eight whole digits, with twelve decimals, as nearly
-// every value of an HTS file is, or with fewer than eight, as other programs write them, or with an
-// exponent. Returns `first` for any other number, and for one in the last bytes before `last`.
-const char* readCommonNumber(const char* first, const char* last, double& value)
+// Reads a number at the end of a line: up to eight whole digits, with twelve decimals or fewer than
+// eight, or with an exponent. Values of one column differ in the number of their digits, so the
+// place of the point is computed. Returns `first` for any other number, and for one in the last
+// bytes before `last`.
+const char* readShortNumber(const char* first, const char* last, double& value)
 {
     constexpr std::ptrdiff_t kRoom = 1 + 8 + 1 + kDecimals + 1; // sign to line end
     if (last - first < kRoom || FLT_EVAL_METHOD != 0)
@@ -240,6 +296,8 @@ std::uint64_t roundedDecimals(double fraction)
 // See readPlainNumber.
 const char* readOtherPlainNumber(const char* first, const char* last, double& value)
 {
+    if (const char* end = readShortNumber(first, last, value); end != first)
+        return end;
     // std::from_chars also takes "inf", "nan" and "nan(...)", which the toolkit reads differently.
     const char* digits = first;
     if (digits != last && *digits == '-')
@@ -256,7 +314,7 @@ const char* readOtherPlainNumber(const char* first, const char* last, double& va
 const char* readPlainNumber(const char* first, const char* last, double& value)
 {
     Q_ASSERT(first <= last);
-    const char* end = readCommonNumber(first, last, value);
+    const char* end = readWrittenNumber(first, last, value);
     return end != first ? end : readOtherPlainNumber(first, last, value);
 }
 
@@ -264,10 +322,13 @@ const char* readNumberLines(const char* first, const char* last, double*& number
                             const double* numbersEnd)
 {
     double* number = numbers; // a local variable stays in a register
+    bool isWritten = true;    // whether the numbers are like those of writeNumber, up to now
     for (; number != numbersEnd; ++number) {
-        const char* end = readCommonNumber(first, last, *number);
-        if (end == first)
+        const char* end = isWritten ? readWrittenNumber(first, last, *number) : first;
+        if (end == first) {
+            isWritten = false;
             end = readOtherPlainNumber(first, last, *number);
+        }
         if (end == first)
             break;
         if (end != last && *end == '\r')
