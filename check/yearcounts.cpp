@@ -63,9 +63,11 @@ void YearCounts::beginRun()
         m_stepFields.assign(static_cast<std::size_t>(m_steps.size()), {});
     }
     m_years.clear();
-    for (const QString& timestep : m_context.conversion.runYears().timesteps) {
-        const RunYear& year = m_context.years.years()[m_years.size()];
-        const QByteArray end = csvField(textToDateTime(timestep));
+    const CompleteYears& years = m_context.conversion.runYears();
+    Q_ASSERT(m_context.years.years().size() == static_cast<std::size_t>(years.count()));
+    for (const RunYear& year : m_context.years.years()) {
+        const QString& lastStep = years.timesteps.at(static_cast<int>(m_years.size()));
+        const QByteArray end = csvField(textToDateTime(lastStep));
         const QByteArray name = QByteArray::number(year.name);
         const QByteArray expected = QByteArray::number(year.expected);
         m_years.push_back(
