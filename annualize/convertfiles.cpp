@@ -11,7 +11,7 @@ Status convertFiles(AnnualizeHts& engine, UtilsNS::CheckedFile& input, UtilsNS::
         status = engine.setResultDevice(&output);
     if (status.ok())
         status = engine.annualize();
-    const Status readStatus = checkInputWasRead(input);
+    Status readStatus = checkInputWasRead(input);
     if (!readStatus.ok())
         return readStatus;
     return status.ok() ? output.finish() : status;

@@ -94,7 +94,7 @@ QString methodList()
 QString methodHint(const QString& text, bool hasList)
 {
     const AggMethod* meant = methodMeant(text);
-    const QString question = meant == nullptr ? QString() : worded("; is %1 meant?", meant->word);
+    QString question = meant == nullptr ? QString() : worded("; is %1 meant?", meant->word);
     if (!hasList)
         return question;
     return question +

@@ -127,7 +127,7 @@ void RuleUses::noteNames(const SlotName& slot, Names names)
 void RuleUses::report(FindingList& findings) const
 {
     // Takes less than a second, however many rules and names there are.
-    qint64 effort = 50 * 1000 * 1000;
+    qint64 effort = qint64(50) * 1000 * 1000;
     for (const RuleLine& line : m_lines) {
         if (useOf(m_rules.firstLike(line.rule)).matchesSlot)
             reportMatched(line, findings);

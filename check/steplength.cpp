@@ -7,7 +7,7 @@
 namespace {
 
 constexpr qint64 kSecondsPerMinute = 60;
-constexpr qint64 kMinutesPerDay = 24 * 60;
+constexpr qint64 kMinutesPerDay = qint64(24) * 60;
 constexpr int kMonthsPerYear = 12;
 
 qint64 minutesBetween(const QDateTime& from, const QDateTime& to)

@@ -71,7 +71,7 @@ Status checkSource(CheckedFile& file, const ReportNames& names, int endMonth, Me
         options.control = control ? &*control : nullptr;
         options.endMonth = endMonth;
         const CheckReport report = checkFile(file, options);
-        const Status status = checkInputWasRead(file);
+        Status status = checkInputWasRead(file);
         if (status.ok())
             showReport(report, control ? control->findings() : FindingList(), names, viewer);
         return status;

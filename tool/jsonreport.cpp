@@ -19,7 +19,7 @@ QJsonValue textOrNull(const QString& text)
 // Before an element of an array, one on each line.
 QByteArray commaAfterFirst(bool& hasOther)
 {
-    const QByteArray comma = hasOther ? "," : "";
+    QByteArray comma = hasOther ? "," : "";
     hasOther = true;
     return comma;
 }
