@@ -236,8 +236,8 @@ QByteArray textOf(qint64 instant)
 RandomTiming::RandomTiming(quint32 timingSeed) : seed(timingSeed)
 {
     Chance chance(seed);
-    static const QByteArrayList kUnits = {"month", "week", "day", "hour"};
-    unit = kUnits.at(chance.below(kUnits.size()));
+    static const char* const kUnits[] = {"month", "week", "day", "hour"};
+    unit = kUnits[chance.below(4)];
     endMonth = 1 + chance.below(12);
 
     Span span = randomSpan(chance, unit, endMonth);

@@ -259,7 +259,7 @@ void ConsoleWindowTest::toolShowsLettersAndColours()
     QFETCH(QByteArray, noColour);
     QFETCH(QString, severity);
     const QString name = QStringLiteral("\u0141\u00f3d\u017a");
-    writeFile(m_folder.filePath(name), QStringLiteral("\u03a9\n").toUtf8());
+    writeFile(m_folder.filePath(name), QStringLiteral("\u03a9\nname:\n").toUtf8());
     qputenv("NO_COLOR", noColour);
     const auto unset = qScopeGuard([] { qunsetenv("NO_COLOR"); });
     const JoinedConsole console;
