@@ -1,12 +1,12 @@
 #ifndef GUI_MESSAGEVIEWER_H
 #define GUI_MESSAGEVIEWER_H
 
+#include <functional>
+
 #include <QDialog>
 #include <QString>
 #include <QStringList>
 #include <QTimer>
-
-#include <functional>
 
 #include "QsLogLevel.h"
 #include "gui/contentwidths.h"
