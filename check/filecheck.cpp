@@ -57,7 +57,7 @@ private:
 
     CheckReport m_report;
     const Sentinels m_sentinels;
-    const QByteArray m_firstBlock;
+    const QString m_otherFile; // what the file is if it is no HTS file
     HtsReader m_reader;
     HtsPackage m_package;
     HtsWalk m_walk;
@@ -72,7 +72,7 @@ private:
 
 FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
     : m_report(reportWith(options.findings)), m_sentinels(options.sentinels),
-      m_firstBlock(firstBlockOf(device)), m_reader(device),
+      m_otherFile(otherFileText(firstBlockOf(device))), m_reader(device),
       m_walk(m_reader, m_package, kWalkOptions),
       m_conversion(
           [control = options.control] {
@@ -84,7 +84,7 @@ FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
                 m_years,     options.maxMissing}
 {
     // The findings of such a file may have to make way for one.
-    if (!otherFileText(m_firstBlock).isEmpty()) {
+    if (!m_otherFile.isEmpty()) {
         FindingOptions kept;
         kept.ignored = options.findings.ignored;
         m_report.findings = FindingList(kept);
@@ -139,10 +139,9 @@ void FileCheck::finish()
     forEach(&TopicCheck::finish);
     if (m_walk.status().ok() || m_walk.place() != HtsWalk::Place::PackagePreamble)
         return;
-    const QString otherFile = otherFileText(m_firstBlock);
-    m_report.isOtherFile = !otherFile.isEmpty();
+    m_report.isOtherFile = !m_otherFile.isEmpty();
     if (m_report.isOtherFile)
-        reportOtherFile(otherFile, m_report.conversionMessage, m_report.findings);
+        reportOtherFile(m_otherFile, m_report.conversionMessage, m_report.findings);
 }
 
 void FileCheck::describePlan()

@@ -172,7 +172,7 @@ double ofTwelveDecimals(std::uint64_t whole, std::uint64_t decimals)
     const std::uint64_t bits = whole << shift | fraction >> (64 - shift);
     // The first of the other bits rounds: a number with twelve decimals is never half-way between
     // two doubles. At most 39 bits of a double are its fraction here, so it is at least 2^-40 /
-    // 5^12 away from there, 0.068 of the unit above: more than that can be wrong.
+    // 5^12 away from there: 0.068 of the unit above, more than the error.
     const std::uint64_t rounded = ((bits >> 1) + 0x200) >> 10;
     // The first bit, which a double does not store, and a carry go into the exponent.
     const std::uint64_t bitsOfDouble = (std::uint64_t(1085 - shift) << 52) + rounded;
