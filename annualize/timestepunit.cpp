@@ -31,6 +31,14 @@ QDateTime TimestepUnit::latestEndOfFirst(const QDateTime& yearStart) const
     return yearStart.addSecs(std::max(minutes, kMinutesPerDay) * kSecondsPerMinute);
 }
 
+QDateTime TimestepUnit::beginOf(const QDateTime& end, int quantity) const
+{
+    constexpr int kMaxMonths = 12;
+    return months > 0
+               ? end.addMonths(-std::min(months * std::clamp(quantity, 1, kMaxMonths), kMaxMonths))
+               : end.addSecs(-minutes * kSecondsPerMinute * std::max(quantity, 1));
+}
+
 const std::vector<TimestepUnit>& timestepUnits()
 {
     static const std::vector<TimestepUnit> kUnits = {

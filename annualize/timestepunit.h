@@ -25,6 +25,9 @@ struct TimestepUnit
     // The latest end of the first timestep of a year that starts at `yearStart`. For units finer
     // than a day that is a day later.
     QDateTime latestEndOfFirst(const QDateTime& yearStart) const;
+    // Where a timestep of `quantity` units begins that ends at `end`. A quantity below 1 counts as
+    // 1, one of more than 12 months as 12.
+    QDateTime beginOf(const QDateTime& end, int quantity) const;
 };
 
 // All units.

@@ -22,6 +22,26 @@ QByteArray csvField(const QString& text)
     return '"' + field.replace('"', "\"\"") + '"';
 }
 
+QByteArray csvField(double number)
+{
+    if (!std::isfinite(number))
+        return {};
+    char digits[32]; // a double needs 24 at most
+    const auto result = std::to_chars(digits, digits + sizeof digits, number);
+    return QByteArray(digits, static_cast<int>(result.ptr - digits));
+}
+
+QString harmless(const QString& text)
+{
+    static const QString kSigns = QStringLiteral("=+-@\t\r\n");
+    const QString visible = text.trimmed(); // blanks before the sign do not stop a spreadsheet
+    bool isNumber = false;
+    visible.toDouble(&isNumber);
+    const bool isRun = !text.isEmpty() && (kSigns.contains(text.at(0)) ||
+                                           (!visible.isEmpty() && kSigns.contains(visible.at(0))));
+    return isRun && !isNumber ? QLatin1Char('\'') + text : text;
+}
+
 QByteArray csvField(const QDateTime& dateTime)
 {
     if (!dateTime.isValid())

@@ -42,6 +42,12 @@ private:
 
 // A text as a field of a row.
 QByteArray csvField(const QString& text);
+// A number as a field of a row: the shortest text that reads back as the same number; an empty
+// field unless it is finite.
+QByteArray csvField(double number);
+// A text that spreadsheets do not run: one that they would take for a formula, or that begins with
+// a tab or a line end, gets an apostrophe before it. Numbers stay as they are.
+QString harmless(const QString& text);
 // A date-time as a field of a row.
 QByteArray csvField(const QDateTime& dateTime);
 

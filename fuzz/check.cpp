@@ -92,7 +92,8 @@ void checkExport(const Inputs& inputs, const CheckReport& report, bool isWide)
     QBuffer target;
     fuzz::require(target.open(QIODevice::WriteOnly), QStringLiteral("cannot open the buffer"));
     ExportOptions options;
-    options.isWide = isWide;
+    if (isWide)
+        options.form = ExportOptions::Form::Wide;
     const ExportOutcome outcome = exportCsv(source, target, options);
     if (report.neverEnds)
         fuzz::require(!outcome.status.ok(), QStringLiteral("exported without an end"));

@@ -145,9 +145,17 @@ QStringList argumentsFor(const ToolOptions& options)
     } else {
         arguments.append(QStringLiteral("export"));
         add("--output", options.outputPath);
-        add("--run", options.run == 0 ? QString() : QString::number(options.run));
-        if (options.isWide)
-            arguments.append(QStringLiteral("--wide"));
+        add("--run", options.table.run == 0 ? QString() : QString::number(options.table.run));
+        if (options.table.form != ExportOptions::Form::Long)
+            arguments.append(options.table.form == ExportOptions::Form::Wide
+                                 ? QStringLiteral("--wide")
+                                 : QStringLiteral("--tables"));
+        QStringList columns;
+        for (const ExportColumnName* column : options.table.columns)
+            columns.append(column->word);
+        add("--columns", columns.join(QLatin1Char(',')));
+        if (options.table.isSafe)
+            arguments.append(QStringLiteral("--safe"));
     }
     return arguments + QStringList{QStringLiteral("--")} + options.files;
 }
@@ -171,9 +179,9 @@ void checkTool(const QList<QByteArray>& arguments)
     const bool isCheck = options.request == ToolOptions::Request::Check;
     fuzz::require(isCheck ? !options.files.isEmpty() : options.files.size() == 1,
                   QStringLiteral("%1 files").arg(options.files.size()));
-    fuzz::require(options.endMonth >= 1 && options.endMonth <= 12 && options.run >= 0,
+    fuzz::require(options.endMonth >= 1 && options.endMonth <= 12 && options.table.run >= 0,
                   QStringLiteral("month %1, run %2")
-                      .arg(QString::number(options.endMonth), QString::number(options.run)));
+                      .arg(QString::number(options.endMonth), QString::number(options.table.run)));
     fuzz::require(isCheck || !options.outputPath.isEmpty(), QStringLiteral("no output"));
 
     const QStringList whole = argumentsFor(options);

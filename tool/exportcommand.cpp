@@ -15,11 +15,8 @@ int runExport(const ToolOptions& options, const ToolIo& io)
     OutputFile output(io);
     if (!openInput(path, input, io) || !output.open(options.outputPath, {path}))
         return ExitCode::kUnusable;
-    ExportOptions exportOptions;
-    exportOptions.isWide = options.isWide;
-    exportOptions.run = options.run;
     const QByteArray firstBlock = firstBlockOf(input);
-    const ExportOutcome outcome = exportCsv(input, output.device(), exportOptions);
+    const ExportOutcome outcome = exportCsv(input, output.device(), options.table);
     if (!output.isWritten())
         return ExitCode::kUnusable;
     if (!input.problem().isEmpty()) {

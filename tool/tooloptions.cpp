@@ -77,7 +77,16 @@ const QString kExportHelp = QStringLiteral(
     "Options:\n"
     "  -o, --output OUT.csv  File to write; - for the standard output.\n"
     "  -w, --wide            One column for each series slot, one row for each timestep.\n"
+    "      --tables          Instead of the series all other slots: a row for each scalar, and "
+    "for\n"
+    "                        each row of a table.\n"
+    "      --columns LIST    More columns, separated by commas: object_type, slot_type, scale,\n"
+    "                        method, begin (of the timestep), year (that it ends in). A wide "
+    "table\n"
+    "                        takes begin and year.\n"
     "  -r, --run N           Only run N, counted from 1.\n"
+    "      --safe            Write an apostrophe before texts that spreadsheets take for "
+    "formulas.\n"
     "  -h, --help            Show this text.\n"
     "\n"
     "Exit code: 0 for success, 1 when text was exported as the 0 that it counts as, 2 for a\n"
@@ -271,6 +280,44 @@ QString readCheck(const QCommandLineParser& parser, ToolOptions& options)
                              : problem;
 }
 
+QString unknownColumn(const QString& word)
+{
+    QStringList words;
+    for (const ExportColumnName& name : kExportColumns)
+        words.append(name.word);
+    return worded("\"%1\" is not one of the columns %2", word, words.join(QLatin1String(", ")));
+}
+
+QString readColumns(const QCommandLineParser& parser, ExportOptions& options)
+{
+    for (const QString& word : listOf(parser, "columns")) {
+        const auto name =
+            std::find_if(kExportColumns.begin(), kExportColumns.end(),
+                         [&word](const ExportColumnName& known) { return word == known.word; });
+        if (name == kExportColumns.end())
+            return unknownColumn(word);
+        if (std::find(options.columns.begin(), options.columns.end(), &*name) !=
+            options.columns.end())
+            return worded("the column \"%1\" is given twice", word);
+        if (options.form == ExportOptions::Form::Wide && !name->isOfStep)
+            return worded("a wide table has no column \"%1\"", word);
+        options.columns.push_back(&*name);
+    }
+    return {};
+}
+
+QString readTable(const QCommandLineParser& parser, ExportOptions& options)
+{
+    if (isSet(parser, "wide"))
+        options.form = ExportOptions::Form::Wide;
+    if (!isSet(parser, "tables"))
+        return readColumns(parser, options);
+    options.form = ExportOptions::Form::Tables;
+    return isSet(parser, "wide") || isSet(parser, "columns")
+               ? QStringLiteral("--tables goes with neither --wide nor --columns")
+               : QString();
+}
+
 QString readExport(const QCommandLineParser& parser, ToolOptions& options)
 {
     options.files = expandedPaths(parser.positionalArguments());
@@ -279,12 +326,12 @@ QString readExport(const QCommandLineParser& parser, ToolOptions& options)
     options.outputPath = valueOf(parser, "output");
     if (options.outputPath.isEmpty())
         return QStringLiteral("export needs a file to write, with -o");
-    options.isWide = isSet(parser, "wide");
     const QString run = valueOf(parser, "run");
-    options.run = run.toInt();
-    return isSet(parser, "run") && options.run < 1
-               ? worded("\"%1\" is not the number of a run", run)
-               : QString();
+    options.table.run = run.toInt();
+    if (isSet(parser, "run") && options.table.run < 1)
+        return worded("\"%1\" is not the number of a run", run);
+    options.table.isSafe = isSet(parser, "safe");
+    return readTable(parser, options.table);
 }
 
 QString readExplain(const QCommandLineParser& parser, ToolOptions& options)
@@ -343,7 +390,12 @@ const std::vector<Command>& commands()
         {"export",
          ToolOptions::Request::Export,
          kExportHelp,
-         {{"o output", "OUT.csv"}, {"w wide", nullptr}, {"r run", "N"}},
+         {{"o output", "OUT.csv"},
+          {"w wide", nullptr},
+          {"tables", nullptr},
+          {"columns", "LIST"},
+          {"r run", "N"},
+          {"safe", nullptr}},
          readExport},
     };
     return kCommands;

@@ -8,6 +8,7 @@
 
 #include "check/finding.h"
 #include "check/maxmissing.h"
+#include "exchange/csvexport.h"
 
 // What the command line asks for.
 struct ToolOptions
@@ -41,8 +42,7 @@ struct ToolOptions
 
     // For an export.
     QString outputPath; // "-" is the standard output
-    bool isWide = false;
-    int run = 0; // counted from 1; 0 for all
+    ExportOptions table;
 
     // For an explanation, with the format Text or Markdown.
     QStringList codes;

@@ -15,6 +15,8 @@ private Q_SLOTS:
     void writesRows();
     void quotesTexts_data();
     void quotesTexts();
+    void textsAreHarmless_data();
+    void textsAreHarmless();
     void numbersReadBack_data();
     void numbersReadBack();
     void missingNumbersAreEmpty();
@@ -57,6 +59,23 @@ void CsvWriterTest::quotesTexts()
     QFETCH(QString, text);
     QFETCH(QByteArray, field);
     QCOMPARE(csvField(text), field);
+}
+
+void CsvWriterTest::textsAreHarmless_data()
+{
+    QTest::addColumn<bool>("isRun");
+    for (const char* text : {"=1+1", "+A1", "-A1", "@SUM(A1)", "\tA1", "\rA1", "\nA1", " =A1", "=",
+                             "-", "-1-1", " \t-A1", "+1,5", "\t"})
+        QTest::newRow(text) << true;
+    for (const char* text : {"", " ", "A1", "A=1", "'=1", "-1", "+1.5e3", " -1 ", "-inf", "\"=1"})
+        QTest::newRow(text) << false;
+}
+
+void CsvWriterTest::textsAreHarmless()
+{
+    QFETCH(bool, isRun);
+    const QString text = QString::fromLatin1(QTest::currentDataTag());
+    QCOMPARE(harmless(text), isRun ? QLatin1Char('\'') + text : text);
 }
 
 void CsvWriterTest::numbersReadBack_data()

@@ -223,6 +223,8 @@ private Q_SLOTS:
             << true << QStringLiteral("check --max-missing ") << QStringLiteral("wmo");
         QTest::newRow("a format") << true << QStringLiteral("check -f j") << QStringLiteral("json");
         QTest::newRow("a run") << true << QStringLiteral("export -r ") << QString();
+        QTest::newRow("a second column")
+            << true << QStringLiteral("export --columns scale,y") << QStringLiteral("scale,year");
     }
 
     void completionOffersValues()

@@ -69,6 +69,8 @@ private Q_SLOTS:
     void exportsLongForm();
     void exportsWideForm();
     void exportsOneRun();
+    void exportsWhatIsAskedFor_data();
+    void exportsWhatIsAskedFor();
     void exportReportsText();
     void exportFailsForABrokenFile();
     void failedExportLeavesTheFileAsItWas_data();
@@ -259,6 +261,13 @@ void HtstoolTest::wrongUsageIsRefused_data()
     row("export -o b.csv", "export needs one file");
     row("export -o b.csv a.hts b.hts", "export needs one file");
     row("export -o b.csv a.hts --run 0", "\"0\" is not the number of a run");
+    row("export -o b.csv a.hts --columns begin,object",
+        "\"object\" is not one of the columns object_type, slot_type, scale, method, begin, year");
+    row("export -o b.csv a.hts --columns begin,scale,begin", "the column \"begin\" is given twice");
+    row("export -o b.csv a.hts -w --columns begin,scale", "a wide table has no column \"scale\"");
+    for (const QByteArray other : {"--columns year", "--wide"})
+        row("export -o b.csv a.hts --tables " + other,
+            "--tables goes with neither --wide nor --columns");
 }
 
 void HtstoolTest::wrongUsageIsRefused()
@@ -643,6 +652,100 @@ void HtstoolTest::exportsOneRun()
     QCOMPARE(run.errors,
              QByteArray("htstool: -: The file has 2 runs; the export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
+}
+
+namespace {
+
+// A run with one slot, whose names a spreadsheet would run.
+QByteArray fileWithSteps(const QByteArray& unit, const QByteArrayList& steps)
+{
+    return "number_of_runs:1\nEND_PACKAGE_PREAMBLE\ntime_step_unit:" + unit +
+           "\ntime_steps:" + QByteArray::number(steps.size()) + "\nEND_RUN_PREAMBLE\n" +
+           steps.join('\n') +
+           "\nobject_type: @T\nobject_name: =cmd()\nslot_name: -5\nEND_SLOT_PREAMBLE\nunits: "
+           "\"-m3\nscale: 0.028316846592\nmethod: +Mean\n" +
+           QByteArray("-1\n").repeated(steps.size()) + "END_COLUMN\nEND_SLOT\nEND_RUN\n";
+}
+
+} // namespace
+
+void HtstoolTest::exportsWhatIsAskedFor_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("options");
+    QTest::addColumn<QByteArray>("table"); // lines end with line feeds here
+    const auto row = [](const char* name, const QByteArray& file, const char* options,
+                        const char* table) {
+        QTest::newRow(name) << file << QString::fromLatin1(options) << QByteArray(table);
+    };
+    row("columns", fileWithSteps("month\nunit_quantity:1", {"2000-2-29 24:00"}),
+        "--columns method,slot_type,scale --columns object_type",
+        "run,trace,object,slot,units,time,value,method,slot_type,scale,object_type\n"
+        "1,,=cmd(),-5,\"\"\"-m3\",2000-03-01T00:00:00,-1,+Mean,,0.028316846592,@T\n");
+    row("safe columns", fileWithSteps("month", {"2000-2-29 24:00"}),
+        "--safe --columns method,object_type",
+        "run,trace,object,slot,units,time,value,method,object_type\n"
+        "1,,'=cmd(),-5,\"\"\"-m3\",2000-03-01T00:00:00,-1,'+Mean,'@T\n");
+    row("safe wide table", fileWithSteps("month", {"2000-2-29 24:00"}), "--safe --wide",
+        "run,trace,time,\"'=cmd().-5 [\"\"-m3]\"\n1,,2000-03-01T00:00:00,-1\n");
+    row("wide columns", fileWithSteps("year", {"2000-9-30 24:00", "2001-9-30 24:00"}),
+        "-w --columns year,begin",
+        "run,trace,time,year,begin,\"=cmd().-5 [\"\"-m3]\"\n"
+        "1,,2000-10-01T00:00:00,2000,1999-10-01T00:00:00,-1\n"
+        "1,,2001-10-01T00:00:00,2001,2000-10-01T00:00:00,-1\n");
+    row("tables", kMixedFile, "--tables",
+        "run,trace,object,slot,object_type,slot_type,units,scale,row,value\n"
+        "1,7,Lake,Area,R,ScalarSlot,km2,1,,12.25\n1,7,Lake,T,R,TableSlot,,,1,1 2\n");
+    row("safe tables", QByteArray(kMixedFile).replace("\n1 2\n", "\n-1 2\n").replace("12.25", "-1"),
+        "--tables --safe",
+        "run,trace,object,slot,object_type,slot_type,units,scale,row,value\n"
+        "1,7,Lake,Area,R,ScalarSlot,km2,1,,-1\n1,7,Lake,T,R,TableSlot,,,1,'-1 2\n");
+    row("no step", kMixedFile, "--run 1 --columns begin,year",
+        "run,trace,object,slot,units,time,value,begin,year\n"
+        "1,7,\"Lake, upper\",Flow,cms,2000-02-01T00:00:00,0.1,2000-01-31T00:00:00,2000\n"
+        "1,7,\"Lake, upper\",Flow,cms,2000-02-29T06:00:00,,2000-02-28T06:00:00,2000\n"
+        "1,7,Lake,Area,km2,,12.25,,\n");
+    const struct
+    {
+        const char* unit;
+        QByteArrayList steps;
+        QByteArrayList begins; // and years
+    } kBegins[] = {
+        {"year", {"2000-12-31 24:00"}, {"2000-01-01T00:00:00,2000"}},
+        {"hour\nunit_quantity:6", {"2000-12-31 24:00"}, {"2000-12-31T18:00:00,2000"}},
+        {"minute", {"2001-1-1 0:01"}, {"2001-01-01T00:00:00,2001"}},
+        {"week", {"2001-1-6 24:00"}, {"2000-12-31T00:00:00,2001"}},
+        {"month\nunit_quantity:-3", {"2000-3-30 24:00"}, {"2000-02-29T00:00:00,2000"}},
+        {"month\nunit_quantity:2147483647", {"2000-3-30 24:00"}, {"1999-03-31T00:00:00,2000"}},
+        {"week\nunit_quantity:2147483647", {"2000-3-30 24:00"}, {",2000"}},
+        // The day of a month is not lost; a gap is not a step; nor is one that goes back.
+        {"month",
+         {"2001-1-30 24:00", "2001-2-27 24:00", "2001-5-30 24:00", "2001-4-30 24:00"},
+         {"2000-12-31T00:00:00,2001", "2001-01-31T00:00:00,2001", "2001-04-30T00:00:00,2001",
+          "2001-04-01T00:00:00,2001"}},
+    };
+    for (const auto& [unit, steps, begins] : kBegins) {
+        QByteArray table = "run,trace,time,begin,year,\"=cmd().-5 [\"\"-m3]\"\n";
+        for (int i = 0; i < steps.size(); ++i)
+            table += "1,,T," + begins.at(i) + ",-1\n";
+        row(unit, fileWithSteps(unit, steps), "--wide --columns begin,year", table.constData());
+    }
+}
+
+void HtstoolTest::exportsWhatIsAskedFor()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QString, options);
+    QFETCH(QByteArray, table);
+    ToolRun run;
+    run.start(QStringList{QStringLiteral("export"), QStringLiteral("-"), QStringLiteral("-o-")} +
+                  options.split(QLatin1Char(' ')),
+              file);
+    QCOMPARE(run.errors, QByteArray());
+    QString output = QString::fromUtf8(run.output.replace("\r\n", "\n"));
+    if (table.contains("1,,T,"))
+        output.replace(QRegularExpression(QStringLiteral("1,,[^,]+,")), QStringLiteral("1,,T,"));
+    QCOMPARE(output.toUtf8(), table);
 }
 
 void HtstoolTest::exportReportsText()
