@@ -50,7 +50,7 @@ function(hts_precompile name)
     endif()
     file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp" "")
     add_library(${name} OBJECT "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
-    target_link_libraries(${name} PRIVATE project_options project_warnings Qt5::Core)
+    target_link_libraries(${name} PRIVATE project_options project_warnings Qt::Core)
     target_precompile_headers(${name} PRIVATE ${ARGN})
 endfunction()
 
