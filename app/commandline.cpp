@@ -11,11 +11,11 @@
 #include "app/logstream.h"
 #include "app/options.h"
 #include "app/usage.h"
-#include "gui/messagewatcher.h"
 #include "utils/checkedfile.h"
 #include "utils/consolebuf.h"
 #include "utils/envvars.h"
 #include "utils/fileroles.h"
+#include "utils/messagewatcher.h"
 #include "utils/verboselogging.h"
 
 namespace {

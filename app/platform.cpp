@@ -32,7 +32,6 @@ void prepareCommandLineMode()
 {
     qInstallMessageHandler(showFatalOnly);
     UtilsNS::endWhenMemoryRunsOut(showNoMemory, EXIT_FAILURE);
-    choosePlatformPlugin();
 }
 
 QString argumentText(const char* argument)

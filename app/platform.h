@@ -6,15 +6,11 @@
 // How the process is set up for the command line, and other things that differ between the systems.
 
 // To be called before the application object is created, for a process without a window: the
-// toolkit then needs no display and does not print its warnings. A fatal message, which ends the
-// process, is still shown, on the standard error or, on Windows, on the console. If memory runs out
-// where the failure can't be handled, the process ends with a text on the console and exit code 1.
-// None of these ends waits for a key.
+// toolkit then does not print its warnings. A fatal message, which ends the process, is still
+// shown, on the standard error or, on Windows, on the console. If memory runs out where the failure
+// can't be handled, the process ends with a text on the console and exit code 1. None of these ends
+// waits for a key.
 void prepareCommandLineMode();
-
-// A part of prepareCommandLineMode(): selects a platform plugin of the toolkit that works without a
-// display.
-void choosePlatformPlugin();
 
 // Shows the text of a fatal message, and a line end.
 void showFatal(const QString& message);

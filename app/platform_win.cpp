@@ -5,9 +5,6 @@
 #include "app/platform.h"
 #include "utils/console.h"
 
-// The default plugin needs no display, and "minimal" would start no faster.
-void choosePlatformPlugin() {}
-
 void showFatal(const QString& message)
 {
     const QByteArray text = message.toLocal8Bit() + '\n';

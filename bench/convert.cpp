@@ -13,8 +13,8 @@
 
 #include "QsLog.h"
 #include "annualize/annualizehts.h"
-#include "gui/messagewatcher.h"
 #include "tests/plain/plainconversion.h"
+#include "utils/messagewatcher.h"
 
 namespace {
 

@@ -16,7 +16,6 @@
 #include "gui/applicationicon.h"
 #include "gui/filedrop.h"
 #include "gui/messageviewer.h"
-#include "gui/messagewatcher.h"
 #include "gui/pathpaste.h"
 #include "gui/sourcecheck.h"
 #include "gui/warningbox.h"
@@ -25,6 +24,7 @@
 #include "utils/envvars.h"
 #include "utils/fileroles.h"
 #include "utils/helpurl.h"
+#include "utils/messagewatcher.h"
 #include "utils/verboselogging.h"
 
 namespace {

@@ -14,9 +14,9 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include "gui/messagewatcher.h"
 #include "gui/warningbox.h"
 #include "utils/checkedfile.h"
+#include "utils/messagewatcher.h"
 
 namespace UtilsNS {
 

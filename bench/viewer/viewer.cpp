@@ -19,7 +19,7 @@
 
 #include "QsLogLevel.h"
 #include "gui/messageviewer.h"
-#include "gui/messagewatcher.h"
+#include "utils/messagewatcher.h"
 
 namespace {
 

@@ -4,11 +4,6 @@
 
 const char kCreated[] = "HtsAnnualizer: Annual HTs file successfully created\n\n";
 
-const char kNoPlatform[] =
-    "This application failed to start because no Qt platform plugin could be initialized. "
-    "Reinstalling the application may fix this problem.\n\n"
-    "Available platform plugins are: ...\n\n";
-
 AnnualizerRun::AnnualizerRun() : ProcessRun(QStringLiteral(HTS_ANNUALIZER)) {}
 
 QByteArray monthlyFile()
@@ -49,16 +44,6 @@ void writeInputs(const AnnualizerRun& run)
 {
     run.write(QStringLiteral("a.hts"), monthlyFile());
     run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
-}
-
-QByteArray withoutPluginList(QByteArray errors)
-{
-    const QByteArray label = "Available platform plugins are: ";
-    const int labelBegin = errors.indexOf(label);
-    if (labelBegin < 0)
-        return errors;
-    const int list = labelBegin + label.size();
-    return errors.replace(list, errors.indexOf('\n', list) - list, "...");
 }
 
 QByteArray logWithOutcome(const QByteArray& outcome)

@@ -20,12 +20,6 @@ QByteArray monthlySums();
 // Writes monthlyFile as "a.hts" and, as "c.txt", a control file that asks for the sums.
 void writeInputs(const AnnualizerRun& run);
 
-// What the toolkit writes to the standard error when it can load no platform plugin, in the form
-// that withoutPluginList gives it. It then ends the process by a signal.
-extern const char kNoPlatform[];
-// The text with the toolkit's list of the plugins that are installed replaced by "...".
-QByteArray withoutPluginList(QByteArray errors);
-
 // The text of a log file about a success.
 extern const char kCreated[];
 // Log file of a conversion of monthlyFile as "a.hts" to "b.hts" with "c.txt", up to the outcome;

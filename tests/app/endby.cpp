@@ -7,6 +7,8 @@
 
 #include <sys/resource.h>
 
+#include <QtGlobal>
+
 #include "app/platform.h"
 
 namespace {
@@ -22,6 +24,10 @@ void failBy(const char* name)
         throw std::logic_error("of another kind");
     if (std::strcmp(name, "terminate") == 0)
         std::terminate();
+    if (std::strcmp(name, "qWarning") == 0)
+        qWarning("of the toolkit");
+    if (std::strcmp(name, "qFatal") == 0)
+        qFatal("of the toolkit");
 }
 
 // The same from where nothing can be caught.

@@ -106,20 +106,13 @@ private:
         }
         if (run.exitCode == 127)
             return result == kOldResult ? Outcome::NotStarted : Outcome::Wrong;
-        // The platform plugin is a library that the toolkit loads by itself. With still less memory
-        // it does not list those that there are.
-        const QByteArray noPlatform(kNoPlatform);
-        const QByteArray toolkitText = withoutPluginList(run.errors);
-        const bool isWithoutPlatform =
-            run.exitCode == -1 && run.output.isEmpty() &&
-            (toolkitText == noPlatform ||
-             toolkitText == noPlatform.left(noPlatform.indexOf("Available platform plugins")));
-        // GLib, which is started with the toolkit, has its own text.
-        static const QRegularExpression glibText(
-            QStringLiteral("^[./]*glib/gprintf\\.c:\\d+: failed to allocate memory\n$"));
+        // GLib, which is started with the toolkit, has its own texts.
+        static const QRegularExpression glibText(QStringLiteral(
+            "^([./]*glib/gprintf\\.c:\\d+: failed to allocate memory|"
+            "\n\\*\\*\\*MEMORY-ERROR\\*\\*\\*: .*: GSlice: failed to allocate .*\n)\n$"));
         const bool isWithoutGlib = run.exitCode == -1 && run.output.isEmpty() &&
                                    glibText.match(QString::fromLatin1(run.errors)).hasMatch();
-        if (isWithoutPlatform || isWithoutGlib)
+        if (isWithoutGlib)
             return result == kOldResult && log == "(no file)" ? Outcome::NotStarted
                                                               : Outcome::Wrong;
         const bool isReportedInTheLog =

@@ -3,10 +3,9 @@
 #include <QApplication>
 #include <QtTest>
 
-#include "QsLog.h"
-#include "gui/messagewatcher.h"
 #include "tests/gui/monthlyexample.h"
 #include "tests/support/wholefile.h"
+#include "utils/messagewatcher.h"
 
 namespace {
 
@@ -19,9 +18,7 @@ bool prepareApplication()
         qputenv(name, "/nonexistent");
     qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    qRegisterMetaType<QsLogging::Level>("QsLogging::Level");
-    QsLogging::Logger::instance().addDestination(
-        QsLogging::DestinationFactory::MakeFunctorDestination(UtilsNS::watcherDestination));
+    UtilsNS::connectLoggerToWatcher();
     return true;
 }
 

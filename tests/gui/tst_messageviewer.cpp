@@ -22,11 +22,11 @@
 #include <memory>
 
 #include "gui/messageviewer.h"
-#include "gui/messagewatcher.h"
 #include "tests/gui/modalwindows.h"
 #include "tests/support/hostsystem.h"
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
+#include "utils/messagewatcher.h"
 
 using UtilsNS::MessageViewer;
 

@@ -56,17 +56,19 @@ QStringList productFolders()
     return found;
 }
 
-// Those of `folders` whose libraries the folder's library links.
+// Those of `folders` whose libraries the folder's library and programs link.
 QStringList linkedFolders(const QString& folder, const QStringList& folders)
 {
-    const QRegularExpression call(
-        QStringLiteral("target_link_libraries\\(%1 ([^)]*)\\)").arg(libraryOf(folder).captured(1)));
+    static const QRegularExpression call(QStringLiteral("target_link_libraries\\(\\w+ ([^)]*)\\)"));
     const QString lists = listsOf(folder);
     QStringList found;
     for (auto match = call.globalMatch(lists); match.hasNext();)
         found += match.next().captured(1).simplified().split(QLatin1Char(' '));
-    const auto isOther = [&](const QString& word) { return !folders.contains(word); };
+    const auto isOther = [&](const QString& word) {
+        return !folders.contains(word) || word == folder;
+    };
     found.erase(std::remove_if(found.begin(), found.end(), isOther), found.end());
+    found.removeDuplicates();
     found.sort();
     return found;
 }

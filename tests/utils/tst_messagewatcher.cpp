@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "QsLog.h"
-#include "gui/messagewatcher.h"
 #include "tests/support/testmain.h"
+#include "utils/messagewatcher.h"
 #include "utils/verboselogging.h"
 
 using UtilsNS::messageWatcher;

@@ -1,5 +1,5 @@
-#ifndef GUI_MESSAGEWATCHER_H
-#define GUI_MESSAGEWATCHER_H
+#ifndef UTILS_MESSAGEWATCHER_H
+#define UTILS_MESSAGEWATCHER_H
 
 #include <QObject>
 #include <QString>
@@ -8,14 +8,9 @@
 
 namespace UtilsNS {
 
-// Carries log lines from the logger to the user interface.
-//
-//     QsLogging::Logger::instance().addDestination(
-//         QsLogging::DestinationFactory::MakeFunctorDestination(UtilsNS::watcherDestination));
-//
-// From then on every line is emitted by `messageWatcher`, on the thread that logged it. A receiver
-// with widgets needs a queued connection, for which QsLogging::Level must be registered as a meta
-// type under that name before the first line.
+// Carries log lines from the logger to the user interface: after connectLoggerToWatcher() every
+// line is emitted by `messageWatcher`, on the thread that logged it. A receiver with widgets needs
+// a queued connection.
 class MessageWatcher : public QObject
 {
     Q_OBJECT
@@ -35,6 +30,10 @@ extern MessageWatcher messageWatcher;
 // Error. Callable from any thread; without a receiver the line is lost.
 void watcherDestination(const QString& message, QsLogging::Level level);
 
+// Sets the logger's level to Trace and makes watcherDestination() the destination of all log lines.
+// To be called once. Registers the level for queued connections of the watcher's signal.
+void connectLoggerToWatcher();
+
 } // namespace UtilsNS
 
-#endif // GUI_MESSAGEWATCHER_H
+#endif // UTILS_MESSAGEWATCHER_H

@@ -1,9 +1,10 @@
-#include "gui/messagewatcher.h"
+#include "utils/messagewatcher.h"
 
 #include <QMetaMethod>
+#include <QMetaType>
 #include <QRegularExpression>
 
-#include "QsLogLevel.h"
+#include "QsLog.h"
 
 namespace UtilsNS {
 
@@ -54,6 +55,15 @@ void watcherDestination(const QString& message, QsLogging::Level level)
     // On the command line nothing is connected, and the engine logs lines for every slot.
     if (messageWatcher.hasReceiver())
         Q_EMIT messageWatcher.message(narrowed(level), withoutTimeStamp(message));
+}
+
+void connectLoggerToWatcher()
+{
+    qRegisterMetaType<QsLogging::Level>("QsLogging::Level");
+    QsLogging::Logger& logger = QsLogging::Logger::instance();
+    logger.setLoggingLevel(QsLogging::TraceLevel);
+    logger.addDestination(
+        QsLogging::DestinationFactory::MakeFunctorDestination(watcherDestination));
 }
 
 } // namespace UtilsNS
