@@ -116,9 +116,11 @@ public:
         const HtsColumn& values = walk.values();
         const QByteArray fields = namesOf(slot) + ',' + field(slot.units.value(0));
         takeColumns(slot);
+        const QByteArray noTime;
+        const bool isSeries = slot.isSeries();
         for (std::size_t i = 0; i < values.size(); ++i) {
             writer().addFields(fields);
-            writer().addFields(slot.isSeries() ? steps().times[i] : QByteArray());
+            writer().addFields(isSeries ? steps().times[i] : noTime);
             writer().add(values[i]);
             for (const Column& column : m_columns)
                 writer().addFields(column.steps == nullptr ? column.ofSlot : (*column.steps)[i]);
@@ -182,15 +184,9 @@ public:
             beginTable();
         else if (m_names != m_header)
             return failure(QStringLiteral("The runs have different slots; export one of them"));
-        for (std::size_t i = 0; i < steps().times.size(); ++i) {
-            writer().addFields(runFields());
-            writer().addFields(steps().times[i]);
-            for (const ExportColumnName* column : options().columns)
-                writer().addFields(steps().of(column->column)[i]);
-            for (const HtsColumn& column : m_columns)
-                writer().add(column[i]);
-            writer().endRow();
-        }
+        const std::size_t count = steps().times.size();
+        for (std::size_t first = 0; first < count; first += kRowsAtOnce)
+            writeRows(first, std::min(first + kRowsAtOnce, count));
         return {};
     }
 
@@ -202,6 +198,29 @@ protected:
     }
 
 private:
+    // Columns are far apart in memory: of each, the values of one line of the processor's cache are
+    // taken at once.
+    static constexpr std::size_t kRowsAtOnce = 8;
+
+    void writeRows(std::size_t first, std::size_t end)
+    {
+        m_values.resize((end - first) * m_columns.size());
+        for (std::size_t c = 0; c < m_columns.size(); ++c) {
+            for (std::size_t i = first; i < end; ++i)
+                m_values[(i - first) * m_columns.size() + c] = m_columns[c][i];
+        }
+        const double* value = m_values.data();
+        for (std::size_t i = first; i < end; ++i) {
+            writer().addFields(runFields());
+            writer().addFields(steps().times[i]);
+            for (const ExportColumnName* column : options().columns)
+                writer().addFields(steps().of(column->column)[i]);
+            for (const double* const rowEnd = value + m_columns.size(); value != rowEnd; ++value)
+                writer().add(*value);
+            writer().endRow();
+        }
+    }
+
     void beginTable()
     {
         m_hasHeader = true;
@@ -215,6 +234,7 @@ private:
     QStringList m_header;
     QStringList m_names;
     std::vector<HtsColumn> m_columns;
+    std::vector<double> m_values; // of the rows at hand
 };
 
 // The slots that are no series.

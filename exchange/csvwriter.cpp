@@ -7,9 +7,20 @@
 #include <QIODevice>
 #include <QLocale>
 
+#include "hts/shortestnumber.h"
+
 namespace {
 
 constexpr std::size_t kBlockSize = std::size_t(64) * 1024;
+constexpr std::size_t kRowRoom = 4 * 1024; // more is made for longer rows
+constexpr std::string_view kRowEnd = "\r\n";
+
+// Writes the digits of a number in front of a position in a text of zeros.
+void setNumber(QByteArray& text, int end, int number)
+{
+    for (int i = end - 1; number > 0; number /= 10)
+        text[i--] = static_cast<char>('0' + number % 10);
+}
 
 } // namespace
 
@@ -26,9 +37,8 @@ QByteArray csvField(double number)
 {
     if (!std::isfinite(number))
         return {};
-    char digits[32]; // a double needs 24 at most
-    const auto result = std::to_chars(digits, digits + sizeof digits, number);
-    return QByteArray(digits, static_cast<int>(result.ptr - digits));
+    char text[kShortestNumberRoom];
+    return QByteArray(text, static_cast<int>(writeShortestNumber(text, number) - text));
 }
 
 QString harmless(const QString& text)
@@ -46,8 +56,22 @@ QByteArray csvField(const QDateTime& dateTime)
 {
     if (!dateTime.isValid())
         return {};
-    return QLocale::c().toString(dateTime, QStringLiteral("yyyy-MM-ddTHH:mm:ss")).toLatin1();
+    const QDate date = dateTime.date();
+    const QTime time = dateTime.time();
+    constexpr int kMaxYear = 9999;
+    if (date.year() < 1 || date.year() > kMaxYear)
+        return QLocale::c().toString(dateTime, QStringLiteral("yyyy-MM-ddTHH:mm:ss")).toLatin1();
+    QByteArray field("0000-00-00T00:00:00");
+    setNumber(field, 4, date.year());
+    setNumber(field, 7, date.month());
+    setNumber(field, 10, date.day());
+    setNumber(field, 13, time.hour());
+    setNumber(field, 16, time.minute());
+    setNumber(field, 19, time.second());
+    return field;
 }
+
+CsvWriter::CsvWriter(QIODevice& device) : m_device(device), m_text(kBlockSize + kRowRoom) {}
 
 CsvWriter::~CsvWriter()
 {
@@ -56,21 +80,37 @@ CsvWriter::~CsvWriter()
 
 void CsvWriter::flush()
 {
-    m_device.write(m_text.data(), static_cast<qint64>(m_text.size()));
-    m_text.clear();
+    m_device.write(m_text.data(), static_cast<qint64>(m_used));
+    m_used = 0;
 }
 
-void CsvWriter::startField()
+// Returns where the next field goes, which has room for `maxLength` bytes and a line end;
+// endField() is to follow.
+inline char* CsvWriter::startField(std::size_t maxLength)
 {
+    const std::size_t needed = m_used + 1 + maxLength + kRowEnd.size();
+    if (needed > m_text.size())
+        m_text.resize(std::max(needed, 2 * m_text.size()));
     if (m_isRowStarted)
-        m_text.push_back(',');
+        m_text[m_used++] = ',';
     m_isRowStarted = true;
+    return m_text.data() + m_used;
+}
+
+inline void CsvWriter::endField(const char* end)
+{
+    m_used = static_cast<std::size_t>(end - m_text.data());
+    Q_ASSERT(m_used + kRowEnd.size() <= m_text.size());
+}
+
+void CsvWriter::addBytes(std::string_view bytes)
+{
+    endField(std::copy(bytes.begin(), bytes.end(), startField(bytes.size())));
 }
 
 void CsvWriter::addFields(const QByteArray& fields)
 {
-    startField();
-    m_text.append(fields.constData(), static_cast<std::size_t>(fields.size()));
+    addBytes({fields.constData(), static_cast<std::size_t>(fields.size())});
 }
 
 void CsvWriter::add(const QString& text)
@@ -80,20 +120,15 @@ void CsvWriter::add(const QString& text)
 
 void CsvWriter::add(qint64 number)
 {
-    startField();
-    char digits[24]; // sign and 19 digits at most
-    const auto result = std::to_chars(digits, digits + sizeof digits, number);
-    m_text.append(digits, static_cast<std::size_t>(result.ptr - digits));
+    constexpr std::size_t kMaxLength = 20; // sign and 19 digits
+    char* const field = startField(kMaxLength);
+    endField(std::to_chars(field, field + kMaxLength, number).ptr);
 }
 
 void CsvWriter::add(double number)
 {
-    startField();
-    if (!std::isfinite(number))
-        return;
-    char digits[32]; // a double needs 24 at most
-    const auto result = std::to_chars(digits, digits + sizeof digits, number);
-    m_text.append(digits, static_cast<std::size_t>(result.ptr - digits));
+    char* const field = startField(kShortestNumberRoom);
+    endField(std::isfinite(number) ? writeShortestNumber(field, number) : field);
 }
 
 void CsvWriter::add(const QDateTime& dateTime)
@@ -103,8 +138,9 @@ void CsvWriter::add(const QDateTime& dateTime)
 
 void CsvWriter::endRow()
 {
-    m_text += "\r\n";
+    std::copy(kRowEnd.begin(), kRowEnd.end(), m_text.begin() + static_cast<std::ptrdiff_t>(m_used));
+    m_used += kRowEnd.size();
     m_isRowStarted = false;
-    if (m_text.size() >= kBlockSize)
+    if (m_used >= kBlockSize)
         flush();
 }

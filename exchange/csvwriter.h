@@ -1,7 +1,9 @@
 #ifndef EXCHANGE_CSVWRITER_H
 #define EXCHANGE_CSVWRITER_H
 
-#include <string>
+#include <cstddef>
+#include <string_view>
+#include <vector>
 
 #include <QByteArray>
 #include <QDateTime>
@@ -16,7 +18,7 @@ class QIODevice;
 class CsvWriter
 {
 public:
-    explicit CsvWriter(QIODevice& device) : m_device(device) {}
+    explicit CsvWriter(QIODevice& device);
     ~CsvWriter();
     CsvWriter(const CsvWriter&) = delete;
     CsvWriter& operator=(const CsvWriter&) = delete;
@@ -32,11 +34,15 @@ public:
     void endRow();
 
 private:
-    void startField();
+    char* startField(std::size_t maxLength);
+    void endField(const char* end);
+    void addBytes(std::string_view bytes);
     void flush();
 
     QIODevice& m_device;
-    std::string m_text;
+    // A block, and room for the rest of its last row; how many bytes of it are used.
+    std::vector<char> m_text;
+    std::size_t m_used = 0;
     bool m_isRowStarted = false;
 };
 

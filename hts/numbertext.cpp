@@ -13,8 +13,8 @@
 
 #include <QString>
 #include <QtAlgorithms>
-#include <QtEndian>
 
+#include "hts/eightdigits.h"
 #include "hts/linetext.h"
 
 namespace {
@@ -37,57 +37,6 @@ bool isDigit(char c)
 char lower(char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// Eight characters of a text, the first of them in the lowest byte.
-std::uint64_t eightCharacters(const char* text)
-{
-    return qFromLittleEndian<quint64>(text);
-}
-
-// Zero if all eight characters are digits. Else the lowest bit that is set belongs to the first
-// that is none.
-std::uint64_t otherThanDigits(std::uint64_t characters)
-{
-    constexpr std::uint64_t kHighHalves = 0xf0f0f0f0f0f0f0f0;
-    // The bytes with the high half 3 are 0x30 to 0x3f, so that adding six never carries into the
-    // next byte; only the digits keep that high half after it. One comparison tests both.
-    const std::uint64_t plusSix = characters + 0x0606060606060606;
-    return ((characters & kHighHalves) | (plusSix & kHighHalves) >> 4) ^ 0x3333333333333333;
-}
-
-// How many digits eight characters begin with. A computed number, as branches on it would be
-// mispredicted for values of different size.
-int digitsAtStart(std::uint64_t characters)
-{
-    const quint64 others = otherThanDigits(characters);
-    return others == 0 ? 8 : static_cast<int>(qCountTrailingZeroBits(others) / 8);
-}
-
-// The number that eight digits make: neighbours are joined to pairs, pairs to fours, fours to
-// eight.
-std::uint64_t eightDigits(std::uint64_t characters)
-{
-    constexpr std::uint64_t kTens = 10, kHundreds = 100, kTenThousands = 10000;
-    std::uint64_t digits = characters & 0x0f0f0f0f0f0f0f0f;
-    digits = (digits * (1 + (kTens << 8)) >> 8) & 0x00ff00ff00ff00ff;
-    digits = (digits * (1 + (kHundreds << 16)) >> 16) & 0x0000ffff0000ffff;
-    return digits * (1 + (kTenThousands << 32)) >> 32;
-}
-
-// The number that the last four of eight digits make.
-std::uint64_t lastFourDigits(std::uint64_t characters)
-{
-    std::uint64_t digits = characters >> 32 & 0x0f0f0f0f;
-    digits = (digits * (1 + (10 << 8)) >> 8) & 0x00ff00ff;
-    return (digits * (1 + (100 << 16)) >> 16) & 0xffff;
-}
-
-// The number that the first `count` of eight characters make, 1 to 8 digits.
-std::uint64_t firstDigits(std::uint64_t characters, int count)
-{
-    Q_ASSERT(count >= 1 && count <= 8);
-    return eightDigits(characters << (64 - 8 * count)); // zero bytes count as zeros before them
 }
 
 // Reads `wholeDigits` digits, the point after them and twelve decimals at the end of a line. The
@@ -293,6 +242,16 @@ std::uint64_t roundedDecimals(double fraction)
     return static_cast<std::uint64_t>((Uint128(mantissa) * kUnits + half) >> shift);
 }
 
+// Writes a number below 10^12 as twelve digits and returns the end. `out` has room for 16.
+char* writeTwelveDigits(char* out, std::uint64_t number)
+{
+    constexpr std::uint64_t kTenThousands = 10000;
+    qToLittleEndian<quint64>(charactersOf(number / kTenThousands), out);
+    // The last four, and zeros after them.
+    qToLittleEndian<quint64>(charactersOf(number % kTenThousands * kTenThousands), out + 8);
+    return out + 12;
+}
+
 // See readPlainNumber.
 const char* readOtherPlainNumber(const char* first, const char* last, double& value)
 {
@@ -386,7 +345,5 @@ char* writeNumber(char* out, double value)
     }
     out = std::to_chars(out, out + kMaxNumberLength, whole).ptr;
     *out++ = '.';
-    for (char* digit = out + kDecimals; digit != out; decimals /= 10)
-        *--digit = static_cast<char>('0' + decimals % 10);
-    return out + kDecimals;
+    return writeTwelveDigits(out, decimals);
 }

@@ -21,6 +21,9 @@ private Q_SLOTS:
     void numbersReadBack();
     void missingNumbersAreEmpty();
     void writesLargeTables();
+    void writesLongRows();
+    void writesDateTimes_data();
+    void writesDateTimes();
 };
 
 void CsvWriterTest::writesRows()
@@ -136,6 +139,43 @@ void CsvWriterTest::writesLargeTables()
         }
     }
     QCOMPARE(device.data(), expected);
+}
+
+void CsvWriterTest::writesLongRows()
+{
+    QBuffer device;
+    device.open(QIODevice::WriteOnly);
+    const QByteArray field(50000, 'x');
+    {
+        CsvWriter writer(device);
+        for (int i = 0; i < 5; ++i)
+            writer.addFields(field);
+        writer.endRow();
+        QCOMPARE(device.size(), qint64(5 * field.size() + 6)); // rows are not held back
+    }
+    const QByteArray fieldAndComma = field + ',';
+    QCOMPARE(device.data(), QByteArray(fieldAndComma.repeated(4) + field + "\r\n"));
+}
+
+void CsvWriterTest::writesDateTimes_data()
+{
+    QTest::addColumn<QDateTime>("time");
+    QTest::addColumn<QByteArray>("field");
+    const auto row = [](int year, int month, int day, int hour, int second, const char* field) {
+        QTest::newRow(field) << QDateTime(QDate(year, month, day), QTime(hour, 7, second), Qt::UTC)
+                             << QByteArray(field);
+    };
+    row(1999, 12, 31, 23, 0, "1999-12-31T23:07:00");
+    row(1, 2, 3, 4, 59, "0001-02-03T04:07:59");
+    row(10000, 1, 1, 0, 0, "10000-01-01T00:07:00");
+    row(-1, 1, 1, 0, 0, "-0001-01-01T00:07:00");
+}
+
+void CsvWriterTest::writesDateTimes()
+{
+    QFETCH(QDateTime, time);
+    QFETCH(QByteArray, field);
+    QCOMPARE(csvField(time), field);
 }
 
 HTS_TEST(CsvWriterTest, NoApplication)
