@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QFile>
 
 #include "QsLog.h"
@@ -35,8 +35,7 @@ Status convert(QFile& source, QFile& result, const QString& controlFile, int end
 
 int main(int argc, char* argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "minimal;offscreen"); // as the program chooses
-    const QApplication application(argc, argv);
+    const QCoreApplication application(argc, argv);
     if (argc != 7) {
         std::fprintf(stderr, "usage: convert CONVERSION LOG INPUT RESULT CONTROL MONTH\n");
         return 1;

@@ -78,9 +78,8 @@ private Q_SLOTS:
         AnnualizerRun run;
         run.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         run.startShell(QStringLiteral(
-            "\"$PROGRAM\" & until readlink /proc/$!/exe | grep Window; do sleep 0.02; done; "
+            "\"$PROGRAM\" & until grep -q HtsAnnualizerWindow /proc/$!/maps; do sleep 0.02; done; "
             "kill $!; wait $!"));
-        QCOMPARE(run.output, QByteArray(WINDOW_PROGRAM "\n"));
         QCOMPARE(run.exitCode, 128 + SIGTERM);
     }
 
