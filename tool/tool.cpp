@@ -7,6 +7,7 @@
 #include "tool/checkcommand.h"
 #include "tool/explaincommand.h"
 #include "tool/exportcommand.h"
+#include "tool/importcommand.h"
 #include "tool/progress.h"
 #include "tool/toolio.h"
 #include "tool/tooloptions.h"
@@ -44,6 +45,8 @@ int runTool(const QStringList& arguments, const ToolIo& io)
         return runCheck(options, io);
     case ToolOptions::Request::Explain:
         return runExplain(options, io);
+    case ToolOptions::Request::Import:
+        return runImport(options, io);
     case ToolOptions::Request::Export:
         break;
     }

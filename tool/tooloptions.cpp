@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include <QCommandLineOption>
@@ -22,6 +24,7 @@ const QString kHelp =
                    "  check    report what is wrong with a file, or may not be what is meant\n"
                    "  explain  say what the code of a finding means, and what to do\n"
                    "  export   write the values of a file as comma-separated values\n"
+                   "  import   make a file of comma-separated values\n"
                    "\n"
                    "Options:\n"
                    "  -h, --help     Show this text; after a command, its options.\n"
@@ -92,6 +95,40 @@ const QString kExportHelp = QStringLiteral(
     "Exit code: 0 for success, 1 when text was exported as the 0 that it counts as, 2 for a\n"
     "file that cannot be read as an HTS file, 3 for wrong usage or a file that cannot be\n"
     "opened or written.\n");
+
+const QString kImportHelp = QStringLiteral(
+    "Usage: htstool import [OPTIONS] -o OUT.hts TABLE\n"
+    "Makes an HTS file of comma-separated values: of what export writes, or of another table with\n"
+    "a column for each slot or a row for each value. What was understood of it is shown on the\n"
+    "standard error. TABLE may be - for the standard input.\n"
+    "\n"
+    "Options:\n"
+    "  -o, --output OUT.hts    File to write; - for the standard output.\n"
+    "      --time NAME         Column of the time; given more than once, columns that make it.\n"
+    "      --date-format FORM  How times are written, such as D/M/YYYY or \"YYYY-MM-DD hh:mm\".\n"
+    "      --stamp WHEN        Whether times are the begin or the end of steps.\n"
+    "      --step STEP         How long steps are, such as day or \"6 hour\".\n"
+    "      --fill              Make missing steps missing values.\n"
+    "      --missing WORD      What marks a missing value, besides NaN and nothing; may be given\n"
+    "                          more than once.\n"
+    "      --separator CHAR    What separates columns: a character, tab or blank.\n"
+    "      --decimal SIGN      Whether numbers have a decimal point or comma.\n"
+    "      --comment TEXT      What lines of comment begin with; # if not given.\n"
+    "      --header LINES      What the first lines are, separated by commas: names, objects,\n"
+    "                          units, skip; or none. names if not given.\n"
+    "      --column NAME       Column to import, if not all; NAME=\"Object.Slot [units]\" names\n"
+    "                          its slot. May be given more than once.\n"
+    "      --as ROLE=NAME      Column of the run, trace, object, slot, object_type, slot_type,\n"
+    "                          units, scale, method, time or value, if it has another name.\n"
+    "      --object NAME       Object of the slots for which the table has none.\n"
+    "      --slot NAME         Name of the slot if the table has none.\n"
+    "      --units UNITS       Units of the slots for which the table has none.\n"
+    "      --object-type TYPE  Type of the objects for which the table has none; Imported if not\n"
+    "                          given.\n"
+    "  -h, --help              Show this text.\n"
+    "\n"
+    "Exit code: 0 for success, 2 for a table that cannot be imported as it is, 3 for wrong usage\n"
+    "or a file that cannot be opened, read or written.\n");
 
 const QString kVersion = QStringLiteral("htstool " TOOL_VERSION "\n");
 
@@ -334,6 +371,126 @@ QString readExport(const QCommandLineParser& parser, ToolOptions& options)
     return readTable(parser, options.table);
 }
 
+QString readTime(const QCommandLineParser& parser, ImportOptions& options)
+{
+    options.timeColumns = parser.values(QStringLiteral("time"));
+    const QString form = valueOf(parser, "date-format");
+    if (isSet(parser, "date-format")) {
+        options.timePattern = TimePattern::fromText(form);
+        if (!options.timePattern)
+            return worded("the date format \"%1\" is not made of YYYY, MM, DD, hh, mm and ss",
+                          form);
+    }
+    const QString stamp = valueOf(parser, "stamp");
+    if (stamp == QLatin1String("begin") || stamp == QLatin1String("end"))
+        options.stamp = stamp == QLatin1String("begin") ? Stamp::Begin : Stamp::End;
+    else if (isSet(parser, "stamp"))
+        return worded("the stamp \"%1\" is not begin or end", stamp);
+    const QString step = valueOf(parser, "step");
+    if (isSet(parser, "step")) {
+        const std::optional<TableStep> known = TableStep::fromText(step);
+        if (!known)
+            return worded("the step \"%1\" is not minute, hour, day, week, month or year, with a "
+                          "number before it",
+                          step);
+        options.step = *known;
+    }
+    options.isFilled = isSet(parser, "fill");
+    return {};
+}
+
+QString readSeparators(const QCommandLineParser& parser, ImportOptions& options)
+{
+    if (isSet(parser, "separator")) {
+        const QString text = valueOf(parser, "separator");
+        const QChar c = text == QLatin1String("tab")     ? QLatin1Char('\t')
+                        : text == QLatin1String("blank") ? QLatin1Char(' ')
+                        : text.size() == 1               ? text.at(0)
+                                                         : QLatin1Char('"');
+        options.separator = c.toLatin1();
+        if (c.unicode() >= 0x80 || c.isLetterOrNumber() || c.isNull() ||
+            QLatin1String("\"\r\n").contains(c))
+            return worded("the separator \"%1\" is not a sign of ASCII, tab or blank", text);
+    }
+    const QString decimal = valueOf(parser, "decimal");
+    if (decimal == QLatin1String("comma") || decimal == QLatin1String("point"))
+        options.hasDecimalComma = decimal == QLatin1String("comma");
+    else if (isSet(parser, "decimal"))
+        return worded("the decimal sign \"%1\" is not point or comma", decimal);
+    if (isSet(parser, "comment"))
+        options.comment = valueOf(parser, "comment");
+    options.missingWords = parser.values(QStringLiteral("missing"));
+    return {};
+}
+
+QString readHeader(const QCommandLineParser& parser, ImportOptions& options)
+{
+    if (!isSet(parser, "header"))
+        return {};
+    options.header.clear();
+    const QStringList words = listOf(parser, "header");
+    if (words == QStringList{QStringLiteral("none")})
+        return {};
+    const QStringList kinds{QStringLiteral("names"), QStringLiteral("objects"),
+                            QStringLiteral("units"), QStringLiteral("skip")};
+    for (const QString& word : words) {
+        if (!kinds.contains(word))
+            return worded("a line of the header is \"%1\", not names, objects, units or skip",
+                          word);
+        options.header.append(static_cast<HeaderLine>(kinds.indexOf(word)));
+    }
+    return {};
+}
+
+QString readRoles(const QCommandLineParser& parser, ImportOptions& options)
+{
+    options.valueColumns = parser.values(QStringLiteral("column"));
+    for (const QString& text : parser.values(QStringLiteral("as"))) {
+        const QString word = text.section(QLatin1Char('='), 0, 0);
+        bool isKnown = false;
+        for (std::size_t i = 0; i < kColumnRoles; ++i) {
+            const auto role = static_cast<ColumnRole>(i);
+            if (word == QLatin1String(columnName(role)) && role != ColumnRole::Begin &&
+                role != ColumnRole::Year) {
+                options.roleColumns[i] = text.section(QLatin1Char('='), 1);
+                isKnown = !options.roleColumns[i].isEmpty();
+            }
+        }
+        if (!isKnown)
+            return worded("\"%1\" is not a role and the name of its column, such as value=Flow",
+                          text);
+    }
+    for (const auto& [name, text] : {std::pair<const char*, QString*>{"object", &options.object},
+                                     {"slot", &options.slot},
+                                     {"units", &options.units},
+                                     {"object-type", &options.objectType}}) {
+        if (isSet(parser, name))
+            *text = valueOf(parser, name).trimmed();
+        if (isSet(parser, name) && text->isEmpty())
+            return worded("the value of --%1 is empty", name);
+        if (text->contains(QLatin1Char('\n')))
+            return worded("the value of --%1 has a line end", name);
+    }
+    return {};
+}
+
+QString readImport(const QCommandLineParser& parser, ToolOptions& options)
+{
+    options.files = expandedPaths(parser.positionalArguments());
+    if (options.files.size() != 1)
+        return QStringLiteral("import needs one table");
+    options.outputPath = valueOf(parser, "output");
+    if (options.outputPath.isEmpty())
+        return QStringLiteral("import needs a file to write, with -o");
+    QString problem;
+    for (const auto read : {readTime, readSeparators, readHeader, readRoles}) {
+        problem = read(parser, options.importOptions);
+        if (!problem.isEmpty())
+            break;
+    }
+    return problem;
+}
+
 QString readExplain(const QCommandLineParser& parser, ToolOptions& options)
 {
     options.codes = parser.positionalArguments();
@@ -397,6 +554,27 @@ const std::vector<Command>& commands()
           {"r run", "N"},
           {"safe", nullptr}},
          readExport},
+        {"import",
+         ToolOptions::Request::Import,
+         kImportHelp,
+         {{"o output", "OUT.hts"},
+          {"time", "NAME"},
+          {"date-format", "FORM"},
+          {"stamp", "WHEN"},
+          {"step", "STEP"},
+          {"fill", nullptr},
+          {"missing", "WORD"},
+          {"separator", "CHAR"},
+          {"decimal", "SIGN"},
+          {"comment", "TEXT"},
+          {"header", "LINES"},
+          {"column", "NAME"},
+          {"as", "ROLE"},
+          {"object", "NAME"},
+          {"slot", "NAME"},
+          {"units", "UNITS"},
+          {"object-type", "TYPE"}},
+         readImport},
     };
     return kCommands;
 }
@@ -474,5 +652,5 @@ ToolOptions parseToolOptions(const QStringList& arguments)
     return invalid(
         word.isEmpty()
             ? QStringLiteral("no command is given")
-            : worded("\"%1\" is not one of the commands check, explain and export", word));
+            : worded("\"%1\" is not one of the commands check, explain, export and import", word));
 }

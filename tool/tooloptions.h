@@ -9,6 +9,7 @@
 #include "check/finding.h"
 #include "check/maxmissing.h"
 #include "exchange/csvexport.h"
+#include "exchange/importoptions.h"
 
 // What the command line asks for.
 struct ToolOptions
@@ -18,6 +19,7 @@ struct ToolOptions
         Invalid, // what is wrong with the arguments, in `text`
         Check,
         Export,
+        Import,
         Explain,
     };
     enum class Format { Text, Json, Sarif, Github, Markdown };
@@ -25,7 +27,8 @@ struct ToolOptions
     Request request = Request::Invalid;
     QString text;
 
-    // Input files; "-" is the standard input. One for an export, one or more for a check.
+    // Input files; "-" is the standard input. One for an export or an import, one or more
+    // for a check.
     QStringList files;
 
     // For a check. A path that is not given is empty.
@@ -43,6 +46,9 @@ struct ToolOptions
     // For an export.
     QString outputPath; // "-" is the standard output
     ExportOptions table;
+
+    // For an import; without the name, date and path that are not options.
+    ImportOptions importOptions;
 
     // For an explanation, with the format Text or Markdown.
     QStringList codes;

@@ -221,7 +221,7 @@ void HtstoolTest::wrongUsageIsRefused_data()
         "\"nothing\" is not a code; htstool explain --all lists them");
     row("explain -a -f json", "the format \"json\" is not text or markdown");
     row("explain -a -x", "Unknown option 'x'.");
-    row("list a.hts", "\"list\" is not one of the commands check, explain and export");
+    row("list a.hts", "\"list\" is not one of the commands check, explain, export and import");
     row("check", "check needs a file");
     row("check --wide a.hts", "Unknown option 'wide'.");
     row("check a.hts -y", "Missing value after '-y'.");
