@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include <QList>
 #include <QStringList>
@@ -121,6 +122,57 @@ QString codesOf(const FindingKinds& kinds)
     return codes.join(QLatin1Char(','));
 }
 
+void addImport(const ImportOptions& options, QStringList& arguments)
+{
+    const auto add = [&arguments](const QString& option, const QString& value) {
+        arguments += {option, value};
+    };
+    for (const QString& name : options.timeColumns)
+        add(QStringLiteral("--time"), name);
+    if (options.timePattern)
+        add(QStringLiteral("--date-format"), options.timePattern->text());
+    if (options.stamp)
+        add(QStringLiteral("--stamp"),
+            *options.stamp == Stamp::Begin ? QStringLiteral("begin") : QStringLiteral("end"));
+    if (options.step.isKnown())
+        add(QStringLiteral("--step"), options.step.text());
+    if (options.isFilled)
+        arguments.append(QStringLiteral("--fill"));
+    for (const QString& word : options.missingWords)
+        add(QStringLiteral("--missing"), word);
+    if (options.separator != 0)
+        add(QStringLiteral("--separator"), options.separator == '\t' ? QStringLiteral("tab")
+                                           : options.separator == ' '
+                                               ? QStringLiteral("blank")
+                                               : QString(QLatin1Char(options.separator)));
+    if (options.hasDecimalComma)
+        add(QStringLiteral("--decimal"),
+            *options.hasDecimalComma ? QStringLiteral("comma") : QStringLiteral("point"));
+    add(QStringLiteral("--comment"), options.comment);
+    QStringList lines;
+    for (const HeaderLine line : options.header)
+        lines.append(QStringList{QStringLiteral("names"), QStringLiteral("objects"),
+                                 QStringLiteral("units"), QStringLiteral("skip")}
+                         .at(static_cast<int>(line)));
+    add(QStringLiteral("--header"),
+        lines.isEmpty() ? QStringLiteral("none") : lines.join(QLatin1Char(',')));
+    for (const QString& name : options.valueColumns)
+        add(QStringLiteral("--column"), name);
+    for (std::size_t i = 0; i < kColumnRoles; ++i) {
+        if (!options.roleColumns[i].isEmpty())
+            add(QStringLiteral("--as"), QLatin1String(columnName(static_cast<ColumnRole>(i))) +
+                                            QLatin1Char('=') + options.roleColumns[i]);
+    }
+    for (const auto& [option, text] :
+         {std::pair<const char*, const QString&>{"--object", options.object},
+          {"--slot", options.slot},
+          {"--units", options.units},
+          {"--object-type", options.objectType}}) {
+        if (!text.isEmpty())
+            add(QLatin1String(option), text);
+    }
+}
+
 // Arguments that ask for what the options say. Long names, and "--" before the files, leave nothing
 // to the letters that a value begins with.
 QStringList argumentsFor(const ToolOptions& options)
@@ -142,6 +194,10 @@ QStringList argumentsFor(const ToolOptions& options)
         if (options.hasAllFindings)
             arguments.append(QStringLiteral("--all"));
         add("--counts", options.countsPath);
+    } else if (options.request == ToolOptions::Request::Import) {
+        arguments.append(QStringLiteral("import"));
+        add("--output", options.outputPath);
+        addImport(options.importOptions, arguments);
     } else {
         arguments.append(QStringLiteral("export"));
         add("--output", options.outputPath);
@@ -163,7 +219,8 @@ QStringList argumentsFor(const ToolOptions& options)
 bool asksForAFile(const ToolOptions& options)
 {
     return options.request == ToolOptions::Request::Check ||
-           options.request == ToolOptions::Request::Export;
+           options.request == ToolOptions::Request::Export ||
+           options.request == ToolOptions::Request::Import;
 }
 
 void checkTool(const QList<QByteArray>& arguments)

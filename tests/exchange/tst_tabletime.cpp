@@ -152,15 +152,11 @@ void TableTimeTest::stepsAreFound()
     const TableStep found = TableStep::between(instants, TimePattern::Precision::Minute);
     QCOMPARE(found.text(), step);
     QCOMPARE(TableStep::fromText(step)->text(), step);
-    for (const qint64 instant : instants) {
-        const qint64 end = instant + (instants[0] % kMinutesPerDay == 0 && found.isMonths() &&
-                                              stamps.contains(QLatin1String(" 0:00"))
-                                          ? kMinutesPerDay
-                                          : 0);
-        const auto steps = found.stepsBetween(end - instant + instants[0], end);
-        QVERIFY(steps);
-        QCOMPARE(found.moved(end - instant + instants[0], *steps), end);
-    }
+    if (stamps.contains(QLatin1String(" 0:00")))
+        return; // which is not where a month ends
+    for (const qint64 instant : instants)
+        QCOMPARE(found.moved(instants[0], found.stepsBetween(instants[0], instant).value_or(-1)),
+                 instant);
 }
 
 void TableTimeTest::stepsAreCounted()

@@ -71,6 +71,7 @@ private Q_SLOTS:
         QVERIFY(run.output.contains(": plan: Choptank.Flow: Average, rule of line 4\n"));
         QCOMPARE(run.exitCode, 0);
         QVERIFY(run.read(QStringLiteral("tmp/rivers.csv")).startsWith("run,trace,time,"));
+        QVERIFY(run.read(QStringLiteral("tmp/rivers.hts")).startsWith("name:rivers\n"));
     }
 
     void formatExampleIsReadAsItSays()

@@ -164,7 +164,7 @@ private Q_SLOTS:
 
         QTest::newRow("of both") << QStringLiteral("OPTIONS") << QStringList{kHelp}
                                  << QStringList{};
-        for (const char* command : {"check", "export"}) {
+        for (const char* command : {"check", "export", "import"}) {
             QTest::newRow(command)
                 << QStringLiteral("Options of ") + QLatin1String(command)
                 << QStringList{QLatin1String(command), kHelp} << QStringList{kHelpOption};
@@ -195,6 +195,7 @@ private Q_SLOTS:
 
         QTest::newRow("check") << QStringList{QStringLiteral("check")};
         QTest::newRow("export") << QStringList{QStringLiteral("export")};
+        QTest::newRow("import") << QStringList{QStringLiteral("import")};
     }
 
     void completionOffersTheToolsOptions()
@@ -222,6 +223,8 @@ private Q_SLOTS:
         QTest::newRow("what may be missing")
             << true << QStringLiteral("check --max-missing ") << QStringLiteral("wmo");
         QTest::newRow("a format") << true << QStringLiteral("check -f j") << QStringLiteral("json");
+        QTest::newRow("a stamp") << true << QStringLiteral("import --stamp ")
+                                 << QStringLiteral("begin end");
         QTest::newRow("a run") << true << QStringLiteral("export -r ") << QString();
         QTest::newRow("a second column")
             << true << QStringLiteral("export --columns scale,y") << QStringLiteral("scale,year");
