@@ -1,7 +1,6 @@
 #include "exchange/importedruns.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -13,6 +12,7 @@
 #include "hts/htsrun.h"
 #include "hts/linewriter.h"
 #include "hts/quotedtext.h"
+#include "hts/shortestnumber.h"
 
 namespace {
 
@@ -23,10 +23,10 @@ const double kMissing = std::numeric_limits<double>::quiet_NaN();
 // A line with the shortest text that reads back as the same number.
 void writeValue(LineWriter& lines, double value)
 {
-    char text[40]; // a double needs 24 at most
+    char text[kShortestNumberRoom];
     char* end = text;
     if (std::isfinite(value)) {
-        end = std::to_chars(text, text + sizeof text, value).ptr;
+        end = writeShortestNumber(text, value);
     } else {
         for (const char c : {'N', 'a', 'N'})
             *end++ = c;
