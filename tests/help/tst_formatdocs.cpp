@@ -1,5 +1,5 @@
-// docs/hts-format.md and docs/control-file.md: their examples, typed one after the other, print
-// what is shown after them, and their tables are those of the programs.
+// docs/hts-format.md, docs/control-file.md and docs/import.md: their examples, typed one after the
+// other, print what is shown after them, and their tables are those of the programs.
 
 #include <algorithm>
 #include <cmath>
@@ -151,6 +151,8 @@ private Q_SLOTS:
                                   << QByteArrayList{"file ", "yyyy-M-d"} << 4;
         QTest::newRow("control file") << controlDocument() << QByteArray("Upper Basin.")
                                       << "methods.txt" << QByteArrayList{"file "} << 5;
+        QTest::newRow("tables") << sourceFile(QStringLiteral("docs/import.md")) << QByteArray("-")
+                                << "none" << QByteArrayList{} << 6;
     }
 
     void examplesPrintWhatIsShown()
