@@ -1,15 +1,14 @@
 #include "check/filecheck.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 #include <QBuffer>
 
+#include "check/checkobserver.h"
 #include "check/control.h"
 #include "check/filekind.h"
 #include "check/topic.h"
-#include "check/yearcounts.h"
 
 namespace {
 
@@ -67,7 +66,7 @@ private:
     RunYears m_years;
     CheckContext m_context;
     std::vector<std::unique_ptr<TopicCheck>> m_checks;
-    std::optional<YearCounts> m_counts;
+    CheckObserver* const m_observer;
 };
 
 FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
@@ -81,7 +80,8 @@ FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
           options.endMonth, Conversion::Purpose::Judge),
       m_context{m_reader,    m_package,         m_walk,     m_conversion, options.endMonth,
                 m_sentinels, m_report.findings, m_recovery, m_lines,      options.control,
-                m_years,     options.maxMissing}
+                m_years,     options.maxMissing},
+      m_observer(options.observer)
 {
     // The findings of such a file may have to make way for one.
     if (!m_otherFile.isEmpty()) {
@@ -93,8 +93,6 @@ FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
         m_checks.push_back(topic->makeCheck(m_context));
         m_reader.addObserver(*m_checks.back());
     }
-    if (options.counts != nullptr)
-        m_counts.emplace(*options.counts, options.fileName, m_context);
 }
 
 CheckReport FileCheck::run()
@@ -117,13 +115,13 @@ void FileCheck::checkSection()
         m_lines.setEndLine(m_reader.lineNumber() - m_walk.run().timesteps.size());
         m_years.beginRun(m_walk.run(), m_conversion, m_context.endMonth);
         forEach(&TopicCheck::runRead);
-        if (m_counts)
-            m_counts->beginRun();
+        if (m_observer != nullptr)
+            m_observer->runRead(m_context);
     } else if (m_walk.place() == HtsWalk::Place::Slot) {
         m_report.slotCount += m_walk.runIndex() == 0 ? 1 : 0;
         forEach(&TopicCheck::slotRead);
-        if (m_counts)
-            m_counts->addSlot();
+        if (m_observer != nullptr)
+            m_observer->slotRead(m_context);
     } else if (m_walk.place() == HtsWalk::Place::EndOfRun) {
         forEach(&TopicCheck::runEnded);
     }
@@ -137,11 +135,13 @@ void FileCheck::finish()
     if (!m_report.neverEnds)
         m_report.conversionMessage = m_conversion.verdict().message;
     forEach(&TopicCheck::finish);
-    if (m_walk.status().ok() || m_walk.place() != HtsWalk::Place::PackagePreamble)
-        return;
-    m_report.isOtherFile = !m_otherFile.isEmpty();
+    const bool hasPreamble =
+        m_walk.status().ok() || m_walk.place() != HtsWalk::Place::PackagePreamble;
+    m_report.isOtherFile = !hasPreamble && !m_otherFile.isEmpty();
     if (m_report.isOtherFile)
         reportOtherFile(m_otherFile, m_report.conversionMessage, m_report.findings);
+    if (m_observer != nullptr)
+        m_observer->finished(m_context);
 }
 
 void FileCheck::describePlan()

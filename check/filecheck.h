@@ -9,8 +9,8 @@
 #include "check/findinglist.h"
 #include "check/maxmissing.h"
 
+class CheckObserver;
 class ControlCheck;
-class CsvWriter;
 class QIODevice;
 struct AggMethod;
 
@@ -27,11 +27,8 @@ struct CheckOptions
     // Numbers that mark missing values, in addition to the known ones; finite.
     std::vector<double> sentinels;
     FindingOptions findings;
-    // Gets the counts of timesteps and missing values, a row for each year of each series slot;
-    // null for no counts. Not owned.
-    CsvWriter* counts = nullptr;
-    // The file's name in those rows.
-    QString fileName;
+    // Follows the check, such as YearCounts; may be null. Not owned.
+    CheckObserver* observer = nullptr;
 };
 
 // What a conversion would do with the years of the first run.

@@ -90,6 +90,8 @@ public:
     // The kinds of which there are findings that were neither kept nor taken by the sink, and how
     // many; in the order in which people read them.
     std::vector<FindingCount> notShown() const;
+    // The findings that are kept, in the order in which they were found.
+    const std::vector<Finding>& kept() const { return m_kept; }
     // The findings that are kept, in the order of lines.
     std::vector<Finding> sorted() const;
 

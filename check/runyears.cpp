@@ -10,6 +10,21 @@ QDateTime yearEndAfter(const QDateTime& step, int endMonth)
     return end < step ? end.addYears(1) : end;
 }
 
+qint64 RunYear::longestGap(const HtsColumn& values) const
+{
+    qint64 longest = 0;
+    forEachGap(values, [&longest](qint64, qint64 count) { longest = std::max(longest, count); });
+    return longest;
+}
+
+std::size_t RunYear::indexOf(double value, const HtsColumn& values) const
+{
+    const auto begin = values.begin();
+    return static_cast<std::size_t>(std::find(begin + static_cast<std::ptrdiff_t>(first),
+                                              begin + static_cast<std::ptrdiff_t>(end), value) -
+                                    begin);
+}
+
 void RunYears::beginRun(const HtsRun& run, const Conversion& conversion, int endMonth)
 {
     if (m_isOfFirstRun && conversion.hasFirstTiming())

@@ -38,6 +38,10 @@ struct RunYear
         return std::max<qint64>(year.missing, expected - presentOf(year));
     }
 
+    // The longest of the stretches that forEachGap() finds.
+    qint64 longestGap(const HtsColumn& values) const;
+    // The index of the first timestep with that value, one of the year's.
+    std::size_t indexOf(double value, const HtsColumn& values) const;
     // Calls take(place, count) for each stretch of timesteps of the full year without a usable
     // value, of those of a slot.
     template<typename Take>

@@ -201,6 +201,15 @@ std::vector<Sentinels::Occurrence> Sentinels::findIn(const Slot& slot) const
     return found;
 }
 
+bool Sentinels::isOneOf(const std::vector<Occurrence>& found, double value) const
+{
+    const Reading* reading = readingOf(value);
+    return reading != nullptr &&
+           std::any_of(found.begin(), found.end(), [reading](const Occurrence& each) {
+               return each.number == reading->number;
+           });
+}
+
 QString sentinelText(double number)
 {
     constexpr double kMaxShort = 1e10;

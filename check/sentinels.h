@@ -47,6 +47,8 @@ public:
     // given must occur twice if it lies between other values, or if there are none, and more often
     // than any value within a hundredth of it.
     std::vector<Occurrence> findIn(const Slot& slot) const;
+    // Whether a value is one of the numbers that were found.
+    bool isOneOf(const std::vector<Occurrence>& found, double value) const;
 
 private:
     // What may be read from the texts of a number.

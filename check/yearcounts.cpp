@@ -1,8 +1,8 @@
 #include "check/yearcounts.h"
 
-#include <algorithm>
 #include <string_view>
 
+#include "check/checkcontext.h"
 #include "exchange/csvwriter.h"
 #include "hts/datetimetext.h"
 #include "hts/numbertext.h"
@@ -28,14 +28,6 @@ void addAsInAnnualFile(CsvWriter& writer, double result)
         writer.add(lineToNumber(whole));
 }
 
-qint64 longestGap(const RunYear& year, const HtsColumn& values)
-{
-    qint64 longest = 0;
-    year.forEachGap(values,
-                    [&longest](qint64, qint64 count) { longest = std::max(longest, count); });
-    return longest;
-}
-
 } // namespace
 
 void YearCounts::writeHeader(CsvWriter& writer)
@@ -47,14 +39,15 @@ void YearCounts::writeHeader(CsvWriter& writer)
     writer.endRow();
 }
 
-YearCounts::YearCounts(CsvWriter& writer, const QString& file, const CheckContext& context)
-    : m_writer(writer), m_context(context), m_file(csvField(file))
+YearCounts::YearCounts(CsvWriter& writer, const QString& file)
+    : m_writer(writer), m_file(csvField(file))
 {
 }
 
-void YearCounts::beginRun()
+void YearCounts::runRead(const CheckContext& context)
 {
-    const HtsWalk& walk = m_context.walk;
+    m_context = &context;
+    const HtsWalk& walk = context.walk;
     m_run = m_file + ',' + QByteArray::number(walk.runIndex() + 1) + ',';
     if (walk.run().trace != -1)
         m_run += QByteArray::number(walk.run().trace);
@@ -63,9 +56,9 @@ void YearCounts::beginRun()
         m_stepFields.assign(static_cast<std::size_t>(m_steps.size()), {});
     }
     m_years.clear();
-    const CompleteYears& years = m_context.conversion.runYears();
-    Q_ASSERT(m_context.years.years().size() == static_cast<std::size_t>(years.count()));
-    for (const RunYear& year : m_context.years.years()) {
+    const CompleteYears& years = context.conversion.runYears();
+    Q_ASSERT(context.years.years().size() == static_cast<std::size_t>(years.count()));
+    for (const RunYear& year : context.years.years()) {
         const QString& lastStep = years.timesteps.at(static_cast<int>(m_years.size()));
         const QByteArray end = csvField(textToDateTime(lastStep));
         const QByteArray name = QByteArray::number(year.name);
@@ -75,14 +68,15 @@ void YearCounts::beginRun()
     }
 }
 
-void YearCounts::addSlot()
+void YearCounts::slotRead(const CheckContext& context)
 {
-    HtsWalk& walk = m_context.walk;
+    Q_ASSERT(m_context == &context);
+    HtsWalk& walk = context.walk;
     const HtsSlot& slot = walk.slot();
-    const CompleteYears& years = m_context.conversion.runYears();
+    const CompleteYears& years = context.conversion.runYears();
     if (!slot.isSeries() || !years.status.ok())
         return;
-    const Conversion::SlotOutcome& outcome = m_context.conversion.outcome();
+    const Conversion::SlotOutcome& outcome = context.conversion.outcome();
     const std::vector<YearValues>* counts = outcome.years;
     const bool isConverted = counts != nullptr && outcome.status.ok();
     if (!isConverted) {
@@ -91,9 +85,9 @@ void YearCounts::addSlot()
         counts = &m_aggValues.years();
     }
     Q_ASSERT(counts->size() == m_years.size());
-    const bool hasMethod = isConverted && m_context.control != nullptr;
+    const bool hasMethod = isConverted && context.control != nullptr;
     const AggMethod* method =
-        hasMethod ? m_context.conversion.plans().at(outcome.slot).method : nullptr;
+        hasMethod ? context.conversion.plans().at(outcome.slot).method : nullptr;
     m_method = method == nullptr ? QByteArray() : csvField(method->word);
     const QByteArray fields =
         m_run + ',' + csvField(slot.objectName) + ',' + csvField(slot.slotName);
@@ -106,7 +100,7 @@ void YearCounts::addSlot()
 // The fields of a row after the slot.
 void YearCounts::addYear(std::size_t index, const YearValues& counts, const AggMethod* method)
 {
-    const RunYear& year = m_context.years.years()[index];
+    const RunYear& year = m_context->years.years()[index];
     const YearFields& fields = m_years[index];
     if (counts.count == year.expected && counts.missing == 0) { // faster
         m_writer.addFields(fields.wholeStart);
@@ -120,7 +114,7 @@ void YearCounts::addYear(std::size_t index, const YearValues& counts, const AggM
         m_writer.addFields(m_method);
         m_writer.add(year.expected);
         m_writer.add(RunYear::presentOf(counts));
-        m_writer.add(longestGap(year, m_context.walk.values()));
+        m_writer.add(year.longestGap(m_context->walk.values()));
     }
     if (method == nullptr)
         m_writer.addFields({});
@@ -134,13 +128,11 @@ void YearCounts::addYear(std::size_t index, const YearValues& counts, const AggM
 // missing.
 void YearCounts::addExtremes(const RunYear& year, const YearValues& counts)
 {
-    const HtsColumn& values = m_context.walk.values();
-    const auto begin = values.begin();
-    const auto first = begin + static_cast<std::ptrdiff_t>(year.first);
-    const auto end = begin + static_cast<std::ptrdiff_t>(year.end);
+    const HtsColumn& values = m_context->walk.values();
     for (const double extreme : {counts.max(), counts.min()}) {
-        const auto index = static_cast<std::size_t>(std::find(first, end, extreme) - begin);
-        m_writer.addFields(RunYear::presentOf(counts) == 0 ? QByteArray() : fieldOfStep(index));
+        m_writer.addFields(RunYear::presentOf(counts) == 0
+                               ? QByteArray()
+                               : fieldOfStep(year.indexOf(extreme, values)));
     }
 }
 

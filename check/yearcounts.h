@@ -7,25 +7,25 @@
 #include <QString>
 
 #include "annualize/aggvalues.h"
-#include "check/checkcontext.h"
+#include "check/checkobserver.h"
+#include "check/runyears.h"
 
 class CsvWriter;
 
 // Writes what every annual value of every series slot rests on, a row for each: file, run, trace,
 // object, slot and year, how many values there are and are missing, the result, and the times of
 // the extremes.
-class YearCounts
+class YearCounts : public CheckObserver
 {
 public:
-    // Writer and context outlive the object. `file` is the name of the file in the rows.
-    YearCounts(CsvWriter& writer, const QString& file, const CheckContext& context);
+    // The writer outlives the object. `file` is the name of the file in the rows.
+    YearCounts(CsvWriter& writer, const QString& file);
 
     // Writes the row of column names; to be called once for all files.
     static void writeHeader(CsvWriter& writer);
 
-    // To be called with each run and each slot that the walk has read and the conversion has taken.
-    void beginRun();
-    void addSlot();
+    void runRead(const CheckContext& context) override;
+    void slotRead(const CheckContext& context) override;
 
 private:
     void addYear(std::size_t index, const YearValues& counts, const AggMethod* method);
@@ -33,7 +33,7 @@ private:
     const QByteArray& fieldOfStep(std::size_t index);
 
     CsvWriter& m_writer;
-    const CheckContext& m_context;
+    const CheckContext* m_context = nullptr; // of the run at hand
     // CSV fields of a year: its end, its name, and of one with all its values those up to the name,
     // and from the number of timesteps expected to the longest gap.
     struct YearFields

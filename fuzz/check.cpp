@@ -8,8 +8,10 @@
 
 #include "QsLog.h"
 #include "annualize/annualizehts.h"
+#include "check/checkobserver.h"
 #include "check/control.h"
 #include "check/filecheck.h"
+#include "check/yearcounts.h"
 #include "exchange/csvexport.h"
 #include "exchange/csvwriter.h"
 #include "fuzz/fuzzsupport.h"
@@ -56,14 +58,14 @@ QString convert(const Inputs& inputs, const QString& controlPath)
     return engine.annualize().message;
 }
 
-CheckReport check(const Inputs& inputs, ControlCheck& control, CsvWriter* counts)
+CheckReport check(const Inputs& inputs, ControlCheck& control, CheckObserver* counts)
 {
     QBuffer source;
     open(source, inputs.hts);
     CheckOptions options;
     options.control = &control;
     options.endMonth = inputs.endMonth;
-    options.counts = counts;
+    options.observer = counts;
     return checkFile(source, options);
 }
 
@@ -114,8 +116,9 @@ FUZZ_TARGET(check)
     QBuffer counts;
     fuzz::require(counts.open(QIODevice::WriteOnly), QStringLiteral("cannot open the buffer"));
     CsvWriter writer(counts);
+    YearCounts rows(writer, {});
     ControlCheck control(kControl.path());
-    const CheckReport report = check(inputs, control, &writer);
+    const CheckReport report = check(inputs, control, &rows);
     const FindingList controlFindings = control.findings();
     const bool isEndless = plainreader::isEndless(inputs.hts);
     fuzz::require(report.neverEnds == isEndless, QStringLiteral("other end"));

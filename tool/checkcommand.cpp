@@ -114,8 +114,9 @@ void CheckCommand::check(const QString& path, CsvWriter* counts)
     options.findings = findingOptions();
     if (m_options.hasAllFindings)
         options.findings.sink = [this](const Finding& finding) { m_writer->add(finding); };
-    options.counts = counts;
-    options.fileName = path;
+    std::optional<YearCounts> rows;
+    if (counts != nullptr)
+        options.observer = &rows.emplace(*counts, path);
     CheckReport found;
     QString problem;
     int exitCode = ExitCode::kUnusable;

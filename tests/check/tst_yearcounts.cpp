@@ -56,8 +56,8 @@ QByteArray countsOf(const QByteArray& text, int endMonth, const QByteArray& meth
         YearCounts::writeHeader(writer);
         CheckOptions options;
         options.endMonth = endMonth;
-        options.counts = &writer;
-        options.fileName = QStringLiteral("a,b.hts");
+        YearCounts counts(writer, QStringLiteral("a,b.hts"));
+        options.observer = &counts;
         checkedText(text, method.isEmpty() ? QString() : control.fileName(), options);
     }
     return QByteArray(target.data()).replace("\r\n", "\n");
