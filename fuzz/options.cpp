@@ -198,6 +198,15 @@ QStringList argumentsFor(const ToolOptions& options)
         arguments.append(QStringLiteral("import"));
         add("--output", options.outputPath);
         addImport(options.importOptions, arguments);
+    } else if (options.request == ToolOptions::Request::Report) {
+        arguments.append(QStringLiteral("report"));
+        add("--control", options.controlPath);
+        add("--end-month", QString::number(options.endMonth));
+        add("--output", options.outputPath);
+        arguments += {QStringLiteral("--slots"), options.shownSlots.pattern};
+        if (options.shownSlots.maxCount == ShownSlots::kAll)
+            arguments.append(QStringLiteral("--all-slots"));
+        add("--max-missing", options.maxMissing.text());
     } else {
         arguments.append(QStringLiteral("export"));
         add("--output", options.outputPath);
@@ -220,7 +229,8 @@ bool asksForAFile(const ToolOptions& options)
 {
     return options.request == ToolOptions::Request::Check ||
            options.request == ToolOptions::Request::Export ||
-           options.request == ToolOptions::Request::Import;
+           options.request == ToolOptions::Request::Import ||
+           options.request == ToolOptions::Request::Report;
 }
 
 void checkTool(const QList<QByteArray>& arguments)

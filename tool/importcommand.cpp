@@ -12,15 +12,6 @@
 
 namespace {
 
-// The time, or the one that a build which must not depend on it sets.
-QDateTime now()
-{
-    bool isSet = false;
-    const qint64 seconds = qEnvironmentVariable("SOURCE_DATE_EPOCH").toLongLong(&isSet);
-    return isSet ? QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC)
-                 : QDateTime::currentDateTimeUtc();
-}
-
 // Beside the output, where there is room for it.
 QString temporaryPath(const QString& outputPath)
 {
@@ -46,7 +37,7 @@ int runImport(const ToolOptions& options, const ToolIo& io)
     ImportOptions importOptions = options.importOptions;
     importOptions.packageName = path == kStandardStream ? QStringLiteral("import")
                                                         : shown(QFileInfo(path).completeBaseName());
-    importOptions.createDate = now();
+    importOptions.createDate = timeOfWriting();
     importOptions.temporaryPath = temporaryPath(options.outputPath);
     CsvImport import(importOptions);
     Status status = import.read(input);

@@ -9,6 +9,7 @@
 #include "tool/exportcommand.h"
 #include "tool/importcommand.h"
 #include "tool/progress.h"
+#include "tool/reportcommand.h"
 #include "tool/toolio.h"
 #include "tool/tooloptions.h"
 
@@ -47,6 +48,8 @@ int runTool(const QStringList& arguments, const ToolIo& io)
         return runExplain(options, io);
     case ToolOptions::Request::Import:
         return runImport(options, io);
+    case ToolOptions::Request::Report:
+        return runReport(options, io);
     case ToolOptions::Request::Export:
         break;
     }

@@ -12,6 +12,14 @@ void reportProblem(const QString& path, const QString& text, const ToolIo& io)
     io.errors.write(QStringLiteral("htstool: %1: %2\n").arg(shown(path), shown(text)).toUtf8());
 }
 
+QDateTime timeOfWriting()
+{
+    bool isSet = false;
+    const qint64 seconds = qEnvironmentVariable("SOURCE_DATE_EPOCH").toLongLong(&isSet);
+    return isSet ? QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC)
+                 : QDateTime::currentDateTimeUtc();
+}
+
 qint64 InputFile::readData(char* data, qint64 maxSize)
 {
     const qint64 count = CheckedFile::readData(data, maxSize);

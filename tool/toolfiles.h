@@ -1,6 +1,7 @@
 #ifndef TOOL_TOOLFILES_H
 #define TOOL_TOOLFILES_H
 
+#include <QDateTime>
 #include <QLatin1String>
 #include <QString>
 
@@ -33,6 +34,10 @@ bool finishOutput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo&
 
 // The exit code for a file with a problem().
 int exitCodeOf(const UtilsNS::CheckedFile& file);
+
+// The current time in UTC, or that of the variable SOURCE_DATE_EPOCH: outputs that are to be the
+// same again must not depend on it.
+QDateTime timeOfWriting();
 
 // Writes "htstool: PATH: TEXT" to io.errors.
 void reportProblem(const QString& path, const QString& text, const ToolIo& io);

@@ -25,6 +25,7 @@ const QString kHelp =
                    "  explain  say what the code of a finding means, and what to do\n"
                    "  export   write the values of a file as comma-separated values\n"
                    "  import   make a file of comma-separated values\n"
+                   "  report   write a page that shows the annual values and what they rest on\n"
                    "\n"
                    "Options:\n"
                    "  -h, --help     Show this text; after a command, its options.\n"
@@ -129,6 +130,30 @@ const QString kImportHelp = QStringLiteral(
     "\n"
     "Exit code: 0 for success, 2 for a table that cannot be imported as it is, 3 for wrong usage\n"
     "or a file that cannot be opened, read or written.\n");
+
+const QString kReportHelp = QStringLiteral(
+    "Usage: htstool report [OPTIONS] -c METHODS FILE\n"
+    "Writes a page in HTML that shows what a conversion makes of an HTS file: the verdict, the\n"
+    "findings, the years, and for each slot a chart and a table of its annual values. It needs no\n"
+    "network and no scripts. FILE may be - for the standard input.\n"
+    "\n"
+    "Options:\n"
+    "  -c, --control METHODS     Method control file.\n"
+    "  -y, --end-month MONTH     Month that each year ends with, 1 to 12; 12 if not given.\n"
+    "  -o, --output REPORT.html  File to write; - for the standard output. If not given, FILE\n"
+    "                            with .html in place of what follows the last dot of its name.\n"
+    "      --slots PATTERN       Show the slots whose name Object.Slot is like this: * stands for\n"
+    "                            any text, ? for any character.\n"
+    "      --all-slots           Show all slots; without it the first 200.\n"
+    "      --max-missing MAX     How many values a year may lack before it is marked: a number, a\n"
+    "                            percentage such as 5%, or wmo, as for check; none if not given.\n"
+    "      --sentinel VALUE      A number that marks missing values, besides the known ones; may\n"
+    "                            be given more than once.\n"
+    "  -h, --help                Show this text.\n"
+    "\n"
+    "Exit code: 0 for nothing worse than notes, 1 for warnings, 2 for an error (a conversion\n"
+    "fails or never ends; the page says why), 3 for wrong usage, or a file that cannot be\n"
+    "opened, read or written.\n");
 
 const QString kVersion = QStringLiteral("htstool " TOOL_VERSION "\n");
 
@@ -506,6 +531,41 @@ QString readExplain(const QCommandLineParser& parser, ToolOptions& options)
         options);
 }
 
+// Beside the input, so that pages of many files do not overwrite each other.
+QString pagePathFor(const QString& input)
+{
+    const int nameStart = input.lastIndexOf(QLatin1Char('/')) + 1;
+    const int dot = input.lastIndexOf(QLatin1Char('.'));
+    return input.left(dot > nameStart ? dot : input.size()) + QLatin1String(".html");
+}
+
+QString readReport(const QCommandLineParser& parser, ToolOptions& options)
+{
+    options.files = expandedPaths(parser.positionalArguments());
+    if (options.files.size() != 1)
+        return QStringLiteral("report needs one file");
+    if (!isSet(parser, "control"))
+        return QStringLiteral("report needs a control file, with -c");
+    QString problem = readPath(parser, "control", "of the control file", options.controlPath);
+    if (problem.isEmpty())
+        problem = readPath(parser, "output", "of the page", options.outputPath);
+    if (problem.isEmpty() && !isSet(parser, "output")) {
+        options.outputPath = pagePathFor(options.files.first());
+        if (options.files.first() == QLatin1String("-"))
+            problem =
+                QStringLiteral("a report on the standard input needs a file to write, with -o");
+    }
+    if (problem.isEmpty())
+        problem = readMonth(parser, options);
+    if (problem.isEmpty())
+        problem = readMaxMissing(parser, options);
+    if (isSet(parser, "slots"))
+        options.shownSlots.pattern = valueOf(parser, "slots");
+    if (isSet(parser, "all-slots"))
+        options.shownSlots.maxCount = ShownSlots::kAll;
+    return problem.isEmpty() ? readSentinels(parser, options) : problem;
+}
+
 // An option: its names, separated by blanks, and the name of its value in error texts; null for
 // none.
 struct OptionNames
@@ -575,6 +635,17 @@ const std::vector<Command>& commands()
           {"units", "UNITS"},
           {"object-type", "TYPE"}},
          readImport},
+        {"report",
+         ToolOptions::Request::Report,
+         kReportHelp,
+         {{"c control", "METHODS"},
+          {"y end-month", "MONTH"},
+          {"o output", "REPORT.html"},
+          {"slots", "PATTERN"},
+          {"all-slots", nullptr},
+          {"max-missing", "MAX"},
+          {"sentinel", "VALUE"}},
+         readReport},
     };
     return kCommands;
 }
@@ -652,5 +723,6 @@ ToolOptions parseToolOptions(const QStringList& arguments)
     return invalid(
         word.isEmpty()
             ? QStringLiteral("no command is given")
-            : worded("\"%1\" is not one of the commands check, explain, export and import", word));
+            : worded("\"%1\" is not one of the commands check, explain, export, import and report",
+                     word));
 }

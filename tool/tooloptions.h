@@ -10,6 +10,7 @@
 #include "check/maxmissing.h"
 #include "exchange/csvexport.h"
 #include "exchange/importoptions.h"
+#include "report/pageobserver.h"
 
 // What the command line asks for.
 struct ToolOptions
@@ -21,17 +22,17 @@ struct ToolOptions
         Export,
         Import,
         Explain,
+        Report,
     };
     enum class Format { Text, Json, Sarif, Github, Markdown };
 
     Request request = Request::Invalid;
     QString text;
 
-    // Input files; "-" is the standard input. One for an export or an import, one or more
-    // for a check.
+    // Input files; "-" is the standard input. One or more for a check, else one.
     QStringList files;
 
-    // For a check. A path that is not given is empty.
+    // For a check, and some for a report. A path that is not given is empty.
     QString controlPath;
     int endMonth = 12; // 1 to 12
     MaxMissing maxMissing;
@@ -43,8 +44,11 @@ struct ToolOptions
     QString countsPath;
     std::vector<double> sentinels; // finite
 
-    // For an export.
+    // For an export or a report.
     QString outputPath; // "-" is the standard output
+    // For a report.
+    ShownSlots shownSlots;
+    // For an export.
     ExportOptions table;
 
     // For an import; without the name, date and path that are not options.

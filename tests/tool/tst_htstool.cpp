@@ -221,7 +221,8 @@ void HtstoolTest::wrongUsageIsRefused_data()
         "\"nothing\" is not a code; htstool explain --all lists them");
     row("explain -a -f json", "the format \"json\" is not text or markdown");
     row("explain -a -x", "Unknown option 'x'.");
-    row("list a.hts", "\"list\" is not one of the commands check, explain, export and import");
+    row("list a.hts",
+        "\"list\" is not one of the commands check, explain, export, import and report");
     row("check", "check needs a file");
     row("check --wide a.hts", "Unknown option 'wide'.");
     row("check a.hts -y", "Missing value after '-y'.");
@@ -265,6 +266,16 @@ void HtstoolTest::wrongUsageIsRefused_data()
         "\"object\" is not one of the columns object_type, slot_type, scale, method, begin, year");
     row("export -o b.csv a.hts --columns begin,scale,begin", "the column \"begin\" is given twice");
     row("export -o b.csv a.hts -w --columns begin,scale", "a wide table has no column \"scale\"");
+    row("report -c c.txt", "report needs one file");
+    row("report -c c.txt a.hts b.hts", "report needs one file");
+    row("report a.hts", "report needs a control file, with -c");
+    row("report -c= a.hts", "the path of the control file is empty");
+    row("report -c c.txt a.hts -o=", "the path of the page is empty");
+    row("report -c c.txt -", "a report on the standard input needs a file to write, with -o");
+    row("report -c c.txt a.hts -y 0", "the month \"0\" is not one of 1 to 12");
+    row("report -c c.txt a.hts --max-missing x",
+        "\"x\" is not a number of values, a percentage such as 5% or wmo");
+    row("report -c c.txt a.hts --sentinel x", "the sentinel \"x\" is not a number");
     for (const QByteArray other : {"--columns year", "--wide"})
         row("export -o b.csv a.hts --tables " + other,
             "--tables goes with neither --wide nor --columns");
@@ -562,6 +573,10 @@ void HtstoolTest::inputsAreNotOverwritten_data()
     row("check none.hts - --counts pond.hts < pond.hts", "pond.hts");
     row("export link.hts -o - >> pond.hts", "-");
     row("check pond.hts -c - --counts ./-", "./-");
+    row("report pond.hts -c pond_methods.txt -o pond.hts", "pond.hts");
+    row("report pond.hts -c pond_methods.txt -o pond_methods.txt", "pond_methods.txt");
+    row("report - -c pond_methods.txt -o link.hts < pond.hts", "link.hts");
+    row("report pond.hts -c - -o ./-", "./-");
 }
 
 void HtstoolTest::inputsAreNotOverwritten()

@@ -52,7 +52,7 @@ private Q_SLOTS:
 
 void ToolDocTest::hasTheHelpTexts()
 {
-    for (const char* command : {"check", "explain", "export", "import"}) {
+    for (const char* command : {"check", "explain", "export", "import", "report"}) {
         ToolRun run;
         run.start({QString::fromLatin1(command), QStringLiteral("--help")});
         QVERIFY2(document().contains(QLatin1Char('\n') + indented(run.output) + QLatin1Char('\n')),

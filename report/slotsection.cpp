@@ -1,0 +1,168 @@
+#include "report/slotsection.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "annualize/aggmethods.h"
+#include "check/filecheck.h"
+#include "hts/htsslot.h"
+#include "report/chart.h"
+#include "report/htmltext.h"
+#include "report/numberfield.h"
+#include "report/pagemodel.h"
+
+namespace {
+
+const QByteArray kNumberCell = "<td class=\"n\">";
+// A cell that is to be looked at.
+const QByteArray kFlaggedCell = "<td class=\"n f\">";
+
+QByteArray link(int number, const QString& name)
+{
+    return "<a href=\"#s" + QByteArray::number(number) + "\">" + htmlName(name) + "</a>";
+}
+
+QByteArray flaggedNumber(qint64 count)
+{
+    return (count > 0 ? kFlaggedCell : kNumberCell) + QByteArray::number(count) + "</td>";
+}
+
+QByteArray listRow(const PageSlot& slot, int number)
+{
+    const auto doubtful = std::count_if(slot.years.begin(), slot.years.end(),
+                                        [](const PageYear& year) { return year.isDoubtful; });
+    return "<tr><th scope=\"row\">" + link(number, slot.name) + "</th><td>" +
+           htmlText(slot.method->word) + "</td>" + flaggedNumber(doubtful) +
+           flaggedNumber(slot.envelope.missingCount()) +
+           flaggedNumber(slot.envelope.sentinelCount()) + "</tr>\n";
+}
+
+QByteArray leftOutSlots(const CheckReport& report)
+{
+    constexpr int kMaxListed = 40;
+    QByteArray items;
+    int count = 0;
+    for (const PlannedSlot& slot : report.slotPlan) {
+        if (slot.isConverted || count++ >= kMaxListed)
+            continue;
+        const char* reason = !slot.isSeries           ? "not a series"
+                             : slot.method == nullptr ? "no rule"
+                                                      : "its method is not supported";
+        items += "<li>" + htmlName(fullSlotName(slot.objectName, slot.slotName)) + ": " + reason +
+                 "</li>\n";
+    }
+    if (count > kMaxListed)
+        items += "<li>" + QByteArray::number(count - kMaxListed) + " more</li>\n";
+    return items.isEmpty() ? items : "<h3>Left out</h3>\n<ul>\n" + items + "</ul>\n";
+}
+
+QByteArray notShown(qint64 count, const char* why)
+{
+    return count == 0
+               ? QByteArray()
+               : "<p class=\"rest\">" + QByteArray::number(count) +
+                     (count == 1 ? " slot that is converted is" : " slots that are converted are") +
+                     " not shown: " + why + "</p>\n";
+}
+
+QByteArray about(const PageSlot& slot)
+{
+    constexpr int kMaxUnits = 40;
+    QByteArray html = "<p class=\"about\"><b>" + htmlText(slot.method->word) + "</b>, by line " +
+                      QByteArray::number(slot.ruleLine) + " of the methods; " +
+                      htmlText(slot.units, kMaxUnits);
+    if (slot.annualUnits != slot.units)
+        html += " to " + htmlText(slot.annualUnits, 2 * kMaxUnits);
+    html += ", scale " + QByteArray::number(slot.scale) + "; lines " +
+            QByteArray::number(slot.firstLine) + " to " + QByteArray::number(slot.lastLine);
+    if (!slot.objectType.isEmpty())
+        html += "; of type " + htmlText(slot.objectType, kMaxUnits);
+    html += "</p>\n";
+    if (slot.envelope.missingCount() > 0)
+        html += "<p class=\"note\">" + QByteArray::number(slot.envelope.missingCount()) +
+                " values are missing.</p>\n";
+    if (!slot.sentinels.isEmpty())
+        html +=
+            "<p class=\"note\">" + QByteArray::number(slot.envelope.sentinelCount()) +
+            " values may mark missing ones: " + htmlText(slot.sentinels.join(QLatin1String(", "))) +
+            "</p>\n";
+    return html;
+}
+
+QByteArray stepCell(const PageModel& model, qint32 step)
+{
+    return step < 0 ? QByteArray("<td></td>")
+                    : "<td>" + htmlText(model.timesteps.value(step)) + "</td>";
+}
+
+QByteArray yearRow(const PageModel& model, std::size_t index, const PageYear& year)
+{
+    const RunYear& ofRun = model.years[index];
+    QByteArray html = "<tr><th scope=\"row\">" + QByteArray::number(ofRun.name) + "</th>";
+    html += (std::isfinite(year.value) && !year.hasSentinels ? kNumberCell : kFlaggedCell) +
+            numberField(year.value) + "</td>";
+    html += (year.isDoubtful ? kFlaggedCell : kNumberCell) + QByteArray::number(year.present) +
+            " of " + QByteArray::number(ofRun.expected) + "</td>";
+    html += (year.isDoubtful && year.longestGap > 0 ? kFlaggedCell : kNumberCell) +
+            QByteArray::number(year.longestGap) + "</td>";
+    return html + stepCell(model, year.maximum) + stepCell(model, year.minimum);
+}
+
+QByteArray yearTable(const PageModel& model, const PageSlot& slot,
+                     const std::vector<YearBand>& bands)
+{
+    if (slot.years.empty())
+        return "<p>No annual values.</p>\n";
+    QByteArray html = "<div class=\"wide\"><table>\n<thead><tr><th scope=\"col\">Year</th><th "
+                      "class=\"n\" scope=\"col\">" +
+                      htmlText(slot.method->word) +
+                      "</th><th class=\"n\" scope=\"col\">Values</th><th class=\"n\" "
+                      "scope=\"col\">Longest gap</th><th scope=\"col\">"
+                      "Maximum at</th><th scope=\"col\">Minimum at</th>";
+    if (!bands.empty())
+        html +=
+            "<th class=\"n\" scope=\"col\">Other runs: smallest</th><th class=\"n\" scope=\"col\">"
+            "median</th><th class=\"n\" scope=\"col\">largest</th>";
+    html += "</tr></thead>\n<tbody>\n";
+    for (std::size_t i = 0; i < slot.years.size(); ++i) {
+        html += yearRow(model, i, slot.years[i]);
+        if (!bands.empty()) {
+            for (const double value : {bands[i].minimum, bands[i].median, bands[i].maximum})
+                html += kNumberCell + numberField(value) + "</td>";
+        }
+        html += "</tr>\n";
+    }
+    return html + "</tbody></table></div>\n";
+}
+
+} // namespace
+
+QByteArray slotList(const CheckReport& report, const PageModel& model)
+{
+    QByteArray html = "<section id=\"slots\">\n<h2>Slots</h2>\n";
+    if (!model.slots.empty()) {
+        html +=
+            "<div class=\"wide\"><table>\n<thead><tr><th scope=\"col\">Slot</th><th "
+            "scope=\"col\">Method</th><th class=\"n\" scope=\"col\">Years that lack values</th><th "
+            "class=\"n\" scope=\"col\">Missing values</th><th class=\"n\" scope=\"col\">Perhaps "
+            "missing</th></tr>"
+            "</thead>\n<tbody>\n";
+        int number = 0;
+        for (const PageSlot& slot : model.slots)
+            html += listRow(slot, ++number);
+        html += "</tbody></table></div>\n";
+    }
+    html += notShown(model.slotsBeyondLimit,
+                     "<code>--all-slots</code> shows all, <code>--slots</code> those of a name.");
+    html += notShown(model.slotsNotAskedFor, "<code>--slots</code> asks for others.");
+    return html + leftOutSlots(report) + "</section>\n";
+}
+
+QByteArray slotSection(const PageModel& model, const PageSlot& slot, int number)
+{
+    const std::vector<YearBand> bands = bandOf(slot);
+    return "<section class=\"slot\" id=\"s" + QByteArray::number(number) + "\">\n<h2>" +
+           htmlName(slot.name) + "</h2>\n" + about(slot) + "<figure>" +
+           slotChart(model, slot, bands) + "</figure>\n" + yearTable(model, slot, bands) +
+           "</section>\n";
+}

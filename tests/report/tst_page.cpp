@@ -1,0 +1,276 @@
+// Whole pages: those of two small files, names that are markup, the numbers of the tables, and how
+// large a page may be.
+
+#include <QBuffer>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "annualize/annualizehts.h"
+#include "check/control.h"
+#include "hts/numbertext.h"
+#include "report/page.h"
+#include "report/pageobserver.h"
+#include "report/pagestyle.h"
+#include "tests/check/checkedtext.h"
+#include "tests/support/testmain.h"
+#include "tests/support/wholefile.h"
+
+namespace {
+
+// A page about an input with a control file, both as texts.
+QByteArray pageOf(const QByteArray& text, const QByteArray& methods, int endMonth = 12,
+                  const ShownSlots& shown = {})
+{
+    const QTemporaryDir folder;
+    const QString controlPath = folder.filePath(QStringLiteral("methods.txt"));
+    writeFile(controlPath, methods);
+    ControlCheck control(controlPath);
+    PageObserver observer(shown);
+    CheckOptions options;
+    options.control = &control;
+    options.endMonth = endMonth;
+    options.observer = &observer;
+    QBuffer source;
+    source.setData(text);
+    source.open(QIODevice::ReadOnly | QIODevice::Text);
+    const CheckReport report = checkFile(source, options);
+    const QDateTime noon(QDate(2026, 1, 2), QTime(12, 0), Qt::UTC);
+    PageFacts facts;
+    facts.program = QStringLiteral("htstool");
+    facts.written = noon;
+    facts.endMonth = endMonth;
+    facts.files = {
+        {QStringLiteral("Input"), QStringLiteral("a/input.hts"), text.size(), "12ab", noon},
+        {QStringLiteral("Methods"), QStringLiteral("methods.txt"), 3, {}, {}}};
+    facts.options = {{QStringLiteral("Years end with"), QStringLiteral("month")}};
+    QBuffer page;
+    page.open(QIODevice::WriteOnly);
+    writePage(page, facts, report, control.findings(), observer.model());
+    return page.data();
+}
+
+// Without what looks do not change.
+QByteArray withoutStyle(QByteArray page)
+{
+    page.replace(kPageStyle, "");
+    const int hash = page.indexOf("'sha256-");
+    return page.remove(hash, page.indexOf('\'', hash + 1) + 1 - hash);
+}
+
+// `count` slots of `years` years of months. One in 24 values is missing, and the others are far
+// apart, so that all of a chart is drawn.
+QByteArray largeFile(int count, int years, const QByteArray& name)
+{
+    const int steps = 12 * years;
+    QByteArray times;
+    QByteArray values;
+    for (int i = 0; i < steps; ++i) {
+        const QDate month = QDate(1900, 1, 1).addMonths(i);
+        times += month.toString(QStringLiteral("yyyy-M-")).toLatin1() +
+                 QByteArray::number(month.daysInMonth()) + " 24:00\n";
+        const double value = i % 24 == 0 ? qQNaN() : (i * 7919) % 10007 / 7.0;
+        values += QByteArray::number(value, 'f', 9) + '\n';
+    }
+    QByteArray text = "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:1900-1-31 24:00\n"
+                      "time_step_unit:month\ntime_steps:" +
+                      QByteArray::number(steps) + "\nEND_RUN_PREAMBLE\n" + times;
+    for (int i = 0; i < count; ++i)
+        text += "object_name: " + name + "\nslot_name: " + QByteArray::number(i) +
+                "\nEND_SLOT_PREAMBLE\nunits: m3\nscale: 1\n" + values + "END_COLUMN\nEND_SLOT\n";
+    return text + "END_RUN\n";
+}
+
+} // namespace
+
+class PageTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void pagesAreWhole_data();
+    void pagesAreWhole();
+    void namesAreShownNotRun_data();
+    void namesAreShownNotRun();
+    void tablesHaveTheResult_data();
+    void tablesHaveTheResult();
+    void pagesAreSmall_data();
+    void pagesAreSmall();
+    void slotsAreLeftOut_data();
+    void slotsAreLeftOut();
+    void verdictIsShown_data();
+    void verdictIsShown();
+};
+
+void PageTest::pagesAreWhole_data()
+{
+    addColumns<const char*, const char*, int>("input", "methods", "endMonth");
+    addRows<const char*, const char*, int>({
+        {"average-of-part", "tests/check/files/average-of-part.hts",
+         "tests/check/files/average-of-part.txt", 12},
+        {"pond", "tests/tool/files/pond.hts", "tests/tool/files/pond_methods.txt", 9},
+    });
+}
+
+void PageTest::pagesAreWhole()
+{
+    QFETCH(QString, input);
+    QFETCH(QString, methods);
+    QFETCH(int, endMonth);
+    const QString name = QLatin1String(QTest::currentDataTag()) + QLatin1String(".html");
+    const QByteArray page = withoutStyle(pageOf(sourceFile(input), sourceFile(methods), endMonth));
+    const QString path = QDir::temp().filePath(name);
+    writeFile(path, page);
+    QVERIFY2(page == sourceFile(QStringLiteral("tests/report/files/") + name),
+             qPrintable(QStringLiteral("differs from tests/report/files: ") + path));
+}
+
+void PageTest::namesAreShownNotRun_data()
+{
+    addColumns<QByteArray, QByteArray>("name", "shown");
+    addRows<QByteArray, QByteArray>({
+        {"script", "<script>alert(1)</script>", "&lt;script&gt;alert(1)&lt;/script&gt;"},
+        {"end of a style", "</style><b>", "&lt;/style&gt;&lt;b&gt;"},
+        {"attribute", "\" onload=\"x", "&quot; onload=&quot;x"},
+        {"quote", "' onload='x", "&#39; onload=&#39;x"},
+        {"entity", "&lt;b&gt;", "&amp;lt;b&amp;gt;"},
+        {"comment", "<!-- x", "&lt;!-- x"},
+        {"right to left",
+         "a\xe2\x80\xae"
+         "b",
+         "a\\u202eb"},
+        {"control characters", "a\x1b[31mb", "a\\u001b[31mb"},
+        {"marks of arg", "%1%2", "%1%2"},
+        {"bytes that are no text", "a\xff\xfe", "a\xef\xbf\xbd"},
+    });
+}
+
+void PageTest::namesAreShownNotRun()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QByteArray, shown);
+    QByteArray text = largeFile(2, 2, name);
+    text.replace("units: m3", "units: " + name).replace("slot_name: 1", "slot_name: " + name);
+    const QByteArray page = pageOf("owner:" + name + '\n' + text, "*.*: Sum\n" + name);
+    QVERIFY(page.count(shown) >= 6);
+    const QByteArray plain = pageOf(largeFile(2, 2, "Lake"), "*.*: Sum\nLake");
+    for (const char* markup : {"<script", "<!--", "onload=\"", "<b>", "</style>"})
+        QCOMPARE(page.count(markup) - page.count("<b>Sum"),
+                 plain.count(markup) - plain.count("<b>Sum"));
+    QVERIFY(page.contains("content=\"default-src 'none'; style-src 'sha256-"));
+}
+
+void PageTest::tablesHaveTheResult_data()
+{
+    addColumns<const char*, int>("name", "endMonth");
+    addRows<const char*, int>({{"daily, two runs", "rivers_daily", 9},
+                               {"monthly", "basins_monthly", 12},
+                               {"other years", "basins_monthly", 3}});
+}
+
+// To the last digit of the annual file.
+void PageTest::tablesHaveTheResult()
+{
+    QFETCH(QString, name);
+    QFETCH(int, endMonth);
+    const QString methods = QStringLiteral("examples/%1_methods.txt").arg(name);
+    const QByteArray text = sourceFile(QStringLiteral("examples/%1.hts").arg(name));
+    const ConvertedText converted =
+        convertedText(text, QStringLiteral(SOURCE_DIR "/") + methods, endMonth);
+    QBuffer result;
+    result.setData(converted.result);
+    result.open(QIODevice::ReadOnly);
+    HtsPackage package;
+    QVERIFY(package.read(result).ok());
+    QStringList expected;
+    for (const auto& slot : package.values.at(0)) {
+        for (const double value : slot.at(0))
+            expected.append(QString::number(value, 'g', 17));
+    }
+    static const QRegularExpression row(
+        QStringLiteral(R"(<tr><th scope="row">\d+</th><td class="n[ f]*">([^<]+)</td>)"));
+    QStringList shown;
+    const QString page = QString::fromUtf8(pageOf(text, sourceFile(methods), endMonth));
+    for (auto match = row.globalMatch(page); match.hasNext();)
+        shown.append(QString::number(match.next().captured(1).toDouble(), 'g', 17));
+    QCOMPARE(shown, expected);
+}
+
+void PageTest::pagesAreSmall_data()
+{
+    addColumns<int, int>("count", "years");
+    addRows<int, int>({{"one slot", 1, 100}, {"200 slots", 200, 60}, {"many years", 3, 500}});
+}
+
+void PageTest::pagesAreSmall()
+{
+    QFETCH(int, count);
+    QFETCH(int, years);
+    const int limit = 40000 + 15000 * count + 250 * years * count;
+    for (const QByteArray& name : {QByteArray("Lake"), QByteArray(3000, '"')}) {
+        const QByteArray page = pageOf(largeFile(count, years, name), "*.*: SumNaN");
+        QVERIFY2(page.size() < limit, QByteArray::number(page.size()).constData());
+        QCOMPARE(page.count("<section class=\"slot\""), count);
+    }
+}
+
+void PageTest::slotsAreLeftOut_data()
+{
+    addColumns<const char*, int, int, const char*>("pattern", "maxCount", "count", "text");
+    addRows<const char*, int, int, const char*>({
+        {"all", "*", 200, 4, ""},
+        {"some", "Lake.[12]", 200, 0, "4 slots that are converted are not shown"},
+        {"one", "*.3", 200, 1, "3 slots that are converted are not shown"},
+        {"too many", "*", 3, 3, "1 slot that is converted is not shown: <code>--all-slots"},
+    });
+}
+
+void PageTest::slotsAreLeftOut()
+{
+    QFETCH(QString, pattern);
+    QFETCH(int, maxCount);
+    QFETCH(int, count);
+    QFETCH(QString, text);
+    const QString page =
+        QString::fromUtf8(pageOf(largeFile(4, 2, "Lake"), "*.*: Sum", 12, {pattern, maxCount}));
+    QCOMPARE(page.count(QLatin1String("<section class=\"slot\"")), count);
+    QVERIFY(page.contains(text));
+    QCOMPARE(page.contains(QLatin1String("not shown")), !text.isEmpty());
+}
+
+void PageTest::verdictIsShown_data()
+{
+    addColumns<QByteArray, QByteArray, QByteArray>("input", "methods", "verdict");
+    const QByteArray file = largeFile(1, 2, "Lake");
+    addRows<QByteArray, QByteArray, QByteArray>({
+        {"converts", file, "*.*: Sum", "Converts"},
+        {"no method", file, "",
+         "Does not convert: No series slots with valid methods found in input HTS file"},
+        {"cut", file.left(file.size() - 60), "*.*: Sum",
+         "Does not convert: Cannot read slot preamble"},
+        {"no timesteps", "END_PACKAGE_PREAMBLE\ntime_steps:0\nEND_RUN_PREAMBLE\nEND_RUN\n",
+         "*.*: Sum", "Does not convert: Cannot create a complete year from the input HTS file"},
+        {"part of a year", QByteArray(file).replace("time_steps:24", "time_steps:7"), "*.*: Sum",
+         "Does not convert: Cannot read slot preamble"},
+        {"nothing", "", "*.*: Sum", "Does not convert: Cannot read package preamble"},
+        {"other file", "a,b\n1,2\n", "*.*: Sum", "Does not convert: Cannot read package preamble"},
+        {"no end",
+         QByteArray(file).replace("END_RUN\n", "slot_type: TableSlot\nEND_SLOT_PREAMBLE\n1\n"),
+         "*.*: Sum", "A conversion never ends"},
+    });
+}
+
+void PageTest::verdictIsShown()
+{
+    QFETCH(QByteArray, input);
+    QFETCH(QByteArray, methods);
+    QFETCH(QByteArray, verdict);
+    const QByteArray page = pageOf(input, methods);
+    QVERIFY2(page.contains("</span> " + verdict + "</p>"),
+             page.mid(page.indexOf("<p class=\"verdict"), 300));
+    QVERIFY(page.endsWith("</main>\n</body>\n</html>\n"));
+}
+
+HTS_TEST(PageTest, NoApplication)
+
+#include "tst_page.moc"

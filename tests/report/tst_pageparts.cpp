@@ -1,0 +1,267 @@
+// What pages are made of: texts, numbers, axes, envelopes, bands, names that are asked for.
+
+#include <limits>
+
+#include <QtTest>
+
+#include "report/axis.h"
+#include "report/envelope.h"
+#include "report/htmltext.h"
+#include "report/numberfield.h"
+#include "report/pagemodel.h"
+#include "report/pageobserver.h"
+#include "report/svgpath.h"
+#include "report/yearband.h"
+#include "tests/support/testmain.h"
+
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+} // namespace
+
+class PagePartsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void textsAreNoMarkup_data();
+    void textsAreNoMarkup();
+    void numbersAreThoseOfTheAnnualFile_data();
+    void numbersAreThoseOfTheAnnualFile();
+    void axisHasRoundTicks_data();
+    void axisHasRoundTicks();
+    void labelsAreNotTooMany_data();
+    void labelsAreNotTooMany();
+    void namesAreMatched_data();
+    void namesAreMatched();
+    void envelopeKeepsEachPeak();
+    void envelopeKnowsWhatIsMissing();
+    void columnsFollowTheTimes();
+    void bandHasTheMedian();
+    void pathIsShort();
+};
+
+void PagePartsTest::textsAreNoMarkup_data()
+{
+    addColumns<const char*, QByteArray>("text", "html");
+    addRows<const char*, QByteArray>({
+        {"plain", "Mill Pond.Flow", "Mill Pond.Flow"},
+        {"script", "<script>alert(1)</script>", "&lt;script&gt;alert(1)&lt;/script&gt;"},
+        {"quotes", "\"a\" 'b' &amp; `c`", "&quot;a&quot; &#39;b&#39; &amp;amp; `c`"},
+        {"right to left", "a\u202eb\u200f\u2066c", "a\\u202eb\\u200f\\u2066c"},
+        {"control characters", "a\tb\x1b[31m\x7f\n", "a\\tb\\u001b[31m\\u007f\\u000a"},
+        {"marks of arg", "%1 %2", "%1 %2"},
+        {"letters", "Ä\u05d0\u6c34", "Ä\u05d0\u6c34"},
+        {"long", "0123456789a", "0123456789..."},
+    });
+}
+
+void PagePartsTest::textsAreNoMarkup()
+{
+    QFETCH(QString, text);
+    const bool isLong = QByteArray(QTest::currentDataTag()) == "long";
+    QTEST(htmlText(text, isLong ? 10 : 400), "html");
+}
+
+void PagePartsTest::numbersAreThoseOfTheAnnualFile_data()
+{
+    addColumns<double, QByteArray>("number", "field");
+    addRows<double, QByteArray>({
+        {"digits", 4.723110711085, "4.723110711085"},
+        {"more digits", 0.12345678901263, "0.123456789013"},
+        {"whole", 1200.0, "1200"},
+        {"zero", -0.0, "0"},
+        {"small", 1e-13, "0"},
+        {"large", 123456789012345.0, "123456789012345"},
+        {"larger", 1e300, "1e+300"},
+        {"missing", kNaN, "NaN"},
+        {"infinite", kInfinity, "NaN"},
+    });
+}
+
+void PagePartsTest::numbersAreThoseOfTheAnnualFile()
+{
+    QFETCH(double, number);
+    QTEST(numberField(number), "field");
+}
+
+void PagePartsTest::axisHasRoundTicks_data()
+{
+    addColumns<QVector<double>, const char*>("numbers", "labels");
+    addRows<QVector<double>, const char*>({
+        {"near zero", {3.2, 97.0}, "0 50 100"},
+        {"far from zero", {341.2, 359.0}, "340 345 350 355 360"},
+        {"both signs", {-3.0, 7.0}, "-5 0 5 10"},
+        {"negative", {-9.0, -1.0}, "-10 -5 0"},
+        {"fractions", {0.0012, 0.0047}, "0.000 0.002 0.004 0.006"},
+        {"large", {0.0, 4.1e7}, "0 2e+07 4e+07 6e+07"},
+        {"large and close", {1234567.0, 1234569.0}, "1234567 1234567.5 1234568 1234568.5 1234569"},
+        {"one number", {20.0}, "19.0 19.5 20.0 20.5 21.0"},
+        {"zero", {0.0}, "-1.0 -0.5 0.0 0.5 1.0"},
+        {"not finite", {kNaN, 1.0, kInfinity, 2.0}, "1.0 1.5 2.0"},
+        {"largest", {-1.7e308, 1.7e308}, "-1e+300 -5e+299 0 5e+299 1e+300"},
+    });
+}
+
+void PagePartsTest::axisHasRoundTicks()
+{
+    QFETCH(QVector<double>, numbers);
+    Axis axis;
+    for (const double number : numbers)
+        axis.include(number);
+    axis.round();
+    QByteArrayList labels;
+    for (const Axis::Tick& tick : axis.ticks()) {
+        labels.append(tick.label);
+        QVERIFY(axis.placeOf(tick.value) >= 0.0 && axis.placeOf(tick.value) <= 1.0);
+    }
+    QTEST(QString::fromLatin1(labels.join(' ')), "labels");
+    QCOMPARE(axis.placeOf(axis.low()), 0.0);
+    QCOMPARE(axis.placeOf(axis.high()), 1.0);
+}
+
+void PagePartsTest::labelsAreNotTooMany_data()
+{
+    addColumns<int, int>("count", "step");
+    addRows<int, int>({{"none", 0, 1},
+                       {"few", 11, 1},
+                       {"12", 12, 2},
+                       {"22", 22, 2},
+                       {"23", 23, 5},
+                       {"56", 56, 10},
+                       {"150", 150, 20},
+                       {"many", 8000, 1000}});
+}
+
+void PagePartsTest::labelsAreNotTooMany()
+{
+    QFETCH(int, count);
+    QTEST(labelStep(count, 11), "step");
+}
+
+void PagePartsTest::namesAreMatched_data()
+{
+    addColumns<const char*, const char*, bool>("pattern", "name", "isMatch");
+    addRows<const char*, const char*, bool>({
+        {"all", "*", "Lake.Flow", true},
+        {"object", "Lake.*", "Lake.Flow", true},
+        {"other object", "Lake.*", "Pond.Flow", false},
+        {"end", "*Flow", "a.b.Flow", true},
+        {"not the end", "*Flow", "Lake.Flows", false},
+        {"later place", "*ab*c", "aab.abxc", true},
+        {"one character", "Lake.Fl?w", "Lake.Flow", true},
+        {"no character", "Lake.Flow?", "Lake.Flow", false},
+        {"case", "lake.*", "Lake.Flow", false},
+        {"brackets", "Lake.[F]*", "Lake.Flow", false},
+        {"slash", "L*e", "La/ke", true},
+        {"nothing", "", "", true},
+        {"nothing for a name", "", "a", false},
+    });
+}
+
+void PagePartsTest::namesAreMatched()
+{
+    QFETCH(QString, pattern);
+    QFETCH(QString, name);
+    QTEST(isLike(pattern, name), "isMatch");
+}
+
+namespace {
+
+ChartColumns columnsOf(std::size_t count)
+{
+    std::vector<float> places(count);
+    for (std::size_t i = 0; i < count; ++i)
+        places[i] = static_cast<float>(i) / static_cast<float>(count - 1);
+    return ChartColumns(places);
+}
+
+} // namespace
+
+void PagePartsTest::envelopeKeepsEachPeak()
+{
+    constexpr std::size_t kCount = 100000;
+    const ChartColumns columns = columnsOf(kCount);
+    QCOMPARE(columns.stepCount(), kCount);
+    const auto none = [](double) { return false; };
+    for (const std::size_t peak : {std::size_t(0), std::size_t(77777), kCount - 1}) {
+        HtsColumn values(kCount, 1.0);
+        values[peak] = 1e300;
+        const Envelope envelope(columns, values, none);
+        int found = 0;
+        for (int i = 0; i < kChartColumns; ++i) {
+            const Envelope::Column& column = envelope.columns()[static_cast<std::size_t>(i)];
+            QCOMPARE(column.low, 1.0F);
+            QCOMPARE(column.high > 1.0F, columns.begin(i) <= peak && peak < columns.end(i));
+            found += column.high > 1.0F ? 1 : 0;
+        }
+        QCOMPARE(found, 1);
+    }
+}
+
+void PagePartsTest::envelopeKnowsWhatIsMissing()
+{
+    ChartColumns columns = columnsOf(3);
+    columns.addGap(0.25, 0.3);
+    const Envelope envelope(columns, {kNaN, -999.0}, [](double value) { return value == -999.0; });
+    QCOMPARE(envelope.missingCount(), 2); // there is no third value
+    QCOMPARE(envelope.sentinelCount(), 1);
+    QString marks;
+    for (const std::size_t i : {0U, 1U, 159U, 160U, 192U, 193U, 320U, 639U}) {
+        const Envelope::Column& column = envelope.columns()[i];
+        marks += QLatin1String(column.hasMissing ? "m" : "-") +
+                 QLatin1String(column.hasSentinel ? "s"
+                               : column.isEmpty() ? "."
+                                                  : "v") +
+                 QLatin1Char(' ');
+    }
+    QCOMPARE(marks, QStringLiteral("m. -. -. m. m. -. -s m. "));
+}
+
+// A timestep that goes back stays beside the one before it.
+void PagePartsTest::columnsFollowTheTimes()
+{
+    const ChartColumns columns({0.0F, 0.0F, 0.5F, 0.25F, 1.0F, 7.0F});
+    QCOMPARE(columns.end(0), std::size_t(2));
+    QCOMPARE(columns.begin(320), std::size_t(2));
+    QCOMPARE(columns.end(320), std::size_t(4));
+    QCOMPARE(columns.begin(639), std::size_t(4));
+    QCOMPARE(columns.end(639), std::size_t(6));
+    QCOMPARE(ChartColumns(std::vector<float>()).end(639), std::size_t(0));
+}
+
+void PagePartsTest::bandHasTheMedian()
+{
+    PageSlot slot;
+    slot.years.resize(3);
+    slot.others = {1.0, kNaN, kNaN, 4.0, 9.0, kNaN, 2.0, 7.0, kNaN};
+    const std::vector<YearBand> bands = bandOf(slot);
+    QCOMPARE(bands.size(), std::size_t(3));
+    QCOMPARE(bands[0].minimum, 1.0);
+    QCOMPARE(bands[0].median, 2.0);
+    QCOMPARE(bands[0].maximum, 4.0);
+    QCOMPARE(bands[1].median, 8.0);
+    QVERIFY(std::isnan(bands[2].median));
+    slot.others.clear();
+    QVERIFY(bandOf(slot).empty());
+}
+
+void PagePartsTest::pathIsShort()
+{
+    SvgPath path;
+    QCOMPARE(path.element("line"), QByteArray());
+    path.moveTo(1, -2);
+    path.lineTo(3, -2);
+    path.lineTo(3, 4);
+    path.lineTo(2, 9);
+    path.lineTo(3, 8);
+    path.addBox(0, 1, 5, 9);
+    QCOMPARE(path.element("line"),
+             QByteArray("<path class=\"line\" d=\"M1-2h2v6l-1 5l1-1M0 1h5v8h-5z\"/>\n"));
+}
+
+HTS_TEST(PagePartsTest, NoApplication)
+
+#include "tst_pageparts.moc"
