@@ -15,11 +15,11 @@ constexpr std::size_t kBlockSize = std::size_t(64) * 1024;
 constexpr std::size_t kRowRoom = 4 * 1024; // more is made for longer rows
 constexpr std::string_view kRowEnd = "\r\n";
 
-// Writes the digits of a number in front of a position in a text of zeros.
-void setNumber(QByteArray& text, int end, int number)
+// Writes the digits of a number before `end`, where there are zeros.
+void setNumber(char* end, int number)
 {
-    for (int i = end - 1; number > 0; number /= 10)
-        text[i--] = static_cast<char>('0' + number % 10);
+    for (; number > 0; number /= 10)
+        *--end = static_cast<char>('0' + number % 10);
 }
 
 } // namespace
@@ -56,19 +56,20 @@ QByteArray csvField(const QDateTime& dateTime)
 {
     if (!dateTime.isValid())
         return {};
-    const QDate date = dateTime.date();
-    const QTime time = dateTime.time();
+    int year = 0, month = 0, day = 0;
+    dateTime.date().getDate(&year, &month, &day);
     constexpr int kMaxYear = 9999;
-    if (date.year() < 1 || date.year() > kMaxYear)
+    if (year < 1 || year > kMaxYear)
         return QLocale::c().toString(dateTime, QStringLiteral("yyyy-MM-ddTHH:mm:ss")).toLatin1();
-    QByteArray field("0000-00-00T00:00:00");
-    setNumber(field, 4, date.year());
-    setNumber(field, 7, date.month());
-    setNumber(field, 10, date.day());
-    setNumber(field, 13, time.hour());
-    setNumber(field, 16, time.minute());
-    setNumber(field, 19, time.second());
-    return field;
+    const QTime time = dateTime.time();
+    char field[] = "0000-00-00T00:00:00";
+    setNumber(field + 4, year);
+    setNumber(field + 7, month);
+    setNumber(field + 10, day);
+    setNumber(field + 13, time.hour());
+    setNumber(field + 16, time.minute());
+    setNumber(field + 19, time.second());
+    return QByteArray(field, sizeof field - 1);
 }
 
 CsvWriter::CsvWriter(QIODevice& device) : m_device(device), m_text(kBlockSize + kRowRoom) {}

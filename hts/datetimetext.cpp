@@ -10,6 +10,7 @@ namespace {
 
 constexpr QStringView kFormat(u"yyyy-M-d h:mm");
 const QLatin1String kEndOfDay("24:00");
+constexpr int kHoursOfDay = 24;
 
 // A number of the text and the character after it.
 struct Field
@@ -90,21 +91,6 @@ bool splitFields(const QString& text, FieldValues& values)
     return position == text.size();
 }
 
-// Not done by QDateTime::fromString, which would also accept the digits of the host's locale, take
-// microseconds for each of tens of thousands of timesteps, and return a local time, moved out of a
-// daylight-saving gap.
-QDateTime parse(const QString& text)
-{
-    FieldValues values;
-    if (!splitFields<SignedAsciiDigits>(text, values))
-        return {};
-    const auto [year, month, day, hour, minute] = values;
-    const QDate date(year, month, day);
-    const QTime time(hour, minute);
-    // Both must be valid: QDateTime takes an invalid time for midnight.
-    return date.isValid() && time.isValid() ? QDateTime(date, time, Qt::UTC) : QDateTime();
-}
-
 // QDateTime::toString would write the digits of the host's locale.
 QString formatted(const QDateTime& dateTime)
 {
@@ -127,12 +113,21 @@ QString dateTimeToText(const QDateTime& dateTime)
     return formatted(dateTime.addDays(-1)).replace(QLatin1String("0:00"), kEndOfDay);
 }
 
+// Not done by QDateTime::fromString, which would also accept the digits of the host's locale, take
+// microseconds for each of tens of thousands of timesteps, and return a local time, moved out of a
+// daylight-saving gap.
 QDateTime textToDateTime(const QString& text)
 {
-    if (!text.endsWith(kEndOfDay))
-        return parse(text);
-    QString midnight = text;
-    const QDateTime dateTime = parse(midnight.replace(kEndOfDay, QLatin1String("00:00")));
-    // A day added to an invalid date-time would make it valid, in the year -4713.
-    return dateTime.isValid() ? dateTime.addDays(1) : dateTime;
+    FieldValues values;
+    if (!splitFields<SignedAsciiDigits>(text, values))
+        return {};
+    const auto [year, month, day, hour, minute] = values;
+    const bool isEndOfDay = hour == kHoursOfDay && text.endsWith(kEndOfDay);
+    const QDate date(year, month, day);
+    const QTime time(isEndOfDay ? 0 : hour, minute);
+    // Both must be valid: QDateTime takes an invalid time for midnight, and a day added to an
+    // invalid date-time would make it valid, in the year -4713.
+    if (!date.isValid() || !time.isValid())
+        return {};
+    return QDateTime(isEndOfDay ? date.addDays(1) : date, time, Qt::UTC);
 }
