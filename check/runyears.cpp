@@ -19,10 +19,13 @@ qint64 RunYear::longestGap(const HtsColumn& values) const
 
 std::size_t RunYear::indexOf(double value, const HtsColumn& values) const
 {
-    const auto begin = values.begin();
-    return static_cast<std::size_t>(std::find(begin + static_cast<std::ptrdiff_t>(first),
-                                              begin + static_cast<std::ptrdiff_t>(end), value) -
-                                    begin);
+    std::size_t index = end;
+    // To the start of the year, and not only up to the value: where that is the processor cannot
+    // predict.
+    for (std::size_t i = end; i-- > first;)
+        index = values[i] == value ? i : index;
+    Q_ASSERT(index < end);
+    return index;
 }
 
 void RunYears::beginRun(const HtsRun& run, const Conversion& conversion, int endMonth)

@@ -47,18 +47,35 @@ struct RunYear
     template<typename Take>
     void forEachGap(const HtsColumn& values, Take take) const
     {
+        if (places.empty()) {
+            forEachGapOfValues(values, take);
+            return;
+        }
         qint64 next = 0;
         for (std::size_t i = first; i < end; ++i) {
             if (!std::isfinite(values[i]))
                 continue;
-            const qint64 place =
-                places.empty() ? static_cast<qint64>(i - first) : places[i - first];
+            const qint64 place = places[i - first];
             if (place > next)
                 take(next, place - next);
             next = std::max(next, place + 1);
         }
         if (next < expected)
             take(next, expected - next);
+    }
+
+private:
+    // The same for a year without missing timesteps, which nearly all are.
+    template<typename Take>
+    void forEachGapOfValues(const HtsColumn& values, Take take) const
+    {
+        for (std::size_t i = first; i < end; ++i) {
+            const std::size_t begin = i;
+            while (i < end && !std::isfinite(values[i]))
+                ++i;
+            if (i > begin)
+                take(static_cast<qint64>(begin - first), static_cast<qint64>(i - begin));
+        }
     }
 };
 

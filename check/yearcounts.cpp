@@ -1,34 +1,9 @@
 #include "check/yearcounts.h"
 
-#include <string_view>
-
 #include "check/checkcontext.h"
 #include "exchange/csvwriter.h"
 #include "hts/datetimetext.h"
 #include "hts/numbertext.h"
-
-namespace {
-
-// Adds the number that a reader of the annual file gets for a result: that has a fixed number of
-// digits after the point.
-void addAsInAnnualFile(CsvWriter& writer, double result)
-{
-    char text[kMaxNumberLength];
-    const char* end = writeNumber(text, result);
-    const std::string_view whole(text, static_cast<std::size_t>(end - text));
-    // Faster: of so few digits none can be left out, and an exponent would make none of these
-    // numbers shorter.
-    constexpr std::ptrdiff_t kMaxLength = 15 + 1; // with the point
-    while (end > text && *(end - 1) == '0')
-        --end;
-    const bool isFraction = *(end - 1) != '.' && text[0] >= '1' && text[0] <= '9';
-    if (isFraction && end - text <= kMaxLength)
-        writer.addFields(QByteArray(text, static_cast<int>(end - text)));
-    else
-        writer.add(lineToNumber(whole));
-}
-
-} // namespace
 
 void YearCounts::writeHeader(CsvWriter& writer)
 {
@@ -119,7 +94,7 @@ void YearCounts::addYear(std::size_t index, const YearValues& counts, const AggM
     if (method == nullptr)
         m_writer.addFields({});
     else
-        addAsInAnnualFile(m_writer, method->resultFor(counts));
+        m_writer.add(asWritten(method->resultFor(counts))); // as in the annual file
     addExtremes(year, counts);
     m_writer.endRow();
 }
@@ -128,12 +103,14 @@ void YearCounts::addYear(std::size_t index, const YearValues& counts, const AggM
 // missing.
 void YearCounts::addExtremes(const RunYear& year, const YearValues& counts)
 {
-    const HtsColumn& values = m_context->walk.values();
-    for (const double extreme : {counts.max(), counts.min()}) {
-        m_writer.addFields(RunYear::presentOf(counts) == 0
-                               ? QByteArray()
-                               : fieldOfStep(year.indexOf(extreme, values)));
+    if (RunYear::presentOf(counts) == 0) {
+        m_writer.addFields({});
+        m_writer.addFields({});
+        return;
     }
+    const HtsColumn& values = m_context->walk.values();
+    m_writer.addFields(fieldOfStep(year.indexOf(counts.max(), values)));
+    m_writer.addFields(fieldOfStep(year.indexOf(counts.min(), values)));
 }
 
 const QByteArray& YearCounts::fieldOfStep(std::size_t index)

@@ -324,6 +324,21 @@ bool isNumberLine(std::string_view line)
     return error == std::errc::result_out_of_range && end == line.data() + line.size();
 }
 
+double asWritten(double value)
+{
+    const double magnitude = std::fabs(value);
+    constexpr double kMaxMagnitude = 1e8;
+    if (!(magnitude < kMaxMagnitude) || FLT_EVAL_METHOD != 0) {
+        char text[kMaxNumberLength];
+        return lineToNumber({text, static_cast<std::size_t>(writeNumber(text, value) - text)});
+    }
+    const auto whole = static_cast<std::uint64_t>(magnitude);
+    const std::uint64_t decimals = roundedDecimals(magnitude - static_cast<double>(whole));
+    const double read =
+        decimals == kUnits ? static_cast<double>(whole + 1) : ofTwelveDecimals(whole, decimals);
+    return value < 0.0 ? -read : read;
+}
+
 char* writeNumber(char* out, double value)
 {
     if (!std::isfinite(value)) {

@@ -33,4 +33,7 @@ constexpr std::size_t kMaxNumberLength = 323;
 // in fixed notation: exact halves are rounded away from zero, and minus zero has no sign.
 char* writeNumber(char* out, double value);
 
+// The number that is read from the text of writeNumber.
+double asWritten(double value);
+
 #endif // HTS_NUMBERTEXT_H

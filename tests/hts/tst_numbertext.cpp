@@ -360,6 +360,7 @@ private Q_SLOTS:
         QFETCH(double, value);
         QFETCH(QByteArray, expected);
         QCOMPARE(written(value), expected);
+        QCOMPARE(bitsOf(asWritten(value)), bitsOf(lineToNumber(view(expected))));
         // The table shows what the toolkit does.
         QCOMPARE(writtenByStream({value}), QByteArray(expected + '\n'));
     }
