@@ -203,6 +203,7 @@ QStringList argumentsFor(const ToolOptions& options)
         add("--control", options.controlPath);
         add("--end-month", QString::number(options.endMonth));
         add("--output", options.outputPath);
+        add("--result", options.resultPath);
         arguments += {QStringLiteral("--slots"), options.shownSlots.pattern};
         if (options.shownSlots.maxCount == ShownSlots::kAll)
             arguments.append(QStringLiteral("--all-slots"));

@@ -41,6 +41,7 @@ private:
     {
         return m_report.findings.count(kind) + m_control.count(kind);
     }
+    QByteArray differences() const;
     QByteArray topic(const Topic& topic);
     QByteArray kind(const FindingKind& kind);
     QByteArray item(const Entry& entry) const;
@@ -71,12 +72,29 @@ FindingSection::FindingSection(const CheckReport& report, const FindingList& con
 
 QByteArray FindingSection::html()
 {
-    QByteArray topics;
+    QByteArray topics = differences();
     for (const Topic* each : findingTopics())
         topics += topic(*each);
     if (topics.isEmpty())
         topics = "<p>None.</p>\n";
     return "<section id=\"findings\">\n<h2>Findings</h2>\n" + topics + "</section>\n";
+}
+
+// Against the result that is shown.
+QByteArray FindingSection::differences() const
+{
+    if (m_model.differenceCount == 0)
+        return {};
+    QByteArray html = "<h3>Result</h3>\n<div class=\"finding\"><p><b class=\"warning\">warning</b> "
+                      "The annual file is not what a conversion gives; its values are shown.</p>\n"
+                      "<ul>\n";
+    for (const QString& text : m_model.differences)
+        html += "<li>" + htmlText(text) + "</li>\n";
+    const qint64 more = m_model.differenceCount - m_model.differences.size();
+    if (more > 0)
+        html += "<li>" + QByteArray::number(more) + " more</li>\n";
+    return html + "</ul>\n<p class=\"advice\">What to do: Convert the input again, with these "
+                  "methods and this month, or find out which of them the file is from.</p></div>\n";
 }
 
 QByteArray FindingSection::topic(const Topic& topic)

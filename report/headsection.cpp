@@ -39,11 +39,12 @@ QByteArray yearsFact(const CheckReport& report, const PageModel& model)
                 first == last ? first : worded("%1 to %2", first, last));
 }
 
-QByteArray findingsFact(const FindingList& findings, const FindingList& control)
+QByteArray findingsFact(const FindingList& findings, const FindingList& control, qint64 differences)
 {
     QStringList texts;
     for (const Severity severity : {Severity::Error, Severity::Warning, Severity::Note}) {
-        const qint64 count = findings.count(severity) + control.count(severity);
+        const qint64 count = findings.count(severity) + control.count(severity) +
+                             (severity == Severity::Warning ? differences : 0);
         texts.append(worded("%1 %2%3", count, severityName(severity), count == 1 ? "" : "s"));
     }
     const QString errors = texts.takeFirst();
@@ -73,8 +74,8 @@ QByteArray verdictSection(const PageFacts& facts, const CheckReport& report,
     return "<header>\n<p class=\"kind\">Annual values of an HTS file</p>\n<h1>" + htmlName(name) +
            "</h1>\n" + verdict(report) + "<ul class=\"facts\">\n" + yearsFact(report, model) +
            fact("Slots converted", QString::number(converted), worded("%1 left out", leftOut)) +
-           fact("Runs", QString::number(report.runCount)) + findingsFact(report.findings, control) +
-           "</ul>\n</header>\n";
+           fact("Runs", QString::number(report.runCount)) +
+           findingsFact(report.findings, control, model.differenceCount) + "</ul>\n</header>\n";
 }
 
 QByteArray factsSection(const PageFacts& facts)

@@ -68,6 +68,8 @@ struct PageModel
 {
     // Of the first run.
     QStringList timesteps;
+    QStringList yearTimesteps; // the last timestep of each year
+    int runCount = 0;          // of all runs
     std::vector<RunYear> years;
     // Places of the years in the chart, from 0 at its left end to 1; as many as `years`.
     struct Range
@@ -87,6 +89,10 @@ struct PageModel
     qint64 slotsBeyondLimit = 0; // converted, and not shown
 
     std::vector<PageFinding> findings; // by line
+
+    // Against an annual file: the first differences, and how many there are.
+    QStringList differences;
+    qint64 differenceCount = 0;
 };
 
 #endif // REPORT_PAGEMODEL_H

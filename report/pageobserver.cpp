@@ -35,11 +35,14 @@ bool isLike(const QString& pattern, const QString& text)
 
 void PageObserver::runRead(const CheckContext& context)
 {
+    ++m_model.runCount;
     if (context.walk.runIndex() > 0)
         return;
     const HtsRun& run = context.walk.run();
     m_model.timesteps = run.timesteps;
     m_model.years = context.years.years();
+    if (!m_model.years.empty())
+        m_model.yearTimesteps = context.conversion.firstYears().timesteps;
     const RunSteps steps(run, context.conversion.firstYears(), context.endMonth);
     placeSteps(steps);
     if (!steps.isWhole())

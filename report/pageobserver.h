@@ -2,6 +2,7 @@
 #define REPORT_PAGEOBSERVER_H
 
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include <QString>
@@ -37,6 +38,8 @@ public:
 
     // Complete after the check.
     const PageModel& model() const { return m_model; }
+    // The same, for a user who keeps it; to be called once.
+    PageModel takeModel() { return std::move(m_model); }
 
 private:
     void placeSteps(const RunSteps& steps);

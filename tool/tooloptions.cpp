@@ -142,6 +142,8 @@ const QString kReportHelp = QStringLiteral(
     "  -y, --end-month MONTH     Month that each year ends with, 1 to 12; 12 if not given.\n"
     "  -o, --output REPORT.html  File to write; - for the standard output. If not given, FILE\n"
     "                            with .html in place of what follows the last dot of its name.\n"
+    "      --result ANNUAL.hts   Show the values of this result, and how they differ from what a\n"
+    "                            conversion gives.\n"
     "      --slots PATTERN       Show the slots whose name Object.Slot is like this: * stands for\n"
     "                            any text, ? for any character.\n"
     "      --all-slots           Show all slots; without it the first 200.\n"
@@ -549,6 +551,8 @@ QString readReport(const QCommandLineParser& parser, ToolOptions& options)
     QString problem = readPath(parser, "control", "of the control file", options.controlPath);
     if (problem.isEmpty())
         problem = readPath(parser, "output", "of the page", options.outputPath);
+    if (problem.isEmpty())
+        problem = readPath(parser, "result", "of the result", options.resultPath);
     if (problem.isEmpty() && !isSet(parser, "output")) {
         options.outputPath = pagePathFor(options.files.first());
         if (options.files.first() == QLatin1String("-"))
@@ -641,6 +645,7 @@ const std::vector<Command>& commands()
          {{"c control", "METHODS"},
           {"y end-month", "MONTH"},
           {"o output", "REPORT.html"},
+          {"result", "ANNUAL.hts"},
           {"slots", "PATTERN"},
           {"all-slots", nullptr},
           {"max-missing", "MAX"},

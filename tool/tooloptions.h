@@ -48,6 +48,7 @@ struct ToolOptions
     QString outputPath; // "-" is the standard output
     // For a report.
     ShownSlots shownSlots;
+    QString resultPath;
     // For an export.
     ExportOptions table;
 

@@ -6,17 +6,28 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include "annualize/annualizehts.h"
-#include "check/control.h"
 #include "hts/numbertext.h"
+#include "report/filereport.h"
 #include "report/page.h"
-#include "report/pageobserver.h"
 #include "report/pagestyle.h"
 #include "tests/check/checkedtext.h"
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
 namespace {
+
+FileReport reportOn(const QByteArray& text, const QString& controlPath, int endMonth,
+                    const ShownSlots& shown = {})
+{
+    ReportRequest request;
+    request.controlPath = controlPath;
+    request.endMonth = endMonth;
+    request.shown = shown;
+    QBuffer source;
+    source.setData(text);
+    source.open(QIODevice::ReadOnly | QIODevice::Text);
+    return checkForPage(source, request);
+}
 
 // A page about an input with a control file, both as texts.
 QByteArray pageOf(const QByteArray& text, const QByteArray& methods, int endMonth = 12,
@@ -25,16 +36,7 @@ QByteArray pageOf(const QByteArray& text, const QByteArray& methods, int endMont
     const QTemporaryDir folder;
     const QString controlPath = folder.filePath(QStringLiteral("methods.txt"));
     writeFile(controlPath, methods);
-    ControlCheck control(controlPath);
-    PageObserver observer(shown);
-    CheckOptions options;
-    options.control = &control;
-    options.endMonth = endMonth;
-    options.observer = &observer;
-    QBuffer source;
-    source.setData(text);
-    source.open(QIODevice::ReadOnly | QIODevice::Text);
-    const CheckReport report = checkFile(source, options);
+    const FileReport report = reportOn(text, controlPath, endMonth, shown);
     const QDateTime noon(QDate(2026, 1, 2), QTime(12, 0), Qt::UTC);
     PageFacts facts;
     facts.program = QStringLiteral("htstool");
@@ -46,7 +48,7 @@ QByteArray pageOf(const QByteArray& text, const QByteArray& methods, int endMont
     facts.options = {{QStringLiteral("Years end with"), QStringLiteral("month")}};
     QBuffer page;
     page.open(QIODevice::WriteOnly);
-    writePage(page, facts, report, control.findings(), observer.model());
+    writePage(page, facts, report.report, report.control, report.model);
     return page.data();
 }
 
@@ -94,6 +96,8 @@ private Q_SLOTS:
     void namesAreShownNotRun();
     void tablesHaveTheResult_data();
     void tablesHaveTheResult();
+    void resultIsCompared_data();
+    void resultIsCompared();
     void pagesAreSmall_data();
     void pagesAreSmall();
     void slotsAreLeftOut_data();
@@ -194,6 +198,44 @@ void PageTest::tablesHaveTheResult()
     for (auto match = row.globalMatch(page); match.hasNext();)
         shown.append(QString::number(match.next().captured(1).toDouble(), 'g', 17));
     QCOMPARE(shown, expected);
+}
+
+void PageTest::resultIsCompared_data()
+{
+    addColumns<QByteArray, QByteArray, const char*>("from", "to", "differences");
+    addRows<QByteArray, QByteArray, const char*>({
+        {"same", "", "", ""},
+        {"one digit", "4.723110711085", "4.723110711086",
+         "Choptank.Flow differs in 1 year; in 2000 the result has 4.723110711086, a conversion "
+         "gives "
+         "4.723110711085|run 2: Choptank.Flow differs in 1 year"},
+        {"missing", "1.239903157600", "NaN",
+         "Choptank.Flow differs in 1 year; in 2002 the result has NaN, a conversion gives "
+         "1.2399031576|run 2: Choptank.Flow differs in 1 year"},
+        {"name", "slot_name: Storage", "slot_name: %1",
+         "the result has Mill Pond.%1, which a conversion does not give|the result has no Mill "
+         "Pond.Storage"},
+        {"years", "2011-9-30 24:00\n", "2011-8-31 24:00\n",
+         "run 1 of the result has other years: 12 from 2000-9-30 24:00 to 2011-8-31 24:00|run 2 of "
+         "the result has other years: 12 from 2000-9-30 24:00 to 2011-8-31 24:00"},
+    });
+}
+
+void PageTest::resultIsCompared()
+{
+    QFETCH(QByteArray, from);
+    QFETCH(QByteArray, to);
+    const QString methods = QStringLiteral(SOURCE_DIR "/examples/rivers_daily_methods.txt");
+    const QByteArray text = sourceFile(QStringLiteral("examples/rivers_daily.hts"));
+    QByteArray result = convertedText(text, methods, 9).result;
+    QVERIFY(from.isEmpty() || result.contains(from));
+    result.replace(from, to);
+    FileReport report = reportOn(text, methods, 9);
+    QBuffer annual(&result);
+    annual.open(QIODevice::ReadOnly | QIODevice::Text);
+    QVERIFY(compareResult(annual, report).ok());
+    QTEST(report.model.differences.join(QLatin1Char('|')), "differences");
+    QCOMPARE(report.model.differenceCount, report.model.differences.size());
 }
 
 void PageTest::pagesAreSmall_data()

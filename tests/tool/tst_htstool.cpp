@@ -271,6 +271,7 @@ void HtstoolTest::wrongUsageIsRefused_data()
     row("report a.hts", "report needs a control file, with -c");
     row("report -c= a.hts", "the path of the control file is empty");
     row("report -c c.txt a.hts -o=", "the path of the page is empty");
+    row("report -c c.txt a.hts --result=", "the path of the result is empty");
     row("report -c c.txt -", "a report on the standard input needs a file to write, with -o");
     row("report -c c.txt a.hts -y 0", "the month \"0\" is not one of 1 to 12");
     row("report -c c.txt a.hts --max-missing x",
@@ -577,6 +578,7 @@ void HtstoolTest::inputsAreNotOverwritten_data()
     row("report pond.hts -c pond_methods.txt -o pond_methods.txt", "pond_methods.txt");
     row("report - -c pond_methods.txt -o link.hts < pond.hts", "link.hts");
     row("report pond.hts -c - -o ./-", "./-");
+    row("report pond_methods.txt -c none --result pond.hts -o link.hts", "link.hts");
 }
 
 void HtstoolTest::inputsAreNotOverwritten()

@@ -1,0 +1,121 @@
+// htstool report: what is written where, what it says of its inputs, and the exit codes. The pages
+// as such are tested in tests/report.
+
+#include <QCryptographicHash>
+#include <QRegularExpression>
+#include <QtTest>
+
+#include "tests/support/testmain.h"
+#include "tests/support/wholefile.h"
+#include "tests/tool/toolrun.h"
+
+namespace {
+
+// In a folder with the daily example as a.hts, its methods as c.txt and files with a fault.
+class ReportRun : public ToolRun
+{
+public:
+    ReportRun()
+    {
+        environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QStringLiteral("86400"));
+        write(QStringLiteral("a.hts"), input());
+        write(QStringLiteral("c.txt"), methods());
+        write(QStringLiteral("cut.hts"), input().left(5000));
+        write(QStringLiteral("pond.hts"), sourceFile(QStringLiteral("tests/tool/files/pond.hts")));
+        write(QStringLiteral("page.html"), "before");
+    }
+
+    static QByteArray input() { return sourceFile(QStringLiteral("examples/rivers_daily.hts")); }
+    static QByteArray methods()
+    {
+        return sourceFile(QStringLiteral("examples/rivers_daily_methods.txt"));
+    }
+};
+
+QByteArray sha256(const QByteArray& text)
+{
+    return "<code>" + QCryptographicHash::hash(text, QCryptographicHash::Sha256).toHex() +
+           "</code>";
+}
+
+} // namespace
+
+class ReportTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void pageIsBesideTheInput();
+    void pipeGivesTheSamePage();
+    void endsWith_data();
+    void endsWith();
+};
+
+void ReportTest::pageIsBesideTheInput()
+{
+    ReportRun run;
+    run.start(words("report a.hts -c c.txt -y 9"));
+    QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 0 warnings, 4 notes\n"));
+    QCOMPARE(run.exitCode, 0);
+    const QByteArray page = run.read(QStringLiteral("a.html"));
+    for (const QByteArray& part : {sha256(ReportRun::input()), sha256(ReportRun::methods()),
+                                   QByteArray("1970-01-02 00:00 UTC by htstool " PROJECT_VERSION),
+                                   QByteArray("<dt>Years end with</dt><dd>September</dd>")})
+        QVERIFY2(page.contains(part), part.constData());
+    run.start(words("report a.hts -c c.txt -y 9 -o -"));
+    QCOMPARE(run.output, page);
+}
+
+void ReportTest::pipeGivesTheSamePage()
+{
+    ReportRun run;
+    run.startShell(QStringLiteral("$PROGRAM report a.hts -c c.txt -o a.html; "
+                                  "cat a.hts | $PROGRAM report - -c c.txt -o b.html"));
+    const QRegularExpression file(QStringLiteral("<tr><th scope=\"row\">Input.*</td><td>"));
+    const auto withoutFile = [&](const char* name) {
+        return QString::fromUtf8(run.read(QString::fromLatin1(name)))
+            .remove(file)
+            .replace(QLatin1String("a.hts"), QLatin1String("-"));
+    };
+    QVERIFY(withoutFile("a.html").size() > 10000);
+    QCOMPARE(withoutFile("b.html"), withoutFile("a.html"));
+}
+
+void ReportTest::endsWith_data()
+{
+    addColumns<const char*, int, QByteArray, bool>("arguments", "exitCode", "errors", "hasPage");
+    addRows<const char*, int, QByteArray, bool>({
+        {"warnings", "pond.hts -c c.txt", 1, "pond.hts: 0 errors, 4 warnings, 7 notes\n", true},
+        {"fails", "cut.hts -c c.txt", 2,
+         "cut.hts: 1 error, 0 warnings, 0 notes; a conversion fails: \"Cannot read run "
+         "preamble\"\n",
+         true},
+        {"no input", "none.hts -c c.txt", 3, "htstool: none.hts: No such file or directory\n",
+         false},
+        {"no result", "a.hts -c c.txt --result none.hts", 3,
+         "htstool: none.hts: No such file or directory\n", false},
+        {"bad result", "a.hts -c c.txt --result c.txt", 2,
+         "htstool: c.txt: Cannot read package preamble\n", false},
+        {"other result", "a.hts -c c.txt --result a.hts", 1,
+         "a.hts: 0 errors, 0 warnings, 4 notes\n"
+         "htstool: a.hts: 4 differences from what a conversion gives\n",
+         true},
+    });
+}
+
+// A page that cannot be made leaves the one that was there.
+void ReportTest::endsWith()
+{
+    QFETCH(QString, arguments);
+    QFETCH(bool, hasPage);
+    ReportRun run;
+    run.start(words("report -o page.html") + arguments.split(QLatin1Char(' ')));
+    QTEST(run.errors, "errors");
+    QTEST(run.exitCode, "exitCode");
+    QCOMPARE(run.read(QStringLiteral("page.html")).startsWith("<!DOCTYPE html>"), hasPage);
+    QCOMPARE(run.read(QStringLiteral("page.html")) == "before", !hasPage);
+}
+
+HTS_TEST(ReportTest, QCoreApplication)
+
+#include "tst_report.moc"
