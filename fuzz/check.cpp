@@ -20,31 +20,13 @@
 
 namespace {
 
-const QByteArray kSeparator = "\n====\n";
-
-struct Inputs
-{
-    int endMonth;
-    QByteArray control;
-    QByteArray hts;
-};
-
-Inputs inputsOf(const QByteArray& bytes)
-{
-    const int month = bytes.isEmpty() ? 0 : static_cast<uchar>(bytes.at(0)) % 12;
-    const int separator = bytes.indexOf(kSeparator);
-    if (separator < 1)
-        return {month + 1, "*.*: Sum", bytes.mid(1)};
-    return {month + 1, bytes.mid(1, separator - 1), bytes.mid(separator + kSeparator.size())};
-}
-
 void open(QBuffer& device, const QByteArray& text)
 {
     device.setData(text);
     fuzz::require(device.open(QIODevice::ReadOnly), QStringLiteral("cannot open the buffer"));
 }
 
-QString convert(const Inputs& inputs, const QString& controlPath)
+QString convert(const fuzz::ConversionInput& inputs, const QString& controlPath)
 {
     QBuffer source;
     open(source, inputs.hts);
@@ -58,7 +40,7 @@ QString convert(const Inputs& inputs, const QString& controlPath)
     return engine.annualize().message;
 }
 
-CheckReport check(const Inputs& inputs, ControlCheck& control, CheckObserver* counts)
+CheckReport check(const fuzz::ConversionInput& inputs, ControlCheck& control, CheckObserver* counts)
 {
     QBuffer source;
     open(source, inputs.hts);
@@ -87,7 +69,7 @@ bool checkFindings(const FindingList& findings, const QByteArray& file, const QS
     return namesMessage;
 }
 
-void checkExport(const Inputs& inputs, const CheckReport& report, bool isWide)
+void checkExport(const fuzz::ConversionInput& inputs, const CheckReport& report, bool isWide)
 {
     QBuffer source;
     open(source, inputs.hts);
@@ -109,7 +91,7 @@ void checkExport(const Inputs& inputs, const CheckReport& report, bool isWide)
 FUZZ_TARGET(check)
 {
     QsLogging::Logger::instance().setLoggingLevel(QsLogging::OffLevel);
-    const Inputs inputs = inputsOf(input);
+    const fuzz::ConversionInput inputs = fuzz::conversionInputOf(input);
     static const fuzz::ScratchFile kControl;
     kControl.write(inputs.control);
 

@@ -20,8 +20,6 @@
 
 namespace {
 
-const QByteArray kSeparator = "\n====\n";
-
 const char* const kMessages[] = {
     "",
     "Cannot read package preamble",
@@ -34,31 +32,13 @@ const char* const kMessages[] = {
     "Sizes of input value and value map vectors are mismatched",
 };
 
-struct Inputs
-{
-    int endMonth;
-    QByteArray control;
-    QByteArray hts;
-};
-
-// The line ends are only line feeds; the copy with Windows line ends is made from them.
-Inputs inputsOf(QByteArray bytes)
-{
-    bytes.replace("\r", "");
-    const int month = bytes.isEmpty() ? 0 : static_cast<uchar>(bytes.at(0)) % 12;
-    const int separator = bytes.indexOf(kSeparator);
-    if (separator < 1)
-        return {month + 1, "*.*: Sum", bytes.mid(1)};
-    return {month + 1, bytes.mid(1, separator - 1), bytes.mid(separator + kSeparator.size())};
-}
-
 QByteArray withWindowsLineEnds(QByteArray text)
 {
     return text.replace("\n", "\r\n");
 }
 
 // The conversion of files, opened as the program opens them.
-ConversionOutcome convertFiles(const Inputs& inputs)
+ConversionOutcome convertFiles(const fuzz::ConversionInput& inputs)
 {
     static const fuzz::ScratchFile kControl;
     static const fuzz::ScratchFile kHts;
@@ -73,7 +53,7 @@ ConversionOutcome convertFiles(const Inputs& inputs)
 }
 
 // The same with the plain conversion.
-ConversionOutcome convertBuffer(Inputs inputs)
+ConversionOutcome convertBuffer(fuzz::ConversionInput inputs)
 {
     static const fuzz::ScratchFile kControl;
     kControl.write(inputs.control);
@@ -161,7 +141,7 @@ void checkYears(const HtsPackage& annual)
     }
 }
 
-void checkResult(const Inputs& inputs, const QByteArray& written)
+void checkResult(const fuzz::ConversionInput& inputs, const QByteArray& written)
 {
     static const fuzz::ScratchFile kControl;
     kControl.write(inputs.control);
@@ -192,7 +172,9 @@ bool isKnown(const QString& message)
 
 FUZZ_TARGET(convert)
 {
-    const Inputs inputs = inputsOf(input);
+    // The line ends are only line feeds; the copy with Windows line ends is made from them.
+    const fuzz::ConversionInput inputs =
+        fuzz::conversionInputOf(QByteArray(input).replace("\r", ""));
     if (plainreader::isEndless(inputs.hts))
         return;
     const ConversionOutcome outcome = convertFiles(inputs);

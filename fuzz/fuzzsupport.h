@@ -18,6 +18,17 @@ void requireEqual(const QString& what, const QString& actual, const QString& exp
 // A seed for random numbers that depends only on the input.
 quint64 seedOf(const QByteArray& input);
 
+// What the targets of conversions and checks take from an input: its first byte is the end month,
+// and a line "====" is between a control file and the HTS file. Without that line one rule sums
+// all.
+struct ConversionInput
+{
+    int endMonth;
+    QByteArray control;
+    QByteArray hts;
+};
+ConversionInput conversionInputOf(const QByteArray& input);
+
 // A file with new content for each input, in a folder that is removed with the object.
 class ScratchFile
 {

@@ -31,8 +31,8 @@ public:
 };
 
 #define FUZZ_TARGET(target)                                                                        \
-    static void checkInput(const QByteArray& input);                                               \
-    static const FuzzTargetRegistration kRegistration({#target, checkInput});                      \
-    static void checkInput(const QByteArray& input)
+    static void target##Input(const QByteArray& input);                                            \
+    static const FuzzTargetRegistration target##Registration({#target, target##Input});            \
+    static void target##Input(const QByteArray& input)
 
 #endif // FUZZ_FUZZTARGET_H

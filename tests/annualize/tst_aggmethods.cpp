@@ -9,7 +9,7 @@
 
 namespace {
 
-YearValues yearOf(const std::vector<double>& values)
+YearValues yearWith(const std::vector<double>& values)
 {
     YearValues year(values.front());
     year.add(values.data(), values.data() + values.size());
@@ -53,8 +53,8 @@ private Q_SLOTS:
         const AggMethod* method = findMethod(QString::fromLatin1(QTest::currentDataTag()));
         QVERIFY(method != nullptr);
         QVERIFY(method->isSupported());
-        QCOMPARE(method->resultFor(yearOf({5, 1, 4, 2})), ofWholeYear);
-        QCOMPARE(method->resultFor(yearOf({5, 1, gap, 4, 2})), ofYearWithGap);
+        QCOMPARE(method->resultFor(yearWith({5, 1, 4, 2})), ofWholeYear);
+        QCOMPARE(method->resultFor(yearWith({5, 1, gap, 4, 2})), ofYearWithGap);
         QTEST(method->isTotal, "isTotal");
     }
 

@@ -22,8 +22,6 @@ Q_DECLARE_METATYPE(ValueMap)
 
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
 // NaNs of the input, different from each other and from the one that means "no result".
 const double kNanA = fromBits(0x7ff8000000000000);
 const double kNanB = fromBits(0x7ff8000000000abc);

@@ -37,7 +37,7 @@ QByteArray countedSlot(const QByteArray& name, int count = 12, int first = 1)
 // A year of months of one such slot, and the result of a method for it.
 const QByteArray kYear = packageText(1) + monthlyRun(12, countedSlot("A.Flow"));
 
-QByteArray annualFile(const QByteArray& timestep, const QByteArray& methodAndValue)
+QByteArray annualLake(const QByteArray& timestep, const QByteArray& methodAndValue)
 {
     return packageText(1) +
            annualRun(timestep, slotText("A.Flow", kHeader + ";method: " + methodAndValue));
@@ -86,24 +86,24 @@ QStringList successLog(int written, int all)
 }
 
 // The settings of an engine, as bits.
-enum Setting { kSource = 1, kResult = 2, kControl = 4, kMonth = 8, kAllSettings = 15 };
+enum Setting { kSetSource = 1, kSetResult = 2, kSetControl = 4, kSetMonth = 8, kSetAll = 15 };
 
 // An engine with an open source and an open result of its own, and a December year end.
 struct ReadyEngine
 {
-    ReadyEngine(const QByteArray& input, const QString& controlPath, int settings = kAllSettings)
+    ReadyEngine(const QByteArray& input, const QString& controlPath, int settings = kSetAll)
     {
         source.setData(input);
         if (!source.open(QIODevice::ReadOnly | QIODevice::Text) ||
             !result.open(QIODevice::WriteOnly | QIODevice::Text))
             qFatal("cannot open the devices");
-        if ((settings & kSource) != 0)
+        if ((settings & kSetSource) != 0)
             check(engine.setSourceDevice(&source));
-        if ((settings & kResult) != 0)
+        if ((settings & kSetResult) != 0)
             check(engine.setResultDevice(&result));
-        if ((settings & kControl) != 0)
+        if ((settings & kSetControl) != 0)
             check(engine.setControlFile(controlPath));
-        if ((settings & kMonth) != 0)
+        if ((settings & kSetMonth) != 0)
             check(engine.setEndMonth(12));
     }
 
@@ -173,23 +173,23 @@ private Q_SLOTS:
         QVERIFY(!engine.setEndMonth(13).ok());
         QCOMPARE(engine.annualize().message, QString());
         QCOMPARE(textLines(fromTextMode(ready.result.data())),
-                 textLines(annualFile("2001-9-30 24:00", "End;12.000000000000")));
+                 textLines(annualLake("2001-9-30 24:00", "End;12.000000000000")));
     }
 
     void missingSettingIsReported_data()
     {
         QTest::addColumn<int>("missing");
-        addRows<int>({{"source device", kSource},
-                      {"result device", kResult},
-                      {"control file", kControl},
-                      {"month", kMonth},
-                      {"all", kAllSettings}});
+        addRows<int>({{"source device", kSetSource},
+                      {"result device", kSetResult},
+                      {"control file", kSetControl},
+                      {"month", kSetMonth},
+                      {"all", kSetAll}});
     }
     void missingSettingIsReported()
     {
         QFETCH(int, missing);
         writeFile(controlPath(), "*.*: Sum");
-        ReadyEngine ready(kYear, controlPath(), kAllSettings & ~missing);
+        ReadyEngine ready(kYear, controlPath(), kSetAll & ~missing);
         const LogCollector log;
         const Status status = ready.engine.annualize();
         QCOMPARE(status.message, QStringLiteral("Input HTS file device, output annual file device, "
@@ -339,7 +339,7 @@ private Q_SLOTS:
         QCOMPARE(m_message, QString());
         // 364 values over 365 days.
         QCOMPARE(textLines(m_result),
-                 textLines(annualFile("2002-9-30 24:00", "AverageNaN;-0.249315068493")));
+                 textLines(annualLake("2002-9-30 24:00", "AverageNaN;-0.249315068493")));
         QCOMPARE(m_log, calculationLog(true, "September", "2002-9-30 24:00") +
                             assignmentLog("A.Flow AverageNaN") + kStartingSlots + successLog(1, 1));
     }
@@ -362,9 +362,9 @@ private Q_SLOTS:
             return isReady ? textLines(result.data()) : QStringList();
         };
         const QStringList ofSeptember =
-            textLines(annualFile("2001-9-30 24:00", "End;12.000000000000"));
+            textLines(annualLake("2001-9-30 24:00", "End;12.000000000000"));
         const QStringList ofDecember =
-            textLines(annualFile("2001-12-31 24:00", "End;15.000000000000"));
+            textLines(annualLake("2001-12-31 24:00", "End;15.000000000000"));
         QVERIFY(engine.setEndMonth(9).ok());
         QCOMPARE(converted(), ofSeptember);
         QVERIFY(engine.setEndMonth(12).ok());
@@ -385,7 +385,7 @@ private Q_SLOTS:
         QVERIFY(ready.source.open(QIODevice::ReadOnly));
         QCOMPARE(ready.engine.annualize().message, QString());
         QCOMPARE(textLines(fromTextMode(ready.result.data())),
-                 textLines(annualFile("2000-12-31 24:00", "Max;12.000000000000")));
+                 textLines(annualLake("2000-12-31 24:00", "Max;12.000000000000")));
     }
 
 private:

@@ -58,17 +58,17 @@ QByteArray monthlyFile(const QByteArray& lastValue)
     return kPackageEnd + runStart(12) + kSlotPreamble + kElevenValues + lastValue;
 }
 
-void addConversionColumns()
+void addPieceColumns()
 {
     addColumns<Pieces, QString, Pieces>("input", "message", "result");
 }
 
-void gives(const char* name, const Pieces& input, const Pieces& result)
+void givesPieces(const char* name, const Pieces& input, const Pieces& result)
 {
     QTest::newRow(name) << input << QString() << result;
 }
 
-void refused(const char* name, const Pieces& input, const char* message)
+void refusesPieces(const char* name, const Pieces& input, const char* message)
 {
     QTest::newRow(name) << input << QString::fromLatin1(message) << Pieces();
 }
@@ -115,43 +115,44 @@ private Q_SLOTS:
     // Before the long lines, which take more memory.
     void manySlots_data()
     {
-        addConversionColumns();
+        addPieceColumns();
         const QByteArray opening = "name:x" + kPackageEnd;
         const QByteArray header = "END_SLOT_PREAMBLE\nunits: m\nscale: 1\n";
-        refused("without values",
-                {{opening + runStart(0)}, {header + kSlotEnd, kSlots}, {"END_RUN\n"}},
-                kNoCompleteYear);
-        refused("scalars",
-                {{opening + runStart(12)},
-                 {"slot_type: ScalarSlot\n" + header + "1\n" + kSlotEnd, kSlots / 10},
-                 {"END_RUN\n"}},
-                kNoSlots);
-        gives("series",
-              {{opening + runStart(12)},
-               {kSlotPreamble + kElevenValues + "12\n" + kSlotEnd, kSlots / 20},
-               {"END_RUN\n"}},
-              {{opening + kAnnualRunStart}, {annualSlot("78"), kSlots / 20}, {"END_RUN\n"}});
+        refusesPieces("without values",
+                      {{opening + runStart(0)}, {header + kSlotEnd, kSlots}, {"END_RUN\n"}},
+                      kNoCompleteYear);
+        refusesPieces("scalars",
+                      {{opening + runStart(12)},
+                       {"slot_type: ScalarSlot\n" + header + "1\n" + kSlotEnd, kSlots / 10},
+                       {"END_RUN\n"}},
+                      kNoSlots);
+        givesPieces("series",
+                    {{opening + runStart(12)},
+                     {kSlotPreamble + kElevenValues + "12\n" + kSlotEnd, kSlots / 20},
+                     {"END_RUN\n"}},
+                    {{opening + kAnnualRunStart}, {annualSlot("78"), kSlots / 20}, {"END_RUN\n"}});
     }
     void manySlots() { convertRow(kSlots * kMaxBytesPerSlot); }
 
     void longLines_data()
     {
-        addConversionColumns();
+        addPieceColumns();
         const Piece longText{"x", kLength};
         const QByteArray file = "name:x" + monthlyFile("12") + kFileEnd;
         const QByteArray annual = "name:x" + annualFile("78");
-        gives("value with decimals", {{"name:x" + monthlyFile("12.")}, {"0", kLength}, {kFileEnd}},
-              {{annual}});
-        gives("value that is no number", {{"name:x" + monthlyFile("12")}, longText, {kFileEnd}},
-              {{"name:x" + annualFile("66")}});
-        gives("name", {{"name:"}, longText, {monthlyFile("12") + kFileEnd}},
-              {{"name:"}, longText, {annualFile("78")}});
-        gives("line without a key", {longText, {'\n' + file}}, {{annual}});
-        refused("timestep",
-                {{"name:x" + kPackageEnd + runStart(11).replace("steps:11", "steps:12")},
-                 {"1", kLength}},
-                kBadRunPreamble);
-        refused("whole file", {longText}, kBadPackagePreamble);
+        givesPieces("value with decimals",
+                    {{"name:x" + monthlyFile("12.")}, {"0", kLength}, {kFileEnd}}, {{annual}});
+        givesPieces("value that is no number",
+                    {{"name:x" + monthlyFile("12")}, longText, {kFileEnd}},
+                    {{"name:x" + annualFile("66")}});
+        givesPieces("name", {{"name:"}, longText, {monthlyFile("12") + kFileEnd}},
+                    {{"name:"}, longText, {annualFile("78")}});
+        givesPieces("line without a key", {longText, {'\n' + file}}, {{annual}});
+        refusesPieces("timestep",
+                      {{"name:x" + kPackageEnd + runStart(11).replace("steps:11", "steps:12")},
+                       {"1", kLength}},
+                      kBadRunPreamble);
+        refusesPieces("whole file", {longText}, kBadPackagePreamble);
     }
     void longLines() { convertRow(kLength * kMaxBytesPerByte); }
 

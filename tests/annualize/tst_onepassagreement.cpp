@@ -27,7 +27,7 @@
 
 namespace {
 
-constexpr int kUsualCases = 600;
+constexpr int kUsualFiles = 600;
 constexpr qint64 kAnySize = 1 << 30;
 
 const char kSuccess[] = "";
@@ -35,7 +35,7 @@ const char kSuccess[] = "";
 int caseCount()
 {
     const int count = qEnvironmentVariableIntValue("HTS_PROPERTY_CASES");
-    return count > 0 ? count : kUsualCases;
+    return count > 0 ? count : kUsualFiles;
 }
 
 // The pieces of a hand-made file. All runs have three timesteps and one complete year, unless given

@@ -45,14 +45,14 @@ struct Line
 using Lines = QVector<Line>;
 
 constexpr int kRuns = 2;
-constexpr int kSteps = 25;
-constexpr int kSlots = 5;
+constexpr int kStepCount = 25;
+constexpr int kSlotCount = 5;
 constexpr int kPatience = 2000; // empty reads, more than a whole file has lines
 constexpr int kTable = 3;       // the slot that is a table
 const QByteArray kScale = "scale: ";
 
 // Value lines of a run and slot, separated by blanks; "5*3" means three lines with a 5.
-const char* const kValueTexts[kRuns][kSlots] = {
+const char* const kValueTexts[kRuns][kSlotCount] = {
     {"1 2 3 4 5 6 7 8 9 10 11 12 10 20 30 40 50 60 70 80 90 100 110 120 1000",
      "5*5 NaN 5*6 -12.5*12 2e3", "42", "", "0.5*11 7.25 100 NaN 1e2*10 8"},
     {"2*12 3*12 4", "1e1*12 NaN*12 0", "-42", "", "-1*3 -0.125 -1*8 100*11 111 999999"}};
@@ -76,7 +76,7 @@ void add(Lines& lines, Place place, const QByteArray& joined)
 
 void addSlot(Lines& lines, int run, int slot)
 {
-    static const QByteArray kPreambles[kSlots] = {
+    static const QByteArray kPreambles[kSlotCount] = {
         slotPreamble("A.Flow"), slotPreamble("A.Level", ""), slotPreamble("A.Volume", "ScalarSlot"),
         slotPreamble("A.Curve", "TableSlot"), slotPreamble("Gauge/B.Flow")};
     add(lines, Place::SlotPreamble, kPreambles[slot].chopped(1));
@@ -98,13 +98,13 @@ Lines wholeFile()
     Lines lines;
     add(lines, Place::PackagePreamble, packageText(kRuns).chopped(1));
     for (int run = 0; run < kRuns; ++run) {
-        const QStringList timesteps = monthlyTimesteps(2000, 1, kSteps);
+        const QStringList timesteps = monthlyTimesteps(2000, 1, kStepCount);
         const QByteArray head =
             runHead(timesteps, "month", "trace:1\nslot_set:all\nrule_set:none\n");
         const int steps = head.indexOf("END_RUN_PREAMBLE\n") + 17;
         add(lines, Place::RunPreamble, head.left(steps - 1));
         add(lines, Place::Timestep, head.mid(steps).chopped(1));
-        for (int slot = 0; slot < kSlots; ++slot)
+        for (int slot = 0; slot < kSlotCount; ++slot)
             addSlot(lines, run, slot);
         add(lines, Place::RunEnd, "END_RUN");
     }
@@ -179,7 +179,7 @@ int classOf(const Lines& lines, const Cut& cut)
     return static_cast<int>(place);
 }
 
-const QByteArray kControl = "A.Flow: Sum\nA.Level: SumNaN\n*.*: Max\n";
+const QByteArray kThreeRules = "A.Flow: Sum\nA.Level: SumNaN\n*.*: Max\n";
 
 // The lines of an annual slot.
 QByteArray annualSlot(const QByteArray& name, const QByteArray& units,
@@ -194,7 +194,7 @@ QByteArray totals(const QByteArray& name, const QByteArray& methodLines)
     return annualSlot(name, "cms summed over the year", methodLines);
 }
 
-QByteArray annualFile(const QByteArray& firstRun, const QByteArray& secondRun)
+QByteArray annualRuns(const QByteArray& firstRun, const QByteArray& secondRun)
 {
     const auto run = [](const QByteArray& slotTexts) {
         return runText(texts("2000-12-31 24:00|2001-12-31 24:00"), "year", slotTexts,
@@ -212,10 +212,10 @@ const QByteArray kGauges[kRuns] = {
     annualSlot("Gauge/B.Flow", "cms", "Max;7.250000000000;NaN"),
     annualSlot("Gauge/B.Flow", "cms", "Max;-0.125000000000;111.000000000000")};
 
-// The result of the whole file with kControl.
+// The result of the whole file with kThreeRules.
 QByteArray wholeResult()
 {
-    return annualFile(kFlows[0] + kLevels[0] + kGauges[0], kFlows[1] + kLevels[1] + kGauges[1]);
+    return annualRuns(kFlows[0] + kLevels[0] + kGauges[0], kFlows[1] + kLevels[1] + kGauges[1]);
 }
 
 // For the message of a failed comparison.
@@ -235,7 +235,7 @@ private Q_SLOTS:
     {
         m_folder.reset(new QTemporaryDir);
         QVERIFY(m_folder->isValid());
-        writeFile(controlPath(), kControl);
+        writeFile(controlPath(), kThreeRules);
     }
 
     void convertsTheWholeFile()
@@ -347,11 +347,11 @@ private Q_SLOTS:
         const QByteArray whole =
             mark + QByteArray("A.Level: SumNaN\nGauge.Flow: Max\n").replace("\n", lineEnd);
         const QHash<QByteArray, QByteArray> results = {
-            {"A.Level: Sum", annualFile(totals("A.Level", "Sum;NaN;-150.000000000000"),
+            {"A.Level: Sum", annualRuns(totals("A.Level", "Sum;NaN;-150.000000000000"),
                                         totals("A.Level", "Sum;120.000000000000;NaN"))},
-            {"A.Level: SumNaN", annualFile(kLevels[0], kLevels[1])},
+            {"A.Level: SumNaN", annualRuns(kLevels[0], kLevels[1])},
             {"A.Level: SumNaN\nGauge.Flow: Max",
-             annualFile(kLevels[0] + kGauges[0], kLevels[1] + kGauges[1])}};
+             annualRuns(kLevels[0] + kGauges[0], kLevels[1] + kGauges[1])}};
 
         int successes = 0;
         for (int size = 0; size <= whole.size(); ++size) {

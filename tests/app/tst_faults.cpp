@@ -20,7 +20,6 @@
 namespace {
 
 constexpr int kManySlots = 200;
-const char kOldResult[] = "an old result";
 const char kNoMethods[] = "No series slots with valid methods found in input HTS file";
 const char kReadProblem[] = "Problem reading the input hts file: Input/output error";
 

@@ -10,7 +10,6 @@
 
 namespace {
 
-const char kOldResult[] = "an old result";
 const char kNoMemory[] = "HtsAnnualizer Error: Not enough memory\n\n";
 
 // Steps of the limit, in KiB.

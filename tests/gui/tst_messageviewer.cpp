@@ -82,9 +82,9 @@ constexpr QsLogging::Level kShownLevels[] = {QsLogging::InfoLevel, QsLogging::Wa
                                              QsLogging::ErrorLevel};
 
 // A viewer and its parts.
-struct Fixture
+struct ViewerFixture
 {
-    explicit Fixture(const QStringList& labels = kOneColumn)
+    explicit ViewerFixture(const QStringList& labels = kOneColumn)
         : viewer(labels, nullptr), tree(viewer.findChild<QTreeWidget*>()),
           checkBox(viewer.findChild<QCheckBox*>()), scrollBar(tree->verticalScrollBar())
     {
@@ -164,7 +164,7 @@ struct Fixture
 // Expects the section to fit lists of rows with one that is wider.
 void compareWidths(const QString& common, const QString& widest, int rowCount)
 {
-    Fixture f;
+    ViewerFixture f;
     const auto addRows = [&](int widestRow) {
         for (int row = 0; row < rowCount; ++row)
             f.add({row == widestRow ? widest : common + QString::number(row)});
@@ -192,7 +192,7 @@ private Q_SLOTS:
 
     void windowIsAsBuilt()
     {
-        const Fixture f;
+        const ViewerFixture f;
         QCOMPARE(f.viewer.windowTitle(), QStringLiteral("Untitled"));
         QVERIFY(!f.viewer.isModal());
         QVERIFY(!f.viewer.isVisible());
@@ -204,7 +204,7 @@ private Q_SLOTS:
 
     void treeIsAsBuilt()
     {
-        const Fixture f(kThreeColumns);
+        const ViewerFixture f(kThreeColumns);
         QCOMPARE(f.tree->columnCount(), 3);
         for (int column = 0; column < 3; ++column)
             QCOMPARE(f.tree->headerItem()->text(column), kThreeColumns.at(column));
@@ -224,7 +224,7 @@ private Q_SLOTS:
 
     void checkBoxIsAtTheRight()
     {
-        Fixture f;
+        ViewerFixture f;
         QCOMPARE(f.checkBox->text(), QStringLiteral("Automatic Scrolling"));
         QVERIFY(f.checkBox->isChecked());
         f.show();
@@ -250,7 +250,7 @@ private Q_SLOTS:
             {"Copy &Selected", "", false},
             {"Clear", "", {}},
         };
-        const Fixture f;
+        const ViewerFixture f;
         QList<const QAction*> actions; // each menu's own, then those in it
         for (const QAction* menu : f.viewer.findChild<QMenuBar*>()->actions()) {
             actions.append(menu);
@@ -283,7 +283,7 @@ private Q_SLOTS:
 
     void appendsRows()
     {
-        Fixture f(kThreeColumns);
+        ViewerFixture f(kThreeColumns);
         f.add({QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")});
         f.add({QStringLiteral("4"), QString(), QStringLiteral("6")});
         QCOMPARE(f.tree->topLevelItemCount(), 2);
@@ -303,8 +303,8 @@ private Q_SLOTS:
         } rows[] = {{QsLogging::TraceLevel, red, black},  {QsLogging::DebugLevel, red, black},
                     {QsLogging::InfoLevel, black, black}, {QsLogging::WarnLevel, amber, amber},
                     {QsLogging::ErrorLevel, red, red},    {QsLogging::FatalLevel, red, red}};
-        Fixture f(kThreeColumns);
-        Fixture watching;
+        ViewerFixture f(kThreeColumns);
+        ViewerFixture watching;
         watching.viewer.connectWatcher();
         for (int i = 0; i < int(std::size(rows)); ++i) {
             f.viewer.addMessage(rows[i].level, kThreeColumns);
@@ -327,7 +327,7 @@ private Q_SLOTS:
         for (const auto& desktop : desktops) {
             const QPalette usual = QApplication::palette();
             const ApplicationPalette atFirst(desktop.isDarkBefore ? darkPalette() : usual);
-            Fixture f;
+            ViewerFixture f;
             for (const QsLogging::Level level : kShownLevels)
                 f.viewer.addMessage(level, kOneColumn);
             const ApplicationPalette later(desktop.isDark ? darkPalette() : usual);
@@ -368,7 +368,7 @@ private Q_SLOTS:
     void dropsRowsOfOtherLength()
     {
         for (const QStringList& labels : {kOneColumn, kThreeColumns}) {
-            Fixture f(labels);
+            ViewerFixture f(labels);
             f.add(labels);
             for (const int length : {0, 1, 2, 3, 4}) {
                 if (length != labels.size())
@@ -397,7 +397,7 @@ private Q_SLOTS:
         };
         for (const bool isShown : {false, true}) {
             for (const auto& list : lists) {
-                Fixture f;
+                ViewerFixture f;
                 if (isShown)
                     f.show();
                 for (int row = 0; row < list.rowCount; ++row)
@@ -461,7 +461,7 @@ private Q_SLOTS:
                     {1500, 300, 150, Qt::LeftToRight},
                     {1500, 300, 100, Qt::RightToLeft}};
         for (const auto& how : ways) {
-            Fixture f;
+            ViewerFixture f;
             f.viewer.setLayoutDirection(how.direction);
             f.show();
             f.checkBox->click(); // no automatic scrolling
@@ -485,7 +485,7 @@ private Q_SLOTS:
 
     void sectionsFitRowsAfterClear()
     {
-        Fixture f;
+        ViewerFixture f;
         f.show();
         f.add({QString(60, QLatin1Char('W'))});
         const int wide = f.tree->columnWidth(0);
@@ -501,7 +501,7 @@ private Q_SLOTS:
 
     void sectionsFitEachColumn()
     {
-        Fixture f(kThreeColumns);
+        ViewerFixture f(kThreeColumns);
         const QString wide(40, QLatin1Char('W'));
         const QString wider(50, QLatin1Char('W'));
         f.add({wide, QStringLiteral("x"), wider});
@@ -520,7 +520,7 @@ private Q_SLOTS:
     {
         for (const int rowCount : {20, 200}) {
             for (const int pointSize : {30, 5}) {
-                Fixture f;
+                ViewerFixture f;
                 f.show();
                 f.add({QString(30, QLatin1Char('W'))});
                 f.addLines(rowCount);
@@ -541,7 +541,7 @@ private Q_SLOTS:
         for (const int rowCount : {40, 3000}) {
             for (const QString& lastText : {QStringLiteral("last"), tooWide}) {
                 for (const bool isShown : {false, true}) {
-                    Fixture f;
+                    ViewerFixture f;
                     if (isShown)
                         f.show();
                     f.addLines(rowCount - 1);
@@ -563,7 +563,7 @@ private Q_SLOTS:
 
     void showsTheLastRowAfterHiddenTimes()
     {
-        Fixture f;
+        ViewerFixture f;
         f.addLines(2999);
         f.add({QString(200, QLatin1Char('W'))});
         f.show(); // before the event loop ran
@@ -576,7 +576,7 @@ private Q_SLOTS:
 
     void resizingKeepsTheLastRow()
     {
-        Fixture f;
+        ViewerFixture f;
         f.show();
         f.addLines(40);
         for (const int height : {200, 400, 250}) {
@@ -594,7 +594,7 @@ private Q_SLOTS:
     void withoutTheBoxTheViewStays()
     {
         for (const int rowCount : {20, 2000}) {
-            Fixture f;
+            ViewerFixture f;
             f.show();
             f.addLines(rowCount);
             QApplication::processEvents();
@@ -611,7 +611,7 @@ private Q_SLOTS:
     void checkingTheBoxJumpsToTheLastRow()
     {
         for (const int rowCount : {20, 2000}) {
-            Fixture f;
+            ViewerFixture f;
             f.show();
             f.checkBox->click();
             f.addLines(rowCount);
@@ -625,7 +625,7 @@ private Q_SLOTS:
 
     void uncheckingTheBoxKeepsWhatCameBefore()
     {
-        Fixture f;
+        ViewerFixture f;
         f.show();
         f.addLines(1000);
         f.checkBox->click();
@@ -638,7 +638,7 @@ private Q_SLOTS:
 
     void hidesAndShowsColumns()
     {
-        Fixture f(kThreeColumns);
+        ViewerFixture f(kThreeColumns);
         f.add(kThreeColumns);
         QAction action;
         action.setCheckable(true);
@@ -673,7 +673,7 @@ private Q_SLOTS:
             {0, 1, {0, 1, 2}, "\n\n\n", "\n\n"},
         };
         for (const auto& row : rows) {
-            Fixture f(kThreeColumns);
+            ViewerFixture f(kThreeColumns);
             QCOMPARE(f.viewer.collectText(true), QString());
             QCOMPARE(f.viewer.collectText(false), QString());
             for (int i = 0; i < 3; ++i) {
@@ -690,7 +690,7 @@ private Q_SLOTS:
 
     void copiesRows()
     {
-        Fixture f;
+        ViewerFixture f;
         f.addLines(3);
         const QClipboard* clipboard = QGuiApplication::clipboard();
 
@@ -706,7 +706,7 @@ private Q_SLOTS:
 
     void warnsWithoutClipboard()
     {
-        Fixture f;
+        ViewerFixture f;
         Box box;
         const auto copy = [&f] { f.viewer.copyTo(nullptr, QStringLiteral("text")); };
         QVERIFY(actThrough(copy, {readBox(&box)}));
@@ -731,7 +731,7 @@ private Q_SLOTS:
             {{}, -1, all, {}},        {{QStringLiteral(" a\n ")}, -1, all, " a\n \n"},
         };
         for (const auto& row : rows) {
-            Fixture f;
+            ViewerFixture f;
             for (const QString& line : row.lines)
                 f.add({line});
             f.select(qMax(row.selectedRow, 0), row.selectedRow);
@@ -742,7 +742,7 @@ private Q_SLOTS:
 
     void asksForTheFile()
     {
-        Fixture f;
+        ViewerFixture f;
         const Step step = [&f](QWidget& dialog) {
             const auto closing = qScopeGuard([&] { cancel()(dialog); });
             const auto* fileDialog = qobject_cast<QFileDialog*>(&dialog);
@@ -767,7 +767,7 @@ private Q_SLOTS:
             QTextCodec* codec = QTextCodec::codecForLocale();
         };
         const Restore restore;
-        Fixture f;
+        ViewerFixture f;
         f.add({QString(QChar(0x00e9))});
         const QVector<QPair<QByteArray, QByteArray>> encodings{{"ISO-8859-1", "\xe9\n"},
                                                                {"UTF-8", "\xc3\xa9\n"}};
@@ -781,7 +781,7 @@ private Q_SLOTS:
 
     void cancelledSaveWritesNothing()
     {
-        Fixture f;
+        ViewerFixture f;
         const QString path = f.path("saved.txt");
         f.addLines(1);
         const Step step = [&path](QWidget& dialog) {
@@ -794,7 +794,7 @@ private Q_SLOTS:
 
     void asksBeforeOverwriting()
     {
-        Fixture f;
+        ViewerFixture f;
         const QString path = f.path("saved.txt");
         const QByteArray before("more than the rows have\n");
         writeFile(path, before);
@@ -808,7 +808,7 @@ private Q_SLOTS:
 
     void warnsOfFileThatCannotBeOpened()
     {
-        Fixture f;
+        ViewerFixture f;
         f.addLines(1);
         Box box;
         const QString path = f.path("missing/saved.txt");
@@ -822,7 +822,7 @@ private Q_SLOTS:
 
     void remembersTheLastSavedName()
     {
-        Fixture f;
+        ViewerFixture f;
         const QString saved = f.path("saved.txt");
         const QString failed = f.path("missing/failed.txt");
         const auto expectStart = [](const QString& path, const Step& then) {
@@ -844,7 +844,7 @@ private Q_SLOTS:
 
     void clearKeepsTheViewerWorking()
     {
-        Fixture f;
+        ViewerFixture f;
         const QString path = f.path("saved.txt");
         f.addLines(200); // some of them wait for the event loop
         f.action("Clear")->trigger();
@@ -862,7 +862,7 @@ private Q_SLOTS:
     void closingOnlyHides()
     {
         for (const bool byAction : {false, true}) {
-            Fixture f;
+            ViewerFixture f;
             // The event is ignored, so this has no effect.
             f.viewer.setAttribute(Qt::WA_DeleteOnClose);
             const QPointer<MessageViewer> viewer(&f.viewer);
@@ -883,7 +883,7 @@ private Q_SLOTS:
 
     void shortcutsWork()
     {
-        Fixture f;
+        ViewerFixture f;
         f.addLines(2);
         f.show();
         f.activate();
@@ -906,14 +906,14 @@ private Q_SLOTS:
     void rowsOutliveTheirWindowState()
     {
         {
-            Fixture f;
+            ViewerFixture f;
             f.viewer.connectWatcher();
             f.addLines(500);
             UtilsNS::watcherDestination(QStringLiteral("queued"), QsLogging::InfoLevel);
         }
         QApplication::processEvents();
 
-        Fixture f;
+        ViewerFixture f;
         f.viewer.connectWatcher();
         f.addLines(500);
         QApplication::processEvents();
@@ -923,7 +923,7 @@ private Q_SLOTS:
 
     void takesLinesOfTheWatcherQueued()
     {
-        Fixture f;
+        ViewerFixture f;
         UtilsNS::watcherDestination(QStringLiteral("before"), QsLogging::InfoLevel);
         f.viewer.connectWatcher();
         UtilsNS::watcherDestination(QStringLiteral("2015-06-30T14:05:09.123   Cannot read file"),
@@ -938,7 +938,7 @@ private Q_SLOTS:
     void takesLinesOfOtherThreadsInOrder()
     {
         const int lineCount = 1000;
-        Fixture f;
+        ViewerFixture f;
         f.show();
         f.viewer.connectWatcher();
         const std::unique_ptr<QThread> thread(QThread::create([] {
@@ -961,7 +961,7 @@ void TestMessageViewer::paintsRowsOnALightBackground()
     QFETCH(const bool, isActive);
 
     const ApplicationPalette dark(darkPalette());
-    Fixture f;
+    ViewerFixture f;
     for (const QsLogging::Level level : kShownLevels) {
         f.viewer.addMessage(level, {QStringLiteral("plain")});
         f.viewer.addMessage(level, {QStringLiteral("selected")});

@@ -18,9 +18,9 @@
 namespace {
 
 // The main window and the rows of its diagnostics window.
-struct Fixture : MainWindow
+struct CheckFixture : MainWindow
 {
-    Fixture() { writeInputsAndEnterPaths(); }
+    CheckFixture() { writeInputsAndEnterPaths(); }
 
     QAction* action(const char* text) const
     {
@@ -66,7 +66,7 @@ class TestSourceCheck : public QObject
 private Q_SLOTS:
     void menuComesAfterTheOthers()
     {
-        const Fixture f;
+        const CheckFixture f;
         const QList<QAction*> menus = f.diagnostics()->findChild<QMenuBar*>()->actions();
         QCOMPARE(menus.size(), 3);
         QCOMPARE(menus.at(2)->text(), QStringLiteral("&Check"));
@@ -132,7 +132,7 @@ private Q_SLOTS:
         QFETCH(const int, month);
         QFETCH(const QByteArray, report);
 
-        const Fixture f;
+        const CheckFixture f;
         writeFile(f.path("monthly.hts"),
                   before.isEmpty() ? monthlySource() : monthlySource().replace(before, after));
         writeFile(f.path("methods.txt"), control);
@@ -150,7 +150,7 @@ private Q_SLOTS:
 
     void takesPathsAsAConversionDoes()
     {
-        const Fixture f;
+        const CheckFixture f;
         qputenv("HTS_TEST_FOLDER", f.folder.path().toLocal8Bit());
         f.enterPaths(QStringLiteral("$HTS_TEST_FOLDER/monthly.hts"),
                      QStringLiteral("${HTS_TEST_FOLDER}/methods.txt"), QString());
@@ -162,7 +162,7 @@ private Q_SLOTS:
 
     void reportsMissingControlFileAsFinding()
     {
-        const Fixture f;
+        const CheckFixture f;
         f.lineEdit("_methodControlLineEdit")->setText(f.path("missing.txt"));
         const QString first = f.check().first();
         QVERIFY2(first.startsWith(QLatin1String("r missing.txt:")), qPrintable(first));
@@ -171,14 +171,14 @@ private Q_SLOTS:
 
     void comesAfterWhatWasLogged()
     {
-        const Fixture f;
+        const CheckFixture f;
         QLOG_WARN() << "earlier";
         QCOMPARE(f.check().first(), QStringLiteral("a WARN  earlier "));
     }
 
     void showsWaitCursorOnlyDuringTheCheck()
     {
-        const Fixture f;
+        const CheckFixture f;
         int count = 0;
         connect(f.diagnostics()->findChild<QTreeWidget*>()->model(),
                 &QAbstractItemModel::rowsInserted, this, [&count] {
@@ -213,7 +213,7 @@ private Q_SLOTS:
              "Problem reading the input hts file: a line is longer than 64 MiB"},
         };
         for (const auto& row : rows) {
-            const Fixture f;
+            const CheckFixture f;
             writeFile(f.path("long.hts"), QByteArray());
             QVERIFY(QFile::resize(f.path("long.hts"), qint64(65) * 1024 * 1024));
             QVERIFY(QDir::setCurrent(f.folder.path()));

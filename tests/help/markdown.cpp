@@ -1,5 +1,7 @@
 #include "tests/help/markdown.h"
 
+#include <QRegularExpression>
+
 QByteArrayList codeBlocks(const QByteArray& markdown)
 {
     const QByteArray indentation = "    ";
@@ -48,4 +50,13 @@ QByteArray code(const QByteArray& cell)
 {
     const bool isCode = cell.size() > 1 && cell.startsWith('`') && cell.endsWith('`');
     return isCode ? cell.mid(1, cell.size() - 2) : cell;
+}
+
+QStringList codes(const QByteArray& markdown)
+{
+    QStringList found;
+    static const QRegularExpression code(QStringLiteral("`([^`\n]+)`"));
+    for (auto match = code.globalMatch(QString::fromUtf8(markdown)); match.hasNext();)
+        found.append(match.next().captured(1));
+    return found;
 }

@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 #include <QByteArrayList>
+#include <QStringList>
 #include <QVector>
 
 // The parts of a Markdown document that tests compare with the programs.
@@ -20,5 +21,8 @@ QVector<QByteArrayList> tableRows(const QByteArray& markdown, const QByteArray& 
 
 // A cell without the backquotes around all of it.
 QByteArray code(const QByteArray& cell);
+
+// The texts in backquotes.
+QStringList codes(const QByteArray& markdown);
 
 #endif // TESTS_HELP_MARKDOWN_H

@@ -16,16 +16,6 @@
 
 namespace {
 
-// The texts in backquotes.
-QStringList codes(const QByteArray& markdown)
-{
-    QStringList found;
-    static const QRegularExpression code(QStringLiteral("`([^`\n]+)`"));
-    for (auto match = code.globalMatch(QString::fromUtf8(markdown)); match.hasNext();)
-        found.append(match.next().captured(1));
-    return found;
-}
-
 bool isFileName(const QString& code)
 {
     static const QRegularExpression name(QStringLiteral(R"(^[\w-]+(/[\w.-]+)*\.\w+$)"));

@@ -81,16 +81,6 @@ QString readMessage(const QByteArray& codeName)
                                           : QStringLiteral("(no file)");
 }
 
-// The texts in backquotes of a cell.
-QStringList codes(const QByteArray& cell)
-{
-    QStringList found;
-    const QStringList parts = QString::fromUtf8(cell).split(QLatin1Char('`'));
-    for (int i = 1; i < parts.size(); i += 2)
-        found.append(parts.at(i));
-    return found;
-}
-
 // The kind of number that a value line is read as.
 QByteArray valueText(double value)
 {

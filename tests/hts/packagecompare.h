@@ -1,10 +1,15 @@
 #ifndef TESTS_HTS_PACKAGECOMPARE_H
 #define TESTS_HTS_PACKAGECOMPARE_H
 
+#include <limits>
+
 #include <QString>
 #include <QtGlobal>
 
 #include "hts/htspackage.h"
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 // The bits of `value`, so that NaNs are equal to themselves and zeros differ by their sign.
 quint64 bitsOf(double value);

@@ -2,7 +2,6 @@
 // device after reading; it is removed before.
 
 #include <cmath>
-#include <limits>
 #include <utility>
 
 #include <QBuffer>
@@ -419,7 +418,6 @@ private Q_SLOTS:
             readPackage(opening(1, 6) + kSeries + "nan\ntext\n\n -2.5 \ninf\n1e-3\n" + kEnd);
         const HtsColumn& values = package.values[0][0][0];
         QVERIFY(std::isnan(values.at(0)));
-        const double kInfinity = std::numeric_limits<double>::infinity();
         QVERIFY((HtsColumn(values.begin() + 1, values.end()) ==
                  HtsColumn{0.0, 0.0, -2.5, kInfinity, 0.001}));
         QCOMPARE(package.slot(0).methods, QStringList{QString()});

@@ -18,9 +18,6 @@
 
 namespace {
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
 QByteArray written(const HtsPackage& package)
 {
     QBuffer device;

@@ -20,9 +20,6 @@
 
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
 // A reader reads its first line in another way than those that are already in its block.
 const QByteArray kLineBefore = "8.5\n";
 

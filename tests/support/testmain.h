@@ -41,7 +41,7 @@ int runTest(int argc, char* argv[])
 
 #define HTS_TEST(Test, Application)                                                                \
     namespace {                                                                                    \
-    const TestRegistration kRegistration(__FILE__, runTest<Test, Application>);                    \
+    const TestRegistration k##Test##Registration(__FILE__, runTest<Test, Application>);            \
     }
 
 // Adds columns to the data table of a test: addColumns<QByteArray, int>("text", "lines"). A column
