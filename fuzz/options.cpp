@@ -8,6 +8,7 @@
 #include <utility>
 
 #include <QList>
+#include <QLocale>
 #include <QStringList>
 #include <QVector>
 
@@ -173,6 +174,11 @@ void addImport(const ImportOptions& options, QStringList& arguments)
     }
 }
 
+QString numberText(double number)
+{
+    return QString::number(number, 'g', QLocale::FloatingPointShortest);
+}
+
 // Arguments that ask for what the options say. Long names, and "--" before the files, leave nothing
 // to the letters that a value begins with.
 QStringList argumentsFor(const ToolOptions& options)
@@ -208,6 +214,11 @@ QStringList argumentsFor(const ToolOptions& options)
         if (options.shownSlots.maxCount == ShownSlots::kAll)
             arguments.append(QStringLiteral("--all-slots"));
         add("--max-missing", options.maxMissing.text());
+    } else if (options.request == ToolOptions::Request::Diff) {
+        arguments.append(QStringLiteral("diff"));
+        add("--tolerance", numberText(options.tolerance.absolute) + QLatin1Char(',') +
+                               numberText(options.tolerance.relative));
+        add("--format", formatWord(options.format));
     } else {
         arguments.append(QStringLiteral("export"));
         add("--output", options.outputPath);
@@ -229,9 +240,17 @@ QStringList argumentsFor(const ToolOptions& options)
 bool asksForAFile(const ToolOptions& options)
 {
     return options.request == ToolOptions::Request::Check ||
+           options.request == ToolOptions::Request::Diff ||
            options.request == ToolOptions::Request::Export ||
            options.request == ToolOptions::Request::Import ||
            options.request == ToolOptions::Request::Report;
+}
+
+bool isFileCountRight(const ToolOptions& options)
+{
+    if (options.request == ToolOptions::Request::Check)
+        return !options.files.isEmpty();
+    return options.files.size() == (options.request == ToolOptions::Request::Diff ? 2 : 1);
 }
 
 void checkTool(const QList<QByteArray>& arguments)
@@ -244,13 +263,13 @@ void checkTool(const QList<QByteArray>& arguments)
         fuzz::require(!options.text.isEmpty(), QStringLiteral("nothing to show"));
         return;
     }
-    const bool isCheck = options.request == ToolOptions::Request::Check;
-    fuzz::require(isCheck ? !options.files.isEmpty() : options.files.size() == 1,
-                  QStringLiteral("%1 files").arg(options.files.size()));
+    fuzz::require(isFileCountRight(options), QStringLiteral("%1 files").arg(options.files.size()));
     fuzz::require(options.endMonth >= 1 && options.endMonth <= 12 && options.table.run >= 0,
                   QStringLiteral("month %1, run %2")
                       .arg(QString::number(options.endMonth), QString::number(options.table.run)));
-    fuzz::require(isCheck || !options.outputPath.isEmpty(), QStringLiteral("no output"));
+    const bool hasNoOutput = options.request == ToolOptions::Request::Check ||
+                             options.request == ToolOptions::Request::Diff;
+    fuzz::require(hasNoOutput || !options.outputPath.isEmpty(), QStringLiteral("no output"));
 
     const QStringList whole = argumentsFor(options);
     const ToolOptions again = parseToolOptions(whole);

@@ -121,6 +121,10 @@ public:
     // valid until the next call.
     std::string_view readLine();
 
+    // See LineReader.
+    LinePlace place() const { return m_lines.place(); }
+    void goTo(const LinePlace& place) { m_lines.goTo(place); }
+
     // Number of the line that was read last, counted from 1; 0 before the first.
     qint64 lineNumber() const { return m_lines.lineNumber(); }
     // How many of the lines read are past the end of the input, where every line is empty.

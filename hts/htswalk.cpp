@@ -30,6 +30,17 @@ bool HtsWalk::next()
     return m_status.ok() && !m_isTableWithoutEnd && m_place != Place::EndOfLastRun;
 }
 
+void HtsWalk::goTo(const Bookmark& bookmark)
+{
+    Q_ASSERT(m_status.ok() && !m_isTableWithoutEnd);
+    const bool isRun = bookmark.section == Place::Run;
+    Q_ASSERT(isRun || (bookmark.section == Place::Slot && bookmark.runIndex == m_runIndex));
+    m_reader.goTo(bookmark.line);
+    m_place = isRun ? Place::PackagePreamble : Place::Run;
+    m_runIndex = isRun ? bookmark.runIndex - 1 : m_runIndex;
+    m_slotCount = isRun ? 0 : bookmark.slotIndex;
+}
+
 void HtsWalk::readRun()
 {
     ++m_runIndex;
@@ -38,6 +49,7 @@ void HtsWalk::readRun()
         return;
     }
     m_place = Place::Run;
+    m_begin = m_reader.place();
     m_run = HtsRun();
     m_slotCount = 0;
     m_status = m_reader.readRun(m_run);
@@ -50,6 +62,7 @@ void HtsWalk::readSlot()
         return;
     }
     m_place = Place::Slot;
+    m_begin = m_reader.place();
     m_slot = HtsSlot();
     m_values.clear();
     m_status = m_reader.readSlot(m_slot, m_options.tableRows);

@@ -41,6 +41,21 @@ public:
     // again then.
     bool next();
 
+    // Where a run or a slot begins.
+    struct Bookmark
+    {
+        Place section = Place::Run; // or Slot
+        LinePlace line;
+        int runIndex = 0;
+        int slotIndex = 0;
+    };
+
+    // Of the run or the slot at hand; only for devices that are not sequential.
+    Bookmark bookmark() const { return {m_place, m_begin, m_runIndex, m_slotCount - 1}; }
+    // The following next() reads the section of a bookmark of this walk; that of a slot only while
+    // its run is the one at hand. Allowed after the end of the last run, too.
+    void goTo(const Bookmark& bookmark);
+
     Place place() const { return m_place; }
     // Empty as long as nothing failed; see HtsPackage::read for the messages.
     const Status& status() const { return m_status; }
@@ -74,6 +89,7 @@ private:
     Status m_status;
     bool m_isTableWithoutEnd = false;
     HtsRun m_run;
+    LinePlace m_begin; // of the run or the slot
     int m_runIndex = -1;
     HtsSlot m_slot;
     int m_slotCount = 0;

@@ -183,3 +183,23 @@ bool LineReader::atEnd()
 {
     return m_next == m_end && !fetch();
 }
+
+LinePlace LineReader::place() const
+{
+    return {m_device.pos() - static_cast<qint64>(available()), m_lineNumber};
+}
+
+void LineReader::goTo(const LinePlace& place)
+{
+    Q_ASSERT(!m_device.isSequential());
+    const qint64 blockEnd = m_device.pos();
+    const qint64 blockBegin = blockEnd - static_cast<qint64>(m_end);
+    m_lineNumber = place.lineNumber;
+    if (blockBegin <= place.position && place.position <= blockEnd) {
+        m_next = static_cast<std::size_t>(place.position - blockBegin);
+        return;
+    }
+    m_next = 0;
+    m_end = 0;
+    m_device.seek(place.position);
+}

@@ -9,6 +9,13 @@
 
 class QIODevice;
 
+// Where a line begins.
+struct LinePlace
+{
+    qint64 position = 0;   // of the device, in bytes
+    qint64 lineNumber = 0; // of the line before it
+};
+
 // Reads a device line by line, as QIODevice::readLine would, from large blocks.
 //
 //     LineReader reader(device);
@@ -67,6 +74,10 @@ public:
     qint64 lineNumber() const { return m_lineNumber; }
     // How many of them are past the end of the input.
     qint64 linesPastEnd() const { return m_linesPastEnd; }
+
+    // Where the next line begins, and back to there. Without meaning for a sequential device.
+    LinePlace place() const;
+    void goTo(const LinePlace& place);
 
     static constexpr std::size_t kMaxWordLength = 15;
 

@@ -57,9 +57,10 @@ Progress::Clock Progress::steadyClock()
     return [timer] { return timer.elapsed(); };
 }
 
-void Progress::begin(const QStringList& files)
+void Progress::begin(const QStringList& files, int passes)
 {
     m_files = files;
+    m_passes = passes;
     m_isStopped = m_line == nullptr;
     m_nextTime = m_clock() + kFirstMs;
 }
@@ -97,7 +98,7 @@ void Progress::addUpSizes()
             m_totalSize = 0;
             return;
         }
-        m_totalSize += size;
+        m_totalSize += size * m_passes;
     }
 }
 

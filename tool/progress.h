@@ -26,8 +26,9 @@ public:
 
     static Clock steadyClock();
 
-    // The command begins, with these files, one after another.
-    void begin(const QStringList& files);
+    // The command begins, with these files, one after another; or, without a call of beginFile(),
+    // with all of them at the same time, each of which is read `passes` times.
+    void begin(const QStringList& files, int passes = 1);
     // The next file is open, or could not be opened.
     void beginFile(const QIODevice& device);
     // So many bytes more of the file at hand. Reads the clock: call it for large blocks.
@@ -46,9 +47,10 @@ private:
     const std::unique_ptr<StatusLine> m_line;
     const Clock m_clock;
     QStringList m_files;
+    int m_passes = 1;
     int m_file = -1;          // the index of the one at hand
     qint64 m_streamSize = -1; // of the standard input; -1 while it is not known
-    qint64 m_totalSize = -1;  // of all files, 0 if it is not known; -1 before it is added up
+    qint64 m_totalSize = -1;  // of all passes, 0 if it is not known; -1 before it is added up
     qint64 m_sizeBefore = 0;  // of the files before the one at hand
     qint64 m_readBefore = 0;  // bytes of the files before
     qint64 m_read = 0;        // bytes of the file at hand

@@ -5,6 +5,7 @@
 #include "QsLog.h"
 #include "hts/quotedtext.h"
 #include "tool/checkcommand.h"
+#include "tool/diffcommand.h"
 #include "tool/explaincommand.h"
 #include "tool/exportcommand.h"
 #include "tool/importcommand.h"
@@ -44,6 +45,8 @@ int runTool(const QStringList& arguments, const ToolIo& io)
         return showWrongUsage(options.text, io);
     case ToolOptions::Request::Check:
         return runCheck(options, io);
+    case ToolOptions::Request::Diff:
+        return runDiff(options, io);
     case ToolOptions::Request::Explain:
         return runExplain(options, io);
     case ToolOptions::Request::Import:

@@ -7,6 +7,27 @@
 #include "tool/toolio.h"
 #include "utils/processsetup.h"
 
+namespace {
+
+bool openFile(const QString& path, InputFile& file)
+{
+    constexpr auto kMode = QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered;
+    file.setFileName(path);
+    file.limitLines();
+    if (path == kStandardStream)
+        UtilsNS::useBinaryMode(stdin);
+    return path == kStandardStream ? file.openStream(stdin, kMode) : file.open(kMode);
+}
+
+bool reportUnlessOpen(bool isOpen, const QString& path, const InputFile& file, const ToolIo& io)
+{
+    if (!isOpen)
+        reportProblem(path, file.errorString(), io);
+    return isOpen;
+}
+
+} // namespace
+
 void reportProblem(const QString& path, const QString& text, const ToolIo& io)
 {
     io.errors.write(QStringLiteral("htstool: %1: %2\n").arg(shown(path), shown(text)).toUtf8());
@@ -30,17 +51,15 @@ qint64 InputFile::readData(char* data, qint64 maxSize)
 
 bool openInput(const QString& path, InputFile& file, const ToolIo& io)
 {
-    constexpr auto kMode = QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered;
-    file.setFileName(path);
-    file.limitLines();
-    if (path == kStandardStream)
-        UtilsNS::useBinaryMode(stdin);
-    const bool isOpen = path == kStandardStream ? file.openStream(stdin, kMode) : file.open(kMode);
+    const bool isOpen = openFile(path, file);
     if (io.progress != nullptr)
         io.progress->beginFile(file);
-    if (!isOpen)
-        reportProblem(path, file.errorString(), io);
-    return isOpen;
+    return reportUnlessOpen(isOpen, path, file, io);
+}
+
+bool openInputTogether(const QString& path, InputFile& file, const ToolIo& io)
+{
+    return reportUnlessOpen(openFile(path, file), path, file, io);
 }
 
 int exitCodeOf(const UtilsNS::CheckedFile& file)

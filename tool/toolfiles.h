@@ -28,6 +28,8 @@ private:
 // Opens `path`, or the standard input for "-", for reading in the same way as a conversion, but for
 // a limit of the lines. Reports a failure to io.errors and returns false.
 bool openInput(const QString& path, InputFile& file, const ToolIo& io);
+// The same for one of several files that are read at the same time: the progress is that of all.
+bool openInputTogether(const QString& path, InputFile& file, const ToolIo& io);
 
 // Flushes and closes a file that was written. Reports a failure to io.errors and returns false.
 bool finishOutput(const QString& path, UtilsNS::CheckedFile& file, const ToolIo& io);

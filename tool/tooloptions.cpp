@@ -13,6 +13,7 @@
 #include "check/findinglist.h"
 #include "check/nearwords.h"
 #include "tool/terminal.h"
+#include "tool/toolfiles.h"
 
 namespace {
 
@@ -22,6 +23,7 @@ const QString kHelp =
                    "\n"
                    "Commands:\n"
                    "  check    report what is wrong with a file, or may not be what is meant\n"
+                   "  diff     report what differs between two files\n"
                    "  explain  say what the code of a finding means, and what to do\n"
                    "  export   write the values of a file as comma-separated values\n"
                    "  import   make a file of comma-separated values\n"
@@ -59,6 +61,21 @@ const QString kCheckHelp = QStringLiteral(
     "Exit code: 0 for nothing worse than notes, 1 for warnings (or see --fail-on), 2 for an error\n"
     "(a conversion fails or never ends), 3 for wrong usage, or a file or report that\n"
     "cannot be opened, read or written.\n");
+
+const QString kDiffHelp = QStringLiteral(
+    "Usage: htstool diff [OPTIONS] OLD NEW\n"
+    "Reports what differs between two HTS files: runs, timesteps, slots and their lines, values;\n"
+    "one difference on a line, FILE:LINE: text. OLD or NEW may be - for the standard input.\n"
+    "\n"
+    "Options:\n"
+    "  -t, --tolerance ABS,REL  Numbers are equal that differ by at most ABS, or by REL times the\n"
+    "                           larger of the two; 0,0 if not given. ABS alone is ABS,0.\n"
+    "  -f, --format FORMAT      text or json; text if not given.\n"
+    "  -h, --help               Show this text.\n"
+    "\n"
+    "Exit code: 0 for files without a difference, 1 for differences, 2 for a file that cannot be\n"
+    "read as an HTS file, 3 for wrong usage, or a file or report that cannot be opened, read or\n"
+    "written.\n");
 
 const QString kExplainHelp = QStringLiteral(
     "Usage: htstool explain CODE...\n"
@@ -344,6 +361,43 @@ QString readCheck(const QCommandLineParser& parser, ToolOptions& options)
                              : problem;
 }
 
+QString readTolerance(const QCommandLineParser& parser, Tolerance& tolerance)
+{
+    if (!isSet(parser, "tolerance"))
+        return {};
+    const QString text = valueOf(parser, "tolerance");
+    std::vector<double> numbers;
+    for (const QString& part : text.split(QLatin1Char(','))) {
+        bool isNumber = false;
+        const double number = part.toDouble(&isNumber);
+        if (isNumber && std::isfinite(number) && number >= 0)
+            numbers.push_back(number);
+        else
+            return worded("the tolerance \"%1\" is not one or two numbers from 0 on: ABS,REL",
+                          text);
+    }
+    if (numbers.size() > 2)
+        return worded("the tolerance \"%1\" has more than two numbers: ABS,REL", text);
+    numbers.resize(2);
+    tolerance = {numbers[0], numbers[1]};
+    return {};
+}
+
+QString readDiff(const QCommandLineParser& parser, ToolOptions& options)
+{
+    options.files = expandedPaths(parser.positionalArguments());
+    if (options.files.size() != 2)
+        return QStringLiteral("diff needs two files");
+    if (options.files.count(kStandardStream) > 1)
+        return QStringLiteral("only one of the files can be the standard input");
+    const QString problem = readTolerance(parser, options.tolerance);
+    return problem.isEmpty() ? readFormat(parser,
+                                          {{"text", ToolOptions::Format::Text},
+                                           {"json", ToolOptions::Format::Json}},
+                                          options)
+                             : problem;
+}
+
 QString unknownColumn(const QString& word)
 {
     QStringList words;
@@ -603,6 +657,11 @@ const std::vector<Command>& commands()
           {"sentinel", "VALUE"},
           {"counts", "OUT.csv"}},
          readCheck},
+        {"diff",
+         ToolOptions::Request::Diff,
+         kDiffHelp,
+         {{"t tolerance", "ABS,REL"}, {"f format", "FORMAT"}},
+         readDiff},
         {"explain",
          ToolOptions::Request::Explain,
          kExplainHelp,
@@ -725,9 +784,8 @@ ToolOptions parseToolOptions(const QStringList& arguments)
         if (word == QLatin1String(command.name))
             return parse(command, arguments.mid(1));
     }
-    return invalid(
-        word.isEmpty()
-            ? QStringLiteral("no command is given")
-            : worded("\"%1\" is not one of the commands check, explain, export, import and report",
-                     word));
+    return invalid(word.isEmpty() ? QStringLiteral("no command is given")
+                                  : worded("\"%1\" is not one of the commands check, diff, "
+                                           "explain, export, import and report",
+                                           word));
 }

@@ -8,6 +8,7 @@
 
 #include "check/finding.h"
 #include "check/maxmissing.h"
+#include "compare/valuecompare.h"
 #include "exchange/csvexport.h"
 #include "exchange/importoptions.h"
 #include "report/pageobserver.h"
@@ -19,6 +20,7 @@ struct ToolOptions
         Text,    // help or version, in `text`
         Invalid, // what is wrong with the arguments, in `text`
         Check,
+        Diff,
         Export,
         Import,
         Explain,
@@ -29,7 +31,8 @@ struct ToolOptions
     Request request = Request::Invalid;
     QString text;
 
-    // Input files; "-" is the standard input. One or more for a check, else one.
+    // Input files; "-" is the standard input. One or more for a check, two for a comparison, else
+    // one.
     QStringList files;
 
     // For a check, and some for a report. A path that is not given is empty.
@@ -43,6 +46,9 @@ struct ToolOptions
     FindingKinds failing = findingKindsFrom(Severity::Warning);
     QString countsPath;
     std::vector<double> sentinels; // finite
+
+    // For a comparison, with the format Text or Json.
+    Tolerance tolerance;
 
     // For an export or a report.
     QString outputPath; // "-" is the standard output

@@ -83,7 +83,7 @@ private Q_SLOTS:
             {QStringLiteral("docs/hts-format.md"), 4},   // tst_formatdocs
             {QStringLiteral("docs/control-file.md"), 5}, // tst_formatdocs
             {QStringLiteral("docs/import.md"), 6},       // tst_formatdocs
-            {QStringLiteral("docs/htstool.md"), 2},      // tst_tooldoc
+            {QStringLiteral("docs/htstool.md"), 3},      // tst_tooldoc
             {QStringLiteral("docs/batch.md"), 3},        // tst_batch, and tests/examples/test-slurm
         };
         QFETCH(QString, document);

@@ -325,6 +325,45 @@ private Q_SLOTS:
         QCOMPARE(device.readAll(), "three" + lineEnd);
     }
 
+    // Within the block at hand and beyond it, in any order.
+    void goesBackToAPlace_data()
+    {
+        addColumns<bool, bool>("isTextMode", "hasReturns");
+        addRows<bool, bool>({{"plain", false, false},
+                             {"text mode", true, false},
+                             {"Windows line ends in text mode", true, true}});
+    }
+    void goesBackToAPlace()
+    {
+        QFETCH(bool, isTextMode);
+        QFETCH(bool, hasReturns);
+        QByteArray text;
+        constexpr int kLines = 20000; // more than two blocks
+        for (int i = 1; i <= kLines; ++i)
+            text += QByteArray::number(i) + (hasReturns ? "\r\n" : "\n");
+        QBuffer device(&text);
+        QVERIFY(
+            device.open(QIODevice::ReadOnly | (isTextMode ? QIODevice::Text : QIODevice::NotOpen)));
+        {
+            LineReader reader(device);
+            std::vector<LinePlace> places;
+            for (int i = 0; i < kLines; ++i) {
+                places.push_back(reader.place());
+                reader.line();
+            }
+            constexpr int kStride = 7919; // without a common factor
+            for (int i = 0; i < kLines; ++i) {
+                const int line = static_cast<int>(qint64(i) * kStride % kLines);
+                reader.goTo(places[static_cast<std::size_t>(line)]);
+                QCOMPARE(bytes(reader.line()), QByteArray::number(line + 1));
+                QCOMPARE(reader.lineNumber(), qint64(line + 1));
+            }
+            reader.goTo(places.front());
+            reader.line();
+        }
+        QCOMPARE(device.pos(), qint64(hasReturns ? 3 : 2));
+    }
+
     void closedDeviceIsEmpty()
     {
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral(".*device not open")));

@@ -194,6 +194,7 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("command");
 
         QTest::newRow("check") << QStringList{QStringLiteral("check")};
+        QTest::newRow("diff") << QStringList{QStringLiteral("diff")};
         QTest::newRow("export") << QStringList{QStringLiteral("export")};
         QTest::newRow("import") << QStringList{QStringLiteral("import")};
     }
@@ -225,6 +226,8 @@ private Q_SLOTS:
         QTest::newRow("a format") << true << QStringLiteral("check -f j") << QStringLiteral("json");
         QTest::newRow("a stamp") << true << QStringLiteral("import --stamp ")
                                  << QStringLiteral("begin end");
+        QTest::newRow("formats of a comparison")
+            << true << QStringLiteral("diff -f ") << QStringLiteral("text json");
         QTest::newRow("a run") << true << QStringLiteral("export -r ") << QString();
         QTest::newRow("a second column")
             << true << QStringLiteral("export --columns scale,y") << QStringLiteral("scale,year");

@@ -18,9 +18,9 @@ from urllib.parse import unquote, urlparse
 
 import jsonschema
 
-WORDS = {"string": "text", "integer": "number", "boolean": "boolean", "null": "null",
+WORDS = {"string": "text", "integer": "number", "number": "number", "boolean": "boolean", "null": "null",
          "array": "array", "object": "object"}
-TYPES = {str: "text", int: "number", bool: "boolean", type(None): "null", list: "array",
+TYPES = {str: "text", int: "number", float: "number", bool: "boolean", type(None): "null", list: "array",
          dict: "object"}
 MANY = "many.hts"
 
@@ -72,10 +72,10 @@ def types_seen(value, path, seen):
             types_seen(part, path + "[]", seen)
 
 
-def rows_of(document):
-    """The rows of the table of keys."""
+def rows_of(document, heading):
+    """The rows of the table of keys after a heading."""
     lines = document.split("\n")
-    at = lines.index("| key | type | meaning |") + 2
+    at = lines.index("| key | type | meaning |", lines.index(heading)) + 2
     for line in lines[at:]:
         if not line.startswith("|"):
             return
@@ -93,8 +93,8 @@ class Tool:
         self.program = program
         self.folder = folder
 
-    def run(self, *arguments):
-        process = subprocess.run([self.program, "check", *arguments], cwd=self.folder,
+    def run(self, *arguments, command="check"):
+        process = subprocess.run([self.program, command, *arguments], cwd=self.folder,
                                  capture_output=True, check=False)
         return process.returncode, process.stdout.decode(), process.stderr.decode()
 
@@ -227,11 +227,61 @@ def check_all(tool):
     assert every["findings"][:10] == some["findings"]
 
 
+def document_of(source):
+    return (source / "docs" / "htstool.md").read_text(encoding="utf-8")
+
+
+def write_changed(source, folder):
+    """Writes a file and others that differ from it, and returns their names."""
+    old = (source / "tests" / "tool" / "files" / "diff.hts").read_text(encoding="utf-8")
+    changes = {
+        "same": [],
+        "texts": [("trace:4\n", ""), ("units: cms", "units: cfs"), ("2 20", "2 25")],
+        "steps": [("\n2000-1-31", "\n2001-1-31"), ("\n3\n", "\n3.25\n"), ("\nNaN\n", "\n7\n")],
+        "order": [("2000-1-31 24:00\n2000-2-29", "2000-2-29 24:00\n2000-1-31")],
+        "scalar": [("12.5", "12.75"), ("\n1000000\n", "\ntext\n")],
+        "slot": [("object_name: Lake", "object_name: Pond")],
+        "run": [("number_of_runs:2", "number_of_runs:1")],
+    }
+    (folder / "old.hts").write_text(old, encoding="utf-8")
+    for name, replacements in changes.items():
+        text = old
+        for before, after in replacements:
+            assert before in text
+            text = text.replace(before, after, 1)
+        (folder / f"{name}.hts").write_text(text, encoding="utf-8")
+    return [f"{name}.hts" for name in changes]
+
+
+def check_diff(tool, source):
+    """The text and the document of a comparison say the same."""
+    schema, validator = validator_of(source / "docs" / "htstool-diff.schema.json")
+    rows = list(rows_of(document_of(source), "## htstool diff"))
+    assert rows == list(described_keys(schema, schema)), "the table of docs/htstool.md is another"
+    seen = {}
+    for other in write_changed(source, tool.folder):
+        for files in (["old.hts", other], [other, "old.hts"]):
+            code, text, errors = tool.run(*files, command="diff")
+            assert (code, errors) == tool.run("-f", "json", *files, command="diff")[::2]
+            document = json.loads(tool.run("-f", "json", *files, command="diff")[1])
+            validator.validate(document)
+            assert document["exitCode"] == code == (other != "same.hts")
+            lines = []
+            for found in document["differences"]:
+                at = 0 if found["lines"][1] is None else 1
+                lines.append(f"{files[at]}:{found['lines'][at]}: {found['text']}\n")
+            assert text == "".join(lines), files
+            types_seen(document, "", seen)
+            check_rejects(validator, document)
+    expected = {key: set(types.split(" or ")) for key, types, _ in rows}
+    assert seen == expected, set(map(str, seen.items())) ^ set(map(str, expected.items()))
+
+
 def main():
     program, source = Path(sys.argv[1]).resolve(), Path(sys.argv[2])
     schema, validator = validator_of(source / "docs" / "htstool-check.schema.json")
     _, sarif = validator_of(source / "tests" / "tool" / "sarif.schema.json")
-    rows = list(rows_of((source / "docs" / "htstool.md").read_text(encoding="utf-8")))
+    rows = list(rows_of(document_of(source), "## JSON"))
     assert rows == list(described_keys(schema, schema)), "the table of docs/htstool.md is another"
     seen = {}
     with tempfile.TemporaryDirectory() as folder:
@@ -245,6 +295,7 @@ def main():
         del document["runs"][0]["tool"]["driver"]["rules"][2:]
         check_rejects(sarif, document)
         check_all(tool)
+        check_diff(tool, source)
     assert seen == {key: set(types.split(" or ")) for key, types, _ in rows}
     print(f"{len(runs)} runs in four formats")
 

@@ -97,6 +97,8 @@ void HtstoolTest::showsTexts_data()
         QTest::newRow(line) << words(line) << QByteArray("htstool " PROJECT_VERSION);
     for (const char* line : {"check -h", "check --help", "check a.hts --help"})
         QTest::newRow(line) << words(line) << QByteArray("Usage: htstool check [OPTIONS] FILE...");
+    for (const char* line : {"diff -h", "diff --help"})
+        QTest::newRow(line) << words(line) << QByteArray("Usage: htstool diff [OPTIONS] OLD NEW");
     for (const char* line : {"export -h", "export --help"})
         QTest::newRow(line) << words(line)
                             << QByteArray("Usage: htstool export [OPTIONS] -o OUT.csv FILE");
@@ -222,7 +224,7 @@ void HtstoolTest::wrongUsageIsRefused_data()
     row("explain -a -f json", "the format \"json\" is not text or markdown");
     row("explain -a -x", "Unknown option 'x'.");
     row("list a.hts",
-        "\"list\" is not one of the commands check, explain, export, import and report");
+        "\"list\" is not one of the commands check, diff, explain, export, import and report");
     row("check", "check needs a file");
     row("check --wide a.hts", "Unknown option 'wide'.");
     row("check a.hts -y", "Missing value after '-y'.");
@@ -256,6 +258,14 @@ void HtstoolTest::wrongUsageIsRefused_data()
     row("check a.hts --fail-on note,missing-value",
         "\"missing-value\" is not a code; the nearest is \"missing-values\"");
     row("explain sentinal", "\"sentinal\" is not a code; the nearest is \"sentinel\"");
+    row("diff", "diff needs two files");
+    row("diff a.hts b.hts c.hts", "diff needs two files");
+    row("diff - -", "only one of the files can be the standard input");
+    row("diff a.hts b.hts --format sarif", "the format \"sarif\" is not text or json");
+    row("diff a.hts b.hts -t 1,2,3", "the tolerance \"1,2,3\" has more than two numbers: ABS,REL");
+    for (const QByteArray tolerance : {"", "1,", "-1", "nan", "1,inf", "1;2"})
+        row("diff a.hts b.hts --tolerance=" + tolerance,
+            "the tolerance \"" + tolerance + "\" is not one or two numbers from 0 on: ABS,REL");
     row("export --all a.hts", "Unknown option 'all'.");
     row("export a.hts -o b.csv --run", "Missing value after '--run'.");
     row("export a.hts", "export needs a file to write, with -o");

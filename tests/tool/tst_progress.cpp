@@ -58,6 +58,7 @@ class ProgressTest : public QObject
 private Q_SLOTS:
     void showsHowFarItIs_data();
     void showsHowFarItIs();
+    void countsFilesThatAreReadTogether();
     void isShownAfterASecondAndFiveTimesASecond();
     void nothingIsShownWithoutALine();
     void isWipedBeforeOutput();
@@ -123,6 +124,22 @@ void ProgressTest::showsHowFarItIs()
     now = 1000;
     progress.addBytes(kMiB);
     QTEST(texts.join(QLatin1Char('|')), "shown");
+    QVERIFY(QDir::setCurrent(QStringLiteral("/")));
+}
+
+void ProgressTest::countsFilesThatAreReadTogether()
+{
+    ToolRun folder;
+    for (const char* name : {"a", "b"})
+        folder.write(QLatin1String(name), QByteArray(2 * kMiB, 'x'));
+    QVERIFY(QDir::setCurrent(folder.path(QStringLiteral("."))));
+    QStringList texts;
+    qint64 now = 0;
+    Progress progress(std::make_unique<RecordedLine>(texts, 80), [&now] { return now; });
+    progress.begin(words("a b"), 2);
+    now = 1000;
+    progress.addBytes(6 * kMiB);
+    QCOMPARE(texts, QStringList{QStringLiteral("htstool: 75 %")});
     QVERIFY(QDir::setCurrent(QStringLiteral("/")));
 }
 

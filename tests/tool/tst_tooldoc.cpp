@@ -52,7 +52,7 @@ private Q_SLOTS:
 
 void ToolDocTest::hasTheHelpTexts()
 {
-    for (const char* command : {"check", "explain", "export", "import", "report"}) {
+    for (const char* command : {"check", "diff", "explain", "export", "import", "report"}) {
         ToolRun run;
         run.start({QString::fromLatin1(command), QStringLiteral("--help")});
         QVERIFY2(document().contains(QLatin1Char('\n') + indented(run.output) + QLatin1Char('\n')),
@@ -65,6 +65,7 @@ void ToolDocTest::examplesAreTrue_data()
     QTest::addColumn<QString>("arguments");
     QTest::addColumn<bool>("hasErrors");
     QTest::newRow("text") << "check pond.hts -c pond_methods.txt" << true;
+    QTest::newRow("two files") << "diff pond.hts new.hts" << true;
     QTest::newRow("in scripts")
         << "check --ignore missing-values --fail-on text-value,end-column -f github pond.hts"
         << false;
@@ -78,6 +79,10 @@ void ToolDocTest::examplesAreTrue()
     for (const char* name : {"pond.hts", "pond_methods.txt"})
         run.write(QString::fromLatin1(name),
                   sourceFile(QStringLiteral("tests/tool/files/") + QLatin1String(name)));
+    const QString edit = QStringLiteral("sed -e 's/^13,50$/13.5/' -e 's/units: cms/units: cfs/' "
+                                        "pond.hts > new.hts");
+    QVERIFY(document().contains(QStringLiteral("    $ ") + edit + QLatin1Char('\n')));
+    run.startShell(edit);
     run.start(arguments.split(QLatin1Char(' ')));
     QCOMPARE(run.exitCode, 1);
     const QString text =

@@ -19,6 +19,7 @@ private Q_SLOTS:
     void manyLines_data();
     void manyLines();
     void manyRules();
+    void manyValuesAndSlots();
 };
 
 void ToolMemoryTest::fileWithoutEnd_data()
@@ -153,6 +154,38 @@ void ToolMemoryTest::manyRules()
                                   "exec \"$PROGRAM\" check a.hts -c c.txt | tail -1"));
     QCOMPARE(run.output, QByteArray("a.hts: plan: Lake.Flow249990: Sum, rule of line 249991\n"));
     QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 225000 warnings, 0 notes\n"));
+}
+
+// Values of other slots and runs take no more memory; names only where their order is another.
+void ToolMemoryTest::manyValuesAndSlots()
+{
+    ToolRun run;
+    const QByteArray file = sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts"));
+    const int first = file.indexOf("object_type: ");
+    const int end = file.indexOf("END_SLOT\n") + 9;
+    const QByteArray slot = file.mid(first, end - first);
+    QByteArrayList slotList;
+    for (int i = 0; i < 100000; ++i)
+        slotList.append(QByteArray(slot).replace("Outflow", "Flow" + QByteArray::number(i)));
+    const auto write = [&](const char* name) {
+        run.write(QLatin1String(name), file.left(first) + slotList.join() + "END_RUN\n");
+    };
+    write("a.hts");
+    slotList[5].replace("12", "13");
+    write("b.hts");
+    const QByteArray change = "run 1: Lake.Flow5: 1 of 12 values differ";
+    const QByteArray summary = "; 1 of 1200000 values differ, in 1 of 100000 slots\n";
+    const auto compare = [&run](const char* files, int limit) {
+        run.startShell(
+            QStringLiteral("ulimit -c 0; ulimit -v %1; exec \"$PROGRAM\" diff ").arg(limit) +
+            QLatin1String(files));
+    };
+    compare("a.hts b.hts", 65000);
+    QVERIFY2(run.output.contains(change) && run.errors.endsWith(summary), run.errors.constData());
+    std::swap(slotList[0], slotList[99999]);
+    write("b.hts");
+    compare("- b.hts < a.hts", 90000);
+    QVERIFY2(run.output.contains(change) && run.errors.endsWith(summary), run.errors.constData());
 }
 
 HTS_TEST(ToolMemoryTest, QCoreApplication)
