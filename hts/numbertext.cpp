@@ -182,9 +182,13 @@ Magnitude readRest(const char* text, std::uint64_t whole)
     int exponent = 0;
     if (*text == '.') {
         const std::uint64_t first = eightCharacters(++text);
-        const int count = digitsAtStart(first);
-        if (count == 8)
+        if (otherThanDigits(first) == 0)
             return readTwelveDecimals(text, first, whole);
+        // By branches: the numbers of a file have as many decimals, so that the processor knows
+        // where the next line begins before it has counted them.
+        int count = 0;
+        while (isDigit(text[count]))
+            ++count;
         if (count == 0)
             return {0.0, nullptr};
         number = whole * kPowersOfTen[count] + firstDigits(first, count);
@@ -196,10 +200,21 @@ Magnitude readRest(const char* text, std::uint64_t whole)
     return scaled(number, exponent, text);
 }
 
+// How many digits a text begins with, of which these are the first eight characters. A few are
+// counted by branches, which the processor predicts; more are computed, as branches on them would
+// be mispredicted for values of different size.
+int countWholeDigits(const char* text, std::uint64_t characters)
+{
+    constexpr int kFewDigits = 3;
+    int count = 0;
+    while (count <= kFewDigits && isDigit(text[count]))
+        ++count;
+    return count <= kFewDigits ? count : digitsAtStart(characters);
+}
+
 // Reads a number at the end of a line: up to eight whole digits, with twelve decimals or fewer than
-// eight, or with an exponent. Values of one column differ in the number of their digits, so the
-// place of the point is computed. Returns `first` for any other number, and for one in the last
-// bytes before `last`.
+// eight, or with an exponent. Returns `first` for any other number, and for one in the last bytes
+// before `last`.
 const char* readShortNumber(const char* first, const char* last, double& value)
 {
     constexpr std::ptrdiff_t kRoom = 1 + 8 + 1 + kDecimals + 1; // sign to line end
@@ -208,7 +223,7 @@ const char* readShortNumber(const char* first, const char* last, double& value)
     const bool isNegative = *first == '-';
     const char* text = first + (isNegative ? 1 : 0);
     const std::uint64_t characters = eightCharacters(text);
-    const int count = digitsAtStart(characters);
+    const int count = countWholeDigits(text, characters);
     if (count == 0)
         return first;
     const Magnitude magnitude = readRest(text + count, firstDigits(characters, count));
