@@ -56,6 +56,7 @@ public:
             m_missingWords.push_back(word.toStdString());
     }
 
+    void setLayout(CsvReader& reader);
     Status readRow(const CsvReader& reader);
     QString layoutText() const;
 
@@ -71,6 +72,20 @@ public:
 private:
     using Fields = std::vector<std::string_view>;
 
+    // Columns, and what they had in the row before.
+    struct KeyFields
+    {
+        std::vector<int> columns;
+        std::vector<std::string> texts;
+
+        void set(const Fields& fields)
+        {
+            texts.clear();
+            for (const int column : columns)
+                texts.emplace_back(fields[static_cast<std::size_t>(column)]);
+        }
+    };
+
     std::string_view field(const Fields& fields, ColumnRole role) const
     {
         const int column = layout.columnOf(role);
@@ -80,14 +95,15 @@ private:
     {
         return failureAt(m_line, column, layout.names, text);
     }
-    Status readLongRow(const Fields& fields);
+    Status readLongRow(const CsvReader& reader);
     Status readWideRow(const Fields& fields);
-    Status findRun(const Fields& fields);
-    Status findSlot(const Fields& fields);
+    bool isRepeated(const CsvReader& reader, const KeyFields& key) const;
+    Status findRun(const CsvReader& reader);
+    Status findSlot(const CsvReader& reader);
     Status addSlot(const Fields& fields);
     Status readScale(const Fields& fields, double& scale) const;
     Status findStep(const Fields& fields, qint64& step);
-    Status readValue(std::string_view text, int column, double& value);
+    Status readValue(std::string_view text, int column, const char* readableEnd, double& value);
     bool readNumber(std::string_view text, double& value);
     bool isMissing(std::string_view text) const;
     void addWideRun();
@@ -96,9 +112,10 @@ private:
     qint64 m_line = 0;
     std::string m_buffer;
     // What names the run and the slot of a row; of the row before, and where they are.
-    std::string m_key;
-    std::string m_runKey;
-    std::string m_slotKey;
+    KeyFields m_runFields;
+    KeyFields m_slotFields;
+    bool m_isSingle = false; // a slot of one value, by its lack of a time
+    int m_repeatedCount = 0; // columns before the first that differs in each row
     std::size_t m_run = kNone;
     std::size_t m_slot = kNone;
     std::size_t m_series = kNone; // of a wide table, of its first column
@@ -107,31 +124,65 @@ private:
     std::vector<std::vector<std::size_t>> m_seriesOfRuns; // by run and slot
 };
 
+// To be called when the layout is known.
+void CsvImport::Private::setLayout(CsvReader& reader)
+{
+    runs.setStep(layout.step);
+    const auto add = [this](KeyFields& key, ColumnRole role) {
+        if (layout.columnOf(role) >= 0)
+            key.columns.push_back(layout.columnOf(role));
+    };
+    for (const ColumnRole role : {ColumnRole::Run, ColumnRole::Trace})
+        add(m_runFields, role);
+    for (const ColumnRole role :
+         {ColumnRole::Object, ColumnRole::Slot, ColumnRole::ObjectType, ColumnRole::SlotType,
+          ColumnRole::Units, ColumnRole::Scale, ColumnRole::Method})
+        add(m_slotFields, role);
+    m_repeatedCount = *std::min_element(layout.timeColumns.begin(), layout.timeColumns.end());
+    if (layout.isLong)
+        m_repeatedCount = std::min(m_repeatedCount, layout.columnOf(ColumnRole::Value));
+    reader.setRepeatedFields(static_cast<std::size_t>(m_repeatedCount));
+}
+
 Status CsvImport::Private::readRow(const CsvReader& reader)
 {
     m_line = reader.lineNumber();
     const Fields& fields = reader.fields();
     Status status = checkSize(m_line, fields, layout.names);
     if (status.ok())
-        status = findRun(fields);
+        status = findRun(reader);
     if (!status.ok())
         return status;
-    return layout.isLong ? readLongRow(fields) : readWideRow(fields);
+    return layout.isLong ? readLongRow(reader) : readWideRow(fields);
+}
+
+// Whether the row has the same fields as the row before in the columns of the key.
+bool CsvImport::Private::isRepeated(const CsvReader& reader, const KeyFields& key) const
+{
+    if (key.texts.size() != key.columns.size())
+        return false; // the first row
+    for (std::size_t i = 0; i < key.columns.size(); ++i) {
+        const int column = key.columns[i];
+        const bool isKnown = reader.isRepeated() && column < m_repeatedCount;
+        if (!isKnown && reader.fields()[static_cast<std::size_t>(column)] != key.texts[i])
+            return false;
+    }
+    return true;
 }
 
 // Sets m_run to the run of a row.
-Status CsvImport::Private::findRun(const Fields& fields)
+Status CsvImport::Private::findRun(const CsvReader& reader)
 {
-    const std::string_view number = field(fields, ColumnRole::Run);
-    const std::string_view trace = field(fields, ColumnRole::Trace);
-    m_key.assign(number);
-    m_key += '\0';
-    m_key += trace;
-    if (m_run != kNone && m_key == m_runKey)
+    const Fields& fields = reader.fields();
+    if (m_run != kNone && isRepeated(reader, m_runFields))
         return {};
-    m_runKey = m_key;
-    m_slotKey.clear();
-    const auto [known, isNew] = m_runsByKey.try_emplace(m_key, m_runsByKey.size());
+    m_runFields.set(fields);
+    m_slot = kNone;
+    const std::string_view trace = field(fields, ColumnRole::Trace);
+    std::string key(field(fields, ColumnRole::Run));
+    key += '\0';
+    key += trace;
+    const auto [known, isNew] = m_runsByKey.try_emplace(key, m_runsByKey.size());
     m_run = known->second;
     if (isNew) {
         bool isNumber = true;
@@ -180,7 +231,8 @@ Status CsvImport::Private::readWideRow(const Fields& fields)
             return status;
         double value = 0.0;
         const int column = valueColumn.column;
-        status = readValue(fields[static_cast<std::size_t>(column)], column, value);
+        const std::string_view text = fields[static_cast<std::size_t>(column)];
+        status = readValue(text, column, text.data() + text.size(), value);
         if (!status.ok())
             return status;
         status = runs.addValue(series++, step, value);
@@ -190,14 +242,16 @@ Status CsvImport::Private::readWideRow(const Fields& fields)
     return status;
 }
 
-Status CsvImport::Private::readLongRow(const Fields& fields)
+Status CsvImport::Private::readLongRow(const CsvReader& reader)
 {
-    Status status = findSlot(fields);
+    const Fields& fields = reader.fields();
+    Status status = findSlot(reader);
     if (!status.ok())
         return status;
     const int column = layout.columnOf(ColumnRole::Value);
     double value = 0.0;
-    status = readValue(fields[static_cast<std::size_t>(column)], column, value);
+    status =
+        readValue(fields[static_cast<std::size_t>(column)], column, reader.readableEnd(), value);
     if (!status.ok())
         return status;
     if (!runs.slot(m_slot).isSeries()) {
@@ -213,23 +267,22 @@ Status CsvImport::Private::readLongRow(const Fields& fields)
 }
 
 // Sets m_slot and m_series to those of a row.
-Status CsvImport::Private::findSlot(const Fields& fields)
+Status CsvImport::Private::findSlot(const CsvReader& reader)
 {
-    m_key.clear();
-    for (const ColumnRole role :
-         {ColumnRole::Object, ColumnRole::Slot, ColumnRole::ObjectType, ColumnRole::SlotType,
-          ColumnRole::Units, ColumnRole::Scale, ColumnRole::Method}) {
-        m_key += field(fields, role);
-        m_key += '\0';
-    }
+    const Fields& fields = reader.fields();
     // A single value is known by its lack of a time, if nothing else says it.
-    const bool hasTypes = layout.columnOf(ColumnRole::SlotType) >= 0;
-    if (!hasTypes && layout.isExport && field(fields, ColumnRole::Time).empty())
-        m_key += '1';
-    if (m_key == m_slotKey)
+    const bool isSingle = layout.isExport && layout.columnOf(ColumnRole::SlotType) < 0 &&
+                          field(fields, ColumnRole::Time).empty();
+    if (m_slot != kNone && isSingle == m_isSingle && isRepeated(reader, m_slotFields))
         return {};
-    m_slotKey = m_key;
-    const auto [known, isNew] = m_slotsByKey.try_emplace(m_key, m_slotsByKey.size());
+    m_isSingle = isSingle;
+    m_slotFields.set(fields);
+    std::string key(isSingle ? "1" : "");
+    for (const int column : m_slotFields.columns) {
+        key += '\0';
+        key += stripped(fields[static_cast<std::size_t>(column)]);
+    }
+    const auto [known, isNew] = m_slotsByKey.try_emplace(key, m_slotsByKey.size());
     m_slot = known->second;
     if (isNew) {
         Status status = addSlot(fields);
@@ -284,7 +337,7 @@ Status CsvImport::Private::addSlot(const Fields& fields)
     if (slot.isTable())
         return failAt(layout.columnOf(ColumnRole::SlotType),
                       QStringLiteral("a slot of the type \"TableSlot\" has no values"));
-    if (!m_slotKey.empty() && m_slotKey.back() == '1')
+    if (m_isSingle)
         slot.slotType = QStringLiteral("ScalarSlot");
     double scale = 1.0;
     const Status status = readScale(fields, scale);
@@ -320,13 +373,15 @@ bool CsvImport::Private::readNumber(std::string_view text, double& value)
     return isNumberLine(text) && std::isfinite(value);
 }
 
-Status CsvImport::Private::readValue(std::string_view text, int column, double& value)
+// A number at the end of a line is read faster if what follows it may be read.
+Status CsvImport::Private::readValue(std::string_view text, int column, const char* readableEnd,
+                                     double& value)
 {
     ++valueCount;
     // Most are numbers without blanks around them.
     const char* const last = text.data() + text.size();
     if (m_missingWords.empty() && !layout.hasDecimalComma && !text.empty() &&
-        readPlainNumber(text.data(), last, value) == last)
+        readPlainNumber(text.data(), readableEnd, value) == last)
         return {};
     text = stripped(text);
     if (isMissing(text)) {
@@ -383,8 +438,8 @@ Status CsvImport::read(QIODevice& source)
     if (!status.ok())
         return status;
     m->hasLayout = true;
-    m->runs.setStep(m->layout.step);
     CsvReader reader(source, m->layout.form);
+    m->setLayout(reader);
     for (int i = 0; i < m->layout.headerLines; ++i)
         reader.next();
     while (reader.next()) {

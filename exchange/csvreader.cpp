@@ -1,10 +1,14 @@
 #include "exchange/csvreader.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 
 #include <QIODevice>
+#include <QtAlgorithms>
+
+#include "hts/eightdigits.h"
 
 namespace {
 
@@ -13,6 +17,36 @@ constexpr std::size_t kBlockSize = std::size_t(256) * 1024;
 bool isBlank(char c)
 {
     return c == ' ' || c == '\t';
+}
+
+// Not zero if one of the characters is zero; the lowest bit that is set belongs to the first.
+std::uint64_t zeros(std::uint64_t characters)
+{
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    return (characters - kOnes) & ~characters & (kOnes << 7);
+}
+
+// The first separator or line feed, or `end`.
+const char* fieldEnd(const char* next, const char* end, char separator)
+{
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    const std::uint64_t separators = kOnes * static_cast<unsigned char>(separator);
+    while (end - next >= 8) {
+        const std::uint64_t characters = eightCharacters(next);
+        const quint64 ends = zeros(characters ^ separators) | zeros(characters ^ (kOnes * '\n'));
+        if (ends != 0)
+            return next + qCountTrailingZeroBits(ends) / 8;
+        next += 8;
+    }
+    while (next != end && *next != separator && *next != '\n')
+        ++next;
+    return next;
+}
+
+// The same where a tab separates like a blank.
+const char* blankFieldEnd(const char* next, const char* end)
+{
+    return std::find_if(next, end, [](char c) { return isBlank(c) || c == '\n'; });
 }
 
 const char* skipBlanks(const char* first, const char* last)
@@ -122,6 +156,7 @@ bool CsvReader::readRow()
     const char* next = m_block.data() + m_next;
     const char* const end = m_block.data() + m_end;
     m_nextLine = m_lineNumber;
+    next = takeStart(next, end);
     End ended = End::Field;
     while (ended == End::Field)
         ended = readField(next, end);
@@ -135,8 +170,41 @@ bool CsvReader::readRow()
         return false;
     }
     ++m_nextLine;
+    if (m_repeatedCount > 0 && !m_isRepeated)
+        keepStart(m_block.data() + m_next);
     m_next = static_cast<std::size_t>(next - m_block.data());
     return true;
+}
+
+// Takes the fields that a row begins with from the row before, if they are the same. Returns where
+// to read on.
+const char* CsvReader::takeStart(const char* next, const char* end)
+{
+    const std::size_t size = m_start.size();
+    m_isRepeated = size > 0 && static_cast<std::size_t>(end - next) > size &&
+                   std::memcmp(next, m_start.data(), size) == 0;
+    if (!m_isRepeated)
+        return next;
+    for (const Part& part : m_startFields)
+        m_fields.emplace_back(next + part.at, part.size);
+    return next + size;
+}
+
+// Keeps the fields that the row at `first` begins with. Quotes may be changed later, and blanks
+// between fields are not theirs.
+void CsvReader::keepStart(const char* first)
+{
+    m_start.clear();
+    m_startFields.clear();
+    if (m_fields.size() <= m_repeatedCount || m_form.separator == ' ')
+        return;
+    const std::string_view last = m_fields[m_repeatedCount - 1];
+    m_start.assign(first, last.data() + last.size() + 1);
+    if (m_start.find('"') != std::string::npos)
+        m_start.clear();
+    for (std::size_t i = 0; i < m_repeatedCount; ++i)
+        m_startFields.push_back(
+            {static_cast<std::size_t>(m_fields[i].data() - first), m_fields[i].size()});
 }
 
 // Reads the field at `next`, and moves `next` after the separator or line end.
@@ -148,10 +216,7 @@ CsvReader::End CsvReader::readField(const char*& next, const char* end)
     if (next != end && *next == '"')
         return readQuoted(next, end);
     const char* const first = next;
-    const char separator = m_form.separator;
-    while (next != end && *next != separator && *next != '\n' &&
-           !(isBlankSeparated && *next == '\t'))
-        ++next;
+    next = isBlankSeparated ? blankFieldEnd(next, end) : fieldEnd(next, end, m_form.separator);
     if (next == end && !m_isLastBlock)
         return End::Missing;
     addField(first, next);

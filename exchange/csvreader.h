@@ -42,6 +42,13 @@ public:
     // The fields of the row, as they are in the table but for quotes: with blanks, and in any
     // encoding. Valid until the next call; a caller may write to what they view.
     const std::vector<std::string_view>& fields() const { return m_fields; }
+    // The bytes from a field up to here may be read, whatever they are.
+    const char* readableEnd() const { return m_block.data() + m_end; }
+    // Rows often begin with the same fields as the one before. So many fields are compared with
+    // those as a whole, which is several times as fast as to read them again.
+    void setRepeatedFields(std::size_t count) { m_repeatedCount = count; }
+    // Whether these are the same as in the row before; false if it is not certain.
+    bool isRepeated() const { return m_isRepeated; }
     // The line that the row begins on, counted from 1.
     qint64 lineNumber() const { return m_lineNumber; }
     qint64 commentLines() const { return m_commentLines; }
@@ -60,6 +67,8 @@ private:
     End readQuoted(const char*& next, const char* end);
     void addField(const char* first, const char* end);
     void undoubleQuotes();
+    const char* takeStart(const char* next, const char* end);
+    void keepStart(const char* first);
     bool fail(const char* pattern);
 
     QIODevice& m_device;
@@ -71,6 +80,16 @@ private:
     bool m_isLastBlock = false;
     std::vector<std::string_view> m_fields;
     std::vector<std::size_t> m_doubled; // indexes of the fields with doubled quotes
+    std::size_t m_repeatedCount = 0;
+    bool m_isRepeated = false;
+    // The text and the fields of the start of the last row that is not repeated.
+    std::string m_start;
+    struct Part
+    {
+        std::size_t at;
+        std::size_t size;
+    };
+    std::vector<Part> m_startFields;
     qint64 m_lineNumber = 0;
     qint64 m_nextLine = 1;
     qint64 m_commentLines = 0;

@@ -37,6 +37,24 @@ qint64 monthIndex(const QDate& date)
     return qint64(date.year()) * kMonthsPerYear + date.month() - 1;
 }
 
+bool isDate(int year, int month, int day)
+{
+    constexpr std::array<int, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool isLeap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+    return year >= 1 && month >= 1 && month <= kMonthsPerYear && day >= 1 &&
+           day <= kDays[static_cast<std::size_t>(month - 1)] + (month == 2 && isLeap ? 1 : 0);
+}
+
+// QDate::toJulianDay, which takes many times as long, for each time of a table.
+qint64 julianDay(int year, int month, int day)
+{
+    // Years from March on, from the year -4800, so that the leap day is the last of its year.
+    const int isBeforeMarch = month <= 2 ? 1 : 0;
+    const qint64 y = year + 4800 - isBeforeMarch;
+    const int m = month + kMonthsPerYear * isBeforeMarch - 3;
+    return day + (153 * m + 2) / 5 + 365 * y + y / 4 - y / 100 + y / 400 - 32045;
+}
+
 char* writeTwoDigits(char* out, qint64 number)
 {
     *out++ = static_cast<char>('0' + number / 10);
@@ -136,6 +154,8 @@ std::optional<TimePattern> TimePattern::fromText(const QString& text)
     };
     const bool isWhole = has(Year) && (has(Month) || !has(Day)) && (has(Day) || !has(Hour)) &&
                          (has(Hour) || !has(Minute)) && (has(Minute) || !has(Second));
+    for (const Item& item : pattern.m_items)
+        pattern.m_paddedSize += item.literal != 0 ? 1 : static_cast<std::size_t>(item.maxWidth);
     return isWhole ? std::optional<TimePattern>(pattern) : std::nullopt;
 }
 
@@ -165,15 +185,38 @@ const std::vector<TimePattern>& TimePattern::known()
     return kKnown;
 }
 
-std::optional<TimePattern::Time> TimePattern::read(std::string_view text) const
+// Reads a text in which all numbers have all their digits, as nearly all do. Returns whether it is
+// one.
+bool TimePattern::readPadded(std::string_view text, Values& values) const
 {
-    std::array<int, FieldCount> values = {0, 1, 1, 0, 0, 0};
+    if (text.size() != m_paddedSize)
+        return false;
+    bool isGood = true;
+    const char* next = text.data();
+    for (const Item& item : m_items) {
+        if (item.literal != 0) {
+            isGood = isGood && *next++ == item.literal;
+            continue;
+        }
+        int number = 0;
+        for (int i = 0; i < item.maxWidth; ++i) {
+            const int digit = *next++ - '0';
+            isGood = isGood && digit >= 0 && digit <= 9;
+            number = number * 10 + digit;
+        }
+        values[item.field] = number;
+    }
+    return isGood;
+}
+
+bool TimePattern::readAny(std::string_view text, Values& values) const
+{
     const char* next = text.data();
     const char* const end = next + text.size();
     for (const Item& item : m_items) {
         if (item.literal != 0) {
             if (next == end || *next != item.literal)
-                return {};
+                return false;
             ++next;
             while (item.literal == ' ' && next != end && *next == ' ')
                 ++next;
@@ -185,15 +228,26 @@ std::optional<TimePattern::Time> TimePattern::read(std::string_view text) const
              ++next, ++width)
             number = number * 10 + (*next - '0');
         if (width < item.minWidth)
-            return {};
+            return false;
         values[item.field] = number;
     }
+    return next == end;
+}
+
+std::optional<TimePattern::Time> TimePattern::read(std::string_view text) const
+{
+    constexpr Values kFirst = {0, 1, 1, 0, 0, 0};
+    Values values = kFirst;
+    if (!readPadded(text, values)) {
+        values = kFirst;
+        if (!readAny(text, values))
+            return {};
+    }
     const auto [year, month, day, hour, minute, second] = values;
-    const QDate date(year, month, day);
     const bool isHour24 = hour == 24 && minute == 0;
-    if (next != end || !date.isValid() || (hour > 23 && !isHour24) || minute > 59 || second != 0)
+    if (!isDate(year, month, day) || (hour > 23 && !isHour24) || minute > 59 || second != 0)
         return {};
-    return Time{date.toJulianDay() * kMinutesPerDay + hour * 60 + minute, isHour24};
+    return Time{julianDay(year, month, day) * kMinutesPerDay + hour * 60 + minute, isHour24};
 }
 
 TableStep::TableStep(std::size_t unitIndex, qint64 quantity) : m_unitIndex(unitIndex)

@@ -1,6 +1,7 @@
 #ifndef EXCHANGE_TABLETIME_H
 #define EXCHANGE_TABLETIME_H
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string_view>
@@ -59,10 +60,15 @@ private:
         int minWidth;
         int maxWidth;
     };
+    using Values = std::array<int, FieldCount>;
+
     bool addField(Field field, int width);
+    bool readPadded(std::string_view text, Values& values) const;
+    bool readAny(std::string_view text, Values& values) const;
 
     QString m_text;
     std::vector<Item> m_items;
+    std::size_t m_paddedSize = 0; // of a text with all digits
     Precision m_precision = Precision::Year;
     bool m_isCertain = false;
 };

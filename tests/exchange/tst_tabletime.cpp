@@ -37,6 +37,10 @@ void TableTimeTest::stampsAreThoseOfAFile()
     for (; time.date().year() < 9999; time = time.addSecs(qint64(50000003) * 60)) {
         const QString text = dateTimeToText(time);
         QCOMPARE(stampText(instantOf(qPrintable(text))), text);
+        const auto read =
+            TimePattern::fromText(QStringLiteral("YYYY-MM-DD hh:mm"))->read(text.toStdString());
+        QVERIFY(read);
+        QCOMPARE(read->instant, instantOf(qPrintable(text)));
     }
 }
 
