@@ -74,6 +74,8 @@ std::size_t ImportedRuns::addSeries(std::size_t run, std::size_t slot)
 Status ImportedRuns::findStep(std::size_t run, qint64 end, qint64& step)
 {
     Q_ASSERT(m_step.isKnown());
+    if (end < kFirstEnd || end > kLastEnd)
+        return failure(QStringLiteral("the step ends before the year 1 or after 9999"));
     std::optional<qint64>& origin = m_runs[run].origin;
     if (!origin) {
         if (m_step.isMonths() && m_step.moved(m_step.moved(end, 1), -1) != end)

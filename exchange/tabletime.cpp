@@ -147,16 +147,21 @@ std::optional<TimePattern> TimePattern::fromText(const QString& text)
             return {};
         pattern.m_items.push_back({c.toLatin1(), Year, 0, 0});
     }
-    const auto has = [&pattern](Field field) {
-        return std::any_of(
-            pattern.m_items.begin(), pattern.m_items.end(),
-            [field](const Item& item) { return item.literal == 0 && item.field == field; });
-    };
-    const bool isWhole = has(Year) && (has(Month) || !has(Day)) && (has(Day) || !has(Hour)) &&
-                         (has(Hour) || !has(Minute)) && (has(Minute) || !has(Second));
     for (const Item& item : pattern.m_items)
         pattern.m_paddedSize += item.literal != 0 ? 1 : static_cast<std::size_t>(item.maxWidth);
-    return isWhole ? std::optional<TimePattern>(pattern) : std::nullopt;
+    return pattern.isWhole() ? std::optional<TimePattern>(pattern) : std::nullopt;
+}
+
+// Whether there is a year, and with each field the one above it.
+bool TimePattern::isWhole() const
+{
+    const auto has = [this](Field field) {
+        return std::any_of(m_items.begin(), m_items.end(), [field](const Item& item) {
+            return item.literal == 0 && item.field == field;
+        });
+    };
+    return has(Year) && (has(Month) || !has(Day)) && (has(Day) || !has(Hour)) &&
+           (has(Hour) || !has(Minute)) && (has(Minute) || !has(Second));
 }
 
 const std::vector<TimePattern>& TimePattern::known()

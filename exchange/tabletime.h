@@ -13,6 +13,9 @@
 // Times of tables. Instants are minutes since Julian day 0, 0:00, and have no zone.
 
 constexpr qint64 kMinutesPerDay = 24 * 60;
+// The ends of steps, from 0001-1-1 24:00 to 9999-12-31 24:00.
+constexpr qint64 kFirstEnd = qint64(1721427) * kMinutesPerDay;
+constexpr qint64 kLastEnd = qint64(5373485) * kMinutesPerDay;
 
 // The text of an instant as in an HTS file: midnight is 24:00 of the day before. The same as
 // dateTimeToText(), many times as fast. Years are 1 to 9999. Writes to `out`, which has room for
@@ -63,6 +66,7 @@ private:
     using Values = std::array<int, FieldCount>;
 
     bool addField(Field field, int width);
+    bool isWhole() const;
     bool readPadded(std::string_view text, Values& values) const;
     bool readAny(std::string_view text, Values& values) const;
 

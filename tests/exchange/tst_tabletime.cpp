@@ -33,6 +33,8 @@ private Q_SLOTS:
 
 void TableTimeTest::stampsAreThoseOfAFile()
 {
+    QCOMPARE(stampText(kFirstEnd), QStringLiteral("0001-1-1 24:00"));
+    QCOMPARE(stampText(kLastEnd), QStringLiteral("9999-12-31 24:00"));
     QDateTime time(QDate(1, 1, 2), QTime(0, 0), Qt::UTC);
     for (; time.date().year() < 9999; time = time.addSecs(qint64(50000003) * 60)) {
         const QString text = dateTimeToText(time);

@@ -179,6 +179,9 @@ void ImportTest::wrongTablesAreRefused_data()
         "--fill --step minute --stamp end",
         "line 4, column 1 (\"date\"): 5258437919 steps are missing between 0001-1-2 24:00 and "
         "9999-1-1 24:00");
+    row("after 9999", "year;A.B [m]\n9998;1\n9999;1\n",
+        "--time year --step \"2 year\" --stamp begin",
+        "line 3, column 1 (\"year\"): the step ends before the year 1 or after 9999");
     row("no object", "date,value\n2000-01-01,1\n", "",
         "column 2 (\"value\"): the object is not known; --object names it, or --column \"value\" "
         "with = and Object.Slot [units]; --column also chooses columns");
