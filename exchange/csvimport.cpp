@@ -35,12 +35,13 @@ bool isNan(std::string_view text)
 QByteArray startOf(QIODevice& device)
 {
     QByteArray start;
-    auto size = start.size();
+    QByteArray more = device.peek(kStartSize);
     // A pipe gives what is available.
-    do {
-        size = start.size();
-        start = device.peek(kStartSize);
-    } while (start.size() > size && start.size() < kStartSize);
+    while (more.size() > start.size()) {
+        start = more;
+        if (start.size() < kStartSize)
+            more = device.peek(kStartSize);
+    }
     return start;
 }
 
@@ -217,7 +218,7 @@ Status CsvImport::Private::findStep(const Fields& fields, qint64& step)
     if (!time)
         return failAt(column, layout.badTimeText(text));
     const qint64 end = layout.endOf(time->instant);
-    const Status status = runs.findStep(m_run, end, step);
+    Status status = runs.findStep(m_run, end, step);
     return status.ok() ? status : failAt(column, status.message);
 }
 
@@ -340,7 +341,7 @@ Status CsvImport::Private::addSlot(const Fields& fields)
     if (m_isSingle)
         slot.slotType = QStringLiteral("ScalarSlot");
     double scale = 1.0;
-    const Status status = readScale(fields, scale);
+    Status status = readScale(fields, scale);
     slot.units = QStringList{units};
     slot.scales = {scale};
     slot.methods = QStringList{method};
@@ -423,7 +424,7 @@ QString CsvImport::Private::layoutText() const
              namesOf(layout.timeColumns), layout.pattern.text(), stamp);
 }
 
-CsvImport::CsvImport(const ImportOptions& options) : m(std::make_unique<Private>(options)) {}
+CsvImport::CsvImport(const ImportOptions& options) : m_data(std::make_unique<Private>(options)) {}
 
 CsvImport::~CsvImport() = default;
 
@@ -433,52 +434,53 @@ Status CsvImport::read(QIODevice& source)
     Status status;
     {
         const QByteArray start = startOf(source);
-        status = findLayout(start, start.size() < kStartSize, m->options, m->layout);
+        status = findLayout(start, start.size() < kStartSize, m_data->options, m_data->layout);
     }
     if (!status.ok())
         return status;
-    m->hasLayout = true;
-    CsvReader reader(source, m->layout.form);
-    m->setLayout(reader);
-    for (int i = 0; i < m->layout.headerLines; ++i)
+    m_data->hasLayout = true;
+    CsvReader reader(source, m_data->layout.form);
+    m_data->setLayout(reader);
+    for (int i = 0; i < m_data->layout.headerLines; ++i)
         reader.next();
     while (reader.next()) {
-        status = m->readRow(reader);
+        status = m_data->readRow(reader);
         if (!status.ok())
             return status;
     }
-    m->commentLines = reader.commentLines();
-    m->isRead = reader.status().ok();
-    return reader.status().ok() ? m->runs.finish() : reader.status();
+    m_data->commentLines = reader.commentLines();
+    m_data->isRead = reader.status().ok();
+    return reader.status().ok() ? m_data->runs.finish() : reader.status();
 }
 
 QStringList CsvImport::summary() const
 {
-    if (!m->hasLayout)
+    if (!m_data->hasLayout)
         return {};
-    QStringList lines{m->layoutText()};
-    if (m->commentLines > 0)
-        lines.append(QStringLiteral("lines of comment: %1").arg(m->commentLines));
-    lines += m->runs.summary();
-    if (m->isRead)
-        lines.append(QStringLiteral("values: %1, missing of them: %2")
-                         .arg(QString::number(m->valueCount), QString::number(m->missingCount)));
+    QStringList lines{m_data->layoutText()};
+    if (m_data->commentLines > 0)
+        lines.append(QStringLiteral("lines of comment: %1").arg(m_data->commentLines));
+    lines += m_data->runs.summary();
+    if (m_data->isRead)
+        lines.append(
+            QStringLiteral("values: %1, missing of them: %2")
+                .arg(QString::number(m_data->valueCount), QString::number(m_data->missingCount)));
     return lines;
 }
 
 QStringList CsvImport::missingSteps() const
 {
-    return m->runs.missingSteps();
+    return m_data->runs.missingSteps();
 }
 
 Status CsvImport::write(QIODevice& target)
 {
     HtsPackage package;
-    package.name = m->options.packageName;
-    package.createDate = m->options.createDate;
-    package.numberOfRuns = m->runs.runCount();
+    package.name = m_data->options.packageName;
+    package.createDate = m_data->options.createDate;
+    package.numberOfRuns = m_data->runs.runCount();
     LineWriter lines(target);
     writeKeywordLines(kPackageKeys, package, lines);
     lines << kEndPackagePreamble << '\n';
-    return m->runs.write(lines);
+    return m_data->runs.write(lines);
 }

@@ -42,7 +42,7 @@ public:
 
 private:
     class Private;
-    const std::unique_ptr<Private> m;
+    const std::unique_ptr<Private> m_data;
 };
 
 #endif // EXCHANGE_CSVIMPORT_H

@@ -301,7 +301,7 @@ Status ImportedRuns::writeSeries(std::size_t index, const Run& run, LineWriter& 
         lines << kMethodLine.key << slot.methods.value(0) << '\n';
     if (slot.isSeries())
         writeMissing(lines, series.first - run.first);
-    const Status status = m_spool.read(index, [&lines](const double* first, const double* last) {
+    Status status = m_spool.read(index, [&lines](const double* first, const double* last) {
         std::for_each(first, last, [&lines](double value) { writeValue(lines, value); });
     });
     if (slot.isSeries())

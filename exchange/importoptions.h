@@ -6,6 +6,7 @@
 #include <optional>
 
 #include <QDateTime>
+#include <QLatin1String>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -30,7 +31,7 @@ enum class ColumnRole {
 };
 constexpr std::size_t kColumnRoles = 13;
 // The header of the column in the tables of an export: "run", "object_type", ...
-const char* columnName(ColumnRole role);
+QLatin1String columnName(ColumnRole role);
 
 // Which instant of a step its time is.
 enum class Stamp { Begin, End };

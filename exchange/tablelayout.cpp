@@ -11,11 +11,14 @@
 #include "hts/linetext.h"
 #include "hts/quotedtext.h"
 
-const char* columnName(ColumnRole role)
+QLatin1String columnName(ColumnRole role)
 {
-    static const std::array<const char*, kColumnRoles> kNames = {
-        "run",   "trace",  "object", "slot",  "object_type", "slot_type", "units",
-        "scale", "method", "time",   "begin", "year",        "value"};
+    static const std::array<QLatin1String, kColumnRoles> kNames = {
+        QLatin1String("run"),   QLatin1String("trace"),       QLatin1String("object"),
+        QLatin1String("slot"),  QLatin1String("object_type"), QLatin1String("slot_type"),
+        QLatin1String("units"), QLatin1String("scale"),       QLatin1String("method"),
+        QLatin1String("time"),  QLatin1String("begin"),       QLatin1String("year"),
+        QLatin1String("value")};
     return kNames[static_cast<std::size_t>(role)];
 }
 
@@ -312,7 +315,7 @@ Status LayoutFinder::findColumn(const QString& name, int& column) const
 Status LayoutFinder::findRoles()
 {
     const auto isNamed = [this](ColumnRole role) {
-        return m_layout.names.contains(QLatin1String(columnName(role)));
+        return m_layout.names.contains(columnName(role));
     };
     const auto isTold = [this](ColumnRole role) {
         return !m_options.roleColumns[static_cast<std::size_t>(role)].isEmpty();
@@ -327,14 +330,14 @@ Status LayoutFinder::findRoles()
                               role == ColumnRole::Year;
         if (isTold(role) || (isNamed(role) && (m_layout.isLong || isOfWide))) {
             const QString name =
-                isTold(role) ? m_options.roleColumns[i] : QString(QLatin1String(columnName(role)));
-            const Status status = findColumn(name, columnOf(role));
+                isTold(role) ? m_options.roleColumns[i] : QString(columnName(role));
+            Status status = findColumn(name, columnOf(role));
             if (!status.ok())
                 return status;
             if (!m_layout.isLong && !isOfWide)
                 return failure(QStringLiteral("--as %1 is for a table with a column of values and "
                                               "one of their objects or slots")
-                                   .arg(QLatin1String(columnName(role))));
+                                   .arg(columnName(role)));
         }
     }
     const bool isUntold = std::all_of(m_options.roleColumns.begin(), m_options.roleColumns.end(),

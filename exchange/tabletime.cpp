@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <limits>
+#include <utility>
 
 #include <QDate>
 #include <QLatin1String>
@@ -92,7 +93,7 @@ char* writeStamp(char* out, qint64 instant)
 
 QString stampText(qint64 instant)
 {
-    char text[kMaxStampLength];
+    char text[kMaxStampLength + 1];
     return QString::fromLatin1(text, static_cast<int>(writeStamp(text, instant) - text));
 }
 
@@ -113,11 +114,7 @@ bool TimePattern::addField(Field field, int width)
 
 std::optional<TimePattern> TimePattern::fromText(const QString& text)
 {
-    struct Token
-    {
-        QLatin1String letters;
-        Field field;
-    };
+    using Token = std::pair<QLatin1String, Field>; // letters of the pattern
     static const std::array<Token, 9> kTokens = {{{QLatin1String("YYYY"), Year},
                                                   {QLatin1String("MM"), Month},
                                                   {QLatin1String("M"), Month},
@@ -133,11 +130,11 @@ std::optional<TimePattern> TimePattern::fromText(const QString& text)
         const QString rest = text.mid(i);
         const auto* token =
             std::find_if(kTokens.begin(), kTokens.end(),
-                         [&rest](const Token& known) { return rest.startsWith(known.letters); });
+                         [&rest](const Token& known) { return rest.startsWith(known.first); });
         if (token != kTokens.end()) {
-            if (!pattern.addField(token->field, static_cast<int>(token->letters.size())))
+            if (!pattern.addField(token->second, static_cast<int>(token->first.size())))
                 return {};
-            i += token->letters.size();
+            i += token->first.size();
             continue;
         }
         const QChar c = text.at(i++);
@@ -252,7 +249,8 @@ std::optional<TimePattern::Time> TimePattern::read(std::string_view text) const
     const bool isHour24 = hour == 24 && minute == 0;
     if (!isDate(year, month, day) || (hour > 23 && !isHour24) || minute > 59 || second != 0)
         return {};
-    return Time{julianDay(year, month, day) * kMinutesPerDay + hour * 60 + minute, isHour24};
+    return Time{julianDay(year, month, day) * kMinutesPerDay + qint64(hour) * 60 + minute,
+                isHour24};
 }
 
 TableStep::TableStep(std::size_t unitIndex, qint64 quantity) : m_unitIndex(unitIndex)

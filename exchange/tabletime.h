@@ -12,7 +12,7 @@
 
 // Times of tables. Instants are minutes since Julian day 0, 0:00, and have no zone.
 
-constexpr qint64 kMinutesPerDay = 24 * 60;
+constexpr qint64 kMinutesPerDay = 1440;
 // The ends of steps, from 0001-1-1 24:00 to 9999-12-31 24:00.
 constexpr qint64 kFirstEnd = qint64(1721427) * kMinutesPerDay;
 constexpr qint64 kLastEnd = qint64(5373485) * kMinutesPerDay;

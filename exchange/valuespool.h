@@ -44,7 +44,7 @@ public:
     Status read(std::size_t series, Use use)
     {
         for (const Block& block : m_blocks) {
-            const Status status = readPart(block, series);
+            Status status = readPart(block, series);
             if (!status.ok())
                 return status;
             if (!m_part.empty())

@@ -161,8 +161,8 @@ void addImport(const ImportOptions& options, QStringList& arguments)
         add(QStringLiteral("--column"), name);
     for (std::size_t i = 0; i < kColumnRoles; ++i) {
         if (!options.roleColumns[i].isEmpty())
-            add(QStringLiteral("--as"), QLatin1String(columnName(static_cast<ColumnRole>(i))) +
-                                            QLatin1Char('=') + options.roleColumns[i]);
+            add(QStringLiteral("--as"),
+                columnName(static_cast<ColumnRole>(i)) + QLatin1Char('=') + options.roleColumns[i]);
     }
     for (const auto& [option, text] :
          {std::pair<const char*, const QString&>{"--object", options.object},

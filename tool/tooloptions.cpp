@@ -531,8 +531,7 @@ QString readRoles(const QCommandLineParser& parser, ImportOptions& options)
         bool isKnown = false;
         for (std::size_t i = 0; i < kColumnRoles; ++i) {
             const auto role = static_cast<ColumnRole>(i);
-            if (word == QLatin1String(columnName(role)) && role != ColumnRole::Begin &&
-                role != ColumnRole::Year) {
+            if (word == columnName(role) && role != ColumnRole::Begin && role != ColumnRole::Year) {
                 options.roleColumns[i] = text.section(QLatin1Char('='), 1);
                 isKnown = !options.roleColumns[i].isEmpty();
             }
