@@ -18,7 +18,9 @@
 #include "gui/messageviewer.h"
 #include "gui/pathpaste.h"
 #include "gui/sourcecheck.h"
+#include "gui/sourcereport.h"
 #include "gui/warningbox.h"
+#include "report/filereport.h"
 #include "ui_annualizehtsdlg.h"
 #include "utils/checkedfile.h"
 #include "utils/envvars.h"
@@ -37,6 +39,7 @@ constexpr int kDecemberIndex = 11;
 
 const QLatin1String kHtsFilters("HTS Files (*.hts);;All Files (*)");
 const QLatin1String kAllFilter("All Files (*)");
+const QLatin1String kHtmlFilters("HTML Files (*.html);;All Files (*)");
 
 const QLatin1String kIncompleteTitle("Incomplete Information");
 const QLatin1String kInformationTitle("Information Error");
@@ -44,6 +47,7 @@ const QLatin1String kConfigurationTitle("Annualizer Configuration Error");
 const QLatin1String kConversionTitle("Annualize HTS Error");
 const QLatin1String kSuccessTitle("Annualize HTS");
 const QLatin1String kCheckTitle("Check HTS Error");
+const QLatin1String kReportTitle("HTS Report Error");
 
 const QLatin1String kIncomplete("Source, Result, or Control File name is not specified");
 const QLatin1String
@@ -53,6 +57,7 @@ const QLatin1String
 const QLatin1String
     kControlNotSubstituted("Method control file environment variables could not be substituted");
 const QLatin1String kNoSource("Source File name is not specified");
+const QLatin1String kNoControl("Method Control File name is not specified");
 const QLatin1String kSuccess("Annual HTS file successfully created!");
 
 // Shows the wait cursor until it is destroyed.
@@ -163,11 +168,15 @@ void AnnualizeHtsDlg::createDiagnosticsWindow()
     m_diagnostics = std::make_unique<UtilsNS::MessageViewer>(headerLabels, nullptr);
     m_diagnostics->setWindowTitle(QStringLiteral("HTS Annualizer Diagnostics"));
     m_diagnostics->connectWatcher();
-    m_diagnostics->addCheckMenu([this] {
-        const Failure failure = checkSource();
-        if (!failure.isNone())
-            showFailure(failure, m_diagnostics.get());
-    });
+    const auto showing = [this](Failure (AnnualizeHtsDlg::*function)()) {
+        return [this, function] {
+            const Failure failure = (this->*function)();
+            if (!failure.isNone())
+                showFailure(failure, m_diagnostics.get());
+        };
+    };
+    m_diagnostics->addCheckMenu(showing(&AnnualizeHtsDlg::checkSource),
+                                showing(&AnnualizeHtsDlg::saveReport));
     addHelpKey(m_diagnostics.get());
 }
 
@@ -267,25 +276,58 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::convert()
     return {kConversionTitle, status.message};
 }
 
-// Needs no result file, and a control file only for what is said about methods.
-AnnualizeHtsDlg::Failure AnnualizeHtsDlg::checkSource()
+// Without the result file.
+AnnualizeHtsDlg::Failure AnnualizeHtsDlg::readSourcePaths(ReportNames& names) const
 {
     const QString source = m_form->_sourceHtsLineEdit->text();
     const QString control = m_form->_methodControlLineEdit->text();
     if (source.isEmpty())
         return {kIncompleteTitle, kNoSource};
-    ReportNames names;
     if (!UtilsNS::substituteEnvVars(source, names.file).ok())
         return {kInformationTitle, kSourceNotSubstituted};
     if (!UtilsNS::substituteEnvVars(control, names.control).ok())
         return {kInformationTitle, kControlNotSubstituted};
+    return {};
+}
 
+// A control file is needed only for what is said about methods.
+AnnualizeHtsDlg::Failure AnnualizeHtsDlg::checkSource()
+{
+    ReportNames names;
+    const Failure failure = readSourcePaths(names);
+    if (!failure.isNone())
+        return failure;
     UtilsNS::CheckedFile file(names.file);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text | QIODevice::Unbuffered))
         return {kConfigurationTitle, file.errorString()};
     const WaitCursor waitCursor;
     const int endMonth = m_form->_endMonthComboBox->currentIndex() + 1;
     return {kCheckTitle, UtilsNS::checkSource(file, names, endMonth, *m_diagnostics).message};
+}
+
+AnnualizeHtsDlg::Failure AnnualizeHtsDlg::saveReport()
+{
+    ReportNames names;
+    const Failure failure = readSourcePaths(names);
+    if (!failure.isNone())
+        return failure;
+    if (names.control.isEmpty())
+        return {kIncompleteTitle, kNoControl};
+    const QFileInfo source(names.file);
+    const QString path = QFileDialog::getSaveFileName(
+        m_diagnostics.get(), tr("Save Report"),
+        source.path() + QLatin1Char('/') + source.completeBaseName() + QLatin1String(".html"),
+        kHtmlFilters);
+    if (path.isEmpty())
+        return {};
+    ReportRequest request;
+    request.controlPath = names.control;
+    request.endMonth = m_form->_endMonthComboBox->currentIndex() + 1;
+    request.program = QStringLiteral("HTS Annualizer %1.%2")
+                          .arg(QString::number(kMajorVersion), QString::number(kMinorVersion));
+    request.written = QDateTime::currentDateTimeUtc();
+    const WaitCursor waitCursor;
+    return {kReportTitle, UtilsNS::saveReport(names.file, request, path).message};
 }
 
 void AnnualizeHtsDlg::cancelButtonHandler(bool)

@@ -8,6 +8,7 @@
 
 class AnnualizeHts;
 class QLineEdit;
+struct ReportNames;
 
 QT_BEGIN_NAMESPACE
 namespace Ui {
@@ -63,7 +64,9 @@ private:
     Failure readPaths(Paths& paths) const;
     static void showFailure(const Failure& failure, QWidget* parent);
     Failure convert();
+    Failure readSourcePaths(ReportNames& names) const;
     Failure checkSource();
+    Failure saveReport();
 
     std::unique_ptr<Ui::AnnualizeHtsDlg> m_form;
     AnnualizeHts* m_engine;

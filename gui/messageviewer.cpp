@@ -172,15 +172,20 @@ void MessageViewer::createEditMenu()
     });
 }
 
-void MessageViewer::addCheckMenu(const std::function<void()>& checkSource)
+void MessageViewer::addCheckMenu(const std::function<void()>& checkSource,
+                                 const std::function<void()>& saveReport)
 {
     QMenu* menu = m_menuBar->addMenu(tr("&Check"));
-    const QAction* action = newAction(menu, tr("&Source File"), QString(), QVariant());
-    connect(action, &QAction::triggered, this, [checkSource] {
-        // Otherwise the open menu would stay on the screen during a long check.
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-        checkSource();
-    });
+    const auto add = [this, menu](const QString& text, const std::function<void()>& handler) {
+        const QAction* action = newAction(menu, text, QString(), QVariant());
+        connect(action, &QAction::triggered, this, [handler] {
+            // Otherwise the open menu would stay on the screen during a long check.
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+            handler();
+        });
+    };
+    add(tr("&Source File"), checkSource);
+    add(tr("&Report..."), saveReport);
 }
 
 void MessageViewer::connectWatcher()

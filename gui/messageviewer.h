@@ -47,8 +47,10 @@ public:
     // as a meta type before the first line.
     void connectWatcher();
 
-    // Adds the menu "Check", whose action "Source File" calls `checkSource`.
-    void addCheckMenu(const std::function<void()>& checkSource);
+    // Adds the menu "Check", whose action "Source File" calls `checkSource`, and "Report..."
+    // `saveReport`.
+    void addCheckMenu(const std::function<void()>& checkSource,
+                      const std::function<void()>& saveReport);
 
     // Appends a row. Does nothing unless there is one text for each column.
     void addMessage(QsLogging::Level level, const QStringList& texts);

@@ -12,6 +12,7 @@
 #include "tests/gui/mainwindow.h"
 #include "tests/gui/modalwindows.h"
 #include "tests/gui/monthlyexample.h"
+#include "tests/support/helprecorder.h"
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
@@ -71,10 +72,47 @@ private Q_SLOTS:
         QCOMPARE(menus.size(), 3);
         QCOMPARE(menus.at(2)->text(), QStringLiteral("&Check"));
         const QList<QAction*> actions = menus.at(2)->menu()->actions();
-        QCOMPARE(actions.size(), 1);
+        QCOMPARE(actions.size(), 2);
         QCOMPARE(actions.first()->text(), QStringLiteral("&Source File"));
-        QVERIFY(actions.first()->shortcut().isEmpty());
-        QVERIFY(actions.first()->isEnabled());
+        QCOMPARE(actions.last()->text(), QStringLiteral("&Report..."));
+        for (const QAction* action : actions) {
+            QVERIFY(action->shortcut().isEmpty());
+            QVERIFY(action->isEnabled());
+        }
+    }
+
+    void savesReportAndOpensIt()
+    {
+        const CheckFixture f;
+        const HelpRecorder recorder(f.folder.path());
+        const QString path = f.path("a report.html");
+        QVERIFY(actThrough([&f] { f.action("&Report...")->trigger(); }, {typePath(path)}));
+        const QByteArray page = readFile(path);
+        QVERIFY(page.startsWith("<!DOCTYPE html>") && page.endsWith("</html>\n"));
+        QVERIFY(page.contains("<dt>Years end with</dt><dd>December</dd>"));
+        QVERIFY(page.contains("</span> Converts</p>"));
+        QCOMPARE(page.count("<section class=\"slot\""), 2);
+        QTRY_VERIFY_WITH_TIMEOUT(recorder.hasOpened(), 60000);
+        const QByteArray opened = recorder.opened();
+        QVERIFY2(opened.startsWith("1|file:///") && opened.endsWith("/a%20report.html"), opened);
+    }
+
+    void reportIsNotSavedForNothing()
+    {
+        const CheckFixture f;
+        const auto trigger = [&f] { f.action("&Report...")->trigger(); };
+        QVERIFY(actThrough(trigger, {cancel()}));
+        const QString source = f.path("monthly.hts");
+        const QByteArray before = readFile(source);
+        Box box;
+        QVERIFY(actThrough(trigger, {typePath(source), click(QMessageBox::Yes), readBox(&box)}));
+        compareWarning(box, "HTS Report Error",
+                       QStringLiteral("The report is the source HTS file ") + source);
+        QCOMPARE(readFile(source), before);
+        f.lineEdit("_methodControlLineEdit")->clear();
+        QVERIFY(actThrough(trigger, {readBox(&box)}));
+        compareWarning(box, "Incomplete Information",
+                       QStringLiteral("Method Control File name is not specified"));
     }
 
     void showsReportAsRows_data()

@@ -541,6 +541,7 @@ private Q_SLOTS:
             QStringLiteral("HTS Files (*.hts)"),
             QStringLiteral("HTS Files (*.hts);;"),
             QStringLiteral("All Files (*)"),
+            QStringLiteral("HTML Files (*.html);;All Files (*)"),
             QStringLiteral("HTS Annualizer (v"),
             QStringLiteral("Save Diagnostic Output"),
             // of htstool alone
