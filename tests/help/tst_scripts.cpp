@@ -11,12 +11,12 @@
 
 namespace {
 
-// By their paths from the project's folder. Files "*.sh" are run by CTest; what the others that are
-// left out take is tested with what they do.
+// By their paths from the project's folder. Files "*.sh" are run by CTest, those of debian/ by
+// Debian's tools; what the others that are left out take is tested with what they do.
 QStringList scripts()
 {
     static const QRegularExpression leftOut(
-        QStringLiteral(R"(^(build|examples/(batch|plot)|bench/peers/annual_.*)$|\.sh$)"));
+        QStringLiteral(R"(^(build|debian|examples/(batch|plot)|bench/peers/annual_.*)$|\.sh$)"));
     QStringList found;
     QStringList folders = {QString()};
     while (!folders.isEmpty()) {

@@ -252,8 +252,11 @@ private Q_SLOTS:
         QVERIFY(readme.contains(
             QStringLiteral("| the package, and `htstool --version` | %1 |\n").arg(package)));
         for (const char* file :
-             {"htsannualizer_%1-1_amd64.deb", "htsannualizer-%1-Linux-x86_64.tar.gz"})
+             {"htsannualizer_%1-1_amd64.deb", "htsannualizer-gui_%1-1_amd64.deb",
+              "htsannualizer-%1-Linux-x86_64.tar.gz"})
             QVERIFY2(readme.contains(QString::fromLatin1(file).arg(package)), file);
+        QVERIFY(sourceText(QStringLiteral("debian/changelog"))
+                    .startsWith(QStringLiteral("htsannualizer (%1-1) ").arg(package)));
         // Tests of the window and of the command line know these by themselves.
         QVERIFY(readme.contains(QLatin1String("| the window, in its title | 1.1 |\n")));
         QVERIFY(readme.contains(QLatin1String("| the command line, `HtsAnnualizer -v` | 1.0 |\n")));
@@ -262,7 +265,7 @@ private Q_SLOTS:
     // README of the examples ends the source of a number with its licence.
     void copyrightHasTheLicencesOfTheData()
     {
-        const QString copyright = sourceText(QStringLiteral("packaging/debian/copyright.in"));
+        const QString copyright = sourceText(QStringLiteral("debian/copyright"));
         for (const char* licence : {"Open Government Licence - Canada", "CC BY"}) {
             QVERIFY2(
                 sourceText(QStringLiteral("examples/README.md")).contains(QLatin1String(licence)),
