@@ -473,6 +473,11 @@ QStringList CsvImport::missingSteps() const
     return m_data->runs.missingSteps();
 }
 
+bool CsvImport::hasFileFailed() const
+{
+    return m_data->runs.hasFileFailed();
+}
+
 Status CsvImport::write(QIODevice& target)
 {
     HtsPackage package;

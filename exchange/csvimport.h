@@ -36,6 +36,8 @@ public:
     QStringList summary() const;
     // The first places where steps are missing and were not filled.
     QStringList missingSteps() const;
+    // Whether a failure is one of the temporary file, and not of the table.
+    bool hasFileFailed() const;
     // Writes the HTS file, after read() succeeded. Fails if the temporary file cannot be read.
     // Whoever opened the target checks its error afterwards.
     Status write(QIODevice& target);

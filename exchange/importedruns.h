@@ -59,6 +59,9 @@ public:
     // Of the runs, slots and steps, a line each.
     QStringList summary() const;
 
+    // Whether a failure is one of the temporary file.
+    bool hasFileFailed() const { return m_spool.hasFailed(); }
+
     int runCount() const { return static_cast<int>(m_runs.size()); }
     // Writes the runs. Fails if the temporary file cannot be read.
     Status write(LineWriter& lines);

@@ -24,6 +24,17 @@ class ValueSpool::File : public QTemporaryFile
 public:
     using QTemporaryFile::QTemporaryFile;
     bool openUnbuffered() { return open(ReadWrite | Unbuffered); }
+    // After an incomplete write the rest is written once more, which shows the reason.
+    bool writeAll(const char* data, qint64 size)
+    {
+        qint64 count = 0;
+        for (qint64 written = 0; written < size; written += count) {
+            count = write(data + written, size - written);
+            if (count <= 0)
+                return false;
+        }
+        return true;
+    }
 };
 
 ValueSpool::ValueSpool(QString path) : m_path(std::move(path)) {}
@@ -67,7 +78,7 @@ void ValueSpool::flush()
     }
     const auto size = static_cast<qint64>(m_part.size()) * kValueSize;
     if (m_status.ok() &&
-        m_file->write(reinterpret_cast<const char*>(m_part.data()), size) != size) // NOLINT
+        !m_file->writeAll(reinterpret_cast<const char*>(m_part.data()), size)) // NOLINT
         m_status = fileFailure("the temporary file %1 cannot be written: %2", m_path,
                                m_file->errorString());
 }
@@ -75,12 +86,7 @@ void ValueSpool::flush()
 Status ValueSpool::finish()
 {
     m_part = {};
-    if (m_file == nullptr || !m_status.ok())
-        return m_status;
-    // A write that stored only a part may count as a success.
-    if (!m_file->flush() || m_file->size() != m_written * kValueSize)
-        m_status = fileFailure("the temporary file %1 cannot be written: %2", m_path,
-                               m_file->errorString());
+    Q_ASSERT(m_file == nullptr || !m_status.ok() || m_file->size() == m_written * kValueSize);
     return m_status;
 }
 
@@ -95,7 +101,7 @@ Status ValueSpool::readPart(const Block& block, std::size_t series)
     const auto size = static_cast<qint64>(m_part.size()) * kValueSize;
     if (!m_file->seek((block.position + start) * kValueSize) ||
         m_file->read(reinterpret_cast<char*>(m_part.data()), size) != size) // NOLINT
-        return fileFailure("the temporary file %1 cannot be read: %2", m_path,
-                           m_file->errorString());
-    return {};
+        m_status =
+            fileFailure("the temporary file %1 cannot be read: %2", m_path, m_file->errorString());
+    return m_status;
 }

@@ -38,6 +38,8 @@ public:
     // Call it after the last value, before read(). Fails if the temporary file could not be
     // written.
     Status finish();
+    // Whether the temporary file could not be made, written or read.
+    bool hasFailed() const { return !m_status.ok(); }
     // Calls use(const double* first, const double* last) for the values of a series, in pieces and
     // in their order. Fails if the temporary file cannot be read.
     template<typename Use>

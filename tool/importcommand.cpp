@@ -53,7 +53,7 @@ int runImport(const ToolOptions& options, const ToolIo& io)
         return ExitCode::kUnusable;
     if (!status.ok()) {
         reportProblem(path, status.message + QLatin1String("; nothing is imported"), io);
-        return ExitCode::kErrors;
+        return import.hasFileFailed() ? ExitCode::kUnusable : ExitCode::kErrors;
     }
     return output.finish() ? ExitCode::kNoWorseThanNotes : ExitCode::kUnusable;
 }

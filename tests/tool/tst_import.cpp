@@ -39,6 +39,19 @@ QByteArray days(const QByteArray& values)
     return table;
 }
 
+// Prints a table with 64 slots and as many rows.
+const QString kManyValues = QStringLiteral(R"sh(
+    awk 'BEGIN {
+        header = "time"
+        for (i = 0; i < 64; ++i) {
+            header = header ",A.S" i " [m]"
+            values = values "," i
+        }
+        print header
+        for (i = 0; i < %1; ++i)
+            print strftime("%Y-%m-%dT%H:%M", i * 60, 1) values
+    }' | )sh");
+
 class ImportRun : public ToolRun
 {
 public:
@@ -70,6 +83,9 @@ private Q_SLOTS:
     void manyValuesComeBack();
     void readsPipesAndWritesThem();
     void failureLeavesTheFileAsItWas();
+    void failuresOfFilesAreReported_data();
+    void failuresOfFilesAreReported();
+    void memoryDoesNotGrowWithTheValues();
 };
 
 // A case has four parts: arguments, table, what is shown, and the file.
@@ -371,7 +387,7 @@ void ImportTest::readsPipesAndWritesThem()
 {
     ImportRun run;
     const QByteArray table = days("1 2 3");
-    run.start(words("import -o - -"), table);
+    run.start(words("import --stamp end -o - -"), table);
     const QByteArray file = run.output;
     QVERIFY2(file.startsWith("name:import\n"), run.errors.constData());
     QVERIFY(run.errors.startsWith("-: wide table"));
@@ -393,6 +409,47 @@ void ImportTest::failureLeavesTheFileAsItWas()
     QCOMPARE(run.read(QStringLiteral("table.csv")), days("1 x"));
     run.start(words("import none.csv -o out.hts"));
     QCOMPARE(run.ended(), QByteArray("htstool: none.csv: No such file or directory\nexit 3"));
+}
+
+void ImportTest::failuresOfFilesAreReported_data()
+{
+    addColumns<const char*, const char*>("command", "error");
+    addRows<const char*, const char*>({
+        {"output", "\"$PROGRAM\" import --stamp end -o /dev/full -",
+         "/dev/full: No space left on device"},
+        {"output folder", "\"$PROGRAM\" import --stamp end -o none/out.hts -",
+         "none/out.hts: No such file or directory"},
+        {"full temporary file",
+         "(trap '' XFSZ; ulimit -f 2000; \"$PROGRAM\" import --stamp end -o - -)",
+         "-: the temporary file $TMPDIR/htstool.XXXXXX.tmp cannot be written: File too large; "
+         "nothing is imported"},
+    });
+}
+
+void ImportTest::failuresOfFilesAreReported()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, error);
+    ImportRun run;
+    run.environment.insert(QStringLiteral("TMPDIR"), run.path(QStringLiteral(".")));
+    error.replace(QLatin1String("$TMPDIR"), run.path(QStringLiteral(".")).chopped(2));
+    run.startShell(kManyValues.arg(20000) + command);
+    QCOMPARE(QString::fromUtf8(run.errors.trimmed().split('\n').last()),
+             QString(QStringLiteral("htstool: ") + error));
+    QCOMPARE(run.exitCode, 3);
+    QCOMPARE(run.files().join(QLatin1Char(0x7c)), QString());
+    QCOMPARE(run.output, QByteArray());
+}
+
+void ImportTest::memoryDoesNotGrowWithTheValues()
+{
+    ImportRun run;
+    run.startShell(
+        kManyValues.arg(200000) +
+        QStringLiteral(
+            "{ ulimit -c 0; ulimit -v 100000; \"$PROGRAM\" import --stamp end -o a.hts -; }"));
+    QVERIFY2(run.errors.endsWith("values: 12800000, missing of them: 0\n"), run.errors.constData());
+    QCOMPARE(run.files(), QStringList{QStringLiteral("a.hts")});
 }
 
 HTS_TEST(ImportTest, QCoreApplication)
