@@ -173,3 +173,13 @@ build_with_benchmarks() {
     fi
     build_preset release
 }
+
+# install_node_modules FOLDER: what bench/peers/package.json names, into FOLDER/node_modules; again when it
+# has changed.
+install_node_modules() {
+    cmp -s bench/peers/package-lock.json "$1/installed.json" && return
+    mkdir -p "$1"
+    cp bench/peers/package.json bench/peers/package-lock.json "$1"
+    quietly "Installing polars and DuckDB in $1" npm ci --prefix "$1"
+    cp bench/peers/package-lock.json "$1/installed.json"
+}

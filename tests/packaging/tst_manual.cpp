@@ -251,9 +251,8 @@ private Q_SLOTS:
         const QString readme = sourceText(QStringLiteral("README.md"));
         QVERIFY(readme.contains(
             QStringLiteral("| the package, and `htstool --version` | %1 |\n").arg(package)));
-        for (const char* file :
-             {"htsannualizer_%1-1_amd64.deb", "htsannualizer-gui_%1-1_amd64.deb",
-              "htsannualizer-%1-Linux-x86_64.tar.gz"})
+        for (const char* file : {"htsannualizer_%1-1_amd64.deb", "htsannualizer-gui_%1-1_amd64.deb",
+                                 "htsannualizer-%1-Linux-x86_64.tar.gz"})
             QVERIFY2(readme.contains(QString::fromLatin1(file).arg(package)), file);
         QVERIFY(sourceText(QStringLiteral("debian/changelog"))
                     .startsWith(QStringLiteral("htsannualizer (%1-1) ").arg(package)));
