@@ -107,7 +107,8 @@ private:
     ContentWidths m_widths;
     int m_scrollMaximum = 0;     // of the vertical scroll bar, at the last change of its range
     bool m_isShowingDue = false; // widths and scroll position are not updated yet for new rows
-    QTimer m_showingTimer; // runs until due rows are shown, then for the pause before the next time
+    QTimer m_showingTimer{
+        this}; // runs until due rows are shown, then for the pause before the next time
 };
 
 } // namespace UtilsNS

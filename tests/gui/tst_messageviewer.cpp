@@ -574,6 +574,15 @@ private Q_SLOTS:
         QTRY_VERIFY(f.isLastRowInView());
     }
 
+    void doesNothingWhenAllRowsAreShown()
+    {
+        ViewerFixture f;
+        const auto* timer = f.viewer.findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
+        f.addLines(400);
+        QVERIFY(timer->isActive());
+        QTRY_VERIFY(!timer->isActive());
+    }
+
     void resizingKeepsTheLastRow()
     {
         ViewerFixture f;

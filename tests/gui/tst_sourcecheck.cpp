@@ -1,5 +1,7 @@
 // The menu "Check" of the diagnostics window.
 
+#include <new>
+
 #include <QAction>
 #include <QApplication>
 #include <QFile>
@@ -9,12 +11,16 @@
 #include <QtTest>
 
 #include "QsLog.h"
+#include "check/reportlines.h"
+#include "gui/messageviewer.h"
+#include "gui/sourcecheck.h"
 #include "tests/gui/mainwindow.h"
 #include "tests/gui/modalwindows.h"
 #include "tests/gui/monthlyexample.h"
 #include "tests/support/helprecorder.h"
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
+#include "utils/checkedfile.h"
 
 namespace {
 
@@ -56,6 +62,12 @@ struct CheckFixture : MainWindow
         }
         return rows;
     }
+};
+
+class FileForWhichMemoryLacks : public UtilsNS::CheckedFile
+{
+protected:
+    qint64 readData(char* /*data*/, qint64 /*maxSize*/) override { throw std::bad_alloc(); }
 };
 
 } // namespace
@@ -265,6 +277,20 @@ private Q_SLOTS:
             QTRY_COMPARE(f.rows(), QStringList(QStringLiteral("r ERROR %1 ").arg(text)));
             QVERIFY(QDir::setCurrent(QDir::tempPath())); // the folder can be removed
         }
+    }
+
+    void reportsThatMemoryLacks()
+    {
+        const MainWindow window;
+        const QString path = window.path("any.hts");
+        writeFile(path, "x");
+        FileForWhichMemoryLacks file;
+        file.setFileName(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        MessageViewer viewer({QString()}, nullptr);
+        const ReportNames names{path, QString()};
+        QCOMPARE(UtilsNS::checkSource(file, names, 12, viewer).message,
+                 QStringLiteral("Not enough memory"));
     }
 };
 

@@ -62,7 +62,6 @@ private Q_SLOTS:
     void isShownAfterASecondAndFiveTimesASecond();
     void nothingIsShownWithoutALine();
     void isWipedBeforeOutput();
-    void isShownOnATerminalOnly_data();
     void isShownOnATerminalOnly();
     void interruptWipes();
 };
@@ -200,51 +199,52 @@ void ProgressTest::isWipedBeforeOutput()
 
 namespace {
 
-// Feeds the file through a pipe that stops for more than a second after the first lines, from when
-// the program has opened it. Under script(1) all standard streams are a terminal.
-const QString kSlowly =
-    QStringLiteral("mkfifo p; { head -3 a.hts; sleep 1.1; tail -n +4 a.hts; } > p & ");
-
 const QByteArray kShown = "\rhtstool: 0 MiB\033[K";
 const QByteArray kWipe = "\r\033[K";
 
 } // namespace
 
-void ProgressTest::isShownOnATerminalOnly_data()
+// All at once, as each takes more than a second: the file comes through a pipe that stops after the
+// first lines, from when the program has opened it. Under script(1) all standard streams are a
+// terminal.
+void ProgressTest::isShownOnATerminalOnly()
 {
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QByteArray>("output");
     const QByteArray summary = "p: 0 errors, 0 warnings, 0 notes\r\n";
     const struct
     {
-        const char* name;
         const char* command;
         QByteArray output;
     } rows[] = {
-        {"check", "TERM=xterm script -qec '$PROGRAM check p' /dev/null", kShown + kWipe + summary},
-        {"several", "TERM=xterm script -qec '$PROGRAM check p none' /dev/null",
+        {"TERM=xterm script -qec '$PROGRAM check p' /dev/null", kShown + kWipe + summary},
+        {"TERM=xterm script -qec '$PROGRAM check p none' /dev/null",
          "\rhtstool: 0 MiB, p\033[K" + kWipe + summary +
              "htstool: none: No such file or directory\r\n"},
-        {"export", "TERM=xterm script -qec '$PROGRAM export p -o p.csv' /dev/null", kShown + kWipe},
-        {"export to a pipe", "TERM=xterm script -qec '$PROGRAM export p -o - > p.csv' /dev/null",
-         kShown + kWipe},
-        {"error", "TERM=xterm script -qec '$PROGRAM export p -r 3 -o p.csv' /dev/null",
+        {"TERM=xterm script -qec '$PROGRAM export p -o p.csv' /dev/null", kShown + kWipe},
+        {"TERM=xterm script -qec '$PROGRAM export p -o - > p.csv' /dev/null", kShown + kWipe},
+        {"TERM=xterm script -qec '$PROGRAM export p -r 3 -o p.csv' /dev/null",
          kShown + kWipe + "htstool: p: The file has 1 runs; nothing is exported\r\n"},
-        {"dumb", "TERM=dumb script -qec '$PROGRAM check p' /dev/null", summary},
-        {"errors to a file", "TERM=xterm script -qec '$PROGRAM check p 2> e' /dev/null", ""},
-        {"no terminal", "$PROGRAM check p 2>&1", QByteArray(summary).replace("\r", "")},
+        {"TERM=dumb script -qec '$PROGRAM check p' /dev/null", summary},
+        {"TERM=xterm script -qec '$PROGRAM check p 2> e' /dev/null", ""},
+        {"$PROGRAM check p 2>&1", QByteArray(summary).replace("\r", "")},
     };
-    for (const auto& row : rows)
-        QTest::newRow(row.name) << QString::fromLatin1(row.command) << row.output;
-}
-
-void ProgressTest::isShownOnATerminalOnly()
-{
-    QFETCH(QString, command);
     ToolRun run;
     writeCleanFile(run);
-    run.startShell(kSlowly + command);
-    QTEST(run.output, "output");
+    QString commands = QStringLiteral("exec 3<&0; ");
+    QByteArray outputs;
+    for (const auto& row : rows) {
+        commands +=
+            QStringLiteral("(mkdir %2 && cd %2 && mkfifo p && "
+                           "{ { head -3 ../a.hts; sleep 1.1; tail -n +4 ../a.hts; } > p & } && "
+                           "%1) <&3 > %2.out & ")
+                .arg(QLatin1String(row.command), QString::number(&row - rows));
+        outputs += row.command + ("\n" + row.output) + '\n';
+    }
+    commands += QStringLiteral("wait");
+    run.startShell(commands);
+    QByteArray shown;
+    for (const auto& row : rows)
+        shown += row.command + ("\n" + run.read(QStringLiteral("%1.out").arg(&row - rows))) + '\n';
+    QCOMPARE(shown, outputs);
 }
 
 // The interrupt is typed when the line is shown, and the pipe stays open.
