@@ -15,10 +15,10 @@
 
 namespace {
 
-constexpr int kTop = 24; // of the plot
+constexpr int kTop = 34; // of the plot
 constexpr int kPlotHeight = 180;
 constexpr int kScale = 4; // paths have so many units for one of the chart, vertically
-constexpr int kHeight = 246;
+constexpr int kHeight = 256;
 constexpr int kRight = ChartFrame::kLeft + kChartColumns;
 
 int xOf(double place)

@@ -2,6 +2,7 @@
 // as such are tested in tests/report.
 
 #include <QCryptographicHash>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QtTest>
 
@@ -46,6 +47,7 @@ class ReportTest : public QObject
 
 private Q_SLOTS:
     void pageIsBesideTheInput();
+    void isValidHtml();
     void pipeGivesTheSamePage();
     void endsWith_data();
     void endsWith();
@@ -64,6 +66,19 @@ void ReportTest::pageIsBesideTheInput()
         QVERIFY2(page.contains(part), part.constData());
     run.start(words("report a.hts -c c.txt -y 9 -o -"));
     QCOMPARE(run.output, page);
+}
+
+void ReportTest::isValidHtml()
+{
+    ReportRun run;
+    run.start(words("report a.hts -c c.txt -y 9"));
+    QProcess tidy;
+    tidy.setStandardInputFile(run.path(QStringLiteral("a.html")));
+    tidy.start(QStringLiteral("tidy"), words("-errors -quiet -utf8 --doctype html5"));
+    QVERIFY2(tidy.waitForStarted(), "tidy is missing; install the package tidy");
+    QVERIFY(tidy.waitForFinished());
+    QCOMPARE(QString::fromUtf8(tidy.readAllStandardError()), QString());
+    QCOMPARE(tidy.exitCode(), 0);
 }
 
 void ReportTest::pipeGivesTheSamePage()

@@ -19,6 +19,8 @@ private Q_SLOTS:
     void manyLines_data();
     void manyLines();
     void manyRules();
+    void manyPages_data();
+    void manyPages();
     void manyValuesAndSlots();
 };
 
@@ -186,6 +188,37 @@ void ToolMemoryTest::manyValuesAndSlots()
     write("b.hts");
     compare("- b.hts < a.hts", 90000);
     QVERIFY2(run.output.contains(change) && run.errors.endsWith(summary), run.errors.constData());
+}
+
+void ToolMemoryTest::manyPages_data()
+{
+    addColumns<const char*, int, int>("arguments", "slotCount", "shown");
+    addRows<const char*, int, int>({{"first 200", "", 2000, 200},
+                                    {"all", "--all-slots", 1000, 1000},
+                                    {"one", "--slots *.Flow1", 1000, 1}});
+}
+
+// A page takes 24 MiB and 30 KB for each slot that it shows, beside what the program maps anyway.
+void ToolMemoryTest::manyPages()
+{
+    constexpr int kMapped = 48000; // KiB of the program and its libraries, of which little is used
+    QFETCH(QString, arguments);
+    QFETCH(int, slotCount);
+    QFETCH(int, shown);
+    ToolRun run;
+    const QByteArray file = sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts"));
+    const int first = file.indexOf("object_type: ");
+    const int end = file.indexOf("END_SLOT\n") + 9;
+    QByteArray slotList;
+    for (int i = 0; i < slotCount; ++i)
+        slotList += file.mid(first, end - first).replace("Outflow", "Flow" + QByteArray::number(i));
+    run.write(QStringLiteral("a.hts"), file.left(first) + slotList + "END_RUN\n");
+    run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
+    run.startShell(QStringLiteral("set -f; ulimit -c 0; ulimit -v %1; "
+                                  "exec \"$PROGRAM\" report a.hts -c c.txt -o a.html %2")
+                       .arg(QString::number(kMapped + 24 * 1024 + 30 * shown), arguments));
+    QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 0 warnings, 0 notes\n"));
+    QCOMPARE(run.read(QStringLiteral("a.html")).count("<section class=\"slot\""), shown);
 }
 
 HTS_TEST(ToolMemoryTest, QCoreApplication)
