@@ -7,11 +7,31 @@
 #include "hts/htskeys.h"
 #include "hts/htspackage.h"
 #include "hts/linetext.h"
+#include "hts/shareifequal.h"
 
 namespace {
 
 const QLatin1String kBadSlotPreamble("Cannot read slot preamble");
 const QLatin1String kBadColumnHeader("Cannot read HTS file: Missing units or scale");
+
+bool isSame(double a, double b)
+{
+    return isSameNumber(a, b);
+}
+
+bool isSame(const QString& a, const QString& b)
+{
+    return a == b;
+}
+
+// A list of `value` alone. Slots mostly have the same as the slot before, `last`, and share it.
+template<typename List, typename Value>
+List repeatedList(List& last, const Value& value)
+{
+    if (last.isEmpty() || !isSame(last.constFirst(), value))
+        last = List{value};
+    return last;
+}
 
 } // namespace
 
@@ -103,9 +123,9 @@ Status HtsReader::readSlot(HtsSlot& slot, TableRows tableRows)
     QString method;
     status = readColumnHeader(units, scale, method);
     if (status.ok()) {
-        slot.units.append(units);
-        slot.scales.append(scale);
-        slot.methods.append(method);
+        slot.units = repeatedList(m_units, units);
+        slot.scales = repeatedList(m_scales, scale);
+        slot.methods = repeatedList(m_methods, method);
     }
     return status;
 }
@@ -148,7 +168,7 @@ Status HtsReader::readColumnHeader(QString& units, double& scale, QString& metho
     if (!takeHeaderKey(line, kScaleLine) || !hasUnits)
         return failure(kBadColumnHeader);
     units = unitsText;
-    scale = toText(line).toDouble();
+    scale = m_scaleText.of(line).toDouble();
     // Any line that begins with this letter is taken for the method line, even a value line. The
     // key is not checked: as many characters as it has are removed from the line.
     if (m_lines.nextByteIs('m')) {

@@ -5,7 +5,9 @@
 #include <string_view>
 #include <vector>
 
+#include <QList>
 #include <QString>
+#include <QStringList>
 #include <QtGlobal>
 
 #include "hts/linereader.h"
@@ -153,6 +155,11 @@ private:
     LineReader m_lines;
     std::array<RepeatedText, 6> m_slotTexts; // one for each keyword of a slot
     RepeatedText m_unitsText;
+    RepeatedText m_scaleText;
+    // The column header of the last slot.
+    QStringList m_units;
+    QList<double> m_scales;
+    QStringList m_methods;
     std::vector<Observer*> m_observers;
 };
 

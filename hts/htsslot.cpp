@@ -1,21 +1,9 @@
 #include "hts/htsslot.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "hts/htsrun.h"
 #include "hts/shareifequal.h"
-
-namespace {
-
-// By bytes: -0 is another number than 0, and a NaN the same as itself.
-bool isSameNumber(double a, double b)
-{
-    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
-} // namespace
 
 bool HtsSlot::isSeries() const
 {
