@@ -18,14 +18,19 @@ protected:
 };
 
 // The rows as "LINE: field|field", then the failure if there is one.
-QString readAll(QIODevice& device, const CsvReader::Form& form)
+QString readAll(QIODevice& device, const CsvReader::Form& form, int repeatedCount = 0)
 {
     CsvReader reader(device, form);
+    reader.setRepeatedFields(static_cast<std::size_t>(repeatedCount));
     QStringList rows;
+    QStringList fields;
     while (reader.next()) {
-        QStringList fields;
+        const QStringList before = fields.mid(0, repeatedCount);
+        fields.clear();
         for (const std::string_view field : reader.fields())
             fields.append(QString::fromUtf8(field.data(), static_cast<int>(field.size())));
+        if (reader.isRepeated() && fields.mid(0, repeatedCount) != before)
+            rows.append(QStringLiteral("not repeated:"));
         rows.append(QString::number(reader.lineNumber()) + QLatin1String(": ") +
                     fields.join(QLatin1Char('|')));
     }
@@ -75,6 +80,10 @@ void CsvReaderTest::readsRows_data()
         {"other separators", ";", "a,b;c\n;\n", "1: a,b|c\n2: |"},
         {"tabs", "\t", "a\t b\n\t\n \n", "1: a| b\n2: |"},
         {"runs of blanks", " ", "  a  b\tc \r\nd \"e f\" \n g\n", "1: a|b|c\n2: d|e f\n3: g"},
+        {"repeated", ",", "a,b,1\na,b,2\na,b,\nab,b,3\na,b\na,b,4,\n\na,b,5\n",
+         "1: a|b|1\n2: a|b|2\n3: a|b|\n4: ab|b|3\n5: a|b\n6: a|b|4|\n8: a|b|5"},
+        {"repeated quotes", ",", "\"a\",b,1\n\"a\",b,2\n\"a\n\",b,3\n\"a\n\",b,4\n",
+         "1: a|b|1\n2: a|b|2\n3: a\n|b|3\n5: a\n|b|4"},
         {"open quote", ",", "a,\"b\n", kOpen},
         {"doubled at the end", ",", "a,\"b\"\"", kOpen},
         {"text after", ",", "a,\"b\"c\n", kAfter},
@@ -96,6 +105,10 @@ void CsvReaderTest::readsRows()
     slow.setData(text);
     slow.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     QTEST(readAll(slow, readForm), "rows");
+    for (int count = 1; count < 4; ++count) {
+        device.seek(0);
+        QTEST(readAll(device, readForm, count), "rows");
+    }
 }
 
 void CsvReaderTest::rowsMayBeLongerThanABlock()
