@@ -1,5 +1,7 @@
 #include "report/svgpath.h"
 
+#include <QString>
+
 namespace {
 
 // A number after another: a sign separates them as well as a blank.

@@ -1,5 +1,6 @@
 #include "report/yearsection.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "annualize/months.h"

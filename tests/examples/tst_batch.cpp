@@ -136,6 +136,28 @@ private Q_SLOTS:
         QCOMPARE(exitCodes, (QMap<QByteArray, QByteArray>{{"1", "0"}, {"2", "1"}, {"3", "0"}}));
     }
 
+    void reportsHaveAnIndex()
+    {
+        Batch batch;
+        batch.addInput(QStringLiteral("a & <b>%1.hts"));
+        batch.addInput(QStringLiteral("bad.hts"), kBadFile);
+        batch.startShell(QStringLiteral("\"$BATCH/report-all\" in c.txt out"));
+        QCOMPARE(batch.output, QByteArray("out/index.html: 1 of 2 files convert\n"));
+        QCOMPARE(batch.errors, QByteArray());
+        QCOMPARE(batch.exitCode, 1);
+        const QByteArray index = batch.result(QStringLiteral("index.html"));
+        const QByteArray rows =
+            "<tr><th scope=\"row\"><a href=\"a%20%26%20%3Cb%3E%251.hts.html\">a &amp; "
+            "&lt;b&gt;%1.hts</a>"
+            "</th><td>converts</td><td>0 errors, 0 warnings, 1 note</td></tr>\n"
+            "<tr><th scope=\"row\"><a href=\"bad.hts.html\">bad.hts</a></th><td>conversion fails: "
+            "&quot;Cannot read package preamble&quot;</td><td>1 error, 0 warnings, 0 "
+            "notes</td></tr>\n";
+        QVERIFY2(index.contains("<tbody>\n" + rows + "</tbody>"), index);
+        for (const char* name : {"a & <b>%1.hts.html", "bad.hts.html"})
+            QVERIFY(batch.result(QString::fromLatin1(name)).startsWith("<!DOCTYPE html>"));
+    }
+
     void wrongFoldersAndMethodsAreRefused_data() { addRecipes(); }
 
     void wrongFoldersAndMethodsAreRefused()
