@@ -184,6 +184,31 @@ QVector<QStringList> exportedRows(const fuzz::ToolCase& files, const QStringList
     return CsvReader(result.readAll()).rows();
 }
 
+// Columns that are asked for leave the others as they are.
+void checkAdded(const QVector<QStringList>& rows, const QVector<QStringList>& longerRows)
+{
+    constexpr int kColumns = 7;
+    constexpr int kAdded = 4;
+    fuzz::require(rows.size() == longerRows.size(), QStringLiteral("other rows with more columns"));
+    for (int i = 0; i < rows.size(); ++i)
+        fuzz::require(longerRows.at(i).mid(0, kColumns) == rows.at(i) &&
+                          longerRows.at(i).size() == kColumns + kAdded,
+                      QStringLiteral("another row with more columns"));
+}
+
+// No text begins as a formula does, unless it is a number.
+void requireNoFormula(const QVector<QStringList>& rows)
+{
+    for (const QStringList& row : rows) {
+        for (const QString& cell : row) {
+            bool isNumber = false;
+            cell.toDouble(&isNumber);
+            const bool isFormula = !cell.isEmpty() && QStringLiteral("=+-@").contains(cell.at(0));
+            fuzz::require(isNumber || !isFormula, QStringLiteral("a formula: ") + cell);
+        }
+    }
+}
+
 } // namespace
 
 FUZZ_TARGET(csv)
@@ -192,6 +217,10 @@ FUZZ_TARGET(csv)
     const QVector<QStringList> rows = exportedRows(files, {});
     const QVector<QStringList> wideRows =
         exportedRows(files, {QStringLiteral("--wide"), QStringLiteral("--run=1")});
+    exportedRows(files, {QStringLiteral("--tables")});
+    checkAdded(rows, exportedRows(files, {QStringLiteral("--columns"),
+                                          QStringLiteral("scale,method,begin,year")}));
+    requireNoFormula(exportedRows(files, {QStringLiteral("--safe")}));
 
     QBuffer device;
     device.setData(files.hts());
