@@ -162,6 +162,12 @@ void RunCheckTest::findsInLaterRuns_data()
         {QStringLiteral("60: run-values: run 2 has a slot of another kind in the place of "
                         "Lake.Flow") +
          kSizesDiffer});
+    row("a timestep more, which the next run does not have",
+        fileOf({run, kRun + "2001-1-31 24:00\n" + scalar("Flow"), run}),
+        {QStringLiteral("46: step-count: time_steps: announces 12 timesteps, and 13 follow"),
+         QStringLiteral("60: run-values: run 2 has a slot of another kind in the place of "
+                        "Lake.Flow") +
+             kSizesDiffer});
     row("series for a scalar", fileOf({run + scalar("Area"), run + series("Area")}), {});
     row("another start, and a slot fewer",
         fileOf({run + series("Level"), QByteArray(run).replace("start:2000", "start:1999")}),
