@@ -60,6 +60,7 @@ void ValueCompareTest::numbersAreEqualWithinTheTolerance()
         {{0, 1.5}, -kMax, kMax, true},
         {{0, 1}, -kMax, kMax / 2, true}, // their difference is out of range
         {{1, 0.5}, 100, 60, true},
+        {{1, 0.5}, 100, 49.5, false}, // not the sum of both
         {{50, 0.1}, 100, 60, true},
         {{1, 0.1}, 100, 60, false},
     };
