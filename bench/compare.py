@@ -315,7 +315,7 @@ def main():
         "days, Windows line ends": lambda: whole_process(bench, "days, Windows line ends", 12, 1.0),
         "days, numbers": lambda: [row for what, aim in NUMBERS.items() for row in
                                   whole_process(bench, f"days, {what}", 12, aim)[1:2]],
-        "many slots": lambda: whole_process(bench, "many slots", 8, 1.7),
+        "many slots": lambda: whole_process(bench, "many slots", 8, 1.2),
         "many runs": lambda: whole_process(bench, "many runs", 12, 1.15),
         "check, days": lambda: checking(bench, "days"),
         "check, many slots": lambda: checking(bench, "many slots"),
