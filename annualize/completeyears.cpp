@@ -112,7 +112,7 @@ void setAnnualTiming(const HtsRun& run, const CompleteYears& years, HtsRun& annu
     annualRun.end = textToDateTime(years.timesteps.last());
     annualRun.timeStepUnit = kYearUnit;
     annualRun.unitQuantity = 1;
-    annualRun.timeStepCount = years.timesteps.size();
+    annualRun.timeStepCount = years.count();
     annualRun.consecutive = run.consecutive;
     annualRun.slotSet = run.slotSet;
     annualRun.ruleSet = run.ruleSet;

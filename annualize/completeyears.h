@@ -24,7 +24,7 @@ struct CompleteYears
     // One number for each timestep; fewer after a failure.
     ValueMap valueMap;
 
-    int count() const { return status.ok() ? timesteps.size() : 0; }
+    int count() const { return status.ok() ? static_cast<int>(timesteps.size()) : 0; }
 
     // How far the search got, for the log.
     bool isSearched = false; // false if it failed before the first timestep

@@ -112,7 +112,7 @@ void Conversion::planSlot(const HtsSlot& slot)
     if (!plan.isAnnualized())
         return;
     ++m_annualizedCount;
-    m_annualizedEnd = m_plans.size();
+    m_annualizedEnd = static_cast<int>(m_plans.size());
     if (isJudging())
         return;
     HtsSlot annualSlot = plan.annualSlot(slot);
@@ -183,7 +183,7 @@ Status Conversion::report() const
     // Not even looked for if nobody listens: it is the product of two numbers of the file.
     const bool isLogged = QsLogging::Logger::instance().loggingLevel() <= QsLogging::InfoLevel;
     for (int r = 0; isLogged && r < wholeRuns; ++r)
-        logSkippedSlots(m_plans.size());
+        logSkippedSlots(static_cast<int>(m_plans.size()));
     if (hasFailed) {
         logCompleteYears(m_failure.years, m_endMonth);
         logSkippedSlots(m_failure.slot);

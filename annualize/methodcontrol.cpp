@@ -185,14 +185,14 @@ void MethodControl::fillBuckets()
         RuleId& bucket = m_buckets[bucketOf(object, slot)];
         if (bucket == kNoRule)
             bucket = rule;
-        rule = m_rules.size() - static_cast<int>(rest.size());
+        rule = m_rules.size() - static_cast<RuleId>(rest.size());
     }
 }
 
 // m_rules from the names of that rule on.
 std::string_view MethodControl::namesAt(RuleId rule) const
 {
-    const int start = rule + 1; // after the method
+    const RuleId start = rule + 1; // after the method
     return {m_rules.constData() + start, static_cast<std::size_t>(m_rules.size() - start)};
 }
 

@@ -37,8 +37,9 @@ std::string_view methodWordOf(std::string_view line);
 // Colon not found in line".
 QString ruleFaultText(RuleFault fault);
 
-// A rule of a MethodControl. Rules are in the order of the file: an earlier one is less.
-using RuleId = int;
+// A rule of a MethodControl, which is its position in m_rules. Rules are in the order of the file:
+// an earlier one is less.
+using RuleId = QByteArray::size_type;
 constexpr RuleId kNoRule = std::numeric_limits<RuleId>::max();
 
 // The rules of a method control file: which aggregation method each slot gets. A rule is a line

@@ -76,7 +76,7 @@ bool isUtf16(const QByteArray& block)
     int nuls[2] = {0, 0};
     for (int i = 0; i < block.size(); ++i)
         nuls[i % 2] += block.at(i) == '\0' ? 1 : 0;
-    const int half = block.size() / 2;
+    const int half = static_cast<int>(block.size()) / 2;
     const int most = half - half / 10;
     return half > 1 && std::max(nuls[0], nuls[1]) >= most &&
            std::min(nuls[0], nuls[1]) <= half / 10;
@@ -84,7 +84,7 @@ bool isUtf16(const QByteArray& block)
 
 bool isSeparatedBy(char separator, const QByteArrayList& lines)
 {
-    const int count = lines.first().count(separator);
+    const auto count = lines.first().count(separator);
     return count > 0 && lines.size() > 1 &&
            std::all_of(lines.begin(), lines.end(),
                        [&](const QByteArray& line) { return line.count(separator) == count; });
@@ -131,8 +131,8 @@ bool isHtsLine(const QByteArray& line)
 QByteArrayList linesOf(const QByteArray& block)
 {
     QByteArrayList lines;
-    const int lastEnd = block.size() < kBlockSize ? -1 : block.lastIndexOf('\n');
-    const int end = lastEnd < 0 ? block.size() : lastEnd;
+    const auto lastEnd = block.size() < kBlockSize ? -1 : block.lastIndexOf('\n');
+    const auto end = lastEnd < 0 ? block.size() : lastEnd;
     for (const QByteArray& line : block.left(end).split('\n')) {
         const std::string_view bytes =
             stripped({line.constData(), static_cast<std::size_t>(line.size())});
@@ -175,7 +175,7 @@ QByteArray firstBlockOf(QIODevice& device)
     const bool isTextMode = device.isTextModeEnabled();
     device.setTextModeEnabled(false);
     QByteArray block;
-    int size = 0;
+    auto size = block.size();
     // A pipe gives what is available.
     do {
         size = block.size();

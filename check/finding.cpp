@@ -40,7 +40,7 @@ const FindingKind* findFindingKind(const QString& code)
 const FindingKind* nearestFindingKind(const QString& code)
 {
     const FindingKind* nearest = nullptr;
-    int limit = code.size() / 2;
+    int limit = static_cast<int>(code.size()) / 2;
     for (const Topic* topic : findingTopics()) {
         for (const FindingKind* kind : topic->kinds) {
             const int distance =

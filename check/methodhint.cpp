@@ -67,7 +67,7 @@ const AggMethod* methodMeant(const QString& text)
     QString letters = lettersOf(text);
     if (const AggMethod* method = nearestMethod(letters); method != nullptr)
         return method;
-    const int size = letters.size();
+    const auto size = letters.size();
     letters.remove(QLatin1String("nan"));
     for (const Synonym& synonym : synonyms()) {
         const bool isLong = synonym.word.size() > 4;

@@ -11,7 +11,7 @@ namespace {
 int limitFor(const QString& wanted)
 {
     constexpr int kMaxDistance = 4;
-    return std::min(kMaxDistance, wanted.size() / 2);
+    return static_cast<int>(std::min<qint64>(kMaxDistance, wanted.size() / 2));
 }
 
 // A name that differs in letter case only is the nearest. `limit` + 1 if it is more than that.

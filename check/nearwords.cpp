@@ -45,14 +45,14 @@ bool isCutOrWithoutColon(const QString& word, const QString& key)
 int editDistance(const QString& a, const QString& b, int limit)
 {
     const int over = limit + 1;
-    const int size = b.size();
+    const auto size = b.size();
     if (std::abs(a.size() - size) > limit)
         return over;
     // Three rows of the usual table: distances between the first i characters of `a` and each
     // beginning of `b`, and those of the two rows before. Only the cells that are at most `limit`
     // beside the diagonal can be within the limit; the next one on either side counts as over it.
     std::vector<int> row(static_cast<std::size_t>(size) + 1, over);
-    for (int j = 0; j <= std::min(size, limit); ++j)
+    for (int j = 0; j <= std::min<qint64>(size, limit); ++j)
         row[static_cast<std::size_t>(j)] = j;
     std::vector<int> before = row;
     std::vector<int> twoBefore = row;
@@ -60,7 +60,7 @@ int editDistance(const QString& a, const QString& b, int limit)
         twoBefore.swap(before);
         before.swap(row);
         const auto first = static_cast<std::size_t>(std::max(i - limit, 1));
-        const auto last = static_cast<std::size_t>(std::min(i + limit, size));
+        const auto last = static_cast<std::size_t>(std::min<qint64>(i + limit, size));
         row[first - 1] = i <= limit ? i : over;
         int least = row[first - 1];
         for (std::size_t j = first; j <= last; ++j) {

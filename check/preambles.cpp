@@ -185,8 +185,8 @@ void PreambleCheck::noteKey(QLatin1String key, std::string_view value)
     const PreambleLines::Line* before = m_context.lines.note(key, value, number);
     if (before != nullptr && before->value != value && m_context.recovery.isInSync())
         add(kRepeatedKey, number, "\"%1\" occurs %2; %3 counts, not %4 of line %5", keyName(key),
-            before->isRepeated ? "once more" : "twice", quoted(value), quoted(before->value),
-            before->number);
+            before->isRepeated ? "once more" : "twice", quoted(value),
+            quoted(std::string_view(before->value)), before->number);
 }
 
 void PreambleCheck::keywordLine(const HtsKeyword& keyword, std::string_view value)

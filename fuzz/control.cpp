@@ -39,7 +39,7 @@ QString trimmed(const QString& text)
         return c.unicode() < 128 && std::isspace(c.unicode()) != 0;
     };
     int first = 0;
-    int last = text.size();
+    int last = static_cast<int>(text.size());
     while (first < last && isSpace(text.at(first)))
         ++first;
     while (last > first && isSpace(text.at(last - 1)))
@@ -59,7 +59,7 @@ QString canonicalWord(const QString& given)
 // Appends the rule that `line` is and returns an empty text, or returns what is wrong with it.
 QString takeRule(const QString& line, QVector<Rule>& rules)
 {
-    const int colon = line.lastIndexOf(QLatin1Char(':'));
+    const auto colon = line.lastIndexOf(QLatin1Char(':'));
     if (colon < 0)
         return QStringLiteral("Colon not found");
     const QString given = trimmed(line.mid(colon + 1));
@@ -68,7 +68,7 @@ QString takeRule(const QString& line, QVector<Rule>& rules)
     const QString word = canonicalWord(given);
     if (word.isEmpty())
         return QStringLiteral("Unknown method specified");
-    const int dot = line.indexOf(QLatin1Char('.'));
+    const auto dot = line.indexOf(QLatin1Char('.'));
     if (dot < 0)
         return QStringLiteral("Dot separator not found");
     const QString slot = trimmed(line.mid(dot + 1, colon - dot - 1));
@@ -118,8 +118,7 @@ QVector<HtsSlot> slotsFor(const QVector<Rule>& rules)
         makeSlot(QStringLiteral("Reach"), QStringLiteral("Lake A"), QStringLiteral("Outflow.Max")),
         makeSlot(QString(), QString(), QString()),
         makeSlot(QStringLiteral("*"), QStringLiteral("*"), QStringLiteral("*"))};
-    const int count = std::min(rules.size(), 12);
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < std::min<qint64>(rules.size(), 12); ++i) {
         const Rule& rule = rules.at(i);
         const Rule& next = rules.at((i + 1) % rules.size());
         result.append(makeSlot(QStringLiteral("Reservoir"), rule.object, rule.slot));

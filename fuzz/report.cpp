@@ -52,7 +52,7 @@ bool hasControlCharacter(const QString& text)
 }
 
 // Removes the first `count` lines, which are all of the file.
-void takeLines(QString& text, int count, const QString& file)
+void takeLines(QString& text, qint64 count, const QString& file)
 {
     const QString start = file + QLatin1String(": ");
     for (; count > 0; --count) {

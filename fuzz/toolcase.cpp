@@ -49,15 +49,15 @@ ToolCase::ToolCase(const QByteArray& input)
 {
     ensureApplication();
     const QByteArray separator = "\n====\n";
-    const int first = input.indexOf(separator);
-    const int second = first < 0 ? -1 : input.indexOf(separator, first + separator.size());
+    const auto first = input.indexOf(separator);
+    const auto second = first < 0 ? -1 : input.indexOf(separator, first + separator.size());
     m_name = fileNameOf(first < 0 ? QByteArray() : input.left(first));
     if (second >= 0) {
-        const int start = first + separator.size();
+        const auto start = first + separator.size();
         m_hasControl = true;
         writeFile(controlPath(), input.mid(start, second - start));
     }
-    const int last = second >= 0 ? second : first;
+    const auto last = second >= 0 ? second : first;
     m_hts = last < 0 ? input : input.mid(last + separator.size());
     writeFile(htsPath(), m_hts);
 }

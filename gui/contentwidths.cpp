@@ -46,7 +46,7 @@ bool ContentWidths::isLongest(int row)
 {
     bool isLongest = false;
     for (int column = 0; column < m_lengths.size(); ++column) {
-        const int length = m_tree->topLevelItem(row)->text(column).size();
+        const auto length = static_cast<int>(m_tree->topLevelItem(row)->text(column).size());
         isLongest = isLongest || length > m_lengths.at(column);
         m_lengths[column] = qMax(m_lengths.at(column), length);
     }

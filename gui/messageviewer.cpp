@@ -62,7 +62,7 @@ QPalette lightPalette()
 QTreeWidget* createTree(const QStringList& headerLabels, QWidget* parent)
 {
     auto* tree = new QTreeWidget(parent);
-    tree->setColumnCount(headerLabels.size());
+    tree->setColumnCount(static_cast<int>(headerLabels.size()));
     tree->setHeaderLabels(headerLabels);
     tree->setPalette(lightPalette());
     tree->resizeColumnToContents(0);

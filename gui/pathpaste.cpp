@@ -108,11 +108,11 @@ void PathPaste::takeChange(const QString& text)
 bool PathPaste::isInserted(const QString& pasted, const QString& before) const
 {
     const int end = m_lineEdit->cursorPosition();
-    const int begin = end - pasted.size();
-    const int tail = m_text.size() - end;
+    const auto begin = end - pasted.size();
+    const auto tail = m_text.size() - end;
     return begin >= 0 && begin + tail <= before.size() &&
-           m_text.midRef(begin, pasted.size()) == pasted &&
-           before.startsWith(m_text.leftRef(begin)) && before.endsWith(m_text.rightRef(tail));
+           m_text.mid(begin, pasted.size()) == pasted && before.startsWith(m_text.left(begin)) &&
+           before.endsWith(m_text.right(tail));
 }
 
 } // namespace UtilsNS

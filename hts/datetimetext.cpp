@@ -58,7 +58,7 @@ template<typename Digits>
 int takeNumber(const QString& text, const Field& field, int& position)
 {
     const int begin = position;
-    const int end = std::min(begin + field.maxWidth, text.size());
+    const int end = static_cast<int>(std::min<qint64>(begin + field.maxWidth, text.size()));
     if (position < end && Digits::isSign(text.at(position)))
         ++position;
     const int firstDigit = position;

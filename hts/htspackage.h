@@ -59,7 +59,7 @@ struct HtsPackage
     // numberOfRuns (below zero counts as none).
     void copyPreamble(const HtsPackage& other);
 
-    int numSlots() const { return slots.size(); }
+    int numSlots() const { return static_cast<int>(slots.size()); }
     // Resizes `slots`, and the slot dimension of `values` in every run; below zero counts as none.
     void setNumSlots(int count);
 

@@ -58,14 +58,14 @@ Status substituteEnvVars(const QString& text, QString& result)
     result = text;
     int position = 0;
     for (QString reference; !(reference = findReference(result, position)).isEmpty();) {
-        int length = reference.size();
+        int length = static_cast<int>(reference.size());
         const QString name = nameIn(reference);
         const QString value = QString::fromLatin1(environmentValue(name.toLocal8Bit()));
         if (value.isEmpty()) {
             undefined.append(name);
         } else {
             result.replace(position, length, value);
-            length = value.size();
+            length = static_cast<int>(value.size());
         }
         position += length; // references in a value are not replaced
     }

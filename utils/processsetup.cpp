@@ -5,6 +5,10 @@
 #include <new>
 
 #include <QByteArray>
+#include <QtGlobal>
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+#include <QTextCodec>
+#endif
 
 namespace {
 
@@ -27,6 +31,18 @@ int noMemoryExitCode = EXIT_FAILURE;
 } // namespace
 
 namespace UtilsNS {
+
+bool setTextEncoding(const QByteArray& name)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    QTextCodec* const codec = QTextCodec::codecForName(name);
+    if (codec != nullptr || name.isEmpty())
+        QTextCodec::setCodecForLocale(codec);
+    return codec != nullptr;
+#else
+    return name == "UTF-8";
+#endif
+}
 
 QString argumentText(const char* argument, Encoding encoding)
 {

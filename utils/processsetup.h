@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include <QByteArray>
 #include <QString>
 
 namespace UtilsNS {
@@ -21,6 +22,11 @@ void openStandardStreams(MissingStream missing);
 // To be called after the application object is created. Under a C or POSIX locale, which the jobs
 // of a scheduler have, texts and file names are UTF-8. Does nothing on Windows.
 void chooseTextEncoding();
+
+// Gives texts and file names that encoding, or with an empty name the one of the system. Returns
+// false, and changes nothing, for one that the toolkit lacks. Qt 6 has UTF-8 and no other on Unix,
+// in any locale.
+bool setTextEncoding(const QByteArray& name);
 
 enum class Encoding { Utf8, OfLocale };
 

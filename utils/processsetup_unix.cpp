@@ -1,5 +1,4 @@
 #include <QByteArray>
-#include <QTextCodec>
 
 #include <fcntl.h>
 #include <langinfo.h>
@@ -27,8 +26,7 @@ void chooseTextEncoding()
     // was created, so it is set in any case.
     const QByteArray encoding = nl_langinfo(CODESET);
     const bool isAscii = encoding == "ANSI_X3.4-1968" || encoding == "US-ASCII";
-    if (QTextCodec* codec = QTextCodec::codecForName(isAscii ? "UTF-8" : encoding))
-        QTextCodec::setCodecForLocale(codec);
+    setTextEncoding(isAscii ? "UTF-8" : encoding);
 }
 
 void useBinaryMode(std::FILE* /*stream*/) {}

@@ -42,7 +42,7 @@ public:
     explicit Chance(quint32 seed) : m_random(seed) {}
 
     // 0 to limit - 1.
-    int below(int limit) { return static_cast<int>(m_random() % static_cast<quint32>(limit)); }
+    int below(qint64 limit) { return static_cast<int>(m_random() % static_cast<quint32>(limit)); }
     bool oneIn(int chances) { return below(chances) == 0; }
 
 private:

@@ -31,7 +31,7 @@ private:
         QByteArray kind;
     };
 
-    int below(int limit) { return static_cast<int>(m_random() % static_cast<quint32>(limit)); }
+    int below(qint64 limit) { return static_cast<int>(m_random() % static_cast<quint32>(limit)); }
     bool oneIn(int chances) { return below(chances) == 0; }
     QByteArray pick(const QByteArrayList& texts) { return texts.at(below(texts.size())); }
 

@@ -322,7 +322,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, input);
         convert(input, "*.*: Sum");
         QTEST(m_message, "message");
-        QTEST(m_log.size(), "logLines");
+        QTEST(static_cast<int>(m_log.size()), "logLines");
         QCOMPARE(m_result, QByteArray());
     }
 

@@ -50,7 +50,7 @@ QByteArray fileOf(const Settings& settings, const QStringList& steps)
     const auto setting = [&settings](const char* name, const QString& usual) {
         return settings.value(QLatin1String(name), usual);
     };
-    const auto number = [&setting](const char* name, int usual) {
+    const auto number = [&setting](const char* name, qint64 usual) {
         return setting(name, QString::number(usual)).toInt();
     };
     const QString announced = setting("announced", QString::number(steps.size()));

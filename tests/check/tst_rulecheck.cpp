@@ -124,7 +124,7 @@ void RuleCheckTest::findsInRules_data()
         const QString name = text.section(QLatin1Char('\n'), 0, 0);
         const int end = text.indexOf(QLatin1String("\n--"), name.size());
         QTest::newRow(qPrintable(name))
-            << name.left(std::max(name.indexOf(QLatin1Char(':')), 0)).toUtf8()
+            << name.left(std::max<qint64>(name.indexOf(QLatin1Char(':')), 0)).toUtf8()
             << text.mid(name.size() + 1, end - name.size()).toUtf8()
             << text.mid(end + 3).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     }

@@ -11,7 +11,6 @@
 #include <QPointer>
 #include <QScopeGuard>
 #include <QScrollBar>
-#include <QTextCodec>
 #include <QThread>
 #include <QTreeWidget>
 #include <QtTest>
@@ -27,6 +26,7 @@
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 #include "utils/messagewatcher.h"
+#include "utils/processsetup.h"
 
 using UtilsNS::MessageViewer;
 
@@ -770,18 +770,14 @@ private Q_SLOTS:
 
     void savesInLocalEncoding()
     {
-        struct Restore
-        {
-            ~Restore() { QTextCodec::setCodecForLocale(codec); }
-            QTextCodec* codec = QTextCodec::codecForLocale();
-        };
-        const Restore restore;
+        const auto restore = qScopeGuard([] { UtilsNS::setTextEncoding({}); });
         ViewerFixture f;
         f.add({QString(QChar(0x00e9))});
         const QVector<QPair<QByteArray, QByteArray>> encodings{{"ISO-8859-1", "\xe9\n"},
                                                                {"UTF-8", "\xc3\xa9\n"}};
         for (const auto& encoding : encodings) {
-            QTextCodec::setCodecForLocale(QTextCodec::codecForName(encoding.first));
+            if (!UtilsNS::setTextEncoding(encoding.first))
+                continue;
             const QString path = f.path(encoding.first);
             QVERIFY(f.act("Save All &As", {typePath(path)}));
             QCOMPARE(readFile(path), encoding.second);

@@ -32,8 +32,8 @@ QByteArray runText(const QStringList& timesteps, const QByteArray& unit,
 
 QByteArray slotPreamble(const QByteArray& name, const QByteArray& type)
 {
-    const int slash = name.indexOf('/');
-    const int dot = name.indexOf('.');
+    const auto slash = name.indexOf('/');
+    const auto dot = name.indexOf('.');
     QByteArray text = "object_type: " + (slash < 0 ? QByteArray("Reservoir") : name.left(slash));
     text += "\nobject_name: " + name.mid(slash + 1, dot - slash - 1);
     if (!type.isEmpty())

@@ -22,7 +22,7 @@ public:
     QByteArray numberText();
 
 private:
-    int below(int limit) { return m_random.bounded(limit); }
+    int below(qint64 limit) { return m_random.bounded(static_cast<int>(limit)); }
     bool oneIn(int chances) { return below(chances) == 0; }
     QByteArray pick(const QByteArrayList& texts);
     QByteArray plainNumber();

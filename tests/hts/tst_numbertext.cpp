@@ -162,7 +162,8 @@ private Q_SLOTS:
         QFETCH(double, expected);
         QCOMPARE(bitsOf(lineToNumber(view(text))), bitsOf(expected));
         // The table shows what the toolkit does.
-        QCOMPARE(bitsOf(QString::fromUtf8(text.trimmed()).toDouble()), bitsOf(expected));
+        QCOMPARE(bitsOf(QString::fromUtf8(text.trimmed().constData()).toDouble()),
+                 bitsOf(expected));
     }
 
     void readsNumbersInAnyLocale()
@@ -189,7 +190,7 @@ private Q_SLOTS:
             QByteArray lines;
             for (int line = 0; line < kLines; ++line) {
                 const QByteArray text = random.numberText().replace('\n', ' ');
-                expected.push_back(QString::fromUtf8(text.trimmed()).toDouble());
+                expected.push_back(QString::fromUtf8(text.trimmed().constData()).toDouble());
                 // One by one: "lines += a + b" makes room for exactly that, over and over.
                 lines.append(text).append(line % 2 == 0 ? "\n" : "\r\n");
                 if (bitsOf(lineToNumber(view(text))) != bitsOf(expected.back()))

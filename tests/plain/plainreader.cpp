@@ -11,9 +11,10 @@ namespace plainreader {
 
 namespace {
 
+// A text ends at a NUL.
 QString readText(QIODevice& device)
 {
-    return QString::fromUtf8(device.readLine().trimmed());
+    return QString::fromUtf8(device.readLine().trimmed().constData());
 }
 
 // Sets `value` to the rest of `line` when the line begins with `key`.
@@ -92,7 +93,7 @@ void readTableRows(QIODevice& device, HtsSlot& slot)
         const QByteArray line = device.readLine();
         if (line.isEmpty())
             ++pastTheEnd;
-        slot.tableRows.append(QString::fromUtf8(line.trimmed()));
+        slot.tableRows.append(QString::fromUtf8(line.trimmed().constData()));
     }
 }
 

@@ -1,8 +1,8 @@
 // Faults that Unix makes on demand: files that can't be read, and disks that are full.
 
 #include <QObject>
+#include <QScopeGuard>
 #include <QTemporaryDir>
-#include <QTextCodec>
 #include <QTextStream>
 #include <QtTest>
 
@@ -13,6 +13,7 @@
 
 #include "tests/support/testmain.h"
 #include "utils/checkedfile.h"
+#include "utils/processsetup.h"
 
 using UtilsNS::CheckedFile;
 
@@ -176,9 +177,9 @@ private Q_SLOTS:
         QFETCH(QByteArray, encoding);
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
-        QTextCodec* const before = QTextCodec::codecForLocale();
-        QTextCodec::setCodecForLocale(QTextCodec::codecForName(encoding));
-        const auto restore = qScopeGuard([before] { QTextCodec::setCodecForLocale(before); });
+        if (!UtilsNS::setTextEncoding(encoding))
+            QSKIP("The toolkit knows no other encoding than UTF-8");
+        const auto restore = qScopeGuard([] { UtilsNS::setTextEncoding({}); });
 
         const QTemporaryDir folder;
         CheckedFile file(folder.filePath(name));
