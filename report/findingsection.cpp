@@ -13,7 +13,7 @@ namespace {
 QByteArray withCode(const char* text)
 {
     QByteArray html = htmlText(QString::fromUtf8(text));
-    for (int at = html.indexOf('`'), end = 0; at >= 0; at = html.indexOf('`', end)) {
+    for (auto at = html.indexOf('`'), end = at; at >= 0; at = html.indexOf('`', end)) {
         html.replace(at, 1, "<code>");
         end = html.indexOf('`', at);
         if (end < 0)
@@ -145,9 +145,9 @@ QByteArray FindingSection::item(const Entry& entry) const
         const QString& name = m_model.slots[static_cast<std::size_t>(slot)].name;
         const QByteArray start = "<a href=\"#s" + QByteArray::number(slot + 1) + "\">";
         const QByteArray named = htmlText(name);
-        const int at = text.indexOf(named);
+        const auto at = text.indexOf(named);
         if (at >= 0)
-            text.replace(at, named.size(), start + named + "</a>");
+            text.replace(at, named.size(), QByteArray(start + named + "</a>"));
         else
             text += ' ' + start + htmlName(name) + "</a>";
     }
