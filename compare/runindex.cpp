@@ -9,7 +9,7 @@ namespace {
 
 void addName(QCryptographicHash& names, const QString& name)
 {
-    names.addData(name.toUtf8() + '\0'); // which no name has
+    names.addData(name.toUtf8().append('\0')); // which no name has
 }
 
 // The index of the run of each trace. Empty if a run has no trace, or that of another run.
