@@ -50,7 +50,7 @@ private:
     const FindingList& m_control;
     const PageModel& m_model;
     std::vector<Entry> m_entries;
-    int m_bytes = 0; // of the findings so far
+    qint64 m_bytes = 0; // of the findings so far
 };
 
 FindingSection::FindingSection(const CheckReport& report, const FindingList& control,

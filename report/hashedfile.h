@@ -31,7 +31,7 @@ protected:
         const qint64 count = File::readData(data, maxSize);
         Q_ASSERT(known >= 0);
         if (count > known) {
-            m_hash.addData(data + known, static_cast<int>(count - known));
+            m_hash.addData(QByteArray::fromRawData(data + known, static_cast<int>(count - known)));
             m_count += count - known;
         }
         return count;

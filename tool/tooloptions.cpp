@@ -589,8 +589,8 @@ QString readExplain(const QCommandLineParser& parser, ToolOptions& options)
 // Beside the input, so that pages of many files do not overwrite each other.
 QString pagePathFor(const QString& input)
 {
-    const int nameStart = input.lastIndexOf(QLatin1Char('/')) + 1;
-    const int dot = input.lastIndexOf(QLatin1Char('.'));
+    const auto nameStart = input.lastIndexOf(QLatin1Char('/')) + 1;
+    const auto dot = input.lastIndexOf(QLatin1Char('.'));
     return input.left(dot > nameStart ? dot : input.size()) + QLatin1String(".html");
 }
 

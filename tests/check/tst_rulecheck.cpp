@@ -122,9 +122,10 @@ void RuleCheckTest::findsInRules_data()
     const QByteArray cases = '\n' + sourceFile(QStringLiteral("tests/check/rules.txt"));
     for (const QString& text : QString::fromUtf8(cases).split(QLatin1String("\n== ")).mid(1)) {
         const QString name = text.section(QLatin1Char('\n'), 0, 0);
+        const auto colon = name.indexOf(QLatin1Char(':'));
         const int end = text.indexOf(QLatin1String("\n--"), name.size());
         QTest::newRow(qPrintable(name))
-            << name.left(std::max<qint64>(name.indexOf(QLatin1Char(':')), 0)).toUtf8()
+            << (colon < 0 ? QByteArray() : name.left(colon).toUtf8())
             << text.mid(name.size() + 1, end - name.size()).toUtf8()
             << text.mid(end + 3).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     }
