@@ -270,9 +270,9 @@ QByteArray SlotChart::paths() const
     QByteArray marks = missingMarks().element("missing") + sentinelMarks().element("sentinel");
     return doubtfulYears().element("doubtful") + "<g transform=\"translate(" +
            QByteArray::number(ChartFrame::kLeft) + ' ' + QByteArray::number(kTop) + ") scale(1 ." +
-           QByteArray::number(100 / kScale) + ")\">\n" + bandBoxes().element("band") +
-           line().element("input") + bandMedians().element("median") + steps().element("annual") +
-           "</g>\n" + marks;
+           QByteArray::number(100 / kScale) + ")\">\n" + line().element("input") +
+           bandBoxes().element("band") + bandMedians().element("median") +
+           steps().element("annual") + "</g>\n" + marks;
 }
 
 QByteArray SlotChart::element() const
