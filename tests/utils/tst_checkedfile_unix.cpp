@@ -168,8 +168,12 @@ private Q_SLOTS:
         QTest::newRow("UTF-8") << QByteArray("UTF-8") << a + day + replaced
                                << QByteArray("\xc3\xa4\xe6\x97\xa5\xef\xbf\xbd");
         QTest::newRow("UTF-8, no text") << QByteArray("UTF-8") << surrogate << QByteArray();
-        QTest::newRow("Latin-1") << QByteArray("ISO-8859-1") << a << QByteArray("\xe4");
-        QTest::newRow("Latin-1, not in it") << QByteArray("ISO-8859-1") << day << QByteArray();
+        const QByteArray latin1("ISO-8859-1");
+        if (!UtilsNS::setTextEncoding(latin1)) // Qt 6 has UTF-8 only
+            return;
+        UtilsNS::setTextEncoding({});
+        QTest::newRow("Latin-1") << latin1 << a << QByteArray("\xe4");
+        QTest::newRow("Latin-1, not in it") << latin1 << day << QByteArray();
     }
 
     void opensOnlyWhatCanBeAFileName()
@@ -177,8 +181,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, encoding);
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
-        if (!UtilsNS::setTextEncoding(encoding))
-            QSKIP("The toolkit knows no other encoding than UTF-8");
+        QVERIFY(UtilsNS::setTextEncoding(encoding));
         const auto restore = qScopeGuard([] { UtilsNS::setTextEncoding({}); });
 
         const QTemporaryDir folder;
