@@ -46,12 +46,12 @@ QDateTime readByToolkit(QString text)
     return dateTime.isValid() ? dateTime.addDays(1) : dateTime;
 }
 
-// Empty when the text means the same to both. A sign before a number is taken, as Qt 5 does; Qt 6
-// refuses it.
+// Empty when the text means the same to both. A plus sign before a number is taken and a minus
+// sign before the year is not, as by Qt 5; by Qt 6 it is the other way round.
 QString disagreement(const QString& text)
 {
     static const bool kTakesSigns = readByToolkit(QStringLiteral("2000-1-1 +6:05")).isValid();
-    if (!kTakesSigns && text.contains(QLatin1Char('+')))
+    if (!kTakesSigns && (text.contains(QLatin1Char('+')) || text.startsWith(QLatin1Char('-'))))
         return {};
     const QDateTime expected = readByToolkit(text);
     const QDateTime actual = textToDateTime(text);
