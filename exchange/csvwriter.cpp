@@ -46,7 +46,7 @@ QString harmless(const QString& text)
     static const QString kSigns = QStringLiteral("=+-@\t\r\n");
     const QString visible = text.trimmed(); // blanks before the sign do not stop a spreadsheet
     bool isNumber = false;
-    visible.toDouble(&isNumber);
+    static_cast<void>(visible.toDouble(&isNumber));
     const bool isRun = !text.isEmpty() && (kSigns.contains(text.at(0)) ||
                                            (!visible.isEmpty() && kSigns.contains(visible.at(0))));
     return isRun && !isNumber ? QLatin1Char('\'') + text : text;

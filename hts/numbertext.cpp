@@ -345,7 +345,8 @@ double asWritten(double value)
     constexpr double kMaxMagnitude = 1e8;
     if (!(magnitude < kMaxMagnitude) || FLT_EVAL_METHOD != 0) {
         char text[kMaxNumberLength];
-        return lineToNumber({text, static_cast<std::size_t>(writeNumber(text, value) - text)});
+        const char* const end = writeNumber(text, value);
+        return lineToNumber({text, static_cast<std::size_t>(end - text)});
     }
     const auto whole = static_cast<std::uint64_t>(magnitude);
     const std::uint64_t decimals = roundedDecimals(magnitude - static_cast<double>(whole));

@@ -24,7 +24,12 @@ public:
 
     // Returns the exit code, 0 for success.
     int open();
-    QIODevice& device() { return m_hasCopy ? static_cast<QIODevice&>(m_copy) : m_file; }
+    QIODevice& device()
+    {
+        if (m_hasCopy)
+            return m_copy;
+        return m_file;
+    }
     // The same for the whole of the file, given what came of reading it.
     int finish(const Status& status);
 
