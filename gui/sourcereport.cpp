@@ -30,7 +30,7 @@ Status makePage(const QString& source, const ReportRequest& request, QBuffer& pa
         return status;
     page.open(QIODevice::WriteOnly);
     writePage(page, request,
-              {{QStringLiteral("Input"), source, file.byteCount(), file.sha256(),
+              {{QStringLiteral("Input"), source, file.byteCount(), file.takeSha256(),
                 QFileInfo(source).lastModified()}},
               report);
     return {};

@@ -1,12 +1,12 @@
 #include "report/filereport.h"
 
-#include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 
 #include "annualize/months.h"
 #include "check/control.h"
 #include "hts/htswalk.h"
+#include "report/hashedfile.h"
 #include "report/resultcompare.h"
 
 namespace {
@@ -15,13 +15,12 @@ namespace {
 PageFile pageFile(const char* role, const QString& path)
 {
     PageFile facts{QString::fromLatin1(role), path, 0, {}, {}};
-    QFile file(path);
+    HashedFile<QFile> file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return facts;
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    hash.addData(&file);
-    facts.size = file.size();
-    facts.sha256 = hash.result().toHex();
+    file.readToEnd();
+    facts.size = file.byteCount();
+    facts.sha256 = file.takeSha256();
     facts.modified = QFileInfo(path).lastModified();
     return facts;
 }

@@ -2,7 +2,8 @@
 #define REPORT_HASHEDFILE_H
 
 #include <QByteArray>
-#include <QCryptographicHash>
+
+#include "report/sha256.h"
 
 // A file, of a class that is derived from QFile, whose bytes are hashed while they are read.
 template<typename File>
@@ -19,9 +20,9 @@ public:
             block = this->read(kBlockSize);
         while (!block.isEmpty());
     }
-    // Of what has been read.
+    // Of what has been read. Nothing can be read after the latter, which is called once.
     qint64 byteCount() const { return m_count; }
-    QByteArray sha256() const { return m_hash.result().toHex(); }
+    QByteArray takeSha256() { return m_hash.takeHex(); }
 
 protected:
     qint64 readData(char* data, qint64 maxSize) override
@@ -31,7 +32,7 @@ protected:
         const qint64 count = File::readData(data, maxSize);
         Q_ASSERT(known >= 0);
         if (count > known) {
-            m_hash.addData(QByteArray::fromRawData(data + known, static_cast<int>(count - known)));
+            m_hash.add(data + known, count - known);
             m_count += count - known;
         }
         return count;
@@ -40,7 +41,7 @@ protected:
 private:
     static constexpr qint64 kBlockSize = qint64(1) << 18;
 
-    QCryptographicHash m_hash{QCryptographicHash::Sha256};
+    Sha256 m_hash;
     qint64 m_count = 0;
 };
 

@@ -220,7 +220,8 @@ void PageObserver::addValues(const CheckContext& context, PageSlot& slot)
         PageYear& shown = slot.years.emplace_back(pageYear(context, year, (*outcome.years)[i]));
         shown.value = slot.method->resultFor((*outcome.years)[i]);
         const auto begin = values.begin();
-        shown.hasSentinels = std::any_of(begin + static_cast<std::ptrdiff_t>(year.first),
+        shown.hasSentinels = !found.empty() &&
+                             std::any_of(begin + static_cast<std::ptrdiff_t>(year.first),
                                          begin + static_cast<std::ptrdiff_t>(year.end), isSentinel);
     }
 }

@@ -24,6 +24,9 @@ public:
     QByteArray element(const char* style) const;
 
 private:
+    void add(char letter, int number);
+    void addSecond(int number);
+
     QByteArray m_data;
     int m_x = 0;
     int m_y = 0;

@@ -17,11 +17,11 @@ namespace {
 
 using HashedInput = HashedFile<InputFile>;
 
-PageFile pageFile(const char* role, const QString& path, const HashedInput& input)
+PageFile pageFile(const char* role, const QString& path, HashedInput& input)
 {
     const QFileInfo file(path);
     const bool isFile = path != kStandardStream && file.isFile();
-    return {QString::fromLatin1(role), path, input.byteCount(), input.sha256(),
+    return {QString::fromLatin1(role), path, input.byteCount(), input.takeSha256(),
             isFile ? file.lastModified() : QDateTime()};
 }
 

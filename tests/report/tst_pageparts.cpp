@@ -1,5 +1,6 @@
 // What pages are made of: texts, numbers, axes, envelopes, bands, names that are asked for.
 
+#include <algorithm>
 #include <limits>
 
 #include <QtTest>
@@ -10,6 +11,7 @@
 #include "report/numberfield.h"
 #include "report/pagemodel.h"
 #include "report/pageobserver.h"
+#include "report/sha256.h"
 #include "report/svgpath.h"
 #include "report/yearband.h"
 #include "tests/support/testmain.h"
@@ -36,6 +38,8 @@ private Q_SLOTS:
     void labelsAreNotTooMany();
     void namesAreMatched_data();
     void namesAreMatched();
+    void hashesAreThoseOfTheStandard_data();
+    void hashesAreThoseOfTheStandard();
     void envelopeKeepsEachPeak();
     void envelopeKnowsWhatIsMissing();
     void columnsFollowTheTimes();
@@ -179,6 +183,33 @@ ChartColumns columnsOf(std::size_t count)
 }
 
 } // namespace
+
+void PagePartsTest::hashesAreThoseOfTheStandard_data()
+{
+    addColumns<QByteArray, const char*>("text", "expected");
+    addRows<QByteArray, const char*>(
+        {{"nothing", QByteArray(),
+          "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
+         {"abc", QByteArray("abc"),
+          "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
+         {"a million letters", QByteArray(1000000, 'a'),
+          "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"}});
+}
+
+void PagePartsTest::hashesAreThoseOfTheStandard()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, expected);
+    for (const CryptoLibrary* library :
+         {cryptoLibrary(), static_cast<const CryptoLibrary*>(nullptr)}) {
+        for (const int step : {7, 64, 65536}) {
+            Sha256 hash(library);
+            for (int at = 0; at < text.size(); at += step)
+                hash.add(text.constData() + at, std::min<int>(step, text.size() - at));
+            QCOMPARE(QString::fromLatin1(hash.takeHex()), expected);
+        }
+    }
+}
 
 void PagePartsTest::envelopeKeepsEachPeak()
 {
