@@ -51,7 +51,7 @@ ConversionInput conversionInputOf(const QByteArray& input)
 {
     static const QByteArray kSeparator = "\n====\n";
     const int month = input.isEmpty() ? 0 : static_cast<uchar>(input.at(0)) % 12;
-    const int separator = input.indexOf(kSeparator);
+    const auto separator = input.indexOf(kSeparator);
     if (separator < 1)
         return {month + 1, "*.*: Sum", input.mid(1)};
     return {month + 1, input.mid(1, separator - 1), input.mid(separator + kSeparator.size())};

@@ -2,8 +2,6 @@
 
 #include <QDateTime>
 
-const char kCreated[] = "HtsAnnualizer: Annual HTs file successfully created\n\n";
-
 AnnualizerRun::AnnualizerRun() : ProcessRun(QStringLiteral(HTS_ANNUALIZER)) {}
 
 QByteArray monthlyFile()

@@ -21,7 +21,7 @@ QByteArray monthlySums();
 void writeInputs(const AnnualizerRun& run);
 
 // The text of a log file about a success.
-extern const char kCreated[];
+inline const QByteArray kCreated = "HtsAnnualizer: Annual HTs file successfully created\n\n";
 // Log file of a conversion of monthlyFile as "a.hts" to "b.hts" with "c.txt", up to the outcome;
 // the time stamp is replaced by "(time)".
 QByteArray logWithOutcome(const QByteArray& outcome);

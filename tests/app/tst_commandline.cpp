@@ -76,7 +76,7 @@ QString inDigitsOf(const QLocale& locale, const char* text)
     QString result = QString::fromLatin1(text);
     for (QChar& c : result) {
         if (c >= QLatin1Char('0') && c <= QLatin1Char('9'))
-            c = QChar(locale.zeroDigit().unicode() + c.unicode() - '0');
+            c = QChar(QString(locale.zeroDigit()).at(0).unicode() + c.unicode() - '0');
     }
     return result;
 }

@@ -36,7 +36,7 @@ QByteArray repeated(const QByteArray& result)
          start = result.indexOf(slotKey, start + 1))
         starts.append(start);
     if (starts.size() != kColumns || !result.endsWith(runEnd))
-        qFatal("%d slots", starts.size());
+        qFatal("%d slots", static_cast<int>(starts.size()));
     starts.append(result.size() - runEnd.size());
 
     QByteArray text = result.left(starts.first());

@@ -326,7 +326,7 @@ private Q_SLOTS:
             QFile::remove(plot.path(QStringLiteral("a.hts")));
         draw(plot, recipe, arguments);
         QVERIFY2(plot.errors.startsWith(reason), plot.errors);
-        QCOMPARE(plot.errors.count('\n'), std::max(reason.count('\n'), 1));
+        QCOMPARE(plot.errors.count('\n'), std::max(static_cast<int>(reason.count('\n')), 1));
         QCOMPARE(plot.exitCode, 1);
         QVERIFY(!plot.exists(QStringLiteral("plot.png")));
     }
