@@ -64,7 +64,7 @@ bool hasOddCharacter(std::string_view value)
 bool isInteger(const QString& text)
 {
     bool isInteger = false;
-    static_cast<void>(text.toInt(&isInteger));
+    static_cast<void>(text.trimmed().toInt(&isInteger));
     return isInteger;
 }
 
@@ -219,7 +219,7 @@ void PreambleCheck::checkValue(const HtsKeyword& keyword, std::string_view value
     case ValueKind::Real:
         break;
     }
-    const double scale = toText(value).toDouble();
+    const double scale = toText(value).trimmed().toDouble();
     if (scale == 0.0 || !std::isfinite(scale))
         add(kBadScale, number, "%1 %2 is %3", keyName(keyword.key), quoted(value),
             isNumberLine(value) ? "not a usable scale" : "not a number and counts as 0");

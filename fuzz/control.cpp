@@ -86,7 +86,7 @@ Rules rulesOf(const QByteArray& text)
     Rules rules;
     const QList<QByteArray> lines = text.split('\n');
     for (const QByteArray& bytes : lines) {
-        const QString line = trimmed(QString::fromUtf8(bytes.trimmed()));
+        const QString line = trimmed(QString::fromUtf8(bytes.trimmed().constData()));
         if (line.isEmpty())
             continue;
         const QString fault = takeRule(line, rules.list);

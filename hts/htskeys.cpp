@@ -22,7 +22,8 @@ void writeTextField(const Model& model, LineWriter& lines)
 template<typename Model, int Model::*field>
 void readInteger(Model& model, const QString& value)
 {
-    model.*field = value.toInt(nullptr, 10); // 0 for a text that is not an integer
+    // Stripped of all that is white space in Unicode, which toInt() leaves alone with Qt 6.
+    model.*field = value.trimmed().toInt(nullptr, 10); // 0 for a text that is not an integer
 }
 
 template<typename Model, int Model::*field>

@@ -168,7 +168,7 @@ Status HtsReader::readColumnHeader(QString& units, double& scale, QString& metho
     if (!takeHeaderKey(line, kScaleLine) || !hasUnits)
         return failure(kBadColumnHeader);
     units = unitsText;
-    scale = m_scaleText.of(line).toDouble();
+    scale = m_scaleText.of(line).trimmed().toDouble();
     // Any line that begins with this letter is taken for the method line, even a value line. The
     // key is not checked: as many characters as it has are removed from the line.
     if (m_lines.nextByteIs('m')) {

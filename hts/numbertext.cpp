@@ -324,13 +324,13 @@ double lineToNumber(std::string_view line)
     double value = 0.0;
     if (!text.empty() && readPlainNumber(text.data(), last, value) == last)
         return value;
-    return toText(textBytes(text)).toDouble();
+    return toText(textBytes(text)).trimmed().toDouble();
 }
 
 bool isNumberLine(std::string_view line)
 {
     bool isNumber = false;
-    const double value = toText(textBytes(stripped(line))).toDouble(&isNumber);
+    const double value = toText(textBytes(stripped(line))).trimmed().toDouble(&isNumber);
     if (isNumber || value != 0.0) // out of range is infinite, and not "a number"
         return true;
     // Too small for a double: 0 is what it is meant to be.
