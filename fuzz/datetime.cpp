@@ -66,10 +66,19 @@ QString countedText(qint64 minutes)
              QString::number(minuteOfDay % 60).rightJustified(2, QLatin1Char('0')));
 }
 
+// A plus sign before a number is taken and a minus sign before the year is not, as by Qt 5; by Qt 6
+// it is the other way round.
+bool isReadByToolkit(const QString& text)
+{
+    static const bool kTakesPlus = byToolkit(QStringLiteral("2000-1-1 +6:05")).isValid();
+    return kTakesPlus || (!text.contains(QLatin1Char('+')) && !text.startsWith(QLatin1Char('-')));
+}
+
 void checkText(const QString& text)
 {
     const QDateTime dateTime = textToDateTime(text);
-    fuzz::requireEqual(text, described(dateTime), described(byToolkit(text)));
+    if (isReadByToolkit(text))
+        fuzz::requireEqual(text, described(dateTime), described(byToolkit(text)));
     if (!dateTime.isValid()) {
         fuzz::require(dateTime.isNull(), text + QStringLiteral(": invalid, but not null"));
         fuzz::requireEqual(text, dateTimeToText(dateTime), QString());

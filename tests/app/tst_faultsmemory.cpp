@@ -105,13 +105,14 @@ private:
         }
         if (run.exitCode == 127)
             return result == kOldResult ? Outcome::NotStarted : Outcome::Wrong;
-        // GLib, which is started with the toolkit, has its own texts.
-        static const QRegularExpression glibText(QStringLiteral(
-            "^([./]*glib/gprintf\\.c:\\d+: failed to allocate memory|"
-            "\n\\*\\*\\*MEMORY-ERROR\\*\\*\\*: .*: GSlice: failed to allocate .*\n)\n$"));
-        const bool isWithoutGlib = run.exitCode == -1 && run.output.isEmpty() &&
-                                   glibText.match(QString::fromLatin1(run.errors)).hasMatch();
-        if (isWithoutGlib)
+        // Libraries that are started with the toolkit, GLib and one of Qt 6, have their own texts.
+        static const QRegularExpression libraryText(
+            QStringLiteral("^([./]*glib/gprintf\\.c:\\d+: failed to allocate memory|"
+                           "\n\\*\\*\\*MEMORY-ERROR\\*\\*\\*: .*: GSlice: failed to allocate .*\n|"
+                           "\nlibgomp: Out of memory allocating \\d+ bytes)\n$"));
+        const bool isWithoutLibrary = run.exitCode != 0 && run.output.isEmpty() &&
+                                      libraryText.match(QString::fromLatin1(run.errors)).hasMatch();
+        if (isWithoutLibrary)
             return result == kOldResult && log == "(no file)" ? Outcome::NotStarted
                                                               : Outcome::Wrong;
         const bool isReportedInTheLog =

@@ -248,7 +248,9 @@ private Q_SLOTS:
             run.startShell(QStringLiteral("e=$(printf '%1'); \"$PROGRAM\" %2; code=$?; "
                                           "rm -f b.hts b.log; exit $code")
                                .arg(QString::fromLatin1(name), arguments));
-            QCOMPARE(run.output.replace("???", "?"), console);
+            // Of the bytes that are no text; Qt 6 shows them in UTF-8 in any locale.
+            run.output.replace("\xef\xbf\xbd", "?").replace("???", "?");
+            QCOMPARE(run.output, console);
             QCOMPARE(run.errors, QByteArray());
             QCOMPARE(run.exitCode, 1);
             for (const QString& other : others)

@@ -39,14 +39,14 @@ void takePackageLine(const QString& line, HtsPackage& package)
     else if (hasKey(line, "create_date:", value))
         package.createDate = textToDateTime(value);
     else if (hasKey(line, "number_of_runs:", value))
-        package.numberOfRuns = value.toInt();
+        package.numberOfRuns = value.trimmed().toInt();
 }
 
 void takeRunLine(const QString& line, HtsRun& run)
 {
     QString value;
     if (hasKey(line, "trace:", value))
-        run.trace = value.toInt();
+        run.trace = value.trimmed().toInt();
     else if (hasKey(line, "start:", value))
         run.start = textToDateTime(value);
     else if (hasKey(line, "end:", value))
@@ -54,17 +54,17 @@ void takeRunLine(const QString& line, HtsRun& run)
     else if (hasKey(line, "time_step_unit:", value))
         run.timeStepUnit = value;
     else if (hasKey(line, "unit_quantity:", value))
-        run.unitQuantity = value.toInt();
+        run.unitQuantity = value.trimmed().toInt();
     else if (hasKey(line, "time_steps:", value) || hasKey(line, "timesteps:", value))
-        run.timeStepCount = value.toInt();
+        run.timeStepCount = value.trimmed().toInt();
     else if (hasKey(line, "consecutive:", value))
-        run.consecutive = value.toInt();
+        run.consecutive = value.trimmed().toInt();
     else if (hasKey(line, "slot_set:", value))
         run.slotSet = value;
     else if (hasKey(line, "rule_set:", value))
         run.ruleSet = value;
     else if (hasKey(line, "idx_sequential:", value))
-        run.idxSequential = value.toInt();
+        run.idxSequential = value.trimmed().toInt();
 }
 
 void takeSlotLine(const QString& line, HtsSlot& slot)
@@ -79,11 +79,11 @@ void takeSlotLine(const QString& line, HtsSlot& slot)
     else if (hasKey(line, "slot_name: ", value))
         slot.slotName = value;
     else if (hasKey(line, "rows: ", value)) {
-        slot.rows = value.toInt();
+        slot.rows = value.trimmed().toInt();
         if (slot.slotType.isEmpty())
             slot.slotType = QStringLiteral("TableSlot");
     } else if (hasKey(line, "cols: ", value))
-        slot.cols = value.toInt();
+        slot.cols = value.trimmed().toInt();
 }
 
 void readTableRows(QIODevice& device, HtsSlot& slot)
@@ -123,7 +123,7 @@ Status readColumn(QIODevice& device, int rows, HtsSlot& slot, HtsColumn& column)
     slot.scales.append(scale);
     slot.methods.append(method);
     for (int row = 0; row < rows; ++row)
-        column.push_back(readText(device).toDouble());
+        column.push_back(readText(device).trimmed().toDouble());
     readText(device); // "END_COLUMN"
     return status;
 }
@@ -217,7 +217,7 @@ Status readColumnHeader(QIODevice& device, QString& units, double& scale, QStrin
     if (!hasKey(unitsLine, "units: ", unitsText) || !hasKey(scaleLine, "scale: ", scaleText))
         return failure(QStringLiteral("Cannot read HTS file: Missing units or scale"));
     units = unitsText;
-    scale = scaleText.toDouble();
+    scale = scaleText.trimmed().toDouble();
     char next = 0;
     if (device.getChar(&next)) {
         device.ungetChar(next);
