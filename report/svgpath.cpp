@@ -3,6 +3,8 @@
 #include <charconv>
 #include <iterator>
 
+#include <QString>
+
 // A path has thousands of numbers: no text is made of each.
 void SvgPath::add(char letter, int number)
 {
