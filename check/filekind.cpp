@@ -175,12 +175,12 @@ QByteArray firstBlockOf(QIODevice& device)
     const bool isTextMode = device.isTextModeEnabled();
     device.setTextModeEnabled(false);
     QByteArray block;
-    auto size = block.size();
     // A pipe gives what is available.
-    do {
-        size = block.size();
+    for (bool isMore = true; isMore;) {
+        const auto size = block.size();
         block = device.peek(kBlockSize);
-    } while (block.size() > size && block.size() < kBlockSize);
+        isMore = block.size() > size && block.size() < kBlockSize;
+    }
     device.setTextModeEnabled(isTextMode);
     return block;
 }

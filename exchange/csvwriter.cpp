@@ -12,7 +12,7 @@
 namespace {
 
 constexpr std::size_t kBlockSize = std::size_t(64) * 1024;
-constexpr std::size_t kRowRoom = 4 * 1024; // more is made for longer rows
+constexpr std::size_t kRowRoom = std::size_t(4) * 1024; // more is made for longer rows
 constexpr std::string_view kRowEnd = "\r\n";
 
 // Writes the digits of a number before `end`, where there are zeros.

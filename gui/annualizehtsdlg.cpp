@@ -294,7 +294,7 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::readSourcePaths(ReportNames& names) co
 AnnualizeHtsDlg::Failure AnnualizeHtsDlg::checkSource()
 {
     ReportNames names;
-    const Failure failure = readSourcePaths(names);
+    Failure failure = readSourcePaths(names);
     if (!failure.isNone())
         return failure;
     UtilsNS::CheckedFile file(names.file);
@@ -308,7 +308,7 @@ AnnualizeHtsDlg::Failure AnnualizeHtsDlg::checkSource()
 AnnualizeHtsDlg::Failure AnnualizeHtsDlg::saveReport()
 {
     ReportNames names;
-    const Failure failure = readSourcePaths(names);
+    Failure failure = readSourcePaths(names);
     if (!failure.isNone())
         return failure;
     if (names.control.isEmpty())

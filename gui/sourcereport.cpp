@@ -25,7 +25,7 @@ Status makePage(const QString& source, const ReportRequest& request, QBuffer& pa
         return failure(file.errorString());
     const FileReport report = checkForPage(file, request);
     file.readToEnd();
-    const Status status = checkInputWasRead(file);
+    Status status = checkInputWasRead(file);
     if (!status.ok())
         return status;
     page.open(QIODevice::WriteOnly);

@@ -38,8 +38,9 @@ struct Decimal
 // The text of twelve decimals of a number up to kMaxDistinct, if there is one. There is no other.
 std::optional<Decimal> onlyDecimal(double magnitude)
 {
-    // The product may be rounded: the quotient shows whether it is right.
-    const auto units = static_cast<std::int64_t>(magnitude * double(kUnits) + 0.5);
+    constexpr double kHalf = 0.5;
+    // The product and the sum may be rounded: the quotient shows whether they are right.
+    const auto units = static_cast<std::int64_t>(magnitude * double(kUnits) + kHalf);
     const double read = static_cast<double>(units) / double(kUnits);
     if (read < magnitude || read > magnitude)
         return std::nullopt;
