@@ -287,7 +287,7 @@ private Q_SLOTS:
         FileForWhichMemoryLacks file;
         file.setFileName(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
-        MessageViewer viewer({QString()}, nullptr);
+        UtilsNS::MessageViewer viewer({QString()}, nullptr);
         const ReportNames names{path, QString()};
         QCOMPARE(UtilsNS::checkSource(file, names, 12, viewer).message,
                  QStringLiteral("Not enough memory"));
