@@ -10,4 +10,7 @@ public:
     ToolRun();
 };
 
+// A shell command, up to its pipe, that prints a table with 64 slots and as many rows.
+QString manyValues(int rows);
+
 #endif // TESTS_TOOL_TOOLRUN_H

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void manyPages_data();
     void manyPages();
     void manyValuesAndSlots();
+    void manyImportedValues();
 };
 
 void ToolMemoryTest::fileWithoutEnd_data()
@@ -222,6 +223,17 @@ void ToolMemoryTest::manyPages()
                        .arg(QString::number(kMapped + 24 * 1024 + 30 * shown), arguments));
     QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 0 warnings, 0 notes\n"));
     QCOMPARE(run.read(QStringLiteral("a.html")).count("<section class=\"slot\""), shown);
+}
+
+void ToolMemoryTest::manyImportedValues()
+{
+    ToolRun run;
+    run.startShell(
+        manyValues(200000) +
+        QStringLiteral(
+            "{ ulimit -c 0; ulimit -v 100000; \"$PROGRAM\" import --stamp end -o a.hts -; }"));
+    QVERIFY2(run.errors.endsWith("values: 12800000, missing of them: 0\n"), run.errors.constData());
+    QCOMPARE(run.files(), QStringList{QStringLiteral("a.hts")});
 }
 
 HTS_TEST(ToolMemoryTest, QCoreApplication)
