@@ -26,13 +26,16 @@ bool isSameFile(const QString& output, const QString& input)
 }
 
 // Whether another file may take the place of the file. Not in /dev/fd and /proc/self/fd, where a
-// regular file is one that somebody else has opened and goes on writing to.
+// regular file is one that somebody else has opened and goes on writing to. /dev/shm has files as
+// any folder.
 bool isReplaceable(const QFileInfo& file)
 {
-    for (const char* folder : {"/dev/", "/proc/"}) {
-        if (QDir::cleanPath(file.absoluteFilePath()).startsWith(QLatin1String(folder)))
-            return false;
-    }
+    const QString path = QDir::cleanPath(file.absoluteFilePath());
+    const auto isIn = [&path](const char* folder) {
+        return path.startsWith(QLatin1String(folder));
+    };
+    if (isIn("/proc/") || (isIn("/dev/") && !isIn("/dev/shm/")))
+        return false;
     return !UtilsNS::isNullDevice(file.filePath()) && (!file.exists() || file.isFile());
 }
 

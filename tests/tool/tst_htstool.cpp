@@ -832,6 +832,9 @@ void HtstoolTest::failedExportLeavesTheFileAsItWas_data()
         2);
     row("$PROGRAM export cut.hts -o link.csv",
         "htstool: cut.hts: Cannot read slot preamble; nothing is exported\n", 2);
+    row("f=$(mktemp -u -p /dev/shm); $PROGRAM export cut.hts -o $f; c=$?; rm $f 2> /dev/null || "
+        "exit $c",
+        "htstool: cut.hts: Cannot read slot preamble; nothing is exported\n", 2);
     row("$PROGRAM export -w -r 2 cut.hts -o k.csv",
         "htstool: cut.hts: The file has 1 runs; nothing is exported\n", 2);
     row("$PROGRAM check empty.hts --counts k.csv > /dev/null",
