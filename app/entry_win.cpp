@@ -6,13 +6,12 @@
 
 #include <QByteArray>
 #include <QString>
-#include <qwindowdefs.h> // "main" is a name of its own, which the C runtime doesn't call
 
 #include <windows.h>
 
 #include <shellapi.h>
 
-int main(int argc, char* argv[]);
+int qMain(int argc, char* argv[]); // of main.cpp: the C runtime would call one with the name "main"
 
 namespace {
 
@@ -40,5 +39,5 @@ int WINAPI WinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, LPSTR /*line*
     for (QByteArray& text : texts)
         argv.push_back(text.data());
     argv.push_back(nullptr);
-    return main(count, argv.data());
+    return qMain(count, argv.data());
 }
