@@ -59,7 +59,10 @@ private Q_SLOTS:
         QCOMPARE(starts.join('|'),
                  QByteArray("git|scripts/test|"
                             "build/release/app/HtsAnnualizer|object_type:|"
-                            "Choptank.Volume.Daily:|units:|cat|$|(cd|pond.hts:32:|export"));
+                            "Choptank.Volume.Daily:|units:|cat|"
+                            "build/release/tool/htstool|run,trace,object,slot,units,time,value,year"
+                            "\n1,,Choptank,Flow,m3/s,2000-10-01T00:00:00,4.723110711085,2000|"
+                            "$|(cd|pond.hts:32:|export"));
     }
 
     void everyTerminalHasATest_data()
@@ -131,6 +134,15 @@ private Q_SLOTS:
         QCOMPARE(run.ended(), QByteArray("exit 0"));
         QCOMPARE(run.read(QStringLiteral("build/piped.hts")), golden("rivers_september.expected"));
         QVERIFY(run.read(QStringLiteral("build/piped.log")).endsWith(kCreated));
+    }
+
+    void tableGivesTheAnnualValueShown()
+    {
+        AnnualizerRun run;
+        makeSourceTree(run);
+        run.startShell(QString::fromUtf8(block("build/release/tool/htstool ")));
+        QCOMPARE(asShown(run.output), block("run,trace,"));
+        QCOMPARE(run.exitCode, 0);
     }
 
     void checkShowsWhatIsShown()
