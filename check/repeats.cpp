@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <functional>
 #include <map>
 #include <string_view>
@@ -9,6 +8,7 @@
 #include <vector>
 
 #include "check/topic.h"
+#include "hts/doublebits.h"
 #include "hts/htskeys.h"
 
 namespace {
@@ -28,14 +28,6 @@ std::uint64_t mixed(std::uint64_t hash, std::uint64_t bits)
     constexpr std::uint64_t kOddFactor = 0xff51afd7ed558ccd;
     const std::uint64_t product = (hash ^ bits) * kOddFactor;
     return product ^ product >> 32; // only the high bits depend on all bits of the factors
-}
-
-std::uint64_t bitsOf(double value)
-{
-    std::uint64_t bits = 0;
-    static_assert(sizeof bits == sizeof value);
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
 }
 
 // A hash of 64 bits of numbers in their order. All of their bits count for it, so that different

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
+
+#include "hts/doublebits.h"
 
 namespace {
 
@@ -73,11 +74,8 @@ bool isFar(const Sentinels::Occurrence& occurrence, const Range& others)
 // Both are called for each value of a file: without "inline" the calls would stay.
 inline std::size_t Sentinels::filterIndex(double value)
 {
-    std::uint64_t bits = 0;
-    static_assert(sizeof bits == sizeof value);
-    std::memcpy(&bits, &value, sizeof bits);
     constexpr std::uint64_t kGoldenRatio = 0x9e3779b97f4a7c15; // in units of 2^-64
-    return static_cast<std::size_t>(bits * kGoldenRatio >> (64 - kFilterBits));
+    return static_cast<std::size_t>(bitsOf(value) * kGoldenRatio >> (64 - kFilterBits));
 }
 
 inline bool Sentinels::passesFilter(double value) const

@@ -7,13 +7,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <system_error>
 
 #include <QString>
 #include <QtAlgorithms>
 
+#include "hts/doublebits.h"
 #include "hts/eightdigits.h"
 #include "hts/linetext.h"
 
@@ -124,11 +124,7 @@ double ofTwelveDecimals(std::uint64_t whole, std::uint64_t decimals)
     // 5^12 away from there: 0.068 of the unit above, more than the error.
     const std::uint64_t rounded = ((bits >> 1) + 0x200) >> 10;
     // The first bit, which a double does not store, and a carry go into the exponent.
-    const std::uint64_t bitsOfDouble = (std::uint64_t(1085 - shift) << 52) + rounded;
-    double value = 0.0;
-    static_assert(sizeof value == sizeof bitsOfDouble && std::numeric_limits<double>::is_iec559);
-    std::memcpy(&value, &bitsOfDouble, sizeof value);
-    return value;
+    return doubleOf((std::uint64_t(1085 - shift) << kStoredMantissaBits) + rounded);
 }
 
 // Adds the number at `text`, of three digits at most and with or without a sign, to `exponent`.
@@ -244,17 +240,12 @@ bool isNanWord(std::string_view text)
 // bits over a power of two, and its product with 10^12 has 93 bits.
 std::uint64_t roundedDecimals(double fraction)
 {
-    constexpr int kMantissaBits = 52;
-    constexpr std::uint64_t kHiddenBit = std::uint64_t(1) << kMantissaBits;
-    std::uint64_t bits = 0;
-    static_assert(sizeof bits == sizeof fraction && std::numeric_limits<double>::is_iec559);
-    std::memcpy(&bits, &fraction, sizeof bits);
-    const std::uint64_t mantissa = (bits & (kHiddenBit - 1)) | kHiddenBit;
-    const int shift = 1075 - static_cast<int>(bits >> kMantissaBits); // 53 or more
+    const BinaryFraction exact(fraction);
+    const int shift = exact.fractionBits; // 53 or more
     if (shift > 100)
         return 0; // below 2^-47, which is far from half a unit
     const Uint128 half = Uint128(1) << (shift - 1);
-    return static_cast<std::uint64_t>((Uint128(mantissa) * kUnits + half) >> shift);
+    return static_cast<std::uint64_t>((Uint128(exact.mantissa) * kUnits + half) >> shift);
 }
 
 // Writes a number below 10^12 as twelve digits and returns the end. `out` has room for 16.

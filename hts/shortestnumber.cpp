@@ -5,12 +5,11 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
-#include <limits>
 #include <optional>
 
 #include <QtGlobal>
 
+#include "hts/doublebits.h"
 #include "hts/eightdigits.h"
 
 namespace {
@@ -89,18 +88,12 @@ std::uint64_t shortestDecimals(std::uint64_t fraction, int fractionBits)
 // The shortest text of a number of kMaxDistinct to kMaxMagnitude.
 std::optional<Decimal> shortestDecimal(double magnitude)
 {
-    constexpr int kMantissaBits = 52;
-    constexpr std::uint64_t kHiddenBit = std::uint64_t(1) << kMantissaBits;
-    std::uint64_t bits = 0;
-    static_assert(sizeof bits == sizeof magnitude && std::numeric_limits<double>::is_iec559);
-    std::memcpy(&bits, &magnitude, sizeof bits);
-    const std::uint64_t mantissa = (bits & (kHiddenBit - 1)) | kHiddenBit;
-    const int fractionBits = 1075 - static_cast<int>(bits >> kMantissaBits);
-    const std::uint64_t whole = mantissa >> fractionBits;
-    const std::uint64_t fraction = mantissa - (whole << fractionBits);
+    const BinaryFraction exact(magnitude);
+    const std::uint64_t whole = exact.mantissa >> exact.fractionBits;
+    const std::uint64_t fraction = exact.mantissa - (whole << exact.fractionBits);
     if (fraction == 0)
         return Decimal{whole, 0};
-    const std::uint64_t decimals = shortestDecimals(fraction, fractionBits);
+    const std::uint64_t decimals = shortestDecimals(fraction, exact.fractionBits);
     return decimals == 0 ? std::nullopt : std::optional(Decimal{whole, decimals});
 }
 

@@ -23,9 +23,9 @@ Q_DECLARE_METATYPE(ValueMap)
 namespace {
 
 // NaNs of the input, different from each other and from the one that means "no result".
-const double kNanA = fromBits(0x7ff8000000000000);
-const double kNanB = fromBits(0x7ff8000000000abc);
-const double kNanC = fromBits(0xfff800000000000c);
+const double kNanA = doubleOf(0x7ff8000000000000);
+const double kNanB = doubleOf(0x7ff8000000000abc);
+const double kNanC = doubleOf(0xfff800000000000c);
 
 constexpr quint64 kResultNanBits = 0x7ff8000000000001;
 

@@ -1,7 +1,6 @@
 #include "tests/hts/packagecompare.h"
 
 #include <cstddef>
-#include <cstring>
 
 namespace {
 
@@ -146,20 +145,6 @@ QString modelDifference(const QString& what, const Model& left, const Model& rig
 }
 
 } // namespace
-
-quint64 bitsOf(double value)
-{
-    quint64 bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
-
-double fromBits(quint64 bits)
-{
-    double value = 0.0;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
 
 QString difference(const HtsRun& left, const HtsRun& right)
 {

@@ -372,7 +372,7 @@ private Q_SLOTS:
         using MakeNumber = double (*)(QRandomGenerator & random);
         const std::tuple<const char*, int, MakeNumber> kKinds[] = {
             {"bit patterns", 50000,
-             [](QRandomGenerator& random) { return fromBits(random.generate64()); }},
+             [](QRandomGenerator& random) { return doubleOf(random.generate64()); }},
             {"measured values", 100000,
              [](QRandomGenerator& random) { return (random.generateDouble() - 0.3) * 2000.0; }},
             {"large values", 30000,
@@ -398,7 +398,7 @@ private Q_SLOTS:
                  return std::nextafter(random.bounded(1 << 30) / 8192.0, random.bounded(2) * 1e9);
              }},
             {"denormals", 20000,
-             [](QRandomGenerator& random) { return fromBits(random.generate64() >> 12); }},
+             [](QRandomGenerator& random) { return doubleOf(random.generate64() >> 12); }},
         };
         QTest::addColumn<std::vector<double>>("values");
         for (const auto& [name, count, makeNumber] : kKinds) {

@@ -27,7 +27,7 @@ QByteArray writtenByLibrary(double value)
 using MakeNumber = double (*)(QRandomGenerator& random);
 
 const std::pair<const char*, MakeNumber> kKinds[] = {
-    {"bit patterns", [](QRandomGenerator& random) { return fromBits(random.generate64()); }},
+    {"bit patterns", [](QRandomGenerator& random) { return doubleOf(random.generate64()); }},
     {"any decimals",
      [](QRandomGenerator& random) {
          const double size = std::pow(10.0, random.bounded(16) - 3);
