@@ -10,8 +10,7 @@ class QIODevice;
 struct ToolOptions;
 
 // Writes what differs between the two files of `options`, as it is found. Text is one line for each
-// difference; the JSON document is described in docs/htstool.md, and for programs in
-// docs/htstool-diff.schema.json.
+// difference; the JSON document is described in docs/htstool-diff.schema.json.
 class DiffReport
 {
 public:

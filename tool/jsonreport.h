@@ -5,8 +5,7 @@
 
 class QJsonValue;
 
-// The document of htstool check --format json, which docs/htstool.md describes, and
-// docs/htstool-check.schema.json for programs.
+// The document of htstool check --format json, which docs/htstool-check.schema.json describes.
 class JsonReport : public ReportWriter
 {
 public:
