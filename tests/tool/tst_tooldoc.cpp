@@ -67,8 +67,7 @@ void ToolDocTest::examplesAreTrue_data()
     QTest::newRow("text") << "check pond.hts -c pond_methods.txt" << true;
     QTest::newRow("two files") << "diff pond.hts new.hts" << true;
     QTest::newRow("in scripts")
-        << "check --ignore step-gap,far-sentinel --fail-on text-value -f github pond.hts"
-        << false;
+        << "check --ignore step-gap,far-sentinel --fail-on text-value -f github pond.hts" << false;
 }
 
 void ToolDocTest::examplesAreTrue()
