@@ -12,11 +12,12 @@
 
 namespace {
 
-// Beside the output, where there is room for it.
-QString temporaryPath(const QString& outputPath)
+// Beside the output, where there is room for it; but in no folder of devices, nor where the output
+// itself is written directly because the folder takes no other file.
+QString temporaryPath(const OutputFile& output, const QString& outputPath)
 {
-    return outputPath == kStandardStream ? QDir::tempPath() + QLatin1String("/htstool.XXXXXX.tmp")
-                                         : outputPath + QLatin1String(".XXXXXX.tmp");
+    return output.isDroppable() ? outputPath + QLatin1String(".XXXXXX.tmp")
+                                : QDir::tempPath() + QLatin1String("/htstool.XXXXXX.tmp");
 }
 
 void showLines(const QString& path, const QStringList& lines, const ToolIo& io)
@@ -38,7 +39,7 @@ int runImport(const ToolOptions& options, const ToolIo& io)
     importOptions.packageName = path == kStandardStream ? QStringLiteral("import")
                                                         : shown(QFileInfo(path).completeBaseName());
     importOptions.createDate = timeOfWriting();
-    importOptions.temporaryPath = temporaryPath(options.outputPath);
+    importOptions.temporaryPath = temporaryPath(output, options.outputPath);
     CsvImport import(importOptions);
     Status status = import.read(input);
     if (!input.problem().isEmpty()) {

@@ -108,6 +108,8 @@ private:
         // Libraries that are started with the toolkit, GLib and one of Qt 6, have their own texts.
         static const QRegularExpression libraryText(
             QStringLiteral("^([./]*glib/gprintf\\.c:\\d+: failed to allocate memory|"
+                           "GLib \\(gthread-posix\\.c\\): Unexpected error from C library during "
+                           "'malloc': Cannot allocate memory\\.  Aborting\\.|"
                            "\n\\*\\*\\*MEMORY-ERROR\\*\\*\\*: .*: GSlice: failed to allocate .*\n|"
                            "\nlibgomp: Out of memory allocating \\d+ bytes)\n$"));
         const bool isWithoutLibrary = run.exitCode != 0 && run.output.isEmpty() &&

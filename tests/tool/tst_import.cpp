@@ -405,6 +405,10 @@ void ImportTest::failuresOfFilesAreReported_data()
          "/dev/full: No space left on device"},
         {"output folder", "\"$PROGRAM\" import --stamp end -o none/out.hts -",
          "none/out.hts: No such file or directory"},
+        {"no folder for a temporary file",
+         "TMPDIR=/dev/null \"$PROGRAM\" import --stamp end -o /dev/stdout -",
+         "-: the temporary file /dev/null/htstool.XXXXXX.tmp cannot be made: Not a directory; "
+         "nothing is imported"},
         {"full temporary file",
          "(trap '' XFSZ; ulimit -f 2000; \"$PROGRAM\" import --stamp end -o - -)",
          "-: the temporary file $TMPDIR/htstool.XXXXXX.tmp cannot be written: File too large; "
