@@ -57,12 +57,10 @@ private Q_SLOTS:
         for (const QByteArray& block : m_blocks)
             starts.append(block.split(' ').first());
         QCOMPARE(starts.join('|'),
-                 QByteArray("git|scripts/test|"
-                            "build/release/app/HtsAnnualizer|object_type:|"
-                            "Choptank.Volume.Daily:|units:|cat|"
-                            "build/release/tool/htstool|run,trace,object,slot,units,time,value,year"
-                            "\n1,,Choptank,Flow,m3/s,2000-10-01T00:00:00,4.723110711085,2000|"
-                            "$|(cd|pond.hts:32:|export"));
+                 QByteArray("git|scripts/test|PATH=$PWD/build/release/app:$PWD/build/release/tool:"
+                            "$PATH|object_type:|Choptank.Volume.Daily:|HtsAnnualizer|units:|echo|"
+                            "HtsAnnualizer|htstool|run,trace,object,slot,units,time,value,year"
+                            "\n1,,Choptank,Flow,m3/s,2000-10-01T00:00:00,4.723110711085,2000|$"));
     }
 
     void everyTerminalHasATest_data()
@@ -103,7 +101,7 @@ private Q_SLOTS:
 
         AnnualizerRun run;
         makeSourceTree(run);
-        run.startShell(QString::fromUtf8(block("build/release/app/HtsAnnualizer ")));
+        type(run, block("HtsAnnualizer -i examples/"));
         QCOMPARE(run.ended(), QByteArray("exit 0"));
         const QByteArray result = run.read(QStringLiteral("build/rivers_annual.hts"));
         QCOMPARE(result, golden("rivers_september.expected"));
@@ -119,45 +117,33 @@ private Q_SLOTS:
         for (const QByteArray& line : block("$ ").split('\n')) {
             if (!line.startsWith("$ "))
                 continue;
-            run.startShell(QString::fromUtf8(line.mid(2)));
+            type(run, line.mid(2));
             QCOMPARE(run.errors, QByteArray());
             console << line << asShown(run.output);
         }
         QCOMPARE(console.join('\n'), block("$ "));
     }
 
-    void pipesGiveTheSameResult()
+    void ownFileIsConverted()
     {
         AnnualizerRun run;
         makeSourceTree(run);
-        run.startShell(QString::fromUtf8(block("cat ")));
-        QCOMPARE(run.ended(), QByteArray("exit 0"));
-        QCOMPARE(run.read(QStringLiteral("build/piped.hts")), golden("rivers_september.expected"));
-        QVERIFY(run.read(QStringLiteral("build/piped.log")).endsWith(kCreated));
+        run.write(QStringLiteral("mine.hts"), example("rivers_daily.hts"));
+        type(run, block("echo "));
+        QVERIFY(run.output.contains("mine.hts: plan: Choptank.Flow: Average, rule of line 1\n"));
+        type(run, block("HtsAnnualizer -i mine.hts "));
+        QCOMPARE(run.exitCode, 0);
+        QVERIFY(hasLines(run.read(QStringLiteral("annual.hts")), block("units: ")));
+        QVERIFY(run.read(QStringLiteral("mine.html")).contains("4.723110711085"));
     }
 
     void tableGivesTheAnnualValueShown()
     {
         AnnualizerRun run;
         makeSourceTree(run);
-        run.startShell(QString::fromUtf8(block("build/release/tool/htstool ")));
+        type(run, block("htstool "));
         QCOMPARE(asShown(run.output), block("run,trace,"));
         QCOMPARE(run.exitCode, 0);
-    }
-
-    void checkShowsWhatIsShown()
-    {
-        AnnualizerRun run;
-        makeSourceTree(run);
-        const QString files = QStringLiteral("tests/tool/files/");
-        QVERIFY(QDir(run.path(QStringLiteral("."))).mkpath(files));
-        for (const char* name : {"pond.hts", "pond_methods.txt"}) {
-            const QString path = files + QLatin1String(name);
-            run.write(path, sourceFile(path));
-        }
-        run.startShell(QString::fromUtf8(block("(cd ")));
-        QCOMPARE(asShown(run.output), block("pond.hts:32: "));
-        QCOMPARE(run.exitCode, 1);
     }
 
     void uncheckedFileGivesTheAverageShown()
@@ -177,11 +163,10 @@ private Q_SLOTS:
 
     void exampleCommandGivesTheComputedResult()
     {
-        const QByteArrayList blocks = codeBlocks(sourceFile(QStringLiteral("examples/README.md")));
-        QCOMPARE(blocks.size(), 1);
+        QCOMPARE(m_exampleBlocks.size(), 2);
         AnnualizerRun run;
         makeSourceTree(run);
-        run.startShell(QString::fromUtf8(blocks.first()));
+        type(run, m_exampleBlocks.first());
         QCOMPARE(run.ended(), QByteArray("exit 0"));
         QCOMPARE(run.read(QStringLiteral("build/basins_annual.hts")),
                  golden("basins_december.expected"));
@@ -206,8 +191,6 @@ private Q_SLOTS:
         QCOMPARE(run.output, QByteArray("{'Lake A': 12.5}\n"));
     }
 
-    // The commands of docs/reliability.md that keep an old result, and conversions, from each
-    // other.
     void resultIsDrawn()
     {
         AnnualizerRun run;
@@ -215,18 +198,19 @@ private Q_SLOTS:
         // Debian's Python has the packages.
         run.environment.insert(QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin"));
         run.environment.insert(QStringLiteral("HOME"), run.path(QStringLiteral("home")));
-        run.startShell(QString::fromUtf8(block("build/release/app/HtsAnnualizer ")));
-        const QString draw = QString::fromUtf8(block("export "));
-        for (const QString& command :
-             {draw,
-              QString(draw).replace(QLatin1String("plot.py"), QLatin1String("plot-gnuplot"))}) {
-            run.startShell(QStringLiteral("rm -f build/plot.png\n") + command);
+        type(run, block("HtsAnnualizer -i examples/"));
+        const QByteArray draw = m_exampleBlocks.value(1);
+        for (const QByteArray& command :
+             {draw, QByteArray(draw).replace("plot.py", "plot-gnuplot")}) {
+            type(run, "rm -f build/plot.png\n" + command);
             QCOMPARE(run.errors, QByteArray());
             QCOMPARE(run.exitCode, 0);
             QVERIFY(run.read(QStringLiteral("build/plot.png")).startsWith("\x89PNG"));
         }
     }
 
+    // The commands of docs/reliability.md that keep an old result, and conversions, from each
+    // other.
     void saferCommandsConvert()
     {
         const QByteArrayList blocks = codeBlocks(sourceFile(QStringLiteral("docs/reliability.md")));
@@ -257,7 +241,14 @@ private:
         return found.size() == 1 ? found.first() : QByteArray();
     }
 
+    // Types the commands in a shell that finds the programs as the README has it.
+    void type(AnnualizerRun& run, const QByteArray& commands) const
+    {
+        run.startShell(QString::fromUtf8(block("PATH=") + '\n' + commands));
+    }
+
     QByteArrayList m_blocks = codeBlocks(sourceFile(QStringLiteral("README.md")));
+    QByteArrayList m_exampleBlocks = codeBlocks(sourceFile(QStringLiteral("examples/README.md")));
 };
 
 HTS_TEST(TestReadme, QCoreApplication)

@@ -1,5 +1,5 @@
-// The man pages, the completions of bash and the README name the options and the versions that the
-// programs have.
+// The man pages, the completions of bash and the documents name the options and the versions that
+// the programs have.
 
 #include <QtTest>
 
@@ -243,22 +243,24 @@ private Q_SLOTS:
                  expected);
     }
 
-    void readmeHasTheVersions()
+    void documentsHaveTheVersions()
     {
         const QString package = QStringLiteral(PACKAGE_VERSION);
         QCOMPARE(toolOutput({QStringLiteral("--version")}),
                  QStringLiteral("htstool %1\n").arg(package));
         const QString readme = sourceText(QStringLiteral("README.md"));
-        QVERIFY(readme.contains(
-            QStringLiteral("| the package, and `htstool --version` | %1 |\n").arg(package)));
+        const QString contributing = sourceText(QStringLiteral("CONTRIBUTING.md"));
+        QVERIFY(contributing.contains(
+            QStringLiteral("| the package, and `htstool --version` | %1 | ").arg(package)));
         for (const char* file : {"htsannualizer_%1-1_amd64.deb", "htsannualizer-gui_%1-1_amd64.deb",
                                  "htsannualizer-%1-Linux-x86_64.tar.gz"})
             QVERIFY2(readme.contains(QString::fromLatin1(file).arg(package)), file);
         QVERIFY(sourceText(QStringLiteral("debian/changelog"))
                     .startsWith(QStringLiteral("htsannualizer (%1-1) ").arg(package)));
         // Tests of the window and of the command line know these by themselves.
-        QVERIFY(readme.contains(QLatin1String("| the window, in its title | 1.1 |\n")));
-        QVERIFY(readme.contains(QLatin1String("| the command line, `HtsAnnualizer -v` | 1.0 |\n")));
+        QVERIFY(contributing.contains(QLatin1String("| the window, in its title | 1.1 | ")));
+        QVERIFY(contributing.contains(
+            QLatin1String("| the command line, `HtsAnnualizer -v` | 1.0 | ")));
     }
 
     // README of the examples ends the source of a number with its licence.
