@@ -1,6 +1,7 @@
 #ifndef ANNUALIZE_AGGVALUES_H
 #define ANNUALIZE_AGGVALUES_H
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -10,12 +11,36 @@
 #include "annualize/aggmethods.h"
 #include "annualize/yearvalues.h"
 
+// Where the values of each year are among those of a slot: a value map, looked through once for all
+// slots of a run.
+struct YearStretches
+{
+    // The values [first, end), which belong to the year with the index `year`.
+    struct Stretch
+    {
+        std::size_t first;
+        std::size_t end;
+        std::size_t year;
+    };
+
+    YearStretches() = default;
+    // `valueMap` holds, for each value, the number of the year it belongs to, counted from 1; a
+    // value whose number is below 1 or above `newValueCount`, the number of years, belongs to none.
+    // A year ends where the number changes from one value of a year to the next.
+    YearStretches(const std::vector<std::int32_t>& valueMap, std::int32_t newValueCount);
+
+    std::size_t valueCount = 0; // of a slot
+    // In time order. A year has several where values of none are between its own.
+    std::vector<Stretch> list;
+};
+
 // Aggregates the values of one series slot over the years that a value map gives. One pass over the
 // values gives what all methods need.
 //
+//     const YearStretches years(valueMap, yearCount);
 //     AggValues agg;
 //     QString message;
-//     if (agg.aggregate(values, valueMap, yearCount, message))
+//     if (agg.aggregate(values, years, message)) // for each slot
 //         use(agg.results(*findMethod(QStringLiteral("Average"))));
 //
 // An object can be reused, by one thread at a time.
@@ -29,12 +54,13 @@ public:
     AggValues() = default;
     virtual ~AggValues();
 
-    // Replaces the results by those of `values`, in time order. `valueMap` holds, for each value,
-    // the number of the year it belongs to, counted from 1; a value whose number is below 1 or
-    // above `newValueCount`, the number of years, is skipped. A year ends where the number changes
-    // from one value that is not skipped to the next, so that there is one result for each stretch
-    // of equal numbers. Returns false and sets `errorMessage` when the two differ in length or the
-    // count is negative; the results are then empty.
+    // Replaces the results by those of `values`, one for each year, in time order. Returns false
+    // and sets `errorMessage` when values and value map differ in length; the results are then
+    // empty.
+    bool aggregate(const std::vector<double>& values, const YearStretches& stretches,
+                   QString& errorMessage);
+    // The same for a value map of one slot, as YearStretches has it; fails for a negative count
+    // too.
     bool aggregate(const std::vector<double>& values, const std::vector<std::int32_t>& valueMap,
                    std::int32_t newValueCount, QString& errorMessage);
 

@@ -61,6 +61,7 @@ void Conversion::beginFirstRun(const HtsRun& run)
         setAnnualTiming(run, m_firstYears, m_annualRun);
     else // a search that fails may leave timesteps without a number
         m_firstYears.valueMap.resize(static_cast<std::size_t>(run.timesteps.size()));
+    m_firstStretches = YearStretches(m_firstYears.valueMap, m_firstYears.count());
     if (isAnnualizing())
         m_control = m_ruleSource();
 }
@@ -74,8 +75,9 @@ void Conversion::beginLaterRun(const HtsRun& run, int runIndex)
     if (m_hasFirstTiming)
         return;
     m_ownYears = findCompleteYears(run, m_endMonth);
-    m_grownMap = m_firstYears.valueMap;
-    m_grownMap.insert(m_grownMap.end(), m_ownYears.valueMap.begin(), m_ownYears.valueMap.end());
+    ValueMap grownMap = m_firstYears.valueMap;
+    grownMap.insert(grownMap.end(), m_ownYears.valueMap.begin(), m_ownYears.valueMap.end());
+    m_grownStretches = YearStretches(grownMap, m_ownYears.count());
     if (m_ownYears.status.ok())
         setAnnualTiming(run, m_ownYears, m_annualRun);
     if (m_failure.run >= 0 || m_annualizedCount == 0)
@@ -125,9 +127,8 @@ void Conversion::annualizeSlot(const HtsColumn& values, int runIndex, int slotIn
 {
     Q_ASSERT(isAnnualizing() && isAnnualized(slotIndex));
     const SlotPlan& plan = m_plans.at(slotIndex);
-    const ValueMap& valueMap = m_hasFirstTiming ? m_firstYears.valueMap : m_grownMap;
-    m_outcome = {slotIndex, plan.aggregate(values, valueMap, runYears().count(), m_aggValues),
-                 &m_aggValues.years()};
+    const YearStretches& stretches = m_hasFirstTiming ? m_firstStretches : m_grownStretches;
+    m_outcome = {slotIndex, plan.aggregate(values, stretches, m_aggValues), &m_aggValues.years()};
     if (!m_outcome.status.ok()) {
         if (m_failure.run < 0)
             m_failure = {runIndex, slotIndex, m_outcome.status, std::move(m_failure.years)};

@@ -132,6 +132,7 @@ private:
     Status m_readStatus;
     bool m_isFinished = false;
     CompleteYears m_firstYears;
+    YearStretches m_firstStretches;
     ControlFile m_control;
     QVector<SlotPlan> m_plans;
     int m_annualizedCount = 0; // plans of slots that get a place in the result
@@ -147,8 +148,8 @@ private:
 
     // The run at hand.
     bool m_hasFirstTiming = true;
-    CompleteYears m_ownYears; // if its timing is another
-    ValueMap m_grownMap;      // the value map of its slots, if its timing is another
+    CompleteYears m_ownYears;       // if its timing is another
+    YearStretches m_grownStretches; // of its slots, if its timing is another
     HtsRun m_annualRun;
 
     SlotOutcome m_outcome;

@@ -53,12 +53,12 @@ HtsSlot SlotPlan::annualSlot(const HtsSlot& slot) const
     return annual;
 }
 
-Status SlotPlan::aggregate(const HtsColumn& values, const ValueMap& valueMap, int yearCount,
+Status SlotPlan::aggregate(const HtsColumn& values, const YearStretches& stretches,
                            AggValues& aggValues) const
 {
     Q_ASSERT(isAnnualized());
     QString message;
-    if (!aggValues.aggregate(values, valueMap, yearCount, message))
+    if (!aggValues.aggregate(values, stretches, message))
         return failure(message);
     return method == nullptr ? failure(kUnknownMethod) : Status();
 }

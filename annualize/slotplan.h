@@ -34,7 +34,7 @@ struct SlotPlan
     // Aggregates the values of the slot in one run, as AggValues::aggregate does. Only for a slot
     // that isAnnualized(). Fails when values and map differ in length, and with "Unknown method
     // specified" for a word that is not a method.
-    Status aggregate(const HtsColumn& values, const ValueMap& valueMap, int yearCount,
+    Status aggregate(const HtsColumn& values, const YearStretches& stretches,
                      AggValues& aggValues) const;
 
     QString objectName;

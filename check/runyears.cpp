@@ -36,15 +36,9 @@ void RunYears::beginRun(const HtsRun& run, const Conversion& conversion, int end
     m_years.clear();
     m_length = StepLength(run.timeStepUnit, run.unitQuantity);
     const CompleteYears& years = conversion.runYears();
-    const ValueMap& map = years.valueMap;
-    std::size_t first = 0;
-    for (std::size_t i = 1; i <= map.size(); ++i) {
-        if (i < map.size() && map[i] == map[first])
-            continue;
-        if (map[first] >= 1 && map[first] <= years.count())
-            addYear(run, first, i, endMonth);
-        first = i;
-    }
+    m_stretches = YearStretches(years.valueMap, years.count());
+    for (const YearStretches::Stretch& stretch : m_stretches.list) // one for each year
+        addYear(run, stretch.first, stretch.end, endMonth);
 }
 
 void RunYears::addYear(const HtsRun& run, std::size_t first, std::size_t end, int endMonth)

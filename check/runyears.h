@@ -8,6 +8,7 @@
 #include <QDateTime>
 #include <QtGlobal>
 
+#include "annualize/aggvalues.h"
 #include "annualize/yearvalues.h"
 #include "check/steplength.h"
 #include "hts/htspackage.h"
@@ -89,12 +90,15 @@ public:
 
     // As many as YearValues of each slot that is aggregated, in their order.
     const std::vector<RunYear>& years() const { return m_years; }
+    // Where their values are among those of a slot.
+    const YearStretches& stretches() const { return m_stretches; }
     const StepLength& stepLength() const { return m_length; }
 
 private:
     void addYear(const HtsRun& run, std::size_t first, std::size_t end, int endMonth);
 
     std::vector<RunYear> m_years;
+    YearStretches m_stretches;
     StepLength m_length{{}, 0};
     bool m_isOfFirstRun = false;
 };

@@ -56,7 +56,7 @@ void YearCounts::slotRead(const CheckContext& context)
     const bool isConverted = counts != nullptr && outcome.status.ok();
     if (!isConverted) {
         QString message;
-        m_aggValues.aggregate(walk.values(), years.valueMap, years.count(), message);
+        m_aggValues.aggregate(walk.values(), context.years.stretches(), message);
         counts = &m_aggValues.years();
     }
     Q_ASSERT(counts->size() == m_years.size());

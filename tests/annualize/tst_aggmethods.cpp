@@ -12,7 +12,7 @@ namespace {
 YearValues yearWith(const std::vector<double>& values)
 {
     YearValues year(values.front());
-    year.add(values.data(), values.data() + values.size());
+    year.add({values.data(), values.data() + values.size()});
     return year;
 }
 

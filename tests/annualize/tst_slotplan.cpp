@@ -93,11 +93,11 @@ private Q_SLOTS:
         AggValues aggregated;
         for (const QString& word : texts("Median|sum|Sum ")) {
             const SlotPlan plan(seriesSlot(), word);
-            QCOMPARE(plan.aggregate({1.0, 2.0, 3.0}, {1, 1, 2}, 2, aggregated).message,
+            QCOMPARE(plan.aggregate({1.0, 2.0, 3.0}, {{1, 1, 2}, 2}, aggregated).message,
                      QStringLiteral("Unknown method specified"));
         }
         const SlotPlan plan(seriesSlot(), QStringLiteral("Sum"));
-        QCOMPARE(plan.aggregate({}, {1, 1, 2}, 2, aggregated).message,
+        QCOMPARE(plan.aggregate({}, {{1, 1, 2}, 2}, aggregated).message,
                  QString::fromLatin1(kUnequalSizes));
     }
 
@@ -105,7 +105,7 @@ private Q_SLOTS:
     {
         AggValues aggregated;
         const SlotPlan plan(seriesSlot(), QStringLiteral("Max"));
-        QCOMPARE(plan.aggregate({1.0, 2.0, 3.0}, {1, 1, 2}, 2, aggregated).message, QString());
+        QCOMPARE(plan.aggregate({1.0, 2.0, 3.0}, {{1, 1, 2}, 2}, aggregated).message, QString());
         QCOMPARE(aggregated.results(*plan.method), (HtsColumn{2.0, 3.0}));
     }
 };

@@ -117,7 +117,7 @@ QByteArray result(const AggMethod& method, const QByteArray& valuesText)
     for (const QByteArray& value : valuesText.split(','))
         values.push_back(QString::fromUtf8(value.trimmed()).toDouble());
     YearValues year(values.front());
-    year.add(values.data(), values.data() + values.size());
+    year.add({values.data(), values.data() + values.size()});
     const double number = method.resultFor(year);
     return std::isnan(number) ? QByteArray("NaN") : QByteArray::number(number);
 }
