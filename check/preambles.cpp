@@ -91,6 +91,7 @@ private:
     QString missingBefore(std::string_view line) const;
 
     Section m_section = Section::PackagePreamble;
+    RepeatedNumber m_scale;
 };
 
 void PreambleCheck::sectionBegins(Section section)
@@ -219,7 +220,7 @@ void PreambleCheck::checkValue(const HtsKeyword& keyword, std::string_view value
     case ValueKind::Real:
         break;
     }
-    const double scale = toText(value).trimmed().toDouble();
+    const double scale = m_scale.of(value);
     if (scale == 0.0 || !std::isfinite(scale))
         add(kBadScale, number, "%1 %2 is %3", keyName(keyword.key), quoted(value),
             isNumberLine(value) ? "not a usable scale" : "not a number and counts as 0");

@@ -24,6 +24,11 @@ bool isSame(const QString& a, const QString& b)
     return a == b;
 }
 
+QLatin1String latin1(std::string_view bytes)
+{
+    return QLatin1String(bytes.data(), static_cast<int>(bytes.size()));
+}
+
 // A list of `value` alone. Slots mostly have the same as the slot before, `last`, and share it.
 template<typename List, typename Value>
 List repeatedList(List& last, const Value& value)
@@ -42,7 +47,7 @@ std::string_view HtsReader::readTextLine()
 {
     const std::string_view line = m_lines.line();
     const std::string_view text = textBytes(line);
-    if (line.find('\0') != std::string_view::npos)
+    if (text.size() < line.size() && line.find('\0') != std::string_view::npos)
         notify(&Observer::cutLine, text);
     return text;
 }
@@ -92,14 +97,18 @@ Status HtsReader::readRun(HtsRun& run)
         return failure(HtsRun::kBadPreamble);
     for (int step = 0; step < run.timeStepCount; ++step) {
         const std::string_view line = readTextLine();
-        const QString timestep = toText(line);
-        run.complete = isTimestepText(timestep);
+        // Mostly that of the run before. As bytes: beyond ASCII no letter of Latin-1 is in one.
+        const bool isRepeated = step < m_timesteps.size() && m_timesteps.at(step) == latin1(line);
+        const QString timestep = isRepeated ? m_timesteps.at(step) : toText(line);
+        run.complete = isRepeated || isTimestepText(timestep);
         if (!run.complete) {
             notify(&Observer::unexpectedLine, kTimestepFormat, line);
             return failure(HtsRun::kBadPreamble);
         }
         run.timesteps.append(timestep);
     }
+    shareIfEqual(run.timesteps, m_timesteps);
+    m_timesteps = run.timesteps;
     return {};
 }
 
@@ -168,7 +177,7 @@ Status HtsReader::readColumnHeader(QString& units, double& scale, QString& metho
     if (!takeHeaderKey(line, kScaleLine) || !hasUnits)
         return failure(kBadColumnHeader);
     units = unitsText;
-    scale = m_scaleText.of(line).trimmed().toDouble();
+    scale = m_scale.of(line);
     // Any line that begins with this letter is taken for the method line, even a value line. The
     // key is not checked: as many characters as it has are removed from the line.
     if (m_lines.nextByteIs('m')) {

@@ -153,9 +153,10 @@ private:
     void readTableRows(HtsSlot& slot, TableRows tableRows);
 
     LineReader m_lines;
+    QStringList m_timesteps;                 // of the run read last
     std::array<RepeatedText, 6> m_slotTexts; // one for each keyword of a slot
     RepeatedText m_unitsText;
-    RepeatedText m_scaleText;
+    RepeatedNumber m_scale;
     // The column header of the last slot.
     QStringList m_units;
     QList<double> m_scales;

@@ -64,9 +64,10 @@ void HtsWalk::readSlot()
     m_place = Place::Slot;
     m_begin = m_reader.place();
     m_slot = HtsSlot();
-    m_values.clear();
     m_status = m_reader.readSlot(m_slot, m_options.tableRows);
     m_areValuesAhead = m_status.ok() && !m_slot.isTable();
+    if (!m_areValuesAhead)
+        m_values.clear(); // otherwise each is set when they are read
     if (m_status.ok() && m_slot.isTable())
         m_isTableWithoutEnd = !m_reader.skipTable(m_slot, m_options.missingTableEnd);
     if (m_status.ok() && !m_isTableWithoutEnd)

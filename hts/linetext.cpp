@@ -64,3 +64,12 @@ const QString& RepeatedText::of(std::string_view bytes)
     }
     return m_text;
 }
+
+double RepeatedNumber::of(std::string_view bytes)
+{
+    if (bytes != m_bytes) {
+        m_bytes = bytes;
+        m_number = toText(bytes).trimmed().toDouble();
+    }
+    return m_number;
+}

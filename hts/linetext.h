@@ -37,4 +37,15 @@ private:
     QString m_text;
 };
 
+// The same for the numbers of texts: QString::toDouble after stripping, 0 for a text that is none.
+class RepeatedNumber
+{
+public:
+    double of(std::string_view bytes);
+
+private:
+    std::string m_bytes;
+    double m_number = 0.0;
+};
+
 #endif // HTS_LINETEXT_H
