@@ -2,7 +2,28 @@
 
 #include <QDateTime>
 
+namespace {
+
+const char kConversion[] = "-i a.hts -o b.hts -c c.txt";
+
+} // namespace
+
 AnnualizerRun::AnnualizerRun() : ProcessRun(QStringLiteral(HTS_ANNUALIZER)) {}
+
+void AnnualizerRun::convert(const QStringList& otherArguments)
+{
+    start(words(kConversion) + otherArguments);
+}
+
+void AnnualizerRun::convertAfter(const QString& before)
+{
+    startShell(QStringLiteral("%1 \"$PROGRAM\" %2").arg(before, QLatin1String(kConversion)));
+}
+
+QByteArray AnnualizerRun::log() const
+{
+    return withoutTime(read("b.log"));
+}
 
 QByteArray monthlyFile()
 {
@@ -40,8 +61,13 @@ QByteArray monthlySums()
 
 void writeInputs(const AnnualizerRun& run)
 {
-    run.write(QStringLiteral("a.hts"), monthlyFile());
-    run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
+    run.write("a.hts", monthlyFile());
+    run.write("c.txt", "*.*: Sum\n");
+}
+
+QByteArray errorText(const QByteArray& message)
+{
+    return "HtsAnnualizer Error: " + message + "\n\n";
 }
 
 QByteArray logWithOutcome(const QByteArray& outcome)
@@ -59,4 +85,14 @@ QByteArray withoutTime(const QByteArray& log)
     if (isTime)
         lines[1] = "(time)";
     return lines.join('\n');
+}
+
+QByteArrayList converted(const QByteArray& result)
+{
+    return {"exit 0", logWithOutcome(kCreated), result};
+}
+
+QByteArrayList failed(const QByteArray& message, const QByteArray& result)
+{
+    return {"exit 1", logWithOutcome(errorText('\n' + message)), result};
 }

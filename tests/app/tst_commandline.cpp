@@ -64,12 +64,11 @@ the first identification and not changed thereafter.
 
 const char kVersion[] = "HtsAnnualizer version 1.0\n\n";
 const char kInvalid[] = "HtsAnnualizer: Invalid Usage. Use '-h' for help.\n\n";
-const char kInputMissing[] =
-    "HtsAnnualizer Error: Input hts file must be specified with -i option\n\n";
-const char kOutputMissing[] =
-    "HtsAnnualizer Error: Output HTS file must be specified with -o option\n\n";
-const char kControlMissing[] =
-    "HtsAnnualizer Error: Method control file must be specified with -o option\n\n";
+const QByteArray kInputMissing = errorText("Input hts file must be specified with -i option");
+const QByteArray kControlMissing =
+    errorText("Method control file must be specified with -o option");
+
+const QByteArray kLake = "Lac L\xc3\xa9man \xe6\xb9\x96";
 
 QString inDigitsOf(const QLocale& locale, const char* text)
 {
@@ -97,34 +96,32 @@ private Q_SLOTS:
     void consoleAndExitCode_data()
     {
         addColumns<QStringList, QByteArray, int>("arguments", "console", "exitCode");
-
         const auto row = [](const char* name, const char* arguments, const QByteArray& console,
-                            int exitCode) {
+                            int exitCode = 0) {
             QTest::newRow(name) << words(arguments) << console << exitCode;
         };
-        row("usage", "-h", kUsage, 0);
-        row("version", "-v", kVersion, 0);
-        row("version by a longer word", "-version", kVersion, 0);
-        row("version after other options", "-i a.hts -o b.hts -v", kVersion, 0);
-        row("version with an option pending", "-i -v", kVersion, 0);
-        row("nothing after the version is looked at", "-v -x", kVersion, 0);
-        row("the first of version and usage", "-h -v", kUsage, 0);
-        row("unknown option", "-x", kInvalid, 0);
-        row("upper-case option", "-I a.hts", kInvalid, 0);
-        row("lone dash", "-", kInvalid, 0);
-        row("two dashes", "--help", kInvalid, 0);
-        row("value without option", "a.hts", kInvalid, 0);
-        row("second value of one option", "-i a.hts b.hts", kInvalid, 0);
-        row("unknown option after a complete command", "-i a.hts -o b.hts -c c.txt -q", kInvalid,
-            0);
-        row("number as option", "-1", kInvalid, 0);
+        row("usage", "-h", kUsage);
+        row("version", "-v", kVersion);
+        row("version by a longer word", "-version", kVersion);
+        row("version after other options", "-i a.hts -o b.hts -v", kVersion);
+        row("version with an option pending", "-i -v", kVersion);
+        row("nothing after the version is looked at", "-v -x", kVersion);
+        row("the first of version and usage", "-h -v", kUsage);
+        row("unknown option", "-x", kInvalid);
+        row("upper-case option", "-I a.hts", kInvalid);
+        row("lone dash", "-", kInvalid);
+        row("two dashes", "--help", kInvalid);
+        row("value without option", "a.hts", kInvalid);
+        row("second value of one option", "-i a.hts b.hts", kInvalid);
+        row("unknown option after a complete command", "-i a.hts -o b.hts -c c.txt -q", kInvalid);
+        row("number as option", "-1", kInvalid);
         for (const char* month : {"-5", "-12", "-1x", "-01", "--1", "-1.", "-0", "-"}) {
             const QByteArray arguments = QByteArray("-i a.hts -o b.hts -c c.txt -y ") + month;
-            row(arguments.constData(), arguments.constData(), kInvalid, 0);
+            row(arguments.constData(), arguments.constData(), kInvalid);
         }
-        row("-1 once more after the month", "-y -1 -1", kInvalid, 0);
-        row("-1 after another option", "-i -1", kInvalid, 0);
-        row("option after -y", "-y -v", kVersion, 0);
+        row("-1 once more after the month", "-y -1 -1", kInvalid);
+        row("-1 after another option", "-i -1", kInvalid);
+        row("option after -y", "-y -v", kVersion);
         // Options of the toolkit are not the program's; each would be taken out by the toolkit,
         // some with the argument that follows, and some would end the process.
         for (const char* arguments : {"-style fusion",
@@ -148,35 +145,31 @@ private Q_SLOTS:
                                       "-reverse -i a.hts -o b.hts -c c.txt",
                                       "-i a.hts -o b.hts -c c.txt -style fusion",
                                       "-i a.hts -style -o b.hts -c c.txt"})
-            row(arguments, arguments, kInvalid, 0);
+            row(arguments, arguments, kInvalid);
         row("option of the toolkit with a letter of the program", "-icon a.hts -o b.hts",
             kControlMissing, 1);
-        row("value that looks like an option of the toolkit", "-y -1 -style", kInvalid, 0);
+        row("value that looks like an option of the toolkit", "-y -1 -style", kInvalid);
         row("no input", "-o b.hts -c c.txt", kInputMissing, 1);
         row("input without value", "-o b.hts -c c.txt -i", kInputMissing, 1);
         row("pending option replaced by the next", "-i -o out.hts", kInputMissing, 1);
         row("end month alone", "-y 9", kInputMissing, 1);
-        row("no output", "-i a.hts -c c.txt", kOutputMissing, 1);
+        row("no output", "-i a.hts -c c.txt",
+            errorText("Output HTS file must be specified with -o option"), 1);
         row("no control file", "-i a.hts -o b.hts", kControlMissing, 1);
         row("input not there", "-i none.hts -o b.hts -c c.txt",
-            "HtsAnnualizer Error: Input hts file could not be opened for reading:\n"
-            "No such file or directory\n\n",
+            errorText("Input hts file could not be opened for reading:\nNo such file or directory"),
             1);
         row("output in a folder that is not there", "-i a.hts -o none/b.hts -c c.txt",
-            "HtsAnnualizer Error: Output hts file could not be opened for writing:\n"
-            "No such file or directory\n\n",
+            errorText(
+                "Output hts file could not be opened for writing:\nNo such file or directory"),
             1);
         row("output is a folder", "-i a.hts -o . -c c.txt",
-            "HtsAnnualizer Error: Output hts file could not be opened for writing:\n"
-            "Is a directory\n\n",
-            1);
+            errorText("Output hts file could not be opened for writing:\nIs a directory"), 1);
         row("log in a folder that is not there", "-i a.hts -o b.hts -c c.txt -l none/b.log",
-            "HtsAnnualizer Error: Problem opening log file named none/b.log: \n"
-            "No such file or directory\n\n",
-            1);
+            errorText("Problem opening log file named none/b.log: \nNo such file or directory"), 1);
         QTest::newRow("empty argument") << QStringList{QString()} << QByteArray(kInvalid) << 0;
         QTest::newRow("empty input path")
-            << QStringList{QStringLiteral("-i"), QString()} << QByteArray(kInputMissing) << 1;
+            << QStringList{QStringLiteral("-i"), QString()} << kInputMissing << 1;
     }
 
     void consoleAndExitCode()
@@ -185,89 +178,69 @@ private Q_SLOTS:
         QFETCH(QByteArray, console);
         QFETCH(int, exitCode);
 
-        AnnualizerRun run;
-        writeInputs(run);
+        MonthlyRun run;
         run.start(arguments);
         QCOMPARE(run.output, console);
         QCOMPARE(run.errors, QByteArray());
         QCOMPARE(run.exitCode, exitCode);
         if (exitCode == 0)
-            QCOMPARE(run.files(), (QStringList{QStringLiteral("a.hts"), QStringLiteral("c.txt")}));
+            QCOMPARE(run.files(), words("a.hts c.txt"));
     }
 
     void nothingIsCreatedBeforeThePathsAreComplete()
     {
         AnnualizerRun run;
-        run.start(words("-i none.hts -o b.hts -c c.txt"));
+        run.convert();
         QCOMPARE(run.exitCode, 1);
         QCOMPARE(run.files(), QStringList());
     }
 
     void outputStaysTruncatedWhenALaterStepFails()
     {
-        AnnualizerRun run;
-        writeInputs(run);
-        run.write(QStringLiteral("b.hts"), "old");
-        run.start(words("-i a.hts -o b.hts"));
+        MonthlyRun run;
+        run.write("b.hts", "old");
+        run.start("-i a.hts -o b.hts");
         QCOMPARE(run.exitCode, 1);
-        QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
-        QVERIFY(!run.exists(QStringLiteral("b.log")));
-    }
-
-    // A job of a scheduler has next to no environment, which the toolkit complains about.
-    void toolkitVariablesPrintNothing()
-    {
-        AnnualizerRun run;
-        writeInputs(run);
-        run.environment.insert(QStringLiteral("QT_STYLE_OVERRIDE"),
-                               QStringLiteral("no such style"));
-        run.environment.insert(QStringLiteral("XDG_RUNTIME_DIR"),
-                               QStringLiteral("/no/such/folder"));
-        run.start(words("-i a.hts -o b.hts -c c.txt"));
-        QCOMPARE(run.ended(), QByteArray("exit 0"));
-    }
-
-    void needsNoDisplay()
-    {
-        AnnualizerRun run;
-        for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
-            run.environment.remove(QString::fromLatin1(variable));
-        run.start({QStringLiteral("-v")});
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.output, QByteArray("HtsAnnualizer version 1.0\n\n"));
-        QCOMPARE(run.exitCode, 0);
-    }
-
-    void platformPlaysNoPart_data()
-    {
-        QTest::addColumn<QString>("platform");
-        for (const char* platform :
-             {"no-such-platform", "xcb", "wayland"}) // the last two: no display
-            QTest::newRow(platform) << QString::fromLatin1(platform);
-    }
-
-    void platformPlaysNoPart()
-    {
-        QFETCH(QString, platform);
-        AnnualizerRun run;
-        writeInputs(run);
-        run.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
-        run.start(words("-i a.hts -o b.hts -c c.txt"));
-        QCOMPARE(run.ended(), QByteArray("exit 0"));
-        QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+        QCOMPARE(run.result(), QByteArray());
+        QVERIFY(!run.exists("b.log"));
     }
 
     void conversionWritesResultAndLogAndNothingElse()
     {
-        AnnualizerRun run;
-        writeInputs(run);
-        run.start(words("-i a.hts -o b.hts -c c.txt"));
-        QCOMPARE(run.ended(), QByteArray("exit 0"));
-        QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
-        QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))), logWithOutcome(kCreated));
-        QCOMPARE(run.files(), (QStringList{QStringLiteral("a.hts"), QStringLiteral("b.hts"),
-                                           QStringLiteral("b.log"), QStringLiteral("c.txt")}));
-        QCOMPARE(run.read(QStringLiteral("a.hts")), monthlyFile());
+        MonthlyRun run;
+        run.convert();
+        QCOMPARE(run.outcome(), converted());
+        QCOMPARE(run.files(), words("a.hts b.hts b.log c.txt"));
+        QCOMPARE(run.read("a.hts"), monthlyFile());
+    }
+
+    void noRunHasADisplay()
+    {
+        for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+            QVERIFY(!AnnualizerRun().environment.contains(QLatin1String(variable)));
+    }
+
+    void environmentPlaysNoPart_data()
+    {
+        addColumns<QString, QString>("variable", "value");
+        // A job of a scheduler has next to no environment, which the toolkit complains about.
+        for (const char* setting :
+             {"QT_STYLE_OVERRIDE=no such style", "XDG_RUNTIME_DIR=/no/such/folder",
+              "QT_QPA_PLATFORM=no-such-platform", "QT_QPA_PLATFORM=xcb",
+              "QT_QPA_PLATFORM=wayland"}) {
+            const QStringList parts = QString::fromLatin1(setting).split(QLatin1Char('='));
+            QTest::newRow(setting) << parts.first() << parts.last();
+        }
+    }
+
+    void environmentPlaysNoPart()
+    {
+        QFETCH(QString, variable);
+        QFETCH(QString, value);
+        MonthlyRun run;
+        run.environment.insert(variable, value);
+        run.convert();
+        QCOMPARE(run.outcome(), converted());
     }
 
     void endMonth_data()
@@ -275,16 +248,17 @@ private Q_SLOTS:
         addColumns<QStringList, QByteArray>("option", "annualSteps");
 
         const QByteArray december = "2000-12-31 24:00 2001-12-31 24:00";
-        QTest::newRow("none: December") << QStringList() << december;
-        QTest::newRow("12") << words("-y 12") << december;
-        QTest::newRow("-1 means none") << words("-y -1") << december;
-        QTest::newRow("text after the number") << words("-y 12th") << december;
-        QTest::newRow("blank before the number")
-            << QStringList{QStringLiteral("-y"), QStringLiteral(" -1")} << december;
-        QTest::newRow("no value: December") << words("-y") << december;
-        QTest::newRow("9: water year") << words("-y 9") << QByteArray("2001-9-30 24:00");
-        QTest::newRow("1") << words("-y 1") << QByteArray("2001-1-31 24:00");
-        QTest::newRow("later value wins") << words("-y 12 -y 9") << QByteArray("2001-9-30 24:00");
+        const QByteArray september = "2001-9-30 24:00";
+        addRows<QStringList, QByteArray>(
+            {{"none: December", {}, december},
+             {"12", words("-y 12"), december},
+             {"-1 means none", words("-y -1"), december},
+             {"text after the number", words("-y 12th"), december},
+             {"blank before the number", {QStringLiteral("-y"), QStringLiteral(" -1")}, december},
+             {"no value: December", words("-y"), december},
+             {"9: water year", words("-y 9"), september},
+             {"1", words("-y 1"), "2001-1-31 24:00"},
+             {"later value wins", words("-y 12 -y 9"), september}});
     }
 
     void endMonth()
@@ -292,11 +266,10 @@ private Q_SLOTS:
         QFETCH(QStringList, option);
         QFETCH(QByteArray, annualSteps);
 
-        AnnualizerRun run;
-        writeInputs(run);
-        run.start(words("-i a.hts -o b.hts -c c.txt") + option);
+        MonthlyRun run;
+        run.convert(option);
         QCOMPARE(run.exitCode, 0);
-        QByteArray result = run.read(QStringLiteral("b.hts"));
+        const QByteArray result = run.result();
         const int begin = result.indexOf("END_RUN_PREAMBLE\n") + 17;
         const int end = result.indexOf("object_type");
         QCOMPARE(result.mid(begin, end - begin).trimmed().replace('\n', ' '), annualSteps);
@@ -304,15 +277,15 @@ private Q_SLOTS:
 
     void invalidEndMonth_data()
     {
-        addColumns<QString, QByteArray>("given", "reported");
-        QTest::newRow("13") << QStringLiteral("13") << QByteArray("13");
-        QTest::newRow("0") << QStringLiteral("0") << QByteArray("0");
-        QTest::newRow("no number") << QStringLiteral("abc") << QByteArray("0");
-        QTest::newRow("empty") << QString() << QByteArray("0");
-        QTest::newRow("negative") << QStringLiteral(" -5") << QByteArray("-5");
-        // 2^32 - 1 and 2^32 + 9 must not become -1 and 9.
-        QTest::newRow("too large") << QStringLiteral("4294967295") << QByteArray("2147483647");
-        QTest::newRow("wrapping") << QStringLiteral("4294967305") << QByteArray("2147483647");
+        addTable<const char*, QByteArray>({"given", "reported"},
+                                          {{"13", "13", "13"},
+                                           {"0", "0", "0"},
+                                           {"no number", "abc", "0"},
+                                           {"empty", "", "0"},
+                                           {"negative", " -5", "-5"},
+                                           // 2^32 - 1 and 2^32 + 9 must not become -1 and 9.
+                                           {"too large", "4294967295", "2147483647"},
+                                           {"wrapping", "4294967305", "2147483647"}});
     }
 
     void invalidEndMonth()
@@ -320,143 +293,110 @@ private Q_SLOTS:
         QFETCH(QString, given);
         QFETCH(QByteArray, reported);
 
-        AnnualizerRun run;
-        writeInputs(run);
-        run.start(words("-i a.hts -o b.hts -c c.txt -y") + QStringList{given});
-        QCOMPARE(run.ended(), QByteArray("exit 1"));
-        QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
-                 logWithOutcome("HtsAnnualizer Error: Invalid end month for year specified with -y "
-                                "option: " +
-                                reported + "\n"));
-        QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
+        MonthlyRun run;
+        run.convert({QStringLiteral("-y"), given});
+        const QByteArray log = logWithOutcome("HtsAnnualizer Error: Invalid end month for year "
+                                              "specified with -y option: " +
+                                              reported + "\n");
+        QCOMPARE(run.outcome(), (QByteArrayList{"exit 1", log, ""}));
     }
 
     void laterValueOfAnOptionReplacesTheEarlier()
     {
-        AnnualizerRun run;
-        writeInputs(run);
-        run.start(words("-i none.hts -o x.hts -c none.txt -i a.hts -o b.hts -c c.txt"));
+        MonthlyRun run;
+        run.start("-i none.hts -o x.hts -c none.txt -i a.hts -o b.hts -c c.txt");
         QCOMPARE(run.exitCode, 0);
-        QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
-        QVERIFY(!run.exists(QStringLiteral("x.hts")));
+        QCOMPARE(run.result(), monthlySums());
+        QVERIFY(!run.exists("x.hts"));
     }
 
     void onlyTheFirstLetterOfAnOptionCounts()
     {
-        AnnualizerRun run;
-        writeInputs(run);
-        run.start(words("-input a.hts -output b.hts -control c.txt -log d.log -year 12"));
+        MonthlyRun run;
+        run.start("-input a.hts -output b.hts -control c.txt -log d.log -year 12");
         QCOMPARE(run.exitCode, 0);
-        QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
-        QCOMPARE(withoutTime(run.read(QStringLiteral("d.log"))), logWithOutcome(kCreated));
+        QCOMPARE(run.result(), monthlySums());
+        QCOMPARE(withoutTime(run.read("d.log")), logWithOutcome(kCreated));
     }
 
     void logPath_data()
     {
-        addColumns<QString, QString>("output", "log");
-        const auto row = [](const char* output, const char* log) {
-            QTest::newRow(output) << QString::fromLatin1(output) << QString::fromLatin1(log);
-        };
-        row("annual.hts", "annual.log");
-        row("annual", "annual.log");
-        row("annual.v2.hts", "annual.v2.log");
-        row("./annual", ".log"); // the last dot is the folder's
-        row("data.old/annual", "data.log");
-        row("data.old/annual.hts", "data.old/annual.log");
+        addTable<const char*>({"log"}, {{"annual.hts", "annual.log"},
+                                        {"annual", "annual.log"},
+                                        {"annual.v2.hts", "annual.v2.log"},
+                                        {"./annual", ".log"}, // the last dot is the folder's
+                                        {"data.old/annual", "data.log"},
+                                        {"data.old/annual.hts", "data.old/annual.log"}});
     }
 
     void logPath()
     {
-        QFETCH(QString, output);
         QFETCH(QString, log);
+        const char* const output = QTest::currentDataTag();
 
-        AnnualizerRun run;
-        writeInputs(run);
-        QVERIFY(QDir().mkdir(run.path(QStringLiteral("data.old"))));
-        run.start(words("-i a.hts -c c.txt -o") + QStringList{output});
+        MonthlyRun run;
+        QVERIFY(QDir().mkdir(run.path("data.old")));
+        run.start(words("-i a.hts -c c.txt -o") + words(output));
         QCOMPARE(run.exitCode, 0);
         QCOMPARE(run.read(output), monthlySums());
-        QCOMPARE(withoutTime(run.read(log)),
-                 logWithOutcome(kCreated).replace("b.hts", output.toLatin1()));
+        QCOMPARE(withoutTime(run.read(log)), logWithOutcome(kCreated).replace("b.hts", output));
     }
 
     void environmentReferencesInAllPaths()
     {
-        AnnualizerRun run;
-        writeInputs(run);
-        run.environment.insert(QStringLiteral("STUDY"), run.path(QString()));
-        run.environment.insert(QStringLiteral("NAME"), QStringLiteral("a"));
-        run.start(words("-i ${STUDY}/$NAME.hts -o $(STUDY)/b.hts -c $STUDY/c.txt -l $STUDY/d.log"));
+        MonthlyRun run;
+        run.set("STUDY", run.path(""));
+        run.set("NAME", QStringLiteral("a"));
+        run.start("-i ${STUDY}/$NAME.hts -o $(STUDY)/b.hts -c $STUDY/c.txt -l $STUDY/d.log");
         QCOMPARE(run.exitCode, 0);
-        QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+        QCOMPARE(run.result(), monthlySums());
         // The log has the paths after substitution.
-        const QByteArray folder = run.path(QString()).toUtf8();
-        QCOMPARE(withoutTime(run.read(QStringLiteral("d.log"))),
-                 logWithOutcome(kCreated)
-                     .replace("a.hts", folder + "/a.hts")
-                     .replace("b.hts", folder + "/b.hts")
-                     .replace("c.txt", folder + "/c.txt"));
+        QByteArray log = logWithOutcome(kCreated);
+        for (const char* name : {"a.hts", "b.hts", "c.txt"})
+            log.replace(name, run.path("").toUtf8() + '/' + name);
+        QCOMPARE(withoutTime(run.read("d.log")), log);
     }
 
     void undefinedReferences_data()
     {
-        addColumns<QStringList, QByteArray>("arguments", "console");
-        QTest::newRow("input") << words("-i $NONE/a.hts -o b.hts -c c.txt")
-                               << QByteArray(
-                                      "HtsAnnualizer Error: Input hts path environment variables "
-                                      "could not be substituted:\n$NONE/a.hts\n\n");
-        QTest::newRow("output") << words("-i a.hts -o ${NONE}/b.hts -c c.txt")
-                                << QByteArray(
-                                       "HtsAnnualizer Error: Output hts path environment "
-                                       "variables could not be substituted:\n${NONE}/b.hts\n\n");
-        QTest::newRow("control") << words("-i a.hts -o b.hts -c $(NONE)")
-                                 << QByteArray(
-                                        "HtsAnnualizer Error: Method control path environment "
-                                        "variables could not be substituted:\n$(NONE)\n\n");
-        QTest::newRow("log") << words("-i a.hts -o b.hts -c c.txt -l $NONE.log")
-                             << QByteArray(
-                                    "HtsAnnualizer Error: Log file path environment variables "
-                                    "could not be substituted:\n$NONE.log\n\n");
+        addTable<const char*, QByteArray>(
+            {"arguments", "reported"},
+            {{"input", "-i $NONE/a.hts -o b.hts -c c.txt",
+              "Input hts path environment variables could not be substituted:\n$NONE/a.hts"},
+             {"output", "-i a.hts -o ${NONE}/b.hts -c c.txt",
+              "Output hts path environment variables could not be substituted:\n${NONE}/b.hts"},
+             {"control", "-i a.hts -o b.hts -c $(NONE)",
+              "Method control path environment variables could not be substituted:\n$(NONE)"},
+             {"log", "-i a.hts -o b.hts -c c.txt -l $NONE.log",
+              "Log file path environment variables could not be substituted:\n$NONE.log"}});
     }
 
     void undefinedReferences()
     {
-        QFETCH(QStringList, arguments);
-        QFETCH(QByteArray, console);
+        QFETCH(QString, arguments);
+        QFETCH(QByteArray, reported);
 
-        AnnualizerRun run;
-        writeInputs(run);
-        run.start(arguments);
-        QCOMPARE(run.output, console);
-        QCOMPARE(run.errors, QByteArray());
-        QCOMPARE(run.exitCode, 1);
+        MonthlyRun run;
+        run.start(words(arguments.toUtf8()));
+        QCOMPARE(run.ended(), errorText(reported) + "exit 1");
     }
 
     void engineFailureGoesToTheLog_data()
     {
-        addColumns<QByteArray, QByteArray, QByteArray>("input", "control", "message");
-
         const QByteArray control = "*.*: Sum\n";
-        QTest::newRow("empty input")
-            << QByteArray() << control << QByteArray("Cannot read package preamble");
-        QTest::newRow("cut input") << monthlyFile().left(monthlyFile().size() - 20) << control
-                                   << QByteArray("Cannot read slot preamble");
-        QTest::newRow("no runs") << monthlyFile().replace("number_of_runs:1", "number_of_runs:0")
-                                 << control
-                                 << QByteArray(
-                                        "Cannot create a complete year from the input HTS file");
-        QTest::newRow("annual already")
-            << monthlyFile().replace("time_step_unit:month", "time_step_unit:year") << control
-            << QByteArray("Source HTS File already in annual timestep");
-        QTest::newRow("no slot has a method")
-            << monthlyFile() << QByteArray("Lake B.*: Sum\n")
-            << QByteArray("No series slots with valid methods found in input HTS file");
-        QTest::newRow("bad control file")
-            << monthlyFile() << QByteArray("Lake A.Outflow: Sum\n# a comment\n")
-            << QByteArray("No series slots with valid methods found in input HTS file");
-        QTest::newRow("announces two billion runs")
-            << QByteArray("number_of_runs:2000000000\nEND_PACKAGE_PREAMBLE\n") << control
-            << QByteArray("Cannot read run preamble");
+        addTable<QByteArray, QByteArray, QByteArray>(
+            {"input", "control", "message"},
+            {{"empty input", "", control, "Cannot read package preamble"},
+             {"cut input", monthlyFile().chopped(20), control, "Cannot read slot preamble"},
+             {"no runs", monthlyFile().replace("number_of_runs:1", "number_of_runs:0"), control,
+              "Cannot create a complete year from the input HTS file"},
+             {"annual already",
+              monthlyFile().replace("time_step_unit:month", "time_step_unit:year"), control,
+              "Source HTS File already in annual timestep"},
+             {"no slot has a method", monthlyFile(), "Lake B.*: Sum\n", kNoMethods},
+             {"bad control file", monthlyFile(), "Lake A.Outflow: Sum\n# a comment\n", kNoMethods},
+             {"announces two billion runs", "number_of_runs:2000000000\nEND_PACKAGE_PREAMBLE\n",
+              control, "Cannot read run preamble"}});
     }
 
     void engineFailureGoesToTheLog()
@@ -466,20 +406,16 @@ private Q_SLOTS:
         QFETCH(QByteArray, message);
 
         AnnualizerRun run;
-        run.write(QStringLiteral("a.hts"), input);
-        run.write(QStringLiteral("c.txt"), control);
-        run.start(words("-i a.hts -o b.hts -c c.txt"));
-        QCOMPARE(run.ended(), QByteArray("exit 1"));
-        QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
-                 logWithOutcome("HtsAnnualizer Error: \n" + message + "\n\n"));
-        QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
+        run.write("a.hts", input);
+        run.write("c.txt", control);
+        run.convert();
+        QCOMPARE(run.outcome(), failed(message));
     }
 
     void namesOutsideAsciiUnderEveryLocale_data()
     {
-        QTest::addColumn<QString>("locale");
-        for (const char* locale : {"C.UTF-8", "C", "POSIX", ""})
-            QTest::newRow(*locale != 0 ? locale : "none") << QString::fromLatin1(locale);
+        addTable<const char*>(
+            {"locale"}, {{"C.UTF-8", "C.UTF-8"}, {"C", "C"}, {"POSIX", "POSIX"}, {"none", ""}});
     }
 
     // A unit such as cubic metres per second, and a file name, must not be changed in a scheduler's
@@ -491,29 +427,26 @@ private Q_SLOTS:
         AnnualizerRun run;
         run.environment.remove(QStringLiteral("LC_ALL"));
         if (!locale.isEmpty())
-            run.environment.insert(QStringLiteral("LC_ALL"), locale);
-        const QByteArray lake = "Lac L\xc3\xa9man \xe6\xb9\x96";
-        const QByteArray unit = "m\xc2\xb3/s";
-        run.write(QStringLiteral("a.hts"),
-                  monthlyFile().replace("Lake A", lake).replace("units: cms", "units: " + unit));
-        run.write(QStringLiteral("c.txt"), lake + ".Outflow: Sum\n");
-        const QString result = QString::fromUtf8("d\xc3\xa9"
-                                                 "bit.hts");
+            run.set("LC_ALL", locale);
+        const auto foreign = [](QByteArray file) {
+            return file.replace("Lake A", kLake).replace("units: cms", "units: m\xc2\xb3/s");
+        };
+        run.write("a.hts", foreign(monthlyFile()));
+        run.write("c.txt", kLake + ".Outflow: Sum\n");
         // A shell passes the bytes of the name unchanged, independent of this test's locale.
-        run.write(QStringLiteral("run.sh"), "exec \"$PROGRAM\" -i a.hts -o d\xc3\xa9"
-                                            "bit.hts -c c.txt\n");
-        run.startShell(QStringLiteral(". ./run.sh; "));
+        const QByteArray name = "d\xc3\xa9"
+                                "bit.hts";
+        run.write("run.sh", "exec \"$PROGRAM\" -i a.hts -o " + name + " -c c.txt\n");
+        run.startShell(". ./run.sh; ");
         QCOMPARE(run.ended(), QByteArray("exit 0"));
-        run.startShell(QStringLiteral("mv d*.hts b.hts; mv d*.log b.log"));
-        QCOMPARE(run.read(QStringLiteral("b.hts")),
-                 monthlySums().replace("Lake A", lake).replace("units: cms", "units: " + unit));
-        QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
-                 logWithOutcome(kCreated).replace("b.hts", result.toUtf8()));
+        run.startShell("mv d*.hts b.hts; mv d*.log b.log");
+        QCOMPARE(run.result(), foreign(monthlySums()));
+        QCOMPARE(run.log(), logWithOutcome(kCreated).replace("b.hts", name));
 
-        run.write(QStringLiteral("run.sh"), "exec \"$PROGRAM\" -i '$KEIN/\xc3\xa9'\n");
-        run.startShell(QStringLiteral(". ./run.sh"));
-        QCOMPARE(run.output, QByteArray("HtsAnnualizer Error: Input hts path environment variables "
-                                        "could not be substituted:\n$KEIN/\xc3\xa9\n\n"));
+        run.write("run.sh", "exec \"$PROGRAM\" -i '$KEIN/\xc3\xa9'\n");
+        run.startShell(". ./run.sh");
+        QCOMPARE(run.output, errorText("Input hts path environment variables could not be "
+                                       "substituted:\n$KEIN/\xc3\xa9"));
     }
 
     void datesHaveTheSameDigitsUnderEveryLocale_data()
@@ -537,30 +470,25 @@ private Q_SLOTS:
         const QByteArray inputs[] = {
             monthlyFile(), monthlyFile().replace("2015-3-31 24:00", ownDigits),
             monthlyFile().replace("start:2000-1-31 24:00", "start:" + ownDigits)};
-        static std::map<QByteArray, AnnualizerRun> plainRuns; // many locales share their digits
+        static std::map<QByteArray, MonthlyRun> plainRuns; // many locales share their digits
         for (const QByteArray& input : inputs) {
             const bool isNew = plainRuns.count(input) == 0;
-            AnnualizerRun& plain = plainRuns[input];
+            MonthlyRun& plain = plainRuns[input];
             if (isNew) {
-                writeInputs(plain);
-                plain.write(QStringLiteral("a.hts"), input);
-                plain.start(words("-i a.hts -o b.hts -c c.txt"));
+                plain.write("a.hts", input);
+                plain.convert();
             }
-            AnnualizerRun run;
-            writeInputs(run);
-            run.write(QStringLiteral("a.hts"), input);
+            MonthlyRun run;
+            run.write("a.hts", input);
             run.environment.remove(QStringLiteral("LC_ALL"));
             run.environment.insert(variable, locale + QLatin1String(".UTF-8"));
-            run.start(words("-i a.hts -o b.hts -c c.txt"));
-            QCOMPARE(run.output, plain.output);
-            QCOMPARE(run.errors, plain.errors);
-            QCOMPARE(run.exitCode, plain.exitCode);
-            QCOMPARE(run.read(QStringLiteral("b.hts")), plain.read(QStringLiteral("b.hts")));
+            run.convert();
+            QCOMPARE(run.ended(), plain.ended());
+            QCOMPARE(run.result(), plain.result());
             // The date in the log's header is in the words of the host's locale.
-            QCOMPARE(fromLine(2, run.read(QStringLiteral("b.log"))),
-                     fromLine(2, plain.read(QStringLiteral("b.log"))));
+            QCOMPARE(fromLine(2, run.read("b.log")), fromLine(2, plain.read("b.log")));
             if (input == monthlyFile())
-                QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
+                QCOMPARE(run.result(), monthlySums());
         }
     }
 
@@ -568,36 +496,30 @@ private Q_SLOTS:
     void hoursAcrossADaylightSavingChange()
     {
         QByteArray steps;
-        QByteArray values;
         const QDateTime start(QDate(2000, 1, 1), QTime(0, 0), Qt::UTC);
-        int count = 0;
-        for (QDateTime t = start.addSecs(3600); t <= QDateTime(QDate(2001, 1, 1), QTime(), Qt::UTC);
-             t = t.addSecs(3600)) {
-            steps += QLocale::c().toString(t, QStringLiteral("yyyy-M-d h:mm\n")).toLatin1();
-            values += "1\n";
-            ++count;
-        }
+        constexpr int kHours = 366 * 24;
+        for (int hour = 1; hour <= kHours; ++hour)
+            steps += QLocale::c()
+                         .toString(start.addSecs(3600 * hour), QStringLiteral("yyyy-M-d h:mm\n"))
+                         .toLatin1();
         const QByteArray text =
             "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:2000-1-1 1:00\nend:2001-1-1 0:00\n"
-            "time_step_unit:hour\ntime_steps:" +
-            QByteArray::number(count) + "\nEND_RUN_PREAMBLE\n" + steps +
-            "object_name: A\nslot_name: Flow\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n" + values +
-            "END_COLUMN\nEND_SLOT\nEND_RUN\n";
+            "time_step_unit:hour\ntime_steps:8784\nEND_RUN_PREAMBLE\n" +
+            steps + "object_name: A\nslot_name: Flow\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n" +
+            QByteArray("1\n").repeated(kHours) + "END_COLUMN\nEND_SLOT\nEND_RUN\n";
 
-        QByteArray results[2];
-        const char* const zones[] = {"UTC", "America/Denver"};
-        for (int i = 0; i < 2; ++i) {
-            AnnualizerRun run;
-            run.environment.insert(QStringLiteral("TZ"), QString::fromLatin1(zones[i]));
-            run.write(QStringLiteral("a.hts"), text);
-            run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
-            run.start(words("-i a.hts -o b.hts -c c.txt"));
+        QByteArrayList results;
+        for (const char* zone : {"UTC", "America/Denver"}) {
+            MonthlyRun run;
+            run.set("TZ", QString::fromLatin1(zone));
+            run.write("a.hts", text);
+            run.convert();
             QCOMPARE(run.exitCode, 0);
-            results[i] = run.read(QStringLiteral("b.hts"));
+            results.append(run.result());
         }
-        QVERIFY2(results[0].contains("time_steps:1\n"), results[0].constData());
-        QVERIFY2(results[0].contains("\n8784.000000000000\n"), results[0].constData());
-        QCOMPARE(results[1], results[0]);
+        QVERIFY2(results.first().contains("time_steps:1\n"), results.first());
+        QVERIFY2(results.first().contains("\n8784.000000000000\n"), results.first());
+        QCOMPARE(results.last(), results.first());
     }
 };
 

@@ -40,16 +40,14 @@ private Q_SLOTS:
 
         const QString root = QStringLiteral(SOURCE_DIR "/");
         AnnualizerRun run;
-        run.write(QStringLiteral("a.hts"), sourceFile(root + input).replace("\n", lineEnd));
-        run.write(QStringLiteral("c.txt"), sourceFile(root + control).replace("\n", lineEnd));
-        run.start({QStringLiteral("-i"), QStringLiteral("a.hts"), QStringLiteral("-o"),
-                   QStringLiteral("b.hts"), QStringLiteral("-c"), QStringLiteral("c.txt"),
-                   QStringLiteral("-y"), endMonth});
+        run.write("a.hts", sourceFile(root + input).replace("\n", lineEnd));
+        run.write("c.txt", sourceFile(root + control).replace("\n", lineEnd));
+        run.convert({QStringLiteral("-y"), endMonth});
         QCOMPARE(run.output, QByteArray());
         QCOMPARE(run.exitCode, 0);
         const QString name =
             QString::fromUtf8(QTest::currentDataTag()).section(QLatin1Char(','), 0, 0);
-        QCOMPARE(run.read(QStringLiteral("b.hts")),
+        QCOMPARE(run.result(),
                  sourceFile(QStringLiteral(GOLDEN_DIR "/") + name + QStringLiteral(".expected")));
     }
 };

@@ -10,7 +10,7 @@
 
 namespace {
 
-const char kNoMemory[] = "HtsAnnualizer Error: Not enough memory\n\n";
+const char kNoMemory[] = "Not enough memory";
 
 // Steps of the limit, in KiB.
 constexpr int kCoarse = 2048;
@@ -49,9 +49,7 @@ private Q_SLOTS:
 
     void fileWithoutEnd_data()
     {
-        QTest::addColumn<QByteArray>("file");
-        QTest::newRow("input") << QByteArray("a.hts");
-        QTest::newRow("control file") << QByteArray("c.txt");
+        addTable<QByteArray>({"file"}, {{"input", "a.hts"}, {"control file", "c.txt"}});
     }
 
     // A device that returns bytes for ever, without a line end, fills any memory.
@@ -60,18 +58,10 @@ private Q_SLOTS:
         QFETCH(QByteArray, file);
         const int limit = lowestSufficientLimit();
         QVERIFY2(limit > 0, m_details);
-        AnnualizerRun run;
-        writeInputs(run);
-        QByteArray arguments = "-i a.hts -o b.hts -c c.txt";
-        arguments.replace(file, "/dev/zero");
-        run.startShell(
-            QStringLiteral("ulimit -c 0; ulimit -v %1; exec \"$PROGRAM\" ").arg(limit + 16 * 1024) +
-            QString::fromLatin1(arguments));
-        QCOMPARE(run.ended(), QByteArray("exit 1"));
-        QCOMPARE(withoutTime(run.read(QStringLiteral("b.log"))),
-                 logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n")
-                     .replace(file, "/dev/zero"));
-        QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
+        MonthlyRun run;
+        run.startShell(QStringLiteral("rm %1; ln -s /dev/zero %1").arg(QString::fromLatin1(file)));
+        run.convertAfter(QStringLiteral("ulimit -c 0; ulimit -v %1; exec").arg(limit + 16 * 1024));
+        QCOMPARE(run.outcome(), failed(kNoMemory));
     }
 
 private:
@@ -84,23 +74,21 @@ private:
 
     Outcome runWithLimit(int kilobytes)
     {
-        AnnualizerRun run;
-        run.write(QStringLiteral("a.hts"), m_input);
-        run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
-        run.write(QStringLiteral("b.hts"), kOldResult);
+        MonthlyRun run;
+        run.write("a.hts", m_input);
+        run.write("b.hts", kOldResult);
         // Without the counts of a coverage build.
-        run.environment.insert(QStringLiteral("GCOV_PREFIX"), run.path(QStringLiteral("counts")));
-        run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1 || exit 127; "
-                                      "exec \"$PROGRAM\" -i a.hts -o b.hts -c c.txt")
-                           .arg(kilobytes));
-        const QByteArray result = run.read(QStringLiteral("b.hts"));
-        const QByteArray log = withoutTime(run.read(QStringLiteral("b.log")));
+        run.set("GCOV_PREFIX", run.path("counts"));
+        run.convertAfter(
+            QStringLiteral("ulimit -c 0; ulimit -v %1 || exit 127; exec").arg(kilobytes));
+        const QByteArray result = run.result();
+        const QByteArray log = run.log();
         m_details = QByteArray::number(kilobytes) + " KiB: exit code " +
                     QByteArray::number(run.exitCode) + ", result of " +
                     QByteArray::number(result.size()) + " bytes\n" + run.output + run.errors + log;
         if (run.exitCode == 0) {
             const bool isWhole =
-                result == m_result && log == logWithOutcome(kCreated) && run.output.isEmpty();
+                result == m_result && log == converted().at(1) && run.output.isEmpty();
             return isWhole ? Outcome::Success : Outcome::Wrong;
         }
         if (run.exitCode == 127)
@@ -117,10 +105,8 @@ private:
         if (isWithoutLibrary)
             return result == kOldResult && log == "(no file)" ? Outcome::NotStarted
                                                               : Outcome::Wrong;
-        const bool isReportedInTheLog =
-            log == logWithOutcome("HtsAnnualizer Error: \nNot enough memory\n\n") &&
-            run.output.isEmpty();
-        const bool isReportedOnTheConsole = run.output == kNoMemory;
+        const bool isReportedInTheLog = log == failed(kNoMemory).at(1) && run.output.isEmpty();
+        const bool isReportedOnTheConsole = run.output == errorText(kNoMemory);
         const bool isReported = run.exitCode == 1 && (isReportedInTheLog || isReportedOnTheConsole);
         const bool isResultUnfinished = result == kOldResult || m_result.startsWith(result);
         return isReported && isResultUnfinished ? Outcome::NoMemory : Outcome::Wrong;

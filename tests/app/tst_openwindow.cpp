@@ -40,8 +40,8 @@ private Q_SLOTS:
 
     void windowIsStartedByALink_data()
     {
-        addColumns<const char*, const char*>("before", "expected");
-        addRows<const char*, const char*>(
+        addTable<const char*, const char*>(
+            {"before", "expected"},
             {{"installed", "chmod +x HtsAnnualizerWindow", "0 HtsAnnualizerWindow\nexit 7"},
              {"missing", "rm HtsAnnualizerWindow",
               "HtsAnnualizer Error: The window is not installed: install "
@@ -56,8 +56,8 @@ private Q_SLOTS:
         QFETCH(QString, before);
         QFETCH(QString, expected);
         AnnualizerRun run;
-        QVERIFY(QFile::copy(QStringLiteral(HTS_ANNUALIZER), run.path(QStringLiteral("program"))));
-        run.write(QStringLiteral("HtsAnnualizerWindow"), "#!/bin/sh\necho $# ${0##*/}\nexit 7\n");
+        QVERIFY(QFile::copy(QStringLiteral(HTS_ANNUALIZER), run.path("program")));
+        run.write("HtsAnnualizerWindow", "#!/bin/sh\necho $# ${0##*/}\nexit 7\n");
         run.startShell(before + QStringLiteral("; mkdir bin && ln -s ../program bin/HtsAnnualizer "
                                                "&& PATH=bin:$PATH && exec HtsAnnualizer"));
         QCOMPARE(QString::fromUtf8(run.ended()), expected);
@@ -66,8 +66,8 @@ private Q_SLOTS:
     void windowNeedsAPlatform()
     {
         AnnualizerRun run;
-        run.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("none"));
-        run.startShell(QStringLiteral("ulimit -c 0; exec \"$PROGRAM\""));
+        run.set("QT_QPA_PLATFORM", QStringLiteral("none"));
+        run.startShell("ulimit -c 0; exec \"$PROGRAM\"");
         QVERIFY(run.errors.contains("no Qt platform plugin could be initialized"));
         QCOMPARE(run.exitCode, -1);
     }
@@ -76,7 +76,7 @@ private Q_SLOTS:
     void windowTakesThePlaceOfTheProgram()
     {
         AnnualizerRun run;
-        run.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        run.set("QT_QPA_PLATFORM", QStringLiteral("offscreen"));
         run.startShell(QStringLiteral(
             "\"$PROGRAM\" & until grep -q HtsAnnualizerWindow /proc/$!/maps; do sleep 0.02; done; "
             "kill $!; wait $!"));
@@ -86,7 +86,7 @@ private Q_SLOTS:
     void windowRefusesArguments()
     {
         ProcessRun run(QStringLiteral(WINDOW_PROGRAM));
-        run.start({QStringLiteral("-v")});
+        run.start("-v");
         QCOMPARE(run.ended(), QByteArray("HtsAnnualizerWindow Error: Takes no arguments; "
                                          "HtsAnnualizer does\nexit 1"));
     }

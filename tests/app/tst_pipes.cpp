@@ -6,11 +6,11 @@
 #include "tests/app/annualizerrun.h"
 #include "tests/support/testmain.h"
 
-static void writeBothInputs(const AnnualizerRun& run)
+// "a.hts" is the input, "w.hts" has Windows line ends.
+struct PipeRun : MonthlyRun
 {
-    writeInputs(run);
-    run.write(QStringLiteral("w.hts"), monthlyFile().replace("\n", "\r\n"));
-}
+    PipeRun() { write("w.hts", monthlyFile().replace("\n", "\r\n")); }
+};
 
 // What the rows of addWriterRows() are converted to.
 static QByteArray expectedResult(const QString& writer)
@@ -41,12 +41,9 @@ private Q_SLOTS:
     void writerStaysOpen()
     {
         QFETCH(QString, writer);
-        AnnualizerRun run;
-        writeBothInputs(run);
+        PipeRun run;
         run.startShell(commandWithOpenPipe(writer));
-        QCOMPARE(run.ended(), QByteArray("exit 0"));
-        QCOMPARE(run.read(QStringLiteral("b.hts")), expectedResult(writer));
-        QVERIFY(run.read(QStringLiteral("b.log")).endsWith(kCreated));
+        compareSuccess(run, writer);
     }
 
     void writerWaitsForTheResult_data() { addWriterRows(); }
@@ -62,69 +59,62 @@ private Q_SLOTS:
              {"mkfifo p q; %1 > p & \"$PROGRAM\" -i p -o q -c c.txt -l b.log; code=$?; wait; exit "
               "$code",
               "mkfifo q; %1 | \"$PROGRAM\" -i /dev/stdin -o q -c c.txt -l b.log"}) {
-            AnnualizerRun run;
-            writeBothInputs(run);
+            PipeRun run;
             run.startShell(QString::fromLatin1(command).arg(exchange));
-            QCOMPARE(run.ended(), QByteArray("exit 0"));
-            QCOMPARE(run.read(QStringLiteral("b.hts")), expectedResult(writer));
-            QVERIFY(run.read(QStringLiteral("b.log")).endsWith(kCreated));
+            compareSuccess(run, writer);
         }
     }
 
     void writerWaitsForTheFailure_data()
     {
-        addColumns<QString, QByteArray>("writer", "reason");
-        const QByteArray noYear = "Cannot create a complete year from the input HTS file";
-        QTest::newRow("no run") << QStringLiteral(
-                                       "printf 'number_of_runs:0\nEND_PACKAGE_PREAMBLE\n'")
-                                << noYear;
-        QTest::newRow("empty line in a preamble")
-            << QStringLiteral("printf '\n'") << QByteArray("Cannot read package preamble");
-        QTest::newRow("bad timestep") << QStringLiteral("sed s/2001-12-31.24:00$/June/ a.hts")
-                                      << QByteArray("Cannot read run preamble");
-        QTest::newRow("annual already") << QStringLiteral("sed s/unit:month/unit:year/ a.hts")
-                                        << QByteArray("Source HTS File already in annual timestep");
-        QTest::newRow("no complete year")
-            << QStringLiteral("sed s/unit:month/unit:week/ a.hts") << noYear;
-        QTest::newRow("missing units")
-            << QStringLiteral("sed s/units/unit/ a.hts")
-            << QByteArray("Cannot read HTS file: Missing units or scale");
+        const char noYear[] = "Cannot create a complete year from the input HTS file";
+        addTable<const char*, QByteArray>(
+            {"writer", "reason"},
+            {{"no run", "printf 'number_of_runs:0\nEND_PACKAGE_PREAMBLE\n'", noYear},
+             {"empty line in a preamble", "printf '\n'", "Cannot read package preamble"},
+             {"bad timestep", "sed s/2001-12-31.24:00$/June/ a.hts", "Cannot read run preamble"},
+             {"annual already", "sed s/unit:month/unit:year/ a.hts",
+              "Source HTS File already in annual timestep"},
+             {"no complete year", "sed s/unit:month/unit:week/ a.hts", noYear},
+             {"missing units", "sed s/units/unit/ a.hts",
+              "Cannot read HTS file: Missing units or scale"}});
     }
 
     void writerWaitsForTheFailure()
     {
         QFETCH(QString, writer);
         QFETCH(QByteArray, reason);
-        AnnualizerRun run;
-        writeInputs(run);
+        MonthlyRun run;
         run.startShell(commandWithOpenPipe(writer));
         QCOMPARE(run.output, QByteArray());
         QCOMPARE(run.exitCode, 1);
-        QCOMPARE(run.read(QStringLiteral("b.hts")), QByteArray());
-        QVERIFY(run.read(QStringLiteral("b.log"))
-                    .endsWith("HtsAnnualizer Error: \n" + reason + "\n\n"));
+        QCOMPARE(run.result(), QByteArray());
+        QVERIFY(run.log().endsWith(errorText('\n' + reason)));
     }
 
 private:
-    // Rows of shell commands that write an input. "a.hts" is the input, "w.hts" has Windows line
-    // ends.
+    static void compareSuccess(const AnnualizerRun& run, const QString& writer)
+    {
+        QCOMPARE(run.ended(), QByteArray("exit 0"));
+        QCOMPARE(run.result(), expectedResult(writer));
+        QVERIFY(run.log().endsWith(kCreated));
+    }
+
+    // Rows of shell commands that write an input.
     static void addWriterRows()
     {
-        QTest::addColumn<QString>("writer");
-        QTest::newRow("at once") << QStringLiteral("cat a.hts");
-        QTest::newRow("Windows line ends") << QStringLiteral("cat w.hts");
-        QTest::newRow("byte by byte") << QStringLiteral("dd if=a.hts bs=1 2>dd.txt");
-        QTest::newRow("byte by byte, Windows line ends")
-            << QStringLiteral("dd if=w.hts bs=1 2>dd.txt");
-        QTest::newRow("last line end on its own")
-            << QStringLiteral("printf %s \"$(cat a.hts)\"; echo");
-        QTest::newRow("text after the last run")
-            << QStringLiteral("cat a.hts; echo END_RUN; echo text");
-        QTest::newRow("no line end after the last run")
-            << QStringLiteral("cat a.hts; printf 'not a line'");
-        QTest::newRow("several runs") << QStringLiteral(
-            "sed s/number_of_runs:1/number_of_runs:3/ a.hts; sed 1,/END_PACKAGE_PREAMBLE/d a.hts; "
-            "sed 1,/END_PACKAGE_PREAMBLE/d a.hts");
+        addTable<const char*>(
+            {"writer"},
+            {{"at once", "cat a.hts"},
+             {"Windows line ends", "cat w.hts"},
+             {"byte by byte", "dd if=a.hts bs=1 2>dd.txt"},
+             {"byte by byte, Windows line ends", "dd if=w.hts bs=1 2>dd.txt"},
+             {"last line end on its own", "printf %s \"$(cat a.hts)\"; echo"},
+             {"text after the last run", "cat a.hts; echo END_RUN; echo text"},
+             {"no line end after the last run", "cat a.hts; printf 'not a line'"},
+             {"several runs",
+              "sed s/number_of_runs:1/number_of_runs:3/ a.hts; sed 1,/END_PACKAGE_PREAMBLE/d "
+              "a.hts; sed 1,/END_PACKAGE_PREAMBLE/d a.hts"}});
     }
 };
 

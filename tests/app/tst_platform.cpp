@@ -12,18 +12,15 @@ class TestPlatform : public QObject
 private Q_SLOTS:
     void endWithoutACatcher_data()
     {
-        QTest::addColumn<int>("exitCode"); // -1 for an end by a signal
-        QTest::addColumn<QByteArray>("console");
-        QTest::addColumn<QByteArray>("errors");
-        const QByteArray none;
-        const QByteArray noMemory = "HtsAnnualizer Error: Not enough memory\n\n";
-        QTest::newRow("bad_alloc") << 1 << noMemory << none;
-        QTest::newRow("bad_array_new_length") << 1 << noMemory << none;
-        QTest::newRow("logic_error") << -1 << none << none;
-        QTest::newRow("terminate") << -1 << none << none;
-        QTest::newRow("qFatal") << -1 << none << QByteArray("of the toolkit\n");
-        QTest::newRow("qWarning") << 0 << none << none;
-        QTest::newRow("nothing") << 0 << none << none;
+        const char noMemory[] = "HtsAnnualizer Error: Not enough memory\n\n";
+        addTable<int, QByteArray, QByteArray>({"exitCode", "console", "errors"}, // -1 for a signal
+                                              {{"bad_alloc", 1, noMemory, ""},
+                                               {"bad_array_new_length", 1, noMemory, ""},
+                                               {"logic_error", -1, "", ""},
+                                               {"terminate", -1, "", ""},
+                                               {"qFatal", -1, "", "of the toolkit\n"},
+                                               {"qWarning", 0, "", ""},
+                                               {"nothing", 0, "", ""}});
     }
 
     void endWithoutACatcher()

@@ -28,9 +28,19 @@ void ProcessRun::start(const QStringList& arguments, const QByteArray& input)
     execute(m_program, arguments, input);
 }
 
+void ProcessRun::start(const char* line)
+{
+    start(words(line));
+}
+
 void ProcessRun::startShell(const QString& command)
 {
     execute(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), command}, {});
+}
+
+void ProcessRun::set(const char* variable, const QString& value)
+{
+    environment.insert(QString::fromLatin1(variable), value);
 }
 
 void ProcessRun::execute(const QString& program, const QStringList& arguments,
@@ -66,6 +76,11 @@ void ProcessRun::write(const QString& name, const QByteArray& content) const
     QFile file(path(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write %s", qPrintable(file.fileName()));
+}
+
+void ProcessRun::write(const char* name, const QByteArray& content) const
+{
+    write(QString::fromUtf8(name), content);
 }
 
 QByteArray ProcessRun::read(const QString& name) const

@@ -11,7 +11,7 @@
 //
 //     ProcessRun run(QStringLiteral("/path/of/program"));
 //     run.write("a.hts", text);
-//     run.start({"-i", "a.hts"});
+//     run.start("-i a.hts");
 //     QCOMPARE(run.exitCode, 0);
 //
 // The environment is empty except for LC_ALL=C.UTF-8, PATH and the options of the sanitizers;
@@ -24,8 +24,12 @@ public:
     // Runs the program to its end, with `input` on its standard input. An end by a signal shows as
     // exit code -1.
     void start(const QStringList& arguments, const QByteArray& input = {});
+    // The same with the words of `line`.
+    void start(const char* line);
     // The same through a shell, for redirections; $PROGRAM is the program.
     void startShell(const QString& command);
+    void startShell(const char* command) { startShell(QString::fromUtf8(command)); }
+    void set(const char* variable, const QString& value);
 
     // What the run printed, and its exit code: "exit 0" for a success without a word.
     QByteArray ended() const;
@@ -36,6 +40,11 @@ public:
     QByteArray read(const QString& name) const;
     bool exists(const QString& name) const;
     QStringList files() const;
+    // The same for names that are literals, in UTF-8.
+    QString path(const char* name) const { return path(QString::fromUtf8(name)); }
+    void write(const char* name, const QByteArray& content) const;
+    QByteArray read(const char* name) const { return read(QString::fromUtf8(name)); }
+    bool exists(const char* name) const { return exists(QString::fromUtf8(name)); }
 
     QProcessEnvironment environment;
     int exitCode = -2;

@@ -1,6 +1,7 @@
 #ifndef TESTMAIN_H
 #define TESTMAIN_H
 
+#include <array>
 #include <initializer_list>
 #include <memory>
 #include <tuple>
@@ -65,6 +66,24 @@ void addRows(std::initializer_list<std::tuple<const char*, Types...>> rows)
         };
         std::apply(add, row);
     }
+}
+
+// Both at once: addTable<int>({"lines"}, {{"one", 1}, {"two", 2}}).
+template<typename... Types>
+void addTable(const std::array<const char*, sizeof...(Types)>& columns,
+              std::initializer_list<std::tuple<const char*, Types...>> rows)
+{
+    std::apply([](auto... names) { addColumns<Types...>(names...); }, columns);
+    addRows<Types...>(rows);
+}
+
+// A table of one column of QString, whose rows have their text, in UTF-8, as their name.
+template<typename Texts = std::initializer_list<const char*>>
+void addTexts(const char* column, const Texts& texts)
+{
+    addColumns<QString>(column);
+    for (const char* const text : texts)
+        addRows<const char*>({{text, text}});
 }
 
 #endif // TESTMAIN_H
