@@ -60,7 +60,8 @@ private Q_SLOTS:
                  QByteArray("git|scripts/test|PATH=$PWD/build/release/app:$PWD/build/release/tool:"
                             "$PATH|object_type:|Choptank.Volume.Daily:|HtsAnnualizer|units:|echo|"
                             "HtsAnnualizer|htstool|run,trace,object,slot,units,time,value,year"
-                            "\n1,,Choptank,Flow,m3/s,2000-10-01T00:00:00,4.723110711085,2000|$"));
+                            "\n1,,Choptank,Flow,m3/s,2000-10-01T00:00:00,4.723110711085,2000|$|"
+                            "scripts/package\nsudo|cmake"));
     }
 
     void everyTerminalHasATest_data()
