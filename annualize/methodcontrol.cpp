@@ -252,14 +252,15 @@ RuleId MethodControl::ruleFor(const HtsSlot& slot) const
     return first;
 }
 
-std::vector<RuleId> MethodControl::matchingRules(const HtsSlot& slot) const
+MatchingRules MethodControl::matchingRules(const HtsSlot& slot) const
 {
-    std::vector<RuleId> rules;
-    forEachMatch(slot, [&rules](RuleId rule) { rules.push_back(rule); });
+    MatchingRules rules;
+    forEachMatch(slot, [&rules](RuleId rule) {
+        if (rule != kNoRule)
+            rules.append(rule);
+    });
     std::sort(rules.begin(), rules.end());
     rules.erase(std::unique(rules.begin(), rules.end()), rules.end());
-    if (!rules.empty() && rules.back() == kNoRule)
-        rules.pop_back();
     return rules;
 }
 

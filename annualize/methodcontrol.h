@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QVarLengthArray>
 
 #include "hts/htsslot.h"
 #include "hts/status.h"
@@ -41,6 +42,8 @@ QString ruleFaultText(RuleFault fault);
 // an earlier one is less.
 using RuleId = QByteArray::size_type;
 constexpr RuleId kNoRule = std::numeric_limits<RuleId>::max();
+// One for each combination of the object's name, its type and "*" with the slot's name and "*".
+using MatchingRules = QVarLengthArray<RuleId, 6>;
 
 // The rules of a method control file: which aggregation method each slot gets. A rule is a line
 // "Object.Slot: method". Object or slot may be "*" for all; the object may be an object type, for
@@ -75,7 +78,7 @@ public:
     RuleId firstLike(RuleId rule) const;
     // Of the rules that match the slot, the first for each combination of a name, a type and "*",
     // in the order of the file.
-    std::vector<RuleId> matchingRules(const HtsSlot& slot) const;
+    MatchingRules matchingRules(const HtsSlot& slot) const;
 
 private:
     // The bytes of a name, as m_rules has them, and their hash.

@@ -91,7 +91,8 @@ FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
     }
     for (const Topic* topic : findingTopics()) {
         m_checks.push_back(topic->makeCheck(m_context));
-        m_reader.addObserver(*m_checks.back());
+        if (HtsReader::Observer* observer = m_checks.back()->lineObserver())
+            m_reader.addObserver(*observer);
     }
 }
 

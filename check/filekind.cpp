@@ -73,6 +73,8 @@ bool isUtf16(const QByteArray& block)
 {
     if (block.startsWith("\xff\xfe") || block.startsWith("\xfe\xff"))
         return true;
+    if (!block.contains('\0'))
+        return false;
     int nuls[2] = {0, 0};
     for (int i = 0; i < block.size(); ++i)
         nuls[i % 2] += block.at(i) == '\0' ? 1 : 0;
@@ -143,6 +145,11 @@ QByteArrayList linesOf(const QByteArray& block)
     return lines;
 }
 
+bool hasHtsLine(const QByteArrayList& lines)
+{
+    return std::any_of(lines.begin(), lines.end(), isHtsLine);
+}
+
 const char* formatOf(const QByteArray& block)
 {
     if (block.isEmpty())
@@ -153,8 +160,11 @@ const char* formatOf(const QByteArray& block)
         return "is text in UTF-16; save it as UTF-8";
     if (!block.contains('\n') && block.count('\r') > 1)
         return "has lines that end with CR alone; save it with LF or CR LF";
+    // Nearly every HTS file is known by its first line.
+    if (hasHtsLine(linesOf(block.left(block.indexOf('\n') + 1))))
+        return nullptr;
     const QByteArrayList lines = linesOf(block);
-    if (std::any_of(lines.begin(), lines.end(), isHtsLine))
+    if (hasHtsLine(lines))
         return nullptr;
     if (block.contains('\0'))
         return "is binary data, not text; look at what it is";

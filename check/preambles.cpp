@@ -70,10 +70,10 @@ bool isInteger(const QString& text)
 
 // Checks the lines of preambles and column headers, whichever the section is: keys, their values,
 // and the lines between them.
-class PreambleCheck : public TopicCheck
+class PreambleCheck : public LineCheck
 {
 public:
-    using TopicCheck::TopicCheck;
+    using LineCheck::LineCheck;
 
     void sectionBegins(Section section) override;
     void ignoredLine(std::string_view line) override;

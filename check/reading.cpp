@@ -46,10 +46,10 @@ const FindingKind& kindOf(QLatin1String expected)
 }
 
 // Reports why reading ends before the end of the last run.
-class ReadingCheck : public TopicCheck
+class ReadingCheck : public LineCheck
 {
 public:
-    using TopicCheck::TopicCheck;
+    using LineCheck::LineCheck;
 
     void unexpectedLine(QLatin1String expected, std::string_view line) override;
     void finish() override;

@@ -68,10 +68,10 @@ const CopiedKey kCopiedKeys[] = {
 
 // Compares later runs with the first, whose slots, headers and years a conversion uses for all of
 // them. The values of a slot go to the slot of the first run in the same position.
-class RunCheck : public TopicCheck
+class RunCheck : public LineCheck
 {
 public:
-    using TopicCheck::TopicCheck;
+    using LineCheck::LineCheck;
 
     void runRead() override;
     void slotRead() override;

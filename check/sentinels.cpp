@@ -1,6 +1,7 @@
 #include "check/sentinels.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -27,6 +28,18 @@ bool isFinite(double value)
     return std::fabs(value) <= std::numeric_limits<double>::max();
 }
 
+// What is read from a text of that many digits of a number.
+double asPrinted(double number, int digits)
+{
+    constexpr std::size_t kRoom = 32; // for sign, point, 17 digits and exponent
+    char text[kRoom];
+    const char* const end =
+        std::to_chars(text, text + kRoom, number, std::chars_format::general, digits).ptr;
+    double read = 0.0;
+    std::from_chars(text, end, read);
+    return read;
+}
+
 // The number, and what is read from texts of seven digits and more that a program prints after it
 // held the number in 32 bits.
 std::vector<double> readingsOf(double number)
@@ -38,7 +51,7 @@ std::vector<double> readingsOf(double number)
     const auto held = double(static_cast<float>(number));
     const double half = std::ldexp(std::fabs(held), -std::numeric_limits<float>::digits - 1);
     for (int digits = kLeastDigits; digits <= std::numeric_limits<double>::max_digits10; ++digits) {
-        const double reading = QString::number(held, 'g', digits).toDouble();
+        const double reading = asPrinted(held, digits);
         if (std::fabs(reading - held) <= half) // else it is the text of another number
             readings.push_back(reading);
     }
@@ -96,6 +109,8 @@ Sentinels::Sentinels(const std::vector<double>& given)
         add(number, false);
     std::stable_sort(m_readings.begin(), m_readings.end(),
                      [](const Reading& a, const Reading& b) { return a.value < b.value; });
+    const auto isSame = [](const Reading& a, const Reading& b) { return !(a.value < b.value); };
+    m_readings.erase(std::unique(m_readings.begin(), m_readings.end(), isSame), m_readings.end());
 }
 
 void Sentinels::add(double number, bool isGiven)
@@ -117,6 +132,20 @@ inline const Sentinels::Reading* Sentinels::readingOf(double value) const
         std::lower_bound(m_readings.begin(), m_readings.end(), value,
                          [](const Reading& a, double wanted) { return a.value < wanted; });
     return reading != m_readings.end() && reading->value == value ? &*reading : nullptr;
+}
+
+// Whether a value of the slot may be one of the numbers, with next to no effort for most slots.
+bool Sentinels::mayOccurIn(const Slot& slot) const
+{
+    const auto first = std::lower_bound(m_readings.begin(), m_readings.end(), slot.extent.low,
+                                        [](const Reading& a, double low) { return a.value < low; });
+    const auto last =
+        std::upper_bound(first, m_readings.end(), slot.extent.high,
+                         [](double high, const Reading& a) { return high < a.value; });
+    constexpr std::ptrdiff_t kFew = 4; // faster one after the other, as registers compare at once
+    return last - first > kFew || std::any_of(first, last, [&slot](const Reading& reading) {
+               return std::count(slot.values.begin(), slot.values.end(), reading.value) > 0;
+           });
 }
 
 std::vector<Sentinels::Occurrence> Sentinels::occurrencesIn(const Slot& slot) const
@@ -176,6 +205,8 @@ std::size_t Sentinels::countNear(const Slot& slot, double number) const
 std::vector<Sentinels::Occurrence> Sentinels::findIn(const Slot& slot) const
 {
     Q_ASSERT(slot.count <= slot.values.size());
+    if (!mayOccurIn(slot))
+        return {};
     std::vector<Occurrence> found = occurrencesIn(slot);
     if (found.empty())
         return found;

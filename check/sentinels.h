@@ -8,6 +8,8 @@
 
 #include <QString>
 
+#include "check/valueextent.h"
+
 // Numbers that mark missing values in the files of other programs, such as -999 and -99.9, and how
 // they occur in a slot. They are compared as printed: with -99.9 any text of that number counts,
 // and any of the number that 32 bits hold for it, such as -99.900001525879.
@@ -27,6 +29,7 @@ public:
         std::size_t count; // of the values that are the slot's, from the first on
         // Indexes of values that the file does not have as numbers; ascending.
         const std::vector<std::size_t>& noNumbers;
+        ValueExtent extent = extentOf(values);
     };
 
     // One of the numbers, among the values of a slot.
@@ -65,12 +68,13 @@ private:
     static std::size_t filterIndex(double value);
     bool passesFilter(double value) const;
     const Reading* readingOf(double value) const;
+    bool mayOccurIn(const Slot& slot) const;
     std::vector<Occurrence> occurrencesIn(const Slot& slot) const;
     template<typename Take>
     void forEachOther(const Slot& slot, Take take) const;
     std::size_t countNear(const Slot& slot, double number) const;
 
-    std::vector<Reading> m_readings; // by value
+    std::vector<Reading> m_readings; // by value, one for each
     // A bit for each hash of kFilterBits, set if a reading has it. It rules out nearly all values
     // of a file, and costs next to nothing.
     std::array<std::uint64_t, (1U << kFilterBits) / 64> m_filter = {};

@@ -31,10 +31,10 @@ constexpr FindingKind kMethodKey = {
     "Write the key as the format has it."};
 
 // Checks names, type and method line of each slot.
-class SlotCheck : public TopicCheck
+class SlotCheck : public LineCheck
 {
 public:
-    using TopicCheck::TopicCheck;
+    using LineCheck::LineCheck;
 
     void slotPreambleRead(const HtsSlot& slot) override;
     void unexpectedLine(QLatin1String expected, std::string_view line) override;

@@ -17,10 +17,10 @@ constexpr FindingKind kTableOverrun = {
     "Add the table's own `END_SLOT`."};
 
 // Checks the rows of table slots, and the lines after them up to the end of the slot.
-class TableCheck : public TopicCheck
+class TableCheck : public LineCheck
 {
 public:
-    using TopicCheck::TopicCheck;
+    using LineCheck::LineCheck;
 
     void tableRow(const HtsSlot& table, int row, std::string_view line) override;
     void lineAfterTable(const HtsSlot& table, std::string_view line) override;

@@ -328,10 +328,10 @@ void TimestepsOfRun::reportLeftOut(qint64 line, const WholeYears& years, const Q
                        reason);
 }
 
-class TimestepCheck : public TopicCheck
+class TimestepCheck : public LineCheck
 {
 public:
-    using TopicCheck::TopicCheck;
+    using LineCheck::LineCheck;
 
     void runRead() override;
     void unexpectedLine(QLatin1String expected, std::string_view line) override;

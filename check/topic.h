@@ -8,12 +8,16 @@
 #include "check/finding.h"
 #include "hts/htsreader.h"
 
-// The check of one topic. It sees each line, as the reader reports it, and each section after the
-// conversion has taken it. All functions do nothing unless they are overridden.
-class TopicCheck : public HtsReader::Observer
+// The check of one topic. It sees each section after the conversion has taken it. All functions do
+// nothing unless they are overridden.
+class TopicCheck
 {
 public:
     explicit TopicCheck(CheckContext& context) : m_context(context) {}
+    virtual ~TopicCheck() = default;
+
+    // What sees each line, if the check has to; else null, which saves a call for each.
+    virtual HtsReader::Observer* lineObserver() { return nullptr; }
 
     // A slot whose values have not been read yet; not for tables.
     virtual void beforeValues() {}
@@ -33,6 +37,14 @@ protected:
     }
 
     CheckContext& m_context;
+};
+
+// A check that sees each line too, as the reader reports it.
+class LineCheck : public TopicCheck, public HtsReader::Observer
+{
+public:
+    using TopicCheck::TopicCheck;
+    HtsReader::Observer* lineObserver() final { return this; }
 };
 
 // One topic: a file of check/, which has the kinds of its findings and the functions that find

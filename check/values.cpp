@@ -71,21 +71,12 @@ bool isNan(std::string_view line)
            (line[2] | ' ') == 'n';
 }
 
-// Number of values that are missing: NaN or infinite.
-std::size_t missingCount(const HtsColumn& values)
-{
-    std::size_t usable = 0;
-    for (const double value : values)
-        usable += std::fabs(value) <= std::numeric_limits<double>::max() ? 1U : 0U;
-    return values.size() - usable;
-}
-
 // Checks the values of one slot after another: while they are read, the lines that are not plain
 // numbers; then the numbers; then the two lines that end the slot.
-class ValueCheck : public TopicCheck
+class ValueCheck : public LineCheck
 {
 public:
-    using TopicCheck::TopicCheck;
+    using LineCheck::LineCheck;
 
     void beforeValues() override;
     void oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line) override;
@@ -95,8 +86,8 @@ private:
     void checkOddLine(std::size_t index, qint64 lineNumber, std::string_view line);
     void checkNumber(qint64 lineNumber, std::string_view line);
     void reportText(qint64 lineNumber, std::string_view line);
-    void reportMissing(const HtsColumn& values, qint64 firstLine);
-    void reportSentinels(const HtsColumn& values, qint64 firstLine);
+    void reportMissing(std::size_t missing, qint64 firstLine);
+    void reportSentinels(const HtsColumn& values, const ValueExtent& extent, qint64 firstLine);
     void reportEndColumn(std::string_view line);
     void reportEndLine(const FindingKind& kind, QLatin1String expected, std::string_view line);
 
@@ -120,9 +111,10 @@ void ValueCheck::beforeValues()
     m_context.recovery.beginValues();
     const qint64 firstLine = m_context.reader.lineNumber() + 1;
     const HtsColumn& values = walk.values(); // oddValueLine() sees their lines
+    const ValueExtent extent = extentOf(values);
     if (!m_context.recovery.hasForeignLines())
-        reportMissing(values, firstLine);
-    reportSentinels(values, firstLine);
+        reportMissing(values.size() - extent.usable - m_infiniteValues, firstLine);
+    reportSentinels(values, extent, firstLine);
 }
 
 void ValueCheck::oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line)
@@ -181,9 +173,8 @@ void ValueCheck::reportText(qint64 lineNumber, std::string_view line)
     });
 }
 
-void ValueCheck::reportMissing(const HtsColumn& values, qint64 firstLine)
+void ValueCheck::reportMissing(std::size_t missing, qint64 firstLine)
 {
-    const std::size_t missing = missingCount(values) - m_infiniteValues;
     if (missing == 0)
         return;
     add(kMissingValues, firstLine, [&]() -> QString {
@@ -193,10 +184,11 @@ void ValueCheck::reportMissing(const HtsColumn& values, qint64 firstLine)
     });
 }
 
-void ValueCheck::reportSentinels(const HtsColumn& values, qint64 firstLine)
+void ValueCheck::reportSentinels(const HtsColumn& values, const ValueExtent& extent,
+                                 qint64 firstLine)
 {
     const std::size_t count = std::min(m_ownValues, values.size());
-    for (const auto& found : m_context.sentinels.findIn({values, count, m_noNumbers})) {
+    for (const auto& found : m_context.sentinels.findIn({values, count, m_noNumbers, extent})) {
         const qint64 line = firstLine + static_cast<qint64>(found.first);
         const QString number = sentinelText(found.number);
         const QString times =

@@ -23,9 +23,6 @@ void HtsPackage::append(HtsWalk& walk)
     if (walk.place() == HtsWalk::Place::Run) {
         runs.append(walk.run());
         values.emplace_back();
-        // Runs mostly have the timesteps of the run before.
-        if (runs.size() > 1)
-            shareIfEqual(runs.last().timesteps, runs.at(runs.size() - 2).timesteps);
     } else if (walk.place() == HtsWalk::Place::Slot && walk.slot().preambleRead) {
         appendSlot(walk);
     }
