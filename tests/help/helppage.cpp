@@ -2,6 +2,16 @@
 
 #include <QXmlStreamReader>
 
+QString PageElement::attribute(const char* attribute) const
+{
+    return attributes.value(QLatin1String(attribute));
+}
+
+bool PageElement::isInside(const char* element) const
+{
+    return path.contains(QLatin1String(element));
+}
+
 HelpPage::HelpPage(const QByteArray& html)
 {
     QXmlStreamReader reader(html);
@@ -29,28 +39,36 @@ HelpPage::HelpPage(const QByteArray& html)
         error = QStringLiteral("line %1: %2").arg(reader.lineNumber()).arg(reader.errorString());
 }
 
-QVector<PageElement> HelpPage::named(const QString& name) const
+QVector<PageElement> HelpPage::named(const char* name) const
 {
     QVector<PageElement> result;
     for (const PageElement& element : elements) {
-        if (element.name == name)
+        if (element.name == QLatin1String(name))
             result.append(element);
     }
     return result;
 }
 
+PageElement HelpPage::only(const char* name) const
+{
+    const QVector<PageElement> found = named(name);
+    if (found.size() != 1)
+        qFatal("%d elements %s", static_cast<int>(found.size()), name);
+    return found.first();
+}
+
 QStringList HelpPage::codes() const
 {
     QStringList result;
-    for (const PageElement& code : named(QStringLiteral("code")))
+    for (const PageElement& code : named("code"))
         result.append(code.text.simplified());
     return result;
 }
 
-QString HelpPage::textOf(const QString& id) const
+QString HelpPage::textOf(const char* id) const
 {
     for (const PageElement& element : elements) {
-        if (element.attributes.value(QStringLiteral("id")) == id)
+        if (element.attribute("id") == QLatin1String(id))
             return element.text;
     }
     return {};
@@ -58,6 +76,5 @@ QString HelpPage::textOf(const QString& id) const
 
 QString HelpPage::bodyText() const
 {
-    const QVector<PageElement> bodies = named(QStringLiteral("body"));
-    return bodies.isEmpty() ? QString() : bodies.first().text.simplified();
+    return only("body").text.simplified();
 }

@@ -14,6 +14,10 @@ struct PageElement
     QMap<QString, QString> attributes;
     QString text;
     QStringList path; // names of the elements around it, outermost first
+
+    // The value of the attribute; empty when it has none.
+    QString attribute(const char* attribute) const;
+    bool isInside(const char* element) const;
 };
 
 // The help page, taken apart. It is written so that an XML reader can read it too: every element is
@@ -28,11 +32,13 @@ public:
     // In the order of their start tags.
     QVector<PageElement> elements;
 
-    QVector<PageElement> named(const QString& name) const;
+    QVector<PageElement> named(const char* name) const;
+    // The only one of that name.
+    PageElement only(const char* name) const;
     // Texts of the `code` elements, white space simplified.
     QStringList codes() const;
     // Text of the element with the id, an empty text when there is none.
-    QString textOf(const QString& id) const;
+    QString textOf(const char* id) const;
     // The whole text of the body, white space simplified.
     QString bodyText() const;
 };

@@ -177,7 +177,7 @@ private Q_SLOTS:
         const auto rows = tableRows(m_document, "| step | where | what happens |");
         const QByteArray result = codes(rows.last().value(2)).last().toUtf8();
         const QByteArrayList annual =
-            sourceFile(QStringLiteral("tests/app/golden/rivers_september.expected")).split('\n');
+            sourceFile("tests/app/golden/rivers_september.expected").split('\n');
         QCOMPARE(annual.value(annual.indexOf("method: Average") + 1), result);
     }
 
@@ -197,7 +197,7 @@ private:
         return found;
     }
 
-    QByteArray m_document = sourceFile(QStringLiteral("docs/architecture.md"));
+    QByteArray m_document = sourceFile("docs/architecture.md");
 };
 
 // A chain of arg() takes a "%2" in the text that it has filled in for a place.

@@ -18,8 +18,7 @@
 #include "hts/htskeys.h"
 #include "hts/htspackage.h"
 #include "hts/numbertext.h"
-#include "tests/app/annualizerrun.h"
-#include "tests/help/examplefolder.h"
+#include "tests/help/examplerun.h"
 #include "tests/help/markdown.h"
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
@@ -28,27 +27,12 @@ namespace {
 
 QByteArray formatDocument()
 {
-    return sourceFile(QStringLiteral("docs/hts-format.md"));
+    return sourceFile("docs/hts-format.md");
 }
 
 QByteArray controlDocument()
 {
-    return sourceFile(QStringLiteral("docs/control-file.md"));
-}
-
-// The block with its commands, and what their standard output is after each.
-QByteArray typed(AnnualizerRun& run, const QByteArray& block)
-{
-    QByteArrayList console;
-    for (const QByteArray& line : block.split('\n')) {
-        if (!line.startsWith("$ "))
-            continue;
-        run.startShell(QString::fromUtf8(line.mid(2)));
-        console.append(line);
-        if (!run.output.isEmpty())
-            console.append(asShown(run.output));
-    }
-    return console.join('\n');
+    return sourceFile("docs/control-file.md");
 }
 
 template<typename Model, std::size_t count>
@@ -131,19 +115,12 @@ class TestFormatDocs : public QObject
 private Q_SLOTS:
     void examplesPrintWhatIsShown_data()
     {
-        QTest::addColumn<QByteArray>("document");
-        QTest::addColumn<QByteArray>("fileStart"); // how the block with the example's file begins
-        QTest::addColumn<QString>("fileName");
-        QTest::addColumn<QByteArrayList>(
-            "otherStarts"); // those of blocks that nothing is done with
-        QTest::addColumn<int>("consoleCount");
-
-        QTest::newRow("HTS file") << formatDocument() << QByteArray("name:") << "lake.hts"
-                                  << QByteArrayList{"file ", "yyyy-M-d"} << 3;
-        QTest::newRow("control file") << controlDocument() << QByteArray("Upper Basin.")
-                                      << "methods.txt" << QByteArrayList{"file "} << 3;
-        QTest::newRow("tables") << sourceFile(QStringLiteral("docs/import.md")) << QByteArray("-")
-                                << "none" << QByteArrayList{} << 6;
+        // How the block with the example's file begins, and blocks that nothing is done with.
+        addTable<QByteArray, QByteArray, const char*, QByteArrayList, int>(
+            {"document", "fileStart", "fileName", "otherStarts", "consoleCount"},
+            {{"HTS file", formatDocument(), "name:", "lake.hts", {"file ", "yyyy-M-d"}, 3},
+             {"control file", controlDocument(), "Upper Basin.", "methods.txt", {"file "}, 3},
+             {"tables", sourceFile("docs/import.md"), "-", "none", {}, 6}});
     }
 
     void examplesPrintWhatIsShown()
@@ -154,12 +131,11 @@ private Q_SLOTS:
         QFETCH(QByteArrayList, otherStarts);
         QFETCH(int, consoleCount);
 
-        AnnualizerRun run;
-        makeExampleFolder(run);
+        CommandRun run;
         int consoles = 0;
         for (const QByteArray& block : codeBlocks(document)) {
             if (block.startsWith("$ ")) {
-                QCOMPARE(typed(run, block), block);
+                QCOMPARE(run.type(block), block);
                 ++consoles;
             } else if (block.startsWith(fileStart)) {
                 QVERIFY(!run.exists(fileName));

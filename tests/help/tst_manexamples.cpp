@@ -3,8 +3,7 @@
 
 #include <QtTest>
 
-#include "tests/app/annualizerrun.h"
-#include "tests/help/examplefolder.h"
+#include "tests/help/examplerun.h"
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 
@@ -27,8 +26,8 @@ QStringList examples(const char* page)
 // The commands with the folders of the test in place of those of an installation.
 QString typed(const AnnualizerRun& run, QString commands)
 {
-    commands.replace(QLatin1String("/tmp/"), run.path(QStringLiteral("tmp/")));
-    commands.replace(QLatin1String("@CMAKE_INSTALL_FULL_DOCDIR@"), run.path(QStringLiteral(".")));
+    commands.replace(QLatin1String("/tmp/"), run.path("tmp/"));
+    commands.replace(QLatin1String("@CMAKE_INSTALL_FULL_DOCDIR@"), run.path("."));
     return QStringLiteral("set -e\n") + commands;
 }
 
@@ -41,49 +40,43 @@ class TestManExamples : public QObject
 private Q_SLOTS:
     void programConvertsTheExample()
     {
-        AnnualizerRun run;
-        makeExampleFolder(run);
+        CommandRun run;
         run.startShell(typed(run, examples("HtsAnnualizer.1").value(0)));
         QCOMPARE(run.ended(), QByteArray("exit 0"));
-        QCOMPARE(run.read(QStringLiteral("tmp/annual.hts")),
-                 sourceFile(QStringLiteral("tests/app/golden/rivers_september.expected")));
+        QCOMPARE(run.read("tmp/annual.hts"), golden("rivers_september.expected"));
     }
 
     void programReadsACompressedFile()
     {
         QCOMPARE(examples("HtsAnnualizer.1").size(), 2);
-        AnnualizerRun run;
-        makeExampleFolder(run);
-        run.startShell(QStringLiteral("gzip -c examples/basins_monthly.hts >big.hts.gz; "
-                                      "cp examples/basins_monthly_methods.txt methods.txt"));
+        CommandRun run;
+        run.startShell("gzip -c examples/basins_monthly.hts >big.hts.gz; "
+                       "cp examples/basins_monthly_methods.txt methods.txt");
         run.startShell(typed(run, examples("HtsAnnualizer.1").value(1)));
         QCOMPARE(run.ended(), QByteArray("exit 0"));
-        QCOMPARE(run.read(QStringLiteral("annual.hts")),
-                 sourceFile(QStringLiteral("tests/app/golden/basins_december.expected")));
+        QCOMPARE(run.read("annual.hts"), golden("basins_december.expected"));
     }
 
     void toolChecksAndExportsTheExample()
     {
         QCOMPARE(examples("htstool.1").size(), 1);
-        AnnualizerRun run;
-        makeExampleFolder(run);
+        CommandRun run;
         run.startShell(typed(run, examples("htstool.1").value(0)));
         QVERIFY(run.output.contains(": plan: Choptank.Flow: Average, rule of line 4\n"));
         QCOMPARE(run.exitCode, 0);
-        QVERIFY(run.read(QStringLiteral("tmp/rivers.csv")).startsWith("run,trace,time,"));
-        QVERIFY(run.read(QStringLiteral("tmp/rivers.hts")).startsWith("name:rivers\n"));
+        QVERIFY(run.read("tmp/rivers.csv").startsWith("run,trace,time,"));
+        QVERIFY(run.read("tmp/rivers.hts").startsWith("name:rivers\n"));
     }
 
     void formatExampleIsReadAsItSays()
     {
         QCOMPARE(examples("hts.5").size(), 1);
-        AnnualizerRun run;
-        makeExampleFolder(run);
-        run.write(QStringLiteral("a.hts"), examples("hts.5").value(0).toUtf8());
+        CommandRun run;
+        run.write("a.hts", examples("hts.5").value(0).toUtf8());
         // Three months are no year, and one value is missing; nothing else is wrong.
-        run.startShell(QStringLiteral("htstool check a.hts | grep -o '[[][a-z-]*[]]$'"));
+        run.startShell("htstool check a.hts | grep -o '[[][a-z-]*[]]$'");
         QCOMPARE(run.output, QByteArray("[no-complete-year]\n[missing-values]\n"));
-        run.startShell(QStringLiteral("htstool export --wide -o - a.hts"));
+        run.startShell("htstool export --wide -o - a.hts");
         QCOMPARE(run.output.replace('\r', ""), QByteArray("run,trace,time,Lake A.Outflow [cms]\n"
                                                           "1,,2000-02-01T00:00:00,12.5\n"
                                                           "1,,2000-03-01T00:00:00,\n"

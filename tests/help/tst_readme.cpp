@@ -4,7 +4,7 @@
 
 #include <QtTest>
 
-#include "tests/app/annualizerrun.h"
+#include "tests/help/examplerun.h"
 #include "tests/help/markdown.h"
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
@@ -16,12 +16,6 @@ QByteArray example(const char* name)
     return sourceFile(QStringLiteral("examples/") + QLatin1String(name));
 }
 
-// Results that were computed without the program.
-QByteArray golden(const char* name)
-{
-    return sourceFile(QStringLiteral("tests/app/golden/") + QLatin1String(name));
-}
-
 // Whether the lines of `block`, which may end with "...", follow one another in `text`.
 bool hasLines(const QByteArray& text, QByteArray block)
 {
@@ -29,19 +23,6 @@ bool hasLines(const QByteArray& text, QByteArray block)
         block.chop(4);
     const QByteArray lines = '\n' + text;
     return !block.isEmpty() && lines.contains('\n' + block + '\n');
-}
-
-// The folders of the source tree that the commands name, with the programs where a build puts them.
-void makeSourceTree(const AnnualizerRun& run)
-{
-    QVERIFY(QDir(run.path(QStringLiteral("."))).mkpath(QStringLiteral("build/release/app")));
-    QVERIFY(
-        QFile::link(QStringLiteral(SOURCE_DIR "/examples"), run.path(QStringLiteral("examples"))));
-    QVERIFY(QFile::link(QStringLiteral(HTS_ANNUALIZER),
-                        run.path(QStringLiteral("build/release/app/HtsAnnualizer"))));
-    QVERIFY(QDir(run.path(QStringLiteral("."))).mkpath(QStringLiteral("build/release/tool")));
-    QVERIFY(QFile::link(QStringLiteral(HTSTOOL),
-                        run.path(QStringLiteral("build/release/tool/htstool"))));
 }
 
 } // namespace
@@ -100,48 +81,37 @@ private Q_SLOTS:
         QVERIFY(hasLines(example("rivers_daily.hts"), block("object_type: ")));
         QCOMPARE(block("Choptank.Volume.Daily: ") + '\n', example("rivers_daily_methods.txt"));
 
-        AnnualizerRun run;
-        makeSourceTree(run);
+        ExampleRun run;
         type(run, block("HtsAnnualizer -i examples/"));
         QCOMPARE(run.ended(), QByteArray("exit 0"));
-        const QByteArray result = run.read(QStringLiteral("build/rivers_annual.hts"));
+        const QByteArray result = run.read("build/rivers_annual.hts");
         QCOMPARE(result, golden("rivers_september.expected"));
         QVERIFY(hasLines(result, block("units: ")));
-        QVERIFY(run.read(QStringLiteral("build/rivers_annual.log")).endsWith(kCreated));
+        QVERIFY(run.read("build/rivers_annual.log").endsWith(kCreated));
     }
 
     void failureShowsWhatIsShown()
     {
-        AnnualizerRun run;
-        makeSourceTree(run);
-        QByteArrayList console;
-        for (const QByteArray& line : block("$ ").split('\n')) {
-            if (!line.startsWith("$ "))
-                continue;
-            type(run, line.mid(2));
-            QCOMPARE(run.errors, QByteArray());
-            console << line << asShown(run.output);
-        }
-        QCOMPARE(console.join('\n'), block("$ "));
+        ExampleRun run;
+        QCOMPARE(run.type(block("$ "), block("PATH=")), block("$ "));
+        QCOMPARE(run.errors, QByteArray());
     }
 
     void ownFileIsConverted()
     {
-        AnnualizerRun run;
-        makeSourceTree(run);
-        run.write(QStringLiteral("mine.hts"), example("rivers_daily.hts"));
+        ExampleRun run;
+        run.write("mine.hts", example("rivers_daily.hts"));
         type(run, block("echo "));
         QVERIFY(run.output.contains("mine.hts: plan: Choptank.Flow: Average, rule of line 1\n"));
         type(run, block("HtsAnnualizer -i mine.hts "));
         QCOMPARE(run.exitCode, 0);
-        QVERIFY(hasLines(run.read(QStringLiteral("annual.hts")), block("units: ")));
-        QVERIFY(run.read(QStringLiteral("mine.html")).contains("4.723110711085"));
+        QVERIFY(hasLines(run.read("annual.hts"), block("units: ")));
+        QVERIFY(run.read("mine.html").contains("4.723110711085"));
     }
 
     void tableGivesTheAnnualValueShown()
     {
-        AnnualizerRun run;
-        makeSourceTree(run);
+        ExampleRun run;
         type(run, block("htstool "));
         QCOMPARE(asShown(run.output), block("run,trace,"));
         QCOMPARE(run.exitCode, 0);
@@ -154,10 +124,10 @@ private Q_SLOTS:
                                       "/tests/tool/files/pond.hts' -c '" SOURCE_DIR
                                       "/tests/tool/files/pond_methods.txt' -o annual.hts"));
         QCOMPARE(run.ended(), QByteArray("exit 0"));
-        const QByteArray text = sourceFile(QStringLiteral("docs/htstool.md"));
+        const QByteArray text = sourceFile("docs/htstool.md");
         const int begin = text.indexOf("the average of 2022 is\n") + 23;
         const QByteArray shown = text.mid(begin, text.indexOf(".\n", begin) - begin);
-        const QByteArrayList lines = run.read(QStringLiteral("annual.hts")).split('\n');
+        const QByteArrayList lines = run.read("annual.hts").split('\n');
         // Of the years 2021, 2022 and 2023 that slot has one value each.
         QCOMPARE(lines.value(lines.indexOf("method: Average") + 2), shown);
     }
@@ -165,27 +135,24 @@ private Q_SLOTS:
     void exampleCommandGivesTheComputedResult()
     {
         QCOMPARE(m_exampleBlocks.size(), 2);
-        AnnualizerRun run;
-        makeSourceTree(run);
+        ExampleRun run;
         type(run, m_exampleBlocks.first());
         QCOMPARE(run.ended(), QByteArray("exit 0"));
-        QCOMPARE(run.read(QStringLiteral("build/basins_annual.hts")),
-                 golden("basins_december.expected"));
+        QCOMPARE(run.read("build/basins_annual.hts"), golden("basins_december.expected"));
     }
 
     void pandasReadsTheExport()
     {
         QByteArray program;
-        for (const QByteArray& block : codeBlocks(sourceFile(QStringLiteral("docs/htstool.md")))) {
+        for (const QByteArray& block : codeBlocks(sourceFile("docs/htstool.md"))) {
             if (block.startsWith("table = pandas."))
                 program = block;
         }
         const int lastLine = program.lastIndexOf('\n') + 1;
         QVERIFY(lastLine > 0);
-        AnnualizerRun run;
-        writeInputs(run);
-        run.write(QStringLiteral("mean.py"), "import pandas\n" + program.left(lastLine) + "print(" +
-                                                 program.mid(lastLine) + ".to_dict())\n");
+        MonthlyRun run;
+        run.write("mean.py", "import pandas\n" + program.left(lastLine) + "print(" +
+                                 program.mid(lastLine) + ".to_dict())\n");
         run.startShell(QStringLiteral("'" HTSTOOL "' export -o flows.csv a.hts && "
                                       "/usr/bin/python3 mean.py"));
         QCOMPARE(run.errors, QByteArray());
@@ -194,11 +161,10 @@ private Q_SLOTS:
 
     void resultIsDrawn()
     {
-        AnnualizerRun run;
-        makeSourceTree(run);
+        ExampleRun run;
         // Debian's Python has the packages.
-        run.environment.insert(QStringLiteral("PATH"), QStringLiteral("/usr/bin:/bin"));
-        run.environment.insert(QStringLiteral("HOME"), run.path(QStringLiteral("home")));
+        run.set("PATH", QStringLiteral("/usr/bin:/bin"));
+        run.set("HOME", run.path("home"));
         type(run, block("HtsAnnualizer -i examples/"));
         const QByteArray draw = m_exampleBlocks.value(1);
         for (const QByteArray& command :
@@ -206,7 +172,7 @@ private Q_SLOTS:
             type(run, "rm -f build/plot.png\n" + command);
             QCOMPARE(run.errors, QByteArray());
             QCOMPARE(run.exitCode, 0);
-            QVERIFY(run.read(QStringLiteral("build/plot.png")).startsWith("\x89PNG"));
+            QVERIFY(run.read("build/plot.png").startsWith("\x89PNG"));
         }
     }
 
@@ -214,19 +180,16 @@ private Q_SLOTS:
     // other.
     void saferCommandsConvert()
     {
-        const QByteArrayList blocks = codeBlocks(sourceFile(QStringLiteral("docs/reliability.md")));
+        const QByteArrayList blocks = codeBlocks(sourceFile("docs/reliability.md"));
         QCOMPARE(blocks.size(), 2);
         for (const QByteArray& block : blocks) {
-            AnnualizerRun run;
+            CommandRun run;
             writeInputs(run);
-            run.environment.insert(QStringLiteral("PATH"),
-                                   QFileInfo(QStringLiteral(HTS_ANNUALIZER)).path() +
-                                       QStringLiteral(":/usr/bin:/bin"));
             run.startShell(QString::fromUtf8(block));
             QCOMPARE(run.ended(), QByteArray("exit 0"));
-            QCOMPARE(run.read(QStringLiteral("b.hts")), monthlySums());
-            QVERIFY(!run.exists(QStringLiteral("b.new")));
-            QVERIFY(run.read(QStringLiteral("b.log")).endsWith(kCreated));
+            QCOMPARE(run.result(), monthlySums());
+            QVERIFY(!run.exists("b.new"));
+            QVERIFY(run.log().endsWith(kCreated));
         }
     }
 
@@ -248,8 +211,8 @@ private:
         run.startShell(QString::fromUtf8(block("PATH=") + '\n' + commands));
     }
 
-    QByteArrayList m_blocks = codeBlocks(sourceFile(QStringLiteral("README.md")));
-    QByteArrayList m_exampleBlocks = codeBlocks(sourceFile(QStringLiteral("examples/README.md")));
+    QByteArrayList m_blocks = codeBlocks(sourceFile("README.md"));
+    QByteArrayList m_exampleBlocks = codeBlocks(sourceFile("examples/README.md"));
 };
 
 HTS_TEST(TestReadme, QCoreApplication)

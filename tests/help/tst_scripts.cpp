@@ -61,7 +61,7 @@ private Q_SLOTS:
         for (const char* command : {"bash", "dirname", "env", "grep", "python3", "realpath", "sed"})
             QVERIFY(QFile::link(QStringLiteral("/usr/bin/") + QLatin1String(command),
                                 run.path(QStringLiteral("bin/") + QLatin1String(command))));
-        run.environment.insert(QStringLiteral("PATH"), run.path(QStringLiteral("bin")));
+        run.environment.insert(QStringLiteral("PATH"), run.path("bin"));
         run.environment.insert(QStringLiteral("PYTHONDONTWRITEBYTECODE"), QStringLiteral("1"));
 
         run.start({QStringLiteral("--no-such-option")});
@@ -89,7 +89,7 @@ private Q_SLOTS:
 
     void isInTheListOfThem()
     {
-        const QByteArray list = sourceFile(QStringLiteral("CONTRIBUTING.md"));
+        const QByteArray list = sourceFile("CONTRIBUTING.md");
         int count = 0;
         for (const QString& script : scripts()) {
             if (script.startsWith(QLatin1String("bench/")) && script.endsWith(QLatin1String(".py")))

@@ -28,3 +28,8 @@ QByteArray sourceFile(const QString& path)
         qFatal("cannot read %s", qPrintable(file.fileName()));
     return file.readAll();
 }
+
+QByteArray sourceFile(const char* path)
+{
+    return sourceFile(QString::fromUtf8(path));
+}

@@ -13,5 +13,6 @@ QByteArray readFile(const QString& path);
 // The content of a file of this project, by its path from the project's folder; ends the test
 // program when it can't be read.
 QByteArray sourceFile(const QString& path);
+QByteArray sourceFile(const char* path);
 
 #endif // TESTS_SUPPORT_WHOLEFILE_H
