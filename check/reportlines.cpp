@@ -21,15 +21,21 @@ QString yearsText(const YearPlan& years)
                   timesteps(years.leftOutAtStart), timesteps(years.leftOutAtEnd));
 }
 
-QString slotText(const PlannedSlot& slot)
+// What becomes of a slot.
+QString outcomeText(const PlannedSlot& slot)
 {
-    const QString name = fullSlotName(slot.objectName, slot.slotName);
     if (!slot.isSeries)
-        return worded("%1: left out, not a series", name);
+        return QStringLiteral(": left out, not a series");
     if (slot.method == nullptr)
-        return worded("%1: left out, no rule", name);
-    return worded("%1: %2%3, rule of line %4", name, slot.isConverted ? "" : "left out, ",
+        return QStringLiteral(": left out, no rule");
+    return worded(": %1%2, rule of line %3", slot.isConverted ? "" : "left out, ",
                   slot.method->word, slot.ruleLine);
+}
+
+bool haveSameOutcome(const PlannedSlot& a, const PlannedSlot& b)
+{
+    return a.isSeries == b.isSeries && a.isConverted == b.isConverted && a.method == b.method &&
+           a.ruleLine == b.ruleLine;
 }
 
 QString counted(qint64 count, Severity severity)
@@ -73,8 +79,15 @@ QStringList planLines(const CheckReport& report, const ReportNames& names)
         return {};
     const QString start = worded("%1: plan: ", names.file);
     QStringList lines(start + yearsText(report.years));
-    for (const PlannedSlot& slot : report.slotPlan)
-        lines.append(start + slotText(slot));
+    QString outcome;
+    const PlannedSlot* last = nullptr;
+    for (const PlannedSlot& slot : report.slotPlan) {
+        // Files have thousands of slots, and many follow one another with the same rule.
+        if (last == nullptr || !haveSameOutcome(slot, *last))
+            outcome = outcomeText(slot);
+        last = &slot;
+        lines.append(start + wordOf(fullSlotName(slot.objectName, slot.slotName)) + outcome);
+    }
     return lines;
 }
 

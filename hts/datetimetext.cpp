@@ -52,43 +52,44 @@ struct AnyDigits
     }
 };
 
-// Reads the number of a field from `position` on and moves `position` after it. Returns -1 if there
-// is none of that width.
+// Reads the number of a field from `next` on and moves `next` after it. Returns -1 if there is none
+// of that width.
 template<typename Digits>
-int takeNumber(const QString& text, const Field& field, int& position)
+int takeNumber(const QChar*& next, const QChar* end, const Field& field)
 {
-    const int begin = position;
-    const int end = static_cast<int>(std::min<qint64>(begin + field.maxWidth, text.size()));
-    if (position < end && Digits::isSign(text.at(position)))
-        ++position;
-    const int firstDigit = position;
+    const QChar* const begin = next;
+    const QChar* const fieldEnd = begin + std::min<std::ptrdiff_t>(field.maxWidth, end - begin);
+    if (next != fieldEnd && Digits::isSign(*next))
+        ++next;
+    const QChar* const firstDigit = next;
     int number = 0;
-    for (; position < end; ++position) {
-        const int digit = Digits::value(text.at(position));
+    for (; next != fieldEnd; ++next) {
+        const int digit = Digits::value(*next);
         if (digit < 0)
             break;
         number = number * 10 + digit;
     }
-    return position > firstDigit && position - begin >= field.minWidth ? number : -1;
+    return next != firstDigit && next - begin >= field.minWidth ? number : -1;
 }
 
 // Splits a text that has the fields of the table and nothing else; returns false for any other.
 template<typename Digits>
 bool splitFields(const QString& text, FieldValues& values)
 {
-    int position = 0;
+    const QChar* next = text.constData();
+    const QChar* const end = next + text.size();
     for (std::size_t i = 0; i < kFields.size(); ++i) {
         const Field& field = kFields[i];
-        values[i] = takeNumber<Digits>(text, field, position);
+        values[i] = takeNumber<Digits>(next, end, field);
         if (values[i] < 0)
             return false;
         if (field.separator == 0)
             break;
-        if (position >= text.size() || text.at(position) != QLatin1Char(field.separator))
+        if (next == end || *next != QLatin1Char(field.separator))
             return false;
-        ++position;
+        ++next;
     }
-    return position == text.size();
+    return next == end;
 }
 
 // QDateTime::toString would write the digits of the host's locale.
@@ -122,7 +123,9 @@ QDateTime textToDateTime(const QString& text)
     if (!splitFields<SignedAsciiDigits>(text, values))
         return {};
     const auto [year, month, day, hour, minute] = values;
-    const bool isEndOfDay = hour == kHoursOfDay && text.endsWith(kEndOfDay);
+    // As "24:00", and not as "24:+0".
+    const bool isEndOfDay =
+        hour == kHoursOfDay && minute == 0 && text.at(text.size() - 2) == QLatin1Char('0');
     const QDate date(year, month, day);
     const QTime time(isEndOfDay ? 0 : hour, minute);
     // Both must be valid: QDateTime takes an invalid time for midnight, and a day added to an
