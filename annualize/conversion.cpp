@@ -5,6 +5,7 @@
 #include "QsLog.h"
 #include "annualize/months.h"
 #include "hts/htswalk.h"
+#include "hts/shareifequal.h"
 
 Conversion::Conversion(RuleSource ruleSource, int endMonth, Purpose purpose)
     : m_ruleSource(std::move(ruleSource)), m_endMonth(endMonth), m_purpose(purpose)
@@ -118,8 +119,11 @@ void Conversion::planSlot(const HtsSlot& slot)
     if (isJudging())
         return;
     HtsSlot annualSlot = plan.annualSlot(slot);
-    if (!m_annual.slots.isEmpty())
-        annualSlot.shareTexts(m_annual.slots.constLast());
+    // What is not the reader's, which shares equal texts of neighbours itself.
+    if (!m_annual.slots.isEmpty()) {
+        shareIfEqual(annualSlot.units, m_annual.slots.constLast().units);
+        shareIfEqual(annualSlot.methods, m_annual.slots.constLast().methods);
+    }
     m_annual.slots.append(std::move(annualSlot));
 }
 

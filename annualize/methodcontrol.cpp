@@ -232,7 +232,7 @@ void MethodControl::forEachMatch(const HtsSlot& slot, Take take) const
     const NameBytes objectName(slot.objectName);
     const NameBytes objectType(slot.objectType);
     const NameBytes slotName(slot.slotName);
-    const HashedName any("*\n"); // every object or every slot
+    static const HashedName any("*\n"); // every object or every slot
     const auto takeFor = [&, object = HashedName(objectName.bytes()),
                           type = HashedName(objectType.bytes())](const HashedName& name) {
         take(find(object, name));

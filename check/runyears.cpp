@@ -19,10 +19,12 @@ qint64 RunYear::longestGap(const HtsColumn& values) const
 
 std::size_t RunYear::indexOf(double value, const HtsColumn& values) const
 {
+    const std::size_t block =
+        blockWith(values, first, end, [value](double other) { return other == value; });
     std::size_t index = end;
-    // To the start of the year, and not only up to the value: where that is the processor cannot
+    // To the start of the block, and not only to the value: where that is the processor cannot
     // predict.
-    for (std::size_t i = end; i-- > first;)
+    for (std::size_t i = std::min(block + kBlock, end); i-- > block;)
         index = values[i] == value ? i : index;
     Q_ASSERT(index < end);
     return index;

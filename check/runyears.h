@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include <QDateTime>
@@ -18,6 +20,24 @@ struct HtsRun;
 
 // The end of the year, one that ends with the month `endMonth`, that a timestep belongs to.
 QDateTime yearEndAfter(const QDateTime& step, int endMonth);
+
+// The start of the first block of kBlock of values[first, end) with one for which `is` holds; if
+// there is none, of the rest after whole blocks. The values of a block are looked at at once,
+// without a branch for each.
+constexpr std::size_t kBlock = 16;
+template<typename Predicate>
+std::size_t blockWith(const HtsColumn& values, std::size_t first, std::size_t end, Predicate is)
+{
+    const auto isIn = [&](std::size_t block) {
+        std::int64_t count = 0;
+        for (std::size_t i = block; i < block + kBlock; ++i)
+            count += is(values[i]) ? 1 : 0;
+        return count > 0;
+    };
+    while (end - first >= kBlock && !isIn(first))
+        first += kBlock;
+    return first;
+}
 
 // A complete year of a run, beside what the calendar has.
 struct RunYear
@@ -66,16 +86,24 @@ struct RunYear
     }
 
 private:
+    // The index of the first value from `index` on that is not usable, or `end`.
+    std::size_t nextMissing(const HtsColumn& values, std::size_t index) const
+    {
+        const auto isMissing = [](double value) { return !std::isfinite(value); };
+        index = blockWith(values, index, end, isMissing);
+        while (index < end && !isMissing(values[index]))
+            ++index;
+        return index;
+    }
     // The same for a year without missing timesteps, which nearly all are.
     template<typename Take>
     void forEachGapOfValues(const HtsColumn& values, Take take) const
     {
-        for (std::size_t i = first; i < end; ++i) {
+        for (std::size_t i = nextMissing(values, first); i < end; i = nextMissing(values, i)) {
             const std::size_t begin = i;
             while (i < end && !std::isfinite(values[i]))
                 ++i;
-            if (i > begin)
-                take(static_cast<qint64>(begin - first), static_cast<qint64>(i - begin));
+            take(static_cast<qint64>(begin - first), static_cast<qint64>(i - begin));
         }
     }
 };

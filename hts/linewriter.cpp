@@ -23,15 +23,6 @@ LineWriter::~LineWriter()
     flush();
 }
 
-// Makes room for the next `count` bytes, a block at most, and returns it.
-char* LineWriter::reserve(std::size_t count)
-{
-    Q_ASSERT(count <= m_block.size());
-    if (m_block.size() - m_used < count)
-        flush();
-    return m_block.data() + m_used;
-}
-
 void LineWriter::flush()
 {
     if (m_used > 0)
@@ -48,13 +39,6 @@ void LineWriter::append(const char* bytes, std::size_t count)
         bytes += part;
         count -= part;
     }
-}
-
-LineWriter& LineWriter::operator<<(char character)
-{
-    *reserve(1) = character;
-    ++m_used;
-    return *this;
 }
 
 LineWriter& LineWriter::operator<<(QLatin1String text)

@@ -6,6 +6,7 @@
 
 #include <QLatin1String>
 #include <QString>
+#include <QtGlobal>
 
 class QIODevice;
 
@@ -25,14 +26,26 @@ public:
     LineWriter(const LineWriter&) = delete;
     LineWriter& operator=(const LineWriter&) = delete;
 
-    LineWriter& operator<<(char character);
+    LineWriter& operator<<(char character)
+    {
+        *reserve(1) = character;
+        ++m_used;
+        return *this;
+    }
     LineWriter& operator<<(QLatin1String text); // ASCII
     LineWriter& operator<<(const QString& text);
     // In fixed notation with 12 decimals, "NaN" unless finite; see writeNumber().
     LineWriter& operator<<(double number);
 
 private:
-    char* reserve(std::size_t count);
+    // Makes room for the next `count` bytes, a block at most, and returns it.
+    char* reserve(std::size_t count)
+    {
+        Q_ASSERT(count <= m_block.size());
+        if (m_block.size() - m_used < count)
+            flush();
+        return m_block.data() + m_used;
+    }
     void append(const char* bytes, std::size_t count);
     void flush();
 
