@@ -1,6 +1,7 @@
 #include <QtTest>
 
 #include "check/knownlines.h"
+#include "check/nearnames.h"
 #include "check/nearwords.h"
 #include "check/numberhint.h"
 #include "hts/numbertext.h"
@@ -31,6 +32,7 @@ private Q_SLOTS:
     void quotesOnOneLine_data();
     void quotesOnOneLine();
     void nearestWordOfAList();
+    void searchForNamesEndsWithItsEffort();
     void knowsNumbers_data();
     void knowsNumbers();
 };
@@ -217,6 +219,24 @@ void NearWordsTest::nearestWordOfAList()
     QCOMPARE(nearestWord(QString(), words), QLatin1String());
     QCOMPARE(nearestWord(QStringLiteral("sEries "), words), QLatin1String("Series"));
     QCOMPARE(nearestWord(QStringLiteral("Serial"), words), QLatin1String());
+}
+
+// The near name stands after 100 that differ from the first letter on.
+void NearWordsTest::searchForNamesEndsWithItsEffort()
+{
+    NearNames names;
+    for (int i = 0; i < 100; ++i)
+        names.add(QStringLiteral("pool%1").arg(i, 4, 10, QLatin1Char('0')));
+    names.add(QStringLiteral("zabinflow"));
+    names.add(QStringLiteral("s"));
+    names.sort();
+    const QString wanted = QStringLiteral("cabinflow");
+    const qint64 needed = 101 * wanted.size() + 1; // "s" cannot be near and counts as one
+    for (const bool isEnough : {true, false}) {
+        qint64 effort = needed - (isEnough ? 0 : wanted.size());
+        QCOMPARE(names.hasNear(wanted, effort), isEnough);
+        QCOMPARE(effort, 0);
+    }
 }
 
 void NearWordsTest::knowsNumbers_data()

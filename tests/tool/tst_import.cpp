@@ -137,6 +137,9 @@ void ImportTest::wrongTablesAreRefused_data()
         "line 3, column 2 (\"A.B [m]\"): \"x\" is not a number with a decimal point; --missing "
         "says "
         "what marks a missing value, --column which columns have values");
+    row("a point among commas", "date;A.B [m]\n2000-01-01;1,5\n2000-01-02;1.5\n", "--decimal comma",
+        "line 3, column 2 (\"A.B [m]\"): \"1.5\" is not a number with a decimal comma; --missing "
+        "says what marks a missing value, --column which columns have values");
     for (const char* value : {"inf", "-nan", "0x10", "1e400", "1_0", "--1"})
         row(value, days(QByteArray("1 ") + value), "",
             QByteArray("line 3, column 2 (\"A.B [m]\"): \"" + QByteArray(value) +
