@@ -15,15 +15,21 @@ inline std::uint64_t eightCharacters(const char* text)
     return qFromLittleEndian<quint64>(text);
 }
 
+// Four characters, likewise.
+inline std::uint64_t fourCharacters(const char* text)
+{
+    return qFromLittleEndian<quint32>(text);
+}
+
 // Zero if all eight characters are digits. Else the lowest bit that is set belongs to the first
 // that is none.
 inline std::uint64_t otherThanDigits(std::uint64_t characters)
 {
-    constexpr std::uint64_t kHighHalves = 0xf0f0f0f0f0f0f0f0;
-    // The bytes with the high half 3 are 0x30 to 0x3f, so that adding six never carries into the
-    // next byte; only the digits keep that high half after it. One comparison tests both.
-    const std::uint64_t plusSix = characters + 0x0606060606060606;
-    return ((characters & kHighHalves) | (plusSix & kHighHalves) >> 4) ^ 0x3333333333333333;
+    // Of a digit neither has the high bit, and neither carries into the next byte or borrows from
+    // it. Any other byte, if all before it are digits, has the bit in one of them.
+    const std::uint64_t aboveNine = characters + 0x4646464646464646;
+    const std::uint64_t belowZero = characters - 0x3030303030303030;
+    return (aboveNine | belowZero) & 0x8080808080808080;
 }
 
 // How many digits eight characters begin with. A computed number, as branches on it would be

@@ -45,22 +45,20 @@ char lower(char c)
 template<int wholeDigits>
 const char* readFixed(const char* text, double& magnitude)
 {
-    static_assert(wholeDigits <= kMaxWholeDigits);
-    std::uint64_t whole = 0;
-    bool isWhole = true;
-    for (int i = 0; i < wholeDigits; ++i) {
-        isWhole = isWhole && isDigit(text[i]);
-        whole = whole * 10 + static_cast<unsigned char>(text[i]) - '0';
-    }
+    static_assert(wholeDigits <= kMaxWholeDigits && kMaxWholeDigits == 4);
     const char* decimals = text + wholeDigits + 1;
     const char* end = decimals + kDecimals;
-    const std::uint64_t first = eightCharacters(decimals);
-    const std::uint64_t last = eightCharacters(end - 8); // the first four a second time
-    if (!isWhole || otherThanDigits(first) != 0 || otherThanDigits(last) != 0 ||
-        (*end != '\n' && *end != '\r'))
+    // The whole digits, with zeros before them if they are fewer than four, and four decimals.
+    constexpr int kZeroBits = 8 * (kMaxWholeDigits - wholeDigits);
+    constexpr std::uint64_t kZeros = std::uint64_t(0x30303030) >> (8 * wholeDigits);
+    const auto whole = static_cast<std::uint32_t>(fourCharacters(text) << kZeroBits);
+    const std::uint64_t first = fourCharacters(decimals) << 32 | whole | kZeros;
+    const std::uint64_t last = eightCharacters(end - 8);
+    if ((otherThanDigits(first) | otherThanDigits(last)) != 0 || (*end != '\n' && *end != '\r'))
         return nullptr;
-    const std::uint64_t number = whole * kUnits + eightDigits(first) * 10000 + lastFourDigits(last);
-    if (number > kMaxExact)
+    constexpr std::uint64_t kEightDigits = 100000000;
+    const std::uint64_t number = eightDigits(first) * kEightDigits + eightDigits(last);
+    if (wholeDigits == kMaxWholeDigits && number > kMaxExact)
         return nullptr;
     magnitude = static_cast<double>(static_cast<std::int64_t>(number)) / double(kUnits);
     return end;
