@@ -15,10 +15,12 @@ QString withoutTimeStamp(const QString& message)
     static const QRegularExpression kTimeStamp(
         QStringLiteral("\\d{4}-\\d{2}-\\d{2}T\\d{2}:\\d{2}:\\d{2}\\.\\d{3}\\s+"),
         QRegularExpression::UseUnicodePropertiesOption);
-    // A text with a lone surrogate, as the names of some files have them, would match nothing.
+    // A text with a lone surrogate, as the names of some files have them, would match nothing; and
+    // the vowel separator is white space in expressions only.
+    constexpr char16_t kVowelSeparator = 0x180e;
     QString searched = message;
     for (QChar& c : searched)
-        c = c.isSurrogate() ? QChar(QChar::ReplacementCharacter) : c;
+        c = c.isSurrogate() || c == kVowelSeparator ? QChar(QChar::ReplacementCharacter) : c;
     const QRegularExpressionMatch match = kTimeStamp.match(searched);
     QString text = message;
     if (match.hasMatch())

@@ -184,7 +184,8 @@ Status readRunPreamble(QIODevice& device, HtsRun& run)
         QRegularExpression::UseUnicodePropertiesOption);
     for (int step = 0; step < run.timeStepCount; ++step) {
         const QString line = readText(device);
-        run.complete = timestep.match(line).hasMatch();
+        // Digits outside the first plane are none to QRegExp.
+        run.complete = timestep.match(line).hasMatch() && line.size() == line.toUcs4().size();
         if (!run.complete)
             return failure(QStringLiteral("Cannot read run preamble"));
         run.timesteps.append(line);
