@@ -187,7 +187,7 @@ Status CsvImport::Private::findRun(const CsvReader& reader)
     m_run = known->second;
     if (isNew) {
         bool isNumber = true;
-        const int traceNumber = trace.empty() ? -1 : toText(trace).toInt(&isNumber);
+        const int traceNumber = trace.empty() ? -1 : toText(trace).trimmed().toInt(&isNumber);
         if (!isNumber)
             return failAt(layout.columnOf(ColumnRole::Trace),
                           QStringLiteral("the trace %1 is not an integer").arg(quoted(trace)));

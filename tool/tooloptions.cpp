@@ -304,7 +304,7 @@ QString readMonth(const QCommandLineParser& parser, ToolOptions& options)
     // -1 means December, as it does for a conversion.
     constexpr int kDecember = 12;
     const QString month = valueOf(parser, "end-month");
-    options.endMonth = month == QLatin1String("-1") ? kDecember : month.toInt();
+    options.endMonth = month == QLatin1String("-1") ? kDecember : month.trimmed().toInt();
     return isMonth(options.endMonth) ? QString()
                                      : worded("the month \"%1\" is not one of 1 to 12", month);
 }
@@ -445,7 +445,7 @@ QString readExport(const QCommandLineParser& parser, ToolOptions& options)
     if (options.outputPath.isEmpty())
         return QStringLiteral("export needs a file to write, with -o");
     const QString run = valueOf(parser, "run");
-    options.table.run = run.toInt();
+    options.table.run = run.trimmed().toInt();
     if (isSet(parser, "run") && options.table.run < 1)
         return worded("\"%1\" is not the number of a run", run);
     options.table.isSafe = isSet(parser, "safe");

@@ -141,8 +141,12 @@ void HtstoolTest::endMonthOfMinusOneIsDecember()
                        [](const QByteArray& line) { return line.startsWith("pond_methods.txt:"); }),
         withoutRules.end());
     QCOMPARE(run.output, withoutRules.join('\n'));
-    run.start(words("check pond.hts -c pond_methods.txt -y -1"));
-    QCOMPARE(run.output, december);
+    for (const char* month : {"-1", "+12",
+                              "\xe2\x80\x83"
+                              "12\xc2\xa0"}) {
+        run.start(words("check pond.hts -c pond_methods.txt -y") << QString::fromUtf8(month));
+        QCOMPARE(run.output, december);
+    }
     // Values that only look like an attached month.
     run.write(QStringLiteral("-y9"),
               sourceFile(QStringLiteral("tests/tool/files/pond_methods.txt")));
@@ -235,7 +239,9 @@ void HtstoolTest::wrongUsageIsRefused_data()
                 "next argument");
     row("check a.hts -y 0", "the month \"0\" is not one of 1 to 12");
     row("check a.hts -y 13", "the month \"13\" is not one of 1 to 12");
-    row("check a.hts --end-month=May", "the month \"May\" is not one of 1 to 12");
+    for (const QByteArray month : {"May", "0x9", "9.0", "\xef\xbc\x99", "99999999999"})
+        row("check a.hts --end-month=" + month,
+            "the month \"" + month + "\" is not one of 1 to 12");
     row("check a.hts --control=", "the path of the control file is empty");
     row("check a.hts --max-missing 1.5",
         "\"1.5\" is not a number of values, a percentage such as 5% or wmo");
@@ -271,7 +277,8 @@ void HtstoolTest::wrongUsageIsRefused_data()
     row("export a.hts", "export needs a file to write, with -o");
     row("export -o b.csv", "export needs one file");
     row("export -o b.csv a.hts b.hts", "export needs one file");
-    row("export -o b.csv a.hts --run 0", "\"0\" is not the number of a run");
+    for (const QByteArray run : {"0", "1.0", "\xd9\xa1", "2147483648"})
+        row("export -o b.csv a.hts --run " + run, '"' + run + "\" is not the number of a run");
     row("export -o b.csv a.hts --columns begin,object",
         "\"object\" is not one of the columns object_type, slot_type, scale, method, begin, year");
     row("export -o b.csv a.hts --columns begin,scale,begin", "the column \"begin\" is given twice");
