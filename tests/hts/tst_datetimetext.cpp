@@ -88,6 +88,9 @@ private Q_SLOTS:
              {"seconds are left out", utc(2000, 1, 5, 6).addMSecs(59999), "2000-1-5 6:00"},
              {"seconds past midnight", utc(2000, 1, 5).addSecs(30), "2000-1-4 24:00"},
              {"early year", utc(987, 6, 5, 4, 3), "0987-6-5 4:03"},
+             {"first day of all", utc(1, 1, 1), "-0001-12-31 24:00"},
+             {"last day of four digits", utc(10000, 1, 1), "9999-12-31 24:00"},
+             {"year of five digits", utc(10000, 1, 2, 6), "10000-1-2 6:00"},
              {"null", QDateTime(), ""}});
     }
     void writesDateTimes()
@@ -185,15 +188,19 @@ private Q_SLOTS:
 
     void writtenTextsReadBack()
     {
-        const TimeZone zone("MST7MDT,M3.2.0,M11.1.0");
-        // Two years by steps of 37 minutes, and the midnights between.
-        const QDateTime last = utc(2001, 12, 31);
-        for (QDateTime dateTime = utc(2000, 1, 1); dateTime < last;) {
-            QCOMPARE(textToDateTime(dateTimeToText(dateTime)), dateTime);
-            const QDateTime next = dateTime.addSecs(37 * 60);
-            const bool isNextDay = next.date() != dateTime.date();
-            const QDateTime midnight(next.date(), QTime(0, 0), Qt::UTC);
-            dateTime = isNextDay && midnight != dateTime ? midnight : next;
+        // The second leaves out midnights, the third half hours, the last a whole day of 2011.
+        for (const char* name : {"MST7MDT,M3.2.0,M11.1.0", "America/Sao_Paulo",
+                                 "Australia/Lord_Howe", "Pacific/Apia"}) {
+            const TimeZone zone(name);
+            // Two years by steps of 37 minutes, and the midnights between.
+            const QDateTime last = utc(2012, 12, 31);
+            for (QDateTime dateTime = utc(2011, 1, 1); dateTime < last;) {
+                QCOMPARE(textToDateTime(dateTimeToText(dateTime)), dateTime);
+                const QDateTime next = dateTime.addSecs(37 * 60);
+                const bool isNextDay = next.date() != dateTime.date();
+                const QDateTime midnight(next.date(), QTime(0, 0), Qt::UTC);
+                dateTime = isNextDay && midnight != dateTime ? midnight : next;
+            }
         }
     }
 

@@ -2,6 +2,7 @@
 // device after reading; it is removed before.
 
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include <QBuffer>
@@ -279,6 +280,60 @@ private Q_SLOTS:
         expected.idxSequential = 7;
         QCOMPARE(difference(run, expected), QString());
         QVERIFY(device.isAtMark());
+    }
+
+    void readsIntegers()
+    {
+        const struct
+        {
+            const char* text;
+            int expected = 0; // that of a text which is none
+        } rows[] = {{"7", 7},
+                    {"+7", 7},
+                    {"-7", -7},
+                    {"007", 7},
+                    {" 7\t", 7},
+                    {"\xc2\x85"
+                     "7\xc2\xa0",
+                     7},
+                    {"\xe2\x80\x83"
+                     "7\xe2\x80\xa8",
+                     7},
+                    {"\xe3\x80\x80"
+                     "7\v\f",
+                     7},
+                    {"2147483647", 2147483647},
+                    {"-2147483648", std::numeric_limits<int>::min()},
+                    {"2147483648"},
+                    {"-2147483649"},
+                    {"99999999999999999999"},
+                    {""},
+                    {"-"},
+                    {"--7"},
+                    {"+ 7"},
+                    {"7.0"},
+                    {"7e0"},
+                    {"0x7"},
+                    {"7a"},
+                    {"1,000"},
+                    {"1 000"},
+                    {"1\xc2\xa0"
+                     "000"},
+                    {"1_0"},
+                    {"\xd9\xa7"},
+                    {"\xef\xbc\x97"},
+                    {"\xe2\x80\x8b"
+                     "7"},
+                    {"\xe1\xa0\x8e"
+                     "7"},
+                    {"\x1c"
+                     "7"}};
+        for (const auto& [text, expected] : rows) {
+            MarkedDevice device(QByteArray("idx_sequential:") + text + "\nEND_RUN_PREAMBLE\n|");
+            HtsRun run;
+            QVERIFY(run.readPreamble(device).ok());
+            QVERIFY2(run.idxSequential == expected, text);
+        }
     }
 
     void runPreambleOfCompleteRunReadsTimestepsOnly()

@@ -145,18 +145,34 @@ private Q_SLOTS:
             {"0.1", 0.1},
             {"00012", 12.0},
             {"9007199254740993", 9007199254740992.0},
-            {"1.7976931348623157e308", 1.7976931348623157e308}};
+            {"1.7976931348623157e308", 1.7976931348623157e308},
+            {"1e00000000000000000005", 1e5},
+            {"1e99999999999999999999", kInfinity},
+            {"1e-99999999999999999999", 0.0},
+            {"1e2147483648", kInfinity},
+            {"-9e-2147483649", 0.0}, // without its sign
+            {"-2e-324", 0.0},
+            {"12345678901234567890123456789012345678901234567890", 1.2345678901234567e49},
+            {"\xe3\x80\x80.5\xe2\x80\xa8", 0.5},
+            {"\v.5\f", 0.5}};
         for (const auto& [text, expected] : kNumbers)
             addRow(text, expected);
         const QByteArray kNone = "|.|-|+|1e|1e+|e5|+-1|--1|1 "
                                  "2|1,234|1_0|0x10|1d5|1f|abc|END_COLUMN|1.#QNAN|NA|7d0|\"7\"|"
                                  "\xef\xbc\x97|1,007|7 cms|"
-                                 "+nan|-nan|nan(1)|infinity|\xd9\xa1";
+                                 "+nan|-nan|nan(1)|infinity|\xd9\xa1|0x1p3|INFINITY|nanx|"
+                                 "1 000|1\xc2\xa0"
+                                 "000|1'000|\xe2\x80\x8b"
+                                 "7|\xe1\xa0\x8e"
+                                 "7|\x1c"
+                                 "7|\xf0\x9d\x9f\x8e";
         for (const QByteArray& text : kNone.split('|'))
             addRow(text, 0.0);
         addRow("\xc2\x85"
                "7\xe2\x80\x83",
                7.0); // white space to Qt 5
+        addRow(QByteArray(1000, '9'), kInfinity);
+        addRow("0." + QByteArray(1000, '0') + "1e1001", 1.0);
         QTest::newRow("after NUL") << QByteArray("12\0.5", 5) << 12.0;
     }
     void readsNumbers()
