@@ -123,7 +123,8 @@ int runDiff(const ToolOptions& options, const ToolIo& io)
                                                   begin();
                                                   report.add(difference);
                                               });
-    exitCode = std::max(first.finish(outcome.status[0]), second.finish(outcome.status[1]));
+    exitCode = second.finish(outcome.status[1]); // which reports before the first one
+    exitCode = std::max(exitCode, first.finish(outcome.status[0]));
     if (exitCode != 0)
         return exitCode;
     begin();

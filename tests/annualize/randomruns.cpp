@@ -147,12 +147,17 @@ void RandomRuns::addRun(int timing, const std::vector<Slot>& slotList)
 {
     const Timing& run = kTimings[timing];
     const int steps = run.steps.size();
-    fileText += "trace:" + QByteArray::number(below(9)) + "\nstart:" + run.start +
-                "\nend:" + run.end + "\ntime_step_unit:" + run.unit +
-                "\ntime_steps:" + QByteArray::number(steps == 0 ? -below(2) : steps) +
-                "\nconsecutive:" + QByteArray::number(below(2)) +
-                "\nslot_set:" + pick({"all", "some"}) + "\nrule_set:" + pick({"", "r"}) +
-                "\nidx_sequential:" + QByteArray::number(below(4)) + "\nEND_RUN_PREAMBLE\n";
+    // In statements of their own: compilers differ in the order in which they take operands.
+    const QByteArray index = QByteArray::number(below(4));
+    const QByteArray ruleSet = pick({"", "r"});
+    const QByteArray slotSet = pick({"all", "some"});
+    const QByteArray consecutive = QByteArray::number(below(2));
+    const QByteArray count = QByteArray::number(steps == 0 ? -below(2) : steps);
+    const QByteArray trace = QByteArray::number(below(9));
+    fileText += "trace:" + trace + "\nstart:" + run.start + "\nend:" + run.end +
+                "\ntime_step_unit:" + run.unit + "\ntime_steps:" + count +
+                "\nconsecutive:" + consecutive + "\nslot_set:" + slotSet + "\nrule_set:" + ruleSet +
+                "\nidx_sequential:" + index + "\nEND_RUN_PREAMBLE\n";
     for (const QByteArray& step : run.steps)
         fileText += step + '\n';
     for (const Slot& slot : slotList)
@@ -171,8 +176,10 @@ void RandomRuns::addSlot(const Slot& slot, int steps)
         fileText += "rows: 2\ncols: 1\nEND_SLOT_PREAMBLE\n1\n2\nEND_SLOT\n";
         return;
     }
-    fileText += "END_SLOT_PREAMBLE\nunits: " + pick({"cms", "", "m 3"}) +
-                "\nscale: " + pick({"1", "0.5"}) + '\n' + pick({"", "", "method: Max\n"});
+    const QByteArray method = pick({"", "", "method: Max\n"});
+    const QByteArray scale = pick({"1", "0.5"});
+    const QByteArray units = pick({"cms", "", "m 3"});
+    fileText += "END_SLOT_PREAMBLE\nunits: " + units + "\nscale: " + scale + '\n' + method;
     const bool isSeries = slot.kind.isEmpty() || slot.kind == "SeriesSlot";
     const bool isPlain = !oneIn(3);
     for (int row = 0; row < (isSeries ? steps : 1); ++row)
