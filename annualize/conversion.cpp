@@ -4,6 +4,7 @@
 
 #include "QsLog.h"
 #include "annualize/months.h"
+#include "hts/htsreader.h"
 #include "hts/htswalk.h"
 #include "hts/shareifequal.h"
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <vector>
 
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/htskeys.h"
 #include "hts/quotedtext.h"
 

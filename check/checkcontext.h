@@ -1,8 +1,6 @@
 #ifndef CHECK_CHECKCONTEXT_H
 #define CHECK_CHECKCONTEXT_H
 
-#include <algorithm>
-
 #include "annualize/conversion.h"
 #include "check/control.h"
 #include "check/findinglist.h"
@@ -11,8 +9,9 @@
 #include "check/recovery.h"
 #include "check/runyears.h"
 #include "check/sentinels.h"
-#include "hts/htsreader.h"
 #include "hts/htswalk.h"
+
+class HtsReader;
 
 // What the checks of all topics look at, and where they put what they find.
 struct CheckContext
@@ -33,11 +32,11 @@ struct CheckContext
     const RunYears& years;
     const MaxMissing& maxMissing;
 
+    // See HtsReader.
+    qint64 lineNumber() const;
+    qint64 linesPastEnd() const;
     // The line that was read last, or the last of the file.
-    qint64 lastLine() const
-    {
-        return std::max<qint64>(reader.lineNumber() - reader.linesPastEnd(), 1);
-    }
+    qint64 lastLine() const;
     // The line with the run's key; if there is none, the last line of its preamble.
     qint64 lineOfRunKey(QLatin1String key) const
     {

@@ -2,7 +2,7 @@
 
 #include "annualize/conversion.h"
 #include "check/methodhint.h"
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/linetext.h"
 #include "hts/quotedtext.h"
 

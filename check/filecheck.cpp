@@ -8,12 +8,12 @@
 #include "check/checkobserver.h"
 #include "check/control.h"
 #include "check/filekind.h"
-#include "check/topic.h"
+#include "check/topiccheck.h"
+#include "hts/htsreader.h"
 
 namespace {
 
-constexpr HtsWalk::Options kWalkOptions = {HtsReader::TableRows::Skip,
-                                           HtsReader::MissingTableEnd::StopAtEndOfInput};
+constexpr HtsWalk::Options kWalkOptions = {TableRows::Skip, MissingTableEnd::StopAtEndOfInput};
 
 // One method for all slots.
 ControlFile ruleForAll()
@@ -91,7 +91,7 @@ FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
     }
     for (const Topic* topic : findingTopics()) {
         m_checks.push_back(topic->makeCheck(m_context));
-        if (HtsReader::Observer* observer = m_checks.back()->lineObserver())
+        if (ReaderObserver* observer = m_checks.back()->lineObserver())
             m_reader.addObserver(*observer);
     }
 }

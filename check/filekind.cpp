@@ -11,7 +11,7 @@
 #include "check/findinglist.h"
 #include "check/knownlines.h"
 #include "check/nearwords.h"
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/linetext.h"
 
 namespace {
@@ -126,7 +126,7 @@ bool isHtsLine(const QByteArray& line)
         return true;
     constexpr std::size_t kMaxBytes = 100; // longer than any key
     const QString start = toText(bytes.substr(0, std::min(bytes.find(':'), kMaxBytes) + 1));
-    return !nearestWord(start, knownLinesOf(HtsReader::Section::PackagePreamble)).isEmpty();
+    return !nearestWord(start, knownLinesOf(ReaderObserver::Section::PackagePreamble)).isEmpty();
 }
 
 // The lines, stripped, without empty ones and without the last of a whole block, which may be cut.

@@ -3,7 +3,7 @@
 #include "hts/htskeys.h"
 #include "hts/numbertext.h"
 
-using Section = HtsReader::Section;
+using Section = ReaderObserver::Section;
 
 namespace {
 

@@ -7,12 +7,12 @@
 #include <QLatin1String>
 #include <QString>
 
-#include "hts/htsreader.h"
+#include "hts/readerobserver.h"
 
 // The lines that an HTS file has, by section.
 
 // Keys and end lines of a preamble. For a slot also "END_RUN", which may come in its place.
-const std::vector<QLatin1String>& knownLinesOf(HtsReader::Section section);
+const std::vector<QLatin1String>& knownLinesOf(ReaderObserver::Section section);
 
 // Whether a known line is an end line; otherwise it is a key.
 bool isEndLine(QLatin1String known);
@@ -30,6 +30,6 @@ bool isSlotLine(std::string_view line);
 // Whether `line` belongs to a place other than the preamble of `section`: it is a number, a
 // timestep, or begins with a key or is an end line of another section. The line is not one of
 // `section`.
-bool belongsElsewhere(std::string_view line, HtsReader::Section section);
+bool belongsElsewhere(std::string_view line, ReaderObserver::Section section);
 
 #endif // CHECK_KNOWNLINES_H

@@ -1,5 +1,5 @@
 #include "check/control.h"
-#include "check/topic.h"
+#include "check/topiccheck.h"
 
 namespace {
 
@@ -68,7 +68,7 @@ void MethodCheck::reportSlot(const HtsSlot& slot)
 
 void MethodCheck::runEnded()
 {
-    m_endOfRun = m_context.reader.lineNumber();
+    m_endOfRun = m_context.lineNumber();
     if (isAssigning())
         m_context.control->noteEndOfFirstRun();
 }

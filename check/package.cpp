@@ -1,5 +1,6 @@
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/htskeys.h"
+#include "hts/htsreader.h"
 #include "hts/quotedtext.h"
 
 namespace {
@@ -61,7 +62,7 @@ void PackageCheck::finish()
         return;
     const int runs = m_context.package.numberOfRuns;
     if (runs < 1)
-        add(kNoRuns, m_context.reader.lineNumber(), "the file announces %1 runs%2", runs,
+        add(kNoRuns, m_context.lineNumber(), "the file announces %1 runs%2", runs,
             conversionFails(m_context.conversion.verdict().message));
     checkRest();
 }

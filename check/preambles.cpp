@@ -3,14 +3,14 @@
 
 #include "check/knownlines.h"
 #include "check/nearwords.h"
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/datetimetext.h"
 #include "hts/htskeys.h"
 #include "hts/linetext.h"
 #include "hts/numbertext.h"
 #include "hts/quotedtext.h"
 
-using Section = HtsReader::Section;
+using Section = ReaderObserver::Section;
 
 namespace {
 
@@ -97,7 +97,7 @@ private:
 void PreambleCheck::sectionBegins(Section section)
 {
     m_section = section;
-    m_context.lines.begin(m_context.reader.lineNumber() + 1);
+    m_context.lines.begin(m_context.lineNumber() + 1);
 }
 
 void PreambleCheck::ignoredLine(std::string_view line)
@@ -113,7 +113,7 @@ void PreambleCheck::ignoredLine(std::string_view line)
         reportMisplaced(line);
         return;
     }
-    const qint64 number = m_context.reader.lineNumber();
+    const qint64 number = m_context.lineNumber();
     const QLatin1String key = nearestKey(line, knownLinesOf(m_section));
     if (key.isEmpty()) {
         add(kIgnoredLine, number, "%1 begins with no key and is ignored", quoted(line));
@@ -130,7 +130,7 @@ bool PreambleCheck::isSurplusStep(std::string_view line) const
 {
     const qint64 next = m_context.lines.firstLine() + m_context.recovery.surplusSteps();
     return m_section == Section::Slot && m_context.walk.slotCount() == 0 &&
-           m_context.reader.lineNumber() == next && isTimestepText(toText(line));
+           m_context.lineNumber() == next && isTimestepText(toText(line));
 }
 
 // In a slot preamble.
@@ -141,7 +141,7 @@ bool PreambleCheck::isEndOfRun(std::string_view line) const
 
 void PreambleCheck::reportMisplaced(std::string_view line)
 {
-    const qint64 number = m_context.reader.lineNumber();
+    const qint64 number = m_context.lineNumber();
     // After a slot, it would have ended the run but for what the reader strips from the line.
     if (isEndOfRun(line) && number == m_context.lines.firstLine())
         add(kMisplacedLine, number,
@@ -182,7 +182,7 @@ bool PreambleCheck::isKeyWithoutValue(std::string_view line)
 
 void PreambleCheck::noteKey(QLatin1String key, std::string_view value)
 {
-    const qint64 number = m_context.reader.lineNumber();
+    const qint64 number = m_context.lineNumber();
     const PreambleLines::Line* before = m_context.lines.note(key, value, number);
     if (before != nullptr && before->value != value && m_context.recovery.isInSync())
         add(kRepeatedKey, number, "\"%1\" occurs %2; %3 counts, not %4 of line %5", keyName(key),
@@ -198,7 +198,7 @@ void PreambleCheck::keywordLine(const HtsKeyword& keyword, std::string_view valu
 
 void PreambleCheck::checkValue(const HtsKeyword& keyword, std::string_view value)
 {
-    const qint64 number = m_context.reader.lineNumber();
+    const qint64 number = m_context.lineNumber();
     switch (keyword.kind) {
     case ValueKind::Text:
         return;
@@ -229,8 +229,8 @@ void PreambleCheck::checkValue(const HtsKeyword& keyword, std::string_view value
 void PreambleCheck::cutLine(std::string_view text)
 {
     if (m_context.recovery.isInSync())
-        add(kNulByte, m_context.reader.lineNumber(),
-            "%1 ends at a NUL byte; the rest of the line is lost", quoted(text));
+        add(kNulByte, m_context.lineNumber(), "%1 ends at a NUL byte; the rest of the line is lost",
+            quoted(text));
 }
 
 // What is left of a value may be a number; else it is reported as text.

@@ -1,4 +1,4 @@
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/htskeys.h"
 #include "hts/linetext.h"
 #include "hts/quotedtext.h"
@@ -40,7 +40,7 @@ const FindingKind& kindOf(QLatin1String expected)
         return kPackagePreamble;
     if (expected == kEndRunPreamble)
         return kRunPreamble;
-    if (expected == HtsReader::kTimestepFormat)
+    if (expected == ReaderObserver::kTimestepFormat)
         return kTimestepLine;
     return expected == kEndSlotPreamble ? kSlotPreamble : kColumnHeader;
 }
@@ -77,8 +77,8 @@ void ReadingCheck::unexpectedLine(QLatin1String expected, std::string_view line)
 // Whether the file ends before the first line of a run.
 bool ReadingCheck::isMissingRun(QLatin1String expected) const
 {
-    return expected == kEndRunPreamble && m_context.reader.linesPastEnd() > 0 &&
-           m_context.reader.lineNumber() == m_context.lines.firstLine();
+    return expected == kEndRunPreamble && m_context.linesPastEnd() > 0 &&
+           m_context.lineNumber() == m_context.lines.firstLine();
 }
 
 QString ReadingCheck::textFor(QLatin1String expected, std::string_view line) const
@@ -91,7 +91,7 @@ QString ReadingCheck::textFor(QLatin1String expected, std::string_view line) con
     const QString wanted = isBetweenSlots             ? QStringLiteral("a slot or \"END_RUN\"")
                            : m_kind == &kTimestepLine ? worded("a timestep \"%1\"", expected)
                                                       : worded("\"%1\"", expected);
-    if (m_context.reader.linesPastEnd() > 0)
+    if (m_context.linesPastEnd() > 0)
         return worded("the file ends where %1 is expected", wanted);
     return worded("%1 instead of %2", line.empty() ? QStringLiteral("an empty line") : quoted(line),
                   wanted);

@@ -7,7 +7,7 @@
 #include <tuple>
 #include <vector>
 
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/doublebits.h"
 #include "hts/htskeys.h"
 

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "check/findinglist.h"
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/linetext.h"
 #include "hts/quotedtext.h"
 

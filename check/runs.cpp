@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/htskeys.h"
 #include "hts/quotedtext.h"
 #include "hts/shareifequal.h"
@@ -253,7 +253,7 @@ void RunCheck::runEnded()
     if (lacking.status.ok() || !m_context.conversion.hasFirstTiming())
         return;
     const FirstSlot& first = m_slots[static_cast<std::size_t>(lacking.slot)];
-    add(kRunValues, m_context.reader.lineNumber(), "run %1 ends without the slot %2%3", runNumber(),
+    add(kRunValues, m_context.lineNumber(), "run %1 ends without the slot %2%3", runNumber(),
         fullSlotName(first.objectName, first.slotName), conversionFails(lacking.status.message));
 }
 
@@ -262,7 +262,7 @@ void RunCheck::unexpectedLine(QLatin1String expected, std::string_view line)
     if (expected != kEndRun)
         return;
     m_context.recovery.expectStrayEndOfRun(line.empty());
-    const qint64 number = m_context.reader.lineNumber();
+    const qint64 number = m_context.lineNumber();
     if (line.empty())
         add(kEndRunLine, number, "empty line before \"END_RUN\"");
     else

@@ -2,7 +2,7 @@
 
 #include "check/knownlines.h"
 #include "check/nearwords.h"
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/htskeys.h"
 #include "hts/quotedtext.h"
 
@@ -60,7 +60,7 @@ void SlotCheck::checkName(const FindingKind& kind, QLatin1String key, const QStr
     if (!value.isEmpty() || m_context.lines.hasNear(key))
         return;
     const qint64 emptyLine = m_context.lines.lineOf(key);
-    add(kind, emptyLine > 0 ? emptyLine : m_context.reader.lineNumber(), "the slot has no \"%1\"",
+    add(kind, emptyLine > 0 ? emptyLine : m_context.lineNumber(), "the slot has no \"%1\"",
         keyName(key));
 }
 
@@ -85,8 +85,7 @@ void SlotCheck::checkType(const QString& type)
 void SlotCheck::unexpectedLine(QLatin1String expected, std::string_view line)
 {
     if (expected == kMethodLine.key)
-        add(kMethodKey, m_context.reader.lineNumber(), "%1 is taken for the method line",
-            quoted(line));
+        add(kMethodKey, m_context.lineNumber(), "%1 is taken for the method line", quoted(line));
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 #include "check/knownlines.h"
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/htskeys.h"
 #include "hts/quotedtext.h"
 
@@ -34,11 +34,11 @@ void TableCheck::tableRow(const HtsSlot& table, int row, std::string_view line)
     if (row == 0)
         m_isRowReported = false;
     // The rows of a table whose preamble is cut off are no rows.
-    const bool isRow = table.preambleRead && m_context.reader.linesPastEnd() == 0;
+    const bool isRow = table.preambleRead && m_context.linesPastEnd() == 0;
     if (!isRow || m_isRowReported || !isSlotLine(line))
         return;
     m_isRowReported = true;
-    add(kTableRows, m_context.reader.lineNumber(), "%1 instead of row %2 of %3 of the table %4",
+    add(kTableRows, m_context.lineNumber(), "%1 instead of row %2 of %3 of the table %4",
         quoted(line), row + 1, table.rows, fullSlotName(table.objectName, table.slotName));
     m_context.recovery.loseSync();
 }
@@ -51,7 +51,7 @@ void TableCheck::lineAfterTable(const HtsSlot& table, std::string_view line)
                            line == bytesOf(kEndSlotPreamble) || line == bytesOf(kEndRun);
     if (!isForeign || !m_context.recovery.isInSync())
         return;
-    add(kTableOverrun, m_context.reader.lineNumber(),
+    add(kTableOverrun, m_context.lineNumber(),
         "%1 is taken for a part of the table %2, which has no \"END_SLOT\" "
         "before it",
         quoted(line), fullSlotName(table.objectName, table.slotName));

@@ -10,7 +10,7 @@
 #include "check/runsteps.h"
 #include "check/shortyears.h"
 #include "check/stamps.h"
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/datetimetext.h"
 #include "hts/htskeys.h"
 #include "hts/quotedtext.h"
@@ -383,7 +383,7 @@ void TimestepCheck::runRead()
 void TimestepCheck::unexpectedLine(QLatin1String expected, std::string_view line)
 {
     const HtsRun& run = m_context.walk.run();
-    if (expected == HtsReader::kTimestepFormat && isSlotLine(line))
+    if (expected == ReaderObserver::kTimestepFormat && isSlotLine(line))
         add(kStepCount, lineOfStepCount(), "time_steps: announces %1 timesteps, and %2 follow",
             run.timeStepCount, run.timesteps.size());
 }

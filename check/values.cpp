@@ -7,7 +7,7 @@
 #include "check/nearwords.h"
 #include "check/numberhint.h"
 #include "check/sentinels.h"
-#include "check/topic.h"
+#include "check/topiccheck.h"
 #include "hts/htskeys.h"
 #include "hts/numbertext.h"
 #include "hts/quotedtext.h"
@@ -109,7 +109,7 @@ void ValueCheck::beforeValues()
     m_noNumbers.clear();
     m_ownValues = std::numeric_limits<std::size_t>::max();
     m_context.recovery.beginValues();
-    const qint64 firstLine = m_context.reader.lineNumber() + 1;
+    const qint64 firstLine = m_context.lineNumber() + 1;
     const HtsColumn& values = walk.values(); // oddValueLine() sees their lines
     const ValueExtent extent = extentOf(values);
     if (!m_context.recovery.hasForeignLines())
@@ -121,7 +121,7 @@ void ValueCheck::oddValueLine(std::size_t index, qint64 lineNumber, std::string_
 {
     Recovery& recovery = m_context.recovery;
     const bool wasForeign = recovery.hasForeignLines();
-    if (m_context.reader.linesPastEnd() > 0)
+    if (m_context.linesPastEnd() > 0)
         recovery.noteForeignLine(); // reported as a missing slot
     else if (!isNan(line) && !wasForeign)
         checkOddLine(index, lineNumber, line);
@@ -210,7 +210,7 @@ void ValueCheck::endLine(QLatin1String expected, std::string_view line)
 {
     Recovery& recovery = m_context.recovery;
     // The end of the input is reported as a missing slot or "END_RUN".
-    const bool isRight = line == bytesOf(expected) || m_context.reader.linesPastEnd() > 0;
+    const bool isRight = line == bytesOf(expected) || m_context.linesPastEnd() > 0;
     if (isRight && expected == kEndColumn && m_context.walk.slot().isSeries())
         recovery.noteExactValues();
     const bool isReported = !isRight && recovery.isInSync() && !recovery.hasForeignLines();
@@ -233,7 +233,7 @@ void ValueCheck::reportEndColumn(std::string_view line)
     if (line.empty() || !isNumberLine(line))
         reportEndLine(kEndColumnLine, kEndColumn, line);
     else
-        add(kTooManyValues, m_context.reader.lineNumber(),
+        add(kTooManyValues, m_context.lineNumber(),
             "%1 has more values than the run has timesteps: %2 instead of "
             "\"END_COLUMN\"",
             m_slotName, quoted(line));
@@ -242,7 +242,7 @@ void ValueCheck::reportEndColumn(std::string_view line)
 void ValueCheck::reportEndLine(const FindingKind& kind, QLatin1String expected,
                                std::string_view line)
 {
-    add(kind, m_context.reader.lineNumber(), "%1 instead of \"%2\"",
+    add(kind, m_context.lineNumber(), "%1 instead of \"%2\"",
         line.empty() ? QStringLiteral("an empty line") : quoted(line), expected);
 }
 

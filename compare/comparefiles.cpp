@@ -12,19 +12,19 @@
 #include "compare/matchedsteps.h"
 #include "compare/runindex.h"
 #include "hts/datetimetext.h"
+#include "hts/htsreader.h"
 #include "hts/numbertext.h"
 
 namespace {
 
 // A file that is read for its values, when the index of its runs is known: reading fails only if
 // the file has become another one since.
-class ComparedFile : private HtsReader::Observer
+class ComparedFile : private ReaderObserver
 {
 public:
     explicit ComparedFile(QIODevice& device)
         : m_reader(device),
-          m_walk(m_reader, m_package,
-                 {HtsReader::TableRows::Keep, HtsReader::MissingTableEnd::StopAtEndOfInput})
+          m_walk(m_reader, m_package, {TableRows::Keep, MissingTableEnd::StopAtEndOfInput})
     {
         m_reader.addObserver(*this);
     }

@@ -5,6 +5,8 @@
 
 #include <QCryptographicHash>
 
+#include "hts/htsreader.h"
+
 namespace {
 
 void addName(QCryptographicHash& names, const QString& name)
@@ -30,8 +32,7 @@ Status readRunIndex(QIODevice& device, std::vector<RunEntry>& runs)
 {
     HtsReader reader(device);
     HtsPackage package;
-    HtsWalk walk(reader, package,
-                 {HtsReader::TableRows::Skip, HtsReader::MissingTableEnd::StopAtEndOfInput});
+    HtsWalk walk(reader, package, {TableRows::Skip, MissingTableEnd::StopAtEndOfInput});
     QCryptographicHash names(QCryptographicHash::Sha1);
     while (walk.next()) {
         if (walk.place() == HtsWalk::Place::Run) {

@@ -9,13 +9,14 @@
 #include "annualize/timestepunit.h"
 #include "exchange/csvwriter.h"
 #include "hts/datetimetext.h"
+#include "hts/htsreader.h"
 #include "hts/htswalk.h"
 #include "hts/numbertext.h"
 #include "hts/quotedtext.h"
 
 namespace {
 
-class TextValueCounter : public HtsReader::Observer
+class TextValueCounter : public ReaderObserver
 {
 public:
     void oddValueLine(std::size_t, qint64, std::string_view line) override
@@ -347,10 +348,10 @@ Status addSection(HtsWalk& walk, Table& table, const ExportOptions& options, Ste
 Status addRuns(HtsReader& reader, Table& table, const ExportOptions& options)
 {
     HtsPackage package;
-    const auto rows = options.form == ExportOptions::Form::Tables ? HtsReader::TableRows::Keep
-                                                                  : HtsReader::TableRows::Skip;
+    const auto rows =
+        options.form == ExportOptions::Form::Tables ? TableRows::Keep : TableRows::Skip;
     // Unlike a conversion, an export stops at the end of the input.
-    HtsWalk walk(reader, package, {rows, HtsReader::MissingTableEnd::StopAtEndOfInput});
+    HtsWalk walk(reader, package, {rows, MissingTableEnd::StopAtEndOfInput});
     StepFields steps;
     Status status;
     bool isDone = false;

@@ -32,6 +32,9 @@ using HtsValues = std::vector<std::vector<std::vector<HtsColumn>>>;
 // includes this header defines QT_NO_KEYWORDS.
 struct HtsPackage
 {
+    // The message for a package preamble that can't be read.
+    static inline const QLatin1String kBadPreamble{"Cannot read package preamble"};
+
     // Reads a whole file into this package, which must be empty. The device must be open for
     // reading, in text mode or not, and may be sequential; its position is then after the last line
     // used. Reading stops at the first problem and leaves the package incomplete. Messages: "Cannot
@@ -42,7 +45,7 @@ struct HtsPackage
     Status read(QIODevice& device);
 
     // The steps of read(). Each leaves the device after the last line that it used. readPreamble()
-    // fails with "Cannot read package preamble".
+    // fails with kBadPreamble.
     Status readPreamble(QIODevice& device);
     // Reads the units line, the scale line and, where the next byte is the letter m, the method
     // line. Fails with "Cannot read HTS file: Missing units or scale"; the three results are then

@@ -84,7 +84,7 @@ Status HtsReader::readPackagePreamble(HtsPackage& package)
     std::array<RepeatedText, kPackageKeys.size()> texts;
     if (!package.preambleRead)
         package.preambleRead = readKeywordLines(kPackageKeys, kEndPackagePreamble, texts, package);
-    return package.preambleRead ? Status() : failure(kBadPackagePreamble);
+    return package.preambleRead ? Status() : failure(HtsPackage::kBadPreamble);
 }
 
 Status HtsReader::readRun(HtsRun& run)
@@ -102,7 +102,7 @@ Status HtsReader::readRun(HtsRun& run)
         const QString timestep = isRepeated ? m_timesteps.at(step) : toText(line);
         run.complete = isRepeated || isTimestepText(timestep);
         if (!run.complete) {
-            notify(&Observer::unexpectedLine, kTimestepFormat, line);
+            notify(&Observer::unexpectedLine, Observer::kTimestepFormat, line);
             return failure(HtsRun::kBadPreamble);
         }
         run.timesteps.append(timestep);

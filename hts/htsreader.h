@@ -12,10 +12,11 @@
 
 #include "hts/linereader.h"
 #include "hts/linetext.h"
+#include "hts/readerobserver.h"
 #include "hts/status.h"
+#include "hts/tablereading.h"
 
 class QIODevice;
-struct HtsKeyword;
 template<typename Model>
 struct HtsKey;
 struct HtsPackage;
@@ -34,50 +35,16 @@ class HtsReader : private LineReader::OddLineObserver
 public:
     explicit HtsReader(QIODevice& device);
 
-    // A section that is read by one function.
-    enum class Section { PackagePreamble, Run, Slot };
-
-    // Sees the lines of a file and what the format tolerates silently, for programs that report it.
-    // It is not called for value lines that are plain numbers and for timestep lines, which it
-    // therefore does not slow down. Lines come without white space at both ends; during a call,
-    // lineNumber() is the number of the line.
-    class Observer : public LineReader::OddLineObserver
-    {
-    public:
-        // Before the first line of a section is read; lineNumber() is the one before it.
-        virtual void sectionBegins(Section) {}
-        // A line of a preamble that begins with none of its keys.
-        virtual void ignoredLine(std::string_view) {}
-        // A keyword line of a preamble or a column header; the value is the rest of the line.
-        virtual void keywordLine(const HtsKeyword&, std::string_view) {}
-        // The preamble of a slot was read, its end line included.
-        virtual void slotPreambleRead(const HtsSlot&) {}
-        // A line in the place of `expected`: of an end line, a key of a column header, or
-        // kTimestepFormat. Reading then fails, unless `expected` is "method: " or "END_RUN": a
-        // method line need only begin with the letter m, and an empty line before "END_RUN" ends
-        // the run.
-        virtual void unexpectedLine(QLatin1String, std::string_view) {}
-        // A line with a NUL byte, which ends its text: the bytes from there on are lost. Comes
-        // before the call for what is left of the line.
-        virtual void cutLine(std::string_view) {}
-        // A line in the place of "END_COLUMN", and the next in the place of "END_SLOT"; neither is
-        // checked.
-        virtual void endLine(QLatin1String, std::string_view) {}
-        // A row of a table, counted from 0; then the lines after the rows, before "END_SLOT".
-        virtual void tableRow(const HtsSlot&, int, std::string_view) {}
-        virtual void lineAfterTable(const HtsSlot&, std::string_view) {}
-        void oddValueLine(std::size_t, qint64, std::string_view) override {}
-    };
-
-    // The form of a timestep line.
-    static inline const QLatin1String kTimestepFormat{"yyyy-M-d h:mm"};
+    using Observer = ReaderObserver;
+    using Section = ReaderObserver::Section;
+    using TableRows = ::TableRows;
+    using MissingTableEnd = ::MissingTableEnd;
 
     // The observer is not owned and outlives the reader. Observers are called in the order in which
     // they were added.
     void addObserver(Observer& observer) { m_observers.push_back(&observer); }
 
-    static inline const QLatin1String kBadPackagePreamble{"Cannot read package preamble"};
-    // Reads the package preamble. Fails with kBadPackagePreamble.
+    // Reads the package preamble. Fails with HtsPackage::kBadPreamble.
     Status readPackagePreamble(HtsPackage& package);
 
     // Reads the run preamble and the timestep lines. Fails with HtsRun::kBadPreamble; the timesteps
@@ -86,9 +53,6 @@ public:
 
     // Whether the next line is "END_RUN"; if so, reads it.
     bool takeEndOfRun();
-
-    // Whether the rows of a table are stored in the slot, or dropped.
-    enum class TableRows { Keep, Skip };
 
     // Reads the slot preamble and all else of the slot up to its values: the rows of a table; for
     // other slots the column header, as one entry each of units, scales and methods. Past the end
@@ -110,9 +74,6 @@ public:
 
     // Reads the lines "END_COLUMN" and "END_SLOT", without checking them.
     void readEndLines();
-
-    // What happens where the input ends in the search for the end of a table.
-    enum class MissingTableEnd { SearchForever, StopAtEndOfInput };
 
     // Reads the lines after the rows of `table`, to the first that is "END_SLOT". A table must end
     // with that line; deliberately, there is no other end: without it the call returns never, or

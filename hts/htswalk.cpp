@@ -1,5 +1,7 @@
 #include "hts/htswalk.h"
 
+#include "hts/htsreader.h"
+
 HtsWalk::HtsWalk(HtsReader& reader, HtsPackage& package, Options options)
     : m_reader(reader), m_package(package), m_options(options)
 {

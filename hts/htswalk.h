@@ -4,8 +4,11 @@
 #include <utility>
 
 #include "hts/htspackage.h"
-#include "hts/htsreader.h"
+#include "hts/linereader.h"
 #include "hts/status.h"
+#include "hts/tablereading.h"
+
+class HtsReader;
 
 // Walks through an HTS file section by section, in one pass: the one loop over the runs and slots
 // of a file, which everything that reads files uses. Each next() reads one section; the user
@@ -28,8 +31,8 @@ public:
 
     struct Options
     {
-        HtsReader::TableRows tableRows = HtsReader::TableRows::Skip;
-        HtsReader::MissingTableEnd missingTableEnd = HtsReader::MissingTableEnd::SearchForever;
+        TableRows tableRows = TableRows::Skip;
+        MissingTableEnd missingTableEnd = MissingTableEnd::SearchForever;
     };
 
     // Reads the package preamble into `package`, which is empty.

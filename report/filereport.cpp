@@ -5,6 +5,7 @@
 
 #include "annualize/months.h"
 #include "check/control.h"
+#include "hts/htsreader.h"
 #include "hts/htswalk.h"
 #include "report/hashedfile.h"
 #include "report/resultcompare.h"
@@ -51,8 +52,7 @@ Status compareResult(QIODevice& annual, FileReport& report)
 {
     HtsReader reader(annual);
     HtsPackage preamble;
-    HtsWalk walk(reader, preamble,
-                 {HtsReader::TableRows::Skip, HtsReader::MissingTableEnd::StopAtEndOfInput});
+    HtsWalk walk(reader, preamble, {TableRows::Skip, MissingTableEnd::StopAtEndOfInput});
     ResultCompare compare(report.model);
     while (walk.next()) {
         if (walk.place() == HtsWalk::Place::Run)

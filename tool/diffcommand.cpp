@@ -7,7 +7,7 @@
 
 #include "check/filekind.h"
 #include "compare/comparefiles.h"
-#include "hts/htsreader.h"
+#include "hts/htspackage.h"
 #include "tool/diffreport.h"
 #include "tool/progress.h"
 #include "tool/toolfiles.h"
@@ -85,7 +85,7 @@ int DiffInput::finish(const Status& status)
     if (status.ok())
         return 0;
     const QString otherFile =
-        status.message == HtsReader::kBadPackagePreamble ? otherFileText(m_firstBlock) : QString();
+        status.message == HtsPackage::kBadPreamble ? otherFileText(m_firstBlock) : QString();
     const QLatin1String colon(otherFile.isEmpty() ? "" : ": ");
     return fail(status.message + colon + otherFile, ExitCode::kErrors);
 }

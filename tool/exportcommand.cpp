@@ -2,7 +2,7 @@
 
 #include "check/filekind.h"
 #include "exchange/csvexport.h"
-#include "hts/htsreader.h"
+#include "hts/htspackage.h"
 #include "tool/outputfile.h"
 #include "tool/toolfiles.h"
 #include "tool/toolio.h"
@@ -26,7 +26,7 @@ int runExport(const ToolOptions& options, const ToolIo& io)
     if (!outcome.status.ok()) {
         const QLatin1String rest(output.isDroppable() ? "; nothing is exported"
                                                       : "; the export is not complete");
-        const QString otherFile = outcome.status.message == HtsReader::kBadPackagePreamble
+        const QString otherFile = outcome.status.message == HtsPackage::kBadPreamble
                                       ? otherFileText(firstBlock)
                                       : QString();
         const QLatin1String colon(otherFile.isEmpty() ? "" : ": ");

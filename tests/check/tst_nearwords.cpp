@@ -118,13 +118,14 @@ void NearWordsTest::nearestKeyOfALine()
 {
     QFETCH(QString, line);
     QFETCH(QString, key);
-    QCOMPARE(QString(nearestKey(bytesOfText(line), knownLinesOf(HtsReader::Section::Slot))), key);
+    QCOMPARE(QString(nearestKey(bytesOfText(line), knownLinesOf(ReaderObserver::Section::Slot))),
+             key);
 }
 
 // time_step_unit, which "time_step" is the beginning of, comes first.
 void NearWordsTest::prefersATypoToACutKey()
 {
-    QCOMPARE(QString(nearestKey("time_step:12", knownLinesOf(HtsReader::Section::Run))),
+    QCOMPARE(QString(nearestKey("time_step:12", knownLinesOf(ReaderObserver::Section::Run))),
              QStringLiteral("time_steps:"));
 }
 

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "hts/htskeys.h"
+#include "hts/htsreader.h"
 #include "hts/htswalk.h"
 #include "tests/support/testmain.h"
 
@@ -15,7 +16,7 @@ QString textOf(std::string_view bytes)
 }
 
 // Notes every call as a text: line number, kind of line, the line.
-class RecordingObserver : public HtsReader::Observer
+class RecordingObserver : public ReaderObserver
 {
 public:
     explicit RecordingObserver(const HtsReader& reader) : m_reader(reader) {}
