@@ -141,19 +141,26 @@ const char* addExponent(const char* text, int& exponent)
     return end == text ? nullptr : end;
 }
 
-// number * 10^exponent, for a number up to kMaxExact. As both it and the power of ten are exact,
-// their product or quotient is the correctly rounded result.
+double exactDouble(std::uint64_t number)
+{
+    Q_ASSERT(number <= kMaxExact);
+    return static_cast<double>(static_cast<std::int64_t>(number));
+}
+
+// The powers of ten that a double holds exactly. The product or quotient of one of them and an
+// exact number is correctly rounded.
+constexpr int kMaxExponent = 22;
+constexpr double kPowersOfTen[kMaxExponent + 1] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// number * 10^exponent.
 Magnitude scaled(std::uint64_t number, int exponent, const char* end)
 {
-    static const double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                          1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                          1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-    constexpr int kMaxExponent = 22;
-    Q_ASSERT(number <= kMaxExact);
     if (std::abs(exponent) > kMaxExponent)
         return {0.0, nullptr};
-    const auto exact = static_cast<double>(static_cast<std::int64_t>(number));
     const double power = kPowersOfTen[std::abs(exponent)];
+    const double exact = exactDouble(number);
     return {exponent < 0 ? exact / power : exact * power, end};
 }
 
@@ -170,8 +177,7 @@ Magnitude readTwelveDecimals(const char* text, std::uint64_t first, std::uint64_
 // Reads what follows the whole digits of a number: a point with decimals, an exponent, or nothing.
 Magnitude readRest(const char* text, std::uint64_t whole)
 {
-    static const std::uint64_t kPowersOfTen[] = {1,     10,     100,     1000,
-                                                 10000, 100000, 1000000, 10000000};
+    static const std::uint64_t kFactors[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000};
     std::uint64_t number = whole;
     int exponent = 0;
     if (*text == '.') {
@@ -185,9 +191,11 @@ Magnitude readRest(const char* text, std::uint64_t whole)
             ++count;
         if (count == 0)
             return {0.0, nullptr};
-        number = whole * kPowersOfTen[count] + firstDigits(first, count);
-        exponent = -count;
+        number = whole * kFactors[count] + firstDigits(first, count);
         text += count;
+        if (*text == '\n') // mostly
+            return {exactDouble(number) / kPowersOfTen[count], text};
+        exponent = -count;
     }
     if (lower(*text) == 'e')
         text = addExponent(text + 1, exponent);
