@@ -105,7 +105,7 @@ RuleFault parseMethodRule(std::string_view line, MethodRule& rule)
     if (colon == std::string_view::npos)
         return RuleFault::NoColon;
 
-    const std::string_view word = methodWordOf(line);
+    const std::string_view word = stripped(line.substr(colon + 1));
     if (word.empty())
         return RuleFault::NoMethod;
     const AggMethod* method = findMethodIgnoringCase(word);

@@ -30,6 +30,10 @@ void YearCounts::runRead(const CheckContext& context)
         m_steps = walk.run().timesteps;
         m_stepFields.assign(static_cast<std::size_t>(m_steps.size()), {});
     }
+    const bool hasFirstTiming = context.conversion.hasFirstTiming();
+    if (m_isOfFirstRun && hasFirstTiming)
+        return; // the years of the run before
+    m_isOfFirstRun = hasFirstTiming;
     m_years.clear();
     const CompleteYears& years = context.conversion.runYears();
     Q_ASSERT(context.years.years().size() == static_cast<std::size_t>(years.count()));

@@ -48,7 +48,8 @@ private:
     const QByteArray m_file;
     QByteArray m_run;
     std::vector<YearFields> m_years;
-    QByteArray m_method; // of the slot at hand
+    bool m_isOfFirstRun = false; // the years are those of the first run
+    QByteArray m_method;         // of the slot at hand
     // The timesteps of the run, and those of their fields that were needed: extremes often share
     // one.
     QStringList m_steps;
