@@ -122,6 +122,7 @@ QStringList offeredByTool(const QStringList& words)
     return offered(QStringLiteral("htstool"), QStringLiteral("_htstool"), words);
 }
 
+constexpr const char* kCommands[] = {"check", "diff", "explain", "export", "import", "report"};
 const QString kHelp = QStringLiteral("--help");
 const QString kHelpOption = QStringLiteral("-h, --help");
 const QStringList kVersionSpellings = {QStringLiteral("-v"), QStringLiteral("--version")};
@@ -164,7 +165,7 @@ private Q_SLOTS:
 
         QTest::newRow("of both") << QStringLiteral("OPTIONS") << QStringList{kHelp}
                                  << QStringList{};
-        for (const char* command : {"check", "export", "import"}) {
+        for (const char* command : kCommands) {
             QTest::newRow(command)
                 << QStringLiteral("Options of ") + QLatin1String(command)
                 << QStringList{QLatin1String(command), kHelp} << QStringList{kHelpOption};
@@ -193,10 +194,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("command");
 
-        QTest::newRow("check") << QStringList{QStringLiteral("check")};
-        QTest::newRow("diff") << QStringList{QStringLiteral("diff")};
-        QTest::newRow("export") << QStringList{QStringLiteral("export")};
-        QTest::newRow("import") << QStringList{QStringLiteral("import")};
+        for (const char* command : kCommands)
+            QTest::newRow(command) << QStringList{QLatin1String(command)};
     }
 
     void completionOffersTheToolsOptions()

@@ -1,4 +1,4 @@
-// docs/htstool.md says what the program does: help texts, examples and codes; reports.py compares
+// docs/htstool.md says what the program does: examples and codes; reports.py compares
 // the schemas with the documents.
 
 #include <QJsonArray>
@@ -41,7 +41,6 @@ class ToolDocTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void hasTheHelpTexts();
     void examplesAreTrue_data();
     void examplesAreTrue();
     void exampleOfTheHelpPageIsTrue();
@@ -49,16 +48,6 @@ private Q_SLOTS:
     void jsonDocumentIsComplete();
     void jsonPlanIsWhole();
 };
-
-void ToolDocTest::hasTheHelpTexts()
-{
-    for (const char* command : {"check", "diff", "explain", "export", "import", "report"}) {
-        ToolRun run;
-        run.start({QString::fromLatin1(command), QStringLiteral("--help")});
-        QVERIFY2(document().contains(QLatin1Char('\n') + indented(run.output) + QLatin1Char('\n')),
-                 run.output.constData());
-    }
-}
 
 void ToolDocTest::examplesAreTrue_data()
 {
