@@ -280,7 +280,7 @@ void AnnualValueCheck::countLacking(const std::vector<YearValues>& years)
 {
     for (std::size_t i = 0; i < years.size(); ++i) {
         const RunYear& year = m_context.years.years()[i];
-        if (m_context.maxMissing.isExceeded(year, year.lackingOf(years[i]), m_context.walk.values(),
+        if (m_context.maxMissing.isExceeded(year, year.lackingOf(years[i]), m_context.missing,
                                             m_context.years.stepLength()))
             m_tallies[kTooMany].add(year.name, RunYear::presentOf(years[i]), year.expected);
     }

@@ -1,12 +1,17 @@
 #ifndef CHECK_CHECKCONTEXT_H
 #define CHECK_CHECKCONTEXT_H
 
+#include <cstddef>
+#include <optional>
+#include <vector>
+
 #include "annualize/conversion.h"
 #include "check/control.h"
 #include "check/findinglist.h"
 #include "check/maxmissing.h"
 #include "check/preamblelines.h"
 #include "check/recovery.h"
+#include "check/runsteps.h"
 #include "check/runyears.h"
 #include "check/sentinels.h"
 #include "hts/htswalk.h"
@@ -31,6 +36,12 @@ struct CheckContext
     // Of the run at hand.
     const RunYears& years;
     const MaxMissing& maxMissing;
+    // Only while topics and observer look at the first run.
+    const std::optional<RunSteps>& firstSteps;
+    // Of the slot at hand, unless it is a table: the indexes of the values that are not finite, in
+    // ascending order, and what Sentinels::findIn() has found.
+    std::vector<std::size_t>& missing;
+    std::vector<Sentinels::Occurrence>& foundSentinels;
 
     // See HtsReader.
     qint64 lineNumber() const;

@@ -1,6 +1,7 @@
 #include "check/filecheck.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <QBuffer>
@@ -51,6 +52,7 @@ private:
     }
 
     void checkSection();
+    void runRead();
     void finish();
     void describePlan();
 
@@ -64,6 +66,9 @@ private:
     Recovery m_recovery;
     PreambleLines m_lines;
     RunYears m_years;
+    std::optional<RunSteps> m_firstSteps;
+    std::vector<std::size_t> m_missing;
+    std::vector<Sentinels::Occurrence> m_foundSentinels;
     CheckContext m_context;
     std::vector<std::unique_ptr<TopicCheck>> m_checks;
     CheckObserver* const m_observer;
@@ -78,9 +83,9 @@ FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
               return control == nullptr ? ruleForAll() : control->file();
           },
           options.endMonth, Conversion::Purpose::Judge),
-      m_context{m_reader,    m_package,         m_walk,     m_conversion, options.endMonth,
-                m_sentinels, m_report.findings, m_recovery, m_lines,      options.control,
-                m_years,     options.maxMissing},
+      m_context{m_reader,    m_package,          m_walk,       m_conversion, options.endMonth,
+                m_sentinels, m_report.findings,  m_recovery,   m_lines,      options.control,
+                m_years,     options.maxMissing, m_firstSteps, m_missing,    m_foundSentinels},
       m_observer(options.observer)
 {
     // The findings of such a file may have to make way for one.
@@ -111,13 +116,7 @@ void FileCheck::checkSection()
         forEach(&TopicCheck::beforeValues);
     m_conversion.take(m_walk);
     if (m_walk.place() == HtsWalk::Place::Run) {
-        ++m_report.runCount;
-        m_recovery.runRead();
-        m_lines.setEndLine(m_reader.lineNumber() - m_walk.run().timesteps.size());
-        m_years.beginRun(m_walk.run(), m_conversion, m_context.endMonth);
-        forEach(&TopicCheck::runRead);
-        if (m_observer != nullptr)
-            m_observer->runRead(m_context);
+        runRead();
     } else if (m_walk.place() == HtsWalk::Place::Slot) {
         m_report.slotCount += m_walk.runIndex() == 0 ? 1 : 0;
         forEach(&TopicCheck::slotRead);
@@ -126,6 +125,20 @@ void FileCheck::checkSection()
     } else if (m_walk.place() == HtsWalk::Place::EndOfRun) {
         forEach(&TopicCheck::runEnded);
     }
+}
+
+void FileCheck::runRead()
+{
+    ++m_report.runCount;
+    m_recovery.runRead();
+    m_lines.setEndLine(m_reader.lineNumber() - m_walk.run().timesteps.size());
+    m_years.beginRun(m_walk.run(), m_conversion, m_context.endMonth);
+    if (m_walk.runIndex() == 0)
+        m_firstSteps.emplace(m_walk.run(), m_conversion.firstYears(), m_context.endMonth);
+    forEach(&TopicCheck::runRead);
+    if (m_observer != nullptr)
+        m_observer->runRead(m_context);
+    m_firstSteps.reset();
 }
 
 void FileCheck::finish()

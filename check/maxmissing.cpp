@@ -16,11 +16,11 @@ bool isDigits(const QString& text)
     });
 }
 
-bool lacksMonth(const RunYear& year, const HtsColumn& values)
+bool lacksMonth(const RunYear& year, const RunYear::Missing& missing)
 {
     std::array<qint64, 12> lacking{};
     bool hasLongGap = false;
-    year.forEachGap(values, [&](qint64 place, qint64 count) {
+    year.forEachGap(missing, [&](qint64 place, qint64 count) {
         while (count > 0) {
             const QDate day = year.start.date().addDays(place);
             const qint64 inMonth = std::min<qint64>(count, day.daysInMonth() - day.day() + 1);
@@ -63,7 +63,7 @@ bool MaxMissing::isFor(const StepLength& length) const
     return !isWmo() || length.isDay() || length.isMonths();
 }
 
-bool MaxMissing::isExceeded(const RunYear& year, qint64 lacking, const HtsColumn& values,
+bool MaxMissing::isExceeded(const RunYear& year, qint64 lacking, const RunYear::Missing& missing,
                             const StepLength& length) const
 {
     Q_ASSERT(isFor(length));
@@ -74,7 +74,7 @@ bool MaxMissing::isExceeded(const RunYear& year, qint64 lacking, const HtsColumn
     case Rule::Percent:
         return 100.0 * share > m_amount * static_cast<double>(year.expected);
     case Rule::Wmo:
-        return lacking > 0 && (length.isMonths() || lacksMonth(year, values));
+        return lacking > 0 && (length.isMonths() || lacksMonth(year, missing));
     case Rule::None:
         break;
     }

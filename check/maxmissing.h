@@ -23,9 +23,9 @@ public:
 
     // Whether it can be told for timesteps of that length: "wmo" is for days and months.
     bool isFor(const StepLength& length) const;
-    // Whether the year, whose timesteps isFor(), lacks more; `lacking` is how many of the values
-    // that are looked at.
-    bool isExceeded(const RunYear& year, qint64 lacking, const HtsColumn& values,
+    // Whether the year, whose timesteps isFor(), lacks more; `lacking` is how many values, and
+    // `missing` which of those that the file has.
+    bool isExceeded(const RunYear& year, qint64 lacking, const RunYear::Missing& missing,
                     const StepLength& length) const;
 
 private:

@@ -10,10 +10,10 @@ QDateTime yearEndAfter(const QDateTime& step, int endMonth)
     return end < step ? end.addYears(1) : end;
 }
 
-qint64 RunYear::longestGap(const HtsColumn& values) const
+qint64 RunYear::longestGap(const Missing& missing) const
 {
     qint64 longest = 0;
-    forEachGap(values, [&longest](qint64, qint64 count) { longest = std::max(longest, count); });
+    forEachGap(missing, [&longest](qint64, qint64 count) { longest = std::max(longest, count); });
     return longest;
 }
 

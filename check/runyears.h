@@ -2,7 +2,6 @@
 #define CHECK_RUNYEARS_H
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -59,23 +58,29 @@ struct RunYear
         return std::max<qint64>(year.missing, expected - presentOf(year));
     }
 
+    // The indexes of a slot's values that are not finite, in ascending order.
+    using Missing = std::vector<std::size_t>;
+
     // The longest of the stretches that forEachGap() finds.
-    qint64 longestGap(const HtsColumn& values) const;
+    qint64 longestGap(const Missing& missing) const;
     // The index of the first timestep with that value, one of the year's.
     std::size_t indexOf(double value, const HtsColumn& values) const;
     // Calls take(place, count) for each stretch of timesteps of the full year without a usable
     // value, of those of a slot.
     template<typename Take>
-    void forEachGap(const HtsColumn& values, Take take) const
+    void forEachGap(const Missing& missing, Take take) const
     {
+        auto index = std::lower_bound(missing.begin(), missing.end(), first);
         if (places.empty()) {
-            forEachGapOfValues(values, take);
+            forEachGapOfValues(index, missing.end(), take);
             return;
         }
         qint64 next = 0;
         for (std::size_t i = first; i < end; ++i) {
-            if (!std::isfinite(values[i]))
+            if (index != missing.end() && *index == i) {
+                ++index;
                 continue;
+            }
             const qint64 place = places[i - first];
             if (place > next)
                 take(next, place - next);
@@ -86,24 +91,19 @@ struct RunYear
     }
 
 private:
-    // The index of the first value from `index` on that is not usable, or `end`.
-    std::size_t nextMissing(const HtsColumn& values, std::size_t index) const
-    {
-        const auto isMissing = [](double value) { return !std::isfinite(value); };
-        index = blockWith(values, index, end, isMissing);
-        while (index < end && !isMissing(values[index]))
-            ++index;
-        return index;
-    }
     // The same for a year without missing timesteps, which nearly all are.
     template<typename Take>
-    void forEachGapOfValues(const HtsColumn& values, Take take) const
+    void forEachGapOfValues(Missing::const_iterator index, Missing::const_iterator last,
+                            Take take) const
     {
-        for (std::size_t i = nextMissing(values, first); i < end; i = nextMissing(values, i)) {
-            const std::size_t begin = i;
-            while (i < end && !std::isfinite(values[i]))
-                ++i;
-            take(static_cast<qint64>(begin - first), static_cast<qint64>(i - begin));
+        while (index != last && *index < end) {
+            const std::size_t begin = *index;
+            std::size_t next = begin;
+            while (index != last && *index == next && next < end) {
+                ++index;
+                ++next;
+            }
+            take(static_cast<qint64>(begin - first), static_cast<qint64>(next - begin));
         }
     }
 };

@@ -85,9 +85,9 @@ constexpr FindingKind kShortYear = {
     "A year counts as complete with fewer timesteps than it should have.",
     "Add the timesteps, or do not use the year of the result."};
 
-// Checks the timesteps of one run: their unit, whether they follow each other by it, whether start
-// and end agree with them, whether they are stamped at their ends, and whether the years that count
-// as complete have all their timesteps, and those that do not lack some.
+// Checks the timesteps of the first run: their unit, whether they follow each other by it, whether
+// start and end agree with them, whether they are stamped at their ends, and whether the years that
+// count as complete have all their timesteps, and those that do not lack some.
 class TimestepsOfRun
 {
 public:
@@ -117,7 +117,7 @@ private:
     FindingList& m_findings;
     const HtsRun& m_run;
     const CompleteYears& m_years;
-    const RunSteps m_steps;
+    const RunSteps& m_steps;
     // Indexes of the timesteps after gaps; 0 if `start:` lies too early.
     std::vector<std::size_t> m_gaps;
     bool m_hasEarlyStart = false;
@@ -125,7 +125,7 @@ private:
 
 TimestepsOfRun::TimestepsOfRun(CheckContext& context)
     : m_context(context), m_findings(context.findings), m_run(context.walk.run()),
-      m_years(context.conversion.runYears()), m_steps(m_run, m_years, context.endMonth)
+      m_years(context.conversion.runYears()), m_steps(context.firstSteps.value())
 {
 }
 

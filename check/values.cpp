@@ -107,10 +107,17 @@ void ValueCheck::beforeValues()
     m_count = walk.slot().valueCount(walk.run());
     m_infiniteValues = 0;
     m_noNumbers.clear();
+    m_context.missing.clear();
     m_ownValues = std::numeric_limits<std::size_t>::max();
     m_context.recovery.beginValues();
     const qint64 firstLine = m_context.lineNumber() + 1;
     const HtsColumn& values = walk.values(); // oddValueLine() sees their lines
+    // A plain number is finite.
+    auto& missing = m_context.missing;
+    missing.erase(
+        std::remove_if(missing.begin(), missing.end(),
+                       [&values](std::size_t index) { return std::isfinite(values[index]); }),
+        missing.end());
     const ValueExtent extent = extentOf(values);
     if (!m_context.recovery.hasForeignLines())
         reportMissing(values.size() - extent.usable - m_infiniteValues, firstLine);
@@ -121,6 +128,7 @@ void ValueCheck::oddValueLine(std::size_t index, qint64 lineNumber, std::string_
 {
     Recovery& recovery = m_context.recovery;
     const bool wasForeign = recovery.hasForeignLines();
+    m_context.missing.push_back(index); // perhaps
     if (m_context.linesPastEnd() > 0)
         recovery.noteForeignLine(); // reported as a missing slot
     else if (!isNan(line) && !wasForeign)
@@ -188,7 +196,8 @@ void ValueCheck::reportSentinels(const HtsColumn& values, const ValueExtent& ext
                                  qint64 firstLine)
 {
     const std::size_t count = std::min(m_ownValues, values.size());
-    for (const auto& found : m_context.sentinels.findIn({values, count, m_noNumbers, extent})) {
+    m_context.foundSentinels = m_context.sentinels.findIn({values, count, m_noNumbers, extent});
+    for (const Sentinels::Occurrence& found : m_context.foundSentinels) {
         const qint64 line = firstLine + static_cast<qint64>(found.first);
         const QString number = sentinelText(found.number);
         const QString times =

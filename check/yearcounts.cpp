@@ -93,7 +93,7 @@ void YearCounts::addYear(std::size_t index, const YearValues& counts, const AggM
         m_writer.addFields(m_method);
         m_writer.add(year.expected);
         m_writer.add(RunYear::presentOf(counts));
-        m_writer.add(year.longestGap(m_context->walk.values()));
+        m_writer.add(year.longestGap(m_context->missing));
     }
     if (method == nullptr)
         m_writer.addFields({});

@@ -63,12 +63,8 @@ SlotChart::SlotChart(const PageModel& model, const PageSlot& slot,
     : m_model(model), m_slot(slot), m_bands(bands),
       m_hasOwnAxis(slot.method != nullptr && slot.method->isTotal)
 {
-    for (const Envelope::Column& column : slot.envelope.columns()) {
-        if (column.isEmpty())
-            continue;
-        m_input.include(static_cast<double>(column.low));
-        m_input.include(static_cast<double>(column.high));
-    }
+    m_input.include(static_cast<double>(slot.envelope.low()));
+    m_input.include(static_cast<double>(slot.envelope.high()));
     Axis& annual = m_hasOwnAxis ? m_annual : m_input;
     for (const PageYear& year : slot.years)
         annual.include(year.value);
@@ -87,7 +83,7 @@ SlotChart::SlotChart(const PageModel& model, const PageSlot& slot,
 int SlotChart::yOf(const Axis& axis, double value)
 {
     constexpr int kUnits = kPlotHeight * kScale;
-    return kUnits - static_cast<int>(std::lround(axis.placeOf(value) * kUnits));
+    return kUnits - qRound(axis.placeOf(value) * kUnits); // not by a call, as std::lround
 }
 
 // What the chart shows, for who does not see it.
@@ -102,7 +98,7 @@ QByteArray SlotChart::texts() const
         text += worded(", with %1 annual values from %2 to %3 as steps", m_slot.years.size(),
                        QString::number(range.low()), QString::number(range.high()));
     text += worded("; %1 values are missing, and %2 may mark missing ones",
-                   m_slot.envelope.missingCount(), m_slot.envelope.sentinelCount());
+                   m_slot.envelope.missingCount(), m_slot.sentinelCount);
     return "<title>" + htmlText(m_slot.name, 100) + "</title><desc>" + htmlText(text) + "</desc>\n";
 }
 
@@ -138,9 +134,8 @@ SvgPath SlotChart::line() const
 {
     SvgPath path;
     int points = 0; // of the stretch at hand
-    int x = 0;
     for (const Envelope::Column& column : m_slot.envelope.columns()) {
-        const int at = x++;
+        const int at = column.x;
         if (column.isEmpty()) {
             if (column.hasMissing && points == 1)
                 path.addDot();
@@ -193,7 +188,7 @@ SvgPath SlotChart::doubtfulYears() const
 {
     SvgPath path;
     for (std::size_t i = 0; i < m_slot.years.size() && i < m_model.yearPlaces.size(); ++i) {
-        const PageModel::Range& place = m_model.yearPlaces[i];
+        const ChartRange& place = m_model.yearPlaces[i];
         if (m_slot.years[i].isDoubtful)
             path.addBox(ChartFrame::kLeft + xOf(place.from), kTop,
                         ChartFrame::kLeft + xOf(place.to), kTop + kPlotHeight);
@@ -205,7 +200,7 @@ SvgPath SlotChart::bandBoxes() const
 {
     SvgPath path;
     for (std::size_t i = 0; i < m_bands.size() && i < m_model.yearPlaces.size(); ++i) {
-        const PageModel::Range& place = m_model.yearPlaces[i];
+        const ChartRange& place = m_model.yearPlaces[i];
         if (std::isfinite(m_bands[i].median))
             path.addBox(xOf(place.from), yOf(annualAxis(), m_bands[i].maximum), xOf(place.to),
                         yOf(annualAxis(), m_bands[i].minimum));
@@ -230,18 +225,26 @@ SvgPath SlotChart::bandMedians() const
 SvgPath SlotChart::missingMarks() const
 {
     constexpr int kY = kTop + kPlotHeight + 6;
-    constexpr std::size_t kLeastWidth = 3; // to be seen
+    constexpr int kLeastWidth = 3; // to be seen
     SvgPath path;
-    const std::vector<Envelope::Column>& columns = m_slot.envelope.columns();
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        const std::size_t first = i;
-        while (i < columns.size() && columns[i].hasMissing)
-            ++i;
-        if (i == first)
+    int first = -1; // of the mark at hand, and after its last column
+    int end = -1;
+    const auto draw = [&] {
+        if (end < 0)
+            return;
+        path.moveTo(ChartFrame::kLeft + first, kY);
+        path.lineTo(ChartFrame::kLeft + std::max(end, first + kLeastWidth), kY);
+    };
+    for (const Envelope::Column& column : m_slot.envelope.columns()) {
+        if (!column.hasMissing)
             continue;
-        path.moveTo(ChartFrame::kLeft + static_cast<int>(first), kY);
-        path.lineTo(ChartFrame::kLeft + static_cast<int>(std::max(i, first + kLeastWidth)), kY);
+        if (column.x != end) {
+            draw();
+            first = column.x;
+        }
+        end = column.x + 1;
     }
+    draw();
     return path;
 }
 
@@ -251,9 +254,8 @@ SvgPath SlotChart::sentinelMarks() const
     constexpr int kHalf = 4;
     SvgPath path;
     int last = -kChartColumns;
-    int x = ChartFrame::kLeft;
     for (const Envelope::Column& column : m_slot.envelope.columns()) {
-        const int at = x++;
+        const int at = ChartFrame::kLeft + column.x;
         if (!column.hasSentinel || at - last < 2 * kHalf)
             continue;
         last = at;
@@ -293,7 +295,7 @@ QByteArray yearLabels(const PageModel& model, int y)
     QByteArray labels;
     int last = -kRoom;
     for (int i = 0; i < count; ++i) {
-        const PageModel::Range& place = model.labelPlaces[static_cast<std::size_t>(i)];
+        const ChartRange& place = model.labelPlaces[static_cast<std::size_t>(i)];
         const int x = xOf((place.from + place.to) / 2.0);
         const int year = model.firstYear + i;
         if (year % step != 0 || x - last < kRoom)

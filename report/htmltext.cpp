@@ -1,10 +1,20 @@
 #include "report/htmltext.h"
 
+#include <algorithm>
+
 #include "hts/quotedtext.h"
 
 namespace {
 
 constexpr int kMaxName = 100;
+
+// Whether a character is shown as it is in HTML too, and is of ASCII.
+bool isPlain(QChar character)
+{
+    const ushort code = character.unicode();
+    return code >= ' ' && code < 0x7f && code != '<' && code != '>' && code != '&' && code != '"' &&
+           code != '\'';
+}
 
 QString cut(const QString& text, int maxLength)
 {
@@ -18,6 +28,9 @@ QString cut(const QString& text, int maxLength)
 
 QByteArray htmlText(const QString& text, int maxLength)
 {
+    // Nearly all texts are like this, and a page has tens of thousands of them.
+    if (text.size() <= maxLength && std::all_of(text.begin(), text.end(), isPlain))
+        return text.toLatin1();
     return shown(cut(text, maxLength))
         .toHtmlEscaped()
         .replace(QLatin1Char('\''), QLatin1String("&#39;"))
@@ -27,4 +40,20 @@ QByteArray htmlText(const QString& text, int maxLength)
 QByteArray htmlName(const QString& name)
 {
     return "<bdi>" + htmlText(name, kMaxName) + "</bdi>";
+}
+
+HtmlTexts::HtmlTexts(const QStringList& texts)
+{
+    m_ends.reserve(static_cast<std::size_t>(texts.size()));
+    for (const QString& text : texts) {
+        m_html += htmlText(text);
+        m_ends.push_back(m_html.size());
+    }
+}
+
+QLatin1String HtmlTexts::at(int index) const
+{
+    const int begin = index == 0 ? 0 : m_ends[static_cast<std::size_t>(index) - 1];
+    return QLatin1String(m_html.constData() + begin,
+                         m_ends[static_cast<std::size_t>(index)] - begin);
 }

@@ -10,6 +10,7 @@
 #include "check/finding.h"
 #include "check/runyears.h"
 #include "report/envelope.h"
+#include "report/htmltext.h"
 
 struct AggMethod;
 
@@ -38,7 +39,9 @@ struct PageSlot
     qint64 ruleLine = 0; // of the control file
     qint64 firstLine = 0;
     qint64 lastLine = 0;
-    QStringList sentinels; // the numbers that may mark missing values
+    // The numbers that may mark missing values, and how many values they are.
+    QStringList sentinels;
+    qint64 sentinelCount = 0;
     // Of the first run.
     Envelope envelope;
     std::vector<PageYear> years; // none if there is no result
@@ -51,8 +54,7 @@ struct PageGap
 {
     QString after; // the timestep before it
     qint64 missing;
-    double from; // places in the chart, 0 to 1
-    double to;
+    ChartRange place;
 };
 
 // A finding about the file, and the slot it concerns.
@@ -68,19 +70,15 @@ struct PageModel
 {
     // Of the first run.
     QStringList timesteps;
+    HtmlTexts stepTexts;       // the timesteps, for the tables
     QStringList yearTimesteps; // the last timestep of each year
     int runCount = 0;          // of all runs
     std::vector<RunYear> years;
-    // Places of the years in the chart, from 0 at its left end to 1; as many as `years`.
-    struct Range
-    {
-        double from;
-        double to;
-    };
-    std::vector<Range> yearPlaces;
+    // Places of the years in the chart; as many as `years`.
+    std::vector<ChartRange> yearPlaces;
     // All years that the chart touches, complete or not, by the calendar year that they end in.
     int firstYear = 0;
-    std::vector<Range> labelPlaces;
+    std::vector<ChartRange> labelPlaces;
     std::vector<PageGap> gaps; // the first of them
     qint64 gapCount = 0;
 

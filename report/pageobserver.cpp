@@ -40,15 +40,17 @@ void PageObserver::runRead(const CheckContext& context)
         return;
     const HtsRun& run = context.walk.run();
     m_model.timesteps = run.timesteps;
+    m_model.stepTexts = HtmlTexts(run.timesteps);
     m_model.years = context.years.years();
     if (!m_model.years.empty())
         m_model.yearTimesteps = context.conversion.firstYears().timesteps;
-    const RunSteps steps(run, context.conversion.firstYears(), context.endMonth);
-    placeSteps(steps);
-    if (!steps.isWhole())
-        return;
-    placeYears(context.endMonth);
-    addGaps(steps);
+    const RunSteps& steps = context.firstSteps.value();
+    const std::vector<float> places = placesOf(steps);
+    if (steps.isWhole())
+        placeYears(context.endMonth);
+    m_columns = ChartColumns(places, takeGaps(steps));
+    for (const RunYear& year : m_model.years)
+        m_yearColumns.push_back(m_columns.indexOf(year.first));
 }
 
 double PageObserver::placeOf(qint64 instant) const
@@ -59,15 +61,14 @@ double PageObserver::placeOf(qint64 instant) const
 }
 
 // A value is drawn in the middle of its timestep. Without dates they are at equal distances.
-void PageObserver::placeSteps(const RunSteps& steps)
+std::vector<float> PageObserver::placesOf(const RunSteps& steps)
 {
     const auto count = static_cast<std::size_t>(m_model.timesteps.size());
     std::vector<float> places(count);
     if (!steps.isWhole()) {
         for (std::size_t i = 0; i < count; ++i)
             places[i] = static_cast<float>(i) / static_cast<float>(count);
-        m_columns = ChartColumns(places);
-        return;
+        return places;
     }
     const StepLength& length = steps.length();
     const auto startOf = [&](std::size_t i) {
@@ -84,14 +85,14 @@ void PageObserver::placeSteps(const RunSteps& steps)
         places[i] =
             static_cast<float>(placeOf(end - (length.isMonths() ? end - startOf(i) : first) / 2));
     }
-    m_columns = ChartColumns(places);
+    return places;
 }
 
 void PageObserver::placeYears(int endMonth)
 {
     const auto rangeOf = [this](const QDateTime& start, const QDateTime& end) {
-        return PageModel::Range{std::clamp(placeOf(start.toMSecsSinceEpoch()), 0.0, 1.0),
-                                std::clamp(placeOf(end.toMSecsSinceEpoch()), 0.0, 1.0)};
+        return ChartRange{std::clamp(placeOf(start.toMSecsSinceEpoch()), 0.0, 1.0),
+                          std::clamp(placeOf(end.toMSecsSinceEpoch()), 0.0, 1.0)};
     };
     for (const RunYear& year : m_model.years)
         m_model.yearPlaces.push_back(rangeOf(year.start, year.start.addYears(1)));
@@ -103,22 +104,23 @@ void PageObserver::placeYears(int endMonth)
         m_model.labelPlaces.push_back(rangeOf(end.addYears(-1), end));
 }
 
-void PageObserver::addGaps(const RunSteps& steps)
+std::vector<ChartRange> PageObserver::takeGaps(const RunSteps& steps)
 {
     constexpr std::size_t kMaxGaps = 100;
+    std::vector<ChartRange> gaps;
     const StepLength& length = steps.length();
-    for (std::size_t i = 1; i < steps.count(); ++i) {
+    for (std::size_t i = 1; i < steps.count() && steps.isWhole(); ++i) {
         const qint64 distance =
             steps.at(i) > steps.at(i - 1) ? length.stepsBetween(steps.at(i - 1), steps.at(i)) : 1;
         if (distance <= 1)
             continue;
-        const double from = placeOf(steps.at(i - 1).toMSecsSinceEpoch());
-        const double to = placeOf(length.moved(steps.at(i), -1).toMSecsSinceEpoch());
-        m_columns.addGap(from, to);
+        gaps.push_back({placeOf(steps.at(i - 1).toMSecsSinceEpoch()),
+                        placeOf(length.moved(steps.at(i), -1).toMSecsSinceEpoch())});
         ++m_model.gapCount;
         if (m_model.gaps.size() < kMaxGaps)
-            m_model.gaps.push_back({steps.text(i - 1), distance - 1, from, to});
+            m_model.gaps.push_back({steps.text(i - 1), distance - 1, gaps.back()});
     }
+    return gaps;
 }
 
 int PageObserver::shownIndex(const CheckContext& context) const
@@ -179,22 +181,16 @@ bool isDoubtful(const CheckContext& context, const RunYear& year, qint64 lacking
     const StepLength& length = context.years.stepLength();
     if (!maximum.isSet() || !maximum.isFor(length))
         return lacking > 0;
-    return maximum.isExceeded(year, lacking, context.walk.values(), length);
+    return maximum.isExceeded(year, lacking, context.missing, length);
 }
 
-// Without what depends on the slot.
 PageYear pageYear(const CheckContext& context, const RunYear& year, const YearValues& counts)
 {
-    const HtsColumn& values = context.walk.values();
     const qint64 present = RunYear::presentOf(counts);
     const qint64 lacking = year.lackingOf(counts);
     PageYear shown;
     shown.present = static_cast<qint32>(present);
-    shown.longestGap = lacking == 0 ? 0 : static_cast<qint32>(year.longestGap(values));
-    if (present > 0) {
-        shown.maximum = static_cast<qint32>(year.indexOf(counts.max(), values));
-        shown.minimum = static_cast<qint32>(year.indexOf(counts.min(), values));
-    }
+    shown.longestGap = lacking == 0 ? 0 : static_cast<qint32>(year.longestGap(context.missing));
     shown.isDoubtful = isDoubtful(context, year, lacking);
     return shown;
 }
@@ -204,21 +200,32 @@ PageYear pageYear(const CheckContext& context, const RunYear& year, const YearVa
 void PageObserver::addValues(const CheckContext& context, PageSlot& slot)
 {
     const HtsColumn& values = context.walk.values();
-    const auto found = context.sentinels.findIn({values, values.size(), {}});
-    for (const Sentinels::Occurrence& each : found)
+    const std::vector<Sentinels::Occurrence>& found = context.foundSentinels;
+    for (const Sentinels::Occurrence& each : found) {
         slot.sentinels.append(sentinelText(each.number));
-    const auto isSentinel = [&](double value) {
-        return !found.empty() && context.sentinels.isOneOf(found, value);
-    };
-    slot.envelope = Envelope(m_columns, values, isSentinel);
+        slot.sentinelCount += static_cast<qint64>(each.count);
+    }
+    const auto isSentinel = [&](double value) { return context.sentinels.isOneOf(found, value); };
+    slot.envelope = Envelope(m_columns, values, context.missing);
+    if (!found.empty())
+        slot.envelope.markSentinels(m_columns, values, isSentinel);
     const Conversion::SlotOutcome& outcome = context.conversion.outcome();
     if (outcome.years == nullptr || !outcome.status.ok())
         return;
     slot.years.reserve(outcome.years->size());
     for (std::size_t i = 0; i < outcome.years->size(); ++i) {
         const RunYear& year = m_model.years[i];
-        PageYear& shown = slot.years.emplace_back(pageYear(context, year, (*outcome.years)[i]));
-        shown.value = slot.method->resultFor((*outcome.years)[i]);
+        const YearValues& counts = (*outcome.years)[i];
+        PageYear& shown = slot.years.emplace_back(pageYear(context, year, counts));
+        shown.value = slot.method->resultFor(counts);
+        const auto indexOf = [&](double value) {
+            return static_cast<qint32>(slot.envelope.indexOf(value, m_columns, values, year.first,
+                                                             year.end, m_yearColumns[i]));
+        };
+        if (shown.present > 0) {
+            shown.maximum = indexOf(counts.max());
+            shown.minimum = indexOf(counts.min());
+        }
         const auto begin = values.begin();
         shown.hasSentinels = !found.empty() &&
                              std::any_of(begin + static_cast<std::ptrdiff_t>(year.first),

@@ -42,9 +42,11 @@ public:
     PageModel takeModel() { return std::move(m_model); }
 
 private:
-    void placeSteps(const RunSteps& steps);
+    // The places of all timesteps in the chart, whose begin and end are set.
+    std::vector<float> placesOf(const RunSteps& steps);
     void placeYears(int endMonth);
-    void addGaps(const RunSteps& steps);
+    // The places of all gaps; the first are kept.
+    std::vector<ChartRange> takeGaps(const RunSteps& steps);
     double placeOf(qint64 instant) const;
     // The index of the shown slot at the walk, or -1.
     int shownIndex(const CheckContext& context) const;
@@ -56,7 +58,8 @@ private:
     const ShownSlots m_shown;
     PageModel m_model;
     ChartColumns m_columns;
-    qint64 m_begin = 0; // of the chart, in milliseconds
+    std::vector<std::size_t> m_yearColumns; // indexes of those in which the years begin
+    qint64 m_begin = 0;                     // of the chart, in milliseconds
     qint64 m_end = 0;
     std::vector<int> m_slotIndexes; // in the file, of those that are shown
     // Of the findings in the order in which they were found, the slot or -1.

@@ -13,9 +13,11 @@
 
 namespace {
 
-const QByteArray kNumberCell = "<td class=\"n\">";
-// A cell that is to be looked at.
-const QByteArray kFlaggedCell = "<td class=\"n f\">";
+// The start of a cell with a number; of one that is to be looked at.
+const char* numberCell(bool isFlagged)
+{
+    return isFlagged ? "<td class=\"n f\">" : "<td class=\"n\">";
+}
 
 QByteArray link(int number, const QString& name)
 {
@@ -24,7 +26,7 @@ QByteArray link(int number, const QString& name)
 
 QByteArray flaggedNumber(qint64 count)
 {
-    return (count > 0 ? kFlaggedCell : kNumberCell) + QByteArray::number(count) + "</td>";
+    return numberCell(count > 0) + QByteArray::number(count) + "</td>";
 }
 
 QByteArray listRow(const PageSlot& slot, int number)
@@ -33,8 +35,8 @@ QByteArray listRow(const PageSlot& slot, int number)
                                         [](const PageYear& year) { return year.isDoubtful; });
     return "<tr><th scope=\"row\">" + link(number, slot.name) + "</th><td>" +
            htmlText(slot.method->word) + "</td>" + flaggedNumber(doubtful) +
-           flaggedNumber(slot.envelope.missingCount()) +
-           flaggedNumber(slot.envelope.sentinelCount()) + "</tr>\n";
+           flaggedNumber(slot.envelope.missingCount()) + flaggedNumber(slot.sentinelCount) +
+           "</tr>\n";
 }
 
 QByteArray leftOutSlots(const CheckReport& report)
@@ -83,56 +85,60 @@ QByteArray about(const PageSlot& slot)
                 " values are missing.</p>\n";
     if (!slot.sentinels.isEmpty())
         html +=
-            "<p class=\"note\">" + QByteArray::number(slot.envelope.sentinelCount()) +
+            "<p class=\"note\">" + QByteArray::number(slot.sentinelCount) +
             " values may mark missing ones: " + htmlText(slot.sentinels.join(QLatin1String(", "))) +
             "</p>\n";
     return html;
 }
 
-QByteArray stepCell(const PageModel& model, qint32 step)
+void addStep(QByteArray& html, const PageModel& model, qint32 step)
 {
-    return step < 0 ? QByteArray("<td></td>")
-                    : "<td>" + htmlText(model.timesteps.value(step)) + "</td>";
+    html += "<td>";
+    if (step >= 0) {
+        const QLatin1String text = model.stepTexts.at(step);
+        html.append(text.data(), text.size());
+    }
+    html += "</td>";
 }
 
-QByteArray yearRow(const PageModel& model, std::size_t index, const PageYear& year)
+void addYear(QByteArray& html, const PageModel& model, const RunYear& ofRun, const PageYear& year)
 {
-    const RunYear& ofRun = model.years[index];
-    QByteArray html = "<tr><th scope=\"row\">" + QByteArray::number(ofRun.name) + "</th>";
-    html += (std::isfinite(year.value) && !year.hasSentinels ? kNumberCell : kFlaggedCell) +
-            numberField(year.value) + "</td>";
-    html += (year.isDoubtful ? kFlaggedCell : kNumberCell) + QByteArray::number(year.present) +
-            " of " + QByteArray::number(ofRun.expected) + "</td>";
-    html += (year.isDoubtful && year.longestGap > 0 ? kFlaggedCell : kNumberCell) +
+    html += "<tr><th scope=\"row\">" + QByteArray::number(ofRun.name) + "</th>" +
+            numberCell(!std::isfinite(year.value) || year.hasSentinels) + numberField(year.value) +
+            "</td>" + numberCell(year.isDoubtful) + QByteArray::number(year.present) + " of " +
+            QByteArray::number(ofRun.expected) + "</td>" +
+            numberCell(year.isDoubtful && year.longestGap > 0) +
             QByteArray::number(year.longestGap) + "</td>";
-    return html + stepCell(model, year.maximum) + stepCell(model, year.minimum);
+    addStep(html, model, year.maximum);
+    addStep(html, model, year.minimum);
 }
 
-QByteArray yearTable(const PageModel& model, const PageSlot& slot,
-                     const std::vector<YearBand>& bands)
+void addYearTable(QByteArray& html, const PageModel& model, const PageSlot& slot,
+                  const std::vector<YearBand>& bands)
 {
-    if (slot.years.empty())
-        return "<p>No annual values.</p>\n";
-    QByteArray html = "<div class=\"wide\"><table>\n<thead><tr><th scope=\"col\">Year</th><th "
-                      "class=\"n\" scope=\"col\">" +
-                      htmlText(slot.method->word) +
-                      "</th><th class=\"n\" scope=\"col\">Values</th><th class=\"n\" "
-                      "scope=\"col\">Longest gap</th><th scope=\"col\">"
-                      "Maximum at</th><th scope=\"col\">Minimum at</th>";
+    if (slot.years.empty()) {
+        html += "<p>No annual values.</p>\n";
+        return;
+    }
+    html += "<div class=\"wide\"><table>\n<thead><tr><th scope=\"col\">Year</th><th class=\"n\" "
+            "scope=\"col\">" +
+            htmlText(slot.method->word) +
+            "</th><th class=\"n\" scope=\"col\">Values</th><th class=\"n\" scope=\"col\">Longest "
+            "gap</th><th scope=\"col\">Maximum at</th><th scope=\"col\">Minimum at</th>";
     if (!bands.empty())
         html +=
             "<th class=\"n\" scope=\"col\">Other runs: smallest</th><th class=\"n\" scope=\"col\">"
             "median</th><th class=\"n\" scope=\"col\">largest</th>";
     html += "</tr></thead>\n<tbody>\n";
     for (std::size_t i = 0; i < slot.years.size(); ++i) {
-        html += yearRow(model, i, slot.years[i]);
+        addYear(html, model, model.years[i], slot.years[i]);
         if (!bands.empty()) {
             for (const double value : {bands[i].minimum, bands[i].median, bands[i].maximum})
-                html += kNumberCell + numberField(value) + "</td>";
+                html += numberCell(false) + numberField(value) + "</td>";
         }
         html += "</tr>\n";
     }
-    return html + "</tbody></table></div>\n";
+    html += "</tbody></table></div>\n";
 }
 
 } // namespace
@@ -161,8 +167,14 @@ QByteArray slotList(const CheckReport& report, const PageModel& model)
 QByteArray slotSection(const PageModel& model, const PageSlot& slot, int number)
 {
     const std::vector<YearBand> bands = bandOf(slot);
-    return "<section class=\"slot\" id=\"s" + QByteArray::number(number) + "\">\n<h2>" +
-           htmlName(slot.name) + "</h2>\n" + about(slot) + "<figure>" +
-           slotChart(model, slot, bands) + "</figure>\n" + yearTable(model, slot, bands) +
-           "</section>\n";
+    QByteArray html;
+    constexpr std::size_t kRoom = 16000;      // for all but the years of nearly any slot
+    constexpr std::size_t kRoomForYear = 250; // at most, without other runs
+    html.reserve(static_cast<int>(kRoom + kRoomForYear * slot.years.size()));
+    html += "<section class=\"slot\" id=\"s" + QByteArray::number(number) + "\">\n<h2>" +
+            htmlName(slot.name) + "</h2>\n" + about(slot) + "<figure>" +
+            slotChart(model, slot, bands) + "</figure>\n";
+    addYearTable(html, model, slot, bands);
+    html += "</section>\n";
+    return html;
 }

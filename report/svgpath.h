@@ -7,15 +7,14 @@
 class SvgPath
 {
 public:
-    bool isEmpty() const { return m_data.isEmpty(); }
-    const QByteArray& data() const { return m_data; }
+    bool isEmpty() const { return m_size == 0; }
 
     void moveTo(int x, int y);
     void lineTo(int x, int y);
     // A rectangle from one corner to the opposite one.
     void addBox(int left, int top, int right, int bottom);
     // A dot, where nothing else is drawn.
-    void addDot() { m_data += "h0"; }
+    void addDot() { add('h', 0); }
 
     int x() const { return m_x; }
     int y() const { return m_y; }
@@ -24,10 +23,12 @@ public:
     QByteArray element(const char* style) const;
 
 private:
+    char* room();
     void add(char letter, int number);
-    void addSecond(int number);
+    void add(char letter, int number, int second);
 
-    QByteArray m_data;
+    QByteArray m_data; // with room after the path
+    int m_size = 0;
     int m_x = 0;
     int m_y = 0;
 };

@@ -11,12 +11,14 @@ YearBand bandOf(std::vector<double>& values)
 {
     if (values.empty())
         return {qQNaN(), qQNaN(), qQNaN()};
-    std::sort(values.begin(), values.end());
-    const std::size_t half = values.size() / 2;
+    const auto half = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), half, values.end());
+    const double minimum = *std::min_element(values.begin(), half + 1);
+    const double maximum = *std::max_element(half, values.end());
+    if (values.size() % 2 == 1)
+        return {minimum, *half, maximum};
     // The sum of two numbers may be out of range.
-    const double median =
-        values.size() % 2 == 1 ? values[half] : values[half - 1] / 2.0 + values[half] / 2.0;
-    return {values.front(), median, values.back()};
+    return {minimum, *std::max_element(values.begin(), half) / 2.0 + *half / 2.0, maximum};
 }
 
 } // namespace

@@ -34,14 +34,14 @@ QByteArray strip(const PageModel& model)
     SvgPath complete;
     SvgPath shortYears;
     for (std::size_t i = 0; i < model.yearPlaces.size(); ++i) {
-        const PageModel::Range& place = model.yearPlaces[i];
+        const ChartRange& place = model.yearPlaces[i];
         SvgPath& path = isShort(model.years[i]) ? shortYears : complete;
         path.addBox(xOf(place.from), kBarTop, xOf(place.to), kBottom);
     }
     SvgPath gaps;
     for (const PageGap& gap : model.gaps)
-        gaps.addBox(xOf(gap.from), kBottom + 3, std::max(xOf(gap.to), xOf(gap.from) + 2),
-                    kBottom + 7);
+        gaps.addBox(xOf(gap.place.from), kBottom + 3,
+                    std::max(xOf(gap.place.to), xOf(gap.place.from) + 2), kBottom + 7);
     return "<svg role=\"img\" viewBox=\"0 0 " + QByteArray::number(ChartFrame::kWidth) + ' ' +
            QByteArray::number(kHeight) +
            "\">\n<title>The complete years, and what is left out at both ends</title>\n" +

@@ -41,6 +41,7 @@ private Q_SLOTS:
     void hashesAreThoseOfTheStandard_data();
     void hashesAreThoseOfTheStandard();
     void envelopeKeepsEachPeak();
+    void envelopeFindsValues();
     void envelopeKnowsWhatIsMissing();
     void columnsFollowTheTimes();
     void bandHasTheMedian();
@@ -216,51 +217,70 @@ void PagePartsTest::envelopeKeepsEachPeak()
     constexpr std::size_t kCount = 100000;
     const ChartColumns columns = columnsOf(kCount);
     QCOMPARE(columns.stepCount(), kCount);
-    const auto none = [](double) { return false; };
+    QCOMPARE(columns.list().size(), std::size_t(kChartColumns));
     for (const std::size_t peak : {std::size_t(0), std::size_t(77777), kCount - 1}) {
         HtsColumn values(kCount, 1.0);
         values[peak] = 1e300;
-        const Envelope envelope(columns, values, none);
-        int found = 0;
-        for (int i = 0; i < kChartColumns; ++i) {
-            const Envelope::Column& column = envelope.columns()[static_cast<std::size_t>(i)];
+        const Envelope envelope(columns, values, {});
+        QCOMPARE(envelope.low(), 1.0F);
+        QVERIFY(envelope.high() > 1.0F);
+        std::size_t found = 0;
+        for (const ChartColumns::Column& steps : columns.list()) {
+            const Envelope::Column& column = envelope.columns()[static_cast<std::size_t>(steps.x)];
+            QCOMPARE(int(column.x), steps.x);
             QCOMPARE(column.low, 1.0F);
-            QCOMPARE(column.high > 1.0F, columns.begin(i) <= peak && peak < columns.end(i));
+            QCOMPARE(column.high > 1.0F, steps.begin <= peak && peak < steps.end);
             found += column.high > 1.0F ? 1 : 0;
         }
-        QCOMPARE(found, 1);
+        QCOMPARE(found, std::size_t(1));
+        QCOMPARE(columns.indexOf(peak), peak * kChartColumns / kCount);
     }
+}
+
+// Also a value that is in two columns and in two years, and one that only the exact numbers tell
+// from others.
+void PagePartsTest::envelopeFindsValues()
+{
+    const ChartColumns columns = columnsOf(2000);
+    HtsColumn values(2000);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = 1.0 + static_cast<double>(i % 700) * 1e-12;
+    const Envelope envelope(columns, values, {});
+    for (const std::size_t first : {0U, 699U, 700U, 1301U})
+        for (const std::size_t wanted : {first, first + 1, first + 698})
+            QCOMPARE(envelope.indexOf(values[wanted], columns, values, first, first + 699,
+                                      columns.indexOf(first)),
+                     wanted);
 }
 
 void PagePartsTest::envelopeKnowsWhatIsMissing()
 {
-    ChartColumns columns = columnsOf(3);
-    columns.addGap(0.25, 0.3);
-    const Envelope envelope(columns, {kNaN, -999.0}, [](double value) { return value == -999.0; });
+    const ChartColumns columns({0.0F, 0.5F, 1.0F}, {{0.25, 0.3}});
+    const HtsColumn values = {kNaN, -999.0};
+    Envelope envelope(columns, values, {0});
+    envelope.markSentinels(columns, values, [](double value) { return value == -999.0; });
     QCOMPARE(envelope.missingCount(), 2); // there is no third value
-    QCOMPARE(envelope.sentinelCount(), 1);
     QString marks;
-    for (const std::size_t i : {0U, 1U, 159U, 160U, 192U, 193U, 320U, 639U}) {
-        const Envelope::Column& column = envelope.columns()[i];
-        marks += QLatin1String(column.hasMissing ? "m" : "-") +
-                 QLatin1String(column.hasSentinel ? "s"
-                               : column.isEmpty() ? "."
-                                                  : "v") +
-                 QLatin1Char(' ');
+    for (const Envelope::Column& column : envelope.columns()) {
+        if (column.x < 162 || column.x > 190)
+            marks += QString::number(column.x) + QLatin1String(column.hasMissing ? "m" : "-") +
+                     QLatin1String(column.hasSentinel ? "s"
+                                   : column.isEmpty() ? "."
+                                                      : "v") +
+                     QLatin1Char(' ');
     }
-    QCOMPARE(marks, QStringLiteral("m. -. -. m. m. -. -s m. "));
+    QCOMPARE(marks, QStringLiteral("0m. 160m. 161m. 191m. 192m. 320-s 639m. "));
 }
 
 // A timestep that goes back stays beside the one before it.
 void PagePartsTest::columnsFollowTheTimes()
 {
     const ChartColumns columns({0.0F, 0.0F, 0.5F, 0.25F, 1.0F, 7.0F});
-    QCOMPARE(columns.end(0), std::size_t(2));
-    QCOMPARE(columns.begin(320), std::size_t(2));
-    QCOMPARE(columns.end(320), std::size_t(4));
-    QCOMPARE(columns.begin(639), std::size_t(4));
-    QCOMPARE(columns.end(639), std::size_t(6));
-    QCOMPARE(ChartColumns(std::vector<float>()).end(639), std::size_t(0));
+    QString ranges;
+    for (const ChartColumns::Column& column : columns.list())
+        ranges += QStringLiteral("%1: %2 to %3; ").arg(column.x).arg(column.begin).arg(column.end);
+    QCOMPARE(ranges, QStringLiteral("0: 0 to 2; 320: 2 to 4; 639: 4 to 6; "));
+    QVERIFY(ChartColumns(std::vector<float>()).list().empty());
 }
 
 void PagePartsTest::bandHasTheMedian()
