@@ -50,7 +50,8 @@ struct ExportOutcome
 };
 
 // Writes the values of an HTS file as a table of comma-separated values, in one pass; see
-// csvwriter.h for the form of the fields.
+// csvwriter.h for the form of the fields. The source is open for reading and may be sequential, the
+// target is open for writing, not in text mode; whoever opened them checks their errors.
 //
 // The long form has the columns run, trace, object, slot, units, time, value. The time is the
 // instant that ends the timestep; values of slots that are not series have none. Table slots are

@@ -32,8 +32,8 @@ public:
     // A slot in a run gets its place in the run when it is added first.
     std::size_t addSeries(std::size_t run, std::size_t slot);
 
-    // The number of the step of `run` that ends at `end`, counted from the first that was asked
-    // for. Fails if that is no whole number of steps away.
+    // The number of the step of `run` that ends at the instant `end`, counted from the first that
+    // was asked for. Fails if that is no whole number of steps away.
     Status findStep(std::size_t run, qint64 end, qint64& step);
     // Adds the value of a step, which is later than the last one of the series. Fails otherwise.
     Status addValue(std::size_t series, qint64 step, double value)

@@ -34,14 +34,15 @@ struct TableLayout
     // Of a wide table.
     struct ValueColumn
     {
-        int column;
+        int column; // counted from 0, as all columns here
         HtsSlot slot;
     };
     std::vector<ValueColumn> valueColumns;
 
     int columnOf(ColumnRole role) const { return columns[static_cast<std::size_t>(role)]; }
-    // The end of the step with this time.
+    // The end of the step with this time; both are instants as in tabletime.h.
     qint64 endOf(qint64 instant) const;
+    // What is wrong with a text that `pattern` does not read.
     QString badTimeText(std::string_view text) const;
 };
 
@@ -54,11 +55,12 @@ Status findLayout(const QByteArray& start, bool isWhole, const ImportOptions& op
 // empty one.
 Status readName(std::string_view field, QString& name);
 
-// Fails for a row that has not a field for each column.
+// Fails for a row that has not a field for each column; `line` is counted from 1.
 Status checkSize(qint64 line, const std::vector<std::string_view>& fields,
                  const QStringList& names);
 
-// "line 3, column 2 ("Flow"): " and the text.
+// A failure with "line 3, column 2 ("Flow"): " and the text, for the column 1 of those counted from
+// 0.
 Status failureAt(qint64 line, int column, const QStringList& names, const QString& text);
 
 // The fields of the columns, joined by blanks. `buffer` is used if there are several.
