@@ -118,7 +118,7 @@ private Q_SLOTS:
         // How the block with the example's file begins, and blocks that nothing is done with.
         addTable<QByteArray, QByteArray, const char*, QByteArrayList, int>(
             {"document", "fileStart", "fileName", "otherStarts", "consoleCount"},
-            {{"HTS file", formatDocument(), "name:", "lake.hts", {"file ", "yyyy-M-d"}, 3},
+            {{"HTS file", formatDocument(), "name:", "lake.hts", {"file ", "yyyy-M-d"}, 2},
              {"control file", controlDocument(), "Upper Basin.", "methods.txt", {"file "}, 3},
              {"tables", sourceFile("docs/import.md"), "-", "none", {}, 6}});
     }
@@ -148,32 +148,6 @@ private Q_SLOTS:
             }
         }
         QCOMPARE(consoles, consoleCount);
-    }
-
-    void linesOfTheExampleAreRight()
-    {
-        QByteArrayList lines;
-        for (const QByteArray& block : codeBlocks(formatDocument())) {
-            if (block.startsWith("name:"))
-                lines = block.split('\n');
-        }
-        // The last line of each part; the parts have no gaps.
-        const QByteArrayList ends = {"END_PACKAGE_PREAMBLE",
-                                     "END_RUN_PREAMBLE",
-                                     "2000-12-31 24:00",
-                                     "END_SLOT",
-                                     "END_SLOT",
-                                     "END_RUN"};
-        int before = 0;
-        QByteArrayList found;
-        for (const QByteArrayList& row : tableRows(formatDocument(), "| lines | part |")) {
-            const QByteArrayList numbers = row.value(0).split(' '); // "7 to 15", or "60"
-            QCOMPARE(numbers.first().toInt(), before + 1);
-            before = numbers.last().toInt();
-            found.append(lines.value(before - 1));
-        }
-        QCOMPARE(found, ends);
-        QCOMPARE(before, lines.size());
     }
 
     void keysAreThoseOfTheProgram()
