@@ -26,11 +26,11 @@ QString withoutStamp(const QString& line)
     return result;
 }
 
-QString withoutStampByQRegExp(QString line)
+QString withoutStampByQRegExp(const QString& line)
 {
     const QRegExp stamp(QStringLiteral("\\d{4}-\\d{2}-\\d{2}T\\d{2}:\\d{2}:\\d{2}\\.\\d{3}\\s+"));
     const int position = stamp.indexIn(line);
-    return position < 0 ? line : line.remove(position, stamp.matchedLength());
+    return position < 0 ? line : QString(line).remove(position, stamp.matchedLength());
 }
 
 QString withVariables(const QString& text)
@@ -40,8 +40,9 @@ QString withVariables(const QString& text)
     return result + QLatin1Char('\n') + message.section(QLatin1String("(s): "), 1);
 }
 
-QString withVariablesByQRegExp(QString text)
+QString withVariablesByQRegExp(const QString& given)
 {
+    QString text = given;
     QRegExp reference(QStringLiteral("\\$[({]?[A-Za-z0-9_]+[})]?"));
     QStringList undefined;
     for (int position = 0; (position = reference.indexIn(text, position)) >= 0;) {
@@ -68,7 +69,7 @@ QString isTimestep(const QString& line)
     return answer(isTimestepText(line));
 }
 
-QString isTimestepByQRegExp(QString line)
+QString isTimestepByQRegExp(const QString& line)
 {
     return answer(
         line.contains(QRegExp(QStringLiteral("^\\d{4}-\\d{1,2}-\\d{1,2} \\d{1,2}:\\d{2}$"))));
@@ -79,7 +80,7 @@ QString hasQuotes(const QString& folder)
     return answer(AnnualizeHtsDlg::helpPageUrl(folder).startsWith(QLatin1Char('"')));
 }
 
-QString hasQuotesByQRegExp(QString folder)
+QString hasQuotesByQRegExp(const QString& folder)
 {
     return answer(folder.contains(QRegExp(QStringLiteral("\\s"))));
 }
@@ -88,7 +89,7 @@ struct Matcher
 {
     const char* name;
     QString (*now)(const QString&);
-    QString (*byQRegExp)(QString);
+    QString (*byQRegExp)(const QString&);
     // Texts that match, with a mark wherever each character is tried.
     const char* samples;
 };
