@@ -143,6 +143,16 @@ require_packages() {
         "${as_root[@]}" install -y --no-install-recommends "${missing[@]}"
 }
 
+# mirror_of RELEASE: prints the address of the first source of its packages in this system's lists.
+mirror_of() {
+    local address
+    # shellcheck disable=SC2016 # apt-get replaces these
+    address=$(apt-get indextargets --format '$(CODENAME) $(COMPONENT) $(SITE)' 'Created-By: Packages' |
+        awk -v release="$1" '!found && $1 == release && $2 == "main" { print $3; found = 1 }')
+    [ -n "$address" ] || die "apt-get has no source of packages for $1"
+    printf '%s\n' "$address"
+}
+
 require_cmake_version() {
     local version
     version=$(cmake --version)
@@ -150,6 +160,14 @@ require_cmake_version() {
     version=${version%%[!0-9.]*}
     printf '%s\n' "$oldest_cmake" "$version" | sort -V -C ||
         die "cmake $version is too old, $oldest_cmake or newer is needed"
+}
+
+# target_of_test NAME: prints the target that builds the test and what it runs, if it is one of a program.
+target_of_test() {
+    local file
+    for file in {tests,fuzz}/*/"$1".cpp; do
+        [ ! -f "$file" ] || printf 'tests_%s\n' "$(sed 's|fuzz/replay|fuzz|; s|tests/||; s|/.*||' <<<"$file")"
+    done
 }
 
 # build_preset PRESET [TARGET...]: configures the first time only, then builds what is out of date.
