@@ -160,6 +160,14 @@ void NearWordsTest::hasAHintAtTheMeaning_data()
         for (const char* text : row.texts)
             QTest::newRow(text) << text << row.hint;
     }
+    const QByteArray otherWords =
+        "n.a.|#na|+nan|nil|nothing|miss|missing data|nd|n.d.|nr|nodata|no_data|no record|not "
+        "recorded|"
+        "not "
+        "measured|unavailable|unknown|undefined|blank|empty|#null!|#num!|#value!|#ref!|dis|fld|mnt|"
+        "rat|tst|ukn";
+    for (const QByteArray& word : otherWords.split('|'))
+        QTest::newRow(word.constData()) << QString::fromLatin1(word) << rows[0].hint;
     // Longer than what hints are for.
     QTest::newRow("100 bytes") << QStringLiteral("1,") + QString(98, QLatin1Char('5'))
                                << "a decimal comma";
