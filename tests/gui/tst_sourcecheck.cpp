@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCryptographicHash>
 #include <QFile>
 #include <QMenu>
 #include <QMenuBar>
@@ -104,6 +105,13 @@ private Q_SLOTS:
         QVERIFY(page.contains("<dt>Years end with</dt><dd>December</dd>"));
         QVERIFY(page.contains("</span> Converts</p>"));
         QCOMPARE(page.count("<section class=\"slot\""), 2);
+        const QString source = f.path("monthly.hts");
+        const QByteArray content = readFile(source);
+        QVERIFY(page.contains("<th scope=\"row\">Input</th><td><bdi>" + source.toUtf8() +
+                              "</bdi></td><td class=\"n\">" + QByteArray::number(content.size()) +
+                              "</td>"));
+        QVERIFY(
+            page.contains(QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex()));
         QTRY_VERIFY_WITH_TIMEOUT(recorder.hasOpened(), 60000);
         const QByteArray opened = recorder.opened();
         QVERIFY2(opened.startsWith("1|file:///") && opened.endsWith("/a%20report.html"), opened);
