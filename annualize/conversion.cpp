@@ -120,11 +120,9 @@ void Conversion::planSlot(const HtsSlot& slot)
     if (isJudging())
         return;
     HtsSlot annualSlot = plan.annualSlot(slot);
-    // What is not the reader's, which shares equal texts of neighbours itself.
-    if (!m_annual.slots.isEmpty()) {
+    // Of totals; the reader shares equal texts of neighbours itself.
+    if (!m_annual.slots.isEmpty())
         shareIfEqual(annualSlot.units, m_annual.slots.constLast().units);
-        shareIfEqual(annualSlot.methods, m_annual.slots.constLast().methods);
-    }
     m_annual.slots.append(std::move(annualSlot));
 }
 

@@ -1,5 +1,7 @@
 #include "annualize/slotplan.h"
 
+#include <vector>
+
 #include <QStringList>
 
 #include "QsLog.h"
@@ -7,6 +9,18 @@
 namespace {
 
 const QLatin1String kUnknownMethod("Unknown method specified");
+
+// The word of a method as a column header has it. The slots with that method share the list.
+const QStringList& wordList(const AggMethod& method)
+{
+    static const std::vector<QStringList> kLists = [] {
+        std::vector<QStringList> lists;
+        for (const AggMethod& each : aggMethods())
+            lists.push_back({each.word});
+        return lists;
+    }();
+    return kLists[static_cast<std::size_t>(&method - aggMethods().data())];
+}
 
 } // namespace
 
@@ -47,7 +61,7 @@ void SlotPlan::logSkipped() const
 HtsSlot SlotPlan::annualSlot(const HtsSlot& slot) const
 {
     HtsSlot annual = slot;
-    annual.methods = QStringList{methodWord};
+    annual.methods = method == nullptr ? QStringList{methodWord} : wordList(*method);
     if (method != nullptr && method->isTotal)
         annual.units = QStringList{slot.units.value(0) + QLatin1String(" summed over the year")};
     return annual;

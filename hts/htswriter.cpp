@@ -51,9 +51,8 @@ void writeColumn(const HtsSlot& slot, int column, const HtsColumn& values, int r
 {
     lines << kUnitsLine.key << slot.units.value(column) << '\n';
     lines << kScaleLine.key << scaleText.of(slot.scales.value(column)) << '\n';
-    const QString method = slot.methods.value(column);
-    if (!method.isEmpty())
-        lines << kMethodLine.key << method << '\n';
+    if (column < slot.methods.size() && !slot.methods.at(column).isEmpty())
+        lines << kMethodLine.key << slot.methods.at(column) << '\n';
     const auto available = static_cast<int>(values.size());
     for (int row = 0; row < rows; ++row) {
         const double missing = std::numeric_limits<double>::quiet_NaN();
