@@ -207,9 +207,9 @@ private Q_SLOTS:
                                 QStringLiteral(" it's 50%; {}(a & b)%1.hts")};
         for (const QString& name : names)
             batch.addInput(name);
-        batch.environment.insert(QStringLiteral("METHODS"), methods);
-        batch.environment.insert(QStringLiteral("RESULTS"), results);
-        batch.environment.insert(QStringLiteral("RECIPES"), recipes);
+        batch.set("METHODS", methods);
+        batch.set("RESULTS", results);
+        batch.set("RECIPES", recipes);
         // Of "annual new" a shell makes two names, and GNU parallel another folder of "{}".
         batch.startShell(QStringLiteral(
             "mkdir '{}' '{}/annual'; echo kept >'{}/annual/-x.hts'; mv in '{}'; "
@@ -272,9 +272,9 @@ private Q_SLOTS:
         if (row == "no GNU parallel")
             batch.startShell(QStringLiteral("cp bin/sbatch bin/parallel"));
         else if (row == "no htstool")
-            batch.environment.insert(QStringLiteral("HTSTOOL"), QStringLiteral("none"));
+            batch.set("HTSTOOL", QStringLiteral("none"));
         else if (row == "no file for a task")
-            batch.environment.insert(QStringLiteral("FILES_PER_TASK"), QStringLiteral("0"));
+            batch.set("FILES_PER_TASK", QStringLiteral("0"));
         batch.startShell(QStringLiteral("PATH=$PWD/bin:$PATH; \"$BATCH\"/convert-") + command);
         QCOMPARE(batch.errors, reason);
         QCOMPARE(batch.output, QByteArray());
@@ -361,7 +361,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, reason);
         Batch batch;
         batch.addInput(QStringLiteral("a.hts"));
-        batch.environment.insert(QStringLiteral("VARIABLE"), variable);
+        batch.set("VARIABLE", variable);
         batch.startShell(kMake + QStringLiteral(" \"$VARIABLE\""));
         QVERIFY2(batch.errors.contains(reason), batch.errors);
         QCOMPARE(batch.exitCode, 2);
@@ -549,7 +549,7 @@ private Q_SLOTS:
         Batch batch;
         batch.addInput(QStringLiteral("a.hts"));
         batch.addInput(QStringLiteral("b.hts"), monthlyFile().replace(".000000000000\n", ",0\n"));
-        batch.environment.insert(QStringLiteral("FAIL_ON"), QStringLiteral("sentinel,text-value"));
+        batch.set("FAIL_ON", QStringLiteral("sentinel,text-value"));
         batch.startShell(recipe);
         QVERIFY2(batch.output.endsWith("FAILED in/b.hts\n       not converted, because of "
                                        "FAIL_ON=sentinel,text-value\n"
@@ -558,7 +558,7 @@ private Q_SLOTS:
         QCOMPARE(batch.exitCode, failure);
         QVERIFY(!batch.exists(QStringLiteral("out/b.hts")));
         // Other findings than the last time.
-        batch.environment.insert(QStringLiteral("FAIL_ON"), QStringLiteral("sentinel"));
+        batch.set("FAIL_ON", QStringLiteral("sentinel"));
         batch.startShell(recipe);
         QVERIFY2(batch.output.endsWith("2 of 2 files converted, 0 failed, 1 with warnings\n"),
                  batch.output);

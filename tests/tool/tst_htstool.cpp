@@ -17,9 +17,8 @@ const QByteArray kHint = "Try \"htstool --help\".\n";
 
 void writePond(const ToolRun& run)
 {
-    run.write(QStringLiteral("pond.hts"), sourceFile(QStringLiteral("tests/tool/files/pond.hts")));
-    run.write(QStringLiteral("pond_methods.txt"),
-              sourceFile(QStringLiteral("tests/tool/files/pond_methods.txt")));
+    run.write("pond.hts", sourceFile("tests/tool/files/pond.hts"));
+    run.write("pond_methods.txt", sourceFile("tests/tool/files/pond_methods.txt"));
 }
 
 // A smallest file of the check's tests.
@@ -120,7 +119,7 @@ void HtstoolTest::sentinelsAreAdded()
 {
     ToolRun run;
     writePond(run);
-    run.start(words("check pond.hts --sentinel 13.25 --sentinel -77 --sentinel=21"));
+    run.start("check pond.hts --sentinel 13.25 --sentinel -77 --sentinel=21");
     for (const QByteArray number : {"13.25", "21"})
         QVERIFY(run.output.contains(": note: " + number +
                                     " occurs once among the values of Mill Pond.Outflow and"));
@@ -131,10 +130,10 @@ void HtstoolTest::endMonthOfMinusOneIsDecember()
 {
     ToolRun run;
     writePond(run);
-    run.start(words("check pond.hts -c pond_methods.txt -y 12"));
+    run.start("check pond.hts -c pond_methods.txt -y 12");
     const QByteArray december = run.output;
     QVERIFY(december.contains("plan: 3 years, from 2021-12-31 24:00"));
-    run.start(words("check -c pond_methods.txt --end-month=12 -- pond.hts -y9"));
+    run.start("check -c pond_methods.txt --end-month=12 -- pond.hts -y9");
     QByteArrayList withoutRules = december.split('\n'); // which may be for slots of "-y9"
     withoutRules.erase(
         std::remove_if(withoutRules.begin(), withoutRules.end(),
@@ -148,8 +147,7 @@ void HtstoolTest::endMonthOfMinusOneIsDecember()
         QCOMPARE(run.output, december);
     }
     // Values that only look like an attached month.
-    run.write(QStringLiteral("-y9"),
-              sourceFile(QStringLiteral("tests/tool/files/pond_methods.txt")));
+    run.write("-y9", sourceFile("tests/tool/files/pond_methods.txt"));
     for (const char* arguments : {"check -c -y9 pond.hts", "check --control -y9 pond.hts",
                                   "check -fc pond.hts -c -y9", "check -c-y9 pond.hts"}) {
         run.start(words(arguments));
@@ -161,9 +159,9 @@ void HtstoolTest::endMonthOfMinusOneIsDecember()
 void HtstoolTest::rulesAreNotJudgedWhenTheFirstRunCannotBeRead()
 {
     ToolRun run;
-    run.write(QStringLiteral("a.hts"), codeFile("column-header"));
-    run.write(QStringLiteral("c.txt"), "Sea.Level: End\n");
-    run.start(words("check a.hts -c c.txt"));
+    run.write("a.hts", codeFile("column-header"));
+    run.write("c.txt", "Sea.Level: End\n");
+    run.start("check a.hts -c c.txt");
     QCOMPARE(run.exitCode, 2);
     QVERIFY(run.output.contains(" [column-header]\n"));
     QVERIFY(!run.output.contains("c.txt"));
@@ -194,10 +192,9 @@ void HtstoolTest::rulesAreJudgedOverAllFiles()
     QFETCH(QString, files);
     ToolRun run;
     const QByteArray lake = codeFile("slot-without-rule");
-    run.write(QStringLiteral("lake.hts"), lake);
-    run.write(QStringLiteral("pond.hts"), QByteArray(lake).replace("Lake", "Pond"));
-    run.write(QStringLiteral("c.txt"),
-              "Lake.*: Sum\nPond.*: Sum\nPond.Outflow: End\nSea.Level: Max\n");
+    run.write("lake.hts", lake);
+    run.write("pond.hts", QByteArray(lake).replace("Lake", "Pond"));
+    run.write("c.txt", "Lake.*: Sum\nPond.*: Sum\nPond.Outflow: End\nSea.Level: Max\n");
     QStringList lines;
     run.start(words("check -c c.txt -f json ") + files.split(QLatin1Char(' ')));
     QTEST(run.errors, "summary");
@@ -363,12 +360,12 @@ void HtstoolTest::exitCodeIsTheWorst()
     QFETCH(int, exitCode);
     QFETCH(QByteArray, errors);
     ToolRun run;
-    run.write(QStringLiteral("clean.hts"), codeFile("slot-without-rule"));
-    run.write(QStringLiteral("note.hts"), codeFile("missing-values"));
-    run.write(QStringLiteral("warning.hts"), codeFile("text-value"));
-    run.write(QStringLiteral("error.hts"), codeFile("slot-preamble"));
-    run.write(QStringLiteral("endless.hts"), codeFile("table-without-end"));
-    run.write(QStringLiteral("bare.txt"), "Sea.Level: End\n");
+    run.write("clean.hts", codeFile("slot-without-rule"));
+    run.write("note.hts", codeFile("missing-values"));
+    run.write("warning.hts", codeFile("text-value"));
+    run.write("error.hts", codeFile("slot-preamble"));
+    run.write("endless.hts", codeFile("table-without-end"));
+    run.write("bare.txt", "Sea.Level: End\n");
     run.start(arguments);
     QCOMPARE(run.errors, errors);
     QCOMPARE(run.exitCode, exitCode);
@@ -416,25 +413,25 @@ void HtstoolTest::countsWhatIsNotShown()
     QByteArray text = codeFile("text-value");
     for (const char* value : {"1", "2", "3", "4", "5", "6", "8", "9", "10", "11", "12"})
         text.replace(QByteArray("\n") + value + '\n', "\n1,5\n");
-    run.write(QStringLiteral("a.hts"), text);
-    run.start(words("check a.hts"));
+    run.write("a.hts", text);
+    run.start("check a.hts");
     const QByteArrayList lines = run.output.trimmed().split('\n');
     QCOMPARE(lines.size(), 11);
     QCOMPARE(lines.last(), QByteArray("a.hts: warning: 13 more [text-value]"));
     QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 23 warnings, 0 notes\n"));
-    run.start(words("check a.hts --all"));
+    run.start("check a.hts --all");
     QVERIFY(run.output.startsWith(lines.mid(0, 10).join('\n') + '\n'));
     QCOMPARE(run.output.count(" [text-value]\n"), 23);
-    run.start(words("check a.hts --ignore text-value"));
+    run.start("check a.hts --ignore text-value");
     QCOMPARE(run.output, QByteArray());
 }
 
 void HtstoolTest::showsAPlanWithoutYears()
 {
     ToolRun run;
-    run.write(QStringLiteral("a.hts"), codeFile("slot-without-rule"));
-    run.write(QStringLiteral("c.txt"), "\nLake.Outflow: sum\nLake.Inflow: Salinity\n");
-    run.start(words("check a.hts -c c.txt -y 6"));
+    run.write("a.hts", codeFile("slot-without-rule"));
+    run.write("c.txt", "\nLake.Outflow: sum\nLake.Inflow: Salinity\n");
+    run.start("check a.hts -c c.txt -y 6");
     QCOMPARE(
         run.output,
         QByteArray(
@@ -499,13 +496,12 @@ void HtstoolTest::nearestOfLongNamesTakesNoTime()
 {
     const QByteArray name(40000, 'x');
     ToolRun run;
-    run.write(QStringLiteral("a.hts"),
-              codeFile("text-value").replace("object_name: ", "object_name: " + name));
+    run.write("a.hts", codeFile("text-value").replace("object_name: ", "object_name: " + name));
     QByteArray rules;
     for (int i = 0; i < 10; ++i)
         rules += name + "Lake.Outflo" + char('a' + i) + ": Sum\n";
-    run.write(QStringLiteral("c.txt"), rules);
-    run.startShell(QStringLiteral("ulimit -c 0; ulimit -t 5; exec $PROGRAM check a.hts -c c.txt"));
+    run.write("c.txt", rules);
+    run.startShell("ulimit -c 0; ulimit -t 5; exec $PROGRAM check a.hts -c c.txt");
     QCOMPARE(run.output.count("[rule-unmatched]"), 10);
     QCOMPARE(run.exitCode, 2);
 }
@@ -513,19 +509,19 @@ void HtstoolTest::nearestOfLongNamesTakesNoTime()
 void HtstoolTest::explainsEveryCode()
 {
     ToolRun run;
-    run.start(words("explain step-missing"));
+    run.start("explain step-missing");
     const QByteArray text = run.output;
     QCOMPARE(text, QByteArray("step-missing: warning (Timesteps and years)\n"
                               "  Timesteps are missing between two others. No complete year lacks "
                               "them.\n"
                               "  What to do: Add the timesteps, with `NaN` for their values.\n"));
-    run.start(words("explain --all"));
+    run.start("explain --all");
     QVERIFY(run.output.contains(text));
     const QByteArray all = '\n' + run.output;
     for (const FindingKind* kind : allKinds())
         QCOMPARE(all.count('\n' + QByteArray(kind->code) + ": "), 1);
     QCOMPARE(run.exitCode, 0);
-    run.start(words("explain step-missing column-header -f markdown"));
+    run.start("explain step-missing column-header -f markdown");
     QCOMPARE(run.output, QByteArray("| code | severity | meaning |\n|---|---|---|\n"
                                     "| `column-header` | error | The lines `units: ` and `scale: ` "
                                     "do not follow the slot preamble. |\n"
@@ -546,22 +542,21 @@ void HtstoolTest::readsTheStandardInput()
 void HtstoolTest::usesColoursOnATerminalOnly()
 {
     ToolRun run;
-    run.startShell(QStringLiteral("script -qec true /dev/null"));
+    run.startShell("script -qec true /dev/null");
     QVERIFY2(run.exitCode == 0, "needs script(1) and a pseudo-terminal (a devpts at /dev/pts)");
-    run.write(QStringLiteral("a.hts"), codeFile("text-value"));
-    run.startShell(QStringLiteral("TERM=xterm script -qec '$PROGRAM check a.hts' /dev/null"));
+    run.write("a.hts", codeFile("text-value"));
+    run.startShell("TERM=xterm script -qec '$PROGRAM check a.hts' /dev/null");
     QVERIFY(run.output.contains("a.hts:38: \033[35mwarning\033[0m: "));
-    run.write(QStringLiteral("b.hts"), codeFile("missing-values"));
-    run.write(QStringLiteral("c.hts"), codeFile("slot-preamble"));
-    run.startShell(QStringLiteral("TERM=xterm script -qec '$PROGRAM check b.hts c.hts' /dev/null"));
+    run.write("b.hts", codeFile("missing-values"));
+    run.write("c.hts", codeFile("slot-preamble"));
+    run.startShell("TERM=xterm script -qec '$PROGRAM check b.hts c.hts' /dev/null");
     QVERIFY(run.output.contains("b.hts:32: \033[36mnote\033[0m: "));
     QVERIFY(run.output.contains("c.hts:66: \033[31merror\033[0m: "));
-    run.startShell(
-        QStringLiteral("NO_COLOR=1 TERM=xterm script -qec '$PROGRAM check a.hts' /dev/null"));
+    run.startShell("NO_COLOR=1 TERM=xterm script -qec '$PROGRAM check a.hts' /dev/null");
     QVERIFY(run.output.contains("a.hts:38: warning: "));
-    run.startShell(QStringLiteral("TERM=dumb script -qec '$PROGRAM check a.hts' /dev/null"));
+    run.startShell("TERM=dumb script -qec '$PROGRAM check a.hts' /dev/null");
     QVERIFY(run.output.contains("a.hts:38: warning: "));
-    run.start(words("check a.hts"));
+    run.start("check a.hts");
     QVERIFY(run.output.startsWith("a.hts:38: warning: "));
 }
 
@@ -569,10 +564,10 @@ void HtstoolTest::writesCounts()
 {
     ToolRun run;
     writePond(run);
-    run.start(words("check pond.hts -c pond_methods.txt --counts counts.csv"));
+    run.start("check pond.hts -c pond_methods.txt --counts counts.csv");
     QCOMPARE(run.exitCode, 1);
-    QCOMPARE(run.read(QStringLiteral("counts.csv")).replace("\r\n", "\n"),
-             sourceFile(QStringLiteral("tests/tool/files/pond_counts.csv")));
+    QCOMPARE(run.read("counts.csv").replace("\r\n", "\n"),
+             sourceFile("tests/tool/files/pond_counts.csv"));
 }
 
 void HtstoolTest::inputsAreNotOverwritten_data()
@@ -606,15 +601,13 @@ void HtstoolTest::inputsAreNotOverwritten()
     QFETCH(QByteArray, output);
     ToolRun run;
     writePond(run);
-    QVERIFY(QFile::link(QStringLiteral("pond.hts"), run.path(QStringLiteral("link.hts"))));
-    QVERIFY(QFile::link(QStringLiteral("pond_methods.txt"), run.path(QStringLiteral("-"))));
+    QVERIFY(QFile::link(QStringLiteral("pond.hts"), run.path("link.hts")));
+    QVERIFY(QFile::link(QStringLiteral("pond_methods.txt"), run.path("-")));
     run.startShell(QStringLiteral("exec $PROGRAM ") + arguments);
     QCOMPARE(run.errors, "htstool: " + output + ": this is an input: it is not overwritten\n");
     QCOMPARE(run.exitCode, 3);
-    QCOMPARE(run.read(QStringLiteral("pond.hts")),
-             sourceFile(QStringLiteral("tests/tool/files/pond.hts")));
-    QCOMPARE(run.read(QStringLiteral("pond_methods.txt")),
-             sourceFile(QStringLiteral("tests/tool/files/pond_methods.txt")));
+    QCOMPARE(run.read("pond.hts"), sourceFile("tests/tool/files/pond.hts"));
+    QCOMPARE(run.read("pond_methods.txt"), sourceFile("tests/tool/files/pond_methods.txt"));
 }
 
 namespace {
@@ -636,12 +629,12 @@ const QByteArray kMixedFile =
 void HtstoolTest::exportsLongForm()
 {
     ToolRun run;
-    run.write(QStringLiteral("a.hts"), kMixedFile);
-    run.start(words("export a.hts -o a.csv"));
+    run.write("a.hts", kMixedFile);
+    run.start("export a.hts -o a.csv");
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.output, QByteArray());
     QCOMPARE(run.exitCode, 0);
-    QCOMPARE(run.read(QStringLiteral("a.csv")),
+    QCOMPARE(run.read("a.csv"),
              QByteArray("run,trace,object,slot,units,time,value\r\n1,7,\"Lake, "
                         "upper\",Flow,cms,2000-02-01T00:00:00,0.1\r\n1,7,\"Lake, "
                         "upper\",Flow,cms,2000-02-29T06:00:00,\r\n1,7,Lake,Area,km2,,12.25\r\n2,,"
@@ -651,21 +644,20 @@ void HtstoolTest::exportsLongForm()
 void HtstoolTest::exportsWideForm()
 {
     ToolRun run;
-    run.write(QStringLiteral("a.hts"), kMixedFile);
-    run.start(words("export --wide a.hts -o -"));
+    run.write("a.hts", kMixedFile);
+    run.start("export --wide a.hts -o -");
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.output, QByteArray("run,trace,time,\"Lake, upper.Flow "
                                     "[cms]\"\r\n1,7,2000-02-01T00:00:00,0.1\r\n1,7,2000-02-29T06:"
                                     "00:00,\r\n2,,2001-02-01T00:00:00,-1e-300\r\n"));
 
-    run.write(QStringLiteral("b.hts"),
-              QByteArray(kMixedFile).replace("cms\nscale: 1\n-1", "cfs\nscale: 1\n-1"));
-    run.start(words("export --wide b.hts -o -"));
+    run.write("b.hts", QByteArray(kMixedFile).replace("cms\nscale: 1\n-1", "cfs\nscale: 1\n-1"));
+    run.start("export --wide b.hts -o -");
     QCOMPARE(run.errors, QByteArray("htstool: b.hts: The runs have different slots; export one of "
                                     "them; the export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
-    run.start(words("export -w -r2 b.hts -o -"));
+    run.start("export -w -r2 b.hts -o -");
     QCOMPARE(
         run.output,
         QByteArray(
@@ -817,10 +809,10 @@ void HtstoolTest::exportFailsForABrokenFile()
              QByteArray("htstool: -: The timestep \"2001-2-30 6:00\" is not a date-time; "
                         "the export is not complete\n"));
     QCOMPARE(run.exitCode, 2);
-    run.start(words("export none.hts -o none.csv"));
+    run.start("export none.hts -o none.csv");
     QCOMPARE(run.errors, QByteArray("htstool: none.hts: No such file or directory\n"));
     QCOMPARE(run.exitCode, 3);
-    QCOMPARE(run.read(QStringLiteral("none.csv")), QByteArray("(no file)"));
+    QCOMPARE(run.read("none.csv"), QByteArray("(no file)"));
     run.start(words("export - -o none/a.csv"), kMixedFile);
     QCOMPARE(run.errors, QByteArray("htstool: none/a.csv: No such file or directory\n"));
     QCOMPARE(run.exitCode, 3);
@@ -862,42 +854,40 @@ void HtstoolTest::failedExportLeavesTheFileAsItWas()
     QFETCH(QString, command);
     ToolRun run;
     writePond(run);
-    run.write(QStringLiteral("empty.hts"), QByteArray());
-    run.write(QStringLiteral("cut.hts"), run.read(QStringLiteral("pond.hts")).chopped(100));
-    run.write(QStringLiteral("k.csv"), "old\n");
-    QVERIFY(QFile::link(QStringLiteral("k.csv"), run.path(QStringLiteral("link.csv"))));
+    run.write("empty.hts", QByteArray());
+    run.write("cut.hts", run.read("pond.hts").chopped(100));
+    run.write("k.csv", "old\n");
+    QVERIFY(QFile::link(QStringLiteral("k.csv"), run.path("link.csv")));
     const QStringList files = run.files();
     // Blocks of 512 bytes.
     run.startShell(QStringLiteral("limit() { trap '' XFSZ; ulimit -f 1; }; ") + command);
     QTEST(run.errors, "errors");
     QTEST(run.exitCode, "exitCode");
-    QCOMPARE(run.read(QStringLiteral("k.csv")), QByteArray("old\n"));
+    QCOMPARE(run.read("k.csv"), QByteArray("old\n"));
     QCOMPARE(run.files(), files);
 }
 
 void HtstoolTest::exportReplacesWhatThePathLeadsTo()
 {
     ToolRun run;
-    run.write(QStringLiteral("a.hts"), kMixedFile);
-    run.start(words("export a.hts -o expected.csv"));
-    const QByteArray expected = run.read(QStringLiteral("expected.csv"));
-    run.write(QStringLiteral("k.csv"), "old\n");
-    run.startShell(QStringLiteral("chmod 640 k.csv; ln -s k.csv link; ln -s link link.csv; "
-                                  "$PROGRAM export a.hts -o link.csv; stat -c %a k.csv"));
+    run.write("a.hts", kMixedFile);
+    run.start("export a.hts -o expected.csv");
+    const QByteArray expected = run.read("expected.csv");
+    run.write("k.csv", "old\n");
+    run.startShell("chmod 640 k.csv; ln -s k.csv link; ln -s link link.csv; "
+                   "$PROGRAM export a.hts -o link.csv; stat -c %a k.csv");
     QCOMPARE(run.output, QByteArray("640\n"));
-    QCOMPARE(run.read(QStringLiteral("k.csv")), expected);
-    QCOMPARE(QFile::symLinkTarget(run.path(QStringLiteral("link.csv"))),
-             run.path(QStringLiteral("link")));
-    QCOMPARE(QFile::symLinkTarget(run.path(QStringLiteral("link"))),
-             run.path(QStringLiteral("k.csv")));
+    QCOMPARE(run.read("k.csv"), expected);
+    QCOMPARE(QFile::symLinkTarget(run.path("link.csv")), run.path("link"));
+    QCOMPARE(QFile::symLinkTarget(run.path("link")), run.path("k.csv"));
     // A link to a name that is not text.
-    run.startShell(QStringLiteral("e=$(printf '\\351'); echo old > $e; ln -s $e text.csv; "
-                                  "$PROGRAM export a.hts -o text.csv; cat $e; ls | wc -l; rm $e"));
+    run.startShell("e=$(printf '\\351'); echo old > $e; ln -s $e text.csv; "
+                   "$PROGRAM export a.hts -o text.csv; cat $e; ls | wc -l; rm $e");
     QCOMPARE(run.output, expected + "7\n");
     // A file that is open elsewhere, and a pipe.
-    run.startShell(QStringLiteral("{ echo before; $PROGRAM export a.hts -o /dev/fd/1; } >> b.csv; "
-                                  "mkfifo p; cat p & $PROGRAM export a.hts -o p; wait"));
-    QCOMPARE(run.read(QStringLiteral("b.csv")), expected);
+    run.startShell("{ echo before; $PROGRAM export a.hts -o /dev/fd/1; } >> b.csv; "
+                   "mkfifo p; cat p & $PROGRAM export a.hts -o p; wait");
+    QCOMPARE(run.read("b.csv"), expected);
     QCOMPARE(run.output, expected);
     QCOMPARE(run.exitCode, 0);
 }
@@ -915,15 +905,15 @@ void HtstoolTest::failedReadIsReported()
 {
     const QByteArray failure = "htstool: /proc/self/mem: Input/output error\n";
     ToolRun run;
-    run.start(words("check /proc/self/mem"));
+    run.start("check /proc/self/mem");
     QCOMPARE(run.output, QByteArray());
     QCOMPARE(run.errors, failure);
     QCOMPARE(run.exitCode, 3);
-    run.start(words("export /proc/self/mem -o -"));
+    run.start("export /proc/self/mem -o -");
     QCOMPARE(run.errors, failure);
     QCOMPARE(run.exitCode, 3);
-    run.write(QStringLiteral("a.hts"), codeFile("slot-without-rule"));
-    run.start(words("check a.hts -c /proc/self/mem"));
+    run.write("a.hts", codeFile("slot-without-rule"));
+    run.start("check a.hts -c /proc/self/mem");
     QCOMPARE(run.output.split('\n').first(), "/proc/self/mem" + kControlUnreadable);
     QCOMPARE(run.exitCode, 2);
 }
@@ -932,12 +922,12 @@ void HtstoolTest::failedReadIsReported()
 void HtstoolTest::controlFileThatCannotBeReadToItsEndIsReported()
 {
     ToolRun run;
-    run.write(QStringLiteral("a.hts"), codeFile("slot-without-rule"));
-    run.write(QStringLiteral("c.txt"), "*.*: Sum\nLake.Outflow: SumNaN\n");
+    run.write("a.hts", codeFile("slot-without-rule"));
+    run.write("c.txt", "*.*: Sum\nLake.Outflow: SumNaN\n");
     const int ends[] = {9, 13, 26}; // of a rule, in a word, and before "NaN"
     for (const int at : ends) {
         preload(run, {"c.txt", "read", at});
-        run.start(words("check a.hts -c c.txt"));
+        run.start("check a.hts -c c.txt");
         QCOMPARE(run.output.split('\n').first(), "c.txt" + kControlUnreadable);
         QCOMPARE(run.exitCode, 2);
     }
@@ -946,11 +936,11 @@ void HtstoolTest::controlFileThatCannotBeReadToItsEndIsReported()
 void HtstoolTest::fullDiskIsReported()
 {
     ToolRun run;
-    run.write(QStringLiteral("a.hts"), kMixedFile);
-    run.start(words("export a.hts -o /dev/full"));
+    run.write("a.hts", kMixedFile);
+    run.start("export a.hts -o /dev/full");
     QCOMPARE(run.errors, QByteArray("htstool: /dev/full: No space left on device\n"));
     QCOMPARE(run.exitCode, 3);
-    run.start(words("check a.hts --counts /dev/full"));
+    run.start("check a.hts --counts /dev/full");
     QVERIFY(run.errors.endsWith("htstool: /dev/full: No space left on device\n"));
     QCOMPARE(run.exitCode, 3);
 }
@@ -985,10 +975,10 @@ void HtstoolTest::lostOutputIsReported()
     QFETCH(QByteArray, lastLine);
     ToolRun run;
     const QByteArray text = codeFile("text-value");
-    run.write(QStringLiteral("a.hts"), text);
-    run.write(QStringLiteral("long.hts"),
+    run.write("a.hts", text);
+    run.write("long.hts",
               QByteArray(text).replace("object_name: ", "object_name: " + QByteArray(40000, 'x')));
-    run.write(QStringLiteral("rules.txt"), "*.*: Sum\n");
+    run.write("rules.txt", "*.*: Sum\n");
     run.startShell(QStringLiteral("exec $PROGRAM ") + command);
     QVERIFY2(run.errors.endsWith(lastLine), run.errors.constData());
     QCOMPARE(run.exitCode, 3);
@@ -998,15 +988,15 @@ void HtstoolTest::lostOutputIsReported()
 void HtstoolTest::closedStandardStreamsDoNotBecomeFiles()
 {
     ToolRun run;
-    run.write(QStringLiteral("a.hts"), kMixedFile);
-    run.start(words("export a.hts -o expected.csv"));
-    run.startShell(QStringLiteral("exec $PROGRAM export a.hts -o a.csv <&- >&- 2>&-"));
+    run.write("a.hts", kMixedFile);
+    run.start("export a.hts -o expected.csv");
+    run.startShell("exec $PROGRAM export a.hts -o a.csv <&- >&- 2>&-");
     QCOMPARE(run.exitCode, 0);
-    QCOMPARE(run.read(QStringLiteral("a.csv")), run.read(QStringLiteral("expected.csv")));
-    run.startShell(QStringLiteral("exec $PROGRAM check a.hts --counts a.csv <&- >&- 2>&-"));
+    QCOMPARE(run.read("a.csv"), run.read("expected.csv"));
+    run.startShell("exec $PROGRAM check a.hts --counts a.csv <&- >&- 2>&-");
     QCOMPARE(run.exitCode, 3);
     QCOMPARE(
-        run.read(QStringLiteral("a.csv")),
+        run.read("a.csv"),
         QByteArray("file,run,trace,object,slot,year_end,timesteps,missing,year,method,expected,"
                    "present,longest_gap,result,max_time,min_time\r\n"));
 }
@@ -1016,7 +1006,7 @@ void HtstoolTest::namesAreUtf8UnderTheCLocale()
     ToolRun run;
     const QString name = QString::fromUtf8("\xc3\x84.hts");
     run.write(name, codeFile("text-value"));
-    run.startShell(QStringLiteral("LC_ALL=C $PROGRAM check *.hts"));
+    run.startShell("LC_ALL=C $PROGRAM check *.hts");
     QVERIFY2(run.output.startsWith("\xc3\x84.hts:38: warning: "), run.errors.constData());
     QCOMPARE(run.exitCode, 1);
 }
@@ -1026,7 +1016,7 @@ void HtstoolTest::namesThatAreNotTextAreRefused()
 {
     const QByteArray reason = "The name is not text in the encoding of file names";
     ToolRun run;
-    run.write(QStringLiteral("a.hts"), codeFile("slot-without-rule"));
+    run.write("a.hts", codeFile("slot-without-rule"));
     for (const char* command :
          {"check $e", "export $e -o b.csv", "export a.hts -o $e", "check a.hts --counts $e"}) {
         run.startShell(
@@ -1035,7 +1025,7 @@ void HtstoolTest::namesThatAreNotTextAreRefused()
         QCOMPARE(run.exitCode, 3);
         QCOMPARE(run.files(), QStringList{QStringLiteral("a.hts")});
     }
-    run.startShell(QStringLiteral("e=$(printf '\\351'); $PROGRAM check a.hts -c $e"));
+    run.startShell("e=$(printf '\\351'); $PROGRAM check a.hts -c $e");
     QVERIFY(run.output.startsWith("?:1: error: the control file cannot be read: " + reason + ';'));
     QCOMPARE(run.exitCode, 2);
 }

@@ -45,8 +45,7 @@ private:
 
 void writeCleanFile(const ToolRun& run)
 {
-    run.write(QStringLiteral("a.hts"),
-              sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts")));
+    run.write("a.hts", sourceFile("tests/check/files/slot-without-rule.hts"));
 }
 
 } // namespace
@@ -252,11 +251,11 @@ void ProgressTest::interruptWipes()
 {
     ToolRun run;
     writeCleanFile(run);
-    run.startShell(QStringLiteral(
+    run.startShell(
         "mkfifo p k; { head -3 a.hts; sleep 1.1; head -9 a.hts; cat k; } > p & "
         "{ until grep -q MiB shown; do sleep 0.05; done; printf '\\003'; } 2> /dev/null | "
         "TERM=xterm script -qefc '$PROGRAM check p' shown > /dev/null; "
-        "echo $?; : > k; tr -d '\\r' < shown | grep -v '^Script'"));
+        "echo $?; : > k; tr -d '\\r' < shown | grep -v '^Script'");
     QCOMPARE(run.output,
              QByteArray(kShown + "^C" + kWipe).replace("\r", "").prepend("130\n") + '\n');
 }

@@ -22,15 +22,12 @@ public:
         write(QStringLiteral("a.hts"), input());
         write(QStringLiteral("c.txt"), methods());
         write(QStringLiteral("cut.hts"), input().left(5000));
-        write(QStringLiteral("pond.hts"), sourceFile(QStringLiteral("tests/tool/files/pond.hts")));
+        write(QStringLiteral("pond.hts"), sourceFile("tests/tool/files/pond.hts"));
         write(QStringLiteral("page.html"), "before");
     }
 
-    static QByteArray input() { return sourceFile(QStringLiteral("examples/rivers_daily.hts")); }
-    static QByteArray methods()
-    {
-        return sourceFile(QStringLiteral("examples/rivers_daily_methods.txt"));
-    }
+    static QByteArray input() { return sourceFile("examples/rivers_daily.hts"); }
+    static QByteArray methods() { return sourceFile("examples/rivers_daily_methods.txt"); }
 };
 
 QByteArray sha256(const QByteArray& text)
@@ -57,24 +54,24 @@ private Q_SLOTS:
 void ReportTest::pageIsBesideTheInput()
 {
     ReportRun run;
-    run.start(words("report a.hts -c c.txt -y 9"));
+    run.start("report a.hts -c c.txt -y 9");
     QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 0 warnings, 4 notes\n"));
     QCOMPARE(run.exitCode, 0);
-    const QByteArray page = run.read(QStringLiteral("a.html"));
+    const QByteArray page = run.read("a.html");
     for (const QByteArray& part : {sha256(ReportRun::input()), sha256(ReportRun::methods()),
                                    QByteArray("1970-01-02 00:00 UTC by htstool " PROJECT_VERSION),
                                    QByteArray("<dt>Years end with</dt><dd>September</dd>")})
         QVERIFY2(page.contains(part), part.constData());
-    run.start(words("report a.hts -c c.txt -y 9 -o -"));
+    run.start("report a.hts -c c.txt -y 9 -o -");
     QCOMPARE(run.output, page);
 }
 
 void ReportTest::isValidHtml()
 {
     ReportRun run;
-    run.start(words("report a.hts -c c.txt -y 9"));
+    run.start("report a.hts -c c.txt -y 9");
     QProcess tidy;
-    tidy.setStandardInputFile(run.path(QStringLiteral("a.html")));
+    tidy.setStandardInputFile(run.path("a.html"));
     tidy.start(QStringLiteral("tidy"), words("-errors -quiet -utf8 --doctype html5"));
     QVERIFY2(tidy.waitForStarted(), "tidy is missing; install the package tidy");
     QVERIFY(tidy.waitForFinished());
@@ -85,8 +82,8 @@ void ReportTest::isValidHtml()
 void ReportTest::pipeGivesTheSamePage()
 {
     ReportRun run;
-    run.startShell(QStringLiteral("$PROGRAM report a.hts -c c.txt -o a.html; "
-                                  "cat a.hts | $PROGRAM report - -c c.txt -o b.html"));
+    run.startShell("$PROGRAM report a.hts -c c.txt -o a.html; "
+                   "cat a.hts | $PROGRAM report - -c c.txt -o b.html");
     const QRegularExpression file(QStringLiteral("<tr><th scope=\"row\">Input.*</td><td>"));
     const auto withoutFile = [&](const char* name) {
         return QString::fromUtf8(run.read(QString::fromLatin1(name)))
@@ -101,14 +98,13 @@ void ReportTest::noHashSeedChangesAnything()
 {
     QByteArray before;
     ReportRun run;
-    run.environment.insert(QStringLiteral("QT_HASH_SEED"), QStringLiteral("0"));
+    run.set("QT_HASH_SEED", QStringLiteral("0"));
     for (int i = 0; i < 4; ++i) {
-        run.startShell(
-            QStringLiteral("exec 2>&1; $PROGRAM report a.hts -c c.txt -y 9 --result a.hts -o -; "
-                           "for f in text json sarif github; do $PROGRAM check --all -f $f "
-                           "pond.hts -c c.txt; done; "
-                           "$PROGRAM diff a.hts pond.hts; $PROGRAM export -w a.hts -o t.csv; "
-                           "cat t.csv; $PROGRAM import --stamp end t.csv -o -"));
+        run.startShell("exec 2>&1; $PROGRAM report a.hts -c c.txt -y 9 --result a.hts -o -; "
+                       "for f in text json sarif github; do $PROGRAM check --all -f $f "
+                       "pond.hts -c c.txt; done; "
+                       "$PROGRAM diff a.hts pond.hts; $PROGRAM export -w a.hts -o t.csv; "
+                       "cat t.csv; $PROGRAM import --stamp end t.csv -o -");
         QVERIFY(run.output.size() > 1000000);
         if (before.isEmpty())
             before = run.output;
@@ -148,8 +144,8 @@ void ReportTest::endsWith()
     run.start(words("report -o page.html") + arguments.split(QLatin1Char(' ')));
     QTEST(run.errors, "errors");
     QTEST(run.exitCode, "exitCode");
-    QCOMPARE(run.read(QStringLiteral("page.html")).startsWith("<!DOCTYPE html>"), hasPage);
-    QCOMPARE(run.read(QStringLiteral("page.html")) == "before", !hasPage);
+    QCOMPARE(run.read("page.html").startsWith("<!DOCTYPE html>"), hasPage);
+    QCOMPARE(run.read("page.html") == "before", !hasPage);
 }
 
 HTS_TEST(ReportTest, QCoreApplication)

@@ -15,7 +15,7 @@ namespace {
 
 QString document()
 {
-    return QString::fromUtf8(sourceFile(QStringLiteral("docs/htstool.md")));
+    return QString::fromUtf8(sourceFile("docs/htstool.md"));
 }
 
 // A text as a code block.
@@ -88,9 +88,8 @@ void ToolDocTest::exampleOfTheHelpPageIsTrue()
     for (const char* name : {"pond.hts", "pond_methods.txt"})
         run.write(QString::fromLatin1(name),
                   sourceFile(QStringLiteral("tests/tool/files/") + QLatin1String(name)));
-    run.start(words("check pond.hts -c pond_methods.txt -y 12"));
-    const QString page =
-        QString::fromUtf8(sourceFile(QStringLiteral("Help/HtsAnnualizerHelp.html")));
+    run.start("check pond.hts -c pond_methods.txt -y 12");
+    const QString page = QString::fromUtf8(sourceFile("Help/HtsAnnualizerHelp.html"));
     QVERIFY(page.contains(
         QStringLiteral("<code>htstool check pond.hts -c pond_methods.txt -y 12</code>")));
     const QString shown = page.section(QStringLiteral("<pre id=\"htstool-example\""), 1)
@@ -105,7 +104,7 @@ void ToolDocTest::exampleOfTheHelpPageIsTrue()
 void ToolDocTest::tableOfCodesIsTrue()
 {
     ToolRun run;
-    run.start(words("explain --all -f markdown"));
+    run.start("explain --all -f markdown");
     QVERIFY(run.output.count('\n') > 70);
     QVERIFY2(document().contains(QLatin1Char('\n') + QString::fromUtf8(run.output)),
              "the table is what this prints: htstool explain --all -f markdown");
@@ -114,9 +113,8 @@ void ToolDocTest::tableOfCodesIsTrue()
 void ToolDocTest::jsonDocumentIsComplete()
 {
     ToolRun run;
-    run.write(QStringLiteral("a.hts"),
-              sourceFile(QStringLiteral("tests/check/files/text-value.hts")));
-    run.start(words("check -f json a.hts -y 12"));
+    run.write("a.hts", sourceFile("tests/check/files/text-value.hts"));
+    run.start("check -f json a.hts -y 12");
     QCOMPARE(run.exitCode, 1);
     const QByteArray expected =
         R"({"control":null,"controlCounts":{},"controlFindings":[],"endMonth":12,"exitCode":1,"files":[{
@@ -134,7 +132,7 @@ void ToolDocTest::jsonPlanIsWhole()
     for (const char* name : {"pond.hts", "pond_methods.txt"})
         run.write(QString::fromLatin1(name),
                   sourceFile(QStringLiteral("tests/tool/files/") + QLatin1String(name)));
-    run.start(words("check -f json pond.hts -c pond_methods.txt -y 6"));
+    run.start("check -f json pond.hts -c pond_methods.txt -y 6");
     const QByteArray expected = R"({
 "slots":[
 {"slot":"Mill Pond.Outflow","series":true,"converted":true,"method":"Average","ruleLine":1},
@@ -148,9 +146,8 @@ void ToolDocTest::jsonPlanIsWhole()
     QCOMPARE(document.value(QLatin1String("endMonth")).toInt(), 6);
     QCOMPARE(planOf(document), QJsonDocument::fromJson(expected));
 
-    run.write(QStringLiteral("a.hts"),
-              sourceFile(QStringLiteral("tests/check/files/no-complete-year.hts")));
-    run.start(words("check -f json a.hts -c pond_methods.txt"));
+    run.write("a.hts", sourceFile("tests/check/files/no-complete-year.hts"));
+    run.start("check -f json a.hts -c pond_methods.txt");
     QCOMPARE(
         planOf(QJsonDocument::fromJson(run.output).object()).object().value(QLatin1String("years")),
         QJsonValue(QJsonDocument::fromJson(R"({"count":0,"first":null,"last":null,

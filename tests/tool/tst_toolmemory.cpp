@@ -48,10 +48,8 @@ void ToolMemoryTest::fileWithoutEnd()
 {
     QFETCH(QString, arguments);
     ToolRun run;
-    run.write(QStringLiteral("a.hts"),
-              sourceFile(QStringLiteral("tests/check/files/text-after-last-run.hts")));
-    run.write(QStringLiteral("b.hts"),
-              sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts")));
+    run.write("a.hts", sourceFile("tests/check/files/text-after-last-run.hts"));
+    run.write("b.hts", sourceFile("tests/check/files/slot-without-rule.hts"));
     // Different calls are the first to have too little memory.
     for (const int limit : {100000, 120000, 150000, 200000}) {
         run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1; exec \"$PROGRAM\" ").arg(limit) +
@@ -93,13 +91,12 @@ void ToolMemoryTest::lineWithoutEnd()
 {
     QFETCH(QString, command);
     ToolRun run;
-    run.write(QStringLiteral("b.hts"),
-              sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts")));
+    run.write("b.hts", sourceFile("tests/check/files/slot-without-rule.hts"));
     run.startShell(QStringLiteral("ulimit -c 0; ulimit -v 400000; ") + command);
     QTEST(run.output.split('\n').first(), "output");
     QTEST(run.errors, "errors");
     QCOMPARE(run.exitCode, 2);
-    QVERIFY(!run.exists(QStringLiteral("b.csv")));
+    QVERIFY(!run.exists("b.csv"));
 }
 
 void ToolMemoryTest::manyLines_data()
@@ -125,8 +122,7 @@ void ToolMemoryTest::manyLines()
     QFETCH(QString, line);
     QFETCH(QString, check);
     ToolRun run;
-    run.write(QStringLiteral("b.hts"),
-              sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts")));
+    run.write("b.hts", sourceFile("tests/check/files/slot-without-rule.hts"));
     run.startShell(QStringLiteral("{ yes '%1' | head -250000; cat b.hts; } | "
                                   "{ ulimit -c 0; ulimit -v 70000; \"$PROGRAM\" check - %2; }")
                        .arg(line, check));
@@ -139,7 +135,7 @@ void ToolMemoryTest::manyLines()
 void ToolMemoryTest::manyRules()
 {
     ToolRun run;
-    const QByteArray file = sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts"));
+    const QByteArray file = sourceFile("tests/check/files/slot-without-rule.hts");
     const int first = file.indexOf("object_type: ");
     const int end = file.indexOf("END_SLOT\n") + 9;
     const QByteArray slot = file.mid(first, end - first);
@@ -151,8 +147,8 @@ void ToolMemoryTest::manyRules()
         if (i % 10 == 0)
             slotList += QByteArray(slot).replace("Outflow", name);
     }
-    run.write(QStringLiteral("a.hts"), file.left(first) + slotList + "END_RUN\n");
-    run.write(QStringLiteral("c.txt"), rules);
+    run.write("a.hts", file.left(first) + slotList + "END_RUN\n");
+    run.write("c.txt", rules);
     // A short text takes 24 bytes more with Qt 6.
     const int limit = QT_VERSION < QT_VERSION_CHECK(6, 0, 0) ? 90000 : 110000;
     run.startShell(QStringLiteral("ulimit -c 0; ulimit -v %1; "
@@ -166,7 +162,7 @@ void ToolMemoryTest::manyRules()
 void ToolMemoryTest::manyValuesAndSlots()
 {
     ToolRun run;
-    const QByteArray file = sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts"));
+    const QByteArray file = sourceFile("tests/check/files/slot-without-rule.hts");
     const int first = file.indexOf("object_type: ");
     const int end = file.indexOf("END_SLOT\n") + 9;
     const QByteArray slot = file.mid(first, end - first);
@@ -210,19 +206,19 @@ void ToolMemoryTest::manyPages()
     QFETCH(int, slotCount);
     QFETCH(int, shown);
     ToolRun run;
-    const QByteArray file = sourceFile(QStringLiteral("tests/check/files/slot-without-rule.hts"));
+    const QByteArray file = sourceFile("tests/check/files/slot-without-rule.hts");
     const int first = file.indexOf("object_type: ");
     const int end = file.indexOf("END_SLOT\n") + 9;
     QByteArray slotList;
     for (int i = 0; i < slotCount; ++i)
         slotList += file.mid(first, end - first).replace("Outflow", "Flow" + QByteArray::number(i));
-    run.write(QStringLiteral("a.hts"), file.left(first) + slotList + "END_RUN\n");
-    run.write(QStringLiteral("c.txt"), "*.*: Sum\n");
+    run.write("a.hts", file.left(first) + slotList + "END_RUN\n");
+    run.write("c.txt", "*.*: Sum\n");
     run.startShell(QStringLiteral("set -f; ulimit -c 0; ulimit -v %1; "
                                   "exec \"$PROGRAM\" report a.hts -c c.txt -o a.html %2")
                        .arg(QString::number(kMapped + 24 * 1024 + 30 * shown), arguments));
     QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 0 warnings, 0 notes\n"));
-    QCOMPARE(run.read(QStringLiteral("a.html")).count("<section class=\"slot\""), shown);
+    QCOMPARE(run.read("a.html").count("<section class=\"slot\""), shown);
 }
 
 void ToolMemoryTest::manyImportedValues()
