@@ -12,6 +12,7 @@
 #include "utils/checkedfile.h"
 #include "utils/fileroles.h"
 #include "utils/helpurl.h"
+#include "utils/replacedfile.h"
 
 namespace UtilsNS {
 
@@ -52,11 +53,12 @@ Status saveReport(const QString& source, const ReportRequest& request, const QSt
     }
     if (!status.ok())
         return status;
-    CheckedFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return failure(file.errorString());
-    file.write(page.data());
-    status = file.finish();
+    ReplacedFile file(path);
+    status = file.open();
+    if (status.ok()) {
+        file.device().write(page.data());
+        status = file.finish();
+    }
     if (!status.ok())
         return status;
     const QUrl url = QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath());

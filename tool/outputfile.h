@@ -1,22 +1,18 @@
 #ifndef TOOL_OUTPUTFILE_H
 #define TOOL_OUTPUTFILE_H
 
-#include <memory>
+#include <optional>
 
 #include <QString>
 #include <QStringList>
 
+#include "utils/replacedfile.h"
+
 class QIODevice;
-namespace UtilsNS {
-class CheckedFile;
-}
 struct ToolIo;
 
-// A file that a command writes.
-//
-// What a regular file held stays until finish(): the new content is written beside it and then
-// takes its place. Without finish() it is dropped. The standard output, pipes and devices are
-// written directly, and so is a file in a folder that takes no other.
+// A file that a command writes, or the standard output, and reports: see ReplacedFile for when
+// its content is replaced.
 class OutputFile
 {
 public:
@@ -31,21 +27,18 @@ public:
     // To be written to after open().
     QIODevice& device() const;
     // Whether what is written is dropped without finish().
-    bool isDroppable() const { return m_saved != nullptr; }
+    bool isDroppable() const { return m_file->isDroppable(); }
     // Reports the first write that failed to io.errors and returns false.
     bool isWritten() const;
     // Flushes and closes the file. Reports a failure to io.errors and returns false.
     bool finish();
 
 private:
-    class SavedFile;
-
-    bool openDirectly();
+    bool succeeded(const Status& status) const;
 
     const ToolIo& m_io;
     QString m_path;
-    std::unique_ptr<UtilsNS::CheckedFile> m_direct;
-    std::unique_ptr<SavedFile> m_saved;
+    std::optional<UtilsNS::ReplacedFile> m_file;
 };
 
 #endif // TOOL_OUTPUTFILE_H

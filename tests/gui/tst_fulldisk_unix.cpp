@@ -1,12 +1,18 @@
-// A result that the disk has no room for, by the device that Unix has for it.
+// A result that the disk has no room for, by the device that Unix has for it, and a report.
+
+#include <cerrno>
 
 #include <QFile>
 #include <QtTest>
 
+#include "gui/sourcereport.h"
+#include "report/filereport.h"
 #include "tests/gui/mainwindow.h"
 #include "tests/gui/modalwindows.h"
+#include "tests/support/filesizelimit_unix.h"
 #include "tests/support/logcollector.h"
 #include "tests/support/testmain.h"
+#include "tests/support/wholefile.h"
 
 class FullDiskTest : public QObject
 {
@@ -29,6 +35,21 @@ private Q_SLOTS:
         QCOMPARE(boxes.first().text, fullDisk.errorString());
         QCOMPARE(log.levels().count(QsLogging::ErrorLevel), 1);
         QVERIFY(w.window->isVisible());
+    }
+
+    // The page that was there stays whole.
+    void leavesTheReport()
+    {
+        const MainWindow w;
+        w.writeInputsAndEnterPaths();
+        const QString path = w.path("page.html");
+        writeFile(path, "before");
+        ReportRequest request;
+        request.controlPath = w.lineEdit("_methodControlLineEdit")->text();
+        const QString source = w.lineEdit("_sourceHtsLineEdit")->text();
+        const FileSizeLimit limit(5000);
+        QCOMPARE(UtilsNS::saveReport(source, request, path).message, qt_error_string(EFBIG));
+        QCOMPARE(readFile(path), QByteArray("before"));
     }
 };
 
