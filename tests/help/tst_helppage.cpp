@@ -412,67 +412,11 @@ private Q_SLOTS:
 
     void hasMessage_data()
     {
-        addTexts(
-            "text",
-            {
-                // reading a file
-                "Cannot read package preamble",
-                "Cannot read run preamble",
-                "Cannot read slot preamble",
-                "Cannot read HTS file: Missing units or scale",
-                // years
-                "Source HTS File already in annual timestep",
-                "Cannot create a complete year from the input HTS file",
-                // methods
-                "Method Control File Error:",
-                "Colon not found",
-                "Method is blank",
-                "Unknown method specified",
-                "Dot separator not found",
-                "Slot name is blank",
-                "Object name is blank",
-                // conversion
-                "Sizes of input value and value map vectors are mismatched",
-                "Number of new values cannot be negative",
-                "No series slots with valid methods found in input HTS file",
-                "Input HTS file device, output annual file device, control file path, or end year "
-                "month not set",
-                "Source HTS device pointer cannot be NULL",
-                "Result annual HTS device pointer cannot be NULL",
-                "Method specification file name cannot be blank",
-                "Integer for the end of year month is out of the range 1 to 12",
-                // window
-                "Incomplete Information",
-                "Source, Result, or Control File name is not specified",
-                "Information Error",
-                "Source HTS file environment variables could not be substituted",
-                "Result HTS file environment variables could not be substituted",
-                "Method control file environment variables could not be substituted",
-                "Annualizer Configuration Error",
-                "Annualize HTS Error",
-                "Annualize HTS",
-                "Annual HTS file successfully created!",
-                "Copy Message Error",
-                "Cannot access the clipboard",
-                "Save Diagnostics Error",
-                // command line
-                "HtsAnnualizer: Invalid Usage. Use '-h' for help.",
-                "HtsAnnualizer Error: Input hts file must be specified with -i option",
-                "HtsAnnualizer Error: Output HTS file must be specified with -o option",
-                "HtsAnnualizer Error: Method control file must be specified with -o option",
-                "HtsAnnualizer Error: Input hts path environment variables could not be "
-                "substituted:",
-                "HtsAnnualizer Error: Output hts path environment variables could not be "
-                "substituted:",
-                "HtsAnnualizer Error: Method control path environment variables could not be "
-                "substituted:",
-                "HtsAnnualizer Error: Log file path environment variables could not be "
-                "substituted:",
-                "HtsAnnualizer Error: Input hts file could not be opened for reading:",
-                "HtsAnnualizer Error: Output hts file could not be opened for writing:",
-                "HtsAnnualizer Error: Invalid end month for year specified with -y option:",
-                "HtsAnnualizer: Annual HTs file successfully created",
-            });
+        QTest::addColumn<QString>("text");
+        for (const QByteArray& line : sourceFile("tests/help/messages.txt").split('\n')) {
+            if (!line.isEmpty() && !line.startsWith('#'))
+                QTest::newRow(line.constData()) << QString::fromUtf8(line);
+        }
     }
 
     void hasMessage()
