@@ -7,60 +7,9 @@
 #include "tests/app/annualizerrun.h"
 #include "tests/support/hostlocale.h"
 #include "tests/support/testmain.h"
+#include "tests/support/wholefile.h"
 
 namespace {
-
-const char kUsage[] = R"(The HtsAnnualizer will take an HTS file of timestep less than a year
-and aggregate it to create an HTS file with a yearly timestep. Methods
-to aggregate the slot data are specifed via a control file.
-
-Usage: )"
-                      "\n"
-                      R"(HtsAnnualizer <-i file> <-o file> <-c file> <-l file> <-y number> <-h> <-v>
--i: This specifies the input hts file (required).
--o: This specifies the output annual hts file (required).
--c: This specifies the method control file (required).
--l: This specifies the log file for messages.
-    (will default to the output hts file name plus a .log file extension)
--y: This integer number specifies the month that )"
-                      "\n"
-                      R"(    you want the year to end with (1 to 12).
-    (will default to 12 for December)
--h: This will print help information.
--v: This will print the version number.
-
-The control file indicates which slots to
-process and the method for annualizing the data.
-The control file syntax is for each line to contain:
-   Object.Slot: method
-where method can be Sum, Average, Max, Min, End, Begin )"
-                      "\n"
-                      R"(SumNan, AverageNan, MaxNan, MinNan, EndNan, or BeginNan.
-  Sum adds all of the values for the year.
-  Average is the average of the values for the year.
-  Max is the maximum of the values for the year.
-  Min is the minimum of the values for the year.
-  End is the last value in the year.
-  Begin is the first value in the year.
-The default behavior of non-Nan methods is to report NaN
-if any of the input values are NaN.
-The Nan suffix on the method means that it will ignore any
-NaN values when calculating and reporting the result.
-
-Wildcards can be used for the Object or Slot name:
-   *.Slot: method
-   Object.*: method
-
-The object type name can also be used as Object to get
-all slots for the same object type:
-   LevelPowerReservoir.Slot: method
-
-If the same slot is identified more than once through
-specific declarations or wildcards, the method is set at
-the first identification and not changed thereafter.
-
-
-)";
 
 const char kVersion[] = "HtsAnnualizer version 1.0\n\n";
 const char kInvalid[] = "HtsAnnualizer: Invalid Usage. Use '-h' for help.\n\n";
@@ -100,13 +49,14 @@ private Q_SLOTS:
                             int exitCode = 0) {
             QTest::newRow(name) << words(arguments) << console << exitCode;
         };
-        row("usage", "-h", kUsage);
+        const QByteArray usage = sourceFile("tests/app/usage.expected");
+        row("usage", "-h", usage);
         row("version", "-v", kVersion);
         row("version by a longer word", "-version", kVersion);
         row("version after other options", "-i a.hts -o b.hts -v", kVersion);
         row("version with an option pending", "-i -v", kVersion);
         row("nothing after the version is looked at", "-v -x", kVersion);
-        row("the first of version and usage", "-h -v", kUsage);
+        row("the first of version and usage", "-h -v", usage);
         row("unknown option", "-x", kInvalid);
         row("upper-case option", "-I a.hts", kInvalid);
         row("lone dash", "-", kInvalid);
