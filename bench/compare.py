@@ -132,6 +132,12 @@ class Bench:
     def check_with_counts(self, name):
         return self.check(name, "--counts", self.results / "counts.csv")
 
+    def report(self, name):
+        """htstool report, without its summary."""
+        command = self.check(name, "-y", "12", "-o", self.results / "report.html")
+        command[command.index("check")] = "report"
+        return command
+
     def export(self, name, *options):
         return [self.build / "tool" / "htstool", "export", self.input(name)[0],
                 "-o", self.results / "export.csv", *options]
@@ -229,6 +235,16 @@ def checking(bench, shape):
             tool(bench, shape, "check with counts", 1.1, bench.check_with_counts(shape)))
 
 
+def reporting(bench, shape):
+    (seconds, check), (peak, _) = bench.compare(bench.report(shape), bench.check(shape))
+    shown = min(SHAPES[shape].number("slots", bench.tiny), 200)
+    limit = 24 * MIB + 30000 * shown # and 8 bytes for each annual value
+    return [Row(f"{shape}: htstool report / htstool check", f"{seconds / check:.2f}", "<= 2",
+                f"{seconds:.3f} s"),
+            Row(f"{shape}: peak memory of htstool report / limit", f"{peak / limit:.2f}", "<= 1",
+                f"{peak / MIB:.0f} MiB of {limit / MIB:.0f} MiB")]
+
+
 def exporting(bench, shape):
     return (tool(bench, shape, "export", 2.5, bench.export(shape)) +
             tool(bench, shape, "export --wide", 2.5, bench.export(shape, "--wide")))
@@ -320,6 +336,9 @@ def main():
         "check, days": lambda: checking(bench, "days"),
         "check, many slots": lambda: checking(bench, "many slots"),
         "check, many runs": lambda: checking(bench, "many runs"),
+        "report, days": lambda: reporting(bench, "days"),
+        "report, many slots": lambda: reporting(bench, "many slots"),
+        "report, many runs": lambda: reporting(bench, "many runs"),
         "export, days": lambda: exporting(bench, "days"),
         "export, many slots": lambda: exporting(bench, "many slots"),
         "growth": lambda: growth(bench),
