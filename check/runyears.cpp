@@ -24,7 +24,7 @@ std::size_t RunYear::indexOf(double value, const HtsColumn& values) const
     std::size_t index = end;
     // To the start of the block, and not only to the value: where that is the processor cannot
     // predict.
-    for (std::size_t i = std::min(block + kBlock, end); i-- > block;)
+    for (std::size_t i = std::min(block + kValuesOfBlock, end); i-- > block;)
         index = values[i] == value ? i : index;
     Q_ASSERT(index < end);
     return index;

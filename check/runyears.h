@@ -20,21 +20,21 @@ struct HtsRun;
 // The end of the year, one that ends with the month `endMonth`, that a timestep belongs to.
 QDateTime yearEndAfter(const QDateTime& step, int endMonth);
 
-// The start of the first block of kBlock of values[first, end) with one for which `is` holds; if
-// there is none, of the rest after whole blocks. The values of a block are looked at at once,
-// without a branch for each.
-constexpr std::size_t kBlock = 16;
+// The start of the first block of kValuesOfBlock of values[first, end) with one for which `is`
+// holds; if there is none, of the rest after whole blocks. The values of a block are looked at at
+// once, without a branch for each.
+constexpr std::size_t kValuesOfBlock = 16;
 template<typename Predicate>
 std::size_t blockWith(const HtsColumn& values, std::size_t first, std::size_t end, Predicate is)
 {
     const auto isIn = [&](std::size_t block) {
         std::int64_t count = 0;
-        for (std::size_t i = block; i < block + kBlock; ++i)
+        for (std::size_t i = block; i < block + kValuesOfBlock; ++i)
             count += is(values[i]) ? 1 : 0;
         return count > 0;
     };
-    while (end - first >= kBlock && !isIn(first))
-        first += kBlock;
+    while (end - first >= kValuesOfBlock && !isIn(first))
+        first += kValuesOfBlock;
     return first;
 }
 
