@@ -10,6 +10,7 @@
 #include "report/htmltext.h"
 #include "report/numberfield.h"
 #include "report/pagemodel.h"
+#include "report/pagetext.h"
 
 namespace {
 
@@ -91,54 +92,46 @@ QByteArray about(const PageSlot& slot)
     return html;
 }
 
-void addStep(QByteArray& html, const PageModel& model, qint32 step)
+QLatin1String textOfStep(const PageModel& model, qint32 step)
 {
-    html += "<td>";
-    if (step >= 0) {
-        const QLatin1String text = model.stepTexts.at(step);
-        html.append(text.data(), text.size());
-    }
-    html += "</td>";
+    return step < 0 ? QLatin1String("") : model.stepTexts.at(step);
 }
 
-void addYear(QByteArray& html, const PageModel& model, const RunYear& ofRun, const PageYear& year)
+void addYear(PageText& html, const PageModel& model, const RunYear& ofRun, const PageYear& year)
 {
-    html += "<tr><th scope=\"row\">" + QByteArray::number(ofRun.name) + "</th>" +
-            numberCell(!std::isfinite(year.value) || year.hasSentinels) + numberField(year.value) +
-            "</td>" + numberCell(year.isDoubtful) + QByteArray::number(year.present) + " of " +
-            QByteArray::number(ofRun.expected) + "</td>" +
-            numberCell(year.isDoubtful && year.longestGap > 0) +
-            QByteArray::number(year.longestGap) + "</td>";
-    addStep(html, model, year.maximum);
-    addStep(html, model, year.minimum);
+    html.add("<tr><th scope=\"row\">", ofRun.name, "</th>",
+             numberCell(!std::isfinite(year.value) || year.hasSentinels), numberField(year.value),
+             "</td>", numberCell(year.isDoubtful), year.present, " of ", ofRun.expected, "</td>",
+             numberCell(year.isDoubtful && year.longestGap > 0), year.longestGap, "</td><td>",
+             textOfStep(model, year.maximum), "</td><td>", textOfStep(model, year.minimum),
+             "</td>");
 }
 
-void addYearTable(QByteArray& html, const PageModel& model, const PageSlot& slot,
+void addYearTable(PageText& html, const PageModel& model, const PageSlot& slot,
                   const std::vector<YearBand>& bands)
 {
     if (slot.years.empty()) {
-        html += "<p>No annual values.</p>\n";
+        html.add("<p>No annual values.</p>\n");
         return;
     }
-    html += "<div class=\"wide\"><table>\n<thead><tr><th scope=\"col\">Year</th><th class=\"n\" "
-            "scope=\"col\">" +
-            htmlText(slot.method->word) +
-            "</th><th class=\"n\" scope=\"col\">Values</th><th class=\"n\" scope=\"col\">Longest "
-            "gap</th><th scope=\"col\">Maximum at</th><th scope=\"col\">Minimum at</th>";
+    html.add("<div class=\"wide\"><table>\n<thead><tr><th scope=\"col\">Year</th><th class=\"n\" "
+             "scope=\"col\">",
+             htmlText(slot.method->word),
+             "</th><th class=\"n\" scope=\"col\">Values</th><th class=\"n\" scope=\"col\">Longest "
+             "gap</th><th scope=\"col\">Maximum at</th><th scope=\"col\">Minimum at</th>");
     if (!bands.empty())
-        html +=
-            "<th class=\"n\" scope=\"col\">Other runs: smallest</th><th class=\"n\" scope=\"col\">"
-            "median</th><th class=\"n\" scope=\"col\">largest</th>";
-    html += "</tr></thead>\n<tbody>\n";
+        html.add("<th class=\"n\" scope=\"col\">Other runs: smallest</th><th class=\"n\" "
+                 "scope=\"col\">median</th><th class=\"n\" scope=\"col\">largest</th>");
+    html.add("</tr></thead>\n<tbody>\n");
     for (std::size_t i = 0; i < slot.years.size(); ++i) {
         addYear(html, model, model.years[i], slot.years[i]);
         if (!bands.empty()) {
             for (const double value : {bands[i].minimum, bands[i].median, bands[i].maximum})
-                html += numberCell(false) + numberField(value) + "</td>";
+                html.add(numberCell(false), numberField(value), "</td>");
         }
-        html += "</tr>\n";
+        html.add("</tr>\n");
     }
-    html += "</tbody></table></div>\n";
+    html.add("</tbody></table></div>\n");
 }
 
 } // namespace
@@ -167,14 +160,10 @@ QByteArray slotList(const CheckReport& report, const PageModel& model)
 QByteArray slotSection(const PageModel& model, const PageSlot& slot, int number)
 {
     const std::vector<YearBand> bands = bandOf(slot);
-    QByteArray html;
-    constexpr std::size_t kRoom = 16000;      // for all but the years of nearly any slot
-    constexpr std::size_t kRoomForYear = 250; // at most, without other runs
-    html.reserve(static_cast<int>(kRoom + kRoomForYear * slot.years.size()));
-    html += "<section class=\"slot\" id=\"s" + QByteArray::number(number) + "\">\n<h2>" +
-            htmlName(slot.name) + "</h2>\n" + about(slot) + "<figure>" +
-            slotChart(model, slot, bands) + "</figure>\n";
+    PageText html;
+    html.add("<section class=\"slot\" id=\"s", number, "\">\n<h2>", htmlName(slot.name), "</h2>\n",
+             about(slot), "<figure>", slotChart(model, slot, bands), "</figure>\n");
     addYearTable(html, model, slot, bands);
-    html += "</section>\n";
-    return html;
+    html.add("</section>\n");
+    return html.bytes();
 }

@@ -3,18 +3,20 @@
 
 #include <QByteArray>
 
+#include "report/pagetext.h"
+
 // The data of an SVG path of whole numbers, in the shortest form.
 class SvgPath
 {
 public:
-    bool isEmpty() const { return m_size == 0; }
+    bool isEmpty() const { return m_data.isEmpty(); }
 
     void moveTo(int x, int y);
     void lineTo(int x, int y);
     // A rectangle from one corner to the opposite one.
     void addBox(int left, int top, int right, int bottom);
     // A dot, where nothing else is drawn.
-    void addDot() { add('h', 0); }
+    void addDot() { m_data.add("h0"); }
 
     int x() const { return m_x; }
     int y() const { return m_y; }
@@ -23,12 +25,9 @@ public:
     QByteArray element(const char* style) const;
 
 private:
-    char* room();
-    void add(char letter, int number);
     void add(char letter, int number, int second);
 
-    QByteArray m_data; // with room after the path
-    int m_size = 0;
+    PageText m_data;
     int m_x = 0;
     int m_y = 0;
 };
