@@ -1,20 +1,11 @@
 #include <QLibrary>
 
 #include "report/sha256.h"
-
-namespace {
-
-template<typename Function>
-bool resolve(QLibrary& library, const char* name, Function& function)
-{
-    function = reinterpret_cast<Function>(library.resolve(name));
-    return function != nullptr;
-}
-
-} // namespace
+#include "utils/resolve_unix.h"
 
 const CryptoLibrary* cryptoLibrary()
 {
+    using UtilsNS::resolve;
     static CryptoLibrary functions;
     static const bool kIsLoaded = [] {
         QLibrary library(QStringLiteral("crypto"), 3); // stays loaded

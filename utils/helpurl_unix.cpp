@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "utils/helpurl.h"
+#include "utils/resolve_unix.h"
 
 namespace UtilsNS {
 
@@ -33,13 +34,6 @@ struct Gio
     decltype(&g_desktop_app_info_launch_uris_as_manager) launchUris;
     decltype(&g_object_unref) unref;
 };
-
-template<typename Function>
-bool resolve(QLibrary& library, const char* name, Function& function)
-{
-    function = reinterpret_cast<Function>(library.resolve(name));
-    return function != nullptr;
-}
 
 // Null where GIO is missing. It stays loaded: GLib cannot unregister its types.
 const Gio* loadGio()
