@@ -3,7 +3,7 @@
 
 #include <QByteArray>
 
-#include "report/sha256.h"
+#include "report/backgroundsha256.h"
 
 // A file, of a class that is derived from QFile, whose bytes are hashed while they are read.
 template<typename File>
@@ -32,7 +32,7 @@ protected:
         const qint64 count = File::readData(data, maxSize);
         Q_ASSERT(known >= 0);
         if (count > known) {
-            m_hash.add(data + known, count - known);
+            m_hash.add(data + known, static_cast<std::size_t>(count - known));
             m_count += count - known;
         }
         return count;
@@ -41,7 +41,7 @@ protected:
 private:
     static constexpr qint64 kBlockSize = qint64(1) << 18;
 
-    Sha256 m_hash;
+    BackgroundSha256 m_hash;
     qint64 m_count = 0;
 };
 

@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include "report/axis.h"
+#include "report/backgroundsha256.h"
 #include "report/envelope.h"
 #include "report/htmltext.h"
 #include "report/numberfield.h"
@@ -209,6 +210,12 @@ void PagePartsTest::hashesAreThoseOfTheStandard()
                 hash.add(text.constData() + at, std::min<int>(step, text.size() - at));
             QCOMPARE(QString::fromLatin1(hash.takeHex()), expected);
         }
+    }
+    for (const int step : {7, 65536, 1000000}) {
+        BackgroundSha256 hash;
+        for (int at = 0; at < text.size(); at += step)
+            hash.add(text.constData() + at, std::size_t(std::min<int>(step, text.size() - at)));
+        QCOMPARE(QString::fromLatin1(hash.takeHex()), expected);
     }
 }
 

@@ -1,8 +1,10 @@
 // htstool with less memory than it needs: it says so, with the exit code of a file that cannot be
 // read, and what it found in other files is not lost.
 
+#include <QCryptographicHash>
 #include <QtTest>
 
+#include "report/backgroundsha256.h"
 #include "tests/support/testmain.h"
 #include "tests/support/wholefile.h"
 #include "tests/tool/toolrun.h"
@@ -22,6 +24,7 @@ private Q_SLOTS:
     void manyPages_data();
     void manyPages();
     void manyValuesAndSlots();
+    void pageWithoutAThread();
     void manyImportedValues();
 };
 
@@ -219,6 +222,21 @@ void ToolMemoryTest::manyPages()
                        .arg(QString::number(kMapped + 24 * 1024 + 30 * shown), arguments));
     QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 0 warnings, 0 notes\n"));
     QCOMPARE(run.read("a.html").count("<section class=\"slot\""), shown);
+}
+
+// The system starts no thread whose stack has no room; the input is hashed all the same.
+void ToolMemoryTest::pageWithoutAThread()
+{
+    ToolRun run;
+    const QByteArray file = sourceFile("tests/check/files/slot-without-rule.hts") +
+                            QByteArray(2 * int(BackgroundSha256::kBlockSize), '\n');
+    run.write("a.hts", file);
+    run.write("c.txt", "*.*: Sum\n");
+    run.startShell("ulimit -c 0; ulimit -s 4000000; ulimit -v 1000000; "
+                   "exec \"$PROGRAM\" report a.hts -c c.txt -o a.html");
+    QCOMPARE(run.ended(), QByteArray("a.hts: 0 errors, 0 warnings, 0 notes\nexit 0"));
+    QVERIFY(run.read("a.html").contains(
+        QCryptographicHash::hash(file, QCryptographicHash::Sha256).toHex()));
 }
 
 void ToolMemoryTest::manyImportedValues()
