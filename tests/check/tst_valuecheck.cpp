@@ -31,20 +31,30 @@ QString farSentinel(int line, const char* number, const char* times, const char*
              QLatin1String(range));
 }
 
+QByteArray slotText(const QByteArray& name, const QByteArrayList& lines)
+{
+    QByteArray text = "object_type: Gauge\nobject_name: Lake\nslot_name: " + name +
+                      "\nEND_SLOT_PREAMBLE\nunits: cms\nscale: 1\n";
+    for (const QByteArray& line : lines)
+        text += ' ' + line + '\n';
+    return text + "END_COLUMN\nEND_SLOT\n";
+}
+
 // What is found in the values of a slot with these value lines. The first is on line 10, as far as
 // findings tell. Each has a blank before it, which keeps the first from being the method line.
-QStringList findingsIn(const QByteArrayList& lines, const std::vector<double>& sentinels = {})
+// `next` are as many values of a second slot, if not empty.
+QStringList findingsIn(const QByteArrayList& lines, const std::vector<double>& sentinels = {},
+                       const QByteArrayList& next = {})
 {
     QByteArray text =
         "number_of_runs:1\nEND_PACKAGE_PREAMBLE\ntime_steps:" + QByteArray::number(lines.size()) +
-        "\nEND_RUN_PREAMBLE\n" + QByteArray("2000-1-1 24:00\n").repeated(lines.size()) +
-        "object_type: Gauge\nobject_name: Lake\nslot_name: Flow\n"
-        "END_SLOT_PREAMBLE\nunits: cms\nscale: 1\n";
-    const qint64 shift = text.count('\n') + 1 - 10;
-    for (const QByteArray& line : lines)
-        text += ' ' + line + '\n';
+        "\nEND_RUN_PREAMBLE\n" + QByteArray("2000-1-1 24:00\n").repeated(lines.size());
+    const qint64 shift = text.count('\n') + 7 - 10;
+    text += slotText("Flow", lines);
+    if (!next.isEmpty())
+        text += slotText("Next", next);
+    text += "END_RUN\n";
     QStringList texts;
-    text += "END_COLUMN\nEND_SLOT\nEND_RUN\n";
     QBuffer device(&text);
     device.open(QIODevice::ReadOnly);
     CheckOptions options;
@@ -74,6 +84,7 @@ private Q_SLOTS:
     void takesOtherSentinels();
     void findsInLines_data();
     void findsInLines();
+    void countsEachSlotForItself();
 };
 
 void ValueCheckTest::findsInNumbers_data()
@@ -280,6 +291,15 @@ void ValueCheckTest::findsInLines()
     QFETCH(QByteArrayList, lines);
     QFETCH(QStringList, findings);
     QCOMPARE(findingsIn(lines), findings);
+}
+
+void ValueCheckTest::countsEachSlotForItself()
+{
+    QCOMPARE(findingsIn({"inf", "1"}, {}, {"NaN", "2"}),
+             (QStringList{
+                 QStringLiteral("10: infinite-value: \"inf\" is infinite and counts as missing"),
+                 QStringLiteral(
+                     "20: missing-values: 1 of 2 values of Lake.Next are missing (50.0 %)")}));
 }
 
 HTS_TEST(ValueCheckTest, NoApplication)
