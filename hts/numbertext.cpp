@@ -45,7 +45,8 @@ char lower(char c)
 template<int wholeDigits>
 const char* readFixed(const char* text, double& magnitude)
 {
-    static_assert(wholeDigits <= kMaxWholeDigits && kMaxWholeDigits == 4);
+    static_assert(wholeDigits <= kMaxWholeDigits);
+    static_assert(kMaxWholeDigits == 4); // are read as four characters
     const char* decimals = text + wholeDigits + 1;
     const char* end = decimals + kDecimals;
     // The whole digits, with zeros before them if they are fewer than four, and four decimals.

@@ -47,7 +47,7 @@ HtmlTexts::HtmlTexts(const QStringList& texts)
     m_ends.reserve(static_cast<std::size_t>(texts.size()));
     for (const QString& text : texts) {
         m_html += htmlText(text);
-        m_ends.push_back(m_html.size());
+        m_ends.push_back(static_cast<int>(m_html.size()));
     }
 }
 
