@@ -8,7 +8,7 @@ namespace {
 
 int columnOf(double place)
 {
-    return static_cast<int>(std::clamp(place, 0.0, 1.0) * (kChartColumns - 1) + 0.5);
+    return static_cast<int>(std::lround(std::clamp(place, 0.0, 1.0) * (kChartColumns - 1)));
 }
 
 } // namespace

@@ -13,13 +13,12 @@ namespace {
 QByteArray withCode(const char* text)
 {
     QByteArray html = htmlText(QString::fromUtf8(text));
-    for (auto at = html.indexOf('`'), end = at; at >= 0; at = html.indexOf('`', end)) {
-        html.replace(at, 1, "<code>");
-        end = html.indexOf('`', at);
-        if (end < 0)
-            break;
-        html.replace(end, 1, "</code>");
+    bool isCode = false;
+    for (auto at = html.indexOf('`'); at >= 0; at = html.indexOf('`', at)) {
+        isCode = !isCode;
+        html.replace(at, 1, isCode ? "<code>" : "</code>");
     }
+    Q_ASSERT(!isCode);
     return html;
 }
 
