@@ -1,3 +1,5 @@
+#include <string>
+
 #include <QtTest>
 
 #include "exchange/tabletime.h"
@@ -20,6 +22,7 @@ class TableTimeTest : public QObject
 
 private Q_SLOTS:
     void stampsAreThoseOfAFile();
+    void datesAreThoseOfTheCalendar();
     void patternsReadTimes_data();
     void patternsReadTimes();
     void badPatternsAreRefused_data();
@@ -43,6 +46,21 @@ void TableTimeTest::stampsAreThoseOfAFile()
             TimePattern::fromText(QStringLiteral("YYYY-MM-DD hh:mm"))->read(text.toStdString());
         QVERIFY(read);
         QCOMPARE(read->instant, instantOf(qPrintable(text)));
+    }
+}
+
+void TableTimeTest::datesAreThoseOfTheCalendar()
+{
+    const auto pattern = TimePattern::fromText(QStringLiteral("YYYYMMDD"));
+    for (const int year : {1900, 2000, 2023, 2024}) {
+        for (int monthAndDay = 0; monthAndDay <= 1332; ++monthAndDay) {
+            const QDate date(year, monthAndDay / 100, monthAndDay % 100);
+            const std::string text = std::to_string(year * 10000 + monthAndDay);
+            const auto time = pattern->read(text);
+            QVERIFY2(time.has_value() == date.isValid(), text.c_str());
+            if (time)
+                QCOMPARE(time->instant, date.toJulianDay() * kMinutesPerDay);
+        }
     }
 }
 
