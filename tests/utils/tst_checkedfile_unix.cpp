@@ -6,11 +6,9 @@
 #include <QTextStream>
 #include <QtTest>
 
-#include <csignal>
-
-#include <sys/resource.h>
 #include <unistd.h>
 
+#include "tests/support/filesizelimit_unix.h"
 #include "tests/support/testmain.h"
 #include "utils/checkedfile.h"
 #include "utils/processsetup.h"
@@ -24,32 +22,6 @@ const QString kUnreadable = QStringLiteral("/proc/self/mem");
 const QString kReadError = QStringLiteral("Input/output error");
 const QString kFull = QStringLiteral("/dev/full");
 const QString kFullError = QStringLiteral("No space left on device");
-
-// Until it is destroyed, no file of this process can grow beyond a number of bytes, as on a disk
-// that fills up at that place.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        m_handlerBefore = std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        rlimit limit = m_before;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handlerBefore);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit m_before = {};
-    void (*m_handlerBefore)(int) = SIG_DFL;
-};
 
 } // namespace
 
