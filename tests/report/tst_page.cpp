@@ -200,6 +200,14 @@ void PageTest::tablesHaveTheResult()
     for (auto match = row.globalMatch(page); match.hasNext();)
         shown.append(QString::number(match.next().captured(1).toDouble(), 'g', 17));
     QCOMPARE(shown, expected);
+    const int slotCount = int(package.values.at(0).size());
+    const int bandCount = package.values.size() > 1 ? slotCount : 0;
+    for (const auto& [style, count] : {std::pair("input", slotCount),
+                                       {"annual", slotCount},
+                                       {"band", bandCount},
+                                       {"median", bandCount}})
+        QCOMPARE(page.count(QStringLiteral("<path class=\"%1\" d=\"M").arg(QLatin1String(style))),
+                 count);
 }
 
 void PageTest::resultIsCompared_data()

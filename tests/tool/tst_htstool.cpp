@@ -44,6 +44,7 @@ class HtstoolTest : public QObject
 private Q_SLOTS:
     void showsTexts_data();
     void showsTexts();
+    void helpTextsAreWhole();
     void sentinelsAreAdded();
     void endMonthOfMinusOneIsDecember();
     void rulesAreNotJudgedWhenTheFirstRunCannotBeRead();
@@ -113,6 +114,19 @@ void HtstoolTest::showsTexts()
     QCOMPARE(run.errors, QByteArray());
     QCOMPARE(run.output.split('\n').first(), firstLine);
     QVERIFY(run.output.endsWith('\n'));
+}
+
+// files/help.txt has the help of each command.
+void HtstoolTest::helpTextsAreWhole()
+{
+    QByteArray texts;
+    for (const char* line : {"--help", "check --help", "export --help", "import --help",
+                             "report --help", "diff --help", "explain --help"}) {
+        ToolRun run;
+        run.start(line);
+        texts += "$ htstool " + QByteArray(line) + '\n' + run.output;
+    }
+    QCOMPARE(texts.split('\n'), sourceFile("tests/tool/files/help.txt").split('\n'));
 }
 
 void HtstoolTest::sentinelsAreAdded()
