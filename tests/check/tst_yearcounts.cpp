@@ -125,6 +125,8 @@ void YearCountsTest::countsWhatAYearLacks_data()
          "11,1,2000,MaxNaN,12,10,1,12,2001-01-01T00:00:00,2000-03-01T00:00:00"},
         {"beside values that are missing", "1 2 NaN x x NaN 7 8 9 10 11 12",
          "10,2,2000,MaxNaN,12,8,4,12,2001-01-01T00:00:00,2000-02-01T00:00:00"},
+        {"without a timestep, and a gap at the end", "1 x 3 4 5 6 7 8 NaN NaN NaN NaN",
+         "11,4,2000,MaxNaN,12,7,4,8,2000-09-01T00:00:00,2000-02-01T00:00:00"},
         {"nothing", "NaN NaN NaN NaN NaN NaN NaN NaN NaN NaN NaN NaN",
          "12,12,2000,MaxNaN,12,0,12,,,"},
         {"as many digits as an annual file",
