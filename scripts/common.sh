@@ -71,6 +71,14 @@ take_arguments() {
 }
 take_arguments "$@"
 
+# How root becomes a user with no rights.
+as_nobody=(setpriv --reuid=nobody --regid=nogroup --clear-groups)
+
+# Whether such a one can read this tree, by its whole path, and make temporary files.
+nobody_can_test() {
+    "${as_nobody[@]}" test -r "$root/scripts" -a -w "${TMPDIR:-/tmp}"
+}
+
 # Passes on the counters of ninja's lines, "[12/345] Building ...", each over the one before.
 show_counter() {
     local line shown=

@@ -47,7 +47,14 @@ bool OutputFile::open(const QString& path, const QStringList& inputs)
 
 QIODevice& OutputFile::device() const
 {
+    Q_ASSERT(m_file);
     return m_file->device();
+}
+
+bool OutputFile::isDroppable() const
+{
+    Q_ASSERT(m_file);
+    return m_file->isDroppable();
 }
 
 bool OutputFile::isWritten() const

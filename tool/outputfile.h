@@ -27,7 +27,7 @@ public:
     // To be written to after open().
     QIODevice& device() const;
     // Whether what is written is dropped without finish().
-    bool isDroppable() const { return m_file->isDroppable(); }
+    bool isDroppable() const;
     // Reports the first write that failed to io.errors and returns false.
     bool isWritten() const;
     // Flushes and closes the file. Reports a failure to io.errors and returns false.
