@@ -14,9 +14,9 @@ namespace {
 
 // Beside the output, where there is room for it; but in no folder of devices, nor where the output
 // itself is written directly because the folder takes no other file.
-QString temporaryPath(const OutputFile& output, const QString& outputPath)
+QString temporaryPath(const OutputFile& output)
 {
-    return output.isDroppable() ? outputPath + QLatin1String(".XXXXXX.tmp")
+    return output.isDroppable() ? output.replacedPath() + QLatin1String(".XXXXXX.tmp")
                                 : QDir::tempPath() + QLatin1String("/htstool.XXXXXX.tmp");
 }
 
@@ -39,7 +39,7 @@ int runImport(const ToolOptions& options, const ToolIo& io)
     importOptions.packageName = path == kStandardStream ? QStringLiteral("import")
                                                         : shown(QFileInfo(path).completeBaseName());
     importOptions.createDate = timeOfWriting();
-    importOptions.temporaryPath = temporaryPath(output, options.outputPath);
+    importOptions.temporaryPath = temporaryPath(output);
     CsvImport import(importOptions);
     Status status = import.read(input);
     if (!input.problem().isEmpty()) {

@@ -57,6 +57,12 @@ bool OutputFile::isDroppable() const
     return m_file->isDroppable();
 }
 
+QString OutputFile::replacedPath() const
+{
+    Q_ASSERT(m_file);
+    return m_file->replacedPath();
+}
+
 bool OutputFile::isWritten() const
 {
     return succeeded({m_file->problem()});

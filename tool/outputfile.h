@@ -28,6 +28,8 @@ public:
     QIODevice& device() const;
     // Whether what is written is dropped without finish().
     bool isDroppable() const;
+    // See ReplacedFile.
+    QString replacedPath() const;
     // Reports the first write that failed to io.errors and returns false.
     bool isWritten() const;
     // Flushes and closes the file. Reports a failure to io.errors and returns false.

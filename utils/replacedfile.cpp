@@ -27,7 +27,7 @@ bool isReplaceable(const QFileInfo& file)
 
 // The path without symbolic links, of which the toolkit would only follow one. Empty if a link
 // leads to no file yet, or to one whose name is not text.
-QString replacedPath(const QFileInfo& file)
+QString pathWithoutLinks(const QFileInfo& file)
 {
     if (!file.exists())
         return file.isSymLink() ? QString() : file.filePath();
@@ -75,7 +75,7 @@ Status ReplacedFile::open()
     // A path with a problem is opened directly to report it.
     if (!isReplaceable(file) || !problemOfPath(m_path, QIODevice::WriteOnly).isEmpty())
         return openDirectly();
-    const QString target = replacedPath(file);
+    const QString target = pathWithoutLinks(file);
     if (target.isEmpty())
         return openDirectly();
     m_saved = std::make_unique<SavedFile>(target);
@@ -108,6 +108,11 @@ QIODevice& ReplacedFile::device() const
     if (m_saved != nullptr)
         return *m_saved;
     return *m_direct;
+}
+
+QString ReplacedFile::replacedPath() const
+{
+    return m_saved == nullptr ? QString() : m_saved->fileName();
 }
 
 int ReplacedFile::handle() const

@@ -42,6 +42,9 @@ public:
     QIODevice& device() const;
     // Whether what is written is dropped without finish().
     bool isDroppable() const { return m_saved != nullptr; }
+    // The file that finish() replaces, where a symbolic link leads; empty if it is written
+    // directly.
+    QString replacedPath() const;
     // Of a file that is written directly, else -1.
     int handle() const;
     // The error text of the first write that failed; empty if none has failed.

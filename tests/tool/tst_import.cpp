@@ -70,6 +70,7 @@ private Q_SLOTS:
     void manyValuesComeBack();
     void readsPipesAndWritesThem();
     void failureLeavesTheFileAsItWas();
+    void linkStaysAndItsFileIsReplaced();
     void failuresOfFilesAreReported_data();
     void failuresOfFilesAreReported();
 };
@@ -398,6 +399,24 @@ void ImportTest::failureLeavesTheFileAsItWas()
     QCOMPARE(run.read(QStringLiteral("table.csv")), days("1 x"));
     run.start(words("import none.csv -o out.hts"));
     QCOMPARE(run.ended(), QByteArray("htstool: none.csv: No such file or directory\nexit 3"));
+}
+
+// The temporary file is beside the file that the link leads to, too: its path is in the message.
+void ImportTest::linkStaysAndItsFileIsReplaced()
+{
+    ImportRun run;
+    run.write(QStringLiteral("days.csv"), days("1 2 3"));
+    run.startShell(
+        QStringLiteral("mkdir sub; echo old > sub/b.hts; ln -s sub/b.hts out.hts; ") +
+        manyValues(20000) +
+        QStringLiteral("(trap '' XFSZ; ulimit -f 2000; \"$PROGRAM\" import --stamp end -o "
+                       "out.hts -); cat out.hts; \"$PROGRAM\" import -o out.hts days.csv; "
+                       "find . -type f; readlink out.hts; head -n 1 sub/b.hts"));
+    QVERIFY2(run.errors.contains("htstool: -: the temporary file " +
+                                 run.path("sub/b.hts").toUtf8() +
+                                 ".XXXXXX.tmp cannot be written: File too large"),
+             run.errors.constData());
+    QCOMPARE(run.output, QByteArray("old\n./days.csv\n./sub/b.hts\nsub/b.hts\nname:days\n"));
 }
 
 void ImportTest::failuresOfFilesAreReported_data()
