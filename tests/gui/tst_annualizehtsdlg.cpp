@@ -12,12 +12,12 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
-#include <QTranslator>
 #include <QTreeWidget>
 #include <QUrl>
 
 #include "QsLog.h"
 #include "tests/gui/mainwindow.h"
+#include "tests/gui/markingtranslator.h"
 #include "tests/gui/modalwindows.h"
 #include "tests/gui/monthlyexample.h"
 #include "tests/support/helprecorder.h"
@@ -180,17 +180,6 @@ void watchCursor(const QString&, QsLogging::Level level)
         sawWaitCursor = true;
 }
 
-// Translates every text into its context and itself.
-class MarkingTranslator : public QTranslator
-{
-public:
-    QString translate(const char* context, const char* text, const char*, int) const override
-    {
-        return QStringLiteral("<%1|%2>").arg(QLatin1String(context), QLatin1String(text));
-    }
-    bool isEmpty() const override { return false; }
-};
-
 struct Fixture : MainWindow
 {
     QStringList files() const
@@ -250,7 +239,9 @@ private Q_SLOTS:
         QCOMPARE(f.window->objectName(), QLatin1String("AnnualizeHtsDlg"));
         // Before it is shown: a large font widens it then.
         AnnualizeHts engine;
-        QCOMPARE(AnnualizeHtsDlg(&engine, nullptr).size(), QSize(450, 331));
+        const AnnualizeHtsDlg hidden(&engine);
+        QCOMPARE(hidden.size(), QSize(450, 331));
+        QCOMPARE(hidden.menuWidget()->geometry(), QRect(0, 0, 450, 21));
         QCOMPARE(f.window->centralWidget(), f.child<QWidget>("centralwidget"));
         QCOMPARE(f.window->menuBar(), f.child<QMenuBar>("menubar"));
         QCOMPARE(f.window->statusBar(), f.child<QStatusBar>("statusbar"));
@@ -380,10 +371,8 @@ private Q_SLOTS:
 
     void translatesTextsInItsContext()
     {
-        MarkingTranslator translator;
-        QVERIFY(QCoreApplication::installTranslator(&translator));
+        const MarkingTranslator translator;
         const Fixture f;
-        QVERIFY(QCoreApplication::removeTranslator(&translator));
         for (const FormWidget& row : kFormWidgets) {
             const auto* widget = f.child<QWidget>(row.name);
             const QString expected = QStringLiteral("<AnnualizeHtsDlg|%1>").arg(text(row.text));
@@ -395,6 +384,8 @@ private Q_SLOTS:
         QCOMPARE(f.rows()->headerItem()->text(0),
                  QLatin1String("<AnnualizeHtsDlg|Diagnostic Messages>"));
         // The rest is not translated.
+        QCOMPARE(chooseFile(f.button("_sourceHtsButton"), QString()).value(0).caption,
+                 QLatin1String("Source HTS File"));
         QCOMPARE(f.diagnostics()->windowTitle(), QLatin1String("HTS Annualizer Diagnostics"));
         QCOMPARE(f.window->windowTitle(), QLatin1String("HTS Annualizer (v1.1)"));
         QCOMPARE(f.months()->currentText(), QLatin1String("December"));
@@ -735,14 +726,16 @@ private Q_SLOTS:
         }
     }
 
-    // The list offers none, so nothing is selected.
+    // The list offers none, so nothing is selected. The result is open by then.
     void refusesMonthOutOfRange()
     {
         const Fixture f;
         f.writeInputsAndEnterPaths();
+        writeFile(f.path("annual.hts"), "of an earlier run");
         f.months()->setCurrentIndex(-1);
         f.expectFailure("Annualizer Configuration Error",
                         text("Integer for the end of year month is out of the range 1 to 12"));
+        QCOMPARE(f.content("annual.hts"), QByteArray());
     }
 
     void refusesResultThatIsInput()
@@ -986,6 +979,8 @@ private Q_SLOTS:
                 QCOMPARE(QApplication::exec(), 0);
                 QVERIFY(!f.window->isVisible());
                 QVERIFY(diagnostics == nullptr);
+                f.button("_diagButton")->click();
+                QVERIFY(f.diagnostics() == nullptr);
             }
         }
     }

@@ -3,6 +3,8 @@
 #include <cerrno>
 
 #include <QFile>
+#include <QLineEdit>
+#include <QMenuBar>
 #include <QtTest>
 
 #include "gui/sourcereport.h"
@@ -35,6 +37,27 @@ private Q_SLOTS:
         QCOMPARE(boxes.first().text, fullDisk.errorString());
         QCOMPARE(log.levels().count(QsLogging::ErrorLevel), 1);
         QVERIFY(w.window->isVisible());
+    }
+
+    // Also that of the diagnostics, under a name that is then not offered again.
+    void isReportedForDiagnostics()
+    {
+        UtilsNS::MessageViewer viewer({QStringLiteral("Messages")}, nullptr);
+        viewer.messageHandler(QsLogging::InfoLevel, QStringLiteral("text"));
+        QAction* saveAll =
+            viewer.findChild<QMenuBar*>()->actions().first()->menu()->actions().first();
+        Box box;
+        QVERIFY(actThrough(
+            [saveAll] { saveAll->trigger(); },
+            {typePath(QStringLiteral("/dev/full")), click(QMessageBox::Yes), readBox(&box)}));
+        compareWarning(box, "Save Diagnostics Error", qt_error_string(ENOSPC));
+        QString offered = QStringLiteral("?");
+        const Step readName = [&offered](QWidget& dialog) {
+            offered = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text();
+            dialog.close();
+        };
+        QVERIFY(actThrough([saveAll] { saveAll->trigger(); }, {readName}));
+        QCOMPARE(offered, QString());
     }
 
     // The page that was there stays whole.

@@ -21,6 +21,7 @@
 #include <memory>
 
 #include "gui/messageviewer.h"
+#include "tests/gui/markingtranslator.h"
 #include "tests/gui/modalwindows.h"
 #include "tests/support/hostsystem.h"
 #include "tests/support/testmain.h"
@@ -265,6 +266,23 @@ private Q_SLOTS:
             QCOMPARE(actions.at(i)->data(), rows[i].data);
             QVERIFY(actions.at(i)->isEnabled());
         }
+    }
+
+    void translatesItsTexts()
+    {
+        const MarkingTranslator translator;
+        const ViewerFixture f;
+        QStringList texts{f.viewer.windowTitle(), f.checkBox->text()};
+        for (const QAction* menu : f.viewer.findChild<QMenuBar*>()->actions()) {
+            texts.append(menu->text());
+            for (const QAction* action : menu->menu()->actions())
+                texts.append(action->text());
+        }
+        QCOMPARE(texts.join(QLatin1Char('/')),
+                 QStringLiteral("<C|Untitled>/<C|Automatic Scrolling>/<C|&File>/<C|Save All &As>/"
+                                "<C|Save &Selected As>/<C|&Close Window>/<C|&Edit>/<C|&Copy All>/"
+                                "<C|Copy &Selected>/<C|Clear>")
+                     .replace(QLatin1String("<C|"), QLatin1String("<UtilsNS::MessageViewer|")));
     }
 
     void slotsAreInOrder()
