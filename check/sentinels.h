@@ -8,7 +8,7 @@
 
 #include <QString>
 
-#include "check/valueextent.h"
+#include "hts/htspackage.h"
 
 // Numbers that mark missing values in the files of other programs, such as -999 and -99.9, and how
 // they occur in a slot. They are compared as printed: with -99.9 any text of that number counts,
@@ -25,11 +25,10 @@ public:
 
     struct Slot
     {
-        const std::vector<double>& values;
+        const HtsColumn& values;
         std::size_t count; // of the values that are the slot's, from the first on
         // Indexes of values that the file does not have as numbers; ascending.
         const std::vector<std::size_t>& noNumbers;
-        ValueExtent extent = extentOf(values);
     };
 
     // One of the numbers, among the values of a slot.

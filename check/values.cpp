@@ -87,7 +87,7 @@ private:
     void checkNumber(qint64 lineNumber, std::string_view line);
     void reportText(qint64 lineNumber, std::string_view line);
     void reportMissing(std::size_t missing, qint64 firstLine);
-    void reportSentinels(const HtsColumn& values, const ValueExtent& extent, qint64 firstLine);
+    void reportSentinels(const HtsColumn& values, qint64 firstLine);
     void reportEndColumn(std::string_view line);
     void reportEndLine(const FindingKind& kind, QLatin1String expected, std::string_view line);
 
@@ -118,10 +118,9 @@ void ValueCheck::beforeValues()
         std::remove_if(missing.begin(), missing.end(),
                        [&values](std::size_t index) { return std::isfinite(values[index]); }),
         missing.end());
-    const ValueExtent extent = extentOf(values);
     if (!m_context.recovery.hasForeignLines())
-        reportMissing(values.size() - extent.usable - m_infiniteValues, firstLine);
-    reportSentinels(values, extent, firstLine);
+        reportMissing(missing.size() - m_infiniteValues, firstLine);
+    reportSentinels(values, firstLine);
 }
 
 void ValueCheck::oddValueLine(std::size_t index, qint64 lineNumber, std::string_view line)
@@ -192,11 +191,10 @@ void ValueCheck::reportMissing(std::size_t missing, qint64 firstLine)
     });
 }
 
-void ValueCheck::reportSentinels(const HtsColumn& values, const ValueExtent& extent,
-                                 qint64 firstLine)
+void ValueCheck::reportSentinels(const HtsColumn& values, qint64 firstLine)
 {
     const std::size_t count = std::min(m_ownValues, values.size());
-    m_context.foundSentinels = m_context.sentinels.findIn({values, count, m_noNumbers, extent});
+    m_context.foundSentinels = m_context.sentinels.findIn({values, count, m_noNumbers});
     for (const Sentinels::Occurrence& found : m_context.foundSentinels) {
         const qint64 line = firstLine + static_cast<qint64>(found.first);
         const QString number = sentinelText(found.number);
