@@ -201,11 +201,11 @@ public:
     void slotRead() override;
 
 private:
-    bool hasMethods() const { return m_context.control != nullptr; }
+    bool hasMethods() const { return m_context.options.control != nullptr; }
     bool hasMaximum() const
     {
-        return m_context.maxMissing.isSet() &&
-               m_context.maxMissing.isFor(m_context.years.stepLength());
+        return m_context.options.maxMissing.isSet() &&
+               m_context.options.maxMissing.isFor(m_context.years.stepLength());
     }
     void reportRate(const SlotPlan& plan);
     void judge(const std::vector<YearValues>& years, const AggMethod& method);
@@ -224,7 +224,7 @@ private:
 void AnnualValueCheck::runRead()
 {
     const HtsRun& run = m_context.walk.run();
-    const MaxMissing& maximum = m_context.maxMissing;
+    const MaxMissing& maximum = m_context.options.maxMissing;
     if (m_context.walk.runIndex() > 0 || maximum.isFor(m_context.years.stepLength()))
         return;
     add(kWmoSteps, m_context.lineOfRunKey(kUnitKey),
@@ -280,8 +280,8 @@ void AnnualValueCheck::countLacking(const std::vector<YearValues>& years)
 {
     for (std::size_t i = 0; i < years.size(); ++i) {
         const RunYear& year = m_context.years.years()[i];
-        if (m_context.maxMissing.isExceeded(year, year.lackingOf(years[i]), m_context.missing,
-                                            m_context.years.stepLength()))
+        if (m_context.options.maxMissing.isExceeded(
+                year, year.lackingOf(years[i]), m_context.missing, m_context.years.stepLength()))
             m_tallies[kTooMany].add(year.name, RunYear::presentOf(years[i]), year.expected);
     }
 }
@@ -306,7 +306,7 @@ QString AnnualValueCheck::textOf(std::size_t index, const SlotPlan& plan) const
     const QString start = run == 1 ? QString() : worded("run %1: ", run);
     const QString name = fullSlotName(plan.objectName, plan.slotName);
     if (index == kTooMany) {
-        const MaxMissing& maximum = m_context.maxMissing;
+        const MaxMissing& maximum = m_context.options.maxMissing;
         return start + worded(maximum.isWmo() ? "%1 lacks a month, by the rule %2, in %3%4"
                                               : "%1 lacks more than %2 of the values of %3%4",
                               name, maximum.text(), tally.years(), tally.values());

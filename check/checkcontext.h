@@ -6,9 +6,8 @@
 #include <vector>
 
 #include "annualize/conversion.h"
-#include "check/control.h"
+#include "check/filecheck.h"
 #include "check/findinglist.h"
-#include "check/maxmissing.h"
 #include "check/preamblelines.h"
 #include "check/recovery.h"
 #include "check/runsteps.h"
@@ -21,27 +20,26 @@ class HtsReader;
 // What the checks of all topics look at, and where they put what they find.
 struct CheckContext
 {
+    const CheckOptions& options;
+    FindingList& findings;
+    const Sentinels& sentinels;
     HtsReader& reader;
     const HtsPackage& package; // its preamble
     HtsWalk& walk;
     // Judges the file like a conversion of it, and has taken the section at hand.
     const Conversion& conversion;
-    const int endMonth;
-    const Sentinels& sentinels;
-    FindingList& findings;
-    Recovery& recovery;
-    // The keyword lines of the preamble that was read last.
-    PreambleLines& lines;
-    ControlCheck* control; // null without a control file
     // Of the run at hand.
     const RunYears& years;
-    const MaxMissing& maxMissing;
     // Only while topics and observer look at the first run.
     const std::optional<RunSteps>& firstSteps;
+
+    Recovery recovery = {};
+    // The keyword lines of the preamble that was read last.
+    PreambleLines lines = {};
     // Of the slot at hand, unless it is a table: the indexes of the values that are not finite, in
     // ascending order, and what Sentinels::findIn() has found.
-    std::vector<std::size_t>& missing;
-    std::vector<Sentinels::Occurrence>& foundSentinels;
+    std::vector<std::size_t> missing = {};
+    std::vector<Sentinels::Occurrence> foundSentinels = {};
 
     // See HtsReader.
     qint64 lineNumber() const;

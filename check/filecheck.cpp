@@ -63,15 +63,10 @@ private:
     HtsPackage m_package;
     HtsWalk m_walk;
     Conversion m_conversion;
-    Recovery m_recovery;
-    PreambleLines m_lines;
     RunYears m_years;
     std::optional<RunSteps> m_firstSteps;
-    std::vector<std::size_t> m_missing;
-    std::vector<Sentinels::Occurrence> m_foundSentinels;
     CheckContext m_context;
     std::vector<std::unique_ptr<TopicCheck>> m_checks;
-    CheckObserver* const m_observer;
 };
 
 FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
@@ -83,10 +78,8 @@ FileCheck::FileCheck(QIODevice& device, const CheckOptions& options)
               return control == nullptr ? ruleForAll() : control->file();
           },
           options.endMonth, Conversion::Purpose::Judge),
-      m_context{m_reader,    m_package,          m_walk,       m_conversion, options.endMonth,
-                m_sentinels, m_report.findings,  m_recovery,   m_lines,      options.control,
-                m_years,     options.maxMissing, m_firstSteps, m_missing,    m_foundSentinels},
-      m_observer(options.observer)
+      m_context{options, m_report.findings, m_sentinels, m_reader,    m_package,
+                m_walk,  m_conversion,      m_years,     m_firstSteps}
 {
     // The findings of such a file may have to make way for one.
     if (!m_otherFile.isEmpty()) {
@@ -120,8 +113,8 @@ void FileCheck::checkSection()
     } else if (m_walk.place() == HtsWalk::Place::Slot) {
         m_report.slotCount += m_walk.runIndex() == 0 ? 1 : 0;
         forEach(&TopicCheck::slotRead);
-        if (m_observer != nullptr)
-            m_observer->slotRead(m_context);
+        if (CheckObserver* observer = m_context.options.observer)
+            observer->slotRead(m_context);
     } else if (m_walk.place() == HtsWalk::Place::EndOfRun) {
         forEach(&TopicCheck::runEnded);
     }
@@ -130,14 +123,14 @@ void FileCheck::checkSection()
 void FileCheck::runRead()
 {
     ++m_report.runCount;
-    m_recovery.runRead();
-    m_lines.setEndLine(m_reader.lineNumber() - m_walk.run().timesteps.size());
-    m_years.beginRun(m_walk.run(), m_conversion, m_context.endMonth);
+    m_context.recovery.runRead();
+    m_context.lines.setEndLine(m_reader.lineNumber() - m_walk.run().timesteps.size());
+    m_years.beginRun(m_walk.run(), m_conversion, m_context.options.endMonth);
     if (m_walk.runIndex() == 0)
-        m_firstSteps.emplace(m_walk.run(), m_conversion.firstYears(), m_context.endMonth);
+        m_firstSteps.emplace(m_walk.run(), m_conversion.firstYears(), m_context.options.endMonth);
     forEach(&TopicCheck::runRead);
-    if (m_observer != nullptr)
-        m_observer->runRead(m_context);
+    if (CheckObserver* observer = m_context.options.observer)
+        observer->runRead(m_context);
     m_firstSteps.reset();
 }
 
@@ -154,8 +147,8 @@ void FileCheck::finish()
     m_report.isOtherFile = !hasPreamble && !m_otherFile.isEmpty();
     if (m_report.isOtherFile)
         reportOtherFile(m_otherFile, m_report.conversionMessage, m_report.findings);
-    if (m_observer != nullptr)
-        m_observer->finished(m_context);
+    if (CheckObserver* observer = m_context.options.observer)
+        observer->finished(m_context);
 }
 
 void FileCheck::describePlan()
@@ -168,12 +161,12 @@ void FileCheck::describePlan()
             std::count(years.valueMap.begin(), years.valueMap.end(), 0),
             std::count_if(years.valueMap.begin(), years.valueMap.end(), isLeftOutAtEnd)};
     }
-    if (m_context.control == nullptr)
+    if (m_context.options.control == nullptr)
         return;
     for (const SlotPlan& plan : m_conversion.plans())
         m_report.slotPlan.push_back(
             {plan.objectName, plan.slotName, plan.isSeries, plan.isAnnualized(), plan.method,
-             plan.rule == kNoRule ? 0 : m_context.control->lineOf(plan.rule)});
+             plan.rule == kNoRule ? 0 : m_context.options.control->lineOf(plan.rule)});
 }
 
 } // namespace

@@ -32,7 +32,7 @@ private:
     // Whether the slots of this run get their methods from a control file.
     bool isAssigning() const
     {
-        return m_context.control != nullptr && m_context.walk.runIndex() == 0;
+        return m_context.options.control != nullptr && m_context.walk.runIndex() == 0;
     }
     void reportSlot(const HtsSlot& slot);
 
@@ -44,8 +44,8 @@ void MethodCheck::slotRead()
     if (!isAssigning())
         return;
     const HtsSlot& slot = m_context.walk.slot();
-    m_context.control->noteSlot(slot, m_context.conversion.plans().constLast().rule);
-    if (m_context.control->file().status.ok() && slot.isSeries())
+    m_context.options.control->noteSlot(slot, m_context.conversion.plans().constLast().rule);
+    if (m_context.options.control->file().status.ok() && slot.isSeries())
         reportSlot(slot);
 }
 
@@ -70,13 +70,13 @@ void MethodCheck::runEnded()
 {
     m_endOfRun = m_context.lineNumber();
     if (isAssigning())
-        m_context.control->noteEndOfFirstRun();
+        m_context.options.control->noteEndOfFirstRun();
 }
 
 void MethodCheck::finish()
 {
-    if (m_context.control != nullptr && m_endOfRun == 0)
-        m_context.control->noteUnknownSlots();
+    if (m_context.options.control != nullptr && m_endOfRun == 0)
+        m_context.options.control->noteUnknownSlots();
     const Conversion& conversion = m_context.conversion;
     const bool isPlanned = m_context.walk.status().ok() && !m_context.walk.isTableWithoutEnd() &&
                            conversion.firstYears().status.ok();
@@ -85,8 +85,8 @@ void MethodCheck::finish()
         return;
     // Not the reader's line: what follows the last run has been read too.
     add(kNothingToConvert, m_endOfRun, "%1%2",
-        m_context.control != nullptr ? "no series slot has a method"
-                                     : "the first run has no series slot",
+        m_context.options.control != nullptr ? "no series slot has a method"
+                                             : "the first run has no series slot",
         conversionFails(conversion.verdict().message));
 }
 

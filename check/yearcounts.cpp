@@ -64,7 +64,7 @@ void YearCounts::slotRead(const CheckContext& context)
         counts = &m_aggValues.years();
     }
     Q_ASSERT(counts->size() == m_years.size());
-    const bool hasMethod = isConverted && context.control != nullptr;
+    const bool hasMethod = isConverted && context.options.control != nullptr;
     const AggMethod* method =
         hasMethod ? context.conversion.plans().at(outcome.slot).method : nullptr;
     m_method = method == nullptr ? QByteArray() : csvField(method->word);

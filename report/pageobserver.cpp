@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "check/checkcontext.h"
+#include "check/control.h"
 #include "check/runsteps.h"
 #include "hts/datetimetext.h"
 
@@ -47,7 +48,7 @@ void PageObserver::runRead(const CheckContext& context)
     const RunSteps& steps = context.firstSteps.value();
     const std::vector<float> places = placesOf(steps);
     if (steps.isWhole())
-        placeYears(context.endMonth);
+        placeYears(context.options.endMonth);
     m_columns = ChartColumns(places, takeGaps(steps));
     for (const RunYear& year : m_model.years)
         m_yearColumns.push_back(m_columns.indexOf(year.first));
@@ -167,7 +168,8 @@ void PageObserver::addSlot(const CheckContext& context)
     slot.annualUnits = plan.annualSlot(read).units.value(0);
     slot.scale = read.scales.value(0);
     slot.method = plan.method;
-    slot.ruleLine = context.control == nullptr ? 0 : context.control->lineOf(plan.rule);
+    slot.ruleLine =
+        context.options.control == nullptr ? 0 : context.options.control->lineOf(plan.rule);
     slot.firstLine = context.lines.firstLine();
     slot.lastLine = context.lastLine();
     addValues(context, slot);
@@ -177,7 +179,7 @@ namespace {
 
 bool isDoubtful(const CheckContext& context, const RunYear& year, qint64 lacking)
 {
-    const MaxMissing& maximum = context.maxMissing;
+    const MaxMissing& maximum = context.options.maxMissing;
     const StepLength& length = context.years.stepLength();
     if (!maximum.isSet() || !maximum.isFor(length))
         return lacking > 0;
