@@ -111,9 +111,10 @@ Envelope::Envelope(const ChartColumns& columns, const HtsColumn& values,
 std::size_t Envelope::indexOf(double value, const ChartColumns& columns, const HtsColumn& values,
                               std::size_t first, std::size_t end, std::size_t column) const
 {
-    Q_ASSERT(column == columns.indexOf(first));
+    Q_ASSERT(m_columns.size() == columns.list().size() && column == columns.indexOf(first));
     const float wanted = drawn(value);
-    for (; column < m_columns.size(); ++column) {
+    for (;; ++column) {
+        Q_ASSERT(column < m_columns.size());
         const Column& range = m_columns[column];
         if (wanted < range.low || wanted > range.high)
             continue;
@@ -124,6 +125,4 @@ std::size_t Envelope::indexOf(double value, const ChartColumns& columns, const H
                 return step;
         }
     }
-    Q_UNREACHABLE();
-    return end;
 }

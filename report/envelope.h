@@ -77,6 +77,7 @@ public:
     template<typename IsSentinel>
     void markSentinels(const ChartColumns& columns, const HtsColumn& values, IsSentinel isSentinel)
     {
+        Q_ASSERT(m_columns.size() == columns.list().size());
         for (std::size_t i = 0; i < m_columns.size(); ++i) {
             const ChartColumns::Column& steps = columns.list()[i];
             const std::size_t end = std::min(steps.end, values.size());

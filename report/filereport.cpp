@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
 
 #include "annualize/months.h"
 #include "check/control.h"
@@ -82,7 +83,7 @@ void writePage(QIODevice& output, const ReportRequest& request, std::vector<Page
         add("A year may lack", request.maxMissing.text());
     QStringList sentinels;
     for (const double sentinel : request.sentinels)
-        sentinels.append(QString::number(sentinel));
+        sentinels.append(QString::number(sentinel, 'g', QLocale::FloatingPointShortest));
     if (!sentinels.isEmpty())
         add("Mark missing values", sentinels.join(QLatin1String(", ")));
     if (request.shown.pattern != QLatin1String("*"))

@@ -70,7 +70,7 @@ struct PageModel
 {
     // Of the first run.
     QStringList timesteps;
-    HtmlTexts stepTexts;       // the timesteps, for the tables
+    HtmlTexts stepTexts;       // the timesteps, for the tables of the slots
     QStringList yearTimesteps; // the last timestep of each year
     int runCount = 0;          // of all runs
     std::vector<RunYear> years;

@@ -41,7 +41,6 @@ void PageObserver::runRead(const CheckContext& context)
         return;
     const HtsRun& run = context.walk.run();
     m_model.timesteps = run.timesteps;
-    m_model.stepTexts = HtmlTexts(run.timesteps);
     m_model.years = context.years.years();
     if (!m_model.years.empty())
         m_model.yearTimesteps = context.conversion.firstYears().timesteps;
@@ -256,6 +255,8 @@ int PageObserver::slotOfLine(qint64 line) const
 
 void PageObserver::finished(const CheckContext& context)
 {
+    if (!m_model.slots.empty())
+        m_model.stepTexts = HtmlTexts(m_model.timesteps);
     const std::vector<Finding>& kept = context.findings.kept();
     m_slotsOfFindings.resize(kept.size(), -1);
     for (std::size_t i = 0; i < kept.size(); ++i) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QLocale>
+
 #include "annualize/aggmethods.h"
 #include "check/filecheck.h"
 #include "hts/htsslot.h"
@@ -76,8 +78,9 @@ QByteArray about(const PageSlot& slot)
                       htmlText(slot.units, kMaxUnits);
     if (slot.annualUnits != slot.units)
         html += " to " + htmlText(slot.annualUnits, 2 * kMaxUnits);
-    html += ", scale " + QByteArray::number(slot.scale) + "; lines " +
-            QByteArray::number(slot.firstLine) + " to " + QByteArray::number(slot.lastLine);
+    html += ", scale " + QByteArray::number(slot.scale, 'g', QLocale::FloatingPointShortest) +
+            "; lines " + QByteArray::number(slot.firstLine) + " to " +
+            QByteArray::number(slot.lastLine);
     if (!slot.objectType.isEmpty())
         html += "; of type " + htmlText(slot.objectType, kMaxUnits);
     html += "</p>\n";

@@ -23,6 +23,7 @@ public:
         write(QStringLiteral("c.txt"), methods());
         write(QStringLiteral("cut.hts"), input().left(5000));
         write(QStringLiteral("pond.hts"), sourceFile("tests/tool/files/pond.hts"));
+        write(QStringLiteral("pond.txt"), sourceFile("tests/tool/files/pond_methods.txt"));
         write(QStringLiteral("page.html"), "before");
     }
 
@@ -44,6 +45,8 @@ class ReportTest : public QObject
 
 private Q_SLOTS:
     void pageIsBesideTheInput();
+    void pageSaysWhatWasAskedFor_data();
+    void pageSaysWhatWasAskedFor();
     void isValidHtml();
     void pipeGivesTheSamePage();
     void noHashSeedChangesAnything();
@@ -64,6 +67,39 @@ void ReportTest::pageIsBesideTheInput()
         QVERIFY2(page.contains(part), part.constData());
     run.start("report a.hts -c c.txt -y 9 -o -");
     QCOMPARE(run.output, page);
+}
+
+void ReportTest::pageSaysWhatWasAskedFor_data()
+{
+    addColumns<const char*, const char*, QByteArray>("edit", "options", "part");
+    addRows<const char*, const char*, QByteArray>({
+        {"nothing", "", "", "<dt>Years end with</dt><dd>December</dd>\n<dt>Written</dt>"},
+        {"all", "", "--max-missing 10% --sentinel 0 --sentinel -9999999.5 --slots 'M*'",
+         "<dt>Years end with</dt><dd>December</dd>\n<dt>A year may lack</dt><dd>10%</dd>\n"
+         "<dt>Mark missing values</dt><dd>0, -9999999.5</dd>\n<dt>Slots shown</dt><dd>M*</dd>\n"
+         "<dt>Written</dt>"},
+        {"zero is a sentinel", "s/^-999$/0/", "--sentinel 0",
+         "2 values may mark missing ones: 0</p>"},
+        {"zero is a number", "s/^-999$/0/", "",
+         "<td>Average</td><td class=\"n f\">1</td><td class=\"n\">0</td><td class=\"n\">0</td>"},
+        {"year lacks no more", "", "--max-missing 2",
+         "<td class=\"n\">10 of 12</td><td class=\"n\">2</td>"},
+        {"year lacks more", "", "--max-missing 1",
+         "<td class=\"n f\">10 of 12</td><td class=\"n f\">2</td>"},
+        {"scale", "s/^scale: 1/scale: 0.028316846592/", "", ", scale 0.028316846592; "},
+    });
+}
+
+void ReportTest::pageSaysWhatWasAskedFor()
+{
+    QFETCH(QString, edit);
+    QFETCH(QString, options);
+    QFETCH(QByteArray, part);
+    ReportRun run;
+    run.startShell(QStringLiteral("sed '%1' pond.hts > e.hts; $PROGRAM report e.hts -c pond.txt "
+                                  "-o - %2")
+                       .arg(edit, options));
+    QVERIFY2(run.output.contains(part), run.output.constData());
 }
 
 void ReportTest::isValidHtml()
