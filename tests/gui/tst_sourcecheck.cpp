@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QCryptographicHash>
 #include <QFile>
+#include <QFileDialog>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTreeWidget>
@@ -103,6 +104,7 @@ private Q_SLOTS:
         const QByteArray page = readFile(path);
         QVERIFY(page.startsWith("<!DOCTYPE html>") && page.endsWith("</html>\n"));
         QVERIFY(page.contains("<dt>Years end with</dt><dd>December</dd>"));
+        QVERIFY(page.contains(" UTC by HTS Annualizer 1.1</dd>"));
         QVERIFY(page.contains("</span> Converts</p>"));
         QCOMPARE(page.count("<section class=\"slot\""), 2);
         const QString source = f.path("monthly.hts");
@@ -121,8 +123,20 @@ private Q_SLOTS:
     {
         const CheckFixture f;
         const auto trigger = [&f] { f.action("&Report...")->trigger(); };
-        QVERIFY(actThrough(trigger, {cancel()}));
+        QStringList asked;
+        const Step readDialog = [&asked](QWidget& window) {
+            const auto& dialog = dynamic_cast<QFileDialog&>(window);
+            asked =
+                QStringList(dialog.windowTitle()) + dialog.nameFilters() + dialog.selectedFiles();
+            window.close();
+        };
+        f.lineEdit("_sourceHtsLineEdit")->setText(f.path("50%1.of.hts"));
+        QVERIFY(actThrough(trigger, {readDialog}));
+        QCOMPARE(asked,
+                 QStringList({QStringLiteral("Save Report"), QStringLiteral("HTML Files (*.html)"),
+                              QStringLiteral("All Files (*)"), f.path("50%1.of.html")}));
         const QString source = f.path("monthly.hts");
+        f.lineEdit("_sourceHtsLineEdit")->setText(source);
         const QByteArray before = readFile(source);
         Box box;
         QVERIFY(actThrough(trigger, {typePath(source), click(QMessageBox::Yes), readBox(&box)}));
@@ -260,6 +274,7 @@ private Q_SLOTS:
             const char* control;
             const char* title;
             const char* text;
+            bool isReport = false; // also a page is to be written
         } rows[] = {
             {"", "methods.txt", "Incomplete Information", "Source File name is not specified"},
             {"$HTS_UNDEFINED.hts", "methods.txt", "Information Error",
@@ -269,6 +284,9 @@ private Q_SLOTS:
             {"missing.hts", "", "Annualizer Configuration Error", notOpened.constData()},
             {"long.hts", "methods.txt", "Check HTS Error",
              "Problem reading the input hts file: a line is longer than 64 MiB"},
+            {"missing.hts", "methods.txt", "HTS Report Error", notOpened.constData(), true},
+            {"long.hts", "methods.txt", "HTS Report Error",
+             "Problem reading the input hts file: a line is longer than 64 MiB", true},
         };
         for (const auto& row : rows) {
             const CheckFixture f;
@@ -278,7 +296,12 @@ private Q_SLOTS:
             f.enterPaths(QString::fromLatin1(row.source), QString::fromLatin1(row.control),
                          QString());
             Box box;
-            QVERIFY(actThrough([&f] { f.check(); }, {readBox(&box)}));
+            QVector<Step> steps{readBox(&box)};
+            if (row.isReport)
+                steps.prepend(typePath(f.path("page.html")));
+            const char* action = row.isReport ? "&Report..." : "&Source File";
+            QVERIFY(actThrough([&] { f.action(action)->trigger(); }, steps));
+            QVERIFY(!QFile::exists(f.path("page.html")));
             const QString text = QString::fromUtf8(row.text);
             compareWarning(box, row.title, text);
             QVERIFY(box.hasParent);
