@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QtTest>
 
+#include "tests/gui/activewindow.h"
 #include "tests/gui/monthlyexample.h"
 #include "tests/support/wholefile.h"
 #include "utils/messagewatcher.h"
@@ -30,7 +31,7 @@ MainWindow::MainWindow()
     QVERIFY(kIsPrepared && folder.isValid());
     window = std::make_unique<AnnualizeHtsDlg>(&engine, nullptr);
     window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    QVERIFY(becomesActive(*window));
 }
 
 void MainWindow::enterPaths(const QString& source, const QString& control,

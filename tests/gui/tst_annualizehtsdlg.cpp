@@ -16,6 +16,7 @@
 #include <QUrl>
 
 #include "QsLog.h"
+#include "tests/gui/activewindow.h"
 #include "tests/gui/mainwindow.h"
 #include "tests/gui/markingtranslator.h"
 #include "tests/gui/modalwindows.h"
@@ -943,14 +944,11 @@ private Q_SLOTS:
     void showsDiagnosticsWindowInFront()
     {
         const Fixture f;
-        f.click("_diagButton");
-        QVERIFY(QTest::qWaitForWindowActive(f.diagnostics()));
+        const auto showDiagnostics = [&] { f.click("_diagButton"); };
+        QVERIFY(becomesActive(*f.diagnostics(), showDiagnostics));
         // Again, from the main window.
-        f.window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
-        QVERIFY(!f.diagnostics()->isActiveWindow());
-        f.click("_diagButton");
-        QVERIFY(QTest::qWaitForWindowActive(f.diagnostics()));
+        QVERIFY(becomesActive(*f.window));
+        QVERIFY(becomesActive(*f.diagnostics(), showDiagnostics));
 
         f.diagnostics()->showMinimized();
         QVERIFY(f.diagnostics()->isMinimized());
@@ -1028,8 +1026,7 @@ private Q_SLOTS:
         const HelpRecorder recorder(f.folder.path());
         QWidget* widget = f.window->findChild<QWidget*>(way.section(QLatin1Char(' '), -1));
         if (widget == nullptr) {
-            f.click("_diagButton");
-            QVERIFY(QTest::qWaitForWindowActive(f.diagnostics()));
+            QVERIFY(becomesActive(*f.diagnostics(), [&] { f.click("_diagButton"); }));
             widget = f.diagnostics()->findChild<QTreeWidget*>();
         }
         const LogCollector log;

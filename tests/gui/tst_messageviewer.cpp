@@ -21,6 +21,7 @@
 #include <memory>
 
 #include "gui/messageviewer.h"
+#include "tests/gui/activewindow.h"
 #include "tests/gui/markingtranslator.h"
 #include "tests/gui/modalwindows.h"
 #include "tests/support/hostsystem.h"
@@ -131,11 +132,7 @@ struct ViewerFixture
         QVERIFY(QTest::qWaitForWindowExposed(&viewer));
     }
 
-    void activate()
-    {
-        viewer.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&viewer));
-    }
+    void activate() { QVERIFY(becomesActive(viewer)); }
 
     // The width that the first section needs for its header and all rows.
     int neededWidth() const
@@ -993,8 +990,7 @@ void TestMessageViewer::paintsRowsOnALightBackground()
     QWidget other;
     other.show();
     QWidget* front = isActive ? static_cast<QWidget*>(&f.viewer) : &other;
-    front->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(front));
+    QVERIFY(becomesActive(*front));
     f.checkBox->setFocus(); // no focus frame around a row
 
     for (int row = 0; row < f.tree->topLevelItemCount(); row += 2) {
