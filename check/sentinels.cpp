@@ -136,6 +136,7 @@ Sentinels::Sentinels(const std::vector<double>& given)
                      [](const Reading& a, const Reading& b) { return a.value < b.value; });
     const auto isSame = [](const Reading& a, const Reading& b) { return !(a.value < b.value); };
     m_readings.erase(std::unique(m_readings.begin(), m_readings.end(), isSame), m_readings.end());
+    Q_ASSERT(std::adjacent_find(m_readings.begin(), m_readings.end(), isSame) == m_readings.end());
 }
 
 void Sentinels::add(double number, bool isGiven)

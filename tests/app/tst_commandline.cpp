@@ -164,6 +164,18 @@ private Q_SLOTS:
         QCOMPARE(run.read("a.hts"), monthlyFile());
     }
 
+    void logBeginsWithTheLocalTime()
+    {
+        MonthlyRun run;
+        run.set("TZ", QStringLiteral("AAA-5:30"));
+        const QDateTime before = QDateTime::currentDateTimeUtc().addSecs(-1); // in whole seconds
+        run.convert();
+        const QByteArray line = run.read("b.log").split('\n').value(1);
+        const QDateTime written =
+            QDateTime::fromString(QString::fromUtf8(line + " GMT"), Qt::TextDate).addSecs(-19800);
+        QVERIFY2(before <= written && written <= QDateTime::currentDateTimeUtc(), line);
+    }
+
     void noRunHasADisplay()
     {
         for (const char* variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
