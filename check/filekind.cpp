@@ -1,6 +1,7 @@
 #include "check/filekind.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 #include <vector>
 
@@ -75,9 +76,9 @@ bool isUtf16(const QByteArray& block)
         return true;
     if (!block.contains('\0'))
         return false;
-    int nuls[2] = {0, 0};
+    std::array<int, 2> nuls = {0, 0};
     for (int i = 0; i < block.size(); ++i)
-        nuls[i % 2] += block.at(i) == '\0' ? 1 : 0;
+        nuls[static_cast<std::size_t>(i % 2)] += block.at(i) == '\0' ? 1 : 0;
     const int half = static_cast<int>(block.size()) / 2;
     const int most = half - half / 10;
     return half > 1 && std::max(nuls[0], nuls[1]) >= most &&
@@ -129,19 +130,20 @@ bool isHtsLine(const QByteArray& line)
     return !nearestWord(start, knownLinesOf(ReaderObserver::Section::PackagePreamble)).isEmpty();
 }
 
-// The lines, stripped, without empty ones and without the last of a whole block, which may be cut.
+// The lines, stripped, without empty ones. Of more than one in a whole block the last, which may be
+// cut, is left out.
 QByteArrayList linesOf(const QByteArray& block)
 {
     QByteArrayList lines;
-    const auto lastEnd = block.size() < kBlockSize ? -1 : block.lastIndexOf('\n');
-    const auto end = lastEnd < 0 ? block.size() : lastEnd;
-    for (const QByteArray& line : block.left(end).split('\n')) {
+    for (const QByteArray& line : block.split('\n')) {
         const std::string_view bytes =
             stripped({line.constData(), static_cast<std::size_t>(line.size())});
         const std::string_view text = textBytes(bytes);
         if (!text.empty())
             lines.append(QByteArray(text.data(), static_cast<int>(text.size())));
     }
+    if (block.size() == kBlockSize && lines.size() > 1)
+        lines.removeLast();
     return lines;
 }
 

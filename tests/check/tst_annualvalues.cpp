@@ -128,6 +128,7 @@ private Q_SLOTS:
     void readsMaxMissing();
     void yearsThatLackMore_data();
     void yearsThatLackMore();
+    void saysOnceThatARuleIsNotForWeeks();
 
 private:
     QString control(const QByteArray& method) const;
@@ -300,9 +301,26 @@ void AnnualValuesTest::knowsUnitsPerSecond_data()
 {
     QTest::addColumn<QByteArray>("units");
     QTest::addColumn<bool>("isRate");
-    for (const char* units :
-         {"cms", "CFS", "1000 cfs", "kcfs", "cumecs", "m3/s", "m\u00b3/s", "ft3/sec", "L/s", "lps",
-          "m3 s-1", "m3 s^-1", "m\u00b3 s\u207b\u00b9", "cubic feet per second", "m3/second"})
+    for (const char* units : {"cms",
+                              "CFS",
+                              "1000 cfs",
+                              "kcfs",
+                              "cumecs",
+                              "m3/s",
+                              "m\u00b3/s",
+                              "ft3/sec",
+                              "L/s",
+                              "lps",
+                              "m3 s-1",
+                              "m3 s^-1",
+                              "m\u00b3 s\u207b\u00b9",
+                              "cubic feet per second",
+                              "m3/second",
+                              "cumec",
+                              "cusec",
+                              "1000 cusecs",
+                              "m3 per sec",
+                              "m3 s**-1"})
         QTest::newRow(units) << QByteArray(units) << true;
     for (const char* units : {"m3", "acre-feet", "mm/day", "m3/month", "cms-day", "cfs days",
                               "1000 m3", "s", "ms", "mgd"})
@@ -400,6 +418,16 @@ void AnnualValuesTest::yearsThatLackMore()
         const QStringList all = findings(text, method, maxMissing);
         QCOMPARE(all.filter(QStringLiteral("too-many-missing")), wanted);
     }
+}
+
+void AnnualValuesTest::saysOnceThatARuleIsNotForWeeks()
+{
+    const auto weeksOf = [](const QByteArray& value) {
+        return Series{"week", 1, instant("2001-1-6 24:00"), repeated(value, 52)};
+    };
+    QCOMPARE(findings(fileOf({weeksOf("1"), weeksOf("2")}), "Sum", QStringLiteral("wmo")),
+             QStringList{QStringLiteral("wmo-steps: the rule wmo is for days and months, not for "
+                                        "steps of 1 \"week\": no year is judged by it")});
 }
 
 HTS_TEST(AnnualValuesTest, NoApplication)

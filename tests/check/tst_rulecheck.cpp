@@ -148,14 +148,15 @@ void RuleCheckTest::methodThatMayBeMeant_data()
         const char* method; // null if none may be meant
         const char* texts;
     } kRows[] = {
-        {"Sum", "Total;sums;Sume;Sum # of the year;Sum, daily;cumulative;S um"},
+        {"Sum", "Total;tota;sums;Sume;Sum # of the year;Sum, daily;cumulativ;accumulate;S um"},
         {"SumNaN", "sum_nan;Sum NaN;SumNa;NaNSum;totalnan;total-NaN"},
         {"Average", "Mean;avg;AVE;Avarage;Averaged;mean (daily)"},
         {"AverageNaN", "nanmean;MeanNaN;average nan;avg_nan"},
-        {"Max", "Maximum;maximun;peak"},
+        {"Max", "Maximum;maximun;maximu;highes;larges;peak"},
+        {"Min", "minimu;lowes;smalles"},
         {"MinNaN", "MinimumNaN;nan min"},
-        {"End", "last;Final;end of year;Ends"},
-        {"Begin", "first;start;initial;Begins;Bgein"},
+        {"End", "last;Final;fina;end of year;endofyea;Ends"},
+        {"Begin", "first;firs;start;star;initial;initia;begining;Begins;Bgein"},
         {"Salinity", "Salinty"},
         {nullptr, "Median;StdDev;P90;42;# Sum;none;linear"},
     };
