@@ -54,6 +54,18 @@ private Q_SLOTS:
                  }));
     }
 
+    // With Qt 6 local 8-bit is always UTF-8.
+    void argumentsOfTheLocaleHaveItsEncoding()
+    {
+        const bool isLatin1 = UtilsNS::setTextEncoding("ISO-8859-1");
+        const auto restore = qScopeGuard([] { UtilsNS::setTextEncoding({}); });
+        QCOMPARE(isLatin1, qVersion()[0] == '5');
+        using UtilsNS::Encoding;
+        QCOMPARE(UtilsNS::argumentText("\xe9", Encoding::Utf8), lone("\xe9"));
+        QCOMPARE(UtilsNS::argumentText("\xe9", Encoding::OfLocale),
+                 isLatin1 ? QStringLiteral("\u00e9") : lone("\xe9"));
+    }
+
 private:
     // A surrogate for each byte.
     static QString lone(const QByteArray& bytes)
