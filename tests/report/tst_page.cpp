@@ -1,4 +1,4 @@
-// Whole pages: those of two small files, names that are markup, the numbers of the tables, and how
+// Whole pages: those of small files, names that are markup, the numbers of the tables, and how
 // large a page may be.
 
 #include <QBuffer>
@@ -29,14 +29,24 @@ FileReport reportOn(const QByteArray& text, const QString& controlPath, int endM
     return checkForPage(source, request);
 }
 
-// A page about an input with a control file, both as texts.
+Status compareWith(const QByteArray& result, FileReport& report)
+{
+    QBuffer annual;
+    annual.setData(result);
+    annual.open(QIODevice::ReadOnly | QIODevice::Text);
+    return compareResult(annual, report);
+}
+
+// A page about an input with a control file, and with a result unless it is empty, all as texts.
 QByteArray pageOf(const QByteArray& text, const QByteArray& methods, int endMonth = 12,
-                  const ShownSlots& shown = {})
+                  const ShownSlots& shown = {}, const QByteArray& result = {})
 {
     const QTemporaryDir folder;
     const QString controlPath = folder.filePath(QStringLiteral("methods.txt"));
     writeFile(controlPath, methods);
-    const FileReport report = reportOn(text, controlPath, endMonth, shown);
+    FileReport report = reportOn(text, controlPath, endMonth, shown);
+    if (!result.isEmpty() && !compareWith(result, report).ok())
+        qFatal("no result");
     const QDateTime noon(QDate(2026, 1, 2), QTime(12, 0), Qt::UTC);
     PageFacts facts;
     facts.program = QStringLiteral("htstool");
@@ -60,15 +70,16 @@ QByteArray withoutStyle(QByteArray page)
     return page.remove(hash, page.indexOf('\'', hash + 1) + 1 - hash);
 }
 
-// `count` slots of `years` years of months. One in 24 values is missing, and the others are far
-// apart, so that all of a chart is drawn.
-QByteArray largeFile(int count, int years, const QByteArray& name)
+// `count` slots of `years` years of months, but for one of each year if it is given. One in 24
+// values is missing, and the others are far apart, so that all of a chart is drawn.
+QByteArray largeFile(int count, int years, const QByteArray& name, int absentMonth = 0)
 {
-    const int steps = 12 * years;
     QByteArray times;
     QByteArray values;
-    for (int i = 0; i < steps; ++i) {
+    for (int i = 0; i < 12 * years; ++i) {
         const QDate month = QDate(1900, 1, 1).addMonths(i);
+        if (month.month() == absentMonth)
+            continue;
         times += month.toString(QStringLiteral("yyyy-M-")).toLatin1() +
                  QByteArray::number(month.daysInMonth()) + " 24:00\n";
         const double value = i % 24 == 0 ? qQNaN() : (i * 7919) % 10007 / 7.0;
@@ -76,7 +87,7 @@ QByteArray largeFile(int count, int years, const QByteArray& name)
     }
     QByteArray text = "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nstart:1900-1-31 24:00\n"
                       "time_step_unit:month\ntime_steps:" +
-                      QByteArray::number(steps) + "\nEND_RUN_PREAMBLE\n" + times;
+                      QByteArray::number(times.count('\n')) + "\nEND_RUN_PREAMBLE\n" + times;
     for (int i = 0; i < count; ++i)
         text += "object_name: " + name + "\nslot_name: " + QByteArray::number(i) +
                 "\nEND_SLOT_PREAMBLE\nunits: m3\nscale: 1\n" + values + "END_COLUMN\nEND_SLOT\n";
@@ -102,6 +113,8 @@ private Q_SLOTS:
     void pagesAreSmall();
     void slotsAreLeftOut_data();
     void slotsAreLeftOut();
+    void listsAreCut_data();
+    void listsAreCut();
     void verdictIsShown_data();
     void verdictIsShown();
 };
@@ -113,6 +126,7 @@ void PageTest::pagesAreWhole_data()
         {"average-of-part", "tests/check/files/average-of-part.hts",
          "tests/check/files/average-of-part.txt", 12},
         {"pond", "tests/tool/files/pond.hts", "tests/tool/files/pond_methods.txt", 9},
+        {"runs", "tests/report/files/runs.hts", "tests/report/files/runs.txt", 9},
     });
 }
 
@@ -241,9 +255,7 @@ void PageTest::resultIsCompared()
     QVERIFY(from.isEmpty() || result.contains(from));
     result.replace(from, to);
     FileReport report = reportOn(text, methods, 9);
-    QBuffer annual(&result);
-    annual.open(QIODevice::ReadOnly | QIODevice::Text);
-    QVERIFY(compareResult(annual, report).ok());
+    QVERIFY(compareWith(result, report).ok());
     QTEST(report.model.differences.join(QLatin1Char('|')), "differences");
     QCOMPARE(report.model.differenceCount, report.model.differences.size());
 }
@@ -288,6 +300,38 @@ void PageTest::slotsAreLeftOut()
     QCOMPARE(page.count(QLatin1String("<section class=\"slot\"")), count);
     QVERIFY(page.contains(text));
     QCOMPARE(page.contains(QLatin1String("not shown")), !text.isEmpty());
+}
+
+void PageTest::listsAreCut_data()
+{
+    addColumns<QByteArray, QByteArray, QByteArray, int, QByteArray>("input", "result", "item",
+                                                                    "count", "more");
+    const QByteArray none = "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\nEND_RUN\n";
+    addRows<QByteArray, QByteArray, QByteArray, int, QByteArray>({
+        {"40 slots left out", largeFile(41, 2, "Lake"), "", "<li><bdi>Lake.", 40, ""},
+        {"41", largeFile(42, 2, "Lake"), "", "<li><bdi>Lake.", 40, "<li>1 more</li>"},
+        {"20 gaps", largeFile(1, 20, "Lake", 4), "", "<li>Gap: ", 20, ""},
+        {"100 gaps", largeFile(1, 100, "Lake", 4), "", "h2v4h-2z", 100, "<li>80 more gaps.</li>"},
+        {"101", largeFile(1, 101, "Lake", 4), "", "h2v4h-2z", 100, "<li>81 more gaps.</li>"},
+        {"20 short years", largeFile(1, 20, "Lake", 4), "", "<li>The year ", 20, ""},
+        {"21", largeFile(1, 21, "Lake", 4), "", "<li>The year ", 20, "<li>1 more such years.</li>"},
+        {"40 differences", largeFile(39, 1, "Lake"), none, "<li>the result has no ", 39, ""},
+        {"41", largeFile(40, 1, "Lake"), none, "<li>the result has no ", 39, "<li>1 more</li>"},
+    });
+}
+
+void PageTest::listsAreCut()
+{
+    QFETCH(QByteArray, input);
+    QFETCH(QByteArray, result);
+    QFETCH(QByteArray, item);
+    QFETCH(int, count);
+    QFETCH(QByteArray, more);
+    const QByteArray page =
+        pageOf(input, result.isEmpty() ? "Lake.0: Sum" : "*.*: Sum", 12, {}, result);
+    QCOMPARE(page.count(item), count);
+    QVERIFY(page.contains(more));
+    QCOMPARE(page.contains("<li>1 more"), more.startsWith("<li>1 more"));
 }
 
 void PageTest::verdictIsShown_data()
