@@ -11,7 +11,6 @@ template<typename Keys>
 std::vector<QLatin1String> linesOf(const Keys& keys, std::initializer_list<QLatin1String> endLines)
 {
     std::vector<QLatin1String> lines;
-    lines.reserve(keys.size() + endLines.size());
     for (const auto& key : keys)
         lines.push_back(key.key);
     lines.insert(lines.end(), endLines);

@@ -204,11 +204,10 @@ void RunCheck::addFirstSlot(const HtsSlot& slot)
     FirstSlot first{slot.objectType, slot.objectName, slot.slotName, slot.units.value(0),
                     slot.scales.value(0)};
     // Neighbouring slots mostly have the same texts.
-    if (!m_slots.empty()) {
-        shareIfEqual(first.objectType, m_slots.back().objectType);
-        shareIfEqual(first.objectName, m_slots.back().objectName);
-        shareIfEqual(first.slotName, m_slots.back().slotName);
-        shareIfEqual(first.units, m_slots.back().units);
+    for (QString FirstSlot::*text : {&FirstSlot::objectType, &FirstSlot::objectName,
+                                     &FirstSlot::slotName, &FirstSlot::units}) {
+        if (!m_slots.empty())
+            shareIfEqual(first.*text, m_slots.back().*text);
     }
     m_slots.push_back(first);
 }

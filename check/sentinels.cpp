@@ -23,11 +23,6 @@ constexpr double kNegative[] = {
     -999.99, -9998.0, -9999.9, -9999.99, -32767.0, -2147483648.0, -2147483647.0,
 };
 
-bool isFinite(double value)
-{
-    return std::fabs(value) <= std::numeric_limits<double>::max();
-}
-
 // What is read from a text of that many digits of a number.
 double asPrinted(double number, int digits)
 {
@@ -141,7 +136,7 @@ Sentinels::Sentinels(const std::vector<double>& given)
 
 void Sentinels::add(double number, bool isGiven)
 {
-    Q_ASSERT(isFinite(number));
+    Q_ASSERT(std::isfinite(number));
     for (const double value : readingsOf(number)) {
         m_readings.push_back({value, number, isGiven});
         const std::size_t index = filterIndex(value);
@@ -205,7 +200,7 @@ void Sentinels::forEachOther(const Slot& slot, Take take) const
     for (std::size_t i = 0; i < slot.count; ++i) {
         if (noNumber != end && *noNumber == i)
             ++noNumber;
-        else if (isFinite(slot.values[i]) && readingOf(slot.values[i]) == nullptr)
+        else if (std::isfinite(slot.values[i]) && readingOf(slot.values[i]) == nullptr)
             take(slot.values[i]);
     }
 }
