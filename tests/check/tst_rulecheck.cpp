@@ -158,7 +158,7 @@ void RuleCheckTest::methodThatMayBeMeant_data()
         {"End", "last;Final;fina;end of year;endofyea;Ends"},
         {"Begin", "first;firs;start;star;initial;initia;begining;Begins;Bgein"},
         {"Salinity", "Salinty"},
-        {nullptr, "Median;StdDev;P90;42;# Sum;none;linear"},
+        {nullptr, "Median;StdDev;P90;42;# Sum;none;linear;least;peek"},
     };
     for (const auto& row : kRows) {
         for (const QString& text : QString::fromLatin1(row.texts).split(QLatin1Char(';')))
