@@ -530,10 +530,8 @@ void HtstoolTest::explainsEveryCode()
                               "them.\n"
                               "  What to do: Add the timesteps, with `NaN` for their values.\n"));
     run.start("explain --all");
+    QCOMPARE(run.output.split('\n'), sourceFile("tests/tool/files/explain-all.txt").split('\n'));
     QVERIFY(run.output.contains(text));
-    const QByteArray all = '\n' + run.output;
-    for (const FindingKind* kind : allKinds())
-        QCOMPARE(all.count('\n' + QByteArray(kind->code) + ": "), 1);
     QCOMPARE(run.exitCode, 0);
     run.start("explain step-missing column-header -f markdown");
     QCOMPARE(run.output, QByteArray("| code | severity | meaning |\n|---|---|---|\n"
