@@ -297,6 +297,7 @@ private Q_SLOTS:
         addRows<QByteArray, int, double>({{"whole text", "12.25", 5, 12.25},
                                           {"up to the line end", "12.25\n3", 5, 12.25},
                                           {"up to a letter", "12abc", 2, 12.0},
+                                          {"no digit before the point", ".5\n", 2, 0.5},
                                           {"minus", "-3\n", 2, -3.0}});
         for (const char* text :
              {"", "-", "+1", " 1", "nan", "-nan", "inf", "-inf", "infinity", "1e400", "."})

@@ -60,6 +60,8 @@ class ImportTest : public QObject
 private Q_SLOTS:
     void readsTables_data();
     void readsTables();
+    void firstMebibyteMayEndAnywhere();
+    void longSummariesAreCut();
     void wrongTablesAreRefused_data();
     void wrongTablesAreRefused();
     void wrongUsageIsRefused_data();
@@ -108,6 +110,62 @@ void ImportTest::readsTables()
         QVERIFY2(line.endsWith("[no-complete-year]") || line.endsWith("[already-annual]") ||
                      line.endsWith("[run-timing]"),
                  line.constData());
+}
+
+// The form of a table is found in its first mebibyte, of which the last row may be cut off.
+void ImportTest::firstMebibyteMayEndAnywhere()
+{
+    const QByteArray head = "date,A.B [m]\n2000-01-01,1\n";
+    const QByteArray rest = "2000-01-02,\"2\"\n2000-01-03,3\n";
+    ImportRun run;
+    run.import(head + rest, words("--step day"));
+    const QByteArray file = run.read(QStringLiteral("out.hts"));
+    for (int cut = 0; cut <= rest.size(); cut += 3) {
+        const QByteArray comment = '#' + QByteArray((1 << 20) - head.size() - cut - 2, 'x') + '\n';
+        run.import(comment + head + rest, words("--step day"));
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(run.read(QStringLiteral("out.hts")), file);
+    }
+}
+
+// After ten runs, slots and gaps.
+void ImportTest::longSummariesAreCut()
+{
+    for (const int count : {10, 11}) {
+        QString table = QStringLiteral("run,trace,time");
+        QString runs, slots, gaps, rows;
+        for (int i = 1; i <= count; ++i) {
+            table += QStringLiteral(",A.S%1 [m]").arg(i);
+            for (const char* day : {"01", "03"})
+                rows += QStringLiteral("\n%1,,2000-01-%2T00:00:00").arg(i).arg(QLatin1String(day)) +
+                        QStringLiteral(",1").repeated(count);
+            if (i > 10)
+                continue;
+            runs +=
+                QStringLiteral("table.csv: run %1: steps of 1 day: 3, which end 1999-12-31 24:00 "
+                               "to 2000-1-2 24:00\n")
+                    .arg(i);
+            slots += QStringLiteral("table.csv: slot A.S%1 [m]\n").arg(i);
+            gaps += QStringLiteral("table.csv: missing for A.S1 of run %1 and %2 more: 2000-1-1 "
+                                   "24:00\n")
+                        .arg(i)
+                        .arg(count - 1);
+        }
+        const bool isCut = count > 10;
+        ImportRun run;
+        run.import((table + rows).toUtf8(), words("--step day"));
+        QCOMPARE(QString::fromUtf8(run.errors).section(QLatin1Char('\n'), 1),
+                 runs + slots +
+                     QLatin1String(isCut ? "table.csv: runs in all: 11\n"
+                                           "table.csv: slots in all: 11\n"
+                                         : "") +
+                     QStringLiteral("table.csv: values: %1, missing of them: 0\n")
+                         .arg(2 * count * count) +
+                     gaps + QLatin1String(isCut ? "table.csv: ...\n" : "") +
+                     QStringLiteral("htstool: table.csv: steps are missing, and with them values: "
+                                    "%1; --fill makes them missing values; nothing is imported\n")
+                         .arg(count * count));
+    }
 }
 
 void ImportTest::wrongTablesAreRefused_data()
