@@ -91,10 +91,11 @@ const AggMethod* findMethod(const QString& word)
 
 const AggMethod* findMethodIgnoringCase(std::string_view word)
 {
-    // Only ASCII letters have two cases here: for the toolkit a long s would equal an s.
+    // Only ASCII letters have two cases here: for the toolkit a long s would equal an s. All
+    // characters of the words are such letters.
     const auto isSameLetter = [](char given, QChar letter) {
-        const auto lower = [](ushort c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
-        return lower(static_cast<uchar>(given)) == lower(letter.unicode());
+        constexpr int kLowerCase = 0x20;
+        return (static_cast<uchar>(given) | kLowerCase) == (letter.unicode() | kLowerCase);
     };
     return findIf([&](const AggMethod& method) {
         return word.size() == static_cast<std::size_t>(method.word.size()) &&

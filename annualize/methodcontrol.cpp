@@ -259,8 +259,6 @@ MatchingRules MethodControl::matchingRules(const HtsSlot& slot) const
         if (rule != kNoRule)
             rules.append(rule);
     });
-    std::sort(rules.begin(), rules.end());
-    rules.erase(std::unique(rules.begin(), rules.end()), rules.end());
     return rules;
 }
 

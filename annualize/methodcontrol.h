@@ -77,7 +77,7 @@ public:
     // The first rule for the same object and slot.
     RuleId firstLike(RuleId rule) const;
     // Of the rules that match the slot, the first for each combination of a name, a type and "*",
-    // in the order of the file.
+    // in no order; one is there twice if an object and its type have the same name.
     MatchingRules matchingRules(const HtsSlot& slot) const;
 
 private:

@@ -91,6 +91,8 @@ private Q_SLOTS:
                               {"blank before", " Sum"},
                               {"blank after", "Sum "},
                               {"suffix alone", "NaN"},
+                              {"letter that differs in one bit", "Lin"},
+                              {"sign with the bits of a letter", "-in"},
                               {"long s", "\xc5\xbfum"},
                               {"dotted capital i", "M\xc4\xb0n"},
                               {"dotless small i", "M\xc4\xb1n"},
