@@ -91,11 +91,12 @@ const AggMethod* findMethod(const QString& word)
 
 const AggMethod* findMethodIgnoringCase(std::string_view word)
 {
-    // Only ASCII letters have two cases here: for the toolkit a long s would equal an s. All
-    // characters of the words are such letters.
+    // Words are ASCII letters, whose cases differ in one bit. For the toolkit a long s would equal
+    // an s.
     const auto isSameLetter = [](char given, QChar letter) {
-        constexpr int kLowerCase = 0x20;
-        return (static_cast<uchar>(given) | kLowerCase) == (letter.unicode() | kLowerCase);
+        constexpr int kCase = 'a' ^ 'A';
+        Q_ASSERT(letter.unicode() < 0x80 && letter.isLetter());
+        return (static_cast<uchar>(given) | kCase) == (letter.unicode() | kCase);
     };
     return findIf([&](const AggMethod& method) {
         return word.size() == static_cast<std::size_t>(method.word.size()) &&

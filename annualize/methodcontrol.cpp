@@ -27,13 +27,17 @@ bool startsWith(std::string_view bytes, std::string_view start)
     return bytes.substr(0, start.size()) == start;
 }
 
-void appendName(QByteArray& rules, std::string_view name)
+using NameBuffer = QVarLengthArray<char, 100>;
+
+void appendName(NameBuffer& bytes, std::string_view name)
 {
-    if (isAscii(name))
-        rules.append(name.data(), static_cast<int>(name.size()));
-    else
-        rules += toText(name).toUtf8();
-    rules += '\n';
+    if (isAscii(name)) {
+        bytes.append(name.data(), static_cast<int>(name.size()));
+    } else {
+        const QByteArray utf8 = toText(name).toUtf8();
+        bytes.append(utf8.constData(), utf8.size());
+    }
+    bytes.append('\n');
 }
 
 // A name of a slot as the rules have names. As no rule is for an empty name, that stands for a name
@@ -66,7 +70,7 @@ public:
     }
 
 private:
-    QVarLengthArray<char, 100> m_bytes;
+    NameBuffer m_bytes;
 };
 
 Status failureOf(RuleFault fault, std::string_view line)
@@ -165,9 +169,11 @@ RuleId MethodControl::append(const MethodRule& rule)
     const RuleId id = m_rules.size();
     const std::ptrdiff_t method = rule.method - aggMethods().data();
     Q_ASSERT(method >= 0 && method <= std::numeric_limits<char>::max());
-    m_rules += static_cast<char>(method);
-    appendName(m_rules, rule.object);
-    appendName(m_rules, rule.slot);
+    NameBuffer bytes;
+    bytes.append(static_cast<char>(method));
+    appendName(bytes, rule.object);
+    appendName(bytes, rule.slot);
+    m_rules.append(bytes.constData(), bytes.size());
     ++m_ruleCount;
     m_hasRuleForAnyObject = m_hasRuleForAnyObject || rule.object == "*";
     m_hasRuleForAnySlot = m_hasRuleForAnySlot || rule.slot == "*";

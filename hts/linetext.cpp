@@ -10,26 +10,12 @@ constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
 // Well within what a QString holds, whose size is an int and whose memory counts in bytes.
 constexpr std::size_t kMaxBytes = std::numeric_limits<int>::max() / 4;
 
-bool isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
 bool hasByteOrderMark(std::string_view bytes)
 {
     return bytes.substr(0, kByteOrderMark.size()) == kByteOrderMark;
 }
 
 } // namespace
-
-std::string_view stripped(std::string_view bytes)
-{
-    while (!bytes.empty() && isSpace(bytes.front()))
-        bytes.remove_prefix(1);
-    while (!bytes.empty() && isSpace(bytes.back()))
-        bytes.remove_suffix(1);
-    return bytes;
-}
 
 std::string_view textBytes(std::string_view line)
 {

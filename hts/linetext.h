@@ -11,8 +11,21 @@
 //
 // Keys are ASCII, so they are compared as bytes and only what is kept becomes a QString.
 
-// The bytes without white space (blank, tab, CR, LF, VT, FF) at both ends.
-std::string_view stripped(std::string_view bytes);
+// Blank, tab, CR, LF, VT or FF.
+inline bool isLineSpace(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+// The bytes without white space at both ends. Inline, for every line is stripped.
+inline std::string_view stripped(std::string_view bytes)
+{
+    while (!bytes.empty() && isLineSpace(bytes.front()))
+        bytes.remove_prefix(1);
+    while (!bytes.empty() && isLineSpace(bytes.back()))
+        bytes.remove_suffix(1);
+    return bytes;
+}
 
 // The bytes of a stripped line that make its text, half a gigabyte at most. Empty exactly when the
 // text is.
