@@ -172,8 +172,8 @@ void ImportTest::wrongTablesAreRefused_data()
 {
     addColumns<QByteArray, QString, QByteArray>("table", "arguments", "message");
     const auto row = [](const char* name, const QByteArray& table, const char* arguments,
-                        const char* message) {
-        QTest::newRow(name) << table << QString::fromLatin1(arguments) << QByteArray(message);
+                        const QByteArray& message) {
+        QTest::newRow(name) << table << QString::fromLatin1(arguments) << message;
     };
     row("empty", "", "",
         "no tab, semicolon, bar or comma separates columns; is there a table? --separator says "
@@ -201,10 +201,9 @@ void ImportTest::wrongTablesAreRefused_data()
         "says what marks a missing value, --column which columns have values");
     for (const char* value : {"inf", "-nan", "0x10", "1e400", "1_0", "--1"})
         row(value, days(QByteArray("1 ") + value), "",
-            QByteArray("line 3, column 2 (\"A.B [m]\"): \"" + QByteArray(value) +
-                       "\" is not a number with a decimal point; --missing says what marks a "
-                       "missing value, --column which columns have values")
-                .constData());
+            "line 3, column 2 (\"A.B [m]\"): \"" + QByteArray(value) +
+                "\" is not a number with a decimal point; --missing says what marks a missing "
+                "value, --column which columns have values");
     row("bad date", "date,A.B [m]\n2000-02-28,1\n2000-02-30,1\n", "",
         "line 3, column 1 (\"date\"): \"2000-02-30\" is not a time as YYYY-MM-DD");
     row("slashes", "date,A.B [m]\n1/2/2000,1\n", "--time date",
@@ -243,15 +242,35 @@ void ImportTest::wrongTablesAreRefused_data()
         "--fill --step minute --stamp end",
         "line 4, column 1 (\"date\"): 5258437919 steps are missing between 0001-1-2 24:00 and "
         "9999-1-1 24:00");
+    row("too far", "time,A.B [m]\n2000-01-01 00:00,1\n2000-01-01 00:01,1\n2019-01-05 10:43,1\n",
+        "--stamp end",
+        "line 4, column 1 (\"time\"): 10000001 steps are missing between 2000-1-1 0:01 and "
+        "2019-1-5 10:43");
+    row("series far apart",
+        "time,object,slot,units,value\n0001-01-01,A,B,m,1\n9999-01-01,A,C,m,1\n",
+        "--step minute --stamp end", "a run has 5258439361 steps, more than an HTS file can have");
+    row("long steps", "date,A.B [m]\n0001-01-02,1\n9999-01-06,1\n", "--stamp end",
+        "line 3, column 1 (\"date\"): the step ends at 9999-1-6 24:00, which is no whole number of "
+        "steps of 1000000 day from 0001-1-2 24:00; --step says how long steps are");
+    row("before the year 1", "time,A.B [m]\n0001-01-01 00:00,1\n0001-01-01 01:00,1\n",
+        "--stamp end",
+        "line 2, column 1 (\"time\"): the step ends before the year 1 or after 9999");
     row("after 9999", "year;A.B [m]\n9998;1\n9999;1\n",
         "--time year --step \"2 year\" --stamp begin",
         "line 3, column 1 (\"year\"): the step ends before the year 1 or after 9999");
     row("no object", "date,value\n2000-01-01,1\n", "",
         "column 2 (\"value\"): the object is not known; --object names it, or --column \"value\" "
         "with = and Object.Slot [units]; --column also chooses columns");
-    row("no units", "date,A.B\n2000-01-01,1\n", "",
-        "column 2 (\"A.B\"): the units are not known; --units names them, or --column \"A.B\" with "
-        "= and Object.Slot [units]; --column also chooses columns");
+    for (const char* name : {"[m]", ".B [m]", "A. [m]"})
+        row(name, "date," + QByteArray(name) + "\n2000-01-01,1\n", "",
+            "column 2 (\"" + QByteArray(name) +
+                "\"): the object is not known; --object names it, or --column \"" + name +
+                "\" with = and Object.Slot [units]; --column also chooses columns");
+    for (const char* name : {"A.B", "A.B m]", "A.B [m]]"})
+        row(name, "date," + QByteArray(name) + "\n2000-01-01,1\n", "",
+            "column 2 (\"" + QByteArray(name) +
+                "\"): the units are not known; --units names them, or --column \"" + name +
+                "\" with = and Object.Slot [units]; --column also chooses columns");
     row("thousands or decimals", "date;A.B [m]\n2000-01-01;1,234\n2000-01-02;12,345\n", "",
         "commas in values may be decimal commas or may group thousands; --decimal says comma or "
         "point");
@@ -260,6 +279,27 @@ void ImportTest::wrongTablesAreRefused_data()
     row("long without object", "time,slot,value\n2000-01-01,Q,1\n", "",
         "no column has the objects; name it with --as object=COLUMN, or the only object with "
         "--object");
+    row("long without slot", "time,object,value\n2000-01-01,A,1\n", "--units m",
+        "no column has the slots; name it with --as slot=COLUMN, or the only slot with --slot");
+    row("column of a long table", "time,slot,value\n2000-01-01,Q,1\n", "--column value",
+        "--column is for a table with a column for each slot; this one has a column of values");
+    row("role in a wide table", days("1 2"), "--as \"units=A.B [m]\"",
+        "--as units is for a table with a column of values and one of their objects or slots");
+    row("no column of values", "run,time\n1,2000-01-01\n", "", "no column has values");
+    row("wider header", "date,A.B [m],x\n2000-01-01,1\n2000-01-02,1\n", "",
+        "line 2: the row has 2 columns, and the header 3; --header says what the first lines hold");
+    for (const int count : {19, 20}) {
+        QByteArray table = "date";
+        QByteArray names = "\"date\"";
+        for (int i = 1; i <= count; ++i) {
+            table += ",c" + QByteArray::number(i);
+            if (i < 20)
+                names += ", \"c" + QByteArray::number(i) + '"';
+        }
+        row(count < 20 ? "20 columns" : "21 columns",
+            table + "\n2000-01-01" + QByteArray(",1").repeated(count) + '\n', "--time x",
+            "no column has the name \"x\"; there are " + names + (count < 20 ? "" : ", ..."));
+    }
     const QByteArray kLong = "run,trace,object,slot,units,time,value,slot_type,scale\n";
     row("bad trace", kLong + "1,x,A,B,m,2000-01-01,1,,\n1,x,A,B,m,2000-01-02,1,,\n", "",
         "line 2, column 2 (\"trace\"): the trace \"x\" is not an integer");
