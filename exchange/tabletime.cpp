@@ -238,13 +238,9 @@ bool TimePattern::readAny(std::string_view text, Values& values) const
 
 std::optional<TimePattern::Time> TimePattern::read(std::string_view text) const
 {
-    constexpr Values kFirst = {0, 1, 1, 0, 0, 0};
-    Values values = kFirst;
-    if (!readPadded(text, values)) {
-        values = kFirst;
-        if (!readAny(text, values))
-            return {};
-    }
+    Values values = {0, 1, 1, 0, 0, 0}; // of fields that the pattern lacks
+    if (!readPadded(text, values) && !readAny(text, values))
+        return {};
     const auto [year, month, day, hour, minute, second] = values;
     const bool isHour24 = hour == 24 && minute == 0;
     if (!isDate(year, month, day) || (hour > 23 && !isHour24) || minute > 59 || second != 0)

@@ -83,6 +83,8 @@ void TableTimeTest::patternsReadTimes_data()
              {"YYYY-MM-DD hh:mm", "2000-01-01 6:5", ""},
              {"YYYY-MM-DD hh:mm", "2000-01-01   6:05", "2000-1-1 6:05"},
              {"YYYYMMDDhhmm", "200001012359", "2000-1-1 23:59"},
+             {"YYYYMMDDZ", "20000131Z", "2000-1-30 24:00"},
+             {"YYYYMMDDZ", "20000131T", ""},
              {"YYYY", "2000", "1999-12-31 24:00"},
              {"YYYY", "0000", ""},
          })
