@@ -498,6 +498,18 @@ private Q_SLOTS:
         }
     }
 
+    // Of those that are not longer than all before them.
+    void lastRowsOfManyAreMeasured()
+    {
+        for (const int distance : {200, 201}) { // from the end
+            ViewerFixture f;
+            for (int left = 3000; left > 0; --left)
+                f.add({QString(20, QLatin1Char(left == distance ? 'W' : 'i'))});
+            QApplication::processEvents();
+            QCOMPARE(f.tree->columnWidth(0) == f.neededWidth(), distance == 200);
+        }
+    }
+
     void sectionsFitRowsAfterClear()
     {
         ViewerFixture f;
@@ -593,9 +605,16 @@ private Q_SLOTS:
     {
         ViewerFixture f;
         const auto* timer = f.viewer.findChild<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
-        f.addLines(400);
+        f.addLines(50); // a short list
+        QVERIFY(!timer->isActive());
+        f.addLines(350);
         QVERIFY(timer->isActive());
+        QCOMPARE(timer->interval(), 0);
+        QTRY_COMPARE(timer->interval(), 100); // the pause after an update
         QTRY_VERIFY(!timer->isActive());
+        f.action("Clear")->trigger();
+        f.addLines(51);
+        QVERIFY(timer->isActive());
     }
 
     void resizingKeepsTheLastRow()
