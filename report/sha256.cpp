@@ -26,7 +26,7 @@ QByteArray Sha256::takeHex()
     if (m_library == nullptr)
         return m_toolkit.result().toHex();
     constexpr int kSize = 32;
-    QByteArray hash(kSize, '\0');
+    QByteArray hash(kSize, Qt::Uninitialized);
     unsigned int size = 0;
     if (m_library->finish(m_context.get(), reinterpret_cast<unsigned char*>(hash.data()), &size) !=
         1)

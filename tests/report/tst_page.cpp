@@ -126,7 +126,9 @@ void PageTest::pagesAreWhole_data()
         {"average-of-part", "tests/check/files/average-of-part.hts",
          "tests/check/files/average-of-part.txt", 12},
         {"pond", "tests/tool/files/pond.hts", "tests/tool/files/pond_methods.txt", 9},
-        {"runs", "tests/report/files/runs.hts", "tests/report/files/runs.txt", 9},
+        {"no-complete-year", "tests/check/files/no-complete-year.hts",
+         "tests/check/files/sum-of-part.txt", 12},
+        {"runs", "tests/report/files/runs.hts", "tests/report/files/runs_methods.txt", 9},
     });
 }
 
@@ -283,9 +285,14 @@ void PageTest::slotsAreLeftOut_data()
     addColumns<const char*, int, int, const char*>("pattern", "maxCount", "count", "text");
     addRows<const char*, int, int, const char*>({
         {"all", "*", 200, 4, ""},
-        {"some", "Lake.[12]", 200, 0, "4 slots that are converted are not shown"},
-        {"one", "*.3", 200, 1, "3 slots that are converted are not shown"},
-        {"too many", "*", 3, 3, "1 slot that is converted is not shown: <code>--all-slots"},
+        {"some", "Lake.[12]", 200, 0,
+         "<p class=\"rest\">4 slots that are converted are not shown: <code>--slots</code> asks "
+         "for "
+         "others.</p>\n</section>"},
+        {"one", "*.3", 200, 1, "3 slots that are converted are not shown: <code>--slots</code>"},
+        {"too many", "*", 3, 3,
+         "<p class=\"rest\">1 slot that is converted is not shown: <code>--all-slots</code> shows "
+         "all, <code>--slots</code> those of a name.</p>\n</section>"},
     });
 }
 
@@ -309,14 +316,26 @@ void PageTest::listsAreCut_data()
     const QByteArray none = "number_of_runs:1\nEND_PACKAGE_PREAMBLE\nEND_RUN_PREAMBLE\nEND_RUN\n";
     addRows<QByteArray, QByteArray, QByteArray, int, QByteArray>({
         {"40 slots left out", largeFile(41, 2, "Lake"), "", "<li><bdi>Lake.", 40, ""},
-        {"41", largeFile(42, 2, "Lake"), "", "<li><bdi>Lake.", 40, "<li>1 more</li>"},
+        {"41 slots", largeFile(42, 2, "Lake"), "", "<li><bdi>Lake.", 40,
+         "<li>1 more</li>\n</ul>\n</section>"},
         {"20 gaps", largeFile(1, 20, "Lake", 4), "", "<li>Gap: ", 20, ""},
         {"100 gaps", largeFile(1, 100, "Lake", 4), "", "h2v4h-2z", 100, "<li>80 more gaps.</li>"},
         {"101", largeFile(1, 101, "Lake", 4), "", "h2v4h-2z", 100, "<li>81 more gaps.</li>"},
         {"20 short years", largeFile(1, 20, "Lake", 4), "", "<li>The year ", 20, ""},
         {"21", largeFile(1, 21, "Lake", 4), "", "<li>The year ", 20, "<li>1 more such years.</li>"},
         {"40 differences", largeFile(39, 1, "Lake"), none, "<li>the result has no ", 39, ""},
-        {"41", largeFile(40, 1, "Lake"), none, "<li>the result has no ", 39, "<li>1 more</li>"},
+        {"41", largeFile(40, 1, "Lake"), none, "<li>the result has no ", 39,
+         "<li>1 more</li>\n</ul>\n<p class=\"advice\">What to do: Convert the input again, with "
+         "these methods and this month, or find out which of them the file is from.</p></div>\n"
+         "<h3>"},
+        {"differences", largeFile(39, 1, "Lake"), none, "The annual file is not", 1,
+         "<h3>Result</h3>\n<div class=\"finding\"><p><b class=\"warning\">warning</b> The annual "
+         "file is not what a conversion gives; its values are shown.</p>\n<ul>\n<li>run 1 of the "
+         "result has other years: 0 from  to </li>\n<li>the result has no Lake.0</li>\n<li>"},
+        {"findings", largeFile(1, 26, "Lake").replace("nan", "x"), "", "x&quot; is not a number",
+         10, "<li>3 more, which <code>htstool check --all</code> lists</li>\n</ul>\n"},
+        {"kinds", largeFile(12, 2, QByteArray(3000, '&')), "", "1 of 24 values of ", 7,
+         "<p><b class=\"note\">note</b> <code>slot-without-rule</code>: 11</p>\n<h3>"},
     });
 }
 
@@ -328,7 +347,7 @@ void PageTest::listsAreCut()
     QFETCH(int, count);
     QFETCH(QByteArray, more);
     const QByteArray page =
-        pageOf(input, result.isEmpty() ? "Lake.0: Sum" : "*.*: Sum", 12, {}, result);
+        pageOf(input, result.isEmpty() ? "*.0: Sum" : "*.*: Sum", 12, {}, result);
     QCOMPARE(page.count(item), count);
     QVERIFY(page.contains(more));
     QCOMPARE(page.contains("<li>1 more"), more.startsWith("<li>1 more"));
@@ -362,8 +381,12 @@ void PageTest::verdictIsShown()
     QFETCH(QByteArray, methods);
     QFETCH(QByteArray, verdict);
     const QByteArray page = pageOf(input, methods);
-    QVERIFY2(page.contains("</span> " + verdict + "</p>"),
-             page.mid(page.indexOf("<p class=\"verdict"), 300));
+    const bool isGood = verdict == "Converts";
+    const QByteArray mark = isGood ? "good\"><span aria-hidden=\"true\">&#10004;</span> "
+                                   : "bad\"><span aria-hidden=\"true\">&#10008;</span> ";
+    const int at = page.indexOf("<p class=\"verdict ");
+    const QByteArray expected = mark + verdict + "</p>\n<ul";
+    QCOMPARE(page.mid(at + 18, expected.size()), expected);
     QVERIFY(page.endsWith("</main>\n</body>\n</html>\n"));
 }
 

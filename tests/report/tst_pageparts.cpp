@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <limits>
 
+#include <QLibrary>
 #include <QtTest>
 
 #include "report/axis.h"
 #include "report/backgroundsha256.h"
+#include "report/chart.h"
 #include "report/envelope.h"
 #include "report/htmltext.h"
 #include "report/numberfield.h"
@@ -45,6 +47,8 @@ private Q_SLOTS:
     void envelopeFindsValues();
     void envelopeKnowsWhatIsMissing();
     void columnsFollowTheTimes();
+    void lineGoesTheShortWay_data();
+    void lineGoesTheShortWay();
     void bandHasTheMedian();
     void pathIsShort();
 };
@@ -202,6 +206,7 @@ void PagePartsTest::hashesAreThoseOfTheStandard()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, expected);
+    QCOMPARE(cryptoLibrary() != nullptr, QLibrary(QStringLiteral("crypto"), 3).load());
     for (const CryptoLibrary* library :
          {cryptoLibrary(), static_cast<const CryptoLibrary*>(nullptr)}) {
         for (const int step : {7, 64, 65536}) {
@@ -288,6 +293,29 @@ void PagePartsTest::columnsFollowTheTimes()
         ranges += QStringLiteral("%1: %2 to %3; ").arg(column.x).arg(column.begin).arg(column.end);
     QCOMPARE(ranges, QStringLiteral("0: 0 to 2; 320: 2 to 4; 639: 4 to 6; "));
     QVERIFY(ChartColumns(std::vector<float>()).list().empty());
+}
+
+void PagePartsTest::lineGoesTheShortWay_data()
+{
+    addColumns<std::vector<float>, HtsColumn, QByteArray>("places", "values", "path");
+    addRows<std::vector<float>, HtsColumn, QByteArray>({
+        {"down and up", {0, 0.5, 0.5, 1, 1}, {10, 0, 10, 0, 10}, "M0 0h320v720h319v-720"},
+        {"up and down", {0, 0.5, 0.5, 1, 1}, {0, 10, 0, 10, 0}, "M0 720h320v-720h319v720"},
+        {"same way", {0, 0.5, 0.5, 1}, {5, 0, 10, 5}, "M0 360l320-360v720l319-360"},
+        {"first column", {0, 0, 1}, {10, 0, 0}, "M0 0v720h639"},
+        {"one value", {0.5}, {1}, "M320 240h0"},
+    });
+}
+
+void PagePartsTest::lineGoesTheShortWay()
+{
+    QFETCH(std::vector<float>, places);
+    QFETCH(HtsColumn, values);
+    QFETCH(QByteArray, path);
+    PageSlot slot;
+    slot.envelope = Envelope(ChartColumns(places), values, {});
+    const QByteArray chart = slotChart(PageModel(), slot, {});
+    QVERIFY2(chart.contains("class=\"input\" d=\"" + path + "\""), chart.constData());
 }
 
 void PagePartsTest::bandHasTheMedian()
