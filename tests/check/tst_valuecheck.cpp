@@ -81,6 +81,7 @@ private Q_SLOTS:
     void findsInNumbers();
     void findsSentinelsAsPrinted_data();
     void findsSentinelsAsPrinted();
+    void findsSentinelsAtAnyPlace();
     void takesOtherSentinels();
     void findsInLines_data();
     void findsInLines();
@@ -184,6 +185,20 @@ void ValueCheckTest::findsSentinelsAsPrinted()
     QFETCH(QByteArray, number);
     const QStringList expected{sentinel(10, number.constData(), 2)};
     QCOMPARE(findingsIn({printed, printed}), number.isEmpty() ? QStringList() : expected);
+}
+
+void ValueCheckTest::findsSentinelsAtAnyPlace()
+{
+    for (int size = 2; size < 12; ++size) {
+        for (int place = 0; place < size; ++place) {
+            for (const char* number : {"-999", "9999"}) {
+                QByteArrayList lines(QVector<QByteArray>(size, "5").toList());
+                lines[place] = number;
+                QCOMPARE(findingsIn(lines),
+                         QStringList{farSentinel(10 + place, number, "once", "5 to 5")});
+            }
+        }
+    }
 }
 
 void ValueCheckTest::takesOtherSentinels()
