@@ -115,7 +115,8 @@ Status ImportedRuns::beginStretch(std::size_t series, qint64 step)
             QStringLiteral("%1 steps are missing between %2 and %3")
                 .arg(QString::number(step - to.next), stamp(run, to.next - 1), stamp(run, step)));
     addMissing(series, to.next, step);
-    m_spool.append(series, kMissing, step - to.next);
+    if (m_isFilled) // else finish() fails
+        m_spool.append(series, kMissing, step - to.next);
     to.next = step;
     return {};
 }

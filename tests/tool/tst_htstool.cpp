@@ -736,6 +736,11 @@ void HtstoolTest::exportsWhatIsAskedFor_data()
     row("tables", kMixedFile, "--tables",
         "run,trace,object,slot,object_type,slot_type,units,scale,row,value\n"
         "1,7,Lake,Area,R,ScalarSlot,km2,1,,12.25\n1,7,Lake,T,R,TableSlot,,,1,1 2\n");
+    row("run before one that is cut off",
+        QByteArray(kMixedFile).left(QByteArray(kMixedFile).indexOf("END_RUN\n") + 8),
+        "--run 1 --tables",
+        "run,trace,object,slot,object_type,slot_type,units,scale,row,value\n"
+        "1,7,Lake,Area,R,ScalarSlot,km2,1,,12.25\n1,7,Lake,T,R,TableSlot,,,1,1 2\n");
     row("safe tables", QByteArray(kMixedFile).replace("\n1 2\n", "\n-1 2\n").replace("12.25", "-1"),
         "--tables --safe",
         "run,trace,object,slot,object_type,slot_type,units,scale,row,value\n"
@@ -758,6 +763,10 @@ void HtstoolTest::exportsWhatIsAskedFor_data()
         {"month\nunit_quantity:-3", {"2000-3-30 24:00"}, {"2000-02-29T00:00:00,2000"}},
         {"month\nunit_quantity:2147483647", {"2000-3-30 24:00"}, {"1999-03-31T00:00:00,2000"}},
         {"week\nunit_quantity:2147483647", {"2000-3-30 24:00"}, {",2000"}},
+        {"month", {"0001-1-30 24:00"}, {",1"}},
+        {"day",
+         {"0001-1-1 24:00", "0001-1-1 24:00"},
+         {"0001-01-01T00:00:00,1", "0001-01-01T00:00:00,1"}},
         // The day of a month is not lost; a gap is not a step; nor is one that goes back.
         {"month",
          {"2001-1-30 24:00", "2001-2-27 24:00", "2001-5-30 24:00", "2001-4-30 24:00"},

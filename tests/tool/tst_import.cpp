@@ -242,6 +242,9 @@ void ImportTest::wrongTablesAreRefused_data()
         "--fill --step minute --stamp end",
         "line 4, column 1 (\"date\"): 5258437919 steps are missing between 0001-1-2 24:00 and "
         "9999-1-1 24:00");
+    row("just not too far",
+        "time,A.B [m]\n2000-01-01 00:00,1\n2000-01-01 00:01,1\n2019-01-05 10:42,1\n", "--stamp end",
+        "steps are missing, and with them values: 10000000; --fill makes them missing values");
     row("too far", "time,A.B [m]\n2000-01-01 00:00,1\n2000-01-01 00:01,1\n2019-01-05 10:43,1\n",
         "--stamp end",
         "line 4, column 1 (\"time\"): 10000001 steps are missing between 2000-1-1 0:01 and "
