@@ -82,12 +82,16 @@ void CsvReaderTest::readsRows_data()
         {"runs of blanks", " ", "  a  b\tc \r\nd \"e f\" \n g\n", "1: a|b|c\n2: d|e f\n3: g"},
         {"repeated", ",", "a,b,1\na,b,2\na,b,\nab,b,3\na,b\na,b,4,\n\na,b,5\n",
          "1: a|b|1\n2: a|b|2\n3: a|b|\n4: ab|b|3\n5: a|b\n6: a|b|4|\n8: a|b|5"},
+        {"repeated after a short row", ",", "a,b,1\na\na,b,2\n", "1: a|b|1\n2: a\n3: a|b|2"},
         {"repeated quotes", ",", "\"a\",b,1\n\"a\",b,2\n\"a\n\",b,3\n\"a\n\",b,4\n",
          "1: a|b|1\n2: a|b|2\n3: a\n|b|3\n5: a\n|b|4"},
         {"open quote", ",", "a,\"b\n", kOpen},
         {"doubled at the end", ",", "a,\"b\"\"", kOpen},
         {"text after", ",", "a,\"b\"c\n", kAfter},
         {"return after", ",", "a,\"b\"\rc\n", kAfter},
+        {"text after, in a run of blanks", " ", "a \"b \"c d\n", kAfter},
+        {"return at the end", ",", "a,b\r", "1: a|b"},
+        {"quotes and blanks at the end", " ", "a \"b c\" \r\nd \"e\"", "1: a|b c\n2: d|e"},
     });
 }
 
