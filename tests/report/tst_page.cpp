@@ -228,31 +228,39 @@ void PageTest::tablesHaveTheResult()
 
 void PageTest::resultIsCompared_data()
 {
-    addColumns<QByteArray, QByteArray, const char*>("from", "to", "differences");
-    addRows<QByteArray, QByteArray, const char*>({
-        {"same", "", "", ""},
-        {"one digit", "4.723110711085", "4.723110711086",
+    addColumns<const char*, QByteArray, QByteArray, const char*>("file", "from", "to",
+                                                                 "differences");
+    const char* const rivers = "examples/rivers_daily";
+    const char* const runs = "tests/report/files/runs";
+    addRows<const char*, QByteArray, QByteArray, const char*>({
+        {"same", rivers, "", "", ""},
+        {"one digit", rivers, "4.723110711085", "4.723110711086",
          "Choptank.Flow differs in 1 year; in 2000 the result has 4.723110711086, a conversion "
          "gives "
          "4.723110711085|run 2: Choptank.Flow differs in 1 year"},
-        {"missing", "1.239903157600", "NaN",
+        {"missing", rivers, "1.239903157600", "NaN",
          "Choptank.Flow differs in 1 year; in 2002 the result has NaN, a conversion gives "
          "1.2399031576|run 2: Choptank.Flow differs in 1 year"},
-        {"name", "slot_name: Storage", "slot_name: %1",
+        {"name", rivers, "slot_name: Storage", "slot_name: %1",
          "the result has Mill Pond.%1, which a conversion does not give|the result has no Mill "
          "Pond.Storage"},
-        {"years", "2011-9-30 24:00\n", "2011-8-31 24:00\n",
+        {"years", rivers, "2011-9-30 24:00\n", "2011-8-31 24:00\n",
          "run 1 of the result has other years: 12 from 2000-9-30 24:00 to 2011-8-31 24:00|run 2 of "
          "the result has other years: 12 from 2000-9-30 24:00 to 2011-8-31 24:00"},
+        {"name in three runs", runs, "slot_name: Level", "slot_name: %1",
+         "the result has Lake.%1, which a conversion does not give|the result has no Lake.Level"},
+        {"third run", runs, "151.800000000000", "2", "run 3: Lake.Flow differs in 1 year"},
+        {"fewer runs", runs, "number_of_runs:3", "number_of_runs:2", "the result has 2 runs of 3"},
     });
 }
 
 void PageTest::resultIsCompared()
 {
+    QFETCH(QString, file);
     QFETCH(QByteArray, from);
     QFETCH(QByteArray, to);
-    const QString methods = QStringLiteral(SOURCE_DIR "/examples/rivers_daily_methods.txt");
-    const QByteArray text = sourceFile(QStringLiteral("examples/rivers_daily.hts"));
+    const QString methods = QStringLiteral(SOURCE_DIR "/%1_methods.txt").arg(file);
+    const QByteArray text = sourceFile(file + QLatin1String(".hts"));
     QByteArray result = convertedText(text, methods, 9).result;
     QVERIFY(from.isEmpty() || result.contains(from));
     result.replace(from, to);

@@ -53,6 +53,40 @@ private Q_SLOTS:
         QCOMPARE(read.problem(), QString());
     }
 
+    // In sparse files, by blocks.
+    void refusesLinesThatAreTooLong()
+    {
+        constexpr qint64 kMax = CheckedFile::kMaxLineSize;
+        const struct
+        {
+            qint64 first; // sizes of two lines, the second without an end
+            qint64 second;
+            bool isTooLong;
+        } rows[] = {{3, kMax, false},
+                    {3, kMax + 1, true},
+                    {kMax, 3, false},
+                    {kMax + 1, 3, true},
+                    {kMax - 9, kMax - 9, false}};
+        for (const auto& row : rows) {
+            const QTemporaryDir folder;
+            QFile written(folder.filePath(QStringLiteral("file")));
+            QVERIFY(written.open(QIODevice::WriteOnly));
+            QVERIFY(written.seek(row.first));
+            written.write("\n");
+            QVERIFY(written.resize(row.first + 1 + row.second));
+            written.close();
+            CheckedFile file(written.fileName());
+            file.limitLines();
+            QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
+            constexpr qint64 kBlock = 1000000;
+            while (!file.read(kBlock).isEmpty()) {
+            }
+            QCOMPARE(file.hasLongLine(), row.isTooLong);
+            QCOMPARE(file.problem(),
+                     row.isTooLong ? QStringLiteral("a line is longer than 64 MiB") : QString());
+        }
+    }
+
     void writeOfNoBytesIsAFailure()
     {
         const QTemporaryDir folder;
