@@ -46,7 +46,6 @@ public:
         }
         for (; i < values.size(); ++i)
             chains[0] = mixed(chains[0], bitsOf(values[i]));
-        m_hash = mixed(m_hash, values.size());
         for (const std::uint64_t chain : chains)
             m_hash = mixed(m_hash, chain);
         m_isEmpty = m_isEmpty && values.empty();

@@ -9,6 +9,7 @@
 RunSteps::RunSteps(const HtsRun& run, const CompleteYears& years, int endMonth)
     : m_run(run), m_years(years), m_endMonth(endMonth), m_length(run.timeStepUnit, run.unitQuantity)
 {
+    Q_ASSERT(years.valueMap.size() == static_cast<std::size_t>(run.timesteps.size()));
     m_steps.reserve(static_cast<std::size_t>(m_run.timesteps.size()));
     for (const QString& timestep : m_run.timesteps) {
         const QDateTime step = textToDateTime(timestep);
@@ -37,16 +38,14 @@ bool RunSteps::isEndOfYear(const QDateTime& instant) const
 bool RunSteps::isInCompleteYear(std::size_t index) const
 {
     const ValueMap& map = m_years.valueMap;
-    const std::int32_t year = index < map.size() ? map[index] : 0;
-    return year >= 1 && year <= m_years.count();
+    return map[index] >= 1 && map[index] <= m_years.count();
 }
 
 std::size_t RunSteps::endOfYearAt(std::size_t index) const
 {
     const ValueMap& map = m_years.valueMap;
-    const std::size_t end = std::min(count(), map.size());
     std::size_t next = index + 1;
-    while (next < end && map[next] == map[index])
+    while (next < count() && map[next] == map[index])
         ++next;
     return next;
 }

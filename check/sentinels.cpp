@@ -211,11 +211,10 @@ std::vector<Sentinels::Occurrence> Sentinels::occurrencesIn(const Slot& slot) co
 template<typename Take>
 void Sentinels::forEachOther(const Slot& slot, Take take) const
 {
-    const std::size_t* noNumber = slot.noNumbers.data();
-    const std::size_t* const end = noNumber + slot.noNumbers.size();
+    std::size_t next = 0; // of the indexes of no numbers
     for (std::size_t i = 0; i < slot.count; ++i) {
-        if (noNumber != end && *noNumber == i)
-            ++noNumber;
+        if (next < slot.noNumbers.size() && slot.noNumbers[next] == i)
+            ++next;
         else if (std::isfinite(slot.values[i]) && readingOf(slot.values[i]) == nullptr)
             take(slot.values[i]);
     }

@@ -10,9 +10,8 @@
 ShortYears::ShortYears(const RunSteps& steps, std::vector<std::size_t> gaps)
     : m_steps(steps), m_gaps(std::move(gaps))
 {
-    const std::size_t count = std::min(steps.count(), steps.years().valueMap.size());
     ShortYear year;
-    for (; year.first < count; year.first = year.end) {
+    for (; year.first < steps.count(); year.first = year.end) {
         year.end = steps.endOfYearAt(year.first);
         year.expected = steps.expectedInYearOf(year.end - 1);
         const bool isShort = static_cast<qint64>(year.count()) < year.expected;
@@ -31,7 +30,7 @@ ShortYears::ShortYears(const RunSteps& steps, std::vector<std::size_t> gaps)
 // Whether a timestep is the next after the one before it, and in the same year.
 bool ShortYears::isConsecutive(std::size_t index) const
 {
-    if (index == 0 || index >= m_steps.count() || m_steps.isBackwards(index))
+    if (index == 0 || index >= m_steps.count())
         return false;
     const QDateTime& step = m_steps.at(index);
     const QDateTime& previous = m_steps.at(index - 1);
@@ -58,7 +57,7 @@ bool ShortYears::comesFrom(const ShortYear& year, std::size_t gap) const
     }
     if (gap == year.first) // the year lacks its beginning, or the rest of it
         return year.isCut || yearStart < length.moved(after, -1);
-    return year.first < gap && gap < year.end;
+    return year.first < gap; // and ends after it
 }
 
 ShortYears::Range ShortYears::yearsOf(std::size_t gap) const
@@ -70,7 +69,7 @@ ShortYears::Range ShortYears::yearsOf(std::size_t gap) const
     while (year != m_years.end() && year->first <= gap && !comesFrom(*year, gap))
         ++year;
     const auto begin = year;
-    while (year != m_years.end() && year->first <= gap && comesFrom(*year, gap))
+    while (year != m_years.end() && comesFrom(*year, gap))
         ++year;
     // The years that catch up, unless there is another gap before they have.
     const auto nextGap = std::upper_bound(m_gaps.begin(), m_gaps.end(), gap);

@@ -13,8 +13,7 @@ bool isEndOfDay(const QString& text)
 // or after them: a timestep that occurs twice may stand for a missing one.
 bool hasAllSteps(const RunSteps& steps, std::size_t first, std::size_t end)
 {
-    const qint64 expected = steps.expectedInYearOf(first);
-    if (expected == 0 || static_cast<qint64>(end - first) < expected)
+    if (static_cast<qint64>(end - first) < steps.expectedInYearOf(first))
         return false;
     const QDateTime yearEnd = steps.yearEndAfter(steps.at(first));
     return steps.length().moved(steps.at(first), -1) <= yearEnd.addYears(-1) &&
@@ -65,7 +64,7 @@ WholeYears wholeYearLeftOutAtEnd(const RunSteps& steps)
 {
     const ValueMap& map = steps.years().valueMap;
     const std::size_t end = steps.count();
-    if (!steps.isWhole() || map.size() != end || map.back() <= steps.years().count())
+    if (!steps.isWhole() || map.back() <= steps.years().count())
         return {};
     const auto first = static_cast<std::size_t>(
         std::lower_bound(map.begin(), map.end(), map.back()) - map.begin());
