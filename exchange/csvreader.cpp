@@ -222,10 +222,10 @@ CsvReader::End CsvReader::readField(const char*& next, const char* end)
     addField(first, next);
     if (isBlankSeparated) {
         next = skipBlanks(next, end);
-        if (next == end && !m_isLastBlock)
-            return End::Missing;
         if (next != end && *next == '\r')
             ++next;
+        if (next == end && !m_isLastBlock)
+            return End::Missing;
         if (next != end && *next != '\n')
             return End::Field;
     }

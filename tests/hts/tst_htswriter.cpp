@@ -386,6 +386,17 @@ private Q_SLOTS:
         }
     }
 
+    // Texts are written in blocks of 64 KiB.
+    void writesTextsOfAnyLength()
+    {
+        for (const int length : {65535, 65536, 65537, 200000}) {
+            HtsSlot slot = series();
+            slot.units[0] = QString(length, QLatin1Char('x'));
+            QVERIFY(writtenColumns(packageOf(slot, 0, {})) ==
+                    "units: " + QByteArray(length, 'x') + "\nscale: 1\nEND_COLUMN\nEND_SLOT\n");
+        }
+    }
+
     void writesLineEndsOfTextMode()
     {
         QBuffer device;

@@ -277,6 +277,10 @@ void ImportTest::wrongTablesAreRefused_data()
     row("thousands or decimals", "date;A.B [m]\n2000-01-01;1,234\n2000-01-02;12,345\n", "",
         "commas in values may be decimal commas or may group thousands; --decimal says comma or "
         "point");
+    row("thousands or decimals in a long table", "time;slot;value\n2000-01-01;Q;1,234\n",
+        "--object A --units m",
+        "commas in values may be decimal commas or may group thousands; --decimal says comma or "
+        "point");
     row("long without units", "time,slot,value\n2000-01-01,Q,1\n", "--object A",
         "no column has the units; name it with --as units=COLUMN, or the only units with --units");
     row("long without object", "time,slot,value\n2000-01-01,Q,1\n", "",
@@ -450,7 +454,8 @@ void ImportTest::numbersComeBackBitForBit()
     }
 }
 
-// More than is kept in memory, with rows by time and by slot.
+// More than is kept in memory, with rows by time and by slot: the last slot begins after a part was
+// written.
 void ImportTest::manyValuesComeBack()
 {
     ImportRun run;
@@ -461,10 +466,10 @@ void ImportTest::manyValuesComeBack()
         BEGIN {
             header = "run,trace,object,slot,units,time,value"
             print header > "by-slot.csv"
-            for (slot = 0; slot < 3; ++slot) for (i = 0; i < 200000; ++i)
+            for (slot = 0; slot < 3; ++slot) for (i = 0; i < 263000; ++i)
                 print row(slot, i) > "by-slot.csv"
             print header > "by-time.csv"
-            for (i = 0; i < 200000; ++i) for (slot = 0; slot < 3; ++slot)
+            for (i = 0; i < 263000; ++i) for (slot = 0; slot < 3; ++slot)
                 print row(slot, i) > "by-time.csv"
         }'
         for order in time slot; do
