@@ -128,6 +128,9 @@ void PageTest::pagesAreWhole_data()
         {"pond", "tests/tool/files/pond.hts", "tests/tool/files/pond_methods.txt", 9},
         {"no-complete-year", "tests/check/files/no-complete-year.hts",
          "tests/check/files/sum-of-part.txt", 12},
+        {"invalid-step", "tests/report/files/invalid-step.hts", "tests/check/files/sum-of-part.txt",
+         12},
+        {"wmo-steps", "tests/check/files/wmo-steps.hts", "tests/check/files/sum-of-rate.txt", 12},
         {"runs", "tests/report/files/runs.hts", "tests/report/files/runs_methods.txt", 9},
     });
 }
