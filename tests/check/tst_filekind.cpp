@@ -1,6 +1,7 @@
 // What a file is that is no HTS file, and that an HTS file with odd first lines is not taken for
 // another.
 
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include "check/filekind.h"
@@ -133,7 +134,10 @@ void FileKindTest::otherFileIsOneFinding()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QString, text);
-    const CheckedText report = checkedText(bytes);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a"));
+    writeFile(path, bytes);
+    const CheckedText report = checkedFile(path);
     QCOMPARE(findingTexts(report),
              QStringList{QLatin1String("1: not-hts: the file ") + text +
                          QLatin1String("; a conversion fails: \"Cannot read package preamble\"")});

@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include <QBuffer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -78,6 +79,7 @@ private Q_SLOTS:
     void methodThatMayBeMeant();
     void plansEachSlot();
     void rulesInAnotherEncoding();
+    void judgesNoRuleByAPartOfTheSlots();
 
 private:
     CheckedText check(const QByteArray& rules, const QByteArray& file) const;
@@ -209,6 +211,26 @@ void RuleCheckTest::rulesInAnotherEncoding()
                  QStringLiteral("control 2: rule-encoding: ") + encoding.arg(QStringLiteral("End")),
                  QStringLiteral("control 2: rule-shadowed: \"B\ufffdr.Flow: End\" is never used, "
                                 "because \"B\ufffdr.Flow: Sum\" of line 1 applies first")}));
+}
+
+// The rule may be for a slot of the file that is cut.
+void RuleCheckTest::judgesNoRuleByAPartOfTheSlots()
+{
+    const QString path = m_folder.filePath(QStringLiteral("c.txt"));
+    writeFile(path, "*.*: Sum\nSea.Level: End\n");
+    ControlCheck control(path);
+    QCOMPARE(control.findings().count(Severity::Note), qint64(0));
+    CheckOptions options;
+    options.control = &control;
+    QVector<qint64> lines;
+    const QByteArray file = fileOf(slotLists().at(""), lines);
+    for (const bool isCut : {false, true}) {
+        QBuffer device;
+        device.setData(file.chopped(isCut ? 8 : 0)); // of the end of the run
+        device.open(QIODevice::ReadOnly);
+        checkFile(device, options);
+        QCOMPARE(control.findings().count(Severity::Note), qint64(isCut ? 0 : 1));
+    }
 }
 
 HTS_TEST(RuleCheckTest, NoApplication)
