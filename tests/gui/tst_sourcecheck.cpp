@@ -169,6 +169,12 @@ private Q_SLOTS:
             << QByteArray() << QByteArray() << monthlyControl() << 12 << years + methods + none;
         QTest::newRow("water years")
             << QByteArray() << QByteArray() << monthlyControl() << 9 << waterYears + methods + none;
+        QTest::newRow("warning of the control file")
+            << QByteArray() << QByteArray() << monthlyControl() + "Lake a.*: Sum\n"
+            << 12
+            << "a methods.txt:3: warning: \"Lake a.*: Sum\" fits no slot; the nearest is "
+               "\"Lake A.*\" [rule-unmatched]\n" +
+                   years + methods + "a monthly.hts: 0 errors, 1 warning, 0 notes\n";
         QTest::newRow("no control file")
             << QByteArray("\n5\n") << QByteArray("\n7,5\n") << QByteArray() << 12
             << QByteArray("a monthly.hts:53: warning: \"7,5\" is not a number and counts as 0; "
