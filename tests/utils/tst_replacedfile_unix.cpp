@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QtTest>
 
 #include "tests/support/filesizelimit_unix.h"
@@ -57,6 +58,41 @@ private Q_SLOTS:
             QCOMPARE(file.finish().message, qt_error_string(EFBIG));
         }
         comparePathAndFolder("before");
+    }
+
+    // A file that somebody has opened and goes on writing to; and a link without a file.
+    void othersAreWrittenDirectly_data()
+    {
+        addColumns<const char*, bool>("path", "isDroppable");
+        addRows<const char*, bool>({{"itself", "FILE", true},
+                                    {"link", "FILE link", true},
+                                    {"link without a file", "FILE new", false},
+                                    {"descriptor", "/dev/fd/FD", false},
+                                    {"of the process", "/proc/self/fd/FD", false},
+                                    {"memory", "MEMORY", true}});
+    }
+    void othersAreWrittenDirectly()
+    {
+        QFETCH(QString, path);
+        QFETCH(bool, isDroppable);
+        QVERIFY(QFile::link(m_path, m_path + QLatin1String(" link")));
+        QVERIFY(QFile::link(m_path + QLatin1String("-2"), m_path + QLatin1String(" new")));
+        QTemporaryFile inMemory(QStringLiteral("/dev/shm/XXXXXX"));
+        if (!inMemory.open() && path == QLatin1String("MEMORY"))
+            QSKIP("there is no such folder");
+        QFile opened(m_path);
+        QVERIFY(opened.open(QIODevice::ReadWrite));
+        path.replace(QLatin1String("FD"), QString::number(opened.handle()))
+            .replace(QLatin1String("MEMORY"), inMemory.fileName())
+            .replace(QLatin1String("FILE"), m_path);
+        ReplacedFile file(path);
+        QCOMPARE(file.open().message, QString());
+        QCOMPARE(file.isDroppable(), isDroppable);
+        QCOMPARE(file.handle() >= 0, !isDroppable);
+        file.device().write("after");
+        QCOMPARE(file.finish().message, QString());
+        QCOMPARE(readFile(path), QByteArray("after"));
+        QCOMPARE(QFileInfo(m_path + QLatin1String(" link")).isSymLink(), true);
     }
 
     void deviceIsWrittenDirectly()
