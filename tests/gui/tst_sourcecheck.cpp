@@ -100,10 +100,11 @@ private Q_SLOTS:
         const CheckFixture f;
         const HelpRecorder recorder(f.folder.path());
         const QString path = f.path("a report.html");
+        f.months()->setCurrentIndex(8);
         QVERIFY(actThrough([&f] { f.action("&Report...")->trigger(); }, {typePath(path)}));
         const QByteArray page = readFile(path);
         QVERIFY(page.startsWith("<!DOCTYPE html>") && page.endsWith("</html>\n"));
-        QVERIFY(page.contains("<dt>Years end with</dt><dd>December</dd>"));
+        QVERIFY(page.contains("<dt>Years end with</dt><dd>September</dd>"));
         QVERIFY(page.contains(" UTC by HTS Annualizer 1.1</dd>"));
         QVERIFY(page.contains("</span> Converts</p>"));
         QCOMPARE(page.count("<section class=\"slot\""), 2);
