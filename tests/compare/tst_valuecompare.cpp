@@ -3,6 +3,7 @@
 
 #include <QtTest>
 
+#include "compare/runindex.h"
 #include "compare/valuecompare.h"
 #include "tests/support/testmain.h"
 
@@ -23,6 +24,7 @@ private Q_SLOTS:
     void numbersAreEqualWithinTheTolerance();
     void remembersTheLargest();
     void comparesRows();
+    void matchesRunsByTraceOrPlace();
 };
 
 void ValueCompareTest::numbersAreEqualWithinTheTolerance()
@@ -115,6 +117,31 @@ void ValueCompareTest::comparesRows()
         QVERIFY2(areRowsEqual(QString::fromLatin1(first), QString::fromLatin1(second), {0.5, 0}) ==
                      areEqual,
                  second);
+}
+
+void ValueCompareTest::matchesRunsByTraceOrPlace()
+{
+    const struct
+    {
+        std::vector<int> first; // traces
+        std::vector<int> second;
+        std::vector<int> matches;
+    } kCases[] = {{{4, 7}, {7, 4}, {1, 0}},
+                  {{4, 7}, {7}, {-1, 0}},
+                  {{4, -1}, {-1}, {0, -1}},
+                  {{4, 4}, {4, 5}, {0, 1}},
+                  {{7}, {4, 4}, {0}},
+                  {{7}, {4, 5}, {-1}},
+                  {{}, {4}, {}},
+                  {{0}, {1, 0}, {1}}};
+    const auto runsOf = [](const std::vector<int>& traces) {
+        std::vector<RunEntry> runs;
+        for (const int trace : traces)
+            runs.push_back({{}, trace, {}});
+        return runs;
+    };
+    for (const auto& [first, second, matches] : kCases)
+        QCOMPARE(matchRuns({runsOf(first), runsOf(second)}), matches);
 }
 
 HTS_TEST(ValueCompareTest, NoApplication)
