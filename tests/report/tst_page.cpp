@@ -395,7 +395,7 @@ void PageTest::verdictIsShown()
     const bool isGood = verdict == "Converts";
     const QByteArray mark = isGood ? "good\"><span aria-hidden=\"true\">&#10004;</span> "
                                    : "bad\"><span aria-hidden=\"true\">&#10008;</span> ";
-    const int at = page.indexOf("<p class=\"verdict ");
+    const auto at = page.indexOf("<p class=\"verdict ");
     const QByteArray expected = mark + verdict + "</p>\n<ul";
     QCOMPARE(page.mid(at + 18, expected.size()), expected);
     QVERIFY(page.endsWith("</main>\n</body>\n</html>\n"));
