@@ -31,6 +31,13 @@ public:
     static QByteArray methods() { return sourceFile("examples/rivers_daily_methods.txt"); }
 };
 
+// The beginning of the row of a file, up to its size.
+QByteArray rowOf(const char* role, const char* path, const QByteArray& content)
+{
+    return QByteArray("<tr><th scope=\"row\">") + role + "</th><td><bdi>" + path +
+           "</bdi></td><td class=\"n\">" + QByteArray::number(content.size()) + "</td><td>";
+}
+
 QByteArray sha256(const QByteArray& text)
 {
     return "<code>" + QCryptographicHash::hash(text, QCryptographicHash::Sha256).toHex() +
@@ -61,12 +68,20 @@ void ReportTest::pageIsBesideTheInput()
     QCOMPARE(run.errors, QByteArray("a.hts: 0 errors, 0 warnings, 4 notes\n"));
     QCOMPARE(run.exitCode, 0);
     const QByteArray page = run.read("a.html");
-    for (const QByteArray& part : {sha256(ReportRun::input()), sha256(ReportRun::methods()),
-                                   QByteArray("1970-01-02 00:00 UTC by htstool " PROJECT_VERSION),
-                                   QByteArray("<dt>Years end with</dt><dd>September</dd>")})
+    const QByteArrayList parts{sha256(ReportRun::input()),
+                               sha256(ReportRun::methods()),
+                               rowOf("Input", "a.hts", ReportRun::input()) + "20",
+                               rowOf("Methods", "c.txt", ReportRun::methods()) + "20",
+                               "1970-01-02 00:00 UTC by htstool " PROJECT_VERSION,
+                               "<dt>Years end with</dt><dd>September</dd>"};
+    for (const QByteArray& part : parts)
         QVERIFY2(page.contains(part), part.constData());
     run.start("report a.hts -c c.txt -y 9 -o -");
     QCOMPARE(run.output, page);
+    const QByteArray result = run.read("pond.hts");
+    run.startShell("$PROGRAM report a.hts -c c.txt --result - -o - < pond.hts");
+    QVERIFY(run.output.contains(rowOf("Result", "-", result) + "-</td><td>" + sha256(result)));
+    QVERIFY(!page.contains("Result"));
 }
 
 void ReportTest::pageSaysWhatWasAskedFor_data()
