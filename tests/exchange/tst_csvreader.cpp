@@ -27,7 +27,7 @@ QString readAll(QIODevice& device, const CsvReader::Form& form, int repeatedCoun
         const QStringList before = fields.mid(0, repeatedCount);
         fields.clear();
         for (const std::string_view field : reader.fields())
-            fields.append(QString::fromUtf8(field.data(), static_cast<int>(field.size())));
+            fields.append(QString::fromLatin1(field.data(), static_cast<int>(field.size())));
         if (reader.isRepeated() && fields.mid(0, repeatedCount) != before)
             rows.append(QStringLiteral("not repeated:"));
         rows.append(QString::number(reader.lineNumber()) + QLatin1String(": ") +
