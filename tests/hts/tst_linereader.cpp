@@ -151,6 +151,7 @@ private Q_SLOTS:
                                    {"tab and text after", "END_RUN\ttext\n", true},
                                    {"blank before", " END_RUN\n", true},
                                    {"empty line before", "\nEND_RUN\n", true},
+                                   {"return before", "\rEND_RUN\n", true},
                                    {"two blanks before", "  END_RUN\n", false},
                                    {"letter after", "END_RUNS\n", false},
                                    {"cut short", "END_RU\n", false},
