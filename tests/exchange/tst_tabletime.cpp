@@ -108,8 +108,9 @@ void TableTimeTest::badPatternsAreRefused_data()
 {
     addColumns<const char*>("pattern");
     for (const char* pattern : {"", "YY", "D.M.", "YYYY-DD", "YYYY-MM hh", "YYYY-MM-MM", "YYYY m",
-                                "YYYY-MM-DD hh:ss", "YYYY-MM-DD mm", "YYYYx"})
-        QTest::newRow(*pattern == 0 ? "(empty)" : pattern) << QString::fromLatin1(pattern);
+                                "YYYY-MM-DD hh:ss", "YYYY-MM-DD mm", "YYYYx", "YYYY\x80"})
+        QTest::addRow("'%s'", QByteArray(pattern).toPercentEncoding().constData())
+            << QString::fromLatin1(pattern);
 }
 
 void TableTimeTest::badPatternsAreRefused()
@@ -161,6 +162,7 @@ void TableTimeTest::stepsAreFound_data()
         {"weeks", "2000-1-1 24:00,2000-1-8 24:00", "1 week"},
         {"months", "2000-1-31 24:00,2000-2-29 24:00", "1 month"},
         {"last days", "2000-1-31 0:00,2000-2-29 0:00", "1 month"},
+        {"shortest month", "2001-1-31 24:00,2001-2-28 24:00", "1 month"},
         {"months at nine", "2000-1-1 9:00,2000-2-1 9:00", "1 month"},
         {"quarters", "2000-3-31 24:00,2000-6-30 24:00", "3 month"},
         {"years", "2000-9-30 24:00,2001-9-30 24:00,2003-9-30 24:00", "1 year"},

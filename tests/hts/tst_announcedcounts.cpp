@@ -73,7 +73,7 @@ private Q_SLOTS:
         QVERIFY2(peakMemory() - before < kFewMegabytes, qPrintable(QString::number(peakMemory())));
         QCOMPARE(slot.rows, 2000000000);
         QCOMPARE(slot.tableRows.mid(0, 3), texts("first|second|"));
-        QVERIFY2(slot.tableRows.size() < 10000, qPrintable(QString::number(slot.tableRows.size())));
+        QCOMPARE(slot.tableRows.size(), 2 + 4096);
     }
 };
 

@@ -196,6 +196,11 @@ void ImportTest::wrongTablesAreRefused_data()
         "line 3, column 2 (\"A.B [m]\"): \"x\" is not a number with a decimal point; --missing "
         "says "
         "what marks a missing value, --column which columns have values");
+    for (const char separator : {'\t', '|'})
+        row(separator == '|' ? "text between bars" : "text between tabs",
+            days("1 x").replace(',', separator), "",
+            "line 3, column 2 (\"A.B [m]\"): \"x\" is not a number with a decimal point; --missing "
+            "says what marks a missing value, --column which columns have values");
     row("a point among commas", "date;A.B [m]\n2000-01-01;1,5\n2000-01-02;1.5\n", "--decimal comma",
         "line 3, column 2 (\"A.B [m]\"): \"1.5\" is not a number with a decimal comma; --missing "
         "says what marks a missing value, --column which columns have values");
@@ -206,6 +211,8 @@ void ImportTest::wrongTablesAreRefused_data()
                 "value, --column which columns have values");
     row("bad date", "date,A.B [m]\n2000-02-28,1\n2000-02-30,1\n", "",
         "line 3, column 1 (\"date\"): \"2000-02-30\" is not a time as YYYY-MM-DD");
+    row("no date", "date,A.B [m]\n2000-01-01,1\n,2\n", "",
+        "line 3, column 1 (\"date\"): \"\" is not a time as YYYY-MM-DD");
     row("slashes", "date,A.B [m]\n1/2/2000,1\n", "--time date",
         "line 2, column 1 (\"date\"): \"1/2/2000\" is not a time of a known form; --date-format "
         "says what is year, month and day, such as D/M/YYYY or M/D/YYYY");
@@ -308,6 +315,12 @@ void ImportTest::wrongTablesAreRefused_data()
             "no column has the name \"x\"; there are " + names + (count < 20 ? "" : ", ..."));
     }
     const QByteArray kLong = "run,trace,object,slot,units,time,value,slot_type,scale\n";
+    row("bad date in a long table", kLong + "1,,A,B,m,2000-01-01,1,,\n1,,A,B,m,2000-02-30,1,,\n",
+        "", "line 3, column 6 (\"time\"): \"2000-02-30\" is not a time as YYYY-MM-DD");
+    row("no time at all", kLong + "1,,A,B,m,,1,ScalarSlot,\n", "--step day",
+        "line 2, column 6 (\"time\"): \"\" is not a time of a known form; --date-format says what "
+        "is "
+        "year, month and day, such as D/M/YYYY or M/D/YYYY");
     row("bad trace", kLong + "1,x,A,B,m,2000-01-01,1,,\n1,x,A,B,m,2000-01-02,1,,\n", "",
         "line 2, column 2 (\"trace\"): the trace \"x\" is not an integer");
     row("bad scale", kLong + "1,,A,B,m,2000-01-01,1,,x\n1,,A,B,m,2000-01-02,1,,x\n", "",
