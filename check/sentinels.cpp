@@ -253,7 +253,7 @@ std::vector<Sentinels::Occurrence> Sentinels::findIn(const Slot& slot) const
         const bool isBetween = others.contains(each.number);
         if (each.isGiven || (!isBetween && !others.isEmpty()))
             return false;
-        return each.count == 1 || (isBetween && each.count <= countNear(slot, each.number));
+        return each.count == 1 || each.count <= countNear(slot, each.number);
     };
     found.erase(std::remove_if(found.begin(), found.end(), isOrdinary), found.end());
     for (Occurrence& each : found) {

@@ -237,7 +237,7 @@ void ValueCheck::reportEndColumn(std::string_view line)
 {
     if (m_context.recovery.insertedLines() > 0)
         return;
-    if (line.empty() || !isNumberLine(line))
+    if (!isNumberLine(line))
         reportEndLine(kEndColumnLine, kEndColumn, line);
     else
         add(kTooManyValues, m_context.lineNumber(),

@@ -86,6 +86,10 @@ void StructureTest::defectHasItsFindings_data()
         {"several empty lines among the values", "@P@H\n\n@V@E", "46: blank-value;47: blank-value"},
         {"END_COLUMN lost", "@P@H@VEND_SLOT\n", "58: end-column"},
         {"END_SLOT lost", "@P@H@VEND_COLUMN\n", "59: end-slot"},
+        {"END_SLOT misspelt, and a key of the next slot",
+         "@P@H@VEND_COLUMN\nEND_SLOTS\nobject_nane: L\n@Tslot_type: "
+         "ScalarSlot\nEND_SLOT_PREAMBLE\n@H1\n@E",
+         "59: end-slot;60: near-key"},
         {"END_COLUMN twice", "@P@H@VEND_COLUMN\n@E", "59: end-slot"},
         {"END_SLOT twice", "@SEND_SLOT\n", "60: misplaced-line"},
         {"empty line before END_COLUMN", "@P@H@V\n@E", "58: end-column"},
@@ -108,6 +112,8 @@ void StructureTest::defectHasItsFindings_data()
          "46: table-rows"},
         {"table whose END_SLOT is misspelt", "@Trows: 1\nEND_SLOT_PREAMBLE\n1 2\nEND_SLOTS\n",
          "47: table-overrun"},
+        {"end of a preamble after a table",
+         "@Trows: 1\nEND_SLOT_PREAMBLE\n1 2\nEND_SLOT_PREAMBLE\nEND_SLOT\n", "46: table-overrun"},
         {"table that announces too many rows", "@Trows: 2000000000\nEND_SLOT_PREAMBLE\n",
          "40: table-without-end;45: table-rows"},
     };
@@ -124,6 +130,8 @@ void StructureTest::defectHasItsFindings_data()
          "37: too-few-values;39: slot-preamble"},
         {"cut among the values", "@K@R@P@H1\n2\n3", "28: slot-preamble"},
         {"cut after the values", "@K@R@P@H@V", "37: slot-preamble"},
+        {"cut after a method line by its letter", "@K@R@P@Hmax\n@V",
+         "26: method-key;38: slot-preamble"},
         {"cut in the timesteps",
          "@Kstart:2000-1-31 24:00\nend:2000-2-29 24:00\ntime_step_unit:month\ntime_steps:2\n"
          "END_RUN_PREAMBLE\n2000-1-31 24:00\n2000-2",

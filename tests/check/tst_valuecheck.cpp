@@ -124,6 +124,7 @@ void ValueCheckTest::findsInNumbers_data()
     row("on and off", {0, -99, 0, -99}, {sentinel(11, "-99", 2)});
     row("constant but for it", {5, 5, 999, 999}, {sentinel(12, "999", 2)});
     row("constant but for a negative", {5, 5, -9.99}, {farSentinel(12, "-9.99", "once", "5 to 5")});
+    row("negative beside 0", {0, 5, -9.99}, {farSentinel(12, "-9.99", "once", "0 to 5")});
     row("flood", {0, 100, 250, 999}, {sentinel(13, "999", 1)});
     row("larger than three widths", {0, 100, 249, 999},
         {farSentinel(13, "999", "once", "0 to 249")});
