@@ -49,6 +49,7 @@ private Q_SLOTS:
     void columnsFollowTheTimes();
     void lineGoesTheShortWay_data();
     void lineGoesTheShortWay();
+    void marksOfSentinelsAreApart();
     void bandHasTheMedian();
     void pathIsShort();
 };
@@ -64,14 +65,24 @@ void PagePartsTest::textsAreNoMarkup_data()
         {"control characters", "a\tb\x1b[31m\x7f\n", "a\\tb\\u001b[31m\\u007f\\u000a"},
         {"marks of arg", "%1 %2", "%1 %2"},
         {"letters", "Ä\u05d0\u6c34", "Ä\u05d0\u6c34"},
+        {"less", "a<b", "a&lt;b"},
+        {"greater", "a>b", "a&gt;b"},
+        {"ampersand", "a&b", "a&amp;b"},
+        {"quote", "a\"b", "a&quot;b"},
+        {"apostrophe", "a'b", "a&#39;b"},
+        {"first and last plain", " ~", " ~"},
+        {"before them", "\x1f", "\\u001f"},
+        {"after them", "\x7f", "\\u007f"},
         {"long", "0123456789a", "0123456789..."},
+        {"long enough", "0123456789", "0123456789"},
+        {"long pair", "012345678\U0001f30a", "012345678..."},
     });
 }
 
 void PagePartsTest::textsAreNoMarkup()
 {
     QFETCH(QString, text);
-    const bool isLong = QByteArray(QTest::currentDataTag()) == "long";
+    const bool isLong = QByteArray(QTest::currentDataTag()).startsWith("long");
     QTEST(htmlText(text, isLong ? 10 : 400), "html");
 }
 
@@ -316,6 +327,18 @@ void PagePartsTest::lineGoesTheShortWay()
     slot.envelope = Envelope(ChartColumns(places), values, {});
     const QByteArray chart = slotChart(PageModel(), slot, {});
     QVERIFY2(chart.contains("class=\"input\" d=\"" + path + "\""), chart.constData());
+}
+
+void PagePartsTest::marksOfSentinelsAreApart()
+{
+    const ChartColumns columns({0.0F, 7 / 639.0F, 8 / 639.0F, 15 / 639.0F, 1.0F});
+    const HtsColumn values(5, -999.0);
+    PageSlot slot;
+    slot.envelope = Envelope(columns, values, {});
+    slot.envelope.markSentinels(columns, values, [](double) { return true; });
+    const QByteArray chart = slotChart(PageModel(), slot, {});
+    QVERIFY2(chart.contains("d=\"M66 229l4-4l4 4l-4 4M74 229l4-4l4 4l-4 4M705 229l4-4l4 4l-4 4\""),
+             chart.constData());
 }
 
 void PagePartsTest::bandHasTheMedian()
