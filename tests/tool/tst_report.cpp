@@ -21,6 +21,7 @@ public:
         environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QStringLiteral("86400"));
         write(QStringLiteral("a.hts"), input());
         write(QStringLiteral("c.txt"), methods());
+        write(QStringLiteral("d.txt"), methods() + "Choptank.flow: Sum\n");
         write(QStringLiteral("cut.hts"), input().left(5000));
         write(QStringLiteral("pond.hts"), sourceFile("tests/tool/files/pond.hts"));
         write(QStringLiteral("pond.txt"), sourceFile("tests/tool/files/pond_methods.txt"));
@@ -169,6 +170,8 @@ void ReportTest::endsWith_data()
     addColumns<const char*, int, QByteArray, bool>("arguments", "exitCode", "errors", "hasPage");
     addRows<const char*, int, QByteArray, bool>({
         {"warnings", "pond.hts -c c.txt", 1, "pond.hts: 0 errors, 4 warnings, 7 notes\n", true},
+        {"warning of the methods", "a.hts -c d.txt", 1, "a.hts: 0 errors, 1 warning, 4 notes\n",
+         true},
         {"fails", "cut.hts -c c.txt", 2,
          "cut.hts: 1 error, 0 warnings, 0 notes; a conversion fails: \"Cannot read run "
          "preamble\"\n",
