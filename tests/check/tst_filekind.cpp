@@ -166,6 +166,7 @@ void FileKindTest::htsFileIsTakenForWhatItIs_data()
         {"CR", htsFile().replace("\n", "\r\r\n"), ""},
         {"CR in a comment", "# a\rb\n" + kHts, "ignored-line"},
         {"one line", "number_of_runs:1", "package-preamble"},
+        {"key of a slot", "1 2 3\nunits: cms\n", "ignored-line"},
         {"key of a run", "1 2 3\ntime_steps:12\n", "ignored-line"},
         {"empty first line", '\n' + kHts, "package-preamble"},
         {"CSV, and an empty line", "a,b\n1,2\n\n" + kHts, "ignored-line"},

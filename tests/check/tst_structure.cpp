@@ -132,6 +132,8 @@ void StructureTest::defectHasItsFindings_data()
         {"cut after the values", "@K@R@P@H@V", "37: slot-preamble"},
         {"cut after a method line by its letter", "@K@R@P@Hmax\n@V",
          "26: method-key;38: slot-preamble"},
+        {"table without an end, alone", "@K@R@Trows: 1\nEND_SLOT_PREAMBLE\n1 2\n",
+         "20: table-without-end"},
         {"cut in the timesteps",
          "@Kstart:2000-1-31 24:00\nend:2000-2-29 24:00\ntime_step_unit:month\ntime_steps:2\n"
          "END_RUN_PREAMBLE\n2000-1-31 24:00\n2000-2",
