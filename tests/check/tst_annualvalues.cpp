@@ -395,6 +395,8 @@ void AnnualValuesTest::yearsThatLackMore_data()
     const QList<int> ten = {0, 2, 4, 6, 8, 10, 12, 14, 16, 18};
     row("4 days in a row", days(lacking(365, range(10, 4))), "wmo", "");
     row("5 days in a row", days(lacking(365, range(10, 5))), "wmo", kLacks5);
+    row("5 days in a row, and one later", days(lacking(365, range(10, 5) + QList<int>{100})), "wmo",
+        "lacks a month, by the rule wmo, in 2001; there are 359 of 365 values");
     row("8 days in a row, of two months", days(lacking(365, range(27, 8))), "wmo", "");
     row("10 days", days(lacking(365, ten)), "wmo", "");
     row("10 days, and one of the next month", days(lacking(365, ten + QList<int>{31})), "wmo", "");

@@ -104,6 +104,10 @@ void StructureTest::defectHasItsFindings_data()
         {"name without a value",
          "object_type: R\nobject_name: Lake\nslot_name: \nEND_SLOT_PREAMBLE\n@H@V@E",
          "42: no-slot-name"},
+        {"name misspelt, and missing in the next slot",
+         "object_type: R\nobject_nane: L\nslot_name: F\nEND_SLOT_PREAMBLE\n@H@V@E"
+         "object_type: R\nslot_name: G\nEND_SLOT_PREAMBLE\n@H@V@E",
+         "41: near-key;62: no-object-name"},
         {"timestep before a slot that is not the first", "2000-1-31 24:00\n", "40: misplaced-line"},
         {"method line after an empty line", "@P@H\nmethod: Sum\n@V@E",
          "46: blank-value;47: method-line"},
