@@ -49,6 +49,7 @@ private Q_SLOTS:
     void columnsFollowTheTimes();
     void lineGoesTheShortWay_data();
     void lineGoesTheShortWay();
+    void labelsOfYearsAreApart();
     void marksOfSentinelsAreApart();
     void bandHasTheMedian();
     void pathIsShort();
@@ -313,6 +314,7 @@ void PagePartsTest::lineGoesTheShortWay_data()
         {"down and up", {0, 0.5, 0.5, 1, 1}, {10, 0, 10, 0, 10}, "M0 0h320v720h319v-720"},
         {"up and down", {0, 0.5, 0.5, 1, 1}, {0, 10, 0, 10, 0}, "M0 720h320v-720h319v720"},
         {"same way", {0, 0.5, 0.5, 1}, {5, 0, 10, 5}, "M0 360l320-360v720l319-360"},
+        {"nearer end above", {0, 0.5, 0.5, 1}, {5, 8, 0, 10}, "M0 360l320-216v576l319-720"},
         {"first column", {0, 0, 1}, {10, 0, 0}, "M0 0v720h639"},
         {"one value", {0.5}, {1}, "M320 240h0"},
     });
@@ -327,6 +329,17 @@ void PagePartsTest::lineGoesTheShortWay()
     slot.envelope = Envelope(ChartColumns(places), values, {});
     const QByteArray chart = slotChart(PageModel(), slot, {});
     QVERIFY2(chart.contains("class=\"input\" d=\"" + path + "\""), chart.constData());
+}
+
+void PagePartsTest::labelsOfYearsAreApart()
+{
+    PageModel model;
+    model.firstYear = 2000;
+    for (const float x : {6.0F, 59.0F, 60.0F, 113.0F, 114.0F})
+        model.labelPlaces.push_back({x / 639, x / 639});
+    QCOMPARE(yearLabels(model, 7), QByteArray("<text class=\"y\" x=\"76\" y=\"7\">2000</text>"
+                                              "<text class=\"y\" x=\"130\" y=\"7\">2002</text>"
+                                              "<text class=\"y\" x=\"184\" y=\"7\">2004</text>\n"));
 }
 
 void PagePartsTest::marksOfSentinelsAreApart()
