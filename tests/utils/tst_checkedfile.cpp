@@ -57,6 +57,7 @@ private Q_SLOTS:
     void refusesLinesThatAreTooLong()
     {
         constexpr qint64 kMax = CheckedFile::kMaxLineSize;
+        constexpr qint64 kBlock = 1000000;
         const struct
         {
             qint64 first; // sizes of two lines, the second without an end
@@ -66,7 +67,9 @@ private Q_SLOTS:
                     {3, kMax + 1, true},
                     {kMax, 3, false},
                     {kMax + 1, 3, true},
-                    {kMax - 9, kMax - 9, false}};
+                    {kMax - 9, kMax - 9, false},
+                    // One byte too many, in a block of its own.
+                    {kBlock - kMax % kBlock - 1, kMax + 1, true}};
         for (const auto& row : rows) {
             const QTemporaryDir folder;
             QFile written(folder.filePath(QStringLiteral("file")));
@@ -78,7 +81,6 @@ private Q_SLOTS:
             CheckedFile file(written.fileName());
             file.limitLines();
             QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
-            constexpr qint64 kBlock = 1000000;
             while (!file.read(kBlock).isEmpty()) {
             }
             QCOMPARE(file.hasLongLine(), row.isTooLong);
