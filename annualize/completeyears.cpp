@@ -26,11 +26,10 @@ std::int32_t walkYears(const HtsRun& run, int endMonth, CompleteYears& years)
     QDateTime yearEnd = yearEndIn(run.start.date().year(), endMonth);
     std::int32_t year = 0; // number of the current year, 0 before the first complete one
     QDateTime timestep;
-    bool isValid = run.start.isValid() && yearEnd.isValid();
-    for (int i = 0; isValid && i < run.timeStepCount; ++i) {
+    const bool hasStart = run.start.isValid() && yearEnd.isValid();
+    for (int i = 0; hasStart && i < run.timeStepCount; ++i) {
         timestep = textToDateTime(run.timesteps.at(i));
-        isValid = timestep.isValid();
-        if (!isValid)
+        if (!timestep.isValid())
             break;
         if (i == 0 && yearEnd < timestep && unit.latestEndOfFirst(yearEnd) < timestep)
             yearEnd = yearEnd.addYears(1);
@@ -43,7 +42,7 @@ std::int32_t walkYears(const HtsRun& run, int endMonth, CompleteYears& years)
         years.valueMap.push_back(year);
     }
 
-    const bool hasLast = isValid && timestep.isValid(); // a run may have no timesteps
+    const bool hasLast = timestep.isValid(); // a run may have no timesteps
     years.endsInPartialYear = !hasLast || !unit.completesYear(timestep, yearEnd);
     if (years.endsInPartialYear)
         return hasLast ? year - 1 : 0;
