@@ -71,6 +71,7 @@ class YearCountsTest : public QObject
 
 private Q_SLOTS:
     void countsCompleteYearsOfEachRun();
+    void timesOfALaterRunAreItsOwn();
     void countsWhatAYearLacks_data();
     void countsWhatAYearLacks();
     void fileWithoutACompleteYearHasNoRows();
@@ -100,6 +101,21 @@ void YearCountsTest::countsCompleteYearsOfEachRun()
     QCOMPARE(countsOf(text, 9, "SumNaN"),
              kHeader + QByteArray(flow1).replace(",%,12,", ",SumNaN,12,").replace("%", "8") +
                  others);
+}
+
+void YearCountsTest::timesOfALaterRunAreItsOwn()
+{
+    QByteArray run =
+        runOf("", 12) + slotOf("object_name: Lake\nslot_name: Flow\n", 12, "NaN") + "END_RUN\n";
+    const QByteArray first = "number_of_runs:2\nEND_PACKAGE_PREAMBLE\n" + run;
+    const QByteArray row = "\"a,b.hts\",1,,Lake,Flow,2001-01-01T00:00:00,12,4,2000,,12,8,1,,"
+                           "2000-03-01T00:00:00,2000-03-01T00:00:00\n";
+    QCOMPARE(countsOf(first + run.replace("2000-", "2012-"), 12),
+             kHeader + row +
+                 QByteArray(row)
+                     .replace("2001-", "2013-")
+                     .replace("2000", "2012")
+                     .replace(",1,,Lake", ",2,,Lake"));
 }
 
 void YearCountsTest::countsWhatAYearLacks_data()
