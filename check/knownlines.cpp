@@ -1,5 +1,7 @@
 #include "check/knownlines.h"
 
+#include <iterator>
+
 #include "hts/htskeys.h"
 #include "hts/numbertext.h"
 
@@ -11,6 +13,7 @@ template<typename Keys>
 std::vector<QLatin1String> linesOf(const Keys& keys, std::initializer_list<QLatin1String> endLines)
 {
     std::vector<QLatin1String> lines;
+    lines.reserve(std::size(keys) + endLines.size());
     for (const auto& key : keys)
         lines.push_back(key.key);
     lines.insert(lines.end(), endLines);
