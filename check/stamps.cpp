@@ -10,7 +10,8 @@ bool isEndOfDay(const QString& text)
 }
 
 // Whether the timesteps of a year are as many as it should have, and no other has a place before
-// or after them: a timestep that occurs twice may stand for a missing one.
+// or after them: a timestep that occurs twice may stand for a missing one. Steps of an unknown unit
+// have no length and reach no beginning of a year.
 bool hasAllSteps(const RunSteps& steps, std::size_t first, std::size_t end)
 {
     if (static_cast<qint64>(end - first) < steps.expectedInYearOf(first))
